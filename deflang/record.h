@@ -1,0 +1,89 @@
+// Parameter records: what the line parser makes of a definition text, one record for each name.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "deflang/token.h"
+
+/// The word after the name.
+enum accessCode_t : int {
+  ACCESS_NONE = -1,  ///< the text ended before the word; such a record is not built
+  ACCESS_INDEX = 0,
+  ACCESS_RO = 1,
+  ACCESS_ROSTRICT = 2,
+  ACCESS_WO = 3,
+  ACCESS_RW = 4,
+};
+
+/// One name of an `index` statement.
+struct IndexName {
+  std::string name;
+  Position at;
+};
+using IndexStatement = std::vector<IndexName>;
+
+/// One item of a range statement: a quoted text, or a value with an optional upper value. A bare
+/// number is an expression of one token.
+struct RangeItem {
+  Position at;
+  std::optional<std::string> text;
+  Expression lower;
+  std::optional<Expression> upper;
+};
+
+/// A `rangeValid` or `rangeDoc` statement. No condition and an empty one are the same.
+struct RangeStatement {
+  Expression condition;
+  std::vector<RangeItem> items;
+};
+
+/// A `default` statement: a quoted text or an expression (a bare number is one of one token).
+struct DefaultStatement {
+  Expression condition;
+  Position at;  ///< of the value
+  std::optional<std::string> text;
+  Expression value;
+};
+
+/// A `valueChange` statement; numbers stand in decimal.
+struct Translation {
+  Position at;  ///< of the source
+  std::string source;
+  std::string target;
+};
+
+/// Everything that the text says of one name, each kind of statement in statement order.
+struct ParameterRecord {
+  std::string name;
+  uint32_t line = 0;  ///< where the name first stood
+  accessCode_t access = ACCESS_NONE;
+  std::vector<IndexStatement> indices;
+  std::vector<RangeStatement> rangeValid;
+  std::vector<RangeStatement> rangeDoc;
+  std::vector<Expression> ctrlRO;
+  std::vector<Expression> ctrlValid;
+  std::vector<DefaultStatement> defaults;
+  std::vector<Translation> valueChange;
+};
+
+/// The records of a text, by name. Records stay where they are while others are added.
+class ParameterRecords {
+ public:
+  /// The record of `name`, or null.
+  [[nodiscard]] const ParameterRecord* find(std::string_view name) const;
+  /// The record of `name`; a new one with the given line when there is none.
+  ParameterRecord& findOrAdd(std::string_view name, uint32_t line);
+  /// All records, ascending by name in byte order.
+  [[nodiscard]] std::vector<const ParameterRecord*> inNameOrder() const;
+  [[nodiscard]] size_t size() const { return records_.size(); }
+
+ private:
+  std::deque<ParameterRecord> records_;
+  std::unordered_map<std::string_view, ParameterRecord*> byName_;  // views of the records' names
+};

@@ -1,0 +1,37 @@
+// Tokens: an expression as it stands in the definition text, before it is checked.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// A place in the definition text. Lines count from 1, columns are byte offsets from 0.
+struct Position {
+  uint32_t line = 0;
+  uint32_t column = 0;
+};
+
+/// What a token is, where it is no operator (operators.h has their codes, 0 to 18). The last three
+/// are also the kinds of an operand.
+enum tokenKind_t : int32_t {
+  TOKEN_OPEN = -3,
+  TOKEN_CLOSE = -2,
+  TOKEN_NUMBER = 19,
+  TOKEN_STRING = 20,
+  TOKEN_VARIABLE = 21,
+};
+
+/// One element of an expression, in source order.
+struct Token {
+  Position at;
+  int32_t kind = TOKEN_NUMBER;  ///< a tokenKind_t or an operator's code
+  int32_t number = 0;           ///< of a number
+  std::string text;             ///< of a string; the name of a variable
+};
+
+/// An expression as it was read, the parentheses around it left out.
+struct Expression {
+  std::vector<Token> tokens;
+
+  [[nodiscard]] bool empty() const { return tokens.empty(); }
+};

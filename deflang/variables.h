@@ -1,0 +1,86 @@
+// Variables: the names that a definition's expressions use, and what they hold at one moment.
+//
+// Each definition numbers its names once, when it is built; an expression asks for a value by that
+// number, its slot. A situation is one value for each slot.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+/// What an operand is. The numbers are those of the tokens.
+enum operandKind_t : int32_t {
+  OPERAND_INVALID = -1,  ///< an undefined variable, or an operator's result that does not exist
+  OPERAND_NUMBER = 19,
+  OPERAND_STRING = 20,
+};
+
+/// A value during evaluation. The text of a string is whoever's who bound it; a number that came
+/// from a text keeps a view of that text, which only printing uses.
+struct Operand {
+  operandKind_t kind = OPERAND_INVALID;
+  int32_t number = 0;
+  std::string_view text;
+};
+
+/// What a value text is as an operand: a number when all of it is one, otherwise a string. Keeps a
+/// view of `text`.
+Operand operandOf(std::string_view text);
+
+/// The value text of a bound operand: the text that it came from, or its number in decimal.
+std::string operandText(const Operand& operand);
+
+/// The distinct names of one definition, numbered in the order of their first use.
+class Variables {
+ public:
+  /// The slot of `name`, a new one for a new name.
+  uint32_t slot(const std::string& name);
+  /// The slot of `name`, or nothing.
+  [[nodiscard]] std::optional<uint32_t> find(std::string_view name) const;
+  [[nodiscard]] const std::vector<std::string>& names() const { return names_; }
+  [[nodiscard]] size_t size() const { return names_.size(); }
+
+ private:
+  std::vector<std::string> names_;
+  // Only where there are so many names that a walk over them would show.
+  std::unique_ptr<std::unordered_map<std::string, uint32_t>> lookup_;
+};
+
+/// The values of a definition's variables at one moment, by slot. A fresh one holds none.
+class Situation {
+ public:
+  explicit Situation(size_t slots) : values_(slots) {}
+  void bind(uint32_t slot, const Operand& value) { values_[slot] = value; }
+  [[nodiscard]] const Operand& operator[](uint32_t slot) const { return values_[slot]; }
+  [[nodiscard]] size_t size() const { return values_.size(); }
+
+ private:
+  std::vector<Operand> values_;
+};
+
+/// A situation as one definition's expressions see it. An index definition is judged in the
+/// situation of the parameter that it indexes: `slots` leads from its slots to the parameter's.
+class SituationView {
+ public:
+  // NOLINTNEXTLINE(google-explicit-constructor): a definition's own situation needs no translation.
+  SituationView(const Situation& situation) : situation_(&situation) {}
+  SituationView(const Situation& situation, std::span<const uint32_t> slots)
+      : situation_(&situation), slots_(slots.data()) {}
+  [[nodiscard]] const Operand& operator[](uint32_t slot) const {
+    return (*situation_)[slots_ == nullptr ? slot : slots_[slot]];
+  }
+
+ private:
+  const Situation* situation_;
+  const uint32_t* slots_ = nullptr;
+};
+
+/// Writes the bound variables to the system log: "Var list begin", a line for each name in name
+/// order, "Var list end".
+void dumpVariables(const Variables& variables, const Situation& situation);

@@ -39,5 +39,5 @@ struct OperatorText {
 /// the one-character ones that they begin with.
 const OperatorText* operatorAt(std::string_view rest);
 
-/// The precedence level of an operator, 0 (binds tightest) to 10.
+/// The precedence level of an operator, 0 (binds tightest) to 10; -1 for what is no operator.
 int precedence(int32_t code);

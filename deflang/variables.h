@@ -10,9 +10,10 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
+
+#include "deflang/text_map.h"
 
 /// What an operand is. The numbers are those of the tokens.
 enum operandKind_t : int32_t {
@@ -49,7 +50,7 @@ class Variables {
  private:
   std::vector<std::string> names_;
   // Only where there are so many names that a walk over them would show.
-  std::unique_ptr<std::unordered_map<std::string, uint32_t>> lookup_;
+  std::unique_ptr<TextMap<uint32_t>> lookup_;
 };
 
 /// The values of a definition's variables at one moment, by slot. A fresh one holds none.
@@ -68,19 +69,23 @@ class Situation {
 /// situation of the parameter that it indexes: `slots` leads from its slots to the parameter's.
 class SituationView {
  public:
+  /// A situation in which nothing is bound.
+  SituationView() = default;
   // NOLINTNEXTLINE(google-explicit-constructor): a definition's own situation needs no translation.
   SituationView(const Situation& situation) : situation_(&situation) {}
   SituationView(const Situation& situation, std::span<const uint32_t> slots)
       : situation_(&situation), slots_(slots.data()) {}
   [[nodiscard]] const Operand& operator[](uint32_t slot) const {
+    static constexpr Operand UNBOUND;
+    if (situation_ == nullptr) return UNBOUND;
     return (*situation_)[slots_ == nullptr ? slot : slots_[slot]];
   }
 
  private:
-  const Situation* situation_;
+  const Situation* situation_ = nullptr;
   const uint32_t* slots_ = nullptr;
 };
 
-/// Writes the bound variables to the system log: "Var list begin", a line for each name in name
-/// order, "Var list end".
+/// Writes the bound variables to the system log: "Var list begin", a line `   "name"="value"` for
+/// each in name order, "Var list end". `situation` has a slot for every name.
 void dumpVariables(const Variables& variables, const Situation& situation);

@@ -1,0 +1,65 @@
+#include "deflang/variables.h"
+
+#include <algorithm>
+
+#include "deflang/number.h"
+#include "deflang/system_log.h"
+
+namespace {
+
+// Up to here a walk over the names is as fast as the map, and it needs no memory.
+constexpr size_t MAX_WALKED_NAMES = 16;
+
+}  // namespace
+
+Operand operandOf(std::string_view text) {
+  // A view of nothing means a number without a text.
+  if (text.data() == nullptr) text = "";
+  const std::optional<int32_t> number = wholeNumber(text);
+  if (!number) return {OPERAND_STRING, 0, text};
+  return {OPERAND_NUMBER, *number, text};
+}
+
+std::string operandText(const Operand& operand) {
+  if (operand.text.data() == nullptr) return numberText(operand.number);
+  return std::string(operand.text);
+}
+
+uint32_t Variables::slot(const std::string& name) {
+  if (const std::optional<uint32_t> known = find(name)) return *known;
+  const auto added = static_cast<uint32_t>(names_.size());
+  names_.push_back(name);
+  if (lookup_) {
+    lookup_->emplace(name, added);
+  } else if (names_.size() > MAX_WALKED_NAMES) {
+    lookup_ = std::make_unique<TextMap<uint32_t>>();
+    for (uint32_t i = 0; i < names_.size(); ++i) lookup_->emplace(names_[i], i);
+  }
+  return added;
+}
+
+std::optional<uint32_t> Variables::find(std::string_view name) const {
+  if (lookup_) {
+    const auto found = lookup_->find(name);
+    if (found == lookup_->end()) return std::nullopt;
+    return found->second;
+  }
+  const auto found = std::find(names_.begin(), names_.end(), name);
+  if (found == names_.end()) return std::nullopt;
+  return static_cast<uint32_t>(found - names_.begin());
+}
+
+void dumpVariables(const Variables& variables, const Situation& situation) {
+  const std::vector<std::string>& names = variables.names();
+  std::vector<uint32_t> bound;
+  for (uint32_t slot = 0; slot < names.size(); ++slot) {
+    if (situation[slot].kind != OPERAND_INVALID) bound.push_back(slot);
+  }
+  std::sort(bound.begin(), bound.end(),
+            [&names](uint32_t a, uint32_t b) { return names[a] < names[b]; });
+  logError("Var list begin");
+  for (const uint32_t slot : bound) {
+    logError("   \"" + names[slot] + "\"=\"" + operandText(situation[slot]) + "\"");
+  }
+  logError("Var list end");
+}

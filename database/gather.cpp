@@ -1,0 +1,59 @@
+#include "database/gather.h"
+
+#include <algorithm>
+
+namespace {
+
+// The index values under which `source` is looked up for an instance of `evaluated`.
+IndexTuple sourceIndices(const VariableSource& source, const ParmDef& evaluated,
+                         const IndexTuple& indices) {
+  if (source.qualified || indices.empty()) {
+    return source.indices;
+  }
+  return sharedIndices(evaluated, indices, *source.parm->parm);
+}
+
+}  // namespace
+
+IndexTuple sharedIndices(const ParmDef& evaluated, const IndexTuple& indices,
+                         const ParmDef& referenced) {
+  const std::vector<const IndexDef*>& own = evaluated.indices();
+  if (referenced.indices() == own) {
+    return own.empty() ? IndexTuple{} : indices;
+  }
+  IndexTuple shared;
+  for (const IndexDef* index : referenced.indices()) {
+    const auto position =
+        static_cast<size_t>(std::find(own.begin(), own.end(), index) - own.begin());
+    if (position < std::min(own.size(), indices.size())) {
+      shared.push_back(indices[position]);
+    }
+  }
+  return shared;
+}
+
+Situation gather(const ParmEntry& entry, const IndexTuple& indices, const StagedValues& staged) {
+  Situation situation(entry.parm->variables().size());
+  for (uint32_t slot = 0; slot < entry.sources.size(); ++slot) {
+    const VariableSource& source = entry.sources[slot];
+    if (source.parm != nullptr) {
+      situation.bind(slot, staged.value(*source.parm, sourceIndices(source, *entry.parm, indices)));
+    } else if (source.constant != nullptr) {
+      situation.bind(slot, source.constant->operand());
+    }
+  }
+  return situation;
+}
+
+Situation gather(const IndexEntry& entry, const StagedValues& staged) {
+  Situation situation(entry.index->variables().size());
+  for (uint32_t slot = 0; slot < entry.sources.size(); ++slot) {
+    const VariableSource& source = entry.sources[slot];
+    if (source.parm != nullptr) {
+      situation.bind(slot, staged.value(*source.parm, source.indices));
+    } else if (source.constant != nullptr) {
+      situation.bind(slot, source.constant->operand());
+    }
+  }
+  return situation;
+}

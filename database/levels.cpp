@@ -42,20 +42,27 @@ Groups groupMutualPairs(const DependentsGraph& dependents) {
   return groups;
 }
 
-// The raising edges between groups, each known by the node that stands for it.
+// A raising edge as the group above it sees it.
+struct RaisingEdge {
+  uint32_t from;       // the group below
+  uint32_t dependent;  // the node of this group that depends on it
+};
+
+// The raising edges between groups, each group known by the node that stands for it.
 struct GroupGraph {
   std::vector<std::vector<uint32_t>> above;
-  std::vector<std::vector<uint32_t>> below;
+  std::vector<std::vector<RaisingEdge>> below;
 };
 
 GroupGraph raisingEdges(const DependentsGraph& dependents, Groups& groups) {
-  GroupGraph graph{std::vector<std::vector<uint32_t>>(dependents.size()),
-                   std::vector<std::vector<uint32_t>>(dependents.size())};
+  GroupGraph graph;
+  graph.above.resize(dependents.size());
+  graph.below.resize(dependents.size());
   for (uint32_t node = 0; node < dependents.size(); ++node) {
     for (const uint32_t dependent : dependents[node]) {
       if (!isMutual(dependents, node, dependent)) {
         graph.above[groups.of(node)].push_back(groups.of(dependent));
-        graph.below[groups.of(dependent)].push_back(groups.of(node));
+        graph.below[groups.of(dependent)].push_back({groups.of(node), dependent});
       }
     }
   }
@@ -63,14 +70,17 @@ GroupGraph raisingEdges(const DependentsGraph& dependents, Groups& groups) {
 }
 
 // What an unfinished walk left has something unfinished below it, so the way down ends in a cycle.
-uint32_t findCycle(const GroupGraph& graph, const std::vector<size_t>& open, uint32_t node) {
+uint32_t findCycle(const GroupGraph& graph, const std::vector<size_t>& open, uint32_t group) {
+  const auto wayDown = [&](uint32_t above) {
+    return *std::find_if(graph.below[above].begin(), graph.below[above].end(),
+                         [&](const RaisingEdge& edge) { return open[edge.from] > 0; });
+  };
   std::vector<bool> visited(open.size(), false);
-  while (!visited[node]) {
-    visited[node] = true;
-    node = *std::find_if(graph.below[node].begin(), graph.below[node].end(),
-                         [&](uint32_t below) { return open[below] > 0; });
+  while (!visited[group]) {
+    visited[group] = true;
+    group = wayDown(group).from;
   }
-  return node;
+  return wayDown(group).dependent;
 }
 
 }  // namespace

@@ -12,6 +12,7 @@ const BoundsParm EVERYTHING;
 
 PresentBounds::PresentBounds(const std::vector<ConditionalBounds>& bounds,
                              const SituationView& situation, unusable_t unusable) {
+  computed_.reserve(bounds.size());
   for (const ConditionalBounds& candidate : bounds) {
     if (!candidate.condition.isTrue(situation)) {
       continue;

@@ -2,7 +2,6 @@
 // run-time ranges among them worked out.
 #pragma once
 
-#include <deque>
 #include <string>
 #include <vector>
 
@@ -30,5 +29,5 @@ class PresentBounds {
 
  private:
   std::vector<const Bounds*> applying_;  // in statement order
-  std::deque<BoundsParm> computed_;
+  std::vector<BoundsParm> computed_;     // never grows beyond what was reserved for it
 };

@@ -1,6 +1,7 @@
 #include "database/database.h"
 
 #include <algorithm>
+#include <optional>
 #include <unordered_map>
 #include <utility>
 
@@ -103,6 +104,9 @@ int Database::finish(std::string& name) {
 VariableSource Database::sourceOf(std::string_view variable) {
   VariableSource source;
   source.name = referencedName(variable);
+  if (const std::optional<VidStdName> standard = splitVidStdName(variable)) {
+    source.figure = standard->figure;
+  }
   if (source.name == THIS_VALUE) {
     return source;
   }

@@ -21,6 +21,7 @@ struct ParmEntry;
 /// Where a variable of a definition finds its value.
 struct VariableSource {
   std::string_view name;                ///< the name referred to: P of a video standard name
+  std::string_view figure;              ///< F of a video standard name, else empty
   ParmEntry* parm = nullptr;            ///< of a parameter
   const ValueText* constant = nullptr;  ///< of a command-line constant
   IndexTuple indices;                   ///< those that the name itself carries

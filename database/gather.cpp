@@ -13,6 +13,25 @@ IndexTuple sourceIndices(const VariableSource& source, const ParmDef& evaluated,
   return sharedIndices(evaluated, indices, *source.parm->parm);
 }
 
+// Binds what each source holds; `indicesOf` tells under which index values a parameter is read.
+template <typename IndicesOf>
+Situation gatherFrom(const std::vector<VariableSource>& sources, size_t slots,
+                     const StagedValues& staged, const IndicesOf& indicesOf) {
+  Situation situation(slots);
+  for (uint32_t slot = 0; slot < sources.size(); ++slot) {
+    const VariableSource& source = sources[slot];
+    if (!source.figure.empty()) {
+      continue;
+    }
+    if (source.parm != nullptr) {
+      situation.bind(slot, staged.value(*source.parm, indicesOf(source)));
+    } else if (source.constant != nullptr) {
+      situation.bind(slot, source.constant->operand());
+    }
+  }
+  return situation;
+}
+
 }  // namespace
 
 IndexTuple sharedIndices(const ParmDef& evaluated, const IndexTuple& indices,
@@ -33,27 +52,12 @@ IndexTuple sharedIndices(const ParmDef& evaluated, const IndexTuple& indices,
 }
 
 Situation gather(const ParmEntry& entry, const IndexTuple& indices, const StagedValues& staged) {
-  Situation situation(entry.parm->variables().size());
-  for (uint32_t slot = 0; slot < entry.sources.size(); ++slot) {
-    const VariableSource& source = entry.sources[slot];
-    if (source.parm != nullptr) {
-      situation.bind(slot, staged.value(*source.parm, sourceIndices(source, *entry.parm, indices)));
-    } else if (source.constant != nullptr) {
-      situation.bind(slot, source.constant->operand());
-    }
-  }
-  return situation;
+  return gatherFrom(
+      entry.sources, entry.parm->variables().size(), staged,
+      [&](const VariableSource& source) { return sourceIndices(source, *entry.parm, indices); });
 }
 
 Situation gather(const IndexEntry& entry, const StagedValues& staged) {
-  Situation situation(entry.index->variables().size());
-  for (uint32_t slot = 0; slot < entry.sources.size(); ++slot) {
-    const VariableSource& source = entry.sources[slot];
-    if (source.parm != nullptr) {
-      situation.bind(slot, staged.value(*source.parm, source.indices));
-    } else if (source.constant != nullptr) {
-      situation.bind(slot, source.constant->operand());
-    }
-  }
-  return situation;
+  return gatherFrom(entry.sources, entry.index->variables().size(), staged,
+                    [](const VariableSource& source) { return source.indices; });
 }

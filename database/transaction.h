@@ -49,8 +49,7 @@ class Transaction {
 /// The open transactions by id.
 class Transactions {
  public:
-  explicit Transactions(Database& database, uint32_t nextId = 0)
-      : database_(database), nextId_(nextId) {}
+  explicit Transactions(Database& database) : database_(database) {}
   /// Opens a transaction under the next free id: ids ascend from 0, wrap at 2^32 and skip those
   /// that are open. Returns null when every id is in use.
   Transaction* open(uint32_t& id);
@@ -58,9 +57,11 @@ class Transactions {
   [[nodiscard]] Transaction* find(uint32_t id);
   /// Discards a transaction with its staged values. Returns 0, or 1 for an id that is not open.
   int end(uint32_t id);
+  /// Goes on with `id`, as after so many transactions; tests reach the end of the ids with it.
+  void continueWith(uint32_t id) { nextId_ = id; }
 
  private:
   Database& database_;
   std::map<uint32_t, Transaction> open_;
-  uint32_t nextId_;
+  uint32_t nextId_ = 0;
 };

@@ -1,6 +1,5 @@
 #include "deflang/operations.h"
 
-#include <compare>
 #include <cstring>
 
 #include "deflang/operators.h"
@@ -32,25 +31,6 @@ std::optional<int32_t> divide(int32_t left, int32_t right) {
 std::optional<int32_t> remainder(int32_t left, int32_t right) {
   if (right == 0) return std::nullopt;
   return right == -1 ? 0 : left % right;
-}
-
-std::optional<int32_t> compare(int32_t code, std::strong_ordering order) {
-  switch (code) {
-    case OP_EQUAL:
-      return order == 0;
-    case OP_NOT_EQUAL:
-      return order != 0;
-    case OP_LESS:
-      return order < 0;
-    case OP_GREATER:
-      return order > 0;
-    case OP_LESS_EQUAL:
-      return order <= 0;
-    case OP_GREATER_EQUAL:
-      return order >= 0;
-    default:
-      return std::nullopt;
-  }
 }
 
 // memmem looks in linear time; a plain search would take the product of both lengths at its worst.
@@ -86,8 +66,20 @@ std::optional<int32_t> calculate(int32_t code, int32_t left, int32_t right) {
       return divide(left, right);
     case OP_REMAINDER:
       return remainder(left, right);
+    case OP_EQUAL:
+      return left == right;
+    case OP_NOT_EQUAL:
+      return left != right;
+    case OP_LESS:
+      return left < right;
+    case OP_GREATER:
+      return left > right;
+    case OP_LESS_EQUAL:
+      return left <= right;
+    case OP_GREATER_EQUAL:
+      return left >= right;
     default:
-      return compare(code, left <=> right);
+      return std::nullopt;
   }
 }
 
@@ -111,5 +103,6 @@ std::optional<int32_t> absorb(int32_t code, int32_t defined) {
 
 std::optional<int32_t> compareTexts(int32_t code, std::string_view left, std::string_view right) {
   if (code == OP_CONTAINS) return contains(left, right);
-  return compare(code, left <=> right);
+  if (!isComparison(code)) return std::nullopt;
+  return calculate(code, left.compare(right), 0);
 }

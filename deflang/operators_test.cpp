@@ -35,6 +35,7 @@ TEST(Operators, HaveATextACodeAndALevel) {
     }
     EXPECT_EQ(precedence(row.code), row.level);
     EXPECT_TRUE(isOperator(row.code));
+    EXPECT_EQ(isComparison(row.code), row.level == 4 || row.level == 5);
   }
 }
 
@@ -74,6 +75,7 @@ TEST(Operators, WhatIsNoneHasNoLevel) {
     SCOPED_TRACE(kind);
     EXPECT_EQ(precedence(kind), -1);
     EXPECT_FALSE(isOperator(kind));
+    EXPECT_FALSE(isComparison(kind));
   }
 }
 

@@ -28,21 +28,32 @@ struct Held {
   [[nodiscard]] std::string_view view() const { return {text, size}; }
   [[nodiscard]] bool isNumber() const { return kind == OPERAND_NUMBER; }
   [[nodiscard]] bool isInvalid() const { return kind == OPERAND_INVALID; }
+
+  void setNumber(int32_t value) {
+    kind = OPERAND_NUMBER;
+    number = value;
+  }
+  // Returns whether there is a number.
+  bool setNumber(std::optional<int32_t> value) {
+    if (!value) return false;
+    setNumber(*value);
+    return true;
+  }
+  void setText(std::string_view value, JoinedText* joinedText = nullptr) {
+    kind = OPERAND_STRING;
+    text = value.data();
+    size = value.size();
+    joined = joinedText;
+  }
+  void setOperand(const Operand& operand) {
+    if (operand.kind == OPERAND_STRING) {
+      setText(operand.text);
+    } else {
+      kind = operand.kind;
+      number = operand.number;
+    }
+  }
 };
-
-constexpr Held INVALID{OPERAND_INVALID, 0, nullptr, 0, nullptr};
-
-Held heldNumber(int32_t number) { return {OPERAND_NUMBER, number, nullptr, 0, nullptr}; }
-
-Held heldNumber(std::optional<int32_t> number) { return number ? heldNumber(*number) : INVALID; }
-
-Held heldText(std::string_view text, JoinedText* joined = nullptr) {
-  return {OPERAND_STRING, 0, text.data(), text.size(), joined};
-}
-
-Held heldOperand(const Operand& operand) {
-  return {operand.kind, operand.number, operand.text.data(), operand.text.size(), nullptr};
-}
 
 int32_t toNumber(const Held& held) {
   return held.isNumber() ? held.number : leadingNumber(held.view());
@@ -55,88 +66,95 @@ std::string_view toText(const Held& held, std::string& digits) {
   return digits;
 }
 
-bool isComparison(int32_t code) { return OP_EQUAL <= code && code <= OP_GREATER_EQUAL; }
-
 }  // namespace
 
 // One run of a program. The texts that additions make live as long as it does.
 class Program::Evaluation {
  public:
   Evaluation(const Program& program, const SituationView& situation)
-      : program_(program), situation_(situation) {}
-
-  Held run() {
+      : program_(program), situation_(situation) {
     if (program_.depth_ <= SHALLOW_DEPTH) {
-      Held stack[SHALLOW_DEPTH];
-      return runOn(stack);
+      run(shallow_);
+    } else {
+      deep_.resize(program_.depth_);
+      run(deep_.data());
     }
-    std::vector<Held> stack(program_.depth_);
-    return runOn(stack.data());
   }
 
+  // The value; null for the invalid one.
+  [[nodiscard]] const Held* value() const { return value_; }
+
  private:
-  Held runOn(Held* stack) {
-    Held* top = stack;
+  void run(Held* stack) {
+    Held* top = stack;  // the first free place
     for (const Step& step : program_.steps_) {
       switch (step.kind) {
         case TOKEN_NUMBER:
-          *top++ = heldNumber(step.value);
+          (top++)->setNumber(step.value);
           break;
         case TOKEN_STRING:
-          *top++ = heldText(program_.texts_[static_cast<size_t>(step.value)]);
+          (top++)->setText(program_.texts_[static_cast<size_t>(step.value)]);
           break;
         case TOKEN_VARIABLE:
-          *top++ = heldOperand(situation_[static_cast<uint32_t>(step.value)]);
+          (top++)->setOperand(situation_[static_cast<uint32_t>(step.value)]);
           break;
         default:
           --top;
-          top[-1] = apply(step.kind, top[-1], *top);
-          if (top[-1].isInvalid()) return INVALID;
+          if (!apply(step.kind, top[-1], *top)) return;
       }
     }
-    return top == stack ? INVALID : *stack;
+    if (top != stack && !stack->isInvalid()) value_ = stack;
   }
 
-  Held apply(int32_t code, const Held& left, const Held& right) {
+  // Puts the result in the place of `left`. Returns whether there is one.
+  bool apply(int32_t code, Held& left, const Held& right) {
     if (left.isNumber() && right.isNumber() && code != OP_CONTAINS) {
-      return heldNumber(calculate(code, left.number, right.number));
+      return left.setNumber(calculate(code, left.number, right.number));
     }
     if (left.isInvalid() || right.isInvalid()) return applyToOne(code, left, right);
     if (code == OP_ADD) return join(left, right);
     if (code == OP_CONTAINS || isComparison(code)) {
       std::string leftDigits;
       std::string rightDigits;
-      return heldNumber(compareTexts(code, toText(left, leftDigits), toText(right, rightDigits)));
+      return left.setNumber(
+          compareTexts(code, toText(left, leftDigits), toText(right, rightDigits)));
     }
-    return heldNumber(calculate(code, toNumber(left), toNumber(right)));
+    return left.setNumber(calculate(code, toNumber(left), toNumber(right)));
   }
 
   // At least one operand is an undefined variable.
-  static Held applyToOne(int32_t code, const Held& left, const Held& right) {
+  static bool applyToOne(int32_t code, Held& left, const Held& right) {
     const Held& defined = left.isInvalid() ? right : left;
-    return defined.isInvalid() ? INVALID : heldNumber(absorb(code, toNumber(defined)));
+    return !defined.isInvalid() && left.setNumber(absorb(code, toNumber(defined)));
   }
 
   // An operand is used once, so a text that was made for it may go on growing. The shorter text
   // joins the longer one.
-  Held join(const Held& left, const Held& right) {
+  bool join(Held& left, const Held& right) {
     std::string leftDigits;
     std::string rightDigits;
     const std::string_view leftText = toText(left, leftDigits);
     const std::string_view rightText = toText(right, rightDigits);
-    if (right.joined != nullptr && (left.joined == nullptr || leftText.size() < rightText.size())) {
-      right.joined->prepend(leftText);
-      return heldText(right.joined->view(), right.joined);
+    JoinedText* const leftJoined = left.isNumber() ? nullptr : left.joined;
+    JoinedText* const rightJoined = right.isNumber() ? nullptr : right.joined;
+    if (rightJoined != nullptr && (leftJoined == nullptr || leftText.size() < rightText.size())) {
+      rightJoined->prepend(leftText);
+      left.setText(rightJoined->view(), rightJoined);
+      return true;
     }
-    JoinedText* joined = left.joined;
-    if (joined == nullptr) joined = &joined_.emplace_front(leftText);
+    JoinedText* const joined =
+        leftJoined != nullptr ? leftJoined : &joined_.emplace_front(leftText);
     joined->append(rightText);
-    return heldText(joined->view(), joined);
+    left.setText(joined->view(), joined);
+    return true;
   }
 
   const Program& program_;
   const SituationView& situation_;
+  const Held* value_ = nullptr;
   std::forward_list<JoinedText> joined_;
+  std::vector<Held> deep_;
+  Held shallow_[SHALLOW_DEPTH];
 };
 
 bool Value::isTrue() const { return isNumber() ? number != 0 : valid() && !text.empty(); }
@@ -186,22 +204,18 @@ Program Program::constant(std::string text) {
 }
 
 Value Program::evaluate(const SituationView& situation) const {
-  Evaluation evaluation(*this, situation);
-  const Held held = evaluation.run();
-  switch (held.kind) {
-    case OPERAND_NUMBER:
-      return {OPERAND_NUMBER, held.number, {}};
-    case OPERAND_STRING:
-      return {OPERAND_STRING, 0, std::string(held.view())};
-    default:
-      return {};
-  }
+  const Evaluation evaluation(*this, situation);
+  const Held* const held = evaluation.value();
+  if (held == nullptr) return {};
+  if (held->isNumber()) return {OPERAND_NUMBER, held->number, {}};
+  return {OPERAND_STRING, 0, std::string(held->view())};
 }
 
 bool Program::isTrue(const SituationView& situation) const {
-  Evaluation evaluation(*this, situation);
-  const Held held = evaluation.run();
-  return held.isNumber() ? held.number != 0 : !held.isInvalid() && held.size != 0;
+  const Evaluation evaluation(*this, situation);
+  const Held* const held = evaluation.value();
+  if (held == nullptr) return false;
+  return held->isNumber() ? held->number != 0 : held->size != 0;
 }
 
 bool Program::usesVariables() const {

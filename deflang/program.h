@@ -49,6 +49,7 @@ class Program {
     int32_t value;
   };
   class Evaluation;
+  // What the step of `token` holds; a string's text is kept, a variable gets its slot.
   int32_t stepValue(const Token& token, Variables& variables);
   std::vector<Step> steps_;
   std::vector<std::string> texts_;

@@ -23,8 +23,9 @@ int addPresent(BoundsParm& out, const BoundsExpression::Item& item,
   const Value lower = item.lower.evaluate(situation);
   if (!lower.valid()) return -2;
   if (!item.upper) {
-    // The empty text counts as 0 here, so nothing is refused.
-    static_cast<void>(out.addValue(lower.asText()));
+    // The empty text adds nothing when it is quoted and counts as 0 otherwise.
+    static_cast<void>(item.quoted ? out.strings().addText(lower.asText())
+                                  : out.addValue(lower.asText()));
     return 0;
   }
   if (!lower.isNumber()) return -3;

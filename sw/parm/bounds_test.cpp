@@ -621,6 +621,17 @@ TEST(BoundsExpression, AddsToWhatIsThere) {
   EXPECT_EQ(out.strings().texts(), (std::set<std::string>{"off"}));
 }
 
+TEST(BoundsExpression, AddsAQuotedTextAsItStands) {
+  BoundsExpression bounds;
+  for (const std::string text : {"auto", "7", ""}) {
+    bounds.addItem({Program::constant(text), std::nullopt, true});
+  }
+  BoundsParm out;
+  EXPECT_EQ(bounds.evaluate(out, SituationView()), 0);
+  EXPECT_EQ(show(out.integers().spans()), "");
+  EXPECT_EQ(out.strings().texts(), (std::set<std::string>{"7", "auto"}));
+}
+
 TEST(BoundsExpression, ChecksWithoutAnyVariable) {
   Variables variables;
   expectChecks(expressionOf({{"2 * 5", "20"}, {"\"auto\""}}, variables), {

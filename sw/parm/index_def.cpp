@@ -4,6 +4,16 @@
 
 #include "sw/parm/present_bounds.h"
 
+void noteComputed(std::vector<ConditionalBounds>& list) {
+  for (ConditionalBounds& entry : list) {
+    entry.computed = dynamic_cast<const BoundsExpression*>(entry.bounds.get());
+  }
+}
+
+IndexDef::IndexDef(DefinitionParts parts) : parts_(std::move(parts)) {
+  noteComputed(parts_.conditionalBounds);
+}
+
 bool IndexDef::checkBase(std::string value) const {
   translate(value);
   return parts_.baseBounds.check(value, true);

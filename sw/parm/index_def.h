@@ -5,19 +5,25 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "deflang/program.h"
 #include "deflang/variables.h"
 #include "sw/parm/bounds.h"
 
-/// Bounds that count while a condition is true.
+/// Bounds that count while a condition is true: a BoundsParm, or a BoundsExpression for a run-time
+/// range.
 struct ConditionalBounds {
   Program condition;
   std::unique_ptr<Bounds> bounds;
-  /// `bounds` where they are computed in the situation (a run-time range), else null.
+  /// `bounds` where they are computed in the situation (a run-time range), else null. The
+  /// definition that takes the bounds sees to it.
   const BoundsExpression* computed = nullptr;
 };
+
+/// Notes in each of `list` whether it is a run-time range.
+void noteComputed(std::vector<ConditionalBounds>& list);
 
 /// What an index and a parameter have in common.
 struct DefinitionParts {
@@ -31,7 +37,7 @@ struct DefinitionParts {
 
 class IndexDef {
  public:
-  explicit IndexDef(DefinitionParts parts) : parts_(std::move(parts)) {}
+  explicit IndexDef(DefinitionParts parts);
   IndexDef(IndexDef&&) = default;
   IndexDef& operator=(IndexDef&&) = default;
 

@@ -93,9 +93,10 @@ class ParmDef final : public IndexDef {
     return {situation, indexSlots_[position]};
   }
 
-  /// The committed value of an instance; null while it was never stored.
+  /// The committed value of an instance; null while it was never stored, but for a parameter
+  /// without indices, whose one instance then holds the empty text.
   [[nodiscard]] const CommittedValue* committed(const IndexTuple& indices) const;
-  /// The text of committed(), empty while it was never stored.
+  /// The text of committed(), empty where it is null.
   [[nodiscard]] const std::string& committedText(const IndexTuple& indices) const;
   /// Stores the value of an instance.
   void store(const IndexTuple& indices, const std::string& value);

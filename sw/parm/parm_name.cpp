@@ -17,9 +17,5 @@ ParmName splitName(std::string_view name) {
 }
 
 std::string fullName(std::string_view base, const IndexTuple& indices) {
-  std::string name(base);
-  for (const std::string& value : indices) {
-    name.append("[").append(value).append("]");
-  }
-  return name;
+  return std::string(base).append(indexSuffix(indices));
 }

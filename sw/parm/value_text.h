@@ -1,7 +1,9 @@
 // Value texts: a value as it was given, with what it is as an operand worked out once.
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <utility>
 
 #include "deflang/variables.h"
 

@@ -24,7 +24,7 @@ int resetAll(Transaction& transaction, char** names, bool status);
 int commitAndPublish(Transaction& transaction, ValueObject* object);
 
 /// A name without indices is a parameter as a whole where it makes no instance.
-int getDependencies(Database& database, const char* name, char*** dependencies);
+int getDependencies(Database& database, const char* name, char*** dependencyReply);
 int getRange(Transaction& transaction, const char* name, char*** texts, GPtrArray** spans);
 /// For each name once; the replies are ascending by name.
 int getRanges(Transaction& transaction, char** names, GPtrArray** texts, GPtrArray** spans);

@@ -37,7 +37,8 @@ void publish(ValueObject* object, Database& database, const std::vector<std::str
   Portion portion(object);
   for (const std::string& name : names) {
     std::string value;
-    if (committed.get(name, value) == 0) portion.add(newText(name + "=" + value));
+    if (committed.get(name, value) != 0) continue;
+    portion.add(newText(std::string(name).append("=").append(value)));
   }
   portion.emit();
 }

@@ -251,6 +251,45 @@ gain rw { rangeValid { 0..10 } rangeValid ( mode == 1 ) { 20..30 } }
   });
 }
 
+TEST_F(QueriesTest, AFailureOnTheWayToTheTargetIsCodeMinus6) {
+  serve(R"(
+mode rw { rangeValid { 0..1 } }
+bad  rw { rangeValid { 0..10 } rangeValid ( mode == 1 ) { 20..30 } }
+next rw { rangeValid ( bad == 5 ) { 0..3 } rangeValid ( bad != 5 ) { 0..4 } }
+)");
+  expectFacts({
+      {"single_set('bad', '5')", "()", {"bad=5", "next="}},
+      {"start()", "1"},
+      {"get_range(1, 'next')", "([], [(0, 3)])"},
+      {"set(1, 'mode', '1')", "()"},
+      {"get_range(1, 'next')",
+       "Get range failed because of invalid bounds (-6)",
+       {},
+       {"set: ERROR \"bad\": Invalid value \"20\""}},
+  });
+}
+
+TEST_F(QueriesTest, ARangeKnowsTheIndexValuesOfItsInstance) {
+  serve(R"(
+mode rw { rangeValid { 0..1 } }
+chan index { rangeValid { 0..3 } }
+port index { rangeValid { "in", "out" } }
+gain rw { index { chan, port } rangeDoc ( port == "in" ) { (chan * 10)..(chan * 10 + 5) }
+          rangeDoc ( mode == 1 ) { (port) } rangeValid { 0..99 } }
+sum  rw { index { chan } rangeValid ( mode == 1 && gain == 0 ) { 0..(chan) } }
+)");
+  expectFacts({
+      {"start()", "0"},
+      {"get_range(0, 'gain[2][in]')", "([], [(20, 25)])"},
+      {"get_range(0, 'gain[3][out]')", "([], [(0, 99)])"},
+      {"set(0, 'mode', '1')", "()"},
+      {"get_range(0, 'gain[3][out]')", "(['out'], [])"},
+      // gain is read with the one index value that sum has: no instance, an empty value.
+      {"get_range(0, 'sum[2]')", "([], [(0, 2)])"},
+      {"get_deps('sum[2]')", "['chan', 'gain[2]', 'mode', 'port']"},
+  });
+}
+
 TEST_F(QueriesTest, BulkRangesAreOneListInNameOrder) {
   serve(R"(
 chan index { rangeValid { 0..1 } }

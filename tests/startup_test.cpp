@@ -165,19 +165,35 @@ TEST(DefinitionInput, DefinitionsThatCannotBeBuiltEndWithStatus1) {
             "a rw { rangeValid { 2..1 } }\n                    ^\n");
 }
 
-class DefinitionEndTest : public ServiceTest {};
+class DefinitionTextTest : public ServiceTest {};
 
-TEST_F(DefinitionEndTest, TheLastLineNeedsNoNewline) {
+TEST_F(DefinitionTextTest, TheLastLineNeedsNoNewline) {
   serve("a rw { rangeValid { 0..9 } }\nb rw { rangeValid { 5..6 } }");
   expectFacts({{"single_is_valid('b', '5')", "true"}, {"single_is_valid('b', '7')", "false"}});
 }
 
-TEST_F(DefinitionEndTest, ADefinitionThatTheEndOfTheTextLeavesOpenIsBuilt) {
+TEST_F(DefinitionTextTest, ADefinitionThatTheEndOfTheTextLeavesOpenIsBuilt) {
   serve("a rw { rangeValid { 0..9 } default { 4 }\nctrlRO ( 1 ==");
   expectFacts({{"single_reset('a')", "()", {"a=4"}}, {"single_is_valid('a', '10')", "false"}});
 }
 
-TEST_F(DefinitionEndTest, ANameWithoutAnAccessWordIsNoParameter) {
+TEST_F(DefinitionTextTest, AQuotedTextIsJoinedAcrossLines) {
+  serve(
+      "a rw { default { \"one\n  two\n# not in the text\n\nthree\" } }\n"
+      "b rw { default { \"cr\r\nlf\" } }\n"
+      "c rw { ctrlRO ( a == \"x\ny\" ) rangeValid { \"p\nq\" } valueChange { \"1\n2\" -> \"p\n q\" "
+      "} }\n");
+  expectFacts({
+      {"single_reset('a')", "()", {"a=one  twothree", "c=pq"}},
+      {"single_reset('b')", "()", {"b=cr\rlf"}},
+      {"single_is_valid('c', '12')", "false"},  // becomes "p q"
+      {"single_is_valid('c', 'pq')", "true"},
+      {"single_set('a', 'xy')", "()", {"a=xy"}},
+      {"single_reset('c')", "()"},  // read-only now
+  });
+}
+
+TEST_F(DefinitionTextTest, ANameWithoutAnAccessWordIsNoParameter) {
   serve("a rw { }\nb");
   expectFacts({
       {"single_set('a', '1')", "()", {"a=1"}},

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "sw/parm/test_build.h"
 
 namespace {
@@ -165,34 +167,38 @@ TEST(Builder, OnlyChecksWhereItIsToldTo) {
 
 // Texts whose size would show any step that walks over what came before.
 std::string manyDefinitions(size_t count) {
-  std::string text = "i index { rangeValid { 1..4 } }\n";
+  std::ostringstream text;
+  text << "i index { rangeValid { 1..4 } }\n";
   for (size_t n = 0; n < count; ++n) {
-    const std::string name = "p" + std::to_string(n);
-    text += name + " rw { index { i } rangeValid { 0..(" + name + "[1] + i) } default { 1 } }\n";
+    text << "p" << n << " rw { index { i } rangeValid { 0..(p" << n
+         << "[1] + i) } default { 1 } }\n";
   }
-  return text;
+  return text.str();
 }
 
-std::string manyTokens(size_t count) {
-  std::string text = "p rw { ctrlRO (p\n";
-  for (size_t n = 0; n < count; ++n) text += " + p" + std::to_string(n) + "[" + "1]\n";
-  return text + ") }\n";
+std::string manyNames(size_t count) {
+  std::ostringstream text;
+  text << "p rw { ctrlRO (p\n";
+  for (size_t n = 0; n < count; ++n) text << " + p" << n << "[1]\n";
+  text << ") }\n";
+  return text.str();
 }
 
 std::string manyStatements(size_t count) {
-  std::string text = "p rw {\n";
+  std::ostringstream text;
+  text << "p rw {\n";
   for (size_t n = 0; n < count; ++n) {
-    const std::string number = std::to_string(n);
-    text += "rangeValid { " + std::to_string(2 * (count - n)) + ", (p + " + number +
-            ") } default (p == " + number + ") { 1 } valueChange { " + number + " -> \"a\" }\n";
+    text << "rangeValid { " << 2 * (count - n) << ", (p + " << n << ") } default (p == " << n
+         << ") { 1 } valueChange { " << n << " -> \"a\" }\n";
   }
-  return text + "}\n";
+  text << "}\n";
+  return text.str();
 }
 
 TEST(Builder, TakesLargeTexts) {
   constexpr size_t COUNT = 20000;
   EXPECT_EQ(BuiltText(manyDefinitions(COUNT)).result, 0);
-  EXPECT_EQ(BuiltText(manyTokens(COUNT)).result, -1);  // none of the names is defined
+  EXPECT_EQ(BuiltText(manyNames(COUNT)).result, -1);  // none of the names is defined
   const BuiltText built(manyStatements(COUNT));
   EXPECT_EQ(built.result, 0);
   EXPECT_EQ(built.parm("p").conditionalBounds().at(0).bounds->count(), 2 * COUNT);

@@ -17,31 +17,34 @@ TEST(WhiteSpace, IsThatOfTheCLocale) {
 }
 
 TEST(StopSet, HoldsTheGivenCharactersAndWhiteSpace) {
-  constexpr StopSet STOPS(",}");
+  constexpr StopSet stops(",}");
   const std::string expected = ",} \t\n\v\f\r";
   for (int c = 0; c < 256; ++c) {
     SCOPED_TRACE(c);
-    EXPECT_EQ(STOPS.contains(static_cast<char>(c)),
+    EXPECT_EQ(stops.contains(static_cast<char>(c)),
               expected.find(static_cast<char>(c)) != std::string::npos);
   }
 }
 
 TEST(Cursor, ReadsAWordWithoutGoingOn) {
-  constexpr StopSet STOPS(",");
+  constexpr StopSet stops(",");
   struct Case {
     std::string_view line;
     std::string_view word;
   };
   const Case cases[] = {
-      {"gain,hue", "gain"},        {"gain", "gain"},  // the end of a line ends a word, with a
-                                                      // newline or without
-      {"gain\n", "gain"},          {",gain", ""},    {"", ""},
+      {"gain,hue", "gain"},
+      {"gain", "gain"},  // the end of a line ends a word, with a
+                         // newline or without
+      {"gain\n", "gain"},
+      {",gain", ""},
+      {"", ""},
       {"h\xf6he \x85", "h\xf6he"},  // bytes from 0x80 up belong to words
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.line);
     const Cursor cursor(c.line, 1);
-    EXPECT_EQ(cursor.word(STOPS), c.word);
+    EXPECT_EQ(cursor.word(stops), c.word);
     EXPECT_EQ(cursor.column(), 0U);
   }
 }

@@ -340,19 +340,19 @@ TEST(DefinitionParser, ReadsTheSameRecordsWhereverATextIsCut) {
 }
 
 TEST(DefinitionParser, TakesLongTextsInTheirStride) {
-  constexpr int COUNT = 20'000;
+  constexpr int count = 20'000;
   Parsed parsed;
   const std::string name(1000, 'n');
-  for (int i = 0; i < COUNT; ++i) {
+  for (int i = 0; i < count; ++i) {
     parsed.parse({name + std::to_string(i % 100), " rw { default { 1 } }\n"});
   }
   parsed.parse({"sum rw { ctrlRO ( 0 "});
-  for (int i = 0; i < COUNT; ++i) parsed.parse({"+ x[\n", " 1 ] \n"});
+  for (int i = 0; i < count; ++i) parsed.parse({"+ x[\n", " 1 ] \n"});
   parsed.parse({") }"});
   EXPECT_EQ(parsed.stop.result, PARSE_DONE);
   EXPECT_EQ(parsed.records.size(), 101U);
   EXPECT_EQ(parsed.records.find(name + "0")->defaults.size(), 200U);
-  EXPECT_EQ(parsed.records.find("sum")->ctrlRO.front().tokens.size(), 2U * COUNT + 1);
+  EXPECT_EQ(parsed.records.find("sum")->ctrlRO.front().tokens.size(), 2U * count + 1);
 }
 
 struct Accepted {

@@ -200,16 +200,16 @@ TEST(ExpressionReader, ReadsOneExpressionAfterTheOther) {
 }
 
 TEST(ExpressionReader, NeitherDepthNorLengthHasALimit) {
-  constexpr size_t COUNT = 100'000;
-  const std::string open(COUNT, '(');
-  const std::string close(COUNT, ')');
+  constexpr size_t count = 100'000;
+  const std::string open(count, '(');
+  const std::string close(count, ')');
   std::string sum = "1";
-  for (size_t i = 1; i < COUNT; ++i) sum += "+-1";
+  for (size_t i = 1; i < count; ++i) sum += "+-1";
   ExpressionReader reader;
   EXPECT_EQ(readText(reader, "(" + open + sum + close + ")").result, PARSE_DONE);
   const Expression expression = reader.take();
-  ASSERT_EQ(expression.tokens.size(), 4 * COUNT - 1);
-  EXPECT_EQ(expression.tokens[3 * COUNT - 2].number, -1);
+  ASSERT_EQ(expression.tokens.size(), 4 * count - 1);
+  EXPECT_EQ(expression.tokens[3 * count - 2].number, -1);
 }
 
 }  // namespace

@@ -51,7 +51,7 @@ Stop feedLines(Read read, const std::vector<std::string_view>& lines) {
 
 /// A number and a variable as they are, a string in single quotes, operators and parentheses.
 inline std::string textOf(const Token& token) {
-  static constexpr const char* OPERATORS[] = {"||", "&&", "|",  "^",  "&",  "==", "!=",
+  static constexpr const char* operators[] = {"||", "&&", "|",  "^",  "&",  "==", "!=",
                                               "<",  ">",  "<=", ">=", "<<", ">>", "+",
                                               "-",  "*",  "/",  "%",  "$"};
   switch (token.kind) {
@@ -66,7 +66,7 @@ inline std::string textOf(const Token& token) {
     case TOKEN_VARIABLE:
       return token.text;
     default:
-      return OPERATORS[token.kind];
+      return operators[token.kind];
   }
 }
 

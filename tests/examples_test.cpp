@@ -53,7 +53,7 @@ class FrameSynchroniserExample : public ServiceTest,
   }
 
   std::string answer(const std::string& call) {
-    const std::string result = client().answer(call);
+    std::string result = client().answer(call);
     EXPECT_EQ(daemon().newLogLines(), std::vector<std::string>()) << call;
     return result;
   }

@@ -43,7 +43,7 @@ name rw { }
 gap  rw { rangeValid { (low)..(low + 2), (low + 10)..(low + 12) } }
 text rw { rangeValid { (name), "off" } }
 both rw { rangeValid { "max", (low)..(low + 5) } }
-one  rw { rangeValid { (low) } valueChange { "here" -> 20 } }
+one  rw { rangeValid { (low)..(low + 9) } valueChange { "mid" -> 25 } }
 )");
   expectFacts({
       {"single_set_bulk(['low', 'name'], ['20', 'auto'])",
@@ -58,9 +58,9 @@ one  rw { rangeValid { (low) } valueChange { "here" -> 20 } }
       {"single_set('both', '22')", "()", {"both=22"}},
       {"single_set('both', '19')", "()", {"both=20"}},
       {"single_set('both', 'min')", "()", {"both=max"}},
-      {"single_set('one', 'here')", "()"},
-      {"single_set('low', '21')", "()", {"low=21", "one=21"}},
-      {"single_set('one', 'here')", "()"},
+      {"single_set('one', 'mid')", "()", {"one=25"}},
+      {"single_set('low', '26')", "()", {"gap=26", "low=26", "one=26"}},
+      {"single_set('one', 'mid')", "()"},
   });
 }
 

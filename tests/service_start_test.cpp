@@ -259,6 +259,24 @@ TEST_F(ServiceEndTest, CallsBehindDieComeBack) {
   forgetDaemon();
 }
 
+TEST_F(ServiceEndTest, LargeRepliesOnTheirWayArriveBeforeTheEnd) {
+  serve("a rw { }");
+  const std::string megabyte(1 << 20, 'x');
+  const Reply set = client().call("single_set", g_variant_new("(ss)", "a", megabyte.c_str()));
+  ASSERT_NE(set.value, nullptr) << set.errorMessage;
+  for (int i = 0; i < 30; ++i) {
+    client().send("single_get('a')");
+  }
+  client().send("die()");
+  const std::vector<std::string> answers = client().collectAnswers();
+  for (size_t i = 0; i + 1 < answers.size(); ++i) {
+    EXPECT_EQ(answers[i].size(), megabyte.size() + 2) << answers[i].substr(0, 80);  // in quotes
+  }
+  EXPECT_EQ(answers.back(), "()");
+  EXPECT_EQ(daemon().waitForEnd().status, 1);
+  forgetDaemon();
+}
+
 TEST_F(ServiceEndTest, OpenTransactionsDoNotKeepTheServiceFromEnding) {
   serve("a rw { rangeValid { 0..9 } }");
   expectFacts({{"start()", "0"}, {"set(0, 'a', '5')", "()"}, {"start()", "1"}});

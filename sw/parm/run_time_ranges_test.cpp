@@ -5,14 +5,14 @@
 #include <cstdint>
 #include <ostream>
 #include <random>
+#include <utility>
 
 #include "sw/parm/parm_name.h"
 #include "sw/parm/set_value.h"
+#include "sw/parm/test_build.h"
 #include "sw/parm/test_definitions.h"
 
 namespace {
-
-using Texts = TextSituation::Texts;
 
 // A limit of a range item: a number or a text, or a variable with a number added, unless that is 0.
 struct Limit {
@@ -46,7 +46,7 @@ struct Item {
     return upper ? lower.text() + ".." + upper->text() : lower.text();
   }
   [[nodiscard]] std::optional<ItemText> present(const Texts& texts) const {
-    const std::optional<std::string> low = lower.present(texts);
+    std::optional<std::string> low = lower.present(texts);
     if (!low || !upper) return low;
     const std::optional<std::string> high = upper->present(texts);
     if (!high || !wholeNumber(*low) || !wholeNumber(*high)) return std::nullopt;
@@ -136,12 +136,29 @@ struct Scene {
   }
 };
 
-std::ostream& operator<<(std::ostream& out, const Scene& scene) {
+// An item as it stands in a definition text: a text in quotes.
+std::string definitionItem(const ItemText& item) {
+  const std::string limit = limitsOf(item).first;
+  const bool isText = !limit.starts_with("(") && !quotedText(item) && !wholeNumber(limit);
+  return isText ? '"' + item + '"' : item;
+}
+
+std::string definitionText(const Scene& scene) {
+  std::string text = "gain rw {\n";
   for (const Statement& statement : scene.statements) {
-    out << "rangeValid ";
-    if (!statement.condition.empty()) out << "(" << statement.condition << ") ";
-    out << testing::PrintToString(statement.texts()) << "\n";
+    text += "  rangeValid";
+    if (!statement.condition.empty()) text += " (" + statement.condition + ")";
+    std::string separator = " { ";
+    for (const ItemText& item : statement.texts()) {
+      text += std::exchange(separator, ", ") + definitionItem(item);
+    }
+    text += " }\n";
   }
+  return text + "}\n";
+}
+
+std::ostream& operator<<(std::ostream& out, const Scene& scene) {
+  out << definitionText(scene);
   out << "translations " << testing::PrintToString(scene.translations) << "\n";
   return out << "present values " << testing::PrintToString(scene.texts) << "\n";
 }
@@ -365,6 +382,24 @@ TEST(RunTimeRanges, LeaveACorrectedValueAsItIs) {
     ++compared;
   }
   EXPECT_GT(compared, SCENES / 4);
+}
+
+// The parameters that the ranges name.
+const std::string OTHERS = "a rw {}\nb rw {}\nu rw {}\nv rw {}\nw rw {}\nx rw {}\n";
+
+// The builder makes of a definition text what the tests above make of its statements.
+TEST(RunTimeRanges, AreMadeAsTheBuilderMakesThem) {
+  Dice dice;
+  for (int round = 0; round < SCENES / 4; ++round) {
+    const Scene scene = dice.scene();
+    const BuiltText built(definitionText(scene) + OTHERS);
+    ASSERT_EQ(built.diagnostics + built.errors, "") << scene;
+    const ParmDef& parm = built.parm("gain");
+    const ParmDef here = makeParm(asWritten(scene));
+    ASSERT_EQ(itemsText(parm.baseBounds()), itemsText(here.baseBounds())) << scene;
+    ASSERT_EQ(conditionalTexts(parm, scene.texts), conditionalTexts(here, scene.texts)) << scene;
+    ASSERT_TRUE(parm.hasRunTimeRanges());
+  }
 }
 
 struct EndCase {

@@ -78,22 +78,22 @@ TEST_F(SetValue, DoesNotWriteWhatIsNotValid) {
 TEST_F(SetValue, WritesByModeReadOnlyConditionsAndForce) {
   struct {
     accessMode_t mode;
-    std::string readOnlyIf;
     setMode_t how;
+    std::string readOnlyIf;
     Expected expected;
   } const cases[] = {
-      {MODE_NORMAL, "0", {}, {SET_STORED, "5", true}},
-      {MODE_NORMAL, "1", {}, {SET_NOT_STORED, "", false}},
-      {MODE_NORMAL, "1", FORCED, {SET_STORED, "5", true}},
-      {MODE_NORMAL, "0", DRY, {SET_STORED, "5", true}},
-      {MODE_NORMAL, "1", DRY, {SET_NOT_STORED, "", false}},
-      {MODE_WRITE_ONLY, "1", {}, {SET_STORED, "5", true}},
-      {MODE_WRITE_ONLY, "1", FORCED, {SET_STORED, "5", true}},
+      {MODE_NORMAL, {}, "0", {SET_STORED, "5", true}},
+      {MODE_NORMAL, {}, "1", {SET_NOT_STORED, "", false}},
+      {MODE_NORMAL, FORCED, "1", {SET_STORED, "5", true}},
+      {MODE_NORMAL, DRY, "0", {SET_STORED, "5", true}},
+      {MODE_NORMAL, DRY, "1", {SET_NOT_STORED, "", false}},
+      {MODE_WRITE_ONLY, {}, "1", {SET_STORED, "5", true}},
+      {MODE_WRITE_ONLY, FORCED, "1", {SET_STORED, "5", true}},
       // The same code whether it was stored or refused.
-      {MODE_ROSTRICT, "0", {}, {SET_NOT_STORED, "5", true}},
-      {MODE_ROSTRICT, "1", {}, {SET_NOT_STORED, "", false}},
-      {MODE_ROSTRICT, "1", FORCED, {SET_NOT_STORED, "5", true}},
-      {MODE_ROSTRICT, "0", DRY, {SET_NOT_STORED, "5", true}},
+      {MODE_ROSTRICT, {}, "0", {SET_NOT_STORED, "5", true}},
+      {MODE_ROSTRICT, {}, "1", {SET_NOT_STORED, "", false}},
+      {MODE_ROSTRICT, FORCED, "1", {SET_NOT_STORED, "5", true}},
+      {MODE_ROSTRICT, DRY, "0", {SET_NOT_STORED, "5", true}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(std::to_string(c.mode) + " read-only if " + c.readOnlyIf);

@@ -34,6 +34,7 @@ inline Program makeProgram(Variables& variables, std::string_view text) {
 inline std::vector<Program> makePrograms(Variables& variables,
                                          const std::vector<std::string>& texts) {
   std::vector<Program> programs;
+  programs.reserve(texts.size());
   for (const std::string& text : texts) programs.push_back(makeProgram(variables, text));
   return programs;
 }

@@ -10,6 +10,7 @@ namespace {
 CommandLine parse(std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), "ostrel");
   std::vector<char*> argv;
+  argv.reserve(arguments.size() + 1);
   for (std::string& argument : arguments) argv.push_back(argument.data());
   argv.push_back(nullptr);
   return parseCommandLine(static_cast<int>(arguments.size()), argv.data());

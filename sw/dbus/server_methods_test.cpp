@@ -79,7 +79,7 @@ class ServerMethods : public testing::Test {
 
  private:
   static std::string valueOf(const std::string& error, char* value) {
-    const std::string result = error.empty() ? value : error;
+    std::string result = error.empty() ? value : error;
     g_free(value);
     return result;
   }

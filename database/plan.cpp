@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <tuple>
 #include <unordered_set>
+#include <utility>
 
 #include "database/index_values.h"
 
@@ -17,22 +18,19 @@ bool isSame(const PlanStep& a, const PlanStep& b) {
   return a.level == b.level && a.entry == b.entry;
 }
 
-// Every parameter that depends on one of `parms`, each once.
-std::vector<ParmEntry*> dependentsOf(const std::vector<ParmEntry*>& parms) {
+// Every parameter that depends on one of `open`, each once.
+std::vector<ParmEntry*> dependentsOf(std::vector<ParmEntry*> open) {
   std::unordered_set<const ParmEntry*> reached;
   std::vector<ParmEntry*> dependents;
-  const auto reach = [&](const ParmEntry& parm) {
+  while (!open.empty()) {
+    const ParmEntry& parm = *open.back();
+    open.pop_back();
     for (ParmEntry* dependent : parm.dependents) {
       if (reached.insert(dependent).second) {
         dependents.push_back(dependent);
+        open.push_back(dependent);
       }
     }
-  };
-  for (const ParmEntry* parm : parms) {
-    reach(*parm);
-  }
-  for (size_t i = 0; i < dependents.size(); ++i) {
-    reach(*dependents[i]);
   }
   return dependents;
 }
@@ -64,7 +62,7 @@ Plan planCommit(Database& database, StagedValues& staged) {
       changing.push_back(entry->parm);
     }
   }
-  for (ParmEntry* dependent : dependentsOf(changing)) {
+  for (ParmEntry* dependent : dependentsOf(std::move(changing))) {
     forEachInstance(database, *dependent->parm, [&](const IndexTuple& indices) {
       plan.push_back({dependent->level, &staged.stage(*dependent, indices, true)});
     });

@@ -38,10 +38,11 @@ TEST(JoinedText, EveryOrderOfGrowthGivesTheSameText) {
       const bool inFront = (order >> step & 1) != 0;
       if (inFront) {
         text.prepend(part);
+        expected.insert(0, part);
       } else {
         text.append(part);
+        expected.append(part);
       }
-      expected = inFront ? part + expected : expected + part;
       ASSERT_EQ(text.view(), expected);
     }
   }

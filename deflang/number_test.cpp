@@ -89,7 +89,7 @@ TEST(WholeNumber, GivesWhatStrtolGives) {
   // Short texts of the characters that decide, all of them.
   const std::string characters = "-+ 0189xXaf";
   std::string text;
-  for (size_t code = 0; code < 11 * 11 * 11 * 11; ++code) {
+  for (size_t code = 0; code < size_t{11} * 11 * 11 * 11; ++code) {
     text.clear();
     for (size_t rest = code; rest > 0; rest /= 11) text += characters[rest % 11];
     char* end = nullptr;

@@ -14,7 +14,7 @@ std::string logged(int priority, const std::string& line) {
   const int before = setlogmask(LOG_MASK(priority));
   testing::internal::CaptureStderr();
   logError(line);
-  const std::string output = testing::internal::GetCapturedStderr();
+  std::string output = testing::internal::GetCapturedStderr();
   setlogmask(before);
   closelog();
   return output;

@@ -22,7 +22,7 @@ TEST_F(DefinitionDraftTest, FindsThePlacesOfTokens) {
   EXPECT_EQ(tokenPosition(expression, 1).column, 15U);
   EXPECT_EQ(tokenPosition(expression, 3).column, 19U);
   EXPECT_EQ(tokenPosition(expression, 3).line, 1U);
-  for (const size_t position : {0, 4}) {
+  for (const size_t position : {0U, 4U}) {
     EXPECT_EQ(tokenPosition(expression, position).line, NO_POSITION);
     EXPECT_EQ(tokenPosition(expression, position).column, NO_POSITION);
   }

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "deflang/line_texts.h"
+#include "deflang/parse_result.h"
 #include "deflang/record.h"
 
 /// What the reading of a definition text gathers.
@@ -15,26 +16,21 @@ struct DefinitionText {
   LineTexts lines;
 };
 
-/// Results of the parser and its parts.
-enum parseResult_t : int {
-  PARSE_DONE = 0,
-  PARSE_CONTINUES = -2,  ///< the line ended first; only the parts return it
-  PARSE_INVALID_ACCESS = 1,
-  PARSE_SYNTAX_ERROR = 2,
-  PARSE_INTERNAL_ERROR = -1,
-};
-
 /// A resumable state machine: a definition may be spread over any number of lines, and the parser
 /// keeps its place in the grammar between calls.
 class DefinitionParser {
  public:
   DefinitionParser();
   ~DefinitionParser();
-  /// Takes in one line, its newline included. Returns PARSE_DONE when it was accepted, otherwise
-  /// an error, and in `column` the offset of the character at which parsing stopped.
+  /// Takes in one line, its newline included, into `records`, which are the same for all lines of a
+  /// text. Returns PARSE_DONE when it was accepted, complete or not; PARSE_INVALID_ACCESS for an
+  /// unknown word after the name or "ctrlRO" in a "wo" record; PARSE_SYNTAX_ERROR;
+  /// PARSE_INTERNAL_ERROR when the record that is being read is not among `records`. After an error
+  /// `column` is the offset of the character at which the failing step started, and only reset()
+  /// leads on.
   int parseLine(ParameterRecords& records, std::string_view line, uint32_t lineNumber,
                 size_t& column);
-  /// Back to the start of a text.
+  /// Back to the start of a text, whatever was left unfinished.
   void reset();
 
  private:
@@ -42,7 +38,7 @@ class DefinitionParser {
   std::unique_ptr<State> state_;
 };
 
-/// Takes in one line and keeps its text; prints an error with the line and a caret to standard
-/// error. Returns the parser's result.
+/// Takes in one line and keeps its text. Prints an error to standard error: the line's number, what
+/// is wrong, and the line with a caret under the column. Returns the parser's result.
 int acceptLine(DefinitionParser& parser, DefinitionText& text, std::string_view line,
                uint32_t lineNumber);

@@ -47,7 +47,7 @@ struct Diagnostic {
 class DiagnosticCollector {
  public:
   /// Raises `code` at the token at `position` (from 1) of `expression`; a position beyond its
-  /// tokens gives a diagnostic without a line.
+  /// tokens gives a diagnostic without a line, and so does 0 where it has none.
   void add(severity_t severity, uint32_t code, const Expression& expression, size_t position,
            const LineTexts& lines, std::string text = {});
   /// Raises `code` at a place in the text.

@@ -28,6 +28,7 @@ enum operatorCode_t : int32_t {
 constexpr int32_t OPERATOR_COUNT = 19;
 
 constexpr bool isOperator(int32_t kind) { return kind >= 0 && kind < OPERATOR_COUNT; }
+constexpr bool isComparison(int32_t kind) { return kind >= OP_EQUAL && kind <= OP_GREATER_EQUAL; }
 
 /// An operator or parenthesis as the reader knows it.
 struct OperatorText {

@@ -48,6 +48,9 @@ class Program {
     int32_t kind;
     int32_t value;
   };
+  class Evaluation;
+  // What the step of `token` holds; a string's text is kept, a variable gets its slot.
+  int32_t stepValue(const Token& token, Variables& variables);
   std::vector<Step> steps_;
   std::vector<std::string> texts_;
   uint32_t depth_ = 0;  // operands held at once, at the most

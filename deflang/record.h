@@ -77,6 +77,7 @@ class ParameterRecords {
  public:
   /// The record of `name`, or null.
   [[nodiscard]] const ParameterRecord* find(std::string_view name) const;
+  [[nodiscard]] ParameterRecord* find(std::string_view name);
   /// The record of `name`; a new one with the given line when there is none.
   ParameterRecord& findOrAdd(std::string_view name, uint32_t line);
   /// All records, ascending by name in byte order.

@@ -28,6 +28,10 @@ int rangeCheck(overflow_t mode, int value, int min, int max);
 /// when `roundUp` is set, else the lower one's high. Without spans, `value` itself.
 int limitToSpans(int value, bool roundUp, overflow_t mode, const Spans& spans);
 
+/// Whether the spans are as limitToSpans wants them: each with low <= high, ascending, with at
+/// least one number left out between neighbours.
+bool areOrdered(const Spans& spans);
+
 class Bounds {
  public:
   virtual ~Bounds() = default;
@@ -66,17 +70,19 @@ class BoundsInteger final : public Bounds {
  public:
   explicit BoundsInteger(overflow_t overflow = OVERFLOW_SATURATE) : overflow_(overflow) {}
   [[nodiscard]] bool check(std::string& value, bool fix) const override;
-  [[nodiscard]] bool isConsistent() const override;
-  [[nodiscard]] size_t count() const override { return spans_.size(); }
-  void clear() override { spans_.clear(); }
+  [[nodiscard]] bool isConsistent() const override { return areOrdered(spans()); }
+  [[nodiscard]] size_t count() const override { return spans().size(); }
+  void clear() override;
   /// Adds the span [low, high], both inclusive, joined with every span that it overlaps or
   /// touches: [4, 9] added to {[0, 3]} gives {[0, 9]}.
   /// Returns 0, or 1 when `high` < `low`; the spans are then as before.
   int addSpan(int low, int high);
-  [[nodiscard]] const Spans& spans() const { return spans_; }
+  [[nodiscard]] const Spans& spans() const;
 
  private:
-  Spans spans_;
+  // As they were added, until spans() is asked for.
+  mutable Spans spans_;
+  mutable bool inOrder_ = true;
   overflow_t overflow_;
 };
 
@@ -108,6 +114,8 @@ class BoundsExpression final : public Bounds {
   struct Item {
     Program lower;
     std::optional<Program> upper;
+    /// Whether a single text stands for itself, also one that could be a number.
+    bool quoted = false;
   };
   /// Judges in a situation without any variable; while an item has no value there, every value is
   /// accepted and left alone.

@@ -1,0 +1,105 @@
+#include "database/commit.h"
+
+#include <algorithm>
+#include <iterator>
+#include <span>
+
+#include "database/evaluation.h"
+#include "database/gather.h"
+#include "database/plan.h"
+#include "deflang/system_log.h"
+
+namespace {
+
+// A pass over a level that has to be walked again, where nothing else is wrong.
+constexpr int WALK_AGAIN = SET_RULE_FAILS;
+
+void resolveResets(StagedValues& staged) {
+  for (StagedEntry* entry : staged.inNameOrder()) {
+    if (entry->reset) {
+      std::string value;
+      // Without a default that applies, the value is the fallback: both serve.
+      static_cast<void>(entry->parm->parm->defaultValue(
+          value, entry->indices, gather(*entry->parm, entry->indices, staged)));
+      entry->value.set(std::move(value));
+    }
+  }
+}
+
+void logRefusal(const StagedEntry& entry, const std::string& value, int result) {
+  logError("commit: ERROR \"" + fullName(entry) + "\"=\"" + value +
+           "\": ret=" + std::to_string(result));
+}
+
+bool isReported(StagedEntry& entry, const std::string& before) {
+  ParmDef& parm = *entry.parm->parm;
+  const bool isFirst = parm.announce(entry.indices);
+  return isFirst || parm.mode() == MODE_WRITE_ONLY || parm.committedText(entry.indices) != before;
+}
+
+// Commits one entry. Returns 0, WALK_AGAIN, or a refusal, which is logged with the value as it was
+// staged.
+int commitEntry(StagedEntry& entry, const StagedValues& staged, std::vector<std::string>& changed) {
+  const std::string before = entry.parm->parm->committedText(entry.indices);
+  const std::string wanted = entry.value.text();
+  const setOutcome_t outcome = evaluate(entry, staged, false);
+  switch (outcome.result) {
+    case SET_STORED:
+      if (outcome.stored && isReported(entry, before)) {
+        changed.push_back(fullName(entry));
+      }
+      return 0;
+    case SET_NOT_STORED:
+      return 0;
+    case SET_RULE_FAILS:
+      return WALK_AGAIN;
+    default:
+      logRefusal(entry, wanted, outcome.result);
+      return outcome.result;
+  }
+}
+
+// Walks a level once. A refusal ends the walk; what it leaves unwalked is as if it had not been
+// staged.
+int passLevel(std::span<const PlanStep> level, const StagedValues& staged,
+              std::vector<std::string>& changed) {
+  int result = 0;
+  for (auto step = level.begin(); step != level.end(); ++step) {
+    const int code = commitEntry(*step->entry, staged, changed);
+    if (code == WALK_AGAIN) {
+      result = WALK_AGAIN;
+    } else if (code != 0) {
+      std::for_each(std::next(step), level.end(),
+                    [](const PlanStep& unwalked) { takeCommitted(*unwalked.entry); });
+      return code;
+    }
+  }
+  return result;
+}
+
+int applyPlan(std::span<const PlanStep> plan, const StagedValues& staged,
+              std::vector<std::string>& changed) {
+  int result = 0;
+  while (!plan.empty()) {
+    const std::span<const PlanStep> level = firstLevel(plan, plan);
+    int code = passLevel(level, staged, changed);
+    while (code == WALK_AGAIN) {
+      code = passLevel(level, staged, changed);
+    }
+    result = result == 0 ? code : result;
+  }
+  return result;
+}
+
+}  // namespace
+
+int commit(Transaction& transaction, std::vector<std::string>& changed) {
+  StagedValues& staged = transaction.staged();
+  resolveResets(staged);
+  const Plan plan = planCommit(transaction.database(), staged);
+  const int result = applyPlan(plan, staged, changed);
+  std::sort(changed.begin(), changed.end());
+  changed.erase(std::unique(changed.begin(), changed.end()), changed.end());
+  staged.clear();
+  return result;
+}

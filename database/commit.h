@@ -1,0 +1,22 @@
+// Commit: staged values become committed ones, and everything that depends on them follows.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "database/transaction.h"
+
+/// Results of commit.
+enum commitResult_t : int {
+  COMMIT_DONE = 0,
+  COMMIT_INVALID_VALUE = -2,  ///< a correction gave no value, or the base bounds refused a value
+  COMMIT_INVALID_INDEX = -3,  ///< an instance that a client staged does not exist
+};
+
+/// Applies the staged values and re-evaluates every instance of every parameter that depends on
+/// them, level by level. `changed` receives the full names to report, ascending: those whose value
+/// changed or that are reported for the first time, and every write-only one. Values are stored as
+/// they are accepted; a failure ends its level, the later levels are still applied. The transaction
+/// is empty afterwards. Returns a commitResult_t, the first failure; a write that the parameter
+/// does not allow just now is no failure and changes nothing.
+int commit(Transaction& transaction, std::vector<std::string>& changed);

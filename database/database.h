@@ -1,0 +1,78 @@
+// The parameter database: constants, definitions, how parameters depend on one another, and what a
+// variable of a definition holds.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "deflang/text_map.h"
+#include "sw/parm/definition_registry.h"
+#include "sw/parm/index_tuple.h"
+#include "sw/parm/value_text.h"
+
+struct ParmEntry;
+
+/// Where a variable of a definition finds its value.
+struct VariableSource {
+  std::string_view name;                ///< the name referred to: P of a video standard name
+  std::string_view figure;              ///< F of a video standard name, else empty
+  ParmEntry* parm = nullptr;            ///< of a parameter
+  const ValueText* constant = nullptr;  ///< of a command-line constant
+  IndexTuple indices;                   ///< those that the name itself carries
+  bool qualified = false;               ///< whether the name carries any "["
+};
+
+/// A parameter and its place among the others.
+struct ParmEntry {
+  std::unique_ptr<ParmDef> parm;
+  std::vector<VariableSource> sources;  ///< by slot, of the names that expressions use
+  std::vector<ParmEntry*> dependents;   ///< who refers to it directly, in name order
+  uint32_t level = 0;
+  uint32_t rank = 0;  ///< its place in name order
+};
+
+/// An index and where its own variables find their values.
+struct IndexEntry {
+  std::unique_ptr<IndexDef> index;
+  std::vector<VariableSource> sources;  ///< by slot
+  std::vector<std::string> values;      ///< the base bounds' values as a set of texts, once asked
+};
+
+class Database final : public DefinitionRegistry {
+ public:
+  Database() = default;
+  Database(const Database&) = delete;
+  Database& operator=(const Database&) = delete;
+
+  /// Returns 0, or 1 for a constant that is already defined and keeps its value.
+  int defineConstant(const std::string& name, const std::string& value);
+
+  [[nodiscard]] const std::string* findConstant(std::string_view name) const override;
+  int registerIndex(std::unique_ptr<IndexDef> index) override;
+  [[nodiscard]] const IndexDef* findIndex(std::string_view name) const override;
+  int registerParm(std::unique_ptr<ParmDef> parm) override;
+  int finish(std::string& name) override;
+
+  /// The parameter of a base name, or null.
+  [[nodiscard]] ParmEntry* findParm(std::string_view base);
+  [[nodiscard]] IndexEntry* findIndexEntry(std::string_view name);
+  /// The parameters in name order.
+  [[nodiscard]] std::vector<ParmEntry*> parmsInNameOrder();
+
+ private:
+  [[nodiscard]] VariableSource sourceOf(std::string_view variable);
+  [[nodiscard]] bool isKnown(const VariableSource& source) const;
+  [[nodiscard]] const std::string* firstUnknownName(std::string& name);
+  void bindSources();
+  int assignLevels(std::string& name);
+
+  std::map<std::string, ValueText, std::less<>> constants_;
+  TextMap<IndexEntry> indices_;
+  TextMap<ParmEntry> parms_;
+};

@@ -1,0 +1,75 @@
+#include "database/dependencies.h"
+
+#include <gtest/gtest.h>
+
+#include "database/test_database.h"
+
+namespace {
+
+using Names = std::set<std::string>;
+
+constexpr std::string_view TEXT = R"(
+in index { rangeValid { 0..3 } ctrlValid (mode != 9) }
+out index { rangeValid { "a", "b" } }
+mode rw { }
+free rw { }
+perIn rw { index { in } }
+both rw { index { in, out } ctrlRO (perIn == LIMIT && out == "a") }
+chain rw { index { in } ctrlRO (both[1][a] == 1 && perIn[2] == 1) }
+sees rw { index { in } ctrlRO (both == 1) }
+figure rw { rangeValid { 0..(vidStd::mode::spal) } }
+left rw { ctrlRO (right == 1) }
+right rw { ctrlRO (left == 1) }
+self rw { index { in } ctrlRO (self == 1 || self[0] == 1) }
+)";
+
+struct DependenciesCase {
+  const char* name;
+  bool withIndices;
+  int result;
+  Names names;
+};
+
+TEST(Dependencies, AreTheNamesThatAParameterRefersToDirectlyOrNot) {
+  Database database;
+  define(database, TEXT, {{"LIMIT", "1"}});
+  const DependenciesCase cases[] = {
+      {"free", true, DEPENDENCIES_FOUND, {}},
+      {"free", false, DEPENDENCIES_FOUND, {}},
+      {"none", true, DEPENDENCIES_NO_PARAMETER, {}},
+      {"none", false, DEPENDENCIES_NO_PARAMETER, {}},
+      {"LIMIT", true, DEPENDENCIES_NO_PARAMETER, {}},
+      {"figure", true, DEPENDENCIES_FOUND, {"mode"}},
+      // An index's conditions belong to the parameters that it indexes.
+      {"perIn[1]", true, DEPENDENCIES_FOUND, {"mode"}},
+      {"both[1][a]", true, DEPENDENCIES_FOUND, {"LIMIT", "mode", "out", "perIn[1]"}},
+      {"both", false, DEPENDENCIES_FOUND, {"LIMIT", "mode", "out", "perIn"}},
+      {"chain[3]",
+       true,
+       DEPENDENCIES_FOUND,
+       {"LIMIT", "both[1][a]", "mode", "out", "perIn[2]", "perIn[3]"}},
+      {"chain",
+       false,
+       DEPENDENCIES_FOUND,
+       {"LIMIT", "both[1][a]", "mode", "out", "perIn", "perIn[2]"}},
+      {"sees[2]", true, DEPENDENCIES_FOUND, {"LIMIT", "both[2]", "mode", "out", "perIn[2]"}},
+      // Reached through another, a parameter does not depend on itself; named directly, it does.
+      {"left", true, DEPENDENCIES_FOUND, {"right"}},
+      {"self[2]", true, DEPENDENCIES_FOUND, {"mode", "self[0]", "self[2]"}},
+      {"perIn", true, DEPENDENCIES_INVALID_INDEX, {}},
+      {"perIn[1][2]", true, DEPENDENCIES_INVALID_INDEX, {}},
+      {"perIn[4]", true, DEPENDENCIES_INVALID_INDEX, {}},
+      {"both[1][c]", true, DEPENDENCIES_INVALID_INDEX, {}},
+      {"free[1]", true, DEPENDENCIES_INVALID_INDEX, {}},
+      {"perIn[1]", false, DEPENDENCIES_NO_PARAMETER, {}},  // asked as a base name
+      {"free[1", true, DEPENDENCIES_FOUND, {}},            // no bracket is closed
+  };
+  for (const DependenciesCase& c : cases) {
+    SCOPED_TRACE(std::string(c.name) + (c.withIndices ? " with indices" : " without indices"));
+    Names names;
+    EXPECT_EQ(dependencies(database, c.name, c.withIndices, names), c.result);
+    EXPECT_EQ(names, c.names);
+  }
+}
+
+}  // namespace

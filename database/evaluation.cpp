@@ -1,0 +1,24 @@
+#include "database/evaluation.h"
+
+#include <string>
+
+#include "database/gather.h"
+
+setOutcome_t evaluate(StagedEntry& entry, const StagedValues& staged, bool dryRun) {
+  std::string value = entry.value.text();
+  const setMode_t mode{entry.status, dryRun, entry.generated};
+  const setOutcome_t outcome = setValue(*entry.parm->parm, value, entry.indices,
+                                        gather(*entry.parm, entry.indices, staged), mode);
+  if (outcome.stored || outcome.result == SET_RULE_FAILS) {
+    entry.value.set(std::move(value));
+  } else {
+    takeCommitted(entry);
+  }
+  const bool passedOver = entry.generated && outcome.result == SET_INVALID_INDEX;
+  return passedOver ? setOutcome_t{SET_STORED, false} : outcome;
+}
+
+void takeCommitted(StagedEntry& entry) {
+  entry.value.set(entry.parm->parm->committedText(entry.indices));
+  entry.status = true;
+}

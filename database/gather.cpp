@@ -1,0 +1,63 @@
+#include "database/gather.h"
+
+#include <algorithm>
+
+namespace {
+
+// The index values under which `source` is looked up for an instance of `evaluated`.
+IndexTuple sourceIndices(const VariableSource& source, const ParmDef& evaluated,
+                         const IndexTuple& indices) {
+  if (source.qualified || indices.empty()) {
+    return source.indices;
+  }
+  return sharedIndices(evaluated, indices, *source.parm->parm);
+}
+
+// Binds what each source holds; `indicesOf` tells under which index values a parameter is read.
+template <typename IndicesOf>
+Situation gatherFrom(const std::vector<VariableSource>& sources, size_t slots,
+                     const StagedValues& staged, const IndicesOf& indicesOf) {
+  Situation situation(slots);
+  for (uint32_t slot = 0; slot < sources.size(); ++slot) {
+    const VariableSource& source = sources[slot];
+    if (!source.figure.empty()) {
+      continue;
+    }
+    if (source.parm != nullptr) {
+      situation.bind(slot, staged.value(*source.parm, indicesOf(source)));
+    } else if (source.constant != nullptr) {
+      situation.bind(slot, source.constant->operand());
+    }
+  }
+  return situation;
+}
+
+}  // namespace
+
+IndexTuple sharedIndices(const ParmDef& evaluated, const IndexTuple& indices,
+                         const ParmDef& referenced) {
+  const std::vector<const IndexDef*>& own = evaluated.indices();
+  if (referenced.indices() == own) {
+    return own.empty() ? IndexTuple{} : indices;
+  }
+  IndexTuple shared;
+  for (const IndexDef* index : referenced.indices()) {
+    const auto position =
+        static_cast<size_t>(std::find(own.begin(), own.end(), index) - own.begin());
+    if (position < std::min(own.size(), indices.size())) {
+      shared.push_back(indices[position]);
+    }
+  }
+  return shared;
+}
+
+Situation gather(const ParmEntry& entry, const IndexTuple& indices, const StagedValues& staged) {
+  return gatherFrom(
+      entry.sources, entry.parm->variables().size(), staged,
+      [&](const VariableSource& source) { return sourceIndices(source, *entry.parm, indices); });
+}
+
+Situation gather(const IndexEntry& entry, const StagedValues& staged) {
+  return gatherFrom(entry.sources, entry.index->variables().size(), staged,
+                    [](const VariableSource& source) { return source.indices; });
+}

@@ -1,0 +1,20 @@
+// Gathering: the values that a definition's variables hold for one instance, as a transaction sees
+// them.
+#pragma once
+
+#include "database/database.h"
+#include "database/staged_values.h"
+#include "deflang/variables.h"
+#include "sw/parm/index_tuple.h"
+
+/// The index values that `referenced` takes from the instance `indices` of `evaluated`, in its own
+/// index order: those of the index definitions that both have.
+IndexTuple sharedIndices(const ParmDef& evaluated, const IndexTuple& indices,
+                         const ParmDef& referenced);
+
+/// The situation of one instance of a parameter. Its views hold while the staged and committed
+/// values stay as they are.
+Situation gather(const ParmEntry& entry, const IndexTuple& indices, const StagedValues& staged);
+
+/// The situation in which an index by itself is judged.
+Situation gather(const IndexEntry& entry, const StagedValues& staged);

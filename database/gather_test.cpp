@@ -1,0 +1,121 @@
+#include "database/gather.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "database/test_database.h"
+
+namespace {
+
+// The instances of several parameters over two indices, each with a value of its own.
+constexpr std::string_view TEXT = R"(
+in index { rangeValid { 0..3 } ctrlValid (mode != 9) }
+out index { rangeValid { "a", "b" } }
+mode rw { }
+perIn rw { index { in } }
+perOut rw { index { out } }
+both rw { index { in, out } }
+swapped rw { index { out, in } }
+
+single rw { ctrlRO (mode == 1 && LIMIT == 2 && perIn == 3 && perIn[2] == 4) }
+ofIn rw { index { in } ctrlRO (mode + perIn + both + perOut + perIn[2] + in) }
+ofBoth rw { index { in, out } ctrlRO (perIn + perOut + both + swapped + vidStd::mode::spal) }
+)";
+
+class GatherTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    define(database_, TEXT, {{"LIMIT", "20"}});
+    store("mode", {}, "m");
+    store("perIn", {"1"}, "in1");
+    store("perIn", {"2"}, "in2");
+    store("perOut", {"a"}, "outA");
+    store("both", {"1", "a"}, "both1a");
+    store("swapped", {"a", "1"}, "swappedA1");
+  }
+
+  void store(const char* name, const IndexTuple& indices, const char* value) {
+    database_.findParm(name)->parm->store(indices, value);
+  }
+
+  // The bound variables of an instance by name.
+  std::map<std::string, std::string> gathered(const char* name, const IndexTuple& indices) {
+    const ParmEntry& entry = *database_.findParm(name);
+    return named(entry.parm->variables(), gather(entry, indices, staged_));
+  }
+
+  static std::map<std::string, std::string> named(const Variables& variables,
+                                                  const Situation& situation) {
+    std::map<std::string, std::string> values;
+    for (uint32_t slot = 0; slot < situation.size(); ++slot) {
+      if (situation[slot].kind != OPERAND_INVALID) {
+        values[variables.names()[slot]] = operandText(situation[slot]);
+      }
+    }
+    return values;
+  }
+
+  Database database_;
+  StagedValues staged_;
+};
+
+using Values = std::map<std::string, std::string>;
+
+TEST_F(GatherTest, ReadsEachNameAsTheInstanceSeesIt) {
+  // An index's own variables are its parameters' too. A figure of a standard and an index name have
+  // no value here; an instance that was never set holds the empty text.
+  EXPECT_EQ(gathered("single", {}),
+            (Values{{"mode", "m"}, {"LIMIT", "20"}, {"perIn", ""}, {"perIn[2]", "in2"}}));
+  EXPECT_EQ(gathered("ofIn", {"1"}), (Values{{"mode", "m"},
+                                             {"perIn", "in1"},
+                                             {"both", ""},    // only one of its two indices
+                                             {"perOut", ""},  // none of its indices
+                                             {"perIn[2]", "in2"}}));
+  EXPECT_EQ(gathered("ofBoth", {"1", "a"}), (Values{{"mode", "m"},
+                                                    {"perIn", "in1"},
+                                                    {"perOut", "outA"},
+                                                    {"both", "both1a"},
+                                                    {"swapped", "swappedA1"}}));
+}
+
+TEST_F(GatherTest, ReadsStagedValuesFirst) {
+  staged_.stage(*database_.findParm("perIn"), {"1"}, false).value.set("staged");
+  EXPECT_EQ(gathered("ofIn", {"1"})["perIn"], "staged");
+  EXPECT_EQ(gathered("ofIn", {"2"})["perIn"], "in2");
+}
+
+TEST_F(GatherTest, ReadsAnIndexsOwnVariables) {
+  const IndexEntry& in = *database_.findIndexEntry("in");
+  EXPECT_EQ(named(in.index->variables(), gather(in, staged_)), (Values{{"mode", "m"}}));
+}
+
+TEST_F(GatherTest, SharesIndicesByDefinition) {
+  const ParmDef& perIn = *database_.findParm("perIn")->parm;
+  const ParmDef& both = *database_.findParm("both")->parm;
+  const ParmDef& swapped = *database_.findParm("swapped")->parm;
+  const ParmDef& mode = *database_.findParm("mode")->parm;
+  struct Case {
+    const char* what;
+    const ParmDef& evaluated;
+    IndexTuple indices;
+    const ParmDef& referenced;
+    IndexTuple shared;
+  };
+  const Case cases[] = {
+      {"the same list", both, {"1", "a"}, both, {"1", "a"}},
+      {"the same list, whatever the number", both, {"1"}, both, {"1"}},
+      {"another order", both, {"1", "a"}, swapped, {"a", "1"}},
+      {"another order, too few values", both, {"1"}, swapped, {"1"}},
+      {"one of two", both, {"1", "a"}, perIn, {"1"}},
+      {"only the one that is there", perIn, {"1"}, both, {"1"}},
+      {"none", both, {"1", "a"}, mode, {}},
+      {"nothing to share", mode, {}, both, {}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_EQ(sharedIndices(c.evaluated, c.indices, c.referenced), c.shared);
+  }
+}
+
+}  // namespace

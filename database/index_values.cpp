@@ -1,0 +1,59 @@
+#include "database/index_values.h"
+
+#include <algorithm>
+
+#include "deflang/number.h"
+
+namespace {
+
+std::vector<std::string> valuesOf(const BoundsParm& bounds) {
+  std::vector<std::string> values(bounds.strings().texts().begin(), bounds.strings().texts().end());
+  for (const Span& span : bounds.integers().spans()) {
+    for (int64_t number = span.first; number <= span.second; ++number) {
+      values.push_back(numberText(static_cast<int32_t>(number)));
+    }
+  }
+  std::sort(values.begin(), values.end());
+  values.erase(std::unique(values.begin(), values.end()), values.end());
+  return values;
+}
+
+// Moves on to the next combination, the last index first. False after the last one.
+bool advance(std::vector<size_t>& places,
+             const std::vector<const std::vector<std::string>*>& values) {
+  for (size_t i = places.size(); i-- > 0;) {
+    if (++places[i] < values[i]->size()) {
+      return true;
+    }
+    places[i] = 0;
+  }
+  return false;
+}
+
+}  // namespace
+
+const std::vector<std::string>& indexValues(IndexEntry& index) {
+  if (index.values.empty()) {
+    index.values = valuesOf(index.index->baseBounds());
+  }
+  return index.values;
+}
+
+void forEachInstance(Database& database, const ParmDef& parm,
+                     const std::function<void(const IndexTuple&)>& visit) {
+  std::vector<const std::vector<std::string>*> values;
+  for (const IndexDef* index : parm.indices()) {
+    values.push_back(&indexValues(*database.findIndexEntry(index->name())));
+    if (values.back()->empty()) {
+      return;
+    }
+  }
+  std::vector<size_t> places(values.size(), 0);
+  IndexTuple indices(values.size());
+  do {
+    for (size_t i = 0; i < values.size(); ++i) {
+      indices[i] = (*values[i])[places[i]];
+    }
+    visit(indices);
+  } while (advance(places, values));
+}

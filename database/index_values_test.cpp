@@ -1,0 +1,65 @@
+#include "database/index_values.h"
+
+#include <gtest/gtest.h>
+
+#include "database/test_database.h"
+
+namespace {
+
+constexpr std::string_view TEXT = R"(
+chan index { rangeValid { 9..11, "left" } }
+side index { rangeValid { "b", "a" } }
+any index { }
+none rw { }
+one rw { index { side } }
+two rw { index { side, chan } }
+open rw { index { side, any } }
+)";
+
+TEST(IndexValues, AreTheNumbersAndTextsInTextOrder) {
+  Database database;
+  define(database, TEXT);
+  const std::vector<std::string> expected = {"10", "11", "9", "left"};
+  EXPECT_EQ(indexValues(*database.findIndexEntry("chan")), expected);
+  EXPECT_EQ(indexValues(*database.findIndexEntry("chan")), expected);  // now remembered
+  EXPECT_TRUE(indexValues(*database.findIndexEntry("any")).empty());
+}
+
+TEST(IndexValues, MakeEveryCombinationInIndexOrder) {
+  Database database;
+  define(database, TEXT);
+  struct Case {
+    const char* name;
+    std::vector<IndexTuple> instances;
+  };
+  const Case cases[] = {
+      {"none", {{}}},
+      {"one", {{"a"}, {"b"}}},
+      {"two",
+       {{"a", "10"},
+        {"a", "11"},
+        {"a", "9"},
+        {"a", "left"},
+        {"b", "10"},
+        {"b", "11"},
+        {"b", "9"},
+        {"b", "left"}}},
+      {"open", {}},  // an index without bounds names no values
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    std::vector<IndexTuple> instances;
+    forEachInstance(database, *database.findParm(c.name)->parm,
+                    [&](const IndexTuple& indices) { instances.push_back(indices); });
+    EXPECT_EQ(instances, c.instances);
+  }
+}
+
+TEST(IndexValues, ReachTheGreatestNumber) {
+  Database database;
+  define(database, "top index { rangeValid { 2147483646..2147483647 } }\np rw { index { top } }\n");
+  EXPECT_EQ(indexValues(*database.findIndexEntry("top")),
+            (std::vector<std::string>{"2147483646", "2147483647"}));
+}
+
+}  // namespace

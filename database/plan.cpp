@@ -1,0 +1,74 @@
+#include "database/plan.h"
+
+#include <algorithm>
+#include <tuple>
+#include <unordered_set>
+
+#include "database/index_values.h"
+
+namespace {
+
+bool comesBefore(const PlanStep& a, const PlanStep& b) {
+  return std::tie(a.level, a.entry->parm->rank, a.entry->indices) <
+         std::tie(b.level, b.entry->parm->rank, b.entry->indices);
+}
+
+bool isSame(const PlanStep& a, const PlanStep& b) {
+  return a.level == b.level && a.entry == b.entry;
+}
+
+// Every parameter that depends on one of `parms`, each once.
+std::vector<ParmEntry*> dependentsOf(const std::vector<ParmEntry*>& parms) {
+  std::unordered_set<const ParmEntry*> reached;
+  std::vector<ParmEntry*> dependents;
+  const auto reach = [&](const ParmEntry& parm) {
+    for (ParmEntry* dependent : parm.dependents) {
+      if (reached.insert(dependent).second) {
+        dependents.push_back(dependent);
+      }
+    }
+  };
+  for (const ParmEntry* parm : parms) {
+    reach(*parm);
+  }
+  for (size_t i = 0; i < dependents.size(); ++i) {
+    reach(*dependents[i]);
+  }
+  return dependents;
+}
+
+}  // namespace
+
+void sortPlan(Plan& plan) {
+  std::sort(plan.begin(), plan.end(), comesBefore);
+  plan.erase(std::unique(plan.begin(), plan.end(), isSame), plan.end());
+}
+
+std::span<const PlanStep> firstLevel(std::span<const PlanStep> plan,
+                                     std::span<const PlanStep>& rest) {
+  const auto end = std::find_if(plan.begin(), plan.end(), [&](const PlanStep& step) {
+    return step.level != plan.front().level;
+  });
+  const auto count = static_cast<size_t>(end - plan.begin());
+  rest = plan.subspan(count);
+  return plan.first(count);
+}
+
+Plan planCommit(Database& database, StagedValues& staged) {
+  Plan plan;
+  std::vector<ParmEntry*> changing;
+  for (StagedEntry* entry : staged.inNameOrder()) {
+    const bool hasDependents = !entry->parm->dependents.empty();
+    plan.push_back({hasDependents ? entry->parm->level : 0, entry});
+    if (hasDependents && (changing.empty() || changing.back() != entry->parm)) {
+      changing.push_back(entry->parm);
+    }
+  }
+  for (ParmEntry* dependent : dependentsOf(changing)) {
+    forEachInstance(database, *dependent->parm, [&](const IndexTuple& indices) {
+      plan.push_back({dependent->level, &staged.stage(*dependent, indices, true)});
+    });
+  }
+  sortPlan(plan);
+  return plan;
+}

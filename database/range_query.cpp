@@ -1,0 +1,136 @@
+#include "database/range_query.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <set>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "database/dependencies.h"
+#include "database/evaluation.h"
+#include "database/gather.h"
+#include "database/plan.h"
+#include "sw/parm/parm_name.h"
+#include "sw/parm/set_value.h"
+
+namespace {
+
+// A pass over a level that has to be walked again, where nothing else is wrong.
+constexpr int WALK_AGAIN = 1;
+
+struct Instance {
+  ParmEntry* parm;
+  IndexTuple indices;
+};
+
+// The instances among `names`: parameters with their full number of index values. Whatever else a
+// parameter depends on is only read.
+std::vector<Instance> instancesOf(Database& database, const std::set<std::string>& names) {
+  std::vector<Instance> instances;
+  for (const std::string& name : names) {
+    ParmName parts = splitName(name);
+    ParmEntry* parm = database.findParm(parts.base);
+    if (parm != nullptr && parts.indices.size() == parm->parm->indices().size()) {
+      instances.push_back({parm, std::move(parts.indices)});
+    }
+  }
+  return instances;
+}
+
+// The level at which evaluation starts: the target's, or a lower one where something is staged that
+// the target depends on.
+uint32_t startLevel(const ParmEntry& target, const std::vector<Instance>& instances,
+                    const StagedValues& staged) {
+  uint32_t level = target.level;
+  for (const Instance& instance : instances) {
+    if (staged.find(*instance.parm, instance.indices) != nullptr) {
+      level = std::min(level, instance.parm->level);
+    }
+  }
+  return level;
+}
+
+Plan planQuery(const std::vector<Instance>& instances, uint32_t startLevel, StagedValues& scratch) {
+  Plan plan;
+  for (const Instance& instance : instances) {
+    if (instance.parm->level >= startLevel) {
+      StagedEntry& entry = scratch.stage(*instance.parm, instance.indices, true);
+      plan.push_back({instance.parm->level, &entry});
+    }
+  }
+  sortPlan(plan);
+  return plan;
+}
+
+int evaluateEntry(StagedEntry& entry, const StagedValues& scratch) {
+  switch (evaluate(entry, scratch, true).result) {
+    case SET_STORED:
+    case SET_NOT_STORED:
+      return RANGE_FOUND;
+    case SET_RULE_FAILS:
+      return WALK_AGAIN;
+    default:
+      return RANGE_REFUSED;
+  }
+}
+
+int passLevel(std::span<const PlanStep> level, const StagedValues& scratch) {
+  int result = RANGE_FOUND;
+  for (const PlanStep& step : level) {
+    const int code = evaluateEntry(*step.entry, scratch);
+    if (code == WALK_AGAIN) {
+      result = WALK_AGAIN;
+    } else if (code != RANGE_FOUND) {
+      return code;
+    }
+  }
+  return result;
+}
+
+// Evaluates the plan level by level. Returns the first failure.
+int evaluatePlan(std::span<const PlanStep> plan, const StagedValues& scratch) {
+  int result = RANGE_FOUND;
+  while (!plan.empty()) {
+    const std::span<const PlanStep> level = firstLevel(plan, plan);
+    int code = passLevel(level, scratch);
+    while (code == WALK_AGAIN) {
+      code = passLevel(level, scratch);
+    }
+    result = result == RANGE_FOUND ? code : result;
+  }
+  return result;
+}
+
+// Evaluates the target itself, this time with a refusal logged, and takes its range.
+int rangeOfTarget(StagedEntry& target, const StagedValues& scratch, BoundsParm& out) {
+  target.generated = false;
+  if (evaluateEntry(target, scratch) != RANGE_FOUND) {
+    return RANGE_REFUSED;
+  }
+  const ParmDef& parm = *target.parm->parm;
+  Situation situation = gather(*target.parm, target.indices, scratch);
+  for (size_t i = 0; i < target.indices.size(); ++i) {
+    parm.bindIndex(situation, i, target.indices[i]);
+  }
+  return parm.range(out, situation);
+}
+
+}  // namespace
+
+int queryRange(Database& database, const StagedValues& staged, std::string_view name,
+               BoundsParm& out) {
+  const ParmName target = splitName(name);
+  std::set<std::string> names = {fullName(target.base, target.indices)};
+  if (dependencies(database, name, true, names) != DEPENDENCIES_FOUND) {
+    return RANGE_INVALID_NAME;
+  }
+  ParmEntry& parm = *database.findParm(target.base);
+  const std::vector<Instance> instances = instancesOf(database, names);
+  StagedValues scratch(&staged);
+  const Plan plan = planQuery(instances, startLevel(parm, instances, staged), scratch);
+  const int planned = evaluatePlan(plan, scratch);
+  const int result = rangeOfTarget(scratch.stage(parm, target.indices, true), scratch, out);
+  return result != RANGE_FOUND ? result : planned;
+}

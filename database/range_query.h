@@ -1,0 +1,22 @@
+// Range queries: the values that one parameter instance may take, as a transaction sees things.
+#pragma once
+
+#include <string_view>
+
+#include "database/database.h"
+#include "database/staged_values.h"
+#include "sw/parm/bounds.h"
+
+/// Results of queryRange besides those of BoundsExpression::evaluate (-5 to -1).
+enum rangeResult_t : int {
+  RANGE_FOUND = 0,
+  RANGE_INVALID_NAME = 1,  ///< no such parameter, or index values that do not fit
+  RANGE_REFUSED = -6,      ///< the instance does not exist, or a value on the way was refused
+};
+
+/// Finds the range of the instance `name` in the situation that a commit of what is staged would
+/// lead to: whatever the instance depends on, from the lowest level that a staged value touches, is
+/// evaluated on a scratch copy first. Nothing staged or committed changes. Returns a rangeResult_t
+/// or the code of the range that applies.
+int queryRange(Database& database, const StagedValues& staged, std::string_view name,
+               BoundsParm& out);

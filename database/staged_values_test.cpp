@@ -1,0 +1,92 @@
+#include "database/staged_values.h"
+
+#include <gtest/gtest.h>
+
+#include "database/test_database.h"
+
+namespace {
+
+constexpr std::string_view TEXT = R"(
+chan index { rangeValid { 0..3 } }
+gain rw { index { chan } }
+mode rw { }
+)";
+
+class StagedValuesTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    define(database_, TEXT);
+    gain_ = database_.findParm("gain");
+    mode_ = database_.findParm("mode");
+    gain_->parm->store({"1"}, "7");
+  }
+
+  Database database_;
+  ParmEntry* gain_ = nullptr;
+  ParmEntry* mode_ = nullptr;
+};
+
+TEST_F(StagedValuesTest, StartAnEntryWithTheCommittedValue) {
+  StagedValues staged;
+  EXPECT_TRUE(staged.empty());
+  EXPECT_EQ(staged.find(*gain_, {"1"}), nullptr);
+  StagedEntry& entry = staged.stage(*gain_, {"1"}, false);
+  EXPECT_EQ(entry.parm, gain_);
+  EXPECT_EQ(entry.indices, IndexTuple{"1"});
+  EXPECT_EQ(entry.value.text(), "7");
+  EXPECT_FALSE(entry.reset);
+  EXPECT_TRUE(entry.status);
+  EXPECT_FALSE(entry.generated);
+  EXPECT_EQ(fullName(entry), "gain[1]");
+  EXPECT_EQ(staged.find(*gain_, {"1"}), &entry);
+  EXPECT_EQ(&staged.stage(*gain_, {"1"}, true), &entry);  // the one that is there stays
+  EXPECT_FALSE(entry.generated);
+  EXPECT_TRUE(staged.stage(*mode_, {}, true).generated);
+}
+
+TEST_F(StagedValuesTest, AreSeenBeforeTheCommittedOnes) {
+  StagedValues staged;
+  EXPECT_EQ(staged.text(*gain_, {"1"}), "7");
+  EXPECT_EQ(staged.value(*gain_, {"1"}).number, 7);
+  EXPECT_EQ(staged.text(*gain_, {"2"}), "");
+  EXPECT_EQ(staged.value(*gain_, {"2"}).kind, OPERAND_NUMBER);  // the empty text counts as 0
+  staged.stage(*gain_, {"1"}, false).value.set("0x10");
+  EXPECT_EQ(staged.text(*gain_, {"1"}), "0x10");
+  EXPECT_EQ(staged.value(*gain_, {"1"}).number, 16);
+}
+
+TEST_F(StagedValuesTest, ShowWhatIsBelowAndLeaveItAlone) {
+  StagedValues below;
+  StagedEntry& original = below.stage(*gain_, {"1"}, false);
+  original.value.set("8");
+  original.status = false;
+  StagedValues above(&below);
+  EXPECT_EQ(above.text(*gain_, {"1"}), "8");
+  EXPECT_EQ(above.find(*gain_, {"1"}), &original);
+
+  StagedEntry& copy = above.stage(*gain_, {"1"}, true);
+  EXPECT_NE(&copy, &original);
+  EXPECT_EQ(copy.value.text(), "8");
+  EXPECT_FALSE(copy.status);
+  EXPECT_FALSE(copy.generated);
+  copy.value.set("9");
+  EXPECT_EQ(above.text(*gain_, {"1"}), "9");
+  EXPECT_EQ(below.text(*gain_, {"1"}), "8");
+}
+
+TEST_F(StagedValuesTest, AreListedByFullNameAndCleared) {
+  StagedValues staged;
+  staged.stage(*mode_, {}, false);
+  staged.stage(*gain_, {"2"}, false);
+  staged.stage(*gain_, {"10"}, false);
+  std::vector<std::string> names;
+  for (const StagedEntry* entry : staged.inNameOrder()) {
+    names.push_back(fullName(*entry));
+  }
+  EXPECT_EQ(names, (std::vector<std::string>{"gain[10]", "gain[2]", "mode"}));
+  staged.clear();
+  EXPECT_TRUE(staged.empty());
+  EXPECT_EQ(staged.find(*mode_, {}), nullptr);
+}
+
+}  // namespace

@@ -1,0 +1,39 @@
+// A database made of a definition text, for tests.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "database/database.h"
+#include "deflang/definition_parser.h"
+#include "deflang/diagnostics.h"
+#include "sw/parm/builder.h"
+
+using Constants = std::map<std::string, std::string>;
+
+/// Fills `database` with the definitions of `text`. Whatever is wrong with the text fails the test.
+inline void define(Database& database, std::string_view text, const Constants& constants = {}) {
+  for (const auto& [name, value] : constants) {
+    ASSERT_EQ(database.defineConstant(name, value), 0) << name;
+  }
+  DefinitionParser parser;
+  DefinitionText definitions;
+  uint32_t lineNumber = 1;
+  while (!text.empty()) {
+    const size_t end = text.find('\n');
+    const std::string_view line = text.substr(0, end == std::string_view::npos ? end : end + 1);
+    ASSERT_EQ(acceptLine(parser, definitions, line, lineNumber++), 0) << line;
+    text.remove_prefix(line.size());
+  }
+  DiagnosticCollector diagnostics;
+  const int result =
+      buildDefinitions(diagnostics, definitions.records, definitions.lines, false, database);
+  ASSERT_EQ(result, 0) << "code "
+                       << (diagnostics.diagnostics().empty()
+                               ? 0
+                               : diagnostics.diagnostics().front().code);
+}

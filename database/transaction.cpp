@@ -1,0 +1,70 @@
+#include "database/transaction.h"
+
+#include "sw/parm/parm_name.h"
+
+int Transaction::set(std::string_view name, const std::string& value, bool status) {
+  StagedEntry* entry = stage(name);
+  if (entry == nullptr) {
+    return STAGE_INVALID_NAME;
+  }
+  if (!entry->parm->parm->checkBase(value)) {
+    return STAGE_INVALID_VALUE;
+  }
+  entry->reset = false;
+  entry->status = status;
+  entry->value.set(value);
+  return STAGE_DONE;
+}
+
+int Transaction::reset(std::string_view name, bool status) {
+  StagedEntry* entry = stage(name);
+  if (entry == nullptr) {
+    return STAGE_INVALID_NAME;
+  }
+  entry->reset = true;
+  entry->status = status;
+  return STAGE_DONE;
+}
+
+int Transaction::get(std::string_view name, std::string& value) const {
+  const ParmEntry* parm = database_.findParm(baseName(name));
+  if (parm != nullptr) {
+    value = staged_.text(*parm, splitName(name).indices);
+    return 0;
+  }
+  const std::string* constant = database_.findConstant(name);
+  if (constant == nullptr) {
+    return 1;
+  }
+  value = *constant;
+  return 0;
+}
+
+bool Transaction::validate(std::string_view name, const std::string& value) const {
+  const ParmEntry* parm = database_.findParm(baseName(name));
+  return parm != nullptr && parm->parm->checkBase(value);
+}
+
+StagedEntry* Transaction::stage(std::string_view name) {
+  ParmEntry* parm = database_.findParm(baseName(name));
+  return parm == nullptr ? nullptr : &staged_.stage(*parm, splitName(name).indices, false);
+}
+
+Transaction* Transactions::open(uint32_t& id) {
+  const uint32_t start = nextId_;
+  do {
+    id = nextId_++;
+    const auto [place, isNew] = open_.try_emplace(id, database_);
+    if (isNew) {
+      return &place->second;
+    }
+  } while (nextId_ != start);
+  return nullptr;
+}
+
+Transaction* Transactions::find(uint32_t id) {
+  const auto found = open_.find(id);
+  return found == open_.end() ? nullptr : &found->second;
+}
+
+int Transactions::end(uint32_t id) { return open_.erase(id) == 1 ? 0 : 1; }

@@ -1,0 +1,67 @@
+// Transactions: a client's own view of the parameters, with the values it has staged.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "database/database.h"
+#include "database/staged_values.h"
+
+/// Results of set and reset.
+enum stageResult_t : int {
+  STAGE_DONE = 0,
+  STAGE_INVALID_NAME = 1,
+  STAGE_INVALID_VALUE = 2,
+};
+
+class Transaction {
+ public:
+  explicit Transaction(Database& database) : database_(database) {}
+
+  /// Stages `value` for the instance `name`. `status` is what commit passes on as force. Returns
+  /// STAGE_DONE; STAGE_INVALID_NAME where no such parameter is defined; STAGE_INVALID_VALUE where
+  /// the base bounds refuse the value: the instance is then staged with what it held before.
+  int set(std::string_view name, const std::string& value, bool status);
+  /// Stages the default for the instance `name`; it is worked out at commit. Returns STAGE_DONE or
+  /// STAGE_INVALID_NAME.
+  int reset(std::string_view name, bool status);
+  /// The value of `name` as the transaction sees it: staged, else committed, else a constant's.
+  /// Returns 0, or 1 for a name that is neither; `value` is then left alone.
+  int get(std::string_view name, std::string& value) const;
+  /// Whether the base bounds of the parameter `name` accept `value`; false without such a
+  /// parameter.
+  [[nodiscard]] bool validate(std::string_view name, const std::string& value) const;
+
+  [[nodiscard]] Database& database() const { return database_; }
+  [[nodiscard]] StagedValues& staged() { return staged_; }
+  [[nodiscard]] const StagedValues& staged() const { return staged_; }
+
+ private:
+  StagedEntry* stage(std::string_view name);
+
+  Database& database_;
+  StagedValues staged_;
+};
+
+/// The open transactions by id.
+class Transactions {
+ public:
+  explicit Transactions(Database& database) : database_(database) {}
+  /// Opens a transaction under the next free id: ids ascend from 0, wrap at 2^32 and skip those
+  /// that are open. Returns null when every id is in use.
+  Transaction* open(uint32_t& id);
+  /// The open transaction of an id, or null.
+  [[nodiscard]] Transaction* find(uint32_t id);
+  /// Discards a transaction with its staged values. Returns 0, or 1 for an id that is not open.
+  int end(uint32_t id);
+  /// Goes on with `id`, as after so many transactions; tests reach the end of the ids with it.
+  void continueWith(uint32_t id) { nextId_ = id; }
+
+ private:
+  Database& database_;
+  std::map<uint32_t, Transaction> open_;
+  uint32_t nextId_ = 0;
+};

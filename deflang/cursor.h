@@ -1,0 +1,67 @@
+// Cursor: a place in one line of definition text, and the reading of words and signs from there.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "deflang/parse_result.h"
+#include "deflang/token.h"
+
+/// White space as the C locale has it, whatever locale the program runs in: bytes from 0x80 up are
+/// none.
+constexpr bool isWhiteSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+/// The characters that end a word: those given, and white space.
+class StopSet {
+ public:
+  constexpr explicit StopSet(std::string_view characters) {
+    for (const char c : characters) stops_[static_cast<unsigned char>(c)] = true;
+    for (unsigned char c = 0; c < 0x80; ++c) {
+      if (isWhiteSpace(static_cast<char>(c))) stops_[c] = true;
+    }
+  }
+  [[nodiscard]] constexpr bool contains(char c) const {
+    return stops_[static_cast<unsigned char>(c)];
+  }
+
+ private:
+  std::array<bool, 256> stops_{};
+};
+
+/// Lives as long as the line that it reads. After a failed step it stands at the character at which
+/// that step started, for the caret.
+class Cursor {
+ public:
+  /// At the start of `line`, which is line `number` (from 1) of its text.
+  Cursor(std::string_view line, uint32_t number) : line_(line), number_(number) {}
+
+  [[nodiscard]] size_t column() const { return column_; }
+  [[nodiscard]] Position position() const { return {number_, static_cast<uint32_t>(column_)}; }
+  [[nodiscard]] std::string_view line() const { return line_; }
+  /// What has not been read yet.
+  [[nodiscard]] std::string_view rest() const { return line_.substr(column_); }
+  [[nodiscard]] bool atEnd() const { return column_ == line_.size(); }
+  /// Whether `sign` comes next.
+  [[nodiscard]] bool at(std::string_view sign) const { return rest().starts_with(sign); }
+  /// The characters before the next stop or the end of the line; they stay unread.
+  [[nodiscard]] std::string_view word(const StopSet& stops) const;
+
+  /// Goes on by `count` characters of the rest.
+  void advance(size_t count) { column_ += count; }
+  /// Goes to `column`, from 0 to the line's length.
+  void moveTo(size_t column) { column_ = column; }
+  /// Goes on to the next character that is no white space. Returns false when the line ends first.
+  bool skipWhiteSpace();
+  /// Goes past `sign`. Returns false, without going on, when it does not come next.
+  bool take(std::string_view sign);
+  /// Goes past `sign` and the white space before it. Returns PARSE_DONE, PARSE_CONTINUES when the
+  /// line ends before it, or PARSE_SYNTAX_ERROR when something else stands there.
+  int expect(std::string_view sign);
+
+ private:
+  std::string_view line_;
+  uint32_t number_;
+  size_t column_ = 0;
+};

@@ -1,0 +1,121 @@
+#include "deflang/expression_reader.h"
+
+#include <optional>
+#include <utility>
+
+#include "deflang/number.h"
+#include "deflang/operators.h"
+
+namespace {
+
+constexpr StopSet OPERAND_STOPS("()|&^=!<>+-*/%$[]");
+
+std::string_view trimmed(std::string_view text) {
+  while (!text.empty() && isWhiteSpace(text.front())) text.remove_prefix(1);
+  while (!text.empty() && isWhiteSpace(text.back())) text.remove_suffix(1);
+  return text;
+}
+
+// In 32 bits, where the least number is its own opposite.
+int32_t negated(int32_t number) { return static_cast<int32_t>(0U - static_cast<uint32_t>(number)); }
+
+// A minus sign before a number is the number's where an operand must stand: at the start and after
+// an operator. After "(" it stays an operator without a left side, which the check refuses.
+void foldNegativeNumbers(std::vector<Token>& tokens) {
+  size_t kept = 0;
+  for (size_t next = 0; next < tokens.size(); ++next, ++kept) {
+    const bool folds = tokens[next].kind == OP_SUBTRACT && next + 1 < tokens.size() &&
+                       tokens[next + 1].kind == TOKEN_NUMBER &&
+                       (kept == 0 || isOperator(tokens[kept - 1].kind));
+    const Position at = tokens[next].at;
+    if (folds) ++next;
+    if (kept != next) tokens[kept] = std::move(tokens[next]);
+    tokens[kept].at = at;
+    if (folds) tokens[kept].number = negated(tokens[kept].number);
+  }
+  tokens.resize(kept);
+}
+
+}  // namespace
+
+int ExpressionReader::read(Cursor& cursor) {
+  int result = isOpen() ? PARSE_DONE : cursor.expect("(");
+  if (result != PARSE_DONE) return result;
+  if (!isOpen()) depth_ = 1;
+  while (isOpen() && result == PARSE_DONE) result = readElement(cursor);
+  return result;
+}
+
+int ExpressionReader::readElement(Cursor& cursor) {
+  if (string_.isOpen() || suffix_.isOpen()) return readQuoted(cursor);
+  if (!cursor.skipWhiteSpace()) return PARSE_CONTINUES;
+  if (cursor.at("\"")) return openString(cursor);
+  const std::string_view word = cursor.word(OPERAND_STOPS);
+  return word.empty() ? readSign(cursor) : readOperand(cursor, word);
+}
+
+int ExpressionReader::openString(Cursor& cursor) {
+  addToken(cursor, TOKEN_STRING);
+  string_.open(cursor);
+  return PARSE_DONE;
+}
+
+int ExpressionReader::readQuoted(Cursor& cursor) {
+  if (string_.isOpen()) {
+    const int result = string_.read(cursor);
+    if (result == PARSE_DONE) tokens_.back().text = string_.take();
+    return result;
+  }
+  const int result = suffix_.read(cursor);
+  if (result == PARSE_DONE) {
+    const std::string suffix = suffix_.take();
+    tokens_.back().text.append("[").append(trimmed(suffix)).append("]");
+  }
+  return result;
+}
+
+int ExpressionReader::readSign(Cursor& cursor) {
+  if (cursor.at("[")) return openSuffix(cursor);
+  const OperatorText* const sign = operatorAt(cursor.rest());
+  if (sign == nullptr) return PARSE_SYNTAX_ERROR;
+  if (sign->code == TOKEN_OPEN) ++depth_;
+  if (sign->code == TOKEN_CLOSE) --depth_;
+  if (isOpen()) addToken(cursor, sign->code);
+  cursor.advance(sign->text.size());
+  if (!isOpen()) cursor.skipWhiteSpace();
+  return PARSE_DONE;
+}
+
+int ExpressionReader::openSuffix(Cursor& cursor) {
+  if (tokens_.empty() || tokens_.back().kind != TOKEN_VARIABLE) return PARSE_SYNTAX_ERROR;
+  suffix_.open(cursor);
+  return PARSE_DONE;
+}
+
+int ExpressionReader::readOperand(Cursor& cursor, std::string_view word) {
+  const std::optional<int32_t> number = wholeNumber(word);
+  addToken(cursor, number ? TOKEN_NUMBER : TOKEN_VARIABLE);
+  if (number) {
+    tokens_.back().number = *number;
+  } else {
+    tokens_.back().text = word;
+  }
+  cursor.advance(word.size());
+  return PARSE_DONE;
+}
+
+void ExpressionReader::addToken(const Cursor& cursor, int32_t kind) {
+  tokens_.push_back({cursor.position(), kind, 0, {}});
+}
+
+Expression ExpressionReader::take() {
+  foldNegativeNumbers(tokens_);
+  return {std::exchange(tokens_, {})};
+}
+
+void ExpressionReader::reset() {
+  tokens_.clear();
+  string_.reset();
+  suffix_.reset();
+  depth_ = 0;
+}

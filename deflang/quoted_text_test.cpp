@@ -1,0 +1,78 @@
+#include "deflang/quoted_text.h"
+
+#include <gtest/gtest.h>
+
+#include "deflang/reader_testing.h"
+
+namespace {
+
+// Opens the text with the first character of `lines`, then reads on.
+Stop readText(QuotedText& text, const std::vector<std::string_view>& lines) {
+  return feedLines(
+      [&text](Cursor& cursor) {
+        if (!text.isOpen() && !text.open(cursor)) return static_cast<int>(PARSE_SYNTAX_ERROR);
+        return text.read(cursor);
+      },
+      lines);
+}
+
+TEST(QuotedText, KeepsWhatStandsBetweenTheSigns) {
+  struct Case {
+    std::vector<std::string_view> lines;
+    std::string_view text;
+    Stop stop;
+  };
+  const Case cases[] = {
+      {{"\"abc\"d"}, "abc", {PARSE_DONE, 1, 5}},
+      {{"\"\""}, "", {PARSE_DONE, 1, 2}},
+      {{"\" a \t b \""}, " a \t b ", {PARSE_DONE, 1, 9}},
+      {{"\"# {}()[],..->\\\""}, "# {}()[],..->\\", {PARSE_DONE, 1, 16}},
+      {{"\"one\n", "two\"\n"}, "onetwo", {PARSE_DONE, 2, 4}},
+      {{"\"one \n", "  two\""}, "one   two", {PARSE_DONE, 2, 6}},
+      {{"\"\n", "\n", "\""}, "", {PARSE_DONE, 3, 1}},
+      {{"\"one\r\n", "\""}, "one\r", {PARSE_DONE, 2, 1}},  // only the newline goes
+      {{"\"o", "ne", "\""}, "one", {PARSE_DONE, 3, 1}},    // the pieces of one long line
+      {{"\"one", "", "\""}, "one", {PARSE_DONE, 3, 1}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.lines.front());
+    QuotedText text;
+    EXPECT_EQ(readText(text, c.lines), c.stop);
+    EXPECT_FALSE(text.isOpen());
+    EXPECT_EQ(text.take(), c.text);
+    EXPECT_EQ(text.take(), "");
+  }
+}
+
+TEST(QuotedText, StaysOpenUntilItsClosingSign) {
+  QuotedText text;
+  EXPECT_FALSE(text.isOpen());
+  EXPECT_EQ(readText(text, {"\"one\n", "two"}), (Stop{PARSE_CONTINUES, 2, 3}));
+  EXPECT_TRUE(text.isOpen());
+  EXPECT_EQ(readText(text, {" three\""}), (Stop{PARSE_DONE, 1, 7}));
+  EXPECT_EQ(text.take(), "onetwo three");
+}
+
+TEST(QuotedText, OpensOnlyAtItsOpeningSign) {
+  QuotedText text;
+  EXPECT_EQ(readText(text, {"'a'"}), (Stop{PARSE_SYNTAX_ERROR, 1, 0}));
+  EXPECT_EQ(readText(text, {""}), (Stop{PARSE_SYNTAX_ERROR, 1, 0}));
+  EXPECT_FALSE(text.isOpen());
+}
+
+TEST(QuotedText, HasSignsOfItsOwnWhereTheyAreGiven) {
+  QuotedText text('[', ']');
+  EXPECT_EQ(readText(text, {"[a\"[b]]"}), (Stop{PARSE_DONE, 1, 6}));
+  EXPECT_EQ(text.take(), "a\"[b");
+}
+
+TEST(QuotedText, ForgetsAnUnfinishedTextOnReset) {
+  QuotedText text;
+  readText(text, {"\"one"});
+  text.reset();
+  EXPECT_FALSE(text.isOpen());
+  EXPECT_EQ(readText(text, {"\"two\""}), (Stop{PARSE_DONE, 1, 5}));
+  EXPECT_EQ(text.take(), "two");
+}
+
+}  // namespace

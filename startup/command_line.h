@@ -1,0 +1,16 @@
+// The command line: options and constants of the program.
+#pragma once
+
+#include <map>
+#include <string>
+
+struct CommandLine {
+  bool daemonize = true;                         ///< cleared by --debug
+  std::string busSuffix;                         ///< of the bus name, from --bus
+  std::string pathSuffix;                        ///< of the object path, from --obj_path
+  std::map<std::string, std::string> constants;  ///< value by name; of two with one name the first
+};
+
+/// Reads the arguments of the process. Ends it for an unknown option and for an argument without
+/// "=", with a usage message, and after --help, --usage and --version.
+CommandLine parseCommandLine(int argc, char** argv);

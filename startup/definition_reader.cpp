@@ -1,0 +1,37 @@
+#include "startup/definition_reader.h"
+
+#include "deflang/definition_parser.h"
+#include "sw/parm/make_definitions.h"
+
+namespace {
+
+int parseText(FILE* in, DefinitionText& text) {
+  DefinitionParser parser;
+  std::string piece;
+  for (uint32_t lineNumber = 1; readPiece(in, piece); ++lineNumber) {
+    if (acceptLine(parser, text, piece, lineNumber) != PARSE_DONE) return 1;
+  }
+  return 0;
+}
+
+}  // namespace
+
+bool readPiece(FILE* in, std::string& piece) {
+  piece.clear();
+  while (piece.size() < MAX_PIECE_LENGTH) {
+    const int character = getc_unlocked(in);
+    if (character == EOF) break;
+    piece += static_cast<char>(character);
+    if (character == '\n') break;
+  }
+  return !piece.empty();
+}
+
+int readDefinitions(FILE* in, DefinitionRegistry& registry) {
+  DefinitionText text;
+  printf("Parsing file.\n");
+  const int result = parseText(in, text);
+  if (result != 0) return result;
+  printf("Making parameter definitions.\n");
+  return makeDefinitions(false, text, registry);
+}

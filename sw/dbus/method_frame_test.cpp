@@ -1,0 +1,54 @@
+#include "sw/dbus/method_frame.h"
+
+#include <gtest/gtest.h>
+
+#include <new>
+
+#include "sw/dbus/test_service.h"
+
+namespace {
+
+TEST(Serve, HoldsTheLockDuringTheOperation) {
+  TestService service("");
+  GMutex* lock = service.state().lock();
+  const auto isHeld = [lock]() -> gboolean {
+    if (g_mutex_trylock(lock) == FALSE) return TRUE;
+    g_mutex_unlock(lock);
+    return FALSE;
+  };
+  EXPECT_EQ(serve({"test", service.object(), nullptr}, METHOD_GET, isHeld), TRUE);
+  EXPECT_EQ(isHeld(), FALSE);
+}
+
+TEST(Serve, MakesAnErrorOfAnException) {
+  TestService service("");
+  GError* error = nullptr;
+  const auto operation = []() -> gboolean { throw std::bad_alloc(); };
+  EXPECT_EQ(serve({"test", service.object(), &error}, METHOD_GET, operation), FALSE);
+  ASSERT_NE(error, nullptr);
+  EXPECT_STREQ(error->message, "dbus_tavrel_transaction: Get failed because of internal error");
+  g_error_free(error);
+  // The lock is free again.
+  EXPECT_EQ(serve({"test", service.object(), nullptr}, METHOD_GET, [] { return TRUE; }), TRUE);
+}
+
+TEST(ServeDeathTest, StopsTheProgramWithoutAnObject) {
+  TestService service("");
+  const auto operation = [] { return TRUE; };
+  EXPECT_DEATH(serve({"the_method", nullptr, nullptr}, METHOD_GET, operation),
+               "the_method: Assertion `obj != NULL' failed");
+}
+
+TEST(InOwnTransaction, EndsItsTransaction) {
+  TestService service("");
+  const MethodCall call = {"test", service.object(), nullptr};
+  EXPECT_EQ(inOwnTransaction(call, METHOD_GET, [](Transaction&) { return 0; }), TRUE);
+  EXPECT_EQ(inOwnTransaction(call, METHOD_GET, [](Transaction&) { return 1; }), FALSE);
+  EXPECT_EQ(service.state().transactions().find(0), nullptr);
+  EXPECT_EQ(service.state().transactions().find(1), nullptr);
+  uint32_t id = 0;
+  service.state().transactions().open(id);
+  EXPECT_EQ(id, 2U);  // each took an id
+}
+
+}  // namespace

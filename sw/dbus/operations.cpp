@@ -1,0 +1,153 @@
+#include "sw/dbus/operations.h"
+
+#include <cstring>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "database/commit.h"
+#include "database/dependencies.h"
+#include "database/index_query.h"
+#include "database/range_query.h"
+#include "sw/dbus/errors.h"
+#include "sw/dbus/publish.h"
+#include "sw/dbus/reply.h"
+#include "sw/parm/parm_name.h"
+
+namespace {
+
+// What messages call the replies.
+const char* const VALUES = "parmValue";
+const char* const TEXT_RANGE = "idxStrRange";
+const char* const DEPENDENCIES = "parmDep";
+
+template <typename Texts>
+int packRange(const Texts& texts, const Spans& spans, char*** textReply, GPtrArray** spanReply) {
+  TextList textList(TEXT_RANGE);
+  textList.addAll(texts);
+  StructArray spanArray;
+  for (const Span& span : spans) spanArray.addSpan(span);
+  if (!textList.fits() || !spanArray.fits()) return INTERNAL_ERROR;
+  *textReply = textList.release();
+  *spanReply = spanArray.release();
+  return 0;
+}
+
+}  // namespace
+
+int getText(Transaction& transaction, const char* name, char** value) {
+  std::string text;
+  // An unknown name reads as the empty text.
+  static_cast<void>(transaction.get(name, text));
+  *value = newText(text);
+  return 0;
+}
+
+int getTexts(Transaction& transaction, uint32_t count, char** names, char*** values) {
+  TextList list(VALUES);
+  for (uint32_t i = 0; i < count && names[i] != nullptr; ++i) {
+    std::string text;
+    static_cast<void>(transaction.get(names[i], text));
+    list.add(text);
+    if (!list.fits()) return INTERNAL_ERROR;
+  }
+  *values = list.release();
+  return 0;
+}
+
+int validate(Transaction& transaction, const char* name, const char* value, gboolean* valid) {
+  *valid = transaction.validate(name, value) ? TRUE : FALSE;
+  return 0;
+}
+
+int checkSet(Transaction& transaction, const char* name, const char* value, gboolean* valid) {
+  *valid = transaction.validate(name, value) ? TRUE : FALSE;
+  return *valid == TRUE ? transaction.set(name, value, false) : 0;
+}
+
+int setTexts(Transaction& transaction, char** names, char** values, bool status) {
+  int first = 0;
+  for (; *names != nullptr && *values != nullptr; ++names, ++values) {
+    const int result = transaction.set(*names, *values, status);
+    if (first == 0) first = result;
+  }
+  return first;
+}
+
+int resetAll(Transaction& transaction, char** names, bool status) {
+  int first = 0;
+  for (; *names != nullptr; ++names) {
+    const int result = transaction.reset(*names, status);
+    if (first == 0) first = result;
+  }
+  return first;
+}
+
+int commitAndPublish(Transaction& transaction, ValueObject* object) {
+  std::vector<std::string> changed;
+  const int result = commit(transaction, changed);
+  publish(object, transaction.database(), changed);
+  return result;
+}
+
+int getDependencies(Database& database, const char* name, char*** dependencyReply) {
+  std::set<std::string> names;
+  int result = dependencies(database, name, true, names);
+  if (result == DEPENDENCIES_INVALID_INDEX && strchr(name, '[') == nullptr) {
+    names.clear();
+    result = dependencies(database, name, false, names);
+  }
+  if (result != DEPENDENCIES_FOUND) return result;
+  TextList list(DEPENDENCIES);
+  list.addAll(names);
+  if (!list.fits()) return INTERNAL_ERROR;
+  *dependencyReply = list.release();
+  return 0;
+}
+
+int getRange(Transaction& transaction, const char* name, char*** texts, GPtrArray** spans) {
+  BoundsParm bounds;
+  const int result = queryRange(transaction.database(), transaction.staged(), name, bounds);
+  if (result != RANGE_FOUND) return result;
+  return packRange(bounds.strings().texts(), bounds.integers().spans(), texts, spans);
+}
+
+int getRanges(Transaction& transaction, char** names, GPtrArray** texts, GPtrArray** spans) {
+  std::map<std::string, BoundsParm> ranges;
+  for (; *names != nullptr; ++names) {
+    const auto [place, isNew] = ranges.try_emplace(*names);
+    if (!isNew) continue;
+    const int result =
+        queryRange(transaction.database(), transaction.staged(), *names, place->second);
+    if (result != RANGE_FOUND) return result;
+  }
+  StructArray textArray;
+  StructArray spanArray;
+  for (const auto& [name, bounds] : ranges) {
+    for (const std::string& text : bounds.strings().texts()) textArray.addText(name, text);
+    for (const Span& span : bounds.integers().spans()) spanArray.addSpan(name, span);
+    if (!textArray.fits() || !spanArray.fits()) return INTERNAL_ERROR;
+  }
+  *texts = textArray.release();
+  *spans = spanArray.release();
+  return 0;
+}
+
+int getParmIndices(Transaction& transaction, const char* name, char*** indices) {
+  const ParmEntry* entry = transaction.database().findParm(baseName(name));
+  if (entry == nullptr) return PARAMETER_NOT_FOUND;
+  TextList list(TEXT_RANGE);
+  list.addAll(validIndices(transaction.database(), transaction.staged(), *entry->parm));
+  *indices = list.release();
+  return 0;
+}
+
+int getIndexRange(Transaction& transaction, const char* name, char*** texts, GPtrArray** spans) {
+  std::vector<std::string> allowedTexts;
+  Spans allowedSpans;
+  const int result =
+      indexRange(transaction.database(), transaction.staged(), name, allowedTexts, allowedSpans);
+  if (result != INDEX_RANGE_FOUND) return result;
+  return packRange(allowedTexts, allowedSpans, texts, spans);
+}

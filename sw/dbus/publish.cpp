@@ -1,0 +1,44 @@
+#include "sw/dbus/publish.h"
+
+#include "sw/dbus/reply.h"
+
+namespace {
+
+// A portion of the texts; goes out when it is full or complete.
+class Portion {
+ public:
+  explicit Portion(ValueObject* object) : object_(object) {}
+
+  // `change` was made by newText and is given away.
+  void add(char* change) {
+    const size_t bytes = bytesInArray(change);
+    if (texts_.bytes() + bytes > MAX_SIGNAL_BYTES) emit();
+    texts_.take(change);
+    // The bus takes no array that large, whatever is in it, and would disconnect the sender.
+    if (!texts_.fits()) g_strfreev(texts_.release());
+  }
+
+  void emit() {
+    if (texts_.empty()) return;
+    char** changes = texts_.release();
+    emitTransaction(object_, changes);
+    g_strfreev(changes);
+  }
+
+ private:
+  ValueObject* object_;
+  TextList texts_{"data"};
+};
+
+}  // namespace
+
+void publish(ValueObject* object, Database& database, const std::vector<std::string>& names) {
+  const Transaction committed(database);
+  Portion portion(object);
+  for (const std::string& name : names) {
+    std::string value;
+    if (committed.get(name, value) != 0) continue;
+    portion.add(newText(std::string(name).append("=").append(value)));
+  }
+  portion.emit();
+}

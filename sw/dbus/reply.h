@@ -1,0 +1,86 @@
+// Replies: what goes out on the bus, allocated for the binding library, which frees it.
+#pragma once
+
+#include <glib-object.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "sw/parm/bounds.h"
+
+/// The most bytes of one array that goes out. The bus takes 64 MiB, and two such arrays with what
+/// goes around them do not fit into one message.
+constexpr size_t MAX_ARRAY_BYTES = size_t{60} << 20U;
+
+/// Calls `allocate` until it gives something; each failure is a line on standard error, which names
+/// `what`, and a wait of 500 microseconds.
+template <typename Allocate>
+auto retried(const char* what, Allocate allocate) {
+  auto memory = allocate();
+  while (memory == nullptr) {
+    g_printerr("Transaction server: %s - out of memory\n", what);
+    g_usleep(500);
+    memory = allocate();
+  }
+  return memory;
+}
+
+/// A text as it goes out: what is not valid UTF-8 in it is replaced by U+FFFD, because the bus
+/// library ends the process for such a text.
+char* newText(std::string_view text);
+
+/// How much of an array a text takes, with its length and the gap to the next.
+size_t bytesInArray(const char* text);
+
+/// An array of texts.
+class TextList {
+ public:
+  /// `what` stands for the list in messages.
+  explicit TextList(const char* what) : what_(what) {}
+  ~TextList();
+  TextList(const TextList&) = delete;
+  TextList& operator=(const TextList&) = delete;
+
+  void add(std::string_view text) { take(newText(text)); }
+  /// Adds a text made by newText, which then belongs to the list.
+  void take(char* text);
+  template <typename Texts>
+  void addAll(const Texts& texts) {
+    for (const std::string& text : texts) add(text);
+  }
+  [[nodiscard]] bool empty() const { return texts_.empty(); }
+  /// How much of a message the list takes.
+  [[nodiscard]] size_t bytes() const { return bytes_; }
+  [[nodiscard]] bool fits() const { return bytes_ <= MAX_ARRAY_BYTES; }
+  /// Gives the texts away, with a null pointer at the end; the list is empty then.
+  char** release();
+
+ private:
+  const char* what_;
+  std::vector<char*> texts_;
+  size_t bytes_ = 0;
+};
+
+/// An array of structures of one kind.
+class StructArray {
+ public:
+  StructArray();
+  ~StructArray();
+  StructArray(const StructArray&) = delete;
+  StructArray& operator=(const StructArray&) = delete;
+
+  void addSpan(const Span& span);                                  ///< (minimum, maximum)
+  void addSpan(const std::string& name, const Span& span);         ///< (name, minimum, maximum)
+  void addText(const std::string& name, const std::string& text);  ///< (name, text)
+  [[nodiscard]] bool fits() const { return bytes_ <= MAX_ARRAY_BYTES; }
+  /// Gives the structures away; the array must not be used then.
+  GPtrArray* release();
+
+ private:
+  void add(GValue& structure);
+
+  GPtrArray* array_;
+  GType type_ = G_TYPE_INVALID;
+  size_t bytes_ = 0;
+};

@@ -1,0 +1,109 @@
+#include "sw/dbus/server.h"
+
+#include <dbus/dbus-glib-lowlevel.h>
+#include <dbus/dbus-glib.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "sw/dbus/reporter.h"
+#include "sw/dbus/service_state.h"
+#include "sw/dbus/value_object.h"
+
+namespace {
+
+constexpr bool FATAL = true;
+const char* const OUT_OF_MEMORY_DETAIL = "Unknown (OOM ?)";
+
+void createMainLoopAndLock(ServiceState& state) {
+  if (state.createMainLoop() != 0) {
+    reportError("Couldn\u2019t create GMainLoop", OUT_OF_MEMORY_DETAIL, FATAL);
+  }
+  if (state.createLock() != 0) {
+    reportError("Couldn\u2019t initialize server methods", OUT_OF_MEMORY_DETAIL, FATAL);
+  }
+}
+
+DBusGConnection* connectToBus() {
+  g_print("Transaction server:main Connecting to the Session D-Bus.\n");
+  GError* error = nullptr;
+  DBusGConnection* bus = dbus_g_bus_get(DBUS_BUS_SESSION, &error);
+  if (error != nullptr) reportError("Couldn\u2019t connect to session bus", error->message, FATAL);
+  return bus;
+}
+
+std::string withSuffix(const std::string& text, const char* separator, const std::string& suffix) {
+  return suffix.empty() ? text : text + separator + suffix;
+}
+
+// The bus library ends the process without a word for a name or a path that is not valid.
+using Validation = dbus_bool_t (*)(const char* text, DBusError* error);
+void requireValid(Validation validate, const std::string& text, const char* report) {
+  DBusError error = DBUS_ERROR_INIT;
+  if (validate(text.c_str(), &error) == 0) reportError(report, error.message, FATAL);
+}
+
+// Queueing and replacement are not asked for: a second service under one name ends here.
+void requestName(DBusGConnection* bus, const std::string& name) {
+  g_print("Transaction server:main Registering the well-known name (%s)\n", name.c_str());
+  DBusGProxy* proxy =
+      dbus_g_proxy_new_for_name(bus, DBUS_SERVICE_DBUS, DBUS_PATH_DBUS, DBUS_INTERFACE_DBUS);
+  if (proxy == nullptr) {
+    reportError("Failed to get a proxy for D-Bus", "Unknown(dbus_g_proxy_new_for_name)", FATAL);
+  }
+  constexpr guint NO_FLAGS = 0;
+  guint reply = 0;
+  GError* error = nullptr;
+  if (dbus_g_proxy_call(proxy, "RequestName", &error, G_TYPE_STRING, name.c_str(), G_TYPE_UINT,
+                        NO_FLAGS, G_TYPE_INVALID, G_TYPE_UINT, &reply, G_TYPE_INVALID) == FALSE) {
+    reportError("D-Bus. RequestName RPC failed", error->message, FATAL);
+  }
+  g_print("Transaction server:main RequestName returned %d.\n", reply);
+  if (reply != DBUS_REQUEST_NAME_REPLY_PRIMARY_OWNER) {
+    reportError("Failed to get the primary well-known name.", "RequestName result != 1", FATAL);
+  }
+}
+
+void registerObject(DBusGConnection* bus, const std::string& path) {
+  g_print("Transaction server:main Creating one \"%s\" object.\n", path.c_str());
+  gpointer object = g_object_new(value_object_get_type(), nullptr);
+  if (object == nullptr) {
+    reportError("Failed to create one Value instance.", OUT_OF_MEMORY_DETAIL, FATAL);
+  }
+  g_print("Transaction server:main Registering it on the D-Bus.\n");
+  dbus_g_connection_register_g_object(bus, path.c_str(), G_OBJECT(object));
+}
+
+void detach(bool daemonize) {
+  g_print("Transaction server:main Ready to serve requests (daemonizing).\n");
+  if (!daemonize) {
+    g_print("Transaction server: Not daemonizing\n");
+    return;
+  }
+  // What is still in the buffers would be lost with the streams.
+  fflush(nullptr);
+  if (daemon(0, 0) != 0) {
+    g_log(G_LOG_DOMAIN, G_LOG_LEVEL_ERROR, "Transaction server: Failed to daemonize.\n");
+  }
+}
+
+}  // namespace
+
+int runService(Database& database, const std::string& busSuffix, bool daemonize,
+               const std::string& pathSuffix) {
+  printRawBytes();
+  ServiceState state(database);
+  createMainLoopAndLock(state);
+  DBusGConnection* bus = connectToBus();
+  const std::string name = withSuffix("org.tavrel.transaction", ".", busSuffix);
+  requireValid(dbus_validate_bus_name, name, "Invalid bus name");
+  requestName(bus, name);
+  const std::string path = withSuffix("/transaction", "/", pathSuffix);
+  requireValid(dbus_validate_path, path, "Invalid object path");
+  registerObject(bus, path);
+  detach(daemonize);
+  g_main_loop_run(state.mainLoop());
+  // The reply to die is still on its way.
+  dbus_connection_flush(dbus_g_connection_get_connection(bus));
+  return 1;
+}

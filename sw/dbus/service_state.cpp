@@ -1,0 +1,48 @@
+#include "sw/dbus/service_state.h"
+
+#include <cassert>
+
+namespace {
+
+ServiceState* currentState = nullptr;
+
+}  // namespace
+
+ServiceState::ServiceState(Database& database) : database_(database), transactions_(database) {
+  currentState = this;
+}
+
+ServiceState::~ServiceState() {
+  currentState = nullptr;
+  freeLock();
+  if (mainLoop_ != nullptr) g_main_loop_unref(mainLoop_);
+}
+
+ServiceState& ServiceState::current() {
+  assert(currentState != nullptr);
+  return *currentState;
+}
+
+int ServiceState::createMainLoop() {
+  mainLoop_ = g_main_loop_new(nullptr, FALSE);
+  return mainLoop_ != nullptr ? 0 : 1;
+}
+
+int ServiceState::createLock() {
+  lock_ = g_try_new0(GMutex, 1);
+  if (lock_ == nullptr) return 1;
+  g_mutex_init(lock_);
+  return 0;
+}
+
+void ServiceState::stop() {
+  freeLock();
+  if (mainLoop_ != nullptr) g_main_loop_quit(mainLoop_);
+}
+
+void ServiceState::freeLock() {
+  if (lock_ == nullptr) return;
+  g_mutex_clear(lock_);
+  g_free(lock_);
+  lock_ = nullptr;
+}

@@ -1,0 +1,48 @@
+#include "sw/parm/build_indices.h"
+
+#include <cstdio>
+
+namespace {
+
+// The definition of a named index, or null.
+const IndexDef* resolve(const IndexName& index, DefinitionDraft& draft) {
+  const ParameterRecord* const named = draft.context().findRecord(index.name);
+  if (named == nullptr) {
+    draft.error(DIAG_UNDEFINED_INDEX, index.at, index.name);
+    return nullptr;
+  }
+  if (named->access != ACCESS_INDEX) {
+    draft.error(DIAG_INVALID_INDEX, index.at);
+    return nullptr;
+  }
+  return draft.context().registry().findIndex(index.name);
+}
+
+void reportMissing(const IndexName& index, BuildContext& context) {
+  if (context.checkOnly()) return;
+  fprintf(stderr, "Internal error: Could not find index \"%s\"\n", index.name.c_str());
+  context.note(-1);
+}
+
+}  // namespace
+
+void buildIndices(DefinitionDraft& draft) {
+  const std::vector<IndexStatement>& statements = draft.record().indices;
+  if (statements.empty()) return;
+  for (const IndexName& index : statements[0]) {
+    const IndexDef* const definition = resolve(index, draft);
+    if (definition != nullptr) {
+      draft.parm.indices.push_back(definition);
+    } else {
+      reportMissing(index, draft.context());
+    }
+  }
+  if (statements.size() > 1) {
+    draft.warn(DIAG_MULTIPLE_INDEX_STATEMENTS, statements[1].front().at);
+  }
+}
+
+void warnAboutIndices(DefinitionDraft& draft) {
+  const std::vector<IndexStatement>& statements = draft.record().indices;
+  if (!statements.empty()) draft.warn(DIAG_INDEX_WITH_INDICES, statements[0].front().at);
+}

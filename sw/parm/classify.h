@@ -1,0 +1,43 @@
+// Classification: what of an expression is known when it is built, from the constants alone.
+#pragma once
+
+#include "deflang/program.h"
+#include "deflang/token.h"
+#include "sw/parm/definition_draft.h"
+
+/// When an expression gets its value.
+enum decision_t {
+  DECIDED,   ///< now, and for good
+  RUN_TIME,  ///< in each situation anew
+  LEFT_OUT,  ///< never: it is no expression, or has no result; reported as an error
+};
+
+struct Classification {
+  decision_t decision;
+  Value value = {};            ///< of a decided expression
+  bool namesConstant = false;  ///< whether a command-line constant is among its names
+};
+
+/// Evaluates `expression` with the command-line constants as the only variables. Without a result
+/// it is a run-time expression when it has other names. The names stay out of the definition.
+Classification classify(const Expression& expression, DefinitionDraft& draft);
+
+/// When a condition is true.
+enum conditionKind_t {
+  CONDITION_ALWAYS,
+  CONDITION_NEVER,
+  CONDITION_RUN_TIME,
+  CONDITION_LEFT_OUT,  ///< it cannot be evaluated; reported as an error
+};
+
+struct Condition {
+  conditionKind_t kind;
+  /// Whether a command-line constant is among its names; it then tells product variants apart.
+  bool namesConstant = false;
+};
+
+/// Classifies the condition of a control statement; an empty one is an error there.
+Condition classifyControl(const Expression& condition, DefinitionDraft& draft);
+
+/// Classifies the condition of any other statement. An empty one is always true.
+Condition classifyCondition(const Expression& condition, DefinitionDraft& draft);

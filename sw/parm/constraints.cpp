@@ -1,0 +1,89 @@
+#include "sw/parm/constraints.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "sw/parm/parm_name.h"
+
+namespace {
+
+const std::vector<ConditionalBounds> NO_BOUNDS;
+
+// The situation of the rules: the parameter's, with the value under test.
+class RuleSituation {
+ public:
+  RuleSituation(const ParmDef& parm, const Situation& situation)
+      : situation_(situation), slot_(parm.variables().find(THIS_VALUE)) {}
+
+  void bind(const std::string& value) {
+    if (slot_) {
+      situation_.bind(*slot_, operandOf(value));
+    }
+  }
+  [[nodiscard]] bool violates(const ConstraintRule& rule) const {
+    return rule.condition.isTrue(situation_) && !rule.test.isTrue(situation_);
+  }
+  [[nodiscard]] Value correction(const ConstraintRule& rule) const {
+    return rule.correction.evaluate(situation_);
+  }
+
+ private:
+  Situation situation_;
+  std::optional<uint32_t> slot_;
+};
+
+}  // namespace
+
+Constraints::Constraints(const ParmDef& parm, const Situation& situation)
+    : parm_(parm),
+      situation_(situation),
+      ranges_(parm.hasRunTimeRanges() ? parm.conditionalBounds() : NO_BOUNDS, situation,
+              UNUSABLE_DROPPED) {}
+
+bool Constraints::apply() const {
+  return ranges_.hasComputed() ||
+         std::any_of(parm_.constraintRules().begin(), parm_.constraintRules().end(),
+                     [&](const ConstraintRule& rule) { return rule.condition.isTrue(situation_); });
+}
+
+int Constraints::correct(std::string& value) const {
+  if (!parm_.constraintRules().empty()) {
+    const int result = correctByRules(value);
+    if (result != 0) {
+      return result;
+    }
+  }
+  if (ranges_.hasComputed()) {
+    parm_.translateTwice(value);
+    // A value that no range accepts is corrected; the correction stands.
+    static_cast<void>(ranges_.judge(value));
+  }
+  return 0;
+}
+
+int Constraints::correctByRules(std::string& value) const {
+  RuleSituation situation(parm_, situation_);
+  situation.bind(value);
+  bool changed = false;
+  for (const ConstraintRule& rule : parm_.constraintRules()) {
+    if (!situation.violates(rule)) {
+      continue;
+    }
+    const Value correction = situation.correction(rule);
+    if (!correction.valid()) {
+      value.clear();
+      return 2;
+    }
+    std::string corrected = correction.asText();
+    if (corrected != value) {
+      value = std::move(corrected);
+      situation.bind(value);
+      changed = true;
+    }
+  }
+  const bool stillFails =
+      changed && std::any_of(parm_.constraintRules().begin(), parm_.constraintRules().end(),
+                             [&](const ConstraintRule& rule) { return situation.violates(rule); });
+  return stillFails ? 1 : 0;
+}

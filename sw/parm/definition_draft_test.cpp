@@ -1,0 +1,60 @@
+#include "sw/parm/definition_draft.h"
+
+#include <gtest/gtest.h>
+
+#include "sw/parm/test_build.h"
+
+namespace {
+
+constexpr Position NOWHERE = {NO_POSITION, NO_POSITION};
+
+class DefinitionDraftTest : public testing::Test {
+ protected:
+  DefinitionText text_ = parseText("p rw { ctrlRO (b + a) ctrlRO (a) }\n");
+  TestRegistry registry_;
+  DiagnosticCollector diagnostics_;
+  BuildContext context_{diagnostics_, text_.records, text_.lines, registry_, false};
+  DefinitionDraft draft_{context_, *text_.records.find("p")};
+};
+
+TEST_F(DefinitionDraftTest, FindsThePlacesOfTokens) {
+  const Expression& expression = draft_.record().ctrlRO[0];
+  EXPECT_EQ(tokenPosition(expression, 1).column, 15U);
+  EXPECT_EQ(tokenPosition(expression, 3).column, 19U);
+  EXPECT_EQ(tokenPosition(expression, 3).line, 1U);
+  for (const size_t position : {0, 4}) {
+    EXPECT_EQ(tokenPosition(expression, position).line, NO_POSITION);
+    EXPECT_EQ(tokenPosition(expression, position).column, NO_POSITION);
+  }
+}
+
+TEST_F(DefinitionDraftTest, NumbersTheNamesOfWhatIsKept) {
+  EXPECT_EQ(draft_.parts.name, "p");
+  EXPECT_TRUE(draft_.kept().empty());
+  const Program sum = draft_.keep(draft_.record().ctrlRO[0]);
+  const Program single = draft_.keep(draft_.record().ctrlRO[1]);
+  EXPECT_EQ(draft_.parts.variables.names(), (std::vector<std::string>{"b", "a"}));
+  EXPECT_EQ(draft_.kept(), (std::vector<const Expression*>{&draft_.record().ctrlRO[0],
+                                                           &draft_.record().ctrlRO[1]}));
+  Situation situation(2);
+  situation.bind(0, operandOf("3"));
+  situation.bind(1, operandOf("4"));
+  EXPECT_EQ(sum.evaluate(situation).number, 7);
+  EXPECT_EQ(single.evaluate(situation).number, 4);
+}
+
+TEST_F(DefinitionDraftTest, NamesItsRecordWhereThereIsNoLine) {
+  draft_.warn(DIAG_CONDITION_ZERO, NOWHERE);
+  EXPECT_EQ(context_.result(), 0);
+  draft_.error(DIAG_INVALID_EXPRESSION, NOWHERE);
+  EXPECT_EQ(context_.result(), -1);
+  draft_.error(DIAG_UNDEFINED_INDEX, {1, 7}, "i");
+  EXPECT_EQ(printed(diagnostics_),
+            "Warning\nConditional evaluates to 0. Parameter is \"p\"\n"
+            "Error\nInvalid expression. Parameter is \"p\"\n"
+            "Error on line 1\nUndefined index. i\n"
+            "p rw { ctrlRO (b + a) ctrlRO (a) }\n"
+            "       ^\n");
+}
+
+}  // namespace

@@ -1,0 +1,55 @@
+#include "sw/parm/index_def.h"
+
+#include <algorithm>
+
+#include "sw/parm/present_bounds.h"
+
+void noteComputed(std::vector<ConditionalBounds>& list) {
+  for (ConditionalBounds& entry : list) {
+    entry.computed = dynamic_cast<const BoundsExpression*>(entry.bounds.get());
+  }
+}
+
+IndexDef::IndexDef(DefinitionParts parts) : parts_(std::move(parts)) {
+  noteComputed(parts_.conditionalBounds);
+}
+
+bool IndexDef::checkBase(std::string value) const {
+  translate(value);
+  return parts_.baseBounds.check(value, true);
+}
+
+bool IndexDef::checkValue(std::string value, const SituationView& situation) const {
+  return ::checkValue(*this, value, situation, false);
+}
+
+bool IndexDef::isValid(const SituationView& situation) const {
+  return std::all_of(parts_.validityConditions.begin(), parts_.validityConditions.end(),
+                     [&](const Program& condition) { return condition.isTrue(situation); });
+}
+
+void IndexDef::translate(std::string& value) const {
+  const auto found = parts_.translations.find(value);
+  if (found != parts_.translations.end()) {
+    value = found->second;
+  }
+}
+
+void IndexDef::translateTwice(std::string& value) const {
+  translate(value);
+  translate(value);
+}
+
+bool checkValue(const IndexDef& definition, std::string& value, const SituationView& situation,
+                bool fix) {
+  definition.translateTwice(value);
+  const bool inBase = definition.baseBounds().check(value, true);
+  if (!inBase && !fix) {
+    return false;
+  }
+  if (definition.conditionalBounds().empty()) {
+    return inBase;
+  }
+  const PresentBounds bounds(definition.conditionalBounds(), situation, UNUSABLE_ACCEPTS);
+  return bounds.judge(value) && inBase;
+}

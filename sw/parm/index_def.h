@@ -1,0 +1,82 @@
+// Index definitions: an index's name, the values it may take and the conditions under which it
+// exists. A parameter definition is one with more to it.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "deflang/program.h"
+#include "deflang/variables.h"
+#include "sw/parm/bounds.h"
+
+/// Bounds that count while a condition is true: a BoundsParm, or a BoundsExpression for a run-time
+/// range.
+struct ConditionalBounds {
+  Program condition;
+  std::unique_ptr<Bounds> bounds;
+  /// `bounds` where they are computed in the situation (a run-time range), else null. The
+  /// definition that takes the bounds sees to it.
+  const BoundsExpression* computed = nullptr;
+};
+
+/// Notes in each of `list` whether it is a run-time range.
+void noteComputed(std::vector<ConditionalBounds>& list);
+
+/// What an index and a parameter have in common.
+struct DefinitionParts {
+  std::string name;
+  Variables variables;  ///< the slots of every program below
+  std::vector<Program> validityConditions;
+  BoundsParm baseBounds;
+  std::vector<ConditionalBounds> conditionalBounds;  ///< in statement order
+  std::map<std::string, std::string> translations;   ///< source to target
+};
+
+class IndexDef {
+ public:
+  explicit IndexDef(DefinitionParts parts);
+  IndexDef(IndexDef&&) = default;
+  IndexDef& operator=(IndexDef&&) = default;
+
+  /// Whether the base bounds accept `value`, once translated.
+  [[nodiscard]] virtual bool checkBase(std::string value) const;
+  /// Whether all bounds accept `value` in a situation, once translated.
+  [[nodiscard]] virtual bool checkValue(std::string value, const SituationView& situation) const;
+
+  /// Whether every validity condition is true.
+  [[nodiscard]] bool isValid(const SituationView& situation) const;
+  /// Replaces a value that is the source of a translation by its target.
+  void translate(std::string& value) const;
+  /// Translates a value that is to be corrected: a target that is itself a source is followed once.
+  void translateTwice(std::string& value) const;
+
+  [[nodiscard]] const std::string& name() const { return parts_.name; }
+  [[nodiscard]] const Variables& variables() const { return parts_.variables; }
+  [[nodiscard]] const BoundsParm& baseBounds() const { return parts_.baseBounds; }
+  [[nodiscard]] const std::vector<ConditionalBounds>& conditionalBounds() const {
+    return parts_.conditionalBounds;
+  }
+  /// Whether the base bounds alone tell which values there are, whatever the situation: no
+  /// conditions, no translations.
+  [[nodiscard]] bool isPlain() const {
+    return parts_.validityConditions.empty() && parts_.conditionalBounds.empty() &&
+           parts_.translations.empty();
+  }
+
+ protected:
+  [[nodiscard]] Variables& ownVariables() { return parts_.variables; }
+
+ private:
+  DefinitionParts parts_;
+};
+
+/// The full bounds check of one definition, by the rules of an index: translates `value`, corrects
+/// it by the base bounds, then asks the conditional bounds whose condition is true. It is accepted
+/// when the base bounds took it and any of those accepts it (a run-time range that has no value
+/// here accepts everything); otherwise the first of them corrects it. With conditional bounds of
+/// which none applies it is refused. Without `fix` the walk ends where the base bounds refuse.
+bool checkValue(const IndexDef& definition, std::string& value, const SituationView& situation,
+                bool fix);

@@ -1,0 +1,116 @@
+// Parameter definitions: an index definition with indices, access, defaults, rules and the values
+// of its instances, one for each combination of index values.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "deflang/text_map.h"
+#include "sw/parm/index_def.h"
+#include "sw/parm/index_tuple.h"
+#include "sw/parm/value_text.h"
+
+/// Who may write, beside the read-only conditions.
+enum accessMode_t : int {
+  MODE_NEVER = 0,     ///< nobody, ever
+  MODE_NORMAL = 1,    ///< "ro" (which has an ever true read-only condition) and "rw"
+  MODE_ROSTRICT = 2,  ///< as "ro"; a stored value is reported to nobody
+  MODE_WRITE_ONLY = 3,
+};
+
+/// While `condition` is true, `value` is the default.
+struct ConditionalDefault {
+  Program condition;
+  Program value;
+};
+
+/// While `condition` is true, a value for which `test` is false becomes `correction`. All three
+/// read the value as sw::this.
+struct ConstraintRule {
+  Program condition;
+  Program test;
+  Program correction;
+};
+
+/// The committed value of one instance.
+struct CommittedValue {
+  ValueText value;
+  bool announced = false;  ///< whether a commit has ever reported the instance
+};
+
+/// What a parameter has beyond an index.
+struct ParmParts {
+  std::vector<const IndexDef*> indices;  ///< in the order of the index statement; not owned
+  accessMode_t mode = MODE_NORMAL;
+  std::string fallbackDefault;
+  std::vector<ConditionalDefault> defaults;
+  std::vector<ConstraintRule> constraintRules;
+  std::vector<Program> readOnlyConditions;
+  std::vector<ConditionalBounds> documentedRanges;  ///< rangeDoc, in the order they are asked
+};
+
+class ParmDef final : public IndexDef {
+ public:
+  ParmDef(DefinitionParts parts, ParmParts parmParts);
+  ParmDef(ParmDef&&) = delete;
+
+  /// As of an index; a parameter with constraint rules accepts every value here and leaves the
+  /// judgement to the rules.
+  [[nodiscard]] bool checkBase(std::string value) const override;
+  [[nodiscard]] bool checkValue(std::string value, const SituationView& situation) const override;
+
+  /// Whether values are judged by rules: constraint rules, or ranges computed at run time.
+  [[nodiscard]] bool hasConstraints() const;
+  [[nodiscard]] bool hasRunTimeRanges() const { return hasRunTimeRanges_; }
+  [[nodiscard]] bool isReadOnly(const SituationView& situation) const;
+  /// Finds the default of the instance `indices` in a situation (its index values need not be
+  /// bound). Returns 0, or 1 when no default applied and `value` is the fallback.
+  int defaultValue(std::string& value, const IndexTuple& indices, Situation situation) const;
+  /// The range that holds in a situation with the index values bound: the first that applies of
+  /// the documented ranges and the conditional bounds, else the base bounds. Returns 0 or the code
+  /// of BoundsExpression::evaluate.
+  int range(BoundsParm& out, const SituationView& situation) const;
+
+  [[nodiscard]] accessMode_t mode() const { return parm_.mode; }
+  [[nodiscard]] const std::vector<const IndexDef*>& indices() const { return parm_.indices; }
+  [[nodiscard]] const std::vector<ConstraintRule>& constraintRules() const {
+    return parm_.constraintRules;
+  }
+  /// The names that the expressions of the parameter and of its indices use; sw::this is among
+  /// them where it is used.
+  [[nodiscard]] std::span<const std::string> usedNames() const {
+    return std::span(variables().names()).first(usedNames_);
+  }
+
+  /// Binds the value of the index at `position` under the index's name.
+  void bindIndex(Situation& situation, size_t position, std::string_view value) const;
+  /// The situation as the index at `position` sees it.
+  [[nodiscard]] SituationView indexView(const Situation& situation, size_t position) const {
+    return {situation, indexSlots_[position]};
+  }
+
+  /// The committed value of an instance; null while it was never stored, but for a parameter
+  /// without indices, whose one instance then holds the empty text.
+  [[nodiscard]] const CommittedValue* committed(const IndexTuple& indices) const;
+  /// The text of committed(), empty where it is null.
+  [[nodiscard]] const std::string& committedText(const IndexTuple& indices) const;
+  /// Stores the value of an instance.
+  void store(const IndexTuple& indices, const std::string& value);
+  /// Notes that an instance was reported. Returns whether it was the first time.
+  bool announce(const IndexTuple& indices);
+
+ private:
+  CommittedValue& instance(const IndexTuple& indices);
+
+  ParmParts parm_;
+  size_t usedNames_ = 0;
+  bool hasRunTimeRanges_ = false;
+  std::vector<std::vector<uint32_t>> indexSlots_;  // by index: from its slots to this one's
+  std::vector<uint32_t> nameSlots_;                // by index: the slot of its name
+  CommittedValue single_;                          // of a parameter without indices
+  TextMap<CommittedValue> instances_;              // by index suffix
+};

@@ -1,0 +1,21 @@
+#include "sw/parm/parm_name.h"
+
+std::string_view baseName(std::string_view name) { return name.substr(0, name.find('[')); }
+
+ParmName splitName(std::string_view name) {
+  ParmName parts{std::string(baseName(name)), {}};
+  size_t open = name.find('[');
+  while (open != std::string_view::npos) {
+    const size_t close = name.find(']', open + 1);
+    if (close == std::string_view::npos) {
+      break;
+    }
+    parts.indices.emplace_back(name.substr(open + 1, close - open - 1));
+    open = name.find('[', close + 1);
+  }
+  return parts;
+}
+
+std::string fullName(std::string_view base, const IndexTuple& indices) {
+  return std::string(base).append(indexSuffix(indices));
+}

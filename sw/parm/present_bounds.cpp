@@ -1,0 +1,48 @@
+#include "sw/parm/present_bounds.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+// What an unusable run-time range is judged by where it accepts: no entries, so every value.
+const BoundsParm EVERYTHING;
+
+}  // namespace
+
+PresentBounds::PresentBounds(const std::vector<ConditionalBounds>& bounds,
+                             const SituationView& situation, unusable_t unusable) {
+  computed_.reserve(bounds.size());
+  for (const ConditionalBounds& candidate : bounds) {
+    if (!candidate.condition.isTrue(situation)) {
+      continue;
+    }
+    if (candidate.computed == nullptr) {
+      applying_.push_back(candidate.bounds.get());
+      continue;
+    }
+    BoundsParm present;
+    if (candidate.computed->evaluate(present, situation) == 0) {
+      applying_.push_back(&computed_.emplace_back(std::move(present)));
+    } else if (unusable == UNUSABLE_ACCEPTS) {
+      applying_.push_back(&EVERYTHING);
+    }
+  }
+}
+
+bool PresentBounds::judge(std::string& value) const {
+  if (applying_.empty()) {
+    return false;
+  }
+  std::string corrected = value;
+  if (applying_.front()->check(corrected, true)) {
+    return true;
+  }
+  const bool accepted =
+      std::any_of(applying_.begin() + 1, applying_.end(),
+                  [&](const Bounds* bounds) { return bounds->check(value, false); });
+  if (!accepted) {
+    value = std::move(corrected);
+  }
+  return accepted;
+}

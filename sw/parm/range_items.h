@@ -1,0 +1,23 @@
+// Range items: the items of one range statement, told apart into constants and run-time ones.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "deflang/record.h"
+#include "sw/parm/bounds.h"
+#include "sw/parm/definition_draft.h"
+
+struct RangeItems {
+  std::vector<BoundsExpression::Item> items;  ///< in text order
+  bool runTime = false;                       ///< whether one of them is computed at run time
+};
+
+/// Classifies `items`. One that is no value and no span is reported as an error and left out.
+RangeItems classifyItems(const std::vector<RangeItem>& items, DefinitionDraft& draft);
+
+/// Adds items, none of them a run-time one, to `out`.
+void addConstants(std::vector<BoundsExpression::Item> items, BoundsParm& out);
+
+/// Bounds that are computed where an item is a run-time one.
+std::unique_ptr<Bounds> makeBounds(RangeItems items);

@@ -1,0 +1,132 @@
+#include "sw/parm/set_value.h"
+
+#include <algorithm>
+
+#include "deflang/system_log.h"
+#include "sw/parm/constraints.h"
+
+namespace {
+
+// What is wrong with an instance's index values: nothing, or a text for the log.
+struct IndexFault {
+  std::string text;
+  bool withVariables = false;
+};
+
+std::string quoted(const std::string& text) { return '"' + text + '"'; }
+
+void logSetError(const ParmDef& parm, const std::string& text) {
+  logError("set: ERROR " + quoted(parm.name()) + ": " + text);
+}
+
+std::string countFault(const ParmDef& parm, const IndexTuple& indices) {
+  return "Not enough indices " + std::to_string(parm.indices().size()) + ">" +
+         std::to_string(indices.size());
+}
+
+// Binds the index values one by one, so that each index sees those before it, up to the first that
+// is refused. The fault's text is only made where somebody will read it.
+bool bindIndices(const ParmDef& parm, const IndexTuple& indices, Situation& situation,
+                 IndexFault* fault) {
+  const size_t pairs = std::min(indices.size(), parm.indices().size());
+  for (size_t i = 0; i < pairs; ++i) {
+    const IndexDef& index = *parm.indices()[i];
+    const SituationView view = parm.indexView(situation, i);
+    if (!index.isValid(view)) {
+      if (fault != nullptr) {
+        *fault = {"Invalid index[" + index.name() + "]", true};
+      }
+      return false;
+    }
+    if (!index.checkValue(indices[i], view)) {
+      if (fault != nullptr) {
+        *fault = {"Invalid index value[" + quoted(index.name()) + "=" + quoted(indices[i]) + "]",
+                  true};
+      }
+      return false;
+    }
+    parm.bindIndex(situation, i, indices[i]);
+  }
+  if (indices.size() != parm.indices().size() && fault != nullptr) {
+    *fault = {countFault(parm, indices), false};
+  }
+  return indices.size() == parm.indices().size();
+}
+
+setOutcome_t refuse(std::string& value, int result) {
+  value.clear();
+  return {result, false};
+}
+
+setOutcome_t refuseIndices(const ParmDef& parm, std::string& value, const Situation& situation,
+                           const IndexFault& fault) {
+  logSetError(parm, fault.text);
+  if (fault.withVariables) {
+    dumpVariables(parm.variables(), situation);
+  }
+  return refuse(value, SET_INVALID_INDEX);
+}
+
+// Corrects a value by the bounds. Only conditional bounds make a value that stays outside the base
+// bounds an error: without them the correction has brought it in.
+bool correctByBounds(const ParmDef& parm, std::string& value, const Situation& situation) {
+  static_cast<void>(checkValue(parm, value, situation, true));
+  if (parm.conditionalBounds().empty() || parm.checkBase(value)) {
+    return true;
+  }
+  logSetError(parm, "Invalid value " + quoted(value));
+  return false;
+}
+
+int correctByConstraints(const ParmDef& parm, std::string& value, const Situation& situation,
+                         const Constraints& constraints) {
+  switch (constraints.correct(value)) {
+    case 0:
+      return SET_STORED;
+    case 1:
+      return SET_RULE_FAILS;
+    default:
+      logSetError(parm, "Constraints failed " + quoted(value));
+      dumpVariables(parm.variables(), situation);
+      return SET_INVALID_VALUE;
+  }
+}
+
+// Brings a value that may be written into what the parameter takes.
+int correct(const ParmDef& parm, std::string& value, const Situation& situation) {
+  if (parm.hasConstraints()) {
+    const Constraints constraints(parm, situation);
+    if (constraints.apply()) {
+      return correctByConstraints(parm, value, situation, constraints);
+    }
+  }
+  return correctByBounds(parm, value, situation) ? SET_STORED : SET_INVALID_VALUE;
+}
+
+}  // namespace
+
+setOutcome_t setValue(ParmDef& parm, std::string& value, const IndexTuple& indices,
+                      Situation situation, setMode_t mode) {
+  if (parm.mode() == MODE_NEVER || !parm.isValid(situation)) {
+    return refuse(value, SET_NOT_STORED);
+  }
+  IndexFault fault;
+  if (!bindIndices(parm, indices, situation, mode.quietIndices ? nullptr : &fault)) {
+    return mode.quietIndices ? refuse(value, SET_INVALID_INDEX)
+                             : refuseIndices(parm, value, situation, fault);
+  }
+  if (!mode.force && parm.isReadOnly(situation)) {
+    return refuse(value, SET_NOT_STORED);
+  }
+  const int result = correct(parm, value, situation);
+  if (result == SET_RULE_FAILS) {
+    return {result, false};
+  }
+  if (result != SET_STORED) {
+    return refuse(value, result);
+  }
+  if (!mode.dryRun) {
+    parm.store(indices, value);
+  }
+  return {parm.mode() == MODE_ROSTRICT ? SET_NOT_STORED : SET_STORED, true};
+}

@@ -1,0 +1,28 @@
+// Value texts: a value as it was given, with what it is as an operand worked out once.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+
+#include "deflang/variables.h"
+
+class ValueText {
+ public:
+  ValueText() { set({}); }
+  explicit ValueText(std::string text) { set(std::move(text)); }
+  void set(std::string text) {
+    text_ = std::move(text);
+    const Operand operand = operandOf(text_);
+    kind_ = operand.kind;
+    number_ = operand.number;
+  }
+  [[nodiscard]] const std::string& text() const { return text_; }
+  /// The operand, with a view of the text; it holds as long as the text is neither set nor moved.
+  [[nodiscard]] Operand operand() const { return {kind_, number_, text_}; }
+
+ private:
+  std::string text_;
+  operandKind_t kind_ = OPERAND_INVALID;
+  int32_t number_ = 0;
+};

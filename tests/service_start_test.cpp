@@ -1,0 +1,276 @@
+// The service's start: its name and path on the bus, its messages, detaching, and its end.
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "tests/harness/service_test.h"
+
+namespace {
+
+constexpr const char* READING = "Parsing file.\nMaking parameter definitions.\n";
+constexpr const char* CONNECTING = "Transaction server:main Connecting to the Session D-Bus.\n";
+
+std::string messagesUpToName(const std::string& name) {
+  return std::string(READING) + CONNECTING +
+         "Transaction server:main Registering the well-known name (" + name + ")\n";
+}
+
+std::string messagesOfStart(const std::string& name, const std::string& path) {
+  return messagesUpToName(name) +
+         "Transaction server:main RequestName returned 1.\n"
+         "Transaction server:main Creating one \"" +
+         path +
+         "\" object.\n"
+         "Transaction server:main Registering it on the D-Bus.\n"
+         "Transaction server:main Ready to serve requests (daemonizing).\n";
+}
+
+constexpr const char* STAYING = "Transaction server: Not daemonizing\n";
+
+struct SuffixCase {
+  std::vector<std::string> arguments;
+  const char* name;
+  const char* path;
+};
+
+TEST(ServiceStart, SuffixesAreAppendedToNameAndPath) {
+  const SuffixCase cases[] = {
+      {{"--debug"}, "org.tavrel.transaction", "/transaction"},
+      {{"-d", "--bus="}, "org.tavrel.transaction", "/transaction"},
+      {{"-d", "--obj_path="}, "org.tavrel.transaction", "/transaction"},
+      {{"-d", "-b", "x"}, "org.tavrel.transaction.x", "/transaction"},
+      {{"-d", "--bus", "a.b"}, "org.tavrel.transaction.a.b", "/transaction"},
+      {{"-d", "-o", "y"}, "org.tavrel.transaction", "/transaction/y"},
+      {{"-d", "--obj_path=x/y_1"}, "org.tavrel.transaction", "/transaction/x/y_1"},
+      {{"-b", "one", "-d", "k=1", "-b", "two", "-o", "1", "-o", "2"},  // the last one counts
+       "org.tavrel.transaction.two",
+       "/transaction/2"},
+  };
+  const PrivateBus bus;
+  for (const SuffixCase& c : cases) {
+    SCOPED_TRACE(testing::PrintToString(c.arguments));
+    Client client(bus.address());
+    client.setTarget(c.name, c.path);
+    Daemon daemon({.arguments = c.arguments, .busAddress = bus.address()});
+    ASSERT_TRUE(client.waitForService(daemon.process()));
+    EXPECT_EQ(client.answer("start()"), "0");
+    EXPECT_EQ(client.answer("die()"), "()");
+    const Ending ending = daemon.waitForEnd();
+    EXPECT_EQ(ending.status, 1);
+    EXPECT_EQ(ending.out, messagesOfStart(c.name, c.path) + STAYING);
+    EXPECT_EQ(ending.err, "");
+  }
+}
+
+class ServiceStartTest : public ServiceTest {
+ protected:
+  Ending run(const std::vector<std::string>& arguments) {
+    Daemon another({.arguments = arguments, .busAddress = bus().address()});
+    return another.waitForEnd();
+  }
+};
+
+TEST_F(ServiceStartTest, ASecondServiceOfTheNameEndsAndLeavesTheFirst) {
+  serve("a rw { }");
+  const Ending ending = run({"--debug"});
+  EXPECT_EQ(ending.status, 1);
+  EXPECT_EQ(ending.out, messagesUpToName("org.tavrel.transaction") +
+                            "Transaction server:main RequestName returned 2.\n");
+  EXPECT_EQ(ending.err,
+            "Transaction server: ERROR: Failed to get the primary well-known name. "
+            "(RequestName result != 1)\n");
+  expectFacts({{"single_set('a', '1')", "()", {"a=1"}}});
+}
+
+TEST_F(ServiceStartTest, ServicesOfDifferentNamesLiveSideBySide) {
+  serve("a rw { }");
+  Client second(bus().address());
+  second.setTarget("org.tavrel.transaction.second", OBJECT_PATH);
+  Daemon another({.text = "b rw { }",
+                  .arguments = {"--debug", "--bus=second"},
+                  .busAddress = bus().address()});
+  ASSERT_TRUE(second.waitForService(another.process()));
+  EXPECT_EQ(second.answer("single_set('b', '2')"), "()");
+  EXPECT_EQ(second.answer("single_get('a')"), "''");
+  EXPECT_EQ(second.answer("die()"), "()");
+  EXPECT_EQ(another.waitForEnd().status, 1);
+  EXPECT_EQ(client().newSignals(), std::vector<std::vector<std::string>>({{"b=2"}}));
+  expectFacts({{"single_get('b')", "''"}});
+}
+
+TEST(ServiceStart, WithoutABusTheReportIsTheSameInEveryLocale) {
+  for (const char* locale : {"C", "C.UTF-8", "POSIX"}) {
+    SCOPED_TRACE(locale);
+    Daemon daemon(
+        {.busAddress = "unix:path=/nonexistent/bus", .environment = {{"LC_ALL", locale}}});
+    const Ending ending = daemon.waitForEnd();
+    EXPECT_EQ(ending.status, 1);
+    EXPECT_EQ(ending.out, std::string(READING) + CONNECTING);
+    EXPECT_EQ(ending.err,
+              "Transaction server: ERROR: Couldn\xe2\x80\x99t connect to session bus "
+              "(Failed to connect to socket /nonexistent/bus: No such file or directory)\n");
+  }
+}
+
+TEST(ServiceStart, AnAddressThatIsNoneIsReported) {
+  Daemon daemon({.busAddress = "nonsense"});
+  const Ending ending = daemon.waitForEnd();
+  EXPECT_EQ(ending.status, 1);
+  EXPECT_TRUE(ending.err.starts_with(
+      "Transaction server: ERROR: Couldn\xe2\x80\x99t connect to session bus ("))
+      << ending.err;
+}
+
+struct InvalidSuffixCase {
+  std::string option;
+  std::string report;
+};
+
+TEST_F(ServiceStartTest, ASuffixThatMakesNoValidNameOrPathEndsTheStart) {
+  const std::string tooLong(233, 'x');  // one character more than a name may have
+  const InvalidSuffixCase cases[] = {
+      {"--bus=.", "Invalid bus name (Bus name was not valid: 'org.tavrel.transaction..')"},
+      {"--bus=a..b", "Invalid bus name (Bus name was not valid: 'org.tavrel.transaction.a..b')"},
+      {"--bus=a.", "Invalid bus name (Bus name was not valid: 'org.tavrel.transaction.a.')"},
+      {"--bus=1", "Invalid bus name (Bus name was not valid: 'org.tavrel.transaction.1')"},
+      {"--bus=a b", "Invalid bus name (Bus name was not valid: 'org.tavrel.transaction.a b')"},
+      {"--bus=a/b", "Invalid bus name (Bus name was not valid: 'org.tavrel.transaction.a/b')"},
+      {"--bus=\xc3\xa9",
+       "Invalid bus name (Bus name was not valid: 'org.tavrel.transaction.\xc3\xa9')"},
+      {"--bus=\xe9", "Invalid bus name (Bus name was not valid UTF-8)"},
+      {"--bus=" + tooLong,
+       "Invalid bus name (Bus name was not valid: 'org.tavrel.transaction." + tooLong + "')"},
+      {"-o/", "Invalid object path (Object path was not valid: '/transaction//')"},
+      {"-oa/", "Invalid object path (Object path was not valid: '/transaction/a/')"},
+      {"-oa//b", "Invalid object path (Object path was not valid: '/transaction/a//b')"},
+      {"-oa b", "Invalid object path (Object path was not valid: '/transaction/a b')"},
+      {"-oa-b", "Invalid object path (Object path was not valid: '/transaction/a-b')"},
+      {"-oa.b", "Invalid object path (Object path was not valid: '/transaction/a.b')"},
+      {"-o\xc3\xa9", "Invalid object path (Object path was not valid: '/transaction/\xc3\xa9')"},
+      {"-o\xe9", "Invalid object path (Object path was not valid UTF-8)"},
+  };
+  for (const InvalidSuffixCase& c : cases) {
+    SCOPED_TRACE(c.option);
+    const Ending ending = run({"--debug", c.option});
+    EXPECT_EQ(ending.status, 1);
+    EXPECT_EQ(ending.err, "Transaction server: ERROR: " + c.report + "\n");
+  }
+}
+
+TEST_F(ServiceStartTest, TheLongestNameIsServed) {
+  // 255 characters are allowed in all.
+  const std::string suffix(232, 'x');
+  client().setTarget("org.tavrel.transaction." + suffix, OBJECT_PATH);
+  Daemon daemon({.arguments = {"--debug", "--bus=" + suffix}, .busAddress = bus().address()});
+  ASSERT_TRUE(client().waitForService(daemon.process()));
+  EXPECT_EQ(client().answer("start()"), "0");
+  EXPECT_EQ(client().answer("die()"), "()");
+}
+
+std::string linkTarget(pid_t pid, const std::string& entry) {
+  return std::filesystem::read_symlink("/proc/" + std::to_string(pid) + "/" + entry);
+}
+
+// The one child of this process that runs the daemon's program; 0 when there is none.
+pid_t detachedDaemon() {
+  for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+    std::ifstream file(entry.path() / "stat");
+    pid_t pid = 0;
+    std::string program;
+    std::string state;
+    pid_t parent = 0;
+    if (file >> pid >> program >> state >> parent && parent == getpid() && program == "(ostrel)") {
+      return pid;
+    }
+  }
+  return 0;
+}
+
+class DetachedTest : public ServiceTest, public testing::WithParamInterface<bool> {
+ protected:
+  // The detached process becomes a child of the test when its parent ends.
+  void SetUp() override { ASSERT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0); }
+};
+
+TEST_P(DetachedTest, TheProgramReturnsAndTheServiceGoesOn) {
+  Daemon started({.text = "a rw { }",
+                  .arguments = {},
+                  .busAddress = bus().address(),
+                  .outputToPipe = GetParam()});
+  const Ending ending = started.waitForEnd();
+  EXPECT_EQ(ending.status, 0);
+  EXPECT_EQ(ending.out, messagesOfStart("org.tavrel.transaction", "/transaction"));
+  EXPECT_EQ(ending.err, "");
+
+  EXPECT_EQ(client().answer("single_set('a', '1')"), "()");
+  const pid_t pid = detachedDaemon();
+  ASSERT_GT(pid, 0);
+  EXPECT_EQ(linkTarget(pid, "cwd"), "/");
+  for (const char* stream : {"fd/0", "fd/1", "fd/2"}) {
+    EXPECT_EQ(linkTarget(pid, stream), "/dev/null") << stream;
+  }
+
+  EXPECT_EQ(client().answer("die()"), "()");
+  int status = 0;
+  ASSERT_EQ(waitpid(pid, &status, 0), pid);
+  EXPECT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(WithOutputTo, DetachedTest, testing::Bool(),
+                         [](const testing::TestParamInfo<bool>& output) {
+                           return output.param ? "Pipe" : "File";
+                         });
+
+class ServiceEndTest : public ServiceTest {};
+
+TEST_F(ServiceEndTest, DieIsAnsweredAndNothingMoreIsPrinted) {
+  serve("");
+  EXPECT_EQ(client().answer("die()"), "()");
+  const Ending ending = daemon().waitForEnd();
+  EXPECT_EQ(ending.status, 1);
+  EXPECT_EQ(ending.out, messagesOfStart("org.tavrel.transaction", "/transaction") + STAYING);
+  EXPECT_EQ(ending.err, "");
+  forgetDaemon();
+}
+
+TEST_F(ServiceEndTest, CallsBehindDieComeBack) {
+  serve("a rw { }");
+  client().send("single_set('a', '1')");
+  client().send("die()");
+  for (int i = 0; i < 20; ++i) {
+    client().send("single_get('a')");
+  }
+  client().send("die()");
+  const std::vector<std::string> answers = client().collectAnswers();
+  EXPECT_EQ(answers[0], "()");
+  EXPECT_EQ(answers[1], "()");
+  for (size_t i = 2; i < answers.size(); ++i) {
+    // Either the call was served on the way out, or the bus tells that nobody will.
+    EXPECT_TRUE(answers[i] == "'1'" || answers[i] == "()" ||
+                answers[i].starts_with("org.freedesktop.DBus.Error."))
+        << answers[i];
+    EXPECT_EQ(answers[i].find("Timeout"), std::string::npos) << answers[i];
+  }
+  EXPECT_EQ(daemon().waitForEnd().status, 1);
+  forgetDaemon();
+}
+
+TEST_F(ServiceEndTest, OpenTransactionsDoNotKeepTheServiceFromEnding) {
+  serve("a rw { rangeValid { 0..9 } }");
+  expectFacts({{"start()", "0"}, {"set(0, 'a', '5')", "()"}, {"start()", "1"}});
+}
+
+TEST_F(ServiceEndTest, AVanishedBusEndsTheService) {
+  serve("a rw { }");
+  bus().stop();
+  const Ending ending = daemon().waitForEnd();
+  EXPECT_EQ(ending.status, 1);
+  EXPECT_EQ(ending.err, "");
+  forgetDaemon();
+}
+
+}  // namespace

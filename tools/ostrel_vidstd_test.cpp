@@ -1,0 +1,122 @@
+// Runs the program ostrel-vidstd and compares all that it prints.
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+
+namespace {
+
+struct outcome_t {
+  std::string out;
+  int status = -1;
+};
+
+// Runs the program in a shell with these arguments and redirections.
+outcome_t run(const std::string& arguments) {
+  outcome_t outcome;
+  std::FILE* const pipe = popen((std::string("'") + OSTREL_VIDSTD + "' " + arguments).c_str(), "r");
+  EXPECT_NE(pipe, nullptr);
+  if (pipe == nullptr) return outcome;
+  char buffer[4096];
+  for (size_t n = 0; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;)
+    outcome.out.append(buffer, n);
+  const int ended = pclose(pipe);
+  outcome.status = WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
+  return outcome;
+}
+
+size_t countOf(const std::string& text, const std::string& part) {
+  size_t count = 0;
+  for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) count++;
+  return count;
+}
+
+const char* const DESCRIPTION_625P = R"(625p/50
+864 samples x 625 lines progressive
+Pixel aspect ratio = 16:15
+Frame rate = 50Hz
+Sampling frequency = 27.00MHz
+Centre: between samples 359 and 360
+Centre: between lines 332 and 333
+Blanking: line 1 to 44 and 621 to 625
+Production aperture
+720 samples x 576 lines
+Sample range: 0 to 719
+Line range: 45 to 620
+Aspect ratio = 4:3
+Centre: between samples 359 and 360
+Centre: between lines 332 and 333
+Clean aperture not defined
+Digital timing references
+Frame start: 1
+Blanking: V=1: 621, V=0: 45
+Switch point: 6
+)";
+
+const char* const NO_STANDARD_XYZ =
+    "ostrel-vidstd: there is no video standard \"xyz\"; without arguments, all names are listed\n";
+
+TEST(OstrelVidstd, ListsEachNameOnceInTableOrder) {
+  const outcome_t list = run("2>&1");
+  EXPECT_EQ(list.status, 0);
+  EXPECT_EQ(std::count(list.out.begin(), list.out.end(), '\n'), 74);  // of 78 rows
+  EXPECT_TRUE(list.out.starts_with("1080p/60.00\n1080p/59.94\n1080p/50\n")) << list.out;
+  EXPECT_TRUE(list.out.ends_with("\n3G/2048x1080p/24.00sF\n3G/2048x1080p/23.98sF\n")) << list.out;
+  EXPECT_EQ(countOf(list.out, "\n720p/23.98\n625i/50\n625p/50\n525i/59.94\n480p/59.94\n"), 1U);
+}
+
+TEST(OstrelVidstd, DescribesAStandard) {
+  const outcome_t described = run("625p/50 2>&1");
+  EXPECT_EQ(described.status, 0);
+  EXPECT_EQ(described.out, DESCRIPTION_625P);
+}
+
+TEST(OstrelVidstd, DescribesSeveralInTheOrderOfTheArguments) {
+  const outcome_t described = run("720p/50 625p/50 1080p/25sF 2>&1");
+  EXPECT_EQ(described.status, 0);
+  EXPECT_TRUE(described.out.starts_with("720p/50\n1980 samples x 750 lines progressive\n"));
+  EXPECT_EQ(countOf(described.out, std::string("\n\n") + DESCRIPTION_625P + "\n1080p/25sF\n"), 1U);
+  EXPECT_EQ(countOf(described.out, "\n\n"), 2U);
+}
+
+TEST(OstrelVidstd, DescribesEveryRowOfAName) {
+  const outcome_t described = run("525i/59.94 2>&1");
+  EXPECT_EQ(described.status, 0);
+  EXPECT_EQ(countOf("\n\n" + described.out, "\n\n525i/59.94\n858 samples x 525 lines interlaced\n"),
+            4U);
+  for (const char* const lines : {"487", "486", "480"}) {
+    EXPECT_NE(described.out.find(std::string("720 samples x ") + lines + " lines"),
+              std::string::npos);
+  }
+}
+
+TEST(OstrelVidstd, DescribesTheRowOfTheFullNameWhereAnEarlierOneBeginsIt) {
+  const outcome_t described = run("1080p/25sF 2>&1");
+  EXPECT_TRUE(described.out.starts_with("1080p/25sF\n2640 samples x 1125 lines p/sF\n"));
+}
+
+TEST(OstrelVidstd, RefusesUnknownNamesAndDescribesTheOthers) {
+  EXPECT_EQ(run("xyz 2>&1 >/dev/null").out, NO_STANDARD_XYZ);
+  EXPECT_EQ(run("xyz 2>/dev/null").out, "");
+  EXPECT_EQ(run("xyz 2>/dev/null").status, 1);
+
+  const outcome_t mixed = run("xyz 625p/50 '' 2>/dev/null");
+  EXPECT_EQ(mixed.out, DESCRIPTION_625P);
+  EXPECT_EQ(mixed.status, 1);
+
+  for (const char* const name : {"625p/50x", "625p", "1920x1080/60/P", "--help", "''"}) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(run(std::string(name) + " 2>/dev/null").status, 1);
+  }
+}
+
+TEST(OstrelVidstd, ReportsThatItCannotWrite) {
+  const outcome_t full = run("2>&1 >/dev/full");
+  EXPECT_EQ(full.out, "ostrel-vidstd: cannot write: No space left on device\n");
+  EXPECT_EQ(full.status, 1);
+}
+
+}  // namespace

@@ -17,11 +17,12 @@
 #include "sw/parm/value_text.h"
 
 struct ParmEntry;
+struct vidFigure_t;
 
 /// Where a variable of a definition finds its value.
 struct VariableSource {
   std::string_view name;                ///< the name referred to: P of a video standard name
-  std::string_view figure;              ///< F of a video standard name, else empty
+  const vidFigure_t* figure = nullptr;  ///< F of a video standard name, else null
   ParmEntry* parm = nullptr;            ///< of a parameter
   const ValueText* constant = nullptr;  ///< of a command-line constant
   IndexTuple indices;                   ///< those that the name itself carries

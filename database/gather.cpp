@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "srcs/vid_std_figures.h"
+
 namespace {
 
 // The index values under which `source` is looked up for an instance of `evaluated`.
@@ -13,6 +15,16 @@ IndexTuple sourceIndices(const VariableSource& source, const ParmDef& evaluated,
   return sharedIndices(evaluated, indices, *source.parm->parm);
 }
 
+// What a name stands for whose value, or whose P's value, is `value`. A figure that the value does
+// not have leaves the name undefined.
+Operand figureOrValue(const vidFigure_t* figure, const Operand& value) {
+  if (figure == nullptr) {
+    return value;
+  }
+  const std::optional<uint32_t> number = vidStdFigure(value.text, *figure);
+  return number ? Operand{OPERAND_NUMBER, static_cast<int32_t>(*number), {}} : Operand{};
+}
+
 // Binds what each source holds; `indicesOf` tells under which index values a parameter is read.
 template <typename IndicesOf>
 Situation gatherFrom(const std::vector<VariableSource>& sources, size_t slots,
@@ -20,13 +32,11 @@ Situation gatherFrom(const std::vector<VariableSource>& sources, size_t slots,
   Situation situation(slots);
   for (uint32_t slot = 0; slot < sources.size(); ++slot) {
     const VariableSource& source = sources[slot];
-    if (!source.figure.empty()) {
-      continue;
-    }
     if (source.parm != nullptr) {
-      situation.bind(slot, staged.value(*source.parm, indicesOf(source)));
+      const Operand value = staged.value(*source.parm, indicesOf(source));
+      situation.bind(slot, figureOrValue(source.figure, value));
     } else if (source.constant != nullptr) {
-      situation.bind(slot, source.constant->operand());
+      situation.bind(slot, figureOrValue(source.figure, source.constant->operand()));
     }
   }
   return situation;

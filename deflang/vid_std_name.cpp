@@ -1,15 +1,11 @@
 #include "deflang/vid_std_name.h"
 
-#include <algorithm>
-#include <array>
+#include "srcs/vid_std_figures.h"
 
 namespace {
 
 constexpr std::string_view PREFIX = "vidStd::";
 constexpr std::string_view SEPARATOR = "::";
-constexpr std::array<std::string_view, 14> FIGURES = {"spal",   "alpf", "sptl", "tlpf", "fr",
-                                                      "clkDiv", "f0",   "f1",   "f0v0", "f0v1",
-                                                      "f1v0",   "f1v1", "f0sw", "f1sw"};
 
 }  // namespace
 
@@ -22,8 +18,8 @@ std::optional<VidStdName> splitVidStdName(std::string_view name) {
   if (end == std::string_view::npos) {
     return std::nullopt;
   }
-  const std::string_view figure = name.substr(end + SEPARATOR.size());
-  if (std::find(FIGURES.begin(), FIGURES.end(), figure) == FIGURES.end()) {
+  const vidFigure_t* const figure = findVidFigure(name.substr(end + SEPARATOR.size()));
+  if (figure == nullptr) {
     return std::nullopt;
   }
   return VidStdName{name.substr(0, end), figure};

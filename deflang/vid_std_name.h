@@ -5,15 +5,16 @@
 #include <optional>
 #include <string_view>
 
-/// A video standard name taken apart; views of the name.
+struct vidFigure_t;
+
+/// A video standard name taken apart.
 struct VidStdName {
-  std::string_view parameter;
-  std::string_view figure;
+  std::string_view parameter;  ///< a view of the name
+  const vidFigure_t* figure;   ///< never null
 };
 
-/// Takes `name` apart; nothing when it is an ordinary name: another prefix, no second "::", or a
-/// figure that is none of "spal", "alpf", "sptl", "tlpf", "fr", "clkDiv", "f0", "f1", "f0v0",
-/// "f0v1", "f1v0", "f1v1", "f0sw", "f1sw".
+/// Takes `name` apart; nothing when it is an ordinary name: another prefix, no second "::", or what
+/// follows that names no figure.
 std::optional<VidStdName> splitVidStdName(std::string_view name);
 
 /// The name that an expression's variable refers to: P of a video standard name, else the name.

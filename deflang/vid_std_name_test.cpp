@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "srcs/vid_std_figures.h"
+
 namespace {
 
 TEST(VidStdName, IsTakenApartWhenItsFigureIsKnown) {
@@ -25,7 +27,7 @@ TEST(VidStdName, IsTakenApartWhenItsFigureIsKnown) {
     const std::optional<VidStdName> parts = splitVidStdName(c.name);
     ASSERT_TRUE(parts.has_value());
     EXPECT_EQ(parts->parameter, c.parameter);
-    EXPECT_EQ(parts->figure, c.figure);
+    EXPECT_EQ(parts->figure->name, c.figure);
     EXPECT_EQ(referencedName(c.name), c.parameter);
   }
 }

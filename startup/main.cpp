@@ -3,9 +3,11 @@
 #include "startup/command_line.h"
 #include "startup/definition_reader.h"
 #include "sw/dbus/server.h"
+#include "vid_std.h"
 
 int main(int argc, char** argv) {
   const CommandLine commandLine = parseCommandLine(argc, argv);
+  initVidStdTables();
   Database database;
   for (const auto& [name, value] : commandLine.constants) {
     // The names are distinct, and a refused constant would not stop start-up.

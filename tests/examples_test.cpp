@@ -21,13 +21,16 @@ TEST_F(PictureExample, PlaysTheTour) {
   serve(exampleText("picture.ostrel"));
   expectFacts({
       {"start()", "0"},
-      {"reset_status_bulk(0, ['mode', 'gain[1]', 'gain[2]', 'window'])", "()"},
-      {"commit(0)", "()", {"gain[1]=64", "gain[2]=64", "mode=video", "window=10"}},
-      {"set(0, 'mode', 'film')", "()"},
-      {"get_range(0, 'gain[1]')", "([], [(0, 100)])"},
-      {"set(0, 'gain[1]', '200')", "()"},
-      {"commit(0)", "()", {"gain[1]=100", "mode=film"}},
-      {"single_set('window', '150')", "()", {"window=100"}},
+      {"reset_status_bulk(0, ['mode', 'position[1]', 'position[2]', 'blanking'])", "()"},
+      {"commit(0)",
+       "()",
+       {"blanking=10", "mode=1080i/50", "position[1]=960", "position[2]=960"}},
+      {"single_set('position[1]', '1500')", "()", {"position[1]=1500"}},
+      {"set(0, 'mode', '720p/50')", "()"},
+      {"get_range(0, 'position[1]')", "([], [(0, 1279)])"},
+      {"single_get('mode')", "'1080i/50'"},
+      {"commit(0)", "()", {"mode=720p/50", "position[1]=1279"}},
+      {"single_set('blanking', '1500')", "()", {"blanking=1279"}},
       {"set(0, 'mode', 'sepia')", "Set failed because parameter value is invalid"},
   });
 }

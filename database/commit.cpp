@@ -91,15 +91,27 @@ int applyPlan(std::span<const PlanStep> plan, const StagedValues& staged,
   return result;
 }
 
+// Empties a transaction however its commit ends.
+class Emptying {
+ public:
+  explicit Emptying(StagedValues& staged) : staged_(staged) {}
+  Emptying(const Emptying&) = delete;
+  Emptying& operator=(const Emptying&) = delete;
+  ~Emptying() { staged_.clear(); }
+
+ private:
+  StagedValues& staged_;
+};
+
 }  // namespace
 
 int commit(Transaction& transaction, std::vector<std::string>& changed) {
   StagedValues& staged = transaction.staged();
+  const Emptying emptying(staged);
   resolveResets(staged);
   const Plan plan = planCommit(transaction.database(), staged);
   const int result = applyPlan(plan, staged, changed);
   std::sort(changed.begin(), changed.end());
   changed.erase(std::unique(changed.begin(), changed.end()), changed.end());
-  staged.clear();
   return result;
 }

@@ -1,6 +1,7 @@
 #include "database/dependencies.h"
 
-#include <unordered_set>
+#include <deque>
+#include <map>
 #include <utility>
 #include <vector>
 
@@ -9,28 +10,75 @@
 
 namespace {
 
-// Walks from `start` over what each parameter refers to and hands on every name once. A parameter
-// that is reached through others does not depend on itself.
-template <typename Visitor>
-void visitReferences(const ParmEntry& start, const Visitor& visit) {
-  std::unordered_set<std::string_view> names;
-  std::unordered_set<const ParmEntry*> reached = {&start};
-  std::vector<const ParmEntry*> open = {&start};
-  while (!open.empty()) {
-    const ParmEntry* entry = open.back();
-    open.pop_back();
-    for (const VariableSource& source : entry->sources) {
-      const bool isStart = entry != &start && source.name == start.parm->name();
-      if (source.name == THIS_VALUE || isStart || !names.insert(source.name).second) {
-        continue;
-      }
-      visit(source);
-      if (source.parm != nullptr && reached.insert(source.parm).second) {
-        open.push_back(source.parm);
+// The instance by whose index values names are read.
+struct Reader {
+  const ParmEntry* parm;
+  IndexTuple indices;
+};
+
+// The name of `source` as `reader` reads it.
+std::string qualifiedName(const VariableSource& source, const Reader& reader) {
+  if (source.parm == nullptr || source.qualified || reader.indices.empty()) {
+    return std::string(source.name);
+  }
+  return fullName(source.name,
+                  sharedIndices(*reader.parm->parm, reader.indices, *source.parm->parm));
+}
+
+// The names that `start` leads to. A parameter that is reached through others does not depend on
+// itself.
+class ReferenceWalk {
+ public:
+  // `asWritten` asks for the names as they stand in the text; `start` has no index values then.
+  ReferenceWalk(Reader start, bool asWritten) : asWritten_(asWritten) {
+    const Reader& reader = readers_.emplace_back(std::move(start));
+    go(*reader.parm, reader);
+  }
+
+  void collect(std::set<std::string>& names) {
+    while (!open_.empty()) {
+      const auto [entry, reader] = open_.back();
+      open_.pop_back();
+      for (const VariableSource& source : entry->sources) {
+        const bool isStart = entry != start() && source.name == start()->parm->name();
+        if (source.name == THIS_VALUE || isStart) {
+          continue;
+        }
+        names.insert(qualifiedName(source, *reader));
+        if (source.parm != nullptr) {
+          go(*source.parm, readerBehind(source, *reader));
+        }
       }
     }
   }
-}
+
+ private:
+  [[nodiscard]] const ParmEntry* start() const { return readers_.front().parm; }
+
+  // What an instance that the text names refers to is read by that instance's own index values.
+  const Reader& readerBehind(const VariableSource& source, const Reader& reader) {
+    if (asWritten_ || !source.qualified) {
+      return reader;
+    }
+    const Reader*& named = named_[source.name];
+    if (named == nullptr) {
+      named = &readers_.emplace_back(Reader{source.parm, source.indices});
+    }
+    return *named;
+  }
+
+  void go(const ParmEntry& entry, const Reader& reader) {
+    if (reached_.insert({&entry, &reader}).second) {
+      open_.emplace_back(&entry, &reader);
+    }
+  }
+
+  const bool asWritten_;
+  std::deque<Reader> readers_;  // the start's first; they stay where they are
+  std::map<std::string_view, const Reader*> named_;
+  std::set<std::pair<const ParmEntry*, const Reader*>> reached_;
+  std::vector<std::pair<const ParmEntry*, const Reader*>> open_;
+};
 
 bool fits(const ParmDef& parm, const IndexTuple& indices) {
   if (indices.size() != parm.indices().size()) {
@@ -42,15 +90,6 @@ bool fits(const ParmDef& parm, const IndexTuple& indices) {
     }
   }
   return true;
-}
-
-// The name of `source` as the instance `indices` of `parm` reads it.
-std::string qualifiedName(const VariableSource& source, const ParmDef& parm,
-                          const IndexTuple& indices) {
-  if (source.parm == nullptr || source.qualified || indices.empty()) {
-    return std::string(source.name);
-  }
-  return fullName(source.name, sharedIndices(parm, indices, *source.parm->parm));
 }
 
 }  // namespace
@@ -65,8 +104,6 @@ int dependencies(Database& database, std::string_view name, bool withIndices,
   if (withIndices && !fits(*entry->parm, parts.indices)) {
     return DEPENDENCIES_INVALID_INDEX;
   }
-  visitReferences(*entry, [&](const VariableSource& source) {
-    out.insert(qualifiedName(source, *entry->parm, parts.indices));
-  });
+  ReferenceWalk({entry, parts.indices}, !withIndices).collect(out);
   return DEPENDENCIES_FOUND;
 }

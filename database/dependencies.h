@@ -17,7 +17,8 @@ enum dependenciesResult_t : int {
 
 /// Finds the names that a parameter depends on, as they are written in its expressions and in those
 /// of the parameters they lead to. With `withIndices`, `name` is a full name, and each name is
-/// given the index values that it shares with it. Returns a dependenciesResult_t; an index is
+/// given the index values that it shares with it, or, behind an instance that the text names, with
+/// that instance. Returns a dependenciesResult_t; an index is
 /// invalid when the number of index values or one of them does not fit the index definitions.
 int dependencies(Database& database, std::string_view name, bool withIndices,
                  std::set<std::string>& out);

@@ -17,6 +17,7 @@ perIn rw { index { in } }
 both rw { index { in, out } ctrlRO (perIn == LIMIT && out == "a") }
 chain rw { index { in } ctrlRO (both[1][a] == 1 && perIn[2] == 1) }
 sees rw { index { in } ctrlRO (both == 1) }
+flat rw { ctrlRO (sees[1] == 1 || sees[2] == 1 || both[0][b] == 1) }
 figure rw { rangeValid { 0..(vidStd::mode::spal) } }
 left rw { ctrlRO (right == 1) }
 right rw { ctrlRO (left == 1) }
@@ -47,12 +48,21 @@ TEST(Dependencies, AreTheNamesThatAParameterRefersToDirectlyOrNot) {
       {"chain[3]",
        true,
        DEPENDENCIES_FOUND,
-       {"LIMIT", "both[1][a]", "mode", "out", "perIn[2]", "perIn[3]"}},
+       {"LIMIT", "both[1][a]", "mode", "out", "perIn[1]", "perIn[2]"}},
       {"chain",
        false,
        DEPENDENCIES_FOUND,
        {"LIMIT", "both[1][a]", "mode", "out", "perIn", "perIn[2]"}},
       {"sees[2]", true, DEPENDENCIES_FOUND, {"LIMIT", "both[2]", "mode", "out", "perIn[2]"}},
+      {"flat",
+       true,
+       DEPENDENCIES_FOUND,
+       {"LIMIT", "both[0][b]", "both[1]", "both[2]", "mode", "out", "perIn[0]", "perIn[1]",
+        "perIn[2]", "sees[1]", "sees[2]"}},
+      {"flat",
+       false,
+       DEPENDENCIES_FOUND,
+       {"LIMIT", "both", "both[0][b]", "mode", "out", "perIn", "sees[1]", "sees[2]"}},
       // Reached through another, a parameter does not depend on itself; named directly, it does.
       {"left", true, DEPENDENCIES_FOUND, {"right"}},
       {"self[2]", true, DEPENDENCIES_FOUND, {"mode", "self[0]", "self[2]"}},

@@ -27,6 +27,9 @@ int Transaction::reset(std::string_view name, bool status) {
 }
 
 int Transaction::get(std::string_view name, std::string& value) const {
+  if (name == THIS_VALUE) {
+    return 2;
+  }
   const ParmEntry* parm = database_.findParm(baseName(name));
   if (parm != nullptr) {
     value = staged_.text(*parm, splitName(name).indices);

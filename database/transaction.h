@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <map>
-#include <memory>
 #include <string>
 #include <string_view>
 
@@ -29,7 +28,8 @@ class Transaction {
   /// STAGE_INVALID_NAME.
   int reset(std::string_view name, bool status);
   /// The value of `name` as the transaction sees it: staged, else committed, else a constant's.
-  /// Returns 0, or 1 for a name that is neither; `value` is then left alone.
+  /// Returns 0, 1 for a name that is neither, or 2 for "sw::this", which is never looked up;
+  /// `value` is then left alone.
   int get(std::string_view name, std::string& value) const;
   /// Whether the base bounds of the parameter `name` accept `value`; false without such a
   /// parameter.

@@ -19,7 +19,9 @@ level rw { rangeValid { 0..(limit) } }
 
 class TransactionTest : public testing::Test {
  protected:
-  void SetUp() override { define(database_, TEXT, {{"MODEL", "7"}, {"mode", "shadowed"}}); }
+  void SetUp() override {
+    define(database_, TEXT, {{"MODEL", "7"}, {"mode", "shadowed"}, {"sw::this", "5"}});
+  }
 
   static std::optional<std::string> get(const Transaction& transaction, std::string_view name) {
     std::string value = "untouched";
@@ -44,6 +46,7 @@ TEST_F(TransactionTest, StagesWhatTheBaseBoundsAccept) {
       {"gain[2]", "auto", STAGE_INVALID_VALUE, "0x10"},
       {"gain[9]", "1", STAGE_DONE, "1"},  // the index values are judged at commit
       {"gain", "1", STAGE_DONE, "1"},     // and so is their number
+      {"gain", "256", STAGE_INVALID_VALUE, "1"},
       {"mode", "off", STAGE_DONE, "off"},
       {"mode", "on", STAGE_INVALID_VALUE, "off"},
       {"mode[1", "auto", STAGE_DONE, "auto"},  // no bracket is closed: the name is mode
@@ -72,6 +75,7 @@ TEST_F(TransactionTest, KeepsWhatIsStagedToItself) {
 TEST_F(TransactionTest, ReadsStagedThenCommittedThenConstants) {
   EXPECT_EQ(get(transaction_, "mode"), "");  // a parameter hides the constant of its name
   EXPECT_EQ(get(transaction_, "MODEL"), "7");
+  EXPECT_EQ(get(transaction_, "sw::this"), std::nullopt);
   EXPECT_EQ(get(transaction_, "MODEL[1]"), std::nullopt);  // a constant has no instances
   EXPECT_EQ(get(transaction_, "gain[1][2]"), "");
   EXPECT_EQ(transaction_.set("mode", "off", false), STAGE_DONE);

@@ -5,6 +5,7 @@
 #include <map>
 
 #include "database/test_database.h"
+#include "vid_std.h"
 
 namespace {
 
@@ -21,12 +22,16 @@ swapped rw { index { out, in } }
 single rw { ctrlRO (mode == 1 && LIMIT == 2 && perIn == 3 && perIn[2] == 4) }
 ofIn rw { index { in } ctrlRO (mode + perIn + both + perOut + perIn[2] + in) }
 ofBoth rw { index { in, out } ctrlRO (perIn + perOut + both + swapped + vidStd::mode::spal) }
+figures rw { index { in } ctrlRO (vidStd::perIn::tlpf + vidStd::perIn[2]::tlpf
+                                  + vidStd::LIMIT::tlpf + vidStd::BOARD::tlpf + vidStd::in::tlpf) }
 )";
 
 class GatherTest : public testing::Test {
  protected:
+  static void SetUpTestSuite() { initVidStdTables(); }
+
   void SetUp() override {
-    define(database_, TEXT, {{"LIMIT", "20"}});
+    define(database_, TEXT, {{"LIMIT", "20"}, {"BOARD", "720p/50"}});
     store("mode", {}, "m");
     store("perIn", {"1"}, "in1");
     store("perIn", {"2"}, "in2");
@@ -63,8 +68,8 @@ class GatherTest : public testing::Test {
 using Values = std::map<std::string, std::string>;
 
 TEST_F(GatherTest, ReadsEachNameAsTheInstanceSeesIt) {
-  // An index's own variables are its parameters' too. A figure of a standard and an index name have
-  // no value here; an instance that was never set holds the empty text.
+  // An index's own variables are its parameters' too. A figure of what names no standard and an
+  // index name have no value; an instance that was never set holds the empty text.
   EXPECT_EQ(gathered("single", {}),
             (Values{{"mode", "m"}, {"LIMIT", "20"}, {"perIn", ""}, {"perIn[2]", "in2"}}));
   EXPECT_EQ(gathered("ofIn", {"1"}), (Values{{"mode", "m"},
@@ -77,6 +82,20 @@ TEST_F(GatherTest, ReadsEachNameAsTheInstanceSeesIt) {
                                                     {"perOut", "outA"},
                                                     {"both", "both1a"},
                                                     {"swapped", "swappedA1"}}));
+}
+
+TEST_F(GatherTest, ReadsFiguresOfWhatASelectorHolds) {
+  // A constant is a selector as well; an index name is none, and a limit of 20 is no standard.
+  EXPECT_EQ(gathered("figures", {"1"}), (Values{{"mode", "m"}, {"vidStd::BOARD::tlpf", "750"}}));
+  store("perIn", {"1"}, "625i/50");
+  staged_.stage(*database_.findParm("perIn"), {"2"}, false).value.set("1080i/50");
+  const Values raster = {{"mode", "m"},
+                         {"vidStd::BOARD::tlpf", "750"},
+                         {"vidStd::perIn::tlpf", "625"},
+                         {"vidStd::perIn[2]::tlpf", "1125"}};
+  EXPECT_EQ(gathered("figures", {"1"}), raster);
+  store("perIn", {"1"}, "1920x1080/60/P");  // a picture format has no raster
+  EXPECT_EQ(gathered("figures", {"1"}).count("vidStd::perIn::tlpf"), 0U);
 }
 
 TEST_F(GatherTest, ReadsStagedValuesFirst) {

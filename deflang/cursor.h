@@ -31,7 +31,7 @@ class StopSet {
 };
 
 /// Lives as long as the line that it reads. After a failed step it stands at the character at which
-/// that step started, for the caret.
+/// that step started, or at the first one of a bare number that did not convert, for the caret.
 class Cursor {
  public:
   /// At the start of `line`, which is line `number` (from 1) of its text.

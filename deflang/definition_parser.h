@@ -26,8 +26,8 @@ class DefinitionParser {
   /// text. Returns PARSE_DONE when it was accepted, complete or not; PARSE_INVALID_ACCESS for an
   /// unknown word after the name or "ctrlRO" in a "wo" record; PARSE_SYNTAX_ERROR;
   /// PARSE_INTERNAL_ERROR when the record that is being read is not among `records`. After an error
-  /// `column` is the offset of the character at which the failing step started, and only reset()
-  /// leads on.
+  /// `column` is the offset of the character at which the failing step started, or of the first one
+  /// of a bare number that did not convert, and only reset() leads on.
   int parseLine(ParameterRecords& records, std::string_view line, uint32_t lineNumber,
                 size_t& column);
   /// Back to the start of a text, whatever was left unfinished.

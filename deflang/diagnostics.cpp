@@ -33,13 +33,12 @@ constexpr DiagnosticMessage MESSAGES[] = {
 
 constexpr Position NOWHERE = {NO_POSITION, NO_POSITION};
 
-// Position 0 is what an empty expression fails at; in any other it means the first token.
+}  // namespace
+
 Position tokenPosition(const Expression& expression, size_t position) {
   const size_t token = std::max<size_t>(position, 1) - 1;
   return token < expression.tokens.size() ? expression.tokens[token].at : NOWHERE;
 }
-
-}  // namespace
 
 const char* diagnosticMessage(uint32_t code) {
   for (const DiagnosticMessage& entry : MESSAGES) {

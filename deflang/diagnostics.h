@@ -36,6 +36,10 @@ enum severity_t { SEVERITY_ERROR, SEVERITY_WARNING };
 /// Stands for a line or column that a diagnostic does not have.
 constexpr uint32_t NO_POSITION = UINT32_MAX;
 
+/// The place of the token at `position` (from 1; 0 is where the check of an empty expression fails)
+/// of `expression`, or NO_POSITION twice where it has no such token.
+Position tokenPosition(const Expression& expression, size_t position);
+
 struct Diagnostic {
   severity_t severity;
   uint32_t code;
@@ -46,8 +50,7 @@ struct Diagnostic {
 /// The diagnostics of one text in the order raised, with the text of each line that they name.
 class DiagnosticCollector {
  public:
-  /// Raises `code` at the token at `position` (from 1) of `expression`; a position beyond its
-  /// tokens gives a diagnostic without a line, and so does 0 where it has none.
+  /// Raises `code` at the token at `position` of `expression`, see tokenPosition().
   void add(severity_t severity, uint32_t code, const Expression& expression, size_t position,
            const LineTexts& lines, std::string text = {});
   /// Raises `code` at a place in the text.

@@ -22,18 +22,20 @@ int32_t negated(int32_t number) { return static_cast<int32_t>(0U - static_cast<u
 // A minus sign before a number is the number's where an operand must stand: at the start and after
 // an operator. After "(" it stays an operator without a left side, which the check refuses.
 void foldNegativeNumbers(std::vector<Token>& tokens) {
-  size_t kept = 0;
-  for (size_t next = 0; next < tokens.size(); ++next, ++kept) {
-    const bool folds = tokens[next].kind == OP_SUBTRACT && next + 1 < tokens.size() &&
-                       tokens[next + 1].kind == TOKEN_NUMBER &&
-                       (kept == 0 || isOperator(tokens[kept - 1].kind));
-    const Position at = tokens[next].at;
-    if (folds) ++next;
-    if (kept != next) tokens[kept] = std::move(tokens[next]);
-    tokens[kept].at = at;
-    if (folds) tokens[kept].number = negated(tokens[kept].number);
+  std::vector<Token> folded;
+  folded.reserve(tokens.size());
+  for (Token& token : tokens) {
+    const bool isNegative = token.kind == TOKEN_NUMBER && !folded.empty() &&
+                            folded.back().kind == OP_SUBTRACT &&
+                            (folded.size() == 1 || isOperator(folded[folded.size() - 2].kind));
+    if (isNegative) {
+      folded.back().kind = TOKEN_NUMBER;  // where the sign stands
+      folded.back().number = negated(token.number);
+    } else {
+      folded.push_back(std::move(token));
+    }
   }
-  tokens.resize(kept);
+  tokens = std::move(folded);
 }
 
 }  // namespace
@@ -92,7 +94,18 @@ int ExpressionReader::openSuffix(Cursor& cursor) {
   return PARSE_DONE;
 }
 
+// Whether "::FIGURE" stands behind a "vidStd::PARAMETER[...]": the only name that goes on there.
+bool ExpressionReader::continuesName(std::string_view word) const {
+  return word.starts_with("::") && !tokens_.empty() && tokens_.back().kind == TOKEN_VARIABLE &&
+         tokens_.back().text.starts_with("vidStd::") && tokens_.back().text.ends_with(']');
+}
+
 int ExpressionReader::readOperand(Cursor& cursor, std::string_view word) {
+  if (continuesName(word)) {
+    tokens_.back().text.append(word);
+    cursor.advance(word.size());
+    return PARSE_DONE;
+  }
   const std::optional<int32_t> number = wholeNumber(word);
   addToken(cursor, number ? TOKEN_NUMBER : TOKEN_VARIABLE);
   if (number) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string_view>
 
 #include "deflang/cursor.h"
 #include "deflang/quoted_text.h"
@@ -26,6 +27,7 @@ class ExpressionReader {
   int readQuoted(Cursor& cursor);
   int readSign(Cursor& cursor);
   int readOperand(Cursor& cursor, std::string_view word);
+  [[nodiscard]] bool continuesName(std::string_view word) const;
   int openString(Cursor& cursor);
   int openSuffix(Cursor& cursor);
   void addToken(const Cursor& cursor, int32_t kind);

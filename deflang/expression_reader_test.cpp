@@ -29,6 +29,10 @@ TEST(ExpressionReader, MakesTokens) {
       {"(0x10+017+8)", "16 + 15 + 8", "1:1 1:5 1:6 1:9 1:10"},
       {"(4294967301)", "5", "1:1"},  // 32 bits of it
       {"(sw::this > vidStd::mode::spal)", "sw::this > vidStd::mode::spal", "1:1 1:10 1:12"},
+      {"(vidStd::in[2]::spal + 1)", "vidStd::in[2]::spal + 1", "1:1 1:21 1:23"},
+      {"(vidStd::in[ 2 ]\n[a] ::spal)", "vidStd::in[2][a]::spal", "1:1"},
+      {"(in[2]::spal)", "in[2] ::spal", "1:1 1:6"},  // only a figure's name goes on
+      {"(vidStd::in::spal ::x)", "vidStd::in::spal ::x", "1:1 1:18"},
       {"(12ab 0x 08)", "12ab 0x 08", "1:1 1:6 1:9"},  // variables: not whole numbers
       {"(a.b,c;d#e{f}~)", "a.b,c;d#e{f}~", "1:1"},
       {"(h\xf6he\x85)", "h\xf6he\x85", "1:1"},

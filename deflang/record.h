@@ -75,6 +75,10 @@ struct ParameterRecord {
 /// The records of a text, by name. Records stay where they are while others are added.
 class ParameterRecords {
  public:
+  ParameterRecords() = default;
+  ParameterRecords(ParameterRecords&&) = default;
+  ParameterRecords& operator=(ParameterRecords&&) = default;
+
   /// The record of `name`, or null.
   [[nodiscard]] const ParameterRecord* find(std::string_view name) const;
   [[nodiscard]] ParameterRecord* find(std::string_view name);

@@ -3,11 +3,6 @@
 #include <cassert>
 #include <utility>
 
-Position tokenPosition(const Expression& expression, size_t position) {
-  if (position == 0 || position > expression.tokens.size()) return {NO_POSITION, NO_POSITION};
-  return expression.tokens[position - 1].at;
-}
-
 DefinitionDraft::DefinitionDraft(BuildContext& context, const ParameterRecord& record)
     : context_(context), record_(record) {
   parts.name = record.name;

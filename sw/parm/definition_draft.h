@@ -10,9 +10,6 @@
 #include "sw/parm/index_def.h"
 #include "sw/parm/parm_def.h"
 
-/// The place of the token at `position` (from 1) in `expression`, or NO_POSITION twice.
-Position tokenPosition(const Expression& expression, size_t position);
-
 /// Filled by the builder's steps, each of which takes one kind of the record's statements.
 class DefinitionDraft {
  public:

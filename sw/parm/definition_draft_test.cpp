@@ -17,17 +17,6 @@ class DefinitionDraftTest : public testing::Test {
   DefinitionDraft draft_{context_, *text_.records.find("p")};
 };
 
-TEST_F(DefinitionDraftTest, FindsThePlacesOfTokens) {
-  const Expression& expression = draft_.record().ctrlRO[0];
-  EXPECT_EQ(tokenPosition(expression, 1).column, 15U);
-  EXPECT_EQ(tokenPosition(expression, 3).column, 19U);
-  EXPECT_EQ(tokenPosition(expression, 3).line, 1U);
-  for (const size_t position : {0U, 4U}) {
-    EXPECT_EQ(tokenPosition(expression, position).line, NO_POSITION);
-    EXPECT_EQ(tokenPosition(expression, position).column, NO_POSITION);
-  }
-}
-
 TEST_F(DefinitionDraftTest, NumbersTheNamesOfWhatIsKept) {
   EXPECT_EQ(draft_.parts.name, "p");
   EXPECT_TRUE(draft_.kept().empty());

@@ -40,7 +40,6 @@ class IndexDef {
   explicit IndexDef(DefinitionParts parts);
   IndexDef(IndexDef&&) = default;
   IndexDef& operator=(IndexDef&&) = default;
-  virtual ~IndexDef() = default;
 
   /// Whether the base bounds accept `value`, once translated.
   [[nodiscard]] virtual bool checkBase(std::string value) const;

@@ -106,6 +106,15 @@ class FrameSynchroniserExample : public ServiceTest,
     EXPECT_EQ(client().newSignals().size(), 1U);
   }
 
+  // All instances with their values.
+  std::vector<std::string> allValues() {
+    std::vector<std::string> values;
+    for (const std::string& name : instances()) {
+      values.push_back(name + "=" + answer("single_get('" + name + "')"));
+    }
+    return values;
+  }
+
   // Every value that is set lies in the range that the service gives for it.
   void expectEverythingInRange() {
     for (const std::string& name : instances()) {
@@ -172,6 +181,13 @@ TEST_P(FrameSynchroniserExample, StartsWithItsDefaults) {
   EXPECT_EQ(answer("single_get_bulk(4, ['output_standard', 'h_active', 'v_total', 'hue[1]'])"),
             "['1080i/50', '1920', '1125', '0']");
   expectEverythingInRange();
+}
+
+TEST_P(FrameSynchroniserExample, HasItsDefaultsAfterOneCommit) {
+  boot();
+  const std::vector<std::string> values = allValues();
+  boot();
+  EXPECT_EQ(allValues(), values);
 }
 
 TEST_P(FrameSynchroniserExample, KeepsInRangeInEveryStandard) {

@@ -22,9 +22,7 @@ TEST_F(PictureExample, PlaysTheTour) {
   expectFacts({
       {"start()", "0"},
       {"reset_status_bulk(0, ['mode', 'position[1]', 'position[2]', 'blanking'])", "()"},
-      {"commit(0)",
-       "()",
-       {"blanking=10", "mode=1080i/50", "position[1]=960", "position[2]=960"}},
+      {"commit(0)", "()", {"blanking=10", "mode=1080i/50", "position[1]=960", "position[2]=960"}},
       {"single_set('position[1]', '1500')", "()", {"position[1]=1500"}},
       {"set(0, 'mode', '720p/50')", "()"},
       {"get_range(0, 'position[1]')", "([], [(0, 1279)])"},

@@ -194,4 +194,21 @@ gain rw { index { chan } default { 3 } }
   });
 }
 
+TEST_F(RunTimeRangesTest, ARangeThatCannotBeUsedAcceptsBesideOthers) {
+  serve(R"(
+m    rw { }
+x    rw { }
+y    rw { }
+near rw { rangeValid (m == 1) { 0..9 } rangeValid { (x)..(y) } }
+far  rw { rangeValid { 0..100 } rangeValid (m == 1) { 200..300 } rangeValid (x == 5) { (x)..(y) } }
+)");
+  expectFacts({
+      {"single_set_bulk(['m', 'x', 'y', 'near', 'far'], ['1', '5', '3', '50', '500'])",
+       "()",
+       {"far=100", "m=1", "near=50", "x=5", "y=3"}},
+      {"single_set('y', '8')", "()", {"far=200", "near=9", "y=8"}},
+      {"single_set('x', '9')", "()", {"x=9"}},
+  });
+}
+
 }  // namespace

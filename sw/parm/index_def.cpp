@@ -4,14 +4,15 @@
 
 #include "sw/parm/present_bounds.h"
 
-void noteComputed(std::vector<ConditionalBounds>& list) {
+void noteKinds(std::vector<ConditionalBounds>& list) {
   for (ConditionalBounds& entry : list) {
     entry.computed = dynamic_cast<const BoundsExpression*>(entry.bounds.get());
+    entry.constant = dynamic_cast<const BoundsParm*>(entry.bounds.get());
   }
 }
 
 IndexDef::IndexDef(DefinitionParts parts) : parts_(std::move(parts)) {
-  noteComputed(parts_.conditionalBounds);
+  noteKinds(parts_.conditionalBounds);
 }
 
 bool IndexDef::checkBase(std::string value) const {

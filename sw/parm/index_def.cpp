@@ -1,6 +1,7 @@
 #include "sw/parm/index_def.h"
 
 #include <algorithm>
+#include <cassert>
 
 #include "sw/parm/present_bounds.h"
 
@@ -8,6 +9,7 @@ void noteKinds(std::vector<ConditionalBounds>& list) {
   for (ConditionalBounds& entry : list) {
     entry.computed = dynamic_cast<const BoundsExpression*>(entry.bounds.get());
     entry.constant = dynamic_cast<const BoundsParm*>(entry.bounds.get());
+    assert(entry.computed != nullptr || entry.constant != nullptr);
   }
 }
 

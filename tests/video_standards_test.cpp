@@ -42,9 +42,7 @@ class FiguresTest : public ServiceTest {
   void SetUp() override {
     std::string text = "std rw { }\n";
     for (const char* figure : FIGURES) {
-      const std::string name = figure;
-      text += name + " rw { default { (vidStd::std::" + name + ") } }\n";
-      names_ += (names_.empty() ? "'" : ", '") + name + "'";
+      text.append(figure).append(" rw { default { (vidStd::std::").append(figure).append(") } }\n");
     }
     serve(text);
     rows_ = rowsOf("figures_of_standards.tsv");
@@ -64,9 +62,10 @@ class FiguresTest : public ServiceTest {
 
   // The figures that the parameters have as defaults while `value` is selected.
   [[nodiscard]] std::string defaultsFor(const std::string& value) {
+    const std::string names = listed({FIGURES.begin(), FIGURES.end()});
     EXPECT_EQ(client().answer("single_set('std', '" + value + "')"), "()");
-    EXPECT_EQ(client().answer("single_reset_bulk([" + names_ + "])"), "()");
-    return client().answer("single_get_bulk(14, [" + names_ + "])");
+    EXPECT_EQ(client().answer("single_reset_bulk(" + names + ")"), "()");
+    return client().answer("single_get_bulk(14, " + names + ")");
   }
 
   static std::string listed(const Texts& figures) {
@@ -77,7 +76,6 @@ class FiguresTest : public ServiceTest {
     return "[" + list + "]";
   }
 
-  std::string names_;
   std::vector<Row> rows_;
 };
 

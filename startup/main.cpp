@@ -3,10 +3,12 @@
 #include "startup/command_line.h"
 #include "startup/constants.h"
 #include "startup/definition_reader.h"
+#include "startup/standard_streams.h"
 #include "sw/dbus/server.h"
 #include "vid_std.h"
 
 int main(int argc, char** argv) {
+  openStandardStreams();
   const CommandLine commandLine = parseCommandLine(argc, argv);
   initVidStdTables();
   Database database;

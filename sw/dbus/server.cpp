@@ -6,6 +6,7 @@
 
 #include <cstdio>
 
+#include "sw/dbus/deadline.h"
 #include "sw/dbus/reporter.h"
 #include "sw/dbus/service_state.h"
 #include "sw/dbus/value_object.h"
@@ -13,6 +14,7 @@
 namespace {
 
 constexpr bool FATAL = true;
+const char* const NO_CONNECTION = "Couldn\u2019t connect to session bus";
 const char* const OUT_OF_MEMORY_DETAIL = "Unknown (OOM ?)";
 
 void createMainLoopAndLock(ServiceState& state) {
@@ -26,9 +28,13 @@ void createMainLoopAndLock(ServiceState& state) {
 
 DBusGConnection* connectToBus() {
   g_print("Transaction server:main Connecting to the Session D-Bus.\n");
+  // The bus library has a limit for each call, but none for what goes before the first.
+  constexpr int LIMIT = 60000;  // in milliseconds; that of a call is 25 seconds
+  const Deadline deadline(LIMIT,
+                          [] { reportError(NO_CONNECTION, "The bus does not answer", FATAL); });
   GError* error = nullptr;
   DBusGConnection* bus = dbus_g_bus_get(DBUS_BUS_SESSION, &error);
-  if (error != nullptr) reportError("Couldn\u2019t connect to session bus", error->message, FATAL);
+  if (error != nullptr) reportError(NO_CONNECTION, error->message, FATAL);
   return bus;
 }
 

@@ -1,5 +1,4 @@
 // The service's start: its name and path on the bus, its messages, detaching, and its end.
-#include <dbus/dbus.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -8,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "tests/harness/deaf_client.h"
 #include "tests/harness/service_test.h"
 
 namespace {
@@ -219,21 +219,6 @@ std::string linkTarget(pid_t pid, const std::string& entry) {
   return std::filesystem::read_symlink("/proc/" + std::to_string(pid) + "/" + entry);
 }
 
-// The one child of this process that runs the daemon's program; 0 when there is none.
-pid_t detachedDaemon() {
-  for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-    std::ifstream file(entry.path() / "stat");
-    pid_t pid = 0;
-    std::string program;
-    std::string state;
-    pid_t parent = 0;
-    if (file >> pid >> program >> state >> parent && parent == getpid() && program == "(ostrel)") {
-      return pid;
-    }
-  }
-  return 0;
-}
-
 class DetachedTest : public ServiceTest, public testing::WithParamInterface<bool> {
  protected:
   // The detached process becomes a child of the test when its parent ends.
@@ -251,7 +236,7 @@ TEST_P(DetachedTest, TheProgramReturnsAndTheServiceGoesOn) {
   EXPECT_EQ(ending.err, "");
 
   EXPECT_EQ(client().answer("single_set('a', '1')"), "()");
-  const pid_t pid = detachedDaemon();
+  const pid_t pid = childBesides(bus().pid());
   ASSERT_GT(pid, 0);
   EXPECT_EQ(linkTarget(pid, "cwd"), "/");
   for (const char* stream : {"fd/0", "fd/1", "fd/2"}) {
@@ -325,7 +310,7 @@ TEST_P(ClosedStreamsTest, AreTheNullDeviceInTheForeground) {
 TEST_P(ClosedStreamsTest, DoNotKeepTheServiceFromDetaching) {
   Daemon started({.arguments = {}, .busAddress = bus().address(), .redirections = GetParam()});
   EXPECT_EQ(started.waitForEnd().status, 0);
-  const pid_t pid = detachedDaemon();
+  const pid_t pid = childBesides(bus().pid());
   ASSERT_GT(pid, 0);
   expectService(pid, true);
   int status = 0;
@@ -390,35 +375,6 @@ TEST_F(ServiceEndTest, LargeRepliesOnTheirWayArriveBeforeTheEnd) {
   EXPECT_EQ(daemon().waitForEnd().status, 1);
   forgetDaemon();
 }
-
-// A client that calls and never reads what comes back.
-class DeafClient {
- public:
-  explicit DeafClient(const std::string& busAddress)
-      : connection_(dbus_connection_open_private(busAddress.c_str(), nullptr)) {
-    EXPECT_NE(dbus_bus_register(connection_, nullptr), 0);
-  }
-  ~DeafClient() {
-    dbus_connection_close(connection_);
-    dbus_connection_unref(connection_);
-  }
-  DeafClient(const DeafClient&) = delete;
-  DeafClient& operator=(const DeafClient&) = delete;
-
-  void send(const char* method, const char* argument = nullptr) {
-    DBusMessage* message =
-        dbus_message_new_method_call(INTERFACE_NAME, OBJECT_PATH, INTERFACE_NAME, method);
-    if (argument != nullptr) {
-      dbus_message_append_args(message, DBUS_TYPE_STRING, &argument, DBUS_TYPE_INVALID);
-    }
-    EXPECT_NE(dbus_connection_send(connection_, message, nullptr), 0);
-    dbus_message_unref(message);
-    dbus_connection_flush(connection_);
-  }
-
- private:
-  DBusConnection* connection_;
-};
 
 // A bus that takes no more from a client while this many bytes are not delivered.
 class NarrowBusTest : public ServiceTest {

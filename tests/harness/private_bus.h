@@ -26,6 +26,7 @@ class PrivateBus {
   PrivateBus() : PrivateBus(Options()) {}
   explicit PrivateBus(const Options& options);
   [[nodiscard]] const std::string& address() const { return address_; }
+  [[nodiscard]] pid_t pid() const { return process_->pid(); }
   /// Ends the bus at once.
   void stop() { process_.reset(); }
 

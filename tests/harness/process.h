@@ -63,3 +63,6 @@ class Process {
 
 /// Waits until `descriptor` is readable; false when it is not in time.
 bool waitUntilReadable(int descriptor);
+
+/// The one child of this process besides `known`; 0 when there is none.
+pid_t childBesides(pid_t known);

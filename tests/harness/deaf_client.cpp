@@ -1,0 +1,31 @@
+#include "tests/harness/deaf_client.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/harness/bus_methods.h"
+
+DeafClient::DeafClient(const std::string& busAddress)
+    : connection_(dbus_connection_open_private(busAddress.c_str(), nullptr)) {
+  EXPECT_NE(dbus_bus_register(connection_, nullptr), 0);
+}
+
+DeafClient::~DeafClient() {
+  dbus_connection_close(connection_);
+  dbus_connection_unref(connection_);
+}
+
+void DeafClient::send(const char* method, const char* argument) {
+  DBusMessage* message =
+      dbus_message_new_method_call(INTERFACE_NAME, OBJECT_PATH, INTERFACE_NAME, method);
+  if (argument != nullptr) {
+    dbus_message_append_args(message, DBUS_TYPE_STRING, &argument, DBUS_TYPE_INVALID);
+  }
+  EXPECT_NE(dbus_connection_send(connection_, message, nullptr), 0);
+  dbus_message_unref(message);
+  dbus_connection_flush(connection_);
+}
+
+void DeafClient::subscribe() {
+  dbus_bus_add_match(connection_, "type='signal'", nullptr);
+  dbus_connection_flush(connection_);
+}

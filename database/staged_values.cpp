@@ -27,20 +27,29 @@ const StagedEntry* StagedValues::find(const ParmEntry& parm, const IndexTuple& i
 
 StagedEntry& StagedValues::stage(ParmEntry& parm, const IndexTuple& indices, bool generated) {
   const auto [place, isNew] = entries_.try_emplace(Key{&parm, indexSuffix(indices)});
-  StagedEntry& entry = place->second;
-  if (!isNew) {
-    return entry;
+  if (isNew) {
+    // Where memory is exhausted, half an entry must not stay.
+    try {
+      fill(place->second, parm, indices, generated);
+    } catch (...) {
+      entries_.erase(place);
+      throw;
+    }
   }
+  return place->second;
+}
+
+void StagedValues::fill(StagedEntry& entry, ParmEntry& parm, const IndexTuple& indices,
+                        bool generated) const {
   const StagedEntry* below = below_ == nullptr ? nullptr : below_->find(parm, indices);
   if (below != nullptr) {
     entry = *below;
-    return entry;
+    return;
   }
   entry.parm = &parm;
   entry.indices = indices;
   entry.generated = generated;
   entry.value.set(parm.parm->committedText(indices));
-  return entry;
 }
 
 std::vector<StagedEntry*> StagedValues::inNameOrder() {

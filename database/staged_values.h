@@ -53,6 +53,9 @@ class StagedValues {
     size_t operator()(const Key& key) const;
   };
 
+  // Makes a new entry of stage().
+  void fill(StagedEntry& entry, ParmEntry& parm, const IndexTuple& indices, bool generated) const;
+
   const StagedValues* below_;
   std::unordered_map<Key, StagedEntry, KeyHash> entries_;
 };

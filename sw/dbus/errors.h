@@ -4,7 +4,6 @@
 #include <glib.h>
 
 #include <climits>
-#include <string>
 
 /// The families of methods whose errors read alike.
 enum methodFamily_t {
@@ -30,9 +29,10 @@ constexpr int OUT_OF_MEMORY = INT_MAX - 1;  ///< of start alone
 constexpr int PARAMETER_NOT_FOUND = INT_MAX - 2;
 constexpr int INTERNAL_ERROR = INT_MAX - 3;  ///< also a reply that is too large for a message
 
-/// The message of a result other than 0.
-std::string errorText(methodFamily_t family, int result);
+/// The message of a result other than 0, allocated by GLib. Raises no exception: it is what becomes
+/// of one.
+char* newErrorText(methodFamily_t family, int result) noexcept;
 
 /// Hands on the result of an operation: TRUE for 0, otherwise FALSE and the error in `error`. Of
 /// several errors of one call the first stays.
-gboolean finishMethod(GError** error, methodFamily_t family, int result);
+gboolean finishMethod(GError** error, methodFamily_t family, int result) noexcept;

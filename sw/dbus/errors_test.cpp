@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 namespace {
 
 TEST(ErrorText, TellsEachCauseOfEachFamily) {
@@ -57,7 +59,9 @@ TEST(ErrorText, TellsEachCauseOfEachFamily) {
   };
   for (const TextCase& c : cases) {
     SCOPED_TRACE(c.text);
-    EXPECT_EQ(errorText(c.family, c.result), std::string("dbus_tavrel_transaction: ") + c.text);
+    char* text = newErrorText(c.family, c.result);
+    EXPECT_EQ(text, std::string("dbus_tavrel_transaction: ") + c.text);
+    g_free(text);
   }
 }
 

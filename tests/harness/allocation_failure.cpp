@@ -1,0 +1,51 @@
+// Allocation failure: preloaded into the daemon, it makes allocations of C++ objects fail as the
+// test says, through the file that ALLOCATION_FAILURE_FILE names and both have mapped.
+#include "tests/harness/allocation_failure.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+AllocationFailure* openPlan() {
+  const char* file = getenv("ALLOCATION_FAILURE_FILE");
+  const int descriptor = file == nullptr ? -1 : open(file, O_RDWR | O_CLOEXEC);
+  if (descriptor < 0) abort();
+  void* memory =
+      mmap(nullptr, sizeof(AllocationFailure), PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
+  if (memory == MAP_FAILED) abort();
+  close(descriptor);
+  return static_cast<AllocationFailure*>(memory);
+}
+
+void* allocated(size_t size, size_t alignment = alignof(max_align_t)) {
+  static AllocationFailure* const plan = openPlan();
+  if (plan->failures > 0 && plan->successes-- <= 0) {
+    --plan->failures;
+    throw std::bad_alloc();
+  }
+  void* memory = nullptr;
+  if (posix_memalign(&memory, alignment, size) != 0) throw std::bad_alloc();
+  return memory;
+}
+
+}  // namespace
+
+void* operator new(size_t size) { return allocated(size); }
+void* operator new[](size_t size) { return allocated(size); }
+void* operator new(size_t size, std::align_val_t alignment) {
+  return allocated(size, static_cast<size_t>(alignment));
+}
+void* operator new[](size_t size, std::align_val_t alignment) {
+  return allocated(size, static_cast<size_t>(alignment));
+}
+void operator delete(void* memory) noexcept { free(memory); }
+void operator delete[](void* memory) noexcept { free(memory); }
+void operator delete(void* memory, size_t /*size*/) noexcept { free(memory); }
+void operator delete[](void* memory, size_t /*size*/) noexcept { free(memory); }
+void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept { free(memory); }
+void operator delete[](void* memory, std::align_val_t /*alignment*/) noexcept { free(memory); }

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <sstream>
 
 namespace {
 
@@ -12,11 +13,19 @@ std::string sanitizerOptions() {
   return (given == nullptr ? std::string() : std::string(given) + ":") + "verify_asan_link_order=0";
 }
 
+// The command that runs the daemon, such as a checking tool with its options: words between blanks.
+std::string wrapper() {
+  const char* given = getenv("DAEMON_WRAPPER");
+  return given == nullptr ? "" : given;
+}
+
 std::vector<std::string> command(const Daemon::Options& options) {
   std::vector<std::string> result;
   if (!options.redirections.empty()) {
     result = {"/bin/sh", "-c", "exec \"$0\" \"$@\" " + options.redirections};
   }
+  std::istringstream words(wrapper());
+  for (std::string word; words >> word;) result.push_back(word);
   result.emplace_back(DAEMON_PROGRAM);
   result.insert(result.end(), options.arguments.begin(), options.arguments.end());
   return result;

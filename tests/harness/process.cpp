@@ -86,6 +86,9 @@ std::vector<std::string> environmentWith(const std::map<std::string, std::string
 
 }  // namespace
 
+// A daemon that is run by a checking tool may be slower by far.
+const int PATIENCE = getenv("DAEMON_WRAPPER") == nullptr ? 60 : 1800;
+
 bool waitUntilReadable(int descriptor) {
   pollfd waiting = {.fd = descriptor, .events = POLLIN, .revents = 0};
   int result = 0;

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <map>
+#include <set>
 #include <utility>
 
 namespace {
@@ -54,18 +55,27 @@ const std::map<std::string, std::vector<std::string>>& valuesOfAll() {
   return VALUES;
 }
 
-std::vector<std::string> instancesOf(const std::string& base) {
-  const bool perChannel = base == "position" || base == "crop_top" || base == "crop_bottom" ||
-                          base == "delay" || base == "gain" || base == "meter";
-  const bool perSide = base == "balance" || base == "gain" || base == "meter";
-  std::vector<std::string> names;
-  for (const std::string& channel : perChannel ? CHANNELS : std::vector<std::string>{""}) {
-    for (const std::string& side : perSide ? SIDES : std::vector<std::string>{""}) {
-      names.push_back(base + (perChannel ? "[" + channel + "]" : "") +
-                      (perSide ? "[" + side + "]" : ""));
+// The name, once for each of the values in brackets.
+std::vector<std::string> withEach(const std::vector<std::string>& names,
+                                  const std::vector<std::string>& values) {
+  std::vector<std::string> longer;
+  for (const std::string& name : names) {
+    for (const std::string& value : values) {
+      longer.push_back(std::string(name).append("[").append(value).append("]"));
     }
   }
-  return names;
+  return longer;
+}
+
+std::vector<std::string> instancesOf(const std::string& base) {
+  static const std::set<std::string> PER_CHANNEL = {"position", "crop_top", "crop_bottom",
+                                                    "delay",    "gain",     "meter"};
+  static const std::set<std::string> PER_SIDE = {"balance", "gain", "meter"};
+  std::vector<std::string> names = {base};
+  if (PER_CHANNEL.contains(base)) {
+    names = withEach(names, CHANNELS);
+  }
+  return PER_SIDE.contains(base) ? withEach(names, SIDES) : names;
 }
 
 // Names that are wrong in every way, none of which the daemon keeps anything for.

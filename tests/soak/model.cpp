@@ -28,6 +28,8 @@ std::string failed(const std::string& family, const std::string& cause) {
   return ERROR_MARK + family + " failed because " + cause;
 }
 
+std::string inDoubleQuotes(const std::string& text) { return '"' + text + '"'; }
+
 bool isFailure(const std::string& answer) { return answer.starts_with(ERROR_MARK); }
 
 std::string fullName(const std::string& base, const Indices& at) {
@@ -190,6 +192,10 @@ bool correct(const Parm& parm, const std::vector<Statement>& statements, std::st
   return parm.kind != WITH_CONDITIONS || isAcceptable(parm, value);
 }
 
+std::vector<Statement> statementsOf(const Parm& parm, const Indices& at, const See& see) {
+  return parm.statements ? parm.statements(see, at) : std::vector<Statement>();
+}
+
 bool isReadOnly(const Parm& parm, const Indices& at, const See& see) {
   switch (parm.access) {
     case ACCESS_RW:
@@ -332,12 +338,12 @@ std::string Model::serveSingle(const Call& call, std::vector<std::string>& signa
   const std::string operation = call.method.substr(call.method.find('_') + 1);
   ++nextId_;
   Staged staged;
-  const std::string answer = serveIn(staged, operation, call, signal);
-  if (!isWriting(operation)) {
-    return answer;
+  std::string answer = serveIn(staged, operation, call, signal);
+  if (isWriting(operation)) {
+    std::string committed = commit(staged, signal);
+    answer = isFailure(answer) ? answer : committed;
   }
-  const std::string committed = commit(staged, signal);
-  return isFailure(answer) ? answer : committed;
+  return answer;
 }
 
 std::string Model::serveIn(Staged& staged, const std::string& operation, const Call& call,
@@ -445,9 +451,7 @@ Model::verdict_t Model::judge(const Instance& instance, std::string& value, bool
   if (!force && isReadOnly(parm, instance.at, see)) {
     return PASSED_OVER;
   }
-  const std::vector<Statement> statements =
-      parm.statements ? parm.statements(see, instance.at) : std::vector<Statement>();
-  return correct(parm, statements, value) ? STORED : REFUSED;
+  return correct(parm, statementsOf(parm, instance.at, see), value) ? STORED : REFUSED;
 }
 
 Model::verdict_t Model::evaluate(Entry& entry, const std::string& name, const Staged& staged,
@@ -461,9 +465,13 @@ Model::verdict_t Model::evaluate(Entry& entry, const std::string& name, const St
     }
     return STORED;
   }
+  takeCommitted(entry, name);
+  return verdict == NO_INSTANCE && entry.generated ? PASSED_OVER : verdict;
+}
+
+void Model::takeCommitted(Entry& entry, const std::string& name) const {
   entry.value = get(name);
   entry.force = true;
-  return verdict == NO_INSTANCE && entry.generated ? PASSED_OVER : verdict;
 }
 
 void Model::resolveResets(Staged& staged) const {
@@ -497,37 +505,39 @@ Model::Plan Model::planCommit(Staged& staged) const {
   return plan;
 }
 
+// The daemon's result code of a refusal.
+std::string Model::refusalCode(verdict_t verdict) { return verdict == NO_INSTANCE ? "-3" : "-2"; }
+
+bool Model::isReported(const Step& step, access_t access, const std::string& before) {
+  if (access == ACCESS_ROSTRICT) {
+    return false;
+  }
+  const bool isFirst = announced_.insert(step.name).second;
+  return isFirst || access == ACCESS_WO || get(step.name) != before;
+}
+
+// A refusal ends its level; what the level has left is as if it had not been staged.
 std::string Model::commit(Staged& staged, std::vector<std::string>& signal) {
   resolveResets(staged);
-  const Plan plan = planCommit(staged);
   std::set<std::string> changed;
   std::string answer;
   std::optional<int> endedLevel;
-  for (const Step& step : plan) {
+  for (const Step& step : planCommit(staged)) {
     Entry& entry = staged.at(step.name);
-    if (step.level == endedLevel) {
-      entry.value = get(step.name);
-      entry.force = true;
-      continue;
-    }
     const std::string before = get(step.name);
     const std::string wanted = entry.value;
-    const access_t access = entry.instance.parm->access;
+    if (step.level == endedLevel) {
+      takeCommitted(entry, step.name);
+      continue;
+    }
     const verdict_t verdict = evaluate(entry, step.name, staged, true);
-    if (verdict == STORED && access != ACCESS_ROSTRICT) {
-      const bool isFirst = announced_.insert(step.name).second;
-      if (isFirst || access == ACCESS_WO || get(step.name) != before) {
-        changed.insert(step.name);
-      }
-    } else if (verdict == NO_INSTANCE || verdict == REFUSED) {
-      const bool isIndex = verdict == NO_INSTANCE;
+    if (isRefusal(verdict)) {
       endedLevel = step.level;
-      log_.push_back("commit: ERROR \"" + step.name + "\"=\"" + wanted +
-                     "\": ret=" + (isIndex ? "-3" : "-2"));
-      if (answer.empty()) {
-        answer = failed("Commit",
-                        isIndex ? "parameter index is invalid" : "parameter definition is invalid");
-      }
+      log_.push_back("commit: ERROR " + inDoubleQuotes(step.name) + "=" + inDoubleQuotes(wanted) +
+                     ": ret=" + refusalCode(verdict));
+      answer = answer.empty() ? commitFailure(verdict) : answer;
+    } else if (verdict == STORED && isReported(step, entry.instance.parm->access, before)) {
+      changed.insert(step.name);
     }
   }
   for (const std::string& name : changed) {
@@ -537,20 +547,56 @@ std::string Model::commit(Staged& staged, std::vector<std::string>& signal) {
   return answer;
 }
 
+std::string Model::commitFailure(verdict_t verdict) {
+  return failed("Commit", verdict == NO_INSTANCE ? "parameter index is invalid"
+                                                 : "parameter definition is invalid");
+}
+
+// What the query has to judge: the target and what it depends on, from the level of the lowest of
+// them that is staged.
+Model::Plan Model::planQuery(Staged& scratch, const std::set<std::string>& names,
+                             int targetLevel) const {
+  int startLevel = targetLevel;
+  for (const std::string& name : names) {
+    if (scratch.contains(name)) {
+      startLevel = std::min(startLevel, scratch.at(name).instance.parm->level);
+    }
+  }
+  Plan plan;
+  for (const std::string& name : names) {
+    const Instance instance = instanceOf(name);
+    if (instance.parm != nullptr && instance.at.size() == instance.parm->indices.size() &&
+        instance.parm->level >= startLevel) {
+      stage(scratch, name, true);
+      plan.insert({instance.parm->level, instance.base, instance.at, name});
+    }
+  }
+  return plan;
+}
+
 int Model::evaluateQuery(const Plan& plan, Staged& scratch) {
   int result = 0;
   std::optional<int> endedLevel;
   for (const Step& step : plan) {
-    if (step.level == endedLevel) {
-      continue;
-    }
-    const verdict_t verdict = evaluate(scratch.at(step.name), step.name, scratch, false);
-    if (verdict == NO_INSTANCE || verdict == REFUSED) {
+    if (step.level != endedLevel &&
+        isRefusal(evaluate(scratch.at(step.name), step.name, scratch, false))) {
       endedLevel = step.level;
       result = NOT_IN_RANGE;
     }
   }
   return result;
+}
+
+int Model::presentRange(const Instance& instance, const See& see, Range& out) {
+  const Parm& parm = *instance.parm;
+  const std::optional<Range> documented = parm.documented ? parm.documented(see) : std::nullopt;
+  const std::vector<Statement> statements = statementsOf(parm, instance.at, see);
+  if (documented || statements.empty()) {
+    out = documented.value_or(parm.constant);
+    return 0;
+  }
+  out = statements.front().range;
+  return statements.front().code;
 }
 
 int Model::range(Staged scratch, const std::string& name, Range& out) {
@@ -560,43 +606,14 @@ int Model::range(Staged scratch, const std::string& name, Range& out) {
   }
   std::set<std::string> names = dependencies(*target.parm, target.at);
   names.insert(name);
-  int startLevel = target.parm->level;
-  for (const std::string& other : names) {
-    if (scratch.contains(other)) {
-      startLevel = std::min(startLevel, scratch.at(other).instance.parm->level);
-    }
-  }
-  Plan plan;
-  for (const std::string& other : names) {
-    const Instance instance = instanceOf(other);
-    if (instance.parm != nullptr && instance.at.size() == instance.parm->indices.size() &&
-        instance.parm->level >= startLevel) {
-      stage(scratch, other, true);
-      plan.insert({instance.parm->level, instance.base, instance.at, other});
-    }
-  }
-  const int planned = evaluateQuery(plan, scratch);
+  const int planned = evaluateQuery(planQuery(scratch, names, target.parm->level), scratch);
   Entry& entry = stage(scratch, name, true);
   entry.generated = false;
-  const verdict_t verdict = evaluate(entry, name, scratch, false);
-  if (verdict == NO_INSTANCE || verdict == REFUSED) {
+  if (isRefusal(evaluate(entry, name, scratch, false))) {
     return NOT_IN_RANGE;
   }
-  const See see = seeing(scratch);
-  const std::optional<Range> documented =
-      target.parm->documented ? target.parm->documented(see) : std::nullopt;
-  if (documented) {
-    out = *documented;
-    return planned;
-  }
-  const std::vector<Statement> statements =
-      target.parm->statements ? target.parm->statements(see, target.at) : std::vector<Statement>();
-  if (statements.empty()) {
-    out = target.parm->constant;
-    return planned;
-  }
-  out = statements.front().range;
-  return statements.front().code != 0 ? statements.front().code : planned;
+  const int code = presentRange(target, seeing(scratch), out);
+  return code != 0 ? code : planned;
 }
 
 std::string Model::rangeAnswer(const Staged& staged, const std::string& name) {

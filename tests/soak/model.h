@@ -63,6 +63,12 @@ class Model {
   static verdict_t judge(const Instance& instance, std::string& value, bool force, const See& see);
   /// Judges an entry and leaves in it what its parameter holds afterwards.
   verdict_t evaluate(Entry& entry, const std::string& name, const Staged& staged, bool store);
+  void takeCommitted(Entry& entry, const std::string& name) const;
+  static bool isRefusal(verdict_t verdict) { return verdict == NO_INSTANCE || verdict == REFUSED; }
+  static std::string refusalCode(verdict_t verdict);
+  static std::string commitFailure(verdict_t verdict);
+
+  bool isReported(const Step& step, access_t access, const std::string& before);
   std::string commit(Staged& staged, std::vector<std::string>& signal);
   [[nodiscard]] Plan planCommit(Staged& staged) const;
   void resolveResets(Staged& staged) const;
@@ -70,7 +76,9 @@ class Model {
   std::string rangeAnswer(const Staged& staged, const std::string& name);
   std::string rangesAnswer(const Staged& staged, const std::vector<std::string>& names);
   int range(Staged scratch, const std::string& name, Range& out);
+  Plan planQuery(Staged& scratch, const std::set<std::string>& names, int targetLevel) const;
   int evaluateQuery(const Plan& plan, Staged& scratch);
+  static int presentRange(const Instance& instance, const See& see, Range& out);
   [[nodiscard]] std::string indices(const Staged& staged, const std::string& name) const;
   [[nodiscard]] std::string indexRange(const Staged& staged, const std::string& index) const;
 

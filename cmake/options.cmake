@@ -12,4 +12,6 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 add_library(project_options INTERFACE)
 target_include_directories(project_options INTERFACE ${CMAKE_SOURCE_DIR})
 target_compile_options(project_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+  # Definitions are never deleted through their base, so it has no virtual destructor.
+  $<$<CXX_COMPILER_ID:Clang>:-Wno-delete-non-abstract-non-virtual-dtor>)

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <vector>
 
-#include "database/evaluation.h"
 #include "database/gather.h"
 #include "fuzz/demand.h"
 #include "sw/parm/present_bounds.h"
@@ -19,20 +18,6 @@ Situation situationOf(const Instance& instance) {
   const size_t pairs = std::min(instance.indices.size(), parm.indices().size());
   for (size_t i = 0; i < pairs; ++i) parm.bindIndex(situation, i, instance.indices[i]);
   return situation;
-}
-
-// Whether the parameter, asked again, leaves its value alone: it accepts the value, or it would not
-// be written in this situation.
-bool isSettled(const Instance& instance) {
-  StagedEntry entry;
-  entry.parm = instance.parm;
-  entry.indices = instance.indices;
-  entry.generated = true;
-  entry.value.set(committedText(instance));
-  const setOutcome_t outcome = evaluate(entry, NOTHING_STAGED, true);
-  if (outcome.stored) return entry.value.text() == committedText(instance);
-  // Not valid, never writable, or not existing in this situation; a refused value is none of them.
-  return outcome.result == SET_STORED || outcome.result == SET_NOT_STORED;
 }
 
 // Translations act on whatever enters a parameter, and a correction or a target may be the source

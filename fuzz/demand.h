@@ -7,15 +7,20 @@
 #include <string>
 #include <string_view>
 
-/// Ends the program where a promise does not hold. `what`, texts in a row, are joined only then and
-/// go to standard error, whoever has taken the stream of that name.
+/// Ends the program. `what`, texts in a row, goes to standard error, whoever has taken the stream
+/// of that name.
 template <typename... Texts>
-void demand(bool holds, const Texts&... what) {
-  if (holds) return;
+[[noreturn]] void endWith(const Texts&... what) {
   std::string message;
   for (const std::string_view text : {std::string_view(what)...}) message.append(text);
   message.append("\n");
   // The program ends here, whether or not somebody reads why.
   static_cast<void>(!write(STDERR_FILENO, message.data(), message.size()));
   std::abort();
+}
+
+/// Ends the program with `what` where a promise does not hold. The texts are joined only then.
+template <typename... Texts>
+void demand(bool holds, const Texts&... what) {
+  if (!holds) endWith(what...);
 }

@@ -23,3 +23,10 @@ void addAllInstances(Instances& instances, Database& database, ParmEntry& parm);
 
 /// What the parameter holds.
 const std::string& committedText(const Instance& instance);
+
+/// Whether the parameter, asked again in the committed situation, leaves its value alone: it
+/// accepts the value, or would not be written.
+bool isSettled(const Instance& instance);
+
+/// Whether a parameter refers to one on its own level: to itself, or to one that refers back.
+bool refersToOwnLevel(const ParmEntry& parm);

@@ -1,7 +1,7 @@
 // Fuzzes transactions: the input makes a small device and a script of what two clients do with it.
 // Whatever they do, each sees what it staged and else what is committed, the signals tell every
-// change, a range query changes nothing, an ended transaction leaves nothing, and a commit leaves
-// its values settled.
+// change, a range query changes nothing and foretells what a commit brings about, an ended
+// transaction leaves nothing, and a commit leaves its values settled.
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -22,6 +22,7 @@
 #include "fuzz/fuzz_input.h"
 #include "fuzz/fuzz_target.h"
 #include "fuzz/instance.h"
+#include "fuzz/range_watch.h"
 #include "fuzz/small_device.h"
 #include "fuzz/trace.h"
 #include "sw/parm/parm_name.h"
@@ -87,7 +88,7 @@ class Script {
 
   Transaction& transactionOf(uint32_t id) {
     Transaction* const transaction = transactions_.find(id);
-    demand(transaction != nullptr, "an open transaction is not found");
+    if (transaction == nullptr) endWith("an open transaction is not found");
     return *transaction;
   }
 
@@ -140,6 +141,7 @@ class Script {
 
   void runCommit(Transaction& transaction) {
     const CommitWatch watch(database_, transaction.staged());
+    const RangeWatch range(database_, transaction.staged(), pickName());
     std::vector<std::string> changed;
     const int result = commit(transaction, changed);
     trace("commit -> ", std::to_string(result), "\n", isTracing() ? committedState() : "");
@@ -149,7 +151,9 @@ class Script {
     demand(transaction.staged().empty(), "a commit left something staged");
     watch.expectOnlyPlannedChanged(instances_);
     expectAnnounced(changed, watch);
-    if (result == COMMIT_DONE) watch.expectSettled();
+    if (result != COMMIT_DONE) return;
+    watch.expectSettled();
+    range.expectForetold();
   }
 
   // Each name once, and only with a reason; then what get says of every instance is what the

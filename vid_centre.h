@@ -3,7 +3,8 @@
 
 #include <cstdint>
 
-/// A run of lines or samples, both ends inclusive: its size is stop - start + 1. 0..0 means unset.
+/// A run of lines or samples, both ends inclusive: its size is stop - start + 1, which has to fit
+/// into 32 bits. 0..0 means unset.
 struct vidRange_t {
   uint32_t start = 0;
   uint32_t stop = 0;

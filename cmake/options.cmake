@@ -2,7 +2,6 @@
 include(CheckPIESupported)
 find_package(PkgConfig REQUIRED)
 
-# Assertions stay active in every build type: no flag set here defines NDEBUG.
 set(CMAKE_CXX_FLAGS_RELEASE "-O2 -D_FORTIFY_SOURCE=2 -fstack-protector-strong")
 set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O2 -g")
 set(CMAKE_EXE_LINKER_FLAGS_RELEASE "-Wl,-z,relro,-z,now")
@@ -11,7 +10,9 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
 add_library(project_options INTERFACE)
 target_include_directories(project_options INTERFACE ${CMAKE_SOURCE_DIR})
+# Assertions stay active in every build type, whatever the type's own flags say.
 target_compile_options(project_options INTERFACE
+  -UNDEBUG
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
   # Definitions are never deleted through their base, so it has no virtual destructor.
   $<$<CXX_COMPILER_ID:Clang>:-Wno-delete-non-abstract-non-virtual-dtor>)

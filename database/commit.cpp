@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 #include <span>
 
 #include "database/evaluation.h"
@@ -109,8 +110,11 @@ int commit(Transaction& transaction, std::vector<std::string>& changed) {
   StagedValues& staged = transaction.staged();
   const Emptying emptying(staged);
   resolveResets(staged);
-  const Plan plan = planCommit(transaction.database(), staged);
-  const int result = applyPlan(plan, staged, changed);
+  const std::optional<Plan> plan = planCommit(transaction.database(), staged);
+  if (!plan) {
+    return COMMIT_TOO_LARGE;
+  }
+  const int result = applyPlan(*plan, staged, changed);
   std::sort(changed.begin(), changed.end());
   changed.erase(std::unique(changed.begin(), changed.end()), changed.end());
   return result;

@@ -11,6 +11,7 @@ enum commitResult_t : int {
   COMMIT_DONE = 0,
   COMMIT_INVALID_VALUE = -2,  ///< a correction gave no value, or the base bounds refused a value
   COMMIT_INVALID_INDEX = -3,  ///< an instance that a client staged does not exist
+  COMMIT_TOO_LARGE = -4,  ///< more depends on what is staged than a commit takes; nothing changed
 };
 
 /// Applies the staged values and re-evaluates every instance of every parameter that depends on

@@ -1,25 +1,73 @@
 #include "database/index_query.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <optional>
 
 #include "database/gather.h"
 #include "deflang/number.h"
+#include "sw/parm/present_bounds.h"
 
 namespace {
 
-Spans acceptedNumbers(const IndexDef& index, const Situation& situation) {
-  const Spans& spans = index.baseBounds().integers().spans();
-  if (index.isPlain()) {
-    return spans;
-  }
-  BoundsInteger accepted;
-  for (const Span& span : spans) {
-    for (int64_t number = span.first; number <= span.second; ++number) {
-      const auto value = static_cast<int32_t>(number);
-      if (index.checkValue(numberText(value), situation)) {
-        // A span of one number cannot be refused.
-        static_cast<void>(accepted.addSpan(value, value));
+// The numbers at which the verdict on an index's numbers may change: from each of them up to the
+// next, all are accepted or none is.
+class TurningPoints {
+ public:
+  TurningPoints(const IndexDef& index, const Situation& situation) {
+    addSpans(index.baseBounds());
+    const PresentBounds present(index.conditionalBounds(), situation, UNUSABLE_ACCEPTS);
+    for (const BoundsParm* bounds : present.applying()) {
+      addSpans(*bounds);
+      for (const std::string& text : bounds->strings().texts()) {
+        addText(text);
       }
+    }
+    for (const auto& [source, target] : index.translations()) {
+      addText(source);
+    }
+    std::sort(points_.begin(), points_.end());
+  }
+
+  /// The last number of the run that begins at `number` and reaches no further than `end`.
+  [[nodiscard]] int64_t runEnd(int64_t number, int64_t end) const {
+    const auto next = std::upper_bound(points_.begin(), points_.end(), number);
+    return next == points_.end() ? end : std::min(end, *next - 1);
+  }
+
+ private:
+  void add(int64_t low, int64_t high) {
+    points_.push_back(low);
+    points_.push_back(high + 1);
+  }
+  void addSpans(const BoundsParm& bounds) {
+    for (const Span& span : bounds.integers().spans()) {
+      add(span.first, span.second);
+    }
+  }
+  // A text that is a number stands for that one number.
+  void addText(const std::string& text) {
+    if (const std::optional<int32_t> number = wholeNumber(text)) {
+      add(*number, *number);
+    }
+  }
+
+  std::vector<int64_t> points_;  // ascending
+};
+
+// Of each run one number is asked for all, so the spans may be as long as they like.
+Spans acceptedNumbers(const IndexDef& index, const Situation& situation) {
+  const TurningPoints points(index, situation);
+  BoundsInteger accepted;
+  for (const Span& span : index.baseBounds().integers().spans()) {
+    for (int64_t number = span.first; number <= span.second;) {
+      const int64_t last = points.runEnd(number, span.second);
+      if (index.checkValue(numberText(static_cast<int32_t>(number)), situation)) {
+        // A run is never empty, so it cannot be refused.
+        static_cast<void>(
+            accepted.addSpan(static_cast<int32_t>(number), static_cast<int32_t>(last)));
+      }
+      number = last + 1;
     }
   }
   return accepted.spans();

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
+#include "database/gather.h"
 #include "database/test_database.h"
 #include "database/transaction.h"
 
@@ -17,6 +20,14 @@ narrowed index {
   rangeValid { 0..9, "x", "y" }
   rangeValid (mode == "odd") { 1, 3, 5, "x" }
   rangeValid (mode == "count") { 0..(count - 1), 9 }
+}
+huge index {
+  rangeValid { -2147483648..2147483647 }
+  rangeValid (mode == "on") { 5..2000000000, "x" }
+  rangeValid (mode == "on") { "7", "0x10", "3" }
+  rangeValid (mode == "count") { (count)..(count + 2000000000) }
+  valueChange { 100 -> 1 }
+  valueChange { "0x200" -> "1" }
 }
 valid index { ctrlValid (mode == "on") rangeValid { 0..1 } }
 parm rw { index { plain, valid } }
@@ -46,6 +57,8 @@ TEST_F(IndexQueryTest, FindsTheValuesThatAnIndexTakesNow) {
       {"narrowed", "odd", INDEX_RANGE_FOUND, {"x"}, {{1, 1}, {3, 3}, {5, 5}}},
       {"narrowed", "count", INDEX_RANGE_FOUND, {}, {{0, 3}, {9, 9}}},
       {"narrowed", "none", INDEX_RANGE_FOUND, {}, {}},  // conditional bounds, none applies
+      {"huge", "on", INDEX_RANGE_FOUND, {}, {{3, 3}, {5, 99}, {101, 2000000000}}},
+      {"huge", "count", INDEX_RANGE_FOUND, {}, {{4, 99}, {101, 2000000004}}},
       {"valid", "on", INDEX_RANGE_FOUND, {}, {{0, 1}}},
       {"valid", "off", INDEX_RANGE_NOT_VALID, {}, {}},
       {"mode", "", INDEX_RANGE_NO_INDEX, {}, {}},
@@ -60,6 +73,57 @@ TEST_F(IndexQueryTest, FindsTheValuesThatAnIndexTakesNow) {
     EXPECT_EQ(indexRange(database_, transaction_.staged(), c.index, texts, spans), c.result);
     EXPECT_EQ(texts, c.texts);
     EXPECT_EQ(spans, c.spans);
+  }
+}
+
+// A random index over small numbers, with ranges of every kind and translations.
+std::string randomIndex(std::mt19937& random) {
+  const auto number = [&] { return std::to_string(static_cast<int>(random() % 30) - 5); };
+  const auto item = [&]() -> std::string {
+    switch (random() % 4) {
+      case 0:
+        return number();
+      case 1:
+        return "\"" + number() + "\"";
+      case 2:
+        return "(low).." + std::to_string(random() % 30);
+      default:
+        return number() + ".." + std::to_string(25 + random() % 5);
+    }
+  };
+  std::string text = "i index { rangeValid { " + number() + ", " + number() + "..28 }\n";
+  for (size_t count = random() % 3; count > 0; --count) {
+    text += "rangeValid (mode != " + number() + ") { " + item() + ", " + item() + " }\n";
+  }
+  if (random() % 2 == 0) {
+    text += "valueChange { \"" + number() + "\" -> \"" + number() + "\" }\n";
+  }
+  return text + "}\nmode rw { }\nlow rw { }\n";
+}
+
+TEST(IndexQuery, AnswersAsIfEveryNumberHadBeenAsked) {
+  std::mt19937 random(1);
+  for (int round = 0; round < 2000; ++round) {
+    const std::string text = randomIndex(random);
+    SCOPED_TRACE(text);
+    Database database;
+    define(database, text);
+    Transaction transaction(database);
+    EXPECT_EQ(transaction.set("low", std::to_string(random() % 30), false), STAGE_DONE);
+    const IndexEntry& entry = *database.findIndexEntry("i");
+    const Situation situation = gather(entry, transaction.staged());
+    BoundsInteger expected;
+    for (const Span& span : entry.index->baseBounds().integers().spans()) {
+      for (int value = span.first; value <= span.second; ++value) {
+        if (entry.index->checkValue(std::to_string(value), situation)) {
+          EXPECT_EQ(expected.addSpan(value, value), 0);
+        }
+      }
+    }
+    std::vector<std::string> texts;
+    Spans spans;
+    ASSERT_EQ(indexRange(database, transaction.staged(), "i", texts, spans), INDEX_RANGE_FOUND);
+    ASSERT_EQ(spans, expected.spans());
   }
 }
 

@@ -18,6 +18,14 @@ std::vector<std::string> valuesOf(const BoundsParm& bounds) {
   return values;
 }
 
+uint64_t countValues(const BoundsParm& bounds) {
+  uint64_t count = bounds.strings().count();
+  for (const Span& span : bounds.integers().spans()) {
+    count += static_cast<uint64_t>(int64_t{span.second} - span.first) + 1;
+  }
+  return count;
+}
+
 // Moves on to the next combination, the last index first. False after the last one.
 bool advance(std::vector<size_t>& places,
              const std::vector<const std::vector<std::string>*>& values) {
@@ -37,6 +45,16 @@ const std::vector<std::string>& indexValues(IndexEntry& index) {
     index.values = valuesOf(index.index->baseBounds());
   }
   return index.values;
+}
+
+uint64_t countInstances(const ParmDef& parm) {
+  uint64_t count = 1;
+  for (const IndexDef* index : parm.indices()) {
+    if (__builtin_mul_overflow(count, countValues(index->baseBounds()), &count)) {
+      return UINT64_MAX;
+    }
+  }
+  return count;
 }
 
 void forEachInstance(Database& database, const ParmDef& parm,

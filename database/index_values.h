@@ -1,6 +1,7 @@
 // Index values: every value that an index's base bounds name, and every combination of them.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -11,6 +12,10 @@
 /// The value set of an index: every integer of its base bounds' spans, in decimal, and the allowed
 /// texts, ascending as texts ("10" comes before "2"). Worked out once for each index.
 const std::vector<std::string>& indexValues(IndexEntry& index);
+
+/// How many combinations forEachInstance() visits, at most UINT64_MAX; a value that is both a
+/// number of a span and a text counts twice.
+uint64_t countInstances(const ParmDef& parm);
 
 /// Calls `visit` with every combination of the values of a parameter's indices, in index order;
 /// once with no values for a parameter without indices.

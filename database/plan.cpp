@@ -35,6 +35,14 @@ std::vector<ParmEntry*> dependentsOf(std::vector<ParmEntry*> open) {
   return dependents;
 }
 
+bool areTooMany(const std::vector<ParmEntry*>& parms) {
+  uint64_t count = 0;
+  return std::any_of(parms.begin(), parms.end(), [&](const ParmEntry* parm) {
+    return __builtin_add_overflow(count, countInstances(*parm->parm), &count) ||
+           count > MAX_PLANNED_INSTANCES;
+  });
+}
+
 }  // namespace
 
 void sortPlan(Plan& plan) {
@@ -52,7 +60,7 @@ std::span<const PlanStep> firstLevel(std::span<const PlanStep> plan,
   return plan.first(count);
 }
 
-Plan planCommit(Database& database, StagedValues& staged) {
+std::optional<Plan> planCommit(Database& database, StagedValues& staged) {
   Plan plan;
   std::vector<ParmEntry*> changing;
   for (StagedEntry* entry : staged.inNameOrder()) {
@@ -62,7 +70,11 @@ Plan planCommit(Database& database, StagedValues& staged) {
       changing.push_back(entry->parm);
     }
   }
-  for (ParmEntry* dependent : dependentsOf(std::move(changing))) {
+  const std::vector<ParmEntry*> dependents = dependentsOf(std::move(changing));
+  if (areTooMany(dependents)) {
+    return std::nullopt;
+  }
+  for (ParmEntry* dependent : dependents) {
     forEachInstance(database, *dependent->parm, [&](const IndexTuple& indices) {
       plan.push_back({dependent->level, &staged.stage(*dependent, indices, true)});
     });

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -22,8 +23,13 @@ void sortPlan(Plan& plan);
 std::span<const PlanStep> firstLevel(std::span<const PlanStep> plan,
                                      std::span<const PlanStep>& rest);
 
+/// How many instances one commit may re-evaluate by itself. Each takes some hundred bytes and some
+/// microseconds, during which nobody else is served.
+constexpr uint64_t MAX_PLANNED_INSTANCES = 1'000'000;
+
 /// Plans the commit of what is staged: each staged entry at its parameter's level, or at level 0
 /// when nothing depends on the parameter, and every instance of every parameter that depends on a
 /// staged one, directly or through others, at its level. Instances that nobody staged are staged
-/// with their committed value.
-Plan planCommit(Database& database, StagedValues& staged);
+/// with their committed value. Nothing when those would be more than MAX_PLANNED_INSTANCES; nobody
+/// is staged then.
+std::optional<Plan> planCommit(Database& database, StagedValues& staged);

@@ -13,8 +13,15 @@ mode rw { }
 width ro { rangeValid (mode == 1) { 9 } rangeValid (mode != 1) { 5 } }
 crop rw { index { in } rangeValid { 0..(width) } }
 alone rw { }
+big index { rangeValid { -2147483648..2147483647 } }
+small index { rangeValid { 1..1000, "x" } }
+origin rw { }
+huge rw { index { big, big, big } rangeValid { 0..(origin) } }
+wide rw { index { small, small } rangeValid { 0..(left) } }
 left rw { rangeValid { 0..(right) } }
 right rw { rangeValid { 0..(left) } }
+up rw { rangeValid { 0..(down) } }
+down rw { rangeValid { 0..(up) } }
 )";
 
 using Lines = std::vector<std::string>;
@@ -32,7 +39,12 @@ class PlanTest : public testing::Test {
       staged.stage(*database_.findParm(parts.base), parts.indices, false);
     }
     Lines lines;
-    for (const PlanStep& step : planCommit(database_, staged)) {
+    const std::optional<Plan> plan = planCommit(database_, staged);
+    if (!plan) {
+      EXPECT_EQ(staged.inNameOrder().size(), names.size());
+      return {"too large"};
+    }
+    for (const PlanStep& step : *plan) {
       lines.push_back(std::to_string(step.level) + (step.entry->generated ? " +" : " ") +
                       fullName(*step.entry));
     }
@@ -46,8 +58,8 @@ TEST_F(PlanTest, HoldsWhatIsStagedAndEveryInstanceThatDependsOnIt) {
   EXPECT_EQ(planned({}), (Lines{}));
   EXPECT_EQ(planned({"alone"}), (Lines{"0 alone"}));
   EXPECT_EQ(planned({"mode"}), (Lines{"0 mode", "1 +width", "2 +crop[1]", "2 +crop[2]"}));
+  EXPECT_EQ(planned({"down"}), (Lines{"0 down", "0 +up"}));
   EXPECT_EQ(planned({"mode", "width"}), (Lines{"0 mode", "1 width", "2 +crop[1]", "2 +crop[2]"}));
-  EXPECT_EQ(planned({"left"}), (Lines{"0 left", "0 +right"}));
 }
 
 TEST_F(PlanTest, HoldsWhatNothingDependsOnAtTheStartAndAgainBehindWhatIsStaged) {
@@ -56,6 +68,13 @@ TEST_F(PlanTest, HoldsWhatNothingDependsOnAtTheStartAndAgainBehindWhatIsStaged) 
             (Lines{"0 crop[2]", "1 width", "2 +crop[1]", "2 crop[2]"}));
   EXPECT_EQ(planned({"crop[2]", "alone", "mode"}),
             (Lines{"0 alone", "0 crop[2]", "0 mode", "1 +width", "2 +crop[1]", "2 crop[2]"}));
+}
+
+TEST_F(PlanTest, IsRefusedWhereTooManyInstancesFollow) {
+  EXPECT_EQ(planned({"origin"}), (Lines{"too large"}));   // 2^96
+  EXPECT_EQ(planned({"right"}), (Lines{"too large"}));    // 1001 * 1001
+  EXPECT_EQ(planned({"huge[7][8][9]", "huge[0][0][0]"}),  // whatever a client names
+            (Lines{"0 huge[0][0][0]", "0 huge[7][8][9]"}));
 }
 
 TEST_F(PlanTest, HoldsInstancesThatTheIndexDoesNotHave) {

@@ -3,9 +3,32 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <fstream>
+#include <iterator>
+#include <sstream>
 #include <string>
 #include <vector>
+
+/// The cells of a line.
+inline std::vector<std::string> cellsOf(const std::string& line) {
+  std::istringstream rest(line);
+  std::vector<std::string> cells;
+  for (std::string cell; std::getline(rest, cell, '\t');) cells.push_back(cell);
+  return cells;
+}
+
+/// The names of the figures: the titles of the columns behind the row's number and name.
+inline std::vector<std::string> figureNames() {
+  std::ifstream file(std::string(TESTDATA_DIR) + "/figures_of_standards.tsv");
+  std::string titles;
+  std::getline(file, titles);
+  std::vector<std::string> names = cellsOf(titles);
+  EXPECT_EQ(names.size(), 2U + 14U);
+  names.erase(names.begin(), names.begin() + std::min<ptrdiff_t>(2, std::ssize(names)));
+  return names;
+}
 
 /// The lines of a listing without its column titles. An unreadable or empty one fails the test.
 inline std::vector<std::string> readListing(const std::string& name) {

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <set>
 #include <string>
 #include <vector>
@@ -11,9 +10,6 @@
 #include "vid_std.h"
 
 namespace {
-
-constexpr std::array NAMES = {"spal", "alpf", "sptl", "tlpf", "fr",   "clkDiv", "f0",
-                              "f1",   "f0v0", "f0v1", "f1v0", "f1v1", "f0sw",   "f1sw"};
 
 class VidStdFigures : public testing::Test {
  protected:
@@ -29,7 +25,7 @@ std::string figureText(std::string_view value, const char* name) {
 }
 
 TEST_F(VidStdFigures, AreKnownByTheirExactNames) {
-  for (const char* const name : NAMES) {
+  for (const std::string& name : figureNames()) {
     SCOPED_TRACE(name);
     ASSERT_NE(findVidFigure(name), nullptr);
     EXPECT_EQ(findVidFigure(name)->name, name);
@@ -45,7 +41,7 @@ TEST_F(VidStdFigures, AreThoseOfTheListingForEveryStandard) {
   std::vector<std::string> lines;
   for (const vidStd_t& v : vidStds()) {
     std::string line = std::to_string(lines.size() + 1) + "\t" + v.name;
-    for (const char* const name : NAMES) {
+    for (const std::string& name : figureNames()) {
       line += "\t" + std::to_string(findVidFigure(name)->ofStandard(v));
     }
     lines.push_back(line);
@@ -57,7 +53,7 @@ TEST_F(VidStdFigures, AreThoseOfTheListingForEveryPictureFormat) {
   std::vector<std::string> lines;
   for (const vidFormat_t& f : vidFormats()) {
     std::string line = std::to_string(lines.size() + 1) + "\t" + f.name;
-    for (const char* const name : NAMES) {
+    for (const std::string& name : figureNames()) {
       const auto ofFormat = findVidFigure(name)->ofFormat;
       line += "\t" + (ofFormat == nullptr ? "-" : std::to_string(ofFormat(f)));
     }

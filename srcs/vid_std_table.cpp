@@ -293,6 +293,12 @@ void initVidStdTables() {
     assert(a != __null);
     vidExtent_t* const prodAp = *a;
     assert(prodAp != __null);
+    vidExtent_t* cleanAp = nullptr;
+    if ((*v)->cleanAp != nullptr) {
+      vidExtent_t* const* const place = findAperture(CLEAN_AP_LIST, (*v)->cleanAp);
+      cleanAp = place == nullptr ? nullptr : *place;
+      assert(cleanAp != __null);
+    }
     if (progressive) {
       assert(prodAp->v[1].start == 0);
       assert(prodAp->v[1].stop == 0);
@@ -306,11 +312,8 @@ void initVidStdTables() {
     (*v)->blanking = blankingOf(**v);
     raise(maxima.total, (*v)->total);
     raise(maxima.prodAp, prodAp->dim);
-    if ((*v)->cleanAp == nullptr) continue;
+    if (cleanAp == nullptr) continue;
 
-    vidExtent_t* const* const place = findAperture(CLEAN_AP_LIST, (*v)->cleanAp);
-    vidExtent_t* const cleanAp = place == nullptr ? nullptr : *place;
-    assert(cleanAp != __null);
     if (isUnset(cleanAp->v)) {
       assert(cleanAp->dim.line != 0);
       cleanAp->v[0] = centredLines(cleanAp->dim.line, **v);
@@ -319,7 +322,7 @@ void initVidStdTables() {
       assert(cleanAp->v[1].start == 0);
       assert(cleanAp->v[1].stop == 0);
     }
-    completeLines(*cleanAp, **v);
+    if (!progressive || cleanAp->dim.line == 0) completeLines(*cleanAp, **v);
     if (isUnset(cleanAp->vCentre)) cleanAp->vCentre = lineCentre(*cleanAp, **v);
     if (isUnset(cleanAp->sampleRange)) {
       assert(cleanAp->dim.sample != 0);

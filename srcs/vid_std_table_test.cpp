@@ -186,6 +186,12 @@ TEST(VidStdTablesDeathTest, StopTheProgramAtRowsThatContradictEachOther) {
        "(*v)->prodCentre || (*v)->cleanAp != __null"},
       {"an unlisted production aperture", [] { standard(1).prodAp = &unlisted; }, "a != __null"},
       {"an unlisted clean aperture", [] { standard(1).cleanAp = &unlisted; }, "cleanAp != __null"},
+      {"an unlisted clean aperture, before anything else of the row",
+       [] {
+         standard(1).cleanAp = &unlisted;
+         prodAp(0).v[1].start = 7;
+       },
+       "cleanAp != __null"},
       {"a field 2 start in a progressive standard", [] { prodAp(0).v[1].start = 7; },
        "prodAp->v[1].start == 0"},
       {"a field 2 stop in a progressive standard", [] { prodAp(0).v[1].stop = 7; },
@@ -275,6 +281,17 @@ TEST(VidStdTablesDeathTest, TakeTheMaximaAnewEachTime) {
     exitWith(lineOfMaxima(vidMaxima()));
   };
   EXPECT_EXIT(shrink(), testing::ExitedWithCode(0), "found 7920\t1125\t2048\t1080\t2014\t1062\n");
+}
+
+// A height that a progressive clean aperture gives beside its lines stands as it is given.
+TEST(VidStdTablesDeathTest, KeepAGivenHeight) {
+  const auto spoil = [] {
+    initVidStdTables();
+    cleanAp(6).dim.line = 479;
+    initVidStdTables();
+    std::exit(cleanAp(6).dim.line == 479 ? 0 : 1);
+  };
+  EXPECT_EXIT(spoil(), testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

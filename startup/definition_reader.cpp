@@ -1,5 +1,8 @@
 #include "startup/definition_reader.h"
 
+#include <cerrno>
+#include <cstring>
+
 #include "deflang/definition_parser.h"
 #include "sw/parm/make_definitions.h"
 
@@ -11,7 +14,9 @@ int parseText(FILE* in, DefinitionText& text) {
   for (uint32_t lineNumber = 1; readPiece(in, piece); ++lineNumber) {
     if (acceptLine(parser, text, piece, lineNumber) != PARSE_DONE) return 1;
   }
-  return 0;
+  if (ferror(in) == 0) return 0;
+  fprintf(stderr, "Error reading parameter definitions: %s\n", strerror(errno));
+  return 1;
 }
 
 }  // namespace
@@ -24,7 +29,7 @@ bool readPiece(FILE* in, std::string& piece) {
     piece += static_cast<char>(character);
     if (character == '\n') break;
   }
-  return !piece.empty();
+  return !piece.empty() && ferror(in) == 0;
 }
 
 int readDefinitions(FILE* in, DefinitionRegistry& registry) {

@@ -10,10 +10,12 @@
 constexpr size_t MAX_PIECE_LENGTH = 1024;
 
 /// Reads the next piece: a line with its newline, or the next 1024 bytes of a longer one. NUL bytes
-/// are kept. Returns false at the end of the stream.
+/// are kept. Returns false at the end of the stream, and where it cannot be read: ferror(in) is set
+/// then, and errno tells why.
 bool readPiece(FILE* in, std::string& piece);
 
 /// Reads the definition text from `in`, each piece counting as a line, and builds its definitions.
 /// Reading stops at the first line that is refused. Returns 0, or 1 for a text that is refused or
-/// whose definitions cannot be built; the report is then on standard error.
+/// cannot be read to its end, or whose definitions cannot be built; the report is then on standard
+/// error.
 int readDefinitions(FILE* in, DefinitionRegistry& registry);

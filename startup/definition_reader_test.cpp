@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <map>
 #include <memory>
 #include <vector>
@@ -90,12 +91,15 @@ struct Reading {
   std::string err;
 };
 
-Reading readText(const std::string& text, Registry& registry) {
-  const File file = streamOf(text);
+Reading readStream(FILE* in, Registry& registry) {
   testing::internal::CaptureStdout();
   testing::internal::CaptureStderr();
-  const int result = readDefinitions(file.get(), registry);
+  const int result = readDefinitions(in, registry);
   return {result, testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
+}
+
+Reading readText(const std::string& text, Registry& registry) {
+  return readStream(streamOf(text).get(), registry);
 }
 
 const char* const BOTH_STEPS = "Parsing file.\nMaking parameter definitions.\n";
@@ -127,6 +131,35 @@ TEST(ReadDefinitions, StopsAtTheFirstLineThatIsRefused) {
   EXPECT_TRUE(reading.err.starts_with("Error on line 3\n")) << reading.err;
   EXPECT_EQ(reading.err.find("pan"), std::string::npos) << reading.err;
   EXPECT_FALSE(registry.isFinished());
+}
+
+// A stream that gives `text`, then fails instead of ending.
+File failingStream(std::string& text) {
+  const auto read = [](void* cookie, char* buffer, size_t size) -> ssize_t {
+    std::string& rest = *static_cast<std::string*>(cookie);
+    if (rest.empty()) {
+      errno = EIO;
+      return -1;
+    }
+    const size_t count = rest.copy(buffer, size);
+    rest.erase(0, count);
+    return static_cast<ssize_t>(count);
+  };
+  return {fopencookie(&text, "r", {.read = read, .write = {}, .seek = {}, .close = {}}), fclose};
+}
+
+TEST(ReadDefinitions, ReportsAStreamThatCannotBeReadToItsEnd) {
+  // What stands before the failure, of a line or of several, is not built.
+  for (std::string text : {"", "gain rw {}\n", "gain rw {}\nhue no"}) {
+    SCOPED_TRACE(text);
+    const File file = failingStream(text);
+    Registry registry;
+    const Reading reading = readStream(file.get(), registry);
+    EXPECT_EQ(reading.result, 1);
+    EXPECT_EQ(reading.out, "Parsing file.\n");
+    EXPECT_EQ(reading.err, "Error reading parameter definitions: Input/output error\n");
+    EXPECT_FALSE(registry.isFinished());
+  }
 }
 
 TEST(ReadDefinitions, CountsThePiecesOfALongLineAsLines) {

@@ -1,18 +1,20 @@
 // The program: the order of start-up, nothing else.
 #include "database/database.h"
 #include "startup/command_line.h"
+#include "startup/constants.h"
 #include "startup/definition_reader.h"
+#include "startup/standard_streams.h"
 #include "sw/dbus/server.h"
 #include "vid_std.h"
 
 int main(int argc, char** argv) {
+  openStandardStreams();
   const CommandLine commandLine = parseCommandLine(argc, argv);
   initVidStdTables();
   Database database;
-  for (const auto& [name, value] : commandLine.constants) {
-    // The names are distinct, and a refused constant would not stop start-up.
-    static_cast<void>(database.defineConstant(name, value));
-  }
+  defineConstants(commandLine, [&](const std::string& name, const std::string& value) {
+    return database.defineConstant(name, value);
+  });
   const int result = readDefinitions(stdin, database);
   if (result != 0) return result;
   return runService(database, commandLine.busSuffix, commandLine.daemonize, commandLine.pathSuffix);

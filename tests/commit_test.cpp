@@ -337,6 +337,23 @@ pair rw { index { chan, lane } }
   });
 }
 
+TEST_F(CommitTest, MoreThanAMillionDependentInstancesAreRefused) {
+  serve(R"(
+big   index { rangeValid { 0..2147483647 } }
+mode  rw { }
+other rw { }
+level rw { index { big } rangeValid { 0..(mode) } }
+)");
+  expectFacts({
+      {"single_set_bulk(['mode', 'other'], ['5', '6'])", "Commit failed because of internal error"},
+      {"single_get_bulk(2, ['mode', 'other'])", "['', '']"},
+      {"single_set('other', '6')", "()", {"other=6"}},
+      {"single_set('level[2147483647]', '7')", "()", {"level[2147483647]=0"}},
+      {"start()", "4"},
+      {"get_idx_range(4, 'big')", "([], [(0, 2147483647)])"},
+  });
+}
+
 constexpr const char* VARIANTS = R"(
 gain rw { rangeValid ( model == 1 ) { 0..9 } rangeValid ( model == 2 ) { 0..99 }
           default ( model == 2 ) { 50 } default { 5 } }

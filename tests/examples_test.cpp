@@ -190,10 +190,13 @@ TEST_P(FrameSynchroniserExample, HasItsDefaultsAfterOneCommit) {
 
 TEST_P(FrameSynchroniserExample, KeepsInRangeInEveryStandard) {
   boot();
-  EXPECT_EQ(answer("single_set_bulk(['crop_left[1]', 'crop_top[1]', 'timing_lines'], "
-                   "['1500', '1000', '500'])"),
+  EXPECT_EQ(answer("single_set_bulk(['crop_left[1]', 'crop_right[1]', 'crop_top[1]', "
+                   "'crop_bottom[1]', 'timing_lines'], ['900', '900', '500', '500', '500'])"),
             "()");
-  for (const char* standard : {"625i/50", "720p/59.94", "NTSC", "1080p/25"}) {
+  EXPECT_EQ(answer("single_set('output_standard', '1080p/25')"), "()");
+  EXPECT_EQ(answer("single_set('vbi_pass_last', '41')"), "()");
+  EXPECT_EQ(answer("single_set('vbi_pass_first', '40')"), "()");
+  for (const char* standard : {"625i/50", "720p/59.94", "NTSC", "1080p/25", "525i/59.94"}) {
     SCOPED_TRACE(standard);
     EXPECT_EQ(answer(std::string("single_set('output_standard', '") + standard + "')"), "()");
     expectEverythingInRange();

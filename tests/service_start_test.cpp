@@ -1,8 +1,10 @@
 // The service's start: its name and path on the bus, its messages, detaching, and its end.
+#include <dbus/dbus.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 
@@ -125,39 +127,82 @@ TEST(ServiceStart, AnAddressThatIsNoneIsReported) {
 }
 
 struct InvalidSuffixCase {
-  std::string option;
+  std::string suffix;
   std::string report;
 };
 
-TEST_F(ServiceStartTest, ASuffixThatMakesNoValidNameOrPathEndsTheStart) {
+TEST_F(ServiceStartTest, ASuffixThatMakesNoValidNameEndsTheStart) {
+  const std::string failed = "D-Bus. RequestName RPC failed ";
   const std::string tooLong(233, 'x');  // one character more than a name may have
+  // The bus itself refuses what can be asked of it.
   const InvalidSuffixCase cases[] = {
-      {"--bus=.", "Invalid bus name (Bus name was not valid: 'org.tavrel.transaction..')"},
-      {"--bus=a..b", "Invalid bus name (Bus name was not valid: 'org.tavrel.transaction.a..b')"},
-      {"--bus=a.", "Invalid bus name (Bus name was not valid: 'org.tavrel.transaction.a.')"},
-      {"--bus=1", "Invalid bus name (Bus name was not valid: 'org.tavrel.transaction.1')"},
-      {"--bus=a b", "Invalid bus name (Bus name was not valid: 'org.tavrel.transaction.a b')"},
-      {"--bus=a/b", "Invalid bus name (Bus name was not valid: 'org.tavrel.transaction.a/b')"},
-      {"--bus=\xc3\xa9",
-       "Invalid bus name (Bus name was not valid: 'org.tavrel.transaction.\xc3\xa9')"},
-      {"--bus=\xe9", "Invalid bus name (Bus name was not valid UTF-8)"},
-      {"--bus=" + tooLong,
-       "Invalid bus name (Bus name was not valid: 'org.tavrel.transaction." + tooLong + "')"},
-      {"-o/", "Invalid object path (Object path was not valid: '/transaction//')"},
-      {"-oa/", "Invalid object path (Object path was not valid: '/transaction/a/')"},
-      {"-oa//b", "Invalid object path (Object path was not valid: '/transaction/a//b')"},
-      {"-oa b", "Invalid object path (Object path was not valid: '/transaction/a b')"},
-      {"-oa-b", "Invalid object path (Object path was not valid: '/transaction/a-b')"},
-      {"-oa.b", "Invalid object path (Object path was not valid: '/transaction/a.b')"},
-      {"-o\xc3\xa9", "Invalid object path (Object path was not valid: '/transaction/\xc3\xa9')"},
-      {"-o\xe9", "Invalid object path (Object path was not valid UTF-8)"},
+      {".", failed + "(Requested bus name \"org.tavrel.transaction..\" is not valid)"},
+      {"a..b", failed + "(Requested bus name \"org.tavrel.transaction.a..b\" is not valid)"},
+      {"a.", failed + "(Requested bus name \"org.tavrel.transaction.a.\" is not valid)"},
+      {"1", failed + "(Requested bus name \"org.tavrel.transaction.1\" is not valid)"},
+      {"a b", failed + "(Requested bus name \"org.tavrel.transaction.a b\" is not valid)"},
+      {"a/b", failed + "(Requested bus name \"org.tavrel.transaction.a/b\" is not valid)"},
+      {"\xc3\xa9",
+       failed + "(Requested bus name \"org.tavrel.transaction.\xc3\xa9\" is not valid)"},
+      {tooLong,
+       failed + "(Requested bus name \"org.tavrel.transaction." + tooLong + "\" is not valid)"},
+      {"\xe9", "Invalid bus name (String was not valid UTF-8)"},
   };
   for (const InvalidSuffixCase& c : cases) {
-    SCOPED_TRACE(c.option);
-    const Ending ending = run({"--debug", c.option});
+    SCOPED_TRACE(c.suffix);
+    const Ending ending = run({"--debug", "--bus=" + c.suffix});
     EXPECT_EQ(ending.status, 1);
+    EXPECT_EQ(ending.out, messagesUpToName("org.tavrel.transaction." + c.suffix));
     EXPECT_EQ(ending.err, "Transaction server: ERROR: " + c.report + "\n");
   }
+}
+
+TEST_F(ServiceStartTest, ASuffixThatMakesNoValidPathEndsTheStart) {
+  const InvalidSuffixCase cases[] = {
+      {"/", "Object path was not valid: '/transaction//'"},
+      {"a/", "Object path was not valid: '/transaction/a/'"},
+      {"a//b", "Object path was not valid: '/transaction/a//b'"},
+      {"a b", "Object path was not valid: '/transaction/a b'"},
+      {"a-b", "Object path was not valid: '/transaction/a-b'"},
+      {"a.b", "Object path was not valid: '/transaction/a.b'"},
+      {"\xc3\xa9", "Object path was not valid: '/transaction/\xc3\xa9'"},
+      {"\xe9", "Object path was not valid UTF-8"},
+  };
+  for (const InvalidSuffixCase& c : cases) {
+    SCOPED_TRACE(c.suffix);
+    const Ending ending = run({"--debug", "-o" + c.suffix});
+    EXPECT_EQ(ending.status, 1);
+    EXPECT_EQ(ending.out, messagesUpToName("org.tavrel.transaction") +
+                              "Transaction server:main RequestName returned 1.\n");
+    EXPECT_EQ(ending.err, "Transaction server: ERROR: Invalid object path (" + c.report + ")\n");
+  }
+}
+
+TEST(ServiceStart, ABusThatDeniesTheNameEndsTheStart) {
+  const PrivateBus bus({.allowsNames = false});
+  Daemon daemon({.busAddress = bus.address()});
+  const Ending ending = daemon.waitForEnd();
+  EXPECT_EQ(ending.status, 1);
+  EXPECT_EQ(ending.out, messagesUpToName("org.tavrel.transaction"));
+  const std::string begin =
+      "Transaction server: ERROR: D-Bus. RequestName RPC failed (Connection \":";
+  EXPECT_TRUE(ending.err.starts_with(begin)) << ending.err;  // the connection's number follows
+  EXPECT_TRUE(
+      ending.err.ends_with("\" is not allowed to own the service "
+                           "\"org.tavrel.transaction\" due to security policies in the "
+                           "configuration file)\n"))
+      << ending.err;
+}
+
+TEST_F(ServiceStartTest, AFailureToDetachAbortsTheProcess) {
+  Daemon daemon(
+      {.arguments = {}, .busAddress = bus().address(), .preload = DETACH_FAILURE_LIBRARY});
+  const Ending ending = daemon.waitForEnd();
+  EXPECT_EQ(ending.status, -SIGTRAP);  // as the log function aborts
+  EXPECT_EQ(ending.out, messagesOfStart("org.tavrel.transaction", "/transaction"));
+  EXPECT_NE(ending.err.find(" ERROR **: "), std::string::npos) << ending.err;
+  EXPECT_NE(ending.err.find(": Transaction server: Failed to daemonize.\n"), std::string::npos)
+      << ending.err;
 }
 
 TEST_F(ServiceStartTest, TheLongestNameIsServed) {
@@ -225,6 +270,75 @@ INSTANTIATE_TEST_SUITE_P(WithOutputTo, DetachedTest, testing::Bool(),
                            return output.param ? "Pipe" : "File";
                          });
 
+TEST_F(ServiceStartTest, InTheForegroundStreamsAndDirectoryStay) {
+  serve("");
+  expectFacts({{"start()", "0"}});  // past the place where it would detach
+  const pid_t pid = daemon().process().pid();
+  EXPECT_EQ(linkTarget(pid, "cwd"), std::filesystem::current_path());
+  for (const char* stream : {"fd/0", "fd/1", "fd/2"}) {
+    // Files in memory stand for what the test gives and takes.
+    EXPECT_TRUE(linkTarget(pid, stream).starts_with("/memfd:stream")) << linkTarget(pid, stream);
+  }
+}
+
+// The ticks of the clock for which a process has worked so far.
+long workedTicks(pid_t pid) {
+  std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
+  std::string skipped;
+  for (int field = 1; field < 14; ++field) {
+    file >> skipped;
+  }
+  long user = 0;
+  long system = 0;
+  file >> user >> system;
+  return user + system;
+}
+
+// With streams closed by whoever starts the daemon.
+class ClosedStreamsTest : public ServiceTest, public testing::WithParamInterface<const char*> {
+ protected:
+  void SetUp() override { ASSERT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0); }
+
+  // It serves, at rest, and the streams that were closed are the null device; detached, all are.
+  void expectService(pid_t pid, bool isDetached) {
+    EXPECT_EQ(client().answer("start()"), "0");  // now it has done with detaching
+    for (int stream : {0, 1, 2}) {
+      const bool isClosed =
+          std::string(GetParam()).find(std::to_string(stream) + ">&-") != std::string::npos;
+      const std::string target = linkTarget(pid, "fd/" + std::to_string(stream));
+      EXPECT_EQ(target == "/dev/null", isClosed || isDetached) << stream << ": " << target;
+    }
+    const long before = workedTicks(pid);
+    usleep(300000);
+    EXPECT_LE(workedTicks(pid) - before, sysconf(_SC_CLK_TCK) / 10);  // a third of the time
+    EXPECT_EQ(client().answer("die()"), "()");
+  }
+};
+
+TEST_P(ClosedStreamsTest, AreTheNullDeviceInTheForeground) {
+  Daemon daemon({.busAddress = bus().address(), .redirections = GetParam()});
+  ASSERT_TRUE(client().waitForService(daemon.process()));
+  expectService(daemon.process().pid(), false);
+  EXPECT_EQ(daemon.waitForEnd().status, 1);
+}
+
+TEST_P(ClosedStreamsTest, DoNotKeepTheServiceFromDetaching) {
+  Daemon started({.arguments = {}, .busAddress = bus().address(), .redirections = GetParam()});
+  EXPECT_EQ(started.waitForEnd().status, 0);
+  const pid_t pid = detachedDaemon();
+  ASSERT_GT(pid, 0);
+  expectService(pid, true);
+  int status = 0;
+  ASSERT_EQ(waitpid(pid, &status, 0), pid);
+  EXPECT_EQ(WEXITSTATUS(status), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(AnyOfThem, ClosedStreamsTest,
+                         testing::Values("0>&-", "1>&-", "2>&-", "0>&- 1>&-", "0>&- 1>&- 2>&-"),
+                         [](const testing::TestParamInfo<const char*>& redirections) {
+                           return "Set" + std::to_string(redirections.index);
+                         });
+
 class ServiceEndTest : public ServiceTest {};
 
 TEST_F(ServiceEndTest, DieIsAnsweredAndNothingMoreIsPrinted) {
@@ -274,6 +388,58 @@ TEST_F(ServiceEndTest, LargeRepliesOnTheirWayArriveBeforeTheEnd) {
   }
   EXPECT_EQ(answers.back(), "()");
   EXPECT_EQ(daemon().waitForEnd().status, 1);
+  forgetDaemon();
+}
+
+// A client that calls and never reads what comes back.
+class DeafClient {
+ public:
+  explicit DeafClient(const std::string& busAddress)
+      : connection_(dbus_connection_open_private(busAddress.c_str(), nullptr)) {
+    EXPECT_NE(dbus_bus_register(connection_, nullptr), 0);
+  }
+  ~DeafClient() {
+    dbus_connection_close(connection_);
+    dbus_connection_unref(connection_);
+  }
+  DeafClient(const DeafClient&) = delete;
+  DeafClient& operator=(const DeafClient&) = delete;
+
+  void send(const char* method, const char* argument = nullptr) {
+    DBusMessage* message =
+        dbus_message_new_method_call(INTERFACE_NAME, OBJECT_PATH, INTERFACE_NAME, method);
+    if (argument != nullptr) {
+      dbus_message_append_args(message, DBUS_TYPE_STRING, &argument, DBUS_TYPE_INVALID);
+    }
+    EXPECT_NE(dbus_connection_send(connection_, message, nullptr), 0);
+    dbus_message_unref(message);
+    dbus_connection_flush(connection_);
+  }
+
+ private:
+  DBusConnection* connection_;
+};
+
+// A bus that takes no more from a client while this many bytes are not delivered.
+class NarrowBusTest : public ServiceTest {
+ protected:
+  static constexpr size_t BYTES = 2000000;
+  NarrowBusTest() : ServiceTest({.limits = {{"max_incoming_bytes", BYTES}}}) {}
+};
+
+TEST_F(NarrowBusTest, RepliesThatNobodyReadsDoNotKeepTheServiceFromEnding) {
+  serve("a rw { }");
+  const std::string value(BYTES / 2, 'x');
+  const Reply set = client().call("single_set", g_variant_new("(ss)", "a", value.c_str()));
+  ASSERT_NE(set.value, nullptr) << set.errorMessage;
+  DeafClient deaf(bus().address());
+  for (int i = 0; i < 20; ++i) {
+    deaf.send("single_get", "a");
+  }
+  deaf.send("die");
+  const Ending ending = daemon().waitForEnd();
+  EXPECT_EQ(ending.status, 1);
+  EXPECT_EQ(ending.err, "");
   forgetDaemon();
 }
 

@@ -156,6 +156,22 @@ TEST(DefinitionInput, ReadingStopsAtTheFirstErrorWithoutWaitingForMore) {
   EXPECT_EQ(ending.err, "Error on line 3\nInvalid parameter access type\nb rx { }\n  ^\n");
 }
 
+TEST(DefinitionInput, ATextThatCannotBeReadEndsWithStatus1) {
+  struct InputCase {
+    const char* redirection;
+    const char* reason;
+  };
+  const InputCase cases[] = {{"</", "Is a directory"}, {"0>/dev/null", "Bad file descriptor"}};
+  for (const InputCase& c : cases) {
+    SCOPED_TRACE(c.redirection);
+    Daemon daemon({.redirections = c.redirection});
+    const Ending ending = daemon.waitForEnd();
+    EXPECT_EQ(ending.status, 1);
+    EXPECT_EQ(ending.out, PARSING);
+    EXPECT_EQ(ending.err, std::string("Error reading parameter definitions: ") + c.reason + "\n");
+  }
+}
+
 TEST(DefinitionInput, DefinitionsThatCannotBeBuiltEndWithStatus1) {
   const Ending ending = runToEnd("a rw { rangeValid { 2..1 } }\n");
   EXPECT_EQ(ending.status, 1);

@@ -1,20 +1,15 @@
 // The figures of video standards in definitions: every one of them, and ranges that follow the
 // standard which a parameter selects.
 #include <algorithm>
-#include <array>
-#include <sstream>
 
 #include "srcs/testing_listing.h"
 #include "tests/harness/service_test.h"
 
 namespace {
 
-constexpr std::array FIGURES = {"spal", "alpf", "sptl", "tlpf", "fr",   "clkDiv", "f0",
-                                "f1",   "f0v0", "f0v1", "f1v0", "f1v1", "f0sw",   "f1sw"};
-
 using Texts = std::vector<std::string>;
 
-// A row of a listing: the name, and the figures in the order above.
+// A row of a listing: the name, and the figures in the order of figureNames().
 struct Row {
   std::string name;
   Texts figures;
@@ -23,15 +18,10 @@ struct Row {
 std::vector<Row> rowsOf(const std::string& listing) {
   std::vector<Row> rows;
   for (const std::string& line : readListing(listing)) {
-    std::istringstream cells(line);
-    std::string number;
-    Row row;
-    std::getline(cells, number, '\t');
-    std::getline(cells, row.name, '\t');
-    for (std::string figure; std::getline(cells, figure, '\t');) {
-      row.figures.push_back(figure == "-" ? "" : figure);
-    }
-    EXPECT_EQ(row.figures.size(), FIGURES.size()) << line;
+    const Texts cells = cellsOf(line);
+    EXPECT_EQ(cells.size(), 2 + figureNames().size()) << line;
+    Row row = {cells.at(1), {cells.begin() + 2, cells.end()}};
+    std::replace(row.figures.begin(), row.figures.end(), std::string("-"), std::string());
     rows.push_back(row);
   }
   return rows;
@@ -41,10 +31,8 @@ class FiguresTest : public ServiceTest {
  protected:
   void SetUp() override {
     std::string text = "std rw { }\n";
-    for (const char* figure : FIGURES) {
-      const std::string name = figure;
-      text += name + " rw { default { (vidStd::std::" + name + ") } }\n";
-      names_ += (names_.empty() ? "'" : ", '") + name + "'";
+    for (const std::string& figure : names_) {
+      text.append(figure).append(" rw { default { (vidStd::std::").append(figure).append(") } }\n");
     }
     serve(text);
     rows_ = rowsOf("figures_of_standards.tsv");
@@ -55,7 +43,7 @@ class FiguresTest : public ServiceTest {
 
   // The row that a value selects: the first, standards before formats, whose name begins it.
   [[nodiscard]] const Row& selected(const std::string& value) const {
-    static const Row none = {"", Texts(FIGURES.size())};
+    static const Row none = {"", Texts(figureNames().size())};
     const auto row = std::find_if(rows_.begin(), rows_.end(), [&](const Row& candidate) {
       return value.starts_with(candidate.name);
     });
@@ -64,9 +52,10 @@ class FiguresTest : public ServiceTest {
 
   // The figures that the parameters have as defaults while `value` is selected.
   [[nodiscard]] std::string defaultsFor(const std::string& value) {
+    const std::string names = listed(names_);
     EXPECT_EQ(client().answer("single_set('std', '" + value + "')"), "()");
-    EXPECT_EQ(client().answer("single_reset_bulk([" + names_ + "])"), "()");
-    return client().answer("single_get_bulk(14, [" + names_ + "])");
+    EXPECT_EQ(client().answer("single_reset_bulk(" + names + ")"), "()");
+    return client().answer("single_get_bulk(14, " + names + ")");
   }
 
   static std::string listed(const Texts& figures) {
@@ -77,7 +66,7 @@ class FiguresTest : public ServiceTest {
     return "[" + list + "]";
   }
 
-  std::string names_;
+  Texts names_ = figureNames();
   std::vector<Row> rows_;
 };
 

@@ -48,11 +48,13 @@ std::string cause(methodFamily_t family, int result) {
   };
   if (result == UNKNOWN_TRANSACTION) return "of invalid transaction id";
   if (result == OUT_OF_MEMORY) return "of an \"out of memory\" condition";
-  if (result == INTERNAL_ERROR) return "of internal error";
   const auto found = CAUSES.find({family, result});
   if (found != CAUSES.end()) return found->second;
-  if (family == METHOD_GET_RANGE) return "of invalid bounds (" + std::to_string(result) + ")";
-  return family == METHOD_GET_DEPS ? "of unknown error" : "of internal error";
+  if (family == METHOD_GET_DEPS) return "of unknown error";
+  if (family == METHOD_GET_RANGE && result != INTERNAL_ERROR) {
+    return "of invalid bounds (" + std::to_string(result) + ")";
+  }
+  return "of internal error";
 }
 
 }  // namespace

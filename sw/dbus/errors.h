@@ -26,7 +26,7 @@ enum methodFamily_t {
 
 /// Results of methods beside those of the operations that they call, far from them.
 constexpr int UNKNOWN_TRANSACTION = INT_MAX;
-constexpr int OUT_OF_MEMORY = INT_MAX - 1;
+constexpr int OUT_OF_MEMORY = INT_MAX - 1;  ///< of start alone
 constexpr int PARAMETER_NOT_FOUND = INT_MAX - 2;
 constexpr int INTERNAL_ERROR = INT_MAX - 3;  ///< also a reply that is too large for a message
 

@@ -54,7 +54,7 @@ class OwnTransaction {
 };
 
 /// Runs `operation`, which gives the method's outcome. An exception, which only exhausted memory
-/// raises, becomes an error of the family instead of ending the program.
+/// raises, becomes an error of the family instead of ending the program; start has a text for it.
 template <typename Operation>
 gboolean serve(const MethodCall& call, methodFamily_t family, Operation operation) {
   const ServiceLock lock;
@@ -62,7 +62,8 @@ gboolean serve(const MethodCall& call, methodFamily_t family, Operation operatio
   try {
     return operation();
   } catch (...) {
-    return finishMethod(call.error, family, INTERNAL_ERROR);
+    return finishMethod(call.error, family,
+                        family == METHOD_START ? OUT_OF_MEMORY : INTERNAL_ERROR);
   }
 }
 

@@ -21,13 +21,26 @@ TEST(Serve, HoldsTheLockDuringTheOperation) {
 }
 
 TEST(Serve, MakesAnErrorOfAnException) {
+  struct ExceptionCase {
+    methodFamily_t family;
+    const char* message;
+  };
+  const ExceptionCase cases[] = {
+      {METHOD_START,
+       "dbus_tavrel_transaction: Start failed because of an \"out of memory\" condition"},
+      {METHOD_GET, "dbus_tavrel_transaction: Get failed because of internal error"},
+      {METHOD_GET_DEPS, "dbus_tavrel_transaction: Get deps failed because of unknown error"},
+  };
   TestService service("");
-  GError* error = nullptr;
-  const auto operation = []() -> gboolean { throw std::bad_alloc(); };
-  EXPECT_EQ(serve({"test", service.object(), &error}, METHOD_GET, operation), FALSE);
-  ASSERT_NE(error, nullptr);
-  EXPECT_STREQ(error->message, "dbus_tavrel_transaction: Get failed because of internal error");
-  g_error_free(error);
+  for (const ExceptionCase& c : cases) {
+    SCOPED_TRACE(c.message);
+    GError* error = nullptr;
+    const auto operation = []() -> gboolean { throw std::bad_alloc(); };
+    EXPECT_EQ(serve({"test", service.object(), &error}, c.family, operation), FALSE);
+    ASSERT_NE(error, nullptr);
+    EXPECT_STREQ(error->message, c.message);
+    g_error_free(error);
+  }
   // The lock is free again.
   EXPECT_EQ(serve({"test", service.object(), nullptr}, METHOD_GET, [] { return TRUE; }), TRUE);
 }

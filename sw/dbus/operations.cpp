@@ -23,12 +23,21 @@ const char* const TEXT_RANGE = "idxStrRange";
 const char* const DEPENDENCIES = "parmDep";
 
 template <typename Texts>
+int packTexts(const char* what, const Texts& texts, char*** reply) {
+  TextList list(what);
+  list.addAll(texts);
+  if (list.bytes() > MAX_MESSAGE_BYTES) return INTERNAL_ERROR;
+  *reply = list.release();
+  return 0;
+}
+
+template <typename Texts>
 int packRange(const Texts& texts, const Spans& spans, char*** textReply, GPtrArray** spanReply) {
   TextList textList(TEXT_RANGE);
   textList.addAll(texts);
   StructArray spanArray;
   for (const Span& span : spans) spanArray.addSpan(span);
-  if (!textList.fits() || !spanArray.fits()) return INTERNAL_ERROR;
+  if (textList.bytes() + spanArray.bytes() > MAX_MESSAGE_BYTES) return INTERNAL_ERROR;
   *textReply = textList.release();
   *spanReply = spanArray.release();
   return 0;
@@ -40,7 +49,12 @@ int getText(Transaction& transaction, const char* name, char** value) {
   std::string text;
   // An unknown name reads as the empty text.
   static_cast<void>(transaction.get(name, text));
-  *value = newText(text);
+  char* reply = newText(text);
+  if (bytesInMessage(reply) > MAX_MESSAGE_BYTES) {
+    g_free(reply);
+    return INTERNAL_ERROR;
+  }
+  *value = reply;
   return 0;
 }
 
@@ -50,7 +64,7 @@ int getTexts(Transaction& transaction, uint32_t count, char** names, char*** val
     std::string text;
     static_cast<void>(transaction.get(names[i], text));
     list.add(text);
-    if (!list.fits()) return INTERNAL_ERROR;
+    if (list.bytes() > MAX_MESSAGE_BYTES) return INTERNAL_ERROR;
   }
   *values = list.release();
   return 0;
@@ -99,11 +113,7 @@ int getDependencies(Database& database, const char* name, char*** dependencyRepl
     result = dependencies(database, name, false, names);
   }
   if (result != DEPENDENCIES_FOUND) return result;
-  TextList list(DEPENDENCIES);
-  list.addAll(names);
-  if (!list.fits()) return INTERNAL_ERROR;
-  *dependencyReply = list.release();
-  return 0;
+  return packTexts(DEPENDENCIES, names, dependencyReply);
 }
 
 int getRange(Transaction& transaction, const char* name, char*** texts, GPtrArray** spans) {
@@ -127,7 +137,7 @@ int getRanges(Transaction& transaction, char** names, GPtrArray** texts, GPtrArr
   for (const auto& [name, bounds] : ranges) {
     for (const std::string& text : bounds.strings().texts()) textArray.addText(name, text);
     for (const Span& span : bounds.integers().spans()) spanArray.addSpan(name, span);
-    if (!textArray.fits() || !spanArray.fits()) return INTERNAL_ERROR;
+    if (textArray.bytes() + spanArray.bytes() > MAX_MESSAGE_BYTES) return INTERNAL_ERROR;
   }
   *texts = textArray.release();
   *spans = spanArray.release();
@@ -137,10 +147,9 @@ int getRanges(Transaction& transaction, char** names, GPtrArray** texts, GPtrArr
 int getParmIndices(Transaction& transaction, const char* name, char*** indices) {
   const ParmEntry* entry = transaction.database().findParm(baseName(name));
   if (entry == nullptr) return PARAMETER_NOT_FOUND;
-  TextList list(TEXT_RANGE);
-  list.addAll(validIndices(transaction.database(), transaction.staged(), *entry->parm));
-  *indices = list.release();
-  return 0;
+  return packTexts(TEXT_RANGE,
+                   validIndices(transaction.database(), transaction.staged(), *entry->parm),
+                   indices);
 }
 
 int getIndexRange(Transaction& transaction, const char* name, char*** texts, GPtrArray** spans) {

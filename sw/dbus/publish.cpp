@@ -11,11 +11,13 @@ class Portion {
 
   // `change` was made by newText and is given away.
   void add(char* change) {
-    const size_t bytes = bytesInArray(change);
-    if (texts_.bytes() + bytes > MAX_SIGNAL_BYTES) emit();
+    const size_t bytes = bytesInMessage(change);
+    if (bytes > MAX_MESSAGE_BYTES) {
+      g_free(change);
+      return;
+    }
+    if (texts_.bytes() + bytes > MAX_MESSAGE_BYTES) emit();
     texts_.take(change);
-    // The bus takes no array that large, whatever is in it, and would disconnect the sender.
-    if (!texts_.fits()) g_strfreev(texts_.release());
   }
 
   void emit() {

@@ -36,7 +36,7 @@ TEST(Publish, GivesTheCommittedValueOfEachName) {
 
 TEST(Publish, SendsInPortionsWhatIsTooMuchForOneSignal) {
   TestService service("a rw {}\nb rw {}\nc rw {}\n");
-  const std::string value(MAX_SIGNAL_BYTES / 2 - 7, 'x');  // with "a=" and the end: half a signal
+  const std::string value(MAX_MESSAGE_BYTES / 2 - 7, 'x');  // with "a=" and the end: half a signal
   store(service.database(), {{"a", value}, {"b", value}, {"c", "5"}});
   publish(service.object(), service.database(), {"a", "b", "c"});
   EXPECT_TRUE(service.newSignals() == (Signals{{"a=" + value, "b=" + value}, {"c=5"}}));
@@ -48,10 +48,14 @@ TEST(Publish, SendsInPortionsWhatIsTooMuchForOneSignal) {
 
 TEST(Publish, LeavesOutWhatFitsIntoNoSignal) {
   TestService service("a rw {}\nb rw {}\nc rw {}\n");
-  const std::string value(MAX_ARRAY_BYTES, 'x');
+  const std::string value(MAX_MESSAGE_BYTES - 7, 'x');  // with "b=", length and end: all of it
   store(service.database(), {{"a", "1"}, {"b", value}, {"c", "3"}});
   publish(service.object(), service.database(), {"a", "b", "c"});
-  EXPECT_TRUE(service.newSignals() == (Signals{{"a=1"}, {"c=3"}}));
+  EXPECT_TRUE(service.newSignals() == (Signals{{"a=1"}, {"b=" + value}, {"c=3"}}));
+
+  store(service.database(), {{"b", value + "x"}});
+  publish(service.object(), service.database(), {"a", "b", "c"});
+  EXPECT_TRUE(service.newSignals() == (Signals{{"a=1", "c=3"}}));
 }
 
 }  // namespace

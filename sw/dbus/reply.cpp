@@ -36,7 +36,7 @@ char* newText(std::string_view text) {
   return g_utf8_make_valid(text.data(), static_cast<gssize>(text.size()));
 }
 
-size_t bytesInArray(const char* text) {
+size_t bytesInMessage(const char* text) {
   return aligned(NUMBER_BYTES + strlen(text) + 1, NUMBER_BYTES);
 }
 
@@ -44,7 +44,7 @@ TextList::~TextList() { std::for_each(texts_.begin(), texts_.end(), g_free); }
 
 void TextList::take(char* text) {
   texts_.push_back(text);
-  bytes_ += bytesInArray(text);
+  bytes_ += bytesInMessage(text);
 }
 
 char** TextList::release() {
@@ -54,9 +54,6 @@ char** TextList::release() {
   bytes_ = 0;
   return list;
 }
-
-StructArray::StructArray()
-    : array_(retried("Create {min,max} array", [] { return g_ptr_array_sized_new(0); })) {}
 
 StructArray::~StructArray() {
   if (array_ == nullptr) return;
@@ -80,7 +77,7 @@ void StructArray::addSpan(const std::string& name, const Span& span) {
   GValue structure = newStructure(TYPE);
   dbus_g_type_struct_set(&structure, 0, nameText.get(), 1, span.first, 2, span.second, G_MAXUINT);
   add(structure);
-  bytes_ += aligned(bytesInArray(nameText.get()) + 2 * NUMBER_BYTES, STRUCT_ALIGNMENT);
+  bytes_ += aligned(bytesInMessage(nameText.get()) + 2 * NUMBER_BYTES, STRUCT_ALIGNMENT);
 }
 
 void StructArray::addText(const std::string& name, const std::string& text) {
@@ -91,7 +88,8 @@ void StructArray::addText(const std::string& name, const std::string& text) {
   GValue structure = newStructure(TYPE);
   dbus_g_type_struct_set(&structure, 0, nameText.get(), 1, valueText.get(), G_MAXUINT);
   add(structure);
-  bytes_ += aligned(bytesInArray(nameText.get()) + bytesInArray(valueText.get()), STRUCT_ALIGNMENT);
+  bytes_ +=
+      aligned(bytesInMessage(nameText.get()) + bytesInMessage(valueText.get()), STRUCT_ALIGNMENT);
 }
 
 GPtrArray* StructArray::release() { return std::exchange(array_, nullptr); }

@@ -9,12 +9,14 @@
 
 #include "sw/parm/bounds.h"
 
-/// The most bytes of one array that goes out. The bus takes 64 MiB, and two such arrays with what
-/// goes around them do not fit into one message.
-constexpr size_t MAX_ARRAY_BYTES = size_t{60} << 20U;
+/// The most bytes of texts and arrays, all together, in one message. A bus whose configuration says
+/// nothing else takes messages of 32 MiB and disconnects the sender of a larger one; the rest is
+/// for what goes around them.
+constexpr size_t MAX_MESSAGE_BYTES = (size_t{32} << 20U) - 4096;
 
 /// Calls `allocate` until it gives something; each failure is a line on standard error, which names
-/// `what`, and a wait of 500 microseconds.
+/// `what`, and a wait of 500 microseconds. For allocations that can fail, which is to say not for
+/// those of GLib's own containers: these end the process.
 template <typename Allocate>
 auto retried(const char* what, Allocate allocate) {
   auto memory = allocate();
@@ -30,8 +32,8 @@ auto retried(const char* what, Allocate allocate) {
 /// library ends the process for such a text.
 char* newText(std::string_view text);
 
-/// How much of an array a text takes, with its length and the gap to the next.
-size_t bytesInArray(const char* text);
+/// How much of a message a text takes, with its length and the gap to the next.
+size_t bytesInMessage(const char* text);
 
 /// An array of texts.
 class TextList {
@@ -52,7 +54,6 @@ class TextList {
   [[nodiscard]] bool empty() const { return texts_.empty(); }
   /// How much of a message the list takes.
   [[nodiscard]] size_t bytes() const { return bytes_; }
-  [[nodiscard]] bool fits() const { return bytes_ <= MAX_ARRAY_BYTES; }
   /// Gives the texts away, with a null pointer at the end; the list is empty then.
   char** release();
 
@@ -65,7 +66,7 @@ class TextList {
 /// An array of structures of one kind.
 class StructArray {
  public:
-  StructArray();
+  StructArray() : array_(g_ptr_array_new()) {}
   ~StructArray();
   StructArray(const StructArray&) = delete;
   StructArray& operator=(const StructArray&) = delete;
@@ -73,7 +74,8 @@ class StructArray {
   void addSpan(const Span& span);                                  ///< (minimum, maximum)
   void addSpan(const std::string& name, const Span& span);         ///< (name, minimum, maximum)
   void addText(const std::string& name, const std::string& text);  ///< (name, text)
-  [[nodiscard]] bool fits() const { return bytes_ <= MAX_ARRAY_BYTES; }
+  /// How much of a message the array takes.
+  [[nodiscard]] size_t bytes() const { return bytes_; }
   /// Gives the structures away; the array must not be used then.
   GPtrArray* release();
 

@@ -32,12 +32,12 @@ TEST(NewText, IsValidUtf8) {
   }
 }
 
-TEST(BytesInArray, CountsLengthEndAndGap) {
+TEST(BytesInMessage, CountsLengthEndAndGap) {
   // Four bytes of length before the text, one NUL behind it, all in steps of four.
-  EXPECT_EQ(bytesInArray(""), 8U);
-  EXPECT_EQ(bytesInArray("abc"), 8U);
-  EXPECT_EQ(bytesInArray("abcd"), 12U);
-  EXPECT_EQ(bytesInArray("abcdefg"), 12U);
+  EXPECT_EQ(bytesInMessage(""), 8U);
+  EXPECT_EQ(bytesInMessage("abc"), 8U);
+  EXPECT_EQ(bytesInMessage("abcd"), 12U);
+  EXPECT_EQ(bytesInMessage("abcdefg"), 12U);
 }
 
 TEST(TextList, GivesItsTextsAway) {
@@ -51,16 +51,6 @@ TEST(TextList, GivesItsTextsAway) {
   EXPECT_EQ(taken(list.release()), (Texts{"a", "\ufffd", ""}));
   EXPECT_TRUE(list.empty());
   EXPECT_EQ(list.bytes(), 0U);
-}
-
-TEST(TextList, FitsUpToTheLimit) {
-  TextList list("x");
-  list.add(std::string(MAX_ARRAY_BYTES - 8 - 5, 'x'));
-  list.add("abc");
-  EXPECT_EQ(list.bytes(), MAX_ARRAY_BYTES);
-  EXPECT_TRUE(list.fits());
-  list.add("");
-  EXPECT_FALSE(list.fits());
 }
 
 TEST(StructArray, HoldsSpans) {
@@ -85,18 +75,24 @@ TEST(StructArray, HoldsTextsWithNames) {
 
 TEST(StructArray, HoldsNothingAtFirst) {
   StructArray array;
-  EXPECT_TRUE(array.fits());
   EXPECT_EQ(taken(array.release(), spanType()), Texts{});
 }
 
-TEST(StructArray, FitsUpToTheLimit) {
-  const std::string half(MAX_ARRAY_BYTES / 2 - 8 - 5, 'x');  // its size, and the empty text's
+TEST(StructArray, CountsItsBytes) {
   StructArray array;
-  array.addText(half, "");
-  array.addText("", half);
-  EXPECT_TRUE(array.fits());
-  array.addSpan("", {0, 0});
-  EXPECT_FALSE(array.fits());
+  EXPECT_EQ(array.bytes(), 0U);
+  array.addSpan({1, 2});
+  EXPECT_EQ(array.bytes(), 8U);
+  StructArray named;
+  named.addSpan("abc", {1, 2});  // 8 and 8
+  EXPECT_EQ(named.bytes(), 16U);
+  named.addSpan("abcd", {1, 2});  // 12 and 8, and the gap
+  EXPECT_EQ(named.bytes(), 40U);
+  StructArray texts;
+  texts.addText("abc", "");
+  EXPECT_EQ(texts.bytes(), 16U);
+  texts.addText("", "abcd");
+  EXPECT_EQ(texts.bytes(), 40U);
 }
 
 TEST(Retried, SaysAndRepeatsUntilThereIsMemory) {

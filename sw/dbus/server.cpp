@@ -36,7 +36,8 @@ std::string withSuffix(const std::string& text, const char* separator, const std
   return suffix.empty() ? text : text + separator + suffix;
 }
 
-// The bus library ends the process without a word for a name or a path that is not valid.
+// The bus library ends the process without a word for a text that is not UTF-8 and for a path that
+// is not valid.
 using Validation = dbus_bool_t (*)(const char* text, DBusError* error);
 void requireValid(Validation validate, const std::string& text, const char* report) {
   DBusError error = DBUS_ERROR_INIT;
@@ -51,6 +52,7 @@ void requestName(DBusGConnection* bus, const std::string& name) {
   if (proxy == nullptr) {
     reportError("Failed to get a proxy for D-Bus", "Unknown(dbus_g_proxy_new_for_name)", FATAL);
   }
+  requireValid(dbus_validate_utf8, name, "Invalid bus name");
   constexpr guint NO_FLAGS = 0;
   guint reply = 0;
   GError* error = nullptr;
@@ -87,6 +89,17 @@ void detach(bool daemonize) {
   }
 }
 
+// Sends what is still on its way, as long as the clients take it in soon enough: one that does not
+// read must not keep the process alive.
+void sendRest(DBusConnection* connection) {
+  constexpr int STEP = 100;  // in milliseconds
+  const gint64 deadline = g_get_monotonic_time() + 2 * G_TIME_SPAN_SECOND;
+  while (dbus_connection_has_messages_to_send(connection) != 0 &&
+         g_get_monotonic_time() < deadline) {
+    if (dbus_connection_read_write(connection, STEP) == 0) return;  // no bus any more
+  }
+}
+
 }  // namespace
 
 int runService(Database& database, const std::string& busSuffix, bool daemonize,
@@ -96,7 +109,6 @@ int runService(Database& database, const std::string& busSuffix, bool daemonize,
   createMainLoopAndLock(state);
   DBusGConnection* bus = connectToBus();
   const std::string name = withSuffix("org.tavrel.transaction", ".", busSuffix);
-  requireValid(dbus_validate_bus_name, name, "Invalid bus name");
   requestName(bus, name);
   const std::string path = withSuffix("/transaction", "/", pathSuffix);
   requireValid(dbus_validate_path, path, "Invalid object path");
@@ -104,6 +116,6 @@ int runService(Database& database, const std::string& busSuffix, bool daemonize,
   detach(daemonize);
   g_main_loop_run(state.mainLoop());
   // The reply to die is still on its way.
-  dbus_connection_flush(dbus_g_connection_get_connection(bus));
+  sendRest(dbus_g_connection_get_connection(bus));
   return 1;
 }

@@ -27,6 +27,13 @@ const char* const DEFINITIONS =
     "note rw {}\n"
     "alarm rostrict {}\n";
 
+// Frees the error.
+void expectError(GError* error, const std::string& text) {
+  ASSERT_NE(error, nullptr);
+  EXPECT_EQ(error->message, "dbus_tavrel_transaction: " + text);
+  g_error_free(error);
+}
+
 // A list of texts as the methods take it.
 class TextArguments {
  public:
@@ -176,15 +183,68 @@ TEST_F(ServerMethods, GetAsManyValuesAsThereAreNamesAndTheCountAllows) {
   }
 }
 
-TEST_F(ServerMethods, RefuseAReplyThatFitsIntoNoMessage) {
-  const std::string value(MAX_ARRAY_BYTES / 2, 'x');
+TEST_F(ServerMethods, RefuseAValueThatFitsIntoNoMessage) {
+  const std::string value(MAX_MESSAGE_BYTES - 5, 'x');  // with its length and its end: all of it
   EXPECT_EQ(call(value_object_single_set, "note", value.c_str()), "");
-  TextArguments names({"note", "note"});
+  const guint32 id = start();
+  EXPECT_TRUE(get(id, "note") == value);
+  EXPECT_TRUE(singleGet("note") == value);
+  EXPECT_EQ(call(value_object_single_set, "note", (value + "x").c_str()), "");
+  EXPECT_EQ(get(id, "note"), "Get failed because of internal error");
+  EXPECT_EQ(singleGet("note"), "Get failed because of internal error");
+}
+
+TEST_F(ServerMethods, RefuseValuesThatFitIntoNoMessageTogether) {
+  const std::string value(MAX_MESSAGE_BYTES / 2 - 5, 'x');
+  EXPECT_EQ(call(value_object_single_set, "note", value.c_str()), "");
+  TextArguments names({"note", "note", "alarm"});
   char** values = nullptr;
-  EXPECT_EQ(call(value_object_single_get_bulk, 2U, names.get(), &values),
+  ASSERT_EQ(call(value_object_single_get_bulk, 2U, names.get(), &values), "");
+  EXPECT_TRUE(taken(values) == (Texts{value, value}));
+  EXPECT_EQ(call(value_object_single_get_bulk, 3U, names.get(), &values),
             "Get bulk failed because of internal error");
-  ASSERT_EQ(call(value_object_single_get_bulk, 1U, names.get(), &values), "");
-  EXPECT_TRUE(taken(values) == Texts{value});
+}
+
+// Two parameters that take a text of so many bytes, and two spans or three.
+std::string rangesWithText(size_t bytes) {
+  const std::string text(bytes, 'x');
+  return "two rw { rangeValid { \"" + text + "\", 0..1, 3..4 } }\n" + "three rw { rangeValid { \"" +
+         text + "\", 0..1, 3..4, 6..7 } }\n";
+}
+
+TEST(ServerMethodsWithLargeRanges, RefuseTextsAndSpansThatFitIntoNoMessageTogether) {
+  constexpr size_t SPAN_BYTES = 8;
+  TestService service(rangesWithText(MAX_MESSAGE_BYTES - 5 - 2 * SPAN_BYTES));
+  guint32 id = NO_TRANSACTION;
+  ASSERT_EQ(value_object_start(service.object(), &id, nullptr), TRUE);
+  char** texts = nullptr;
+  GPtrArray* spans = nullptr;
+  ASSERT_EQ(value_object_get_range(service.object(), id, "two", &texts, &spans, nullptr), TRUE);
+  EXPECT_EQ(taken(texts).size(), 1U);
+  EXPECT_EQ(taken(spans, spanType()), (Texts{"0,1", "3,4"}));
+  GError* error = nullptr;
+  EXPECT_EQ(value_object_get_range(service.object(), id, "three", &texts, &spans, &error), FALSE);
+  expectError(error, "Get range failed because of internal error");
+}
+
+TEST(ServerMethodsWithLargeRanges, RefuseRangesThatFitIntoNoMessageTogether) {
+  constexpr size_t NAME_BYTES = 8;  // before the text and before each span
+  constexpr size_t SPAN_BYTES = NAME_BYTES + 8;
+  TestService service(rangesWithText(MAX_MESSAGE_BYTES - NAME_BYTES - 5 - 2 * SPAN_BYTES));
+  guint32 id = NO_TRANSACTION;
+  ASSERT_EQ(value_object_start(service.object(), &id, nullptr), TRUE);
+  GPtrArray* texts = nullptr;
+  GPtrArray* spans = nullptr;
+  TextArguments two({"two"});
+  ASSERT_EQ(value_object_get_range_bulk(service.object(), id, two.get(), &texts, &spans, nullptr),
+            TRUE);
+  EXPECT_EQ(taken(texts, namedTextType()).size(), 1U);
+  EXPECT_EQ(taken(spans, namedSpanType()), (Texts{"two,0,1", "two,3,4"}));
+  GError* error = nullptr;
+  TextArguments three({"three"});
+  EXPECT_EQ(value_object_get_range_bulk(service.object(), id, three.get(), &texts, &spans, &error),
+            FALSE);
+  expectError(error, "Get range failed because of internal error");
 }
 
 TEST_F(ServerMethods, ValidateWithoutStaging) {
@@ -430,11 +490,49 @@ TEST_F(ServerMethods, DieEndsTheMainLoop) {
 
 using ServerMethodsDeathTest = ServerMethods;
 
+// Of any arguments: the object is looked at before them.
+template <typename... Arguments>
+void expectStopWithoutAnObject(gboolean (*method)(ValueObject*, Arguments...), const char* name) {
+  EXPECT_DEATH(method(nullptr, Arguments{}...),
+               std::string(name) + ": Assertion `obj != NULL' failed");
+}
+
 TEST_F(ServerMethodsDeathTest, StopTheProgramWithoutAnObject) {
-  EXPECT_DEATH(value_object_commit(nullptr, 0, nullptr),
-               "value_object_commit: Assertion `obj != NULL' failed");
-  EXPECT_DEATH(value_object_die(nullptr, nullptr),
-               "value_object_die: Assertion `obj != NULL' failed");
+  expectStopWithoutAnObject(value_object_start, "value_object_start");
+  expectStopWithoutAnObject(value_object_get, "value_object_get");
+  expectStopWithoutAnObject(value_object_get_bulk, "value_object_get_bulk");
+  expectStopWithoutAnObject(value_object_is_valid, "value_object_is_valid");
+  expectStopWithoutAnObject(value_object_check_set, "value_object_check_set");
+  expectStopWithoutAnObject(value_object_set, "value_object_set");
+  expectStopWithoutAnObject(value_object_set_status, "value_object_set_status");
+  expectStopWithoutAnObject(value_object_set_bulk, "value_object_set_bulk");
+  expectStopWithoutAnObject(value_object_set_status_bulk, "value_object_set_status_bulk");
+  expectStopWithoutAnObject(value_object_reset, "value_object_reset");
+  expectStopWithoutAnObject(value_object_reset_status, "value_object_reset_status");
+  expectStopWithoutAnObject(value_object_reset_bulk, "value_object_reset_bulk");
+  expectStopWithoutAnObject(value_object_reset_status_bulk, "value_object_reset_status_bulk");
+  expectStopWithoutAnObject(value_object_commit, "value_object_commit");
+  expectStopWithoutAnObject(value_object_end, "value_object_end");
+  expectStopWithoutAnObject(value_object_single_get, "value_object_single_get");
+  expectStopWithoutAnObject(value_object_single_get_bulk, "value_object_single_get_bulk");
+  expectStopWithoutAnObject(value_object_single_is_valid, "value_object_single_is_valid");
+  expectStopWithoutAnObject(value_object_single_check_set, "value_object_single_check_set");
+  expectStopWithoutAnObject(value_object_single_set, "value_object_single_set");
+  expectStopWithoutAnObject(value_object_single_set_status, "value_object_single_set_status");
+  expectStopWithoutAnObject(value_object_single_set_bulk, "value_object_single_set_bulk");
+  expectStopWithoutAnObject(value_object_single_set_status_bulk,
+                            "value_object_single_set_status_bulk");
+  expectStopWithoutAnObject(value_object_single_reset, "value_object_single_reset");
+  expectStopWithoutAnObject(value_object_single_reset_status, "value_object_single_reset_status");
+  expectStopWithoutAnObject(value_object_single_reset_bulk, "value_object_single_reset_bulk");
+  expectStopWithoutAnObject(value_object_single_reset_status_bulk,
+                            "value_object_single_reset_status_bulk");
+  expectStopWithoutAnObject(value_object_get_deps, "value_object_get_deps");
+  expectStopWithoutAnObject(value_object_get_range, "value_object_get_range");
+  expectStopWithoutAnObject(value_object_get_range_bulk, "value_object_get_range_bulk");
+  expectStopWithoutAnObject(value_object_get_parm_idx, "value_object_get_parm_idx");
+  expectStopWithoutAnObject(value_object_get_idx_range, "value_object_get_idx_range");
+  expectStopWithoutAnObject(value_object_die, "value_object_die");
 }
 
 TEST_F(ServerMethodsDeathTest, StartStopsTheProgramWithoutAPlaceForTheId) {

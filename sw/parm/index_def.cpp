@@ -1,17 +1,20 @@
 #include "sw/parm/index_def.h"
 
 #include <algorithm>
+#include <cassert>
 
 #include "sw/parm/present_bounds.h"
 
-void noteComputed(std::vector<ConditionalBounds>& list) {
+void noteKinds(std::vector<ConditionalBounds>& list) {
   for (ConditionalBounds& entry : list) {
     entry.computed = dynamic_cast<const BoundsExpression*>(entry.bounds.get());
+    entry.constant = dynamic_cast<const BoundsParm*>(entry.bounds.get());
+    assert(entry.computed != nullptr || entry.constant != nullptr);
   }
 }
 
 IndexDef::IndexDef(DefinitionParts parts) : parts_(std::move(parts)) {
-  noteComputed(parts_.conditionalBounds);
+  noteKinds(parts_.conditionalBounds);
 }
 
 bool IndexDef::checkBase(std::string value) const {

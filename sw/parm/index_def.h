@@ -17,13 +17,14 @@
 struct ConditionalBounds {
   Program condition;
   std::unique_ptr<Bounds> bounds;
-  /// `bounds` where they are computed in the situation (a run-time range), else null. The
-  /// definition that takes the bounds sees to it.
+  /// `bounds` where they are computed in the situation (a run-time range), else null; and where
+  /// they are not. The definition that takes the bounds sees to both.
   const BoundsExpression* computed = nullptr;
+  const BoundsParm* constant = nullptr;
 };
 
 /// Notes in each of `list` whether it is a run-time range.
-void noteComputed(std::vector<ConditionalBounds>& list);
+void noteKinds(std::vector<ConditionalBounds>& list);
 
 /// What an index and a parameter have in common.
 struct DefinitionParts {
@@ -55,6 +56,9 @@ class IndexDef {
 
   [[nodiscard]] const std::string& name() const { return parts_.name; }
   [[nodiscard]] const Variables& variables() const { return parts_.variables; }
+  [[nodiscard]] const std::map<std::string, std::string>& translations() const {
+    return parts_.translations;
+  }
   [[nodiscard]] const BoundsParm& baseBounds() const { return parts_.baseBounds; }
   [[nodiscard]] const std::vector<ConditionalBounds>& conditionalBounds() const {
     return parts_.conditionalBounds;

@@ -199,4 +199,12 @@ TEST(IndexDef, NotesWhichOfItsBoundsAreComputed) {
   EXPECT_EQ(index.conditionalBounds()[1].computed, index.conditionalBounds()[1].bounds.get());
 }
 
+TEST(IndexDefDeathTest, StopsTheProgramAtConditionalBoundsOfAnotherKind) {
+  DefinitionParts parts;
+  ConditionalBounds& bounds = parts.conditionalBounds.emplace_back();
+  bounds.condition = Program::constant(1);
+  bounds.bounds = std::make_unique<BoundsInteger>();
+  EXPECT_DEATH(static_cast<void>(IndexDef(std::move(parts))), "entry.constant != nullptr");
+}
+
 }  // namespace

@@ -1,14 +1,13 @@
 #include "sw/parm/parm_def.h"
 
 #include <algorithm>
-#include <cassert>
 #include <utility>
 
 #include "sw/parm/parm_name.h"
 
 ParmDef::ParmDef(DefinitionParts parts, ParmParts parmParts)
     : IndexDef(std::move(parts)), parm_(std::move(parmParts)) {
-  noteComputed(parm_.documentedRanges);
+  noteKinds(parm_.documentedRanges);
   for (const IndexDef* index : parm_.indices) {
     std::vector<uint32_t>& slots = indexSlots_.emplace_back();
     for (const std::string& name : index->variables().names()) {
@@ -75,9 +74,7 @@ int ParmDef::range(BoundsParm& out, const SituationView& situation) const {
       if (candidate.computed != nullptr) {
         return candidate.computed->evaluate(out, situation);
       }
-      const auto* bounds = dynamic_cast<const BoundsParm*>(candidate.bounds.get());
-      assert(bounds != nullptr);
-      out = *bounds;
+      out = *candidate.constant;
       return 0;
     }
   }

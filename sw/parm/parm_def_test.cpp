@@ -206,14 +206,6 @@ TEST(Range, TellsWhyARunTimeRangeHasNoValue) {
                      });
 }
 
-TEST(RangeDeathTest, StopsTheProgramAtBoundsThatAreNoBoundsParm) {
-  DefinitionParts parts;
-  parts.conditionalBounds.push_back({Program::constant(1), std::make_unique<BoundsInteger>()});
-  const ParmDef parm(std::move(parts), {});
-  BoundsParm range;
-  EXPECT_DEATH(static_cast<void>(parm.range(range, SituationView())), "bounds != nullptr");
-}
-
 TEST(Range, IsEmptyWithoutBounds) { expectRanges(makeParm({}), {{{}, 0, ""}}); }
 
 TEST(ParmDef, UsesTheNamesOfItsExpressionsAndItsIndices) {

@@ -18,7 +18,7 @@ PresentBounds::PresentBounds(const std::vector<ConditionalBounds>& bounds,
       continue;
     }
     if (candidate.computed == nullptr) {
-      applying_.push_back(candidate.bounds.get());
+      applying_.push_back(candidate.constant);
       continue;
     }
     BoundsParm present;
@@ -40,7 +40,7 @@ bool PresentBounds::judge(std::string& value) const {
   }
   const bool accepted =
       std::any_of(applying_.begin() + 1, applying_.end(),
-                  [&](const Bounds* bounds) { return bounds->check(value, false); });
+                  [&](const BoundsParm* bounds) { return bounds->check(value, false); });
   if (!accepted) {
     value = std::move(corrected);
   }

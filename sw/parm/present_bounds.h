@@ -23,11 +23,13 @@ class PresentBounds {
 
   /// Whether one of the applying bounds is a run-time range.
   [[nodiscard]] bool hasComputed() const { return !computed_.empty(); }
+  /// The bounds that apply, in statement order.
+  [[nodiscard]] const std::vector<const BoundsParm*>& applying() const { return applying_; }
   /// Whether any of the applying bounds accepts `value`; a value that none accepts is corrected by
   /// the first of them. Without applying bounds the value is refused and left unchanged.
   bool judge(std::string& value) const;
 
  private:
-  std::vector<const Bounds*> applying_;  // in statement order
-  std::vector<BoundsParm> computed_;     // never grows beyond what was reserved for it
+  std::vector<const BoundsParm*> applying_;  // in statement order
+  std::vector<BoundsParm> computed_;         // never grows beyond what was reserved for it
 };

@@ -12,14 +12,26 @@ std::string sanitizerOptions() {
   return (given == nullptr ? std::string() : std::string(given) + ":") + "verify_asan_link_order=0";
 }
 
+std::vector<std::string> command(const Daemon::Options& options) {
+  std::vector<std::string> result;
+  if (!options.redirections.empty()) {
+    result = {"/bin/sh", "-c", "exec \"$0\" \"$@\" " + options.redirections};
+  }
+  result.emplace_back(DAEMON_PROGRAM);
+  result.insert(result.end(), options.arguments.begin(), options.arguments.end());
+  return result;
+}
+
 Process::Options processOptions(const Daemon::Options& options, const std::string& logFile) {
-  Process::Options result = {.environment = {{"LC_ALL", "C.UTF-8"},
+  const std::string preload = LOG_CAPTURE_LIBRARY + std::string(":") + options.preload;
+  Process::Options result = {.command = command(options),
+                             .environment = {{"LC_ALL", "C.UTF-8"},
                                              {"LANG", ""},
                                              {"LANGUAGE", ""},
                                              {"ARGP_HELP_FMT", ""},
                                              {"DBUS_SESSION_BUS_ADDRESS", options.busAddress},
                                              {"ASAN_OPTIONS", sanitizerOptions()},
-                                             {"LD_PRELOAD", LOG_CAPTURE_LIBRARY},
+                                             {"LD_PRELOAD", preload},
                                              {"LOG_CAPTURE_FILE", logFile}},
                              .input = options.text,
                              .inputStaysOpen = options.inputStaysOpen,
@@ -27,8 +39,6 @@ Process::Options processOptions(const Daemon::Options& options, const std::strin
   for (const auto& [name, value] : options.environment) {
     result.environment[name] = value;
   }
-  result.command.emplace_back(DAEMON_PROGRAM);
-  result.command.insert(result.command.end(), options.arguments.begin(), options.arguments.end());
   return result;
 }
 

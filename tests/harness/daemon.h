@@ -17,6 +17,11 @@ class Daemon {
     std::map<std::string, std::string> environment = {};  ///< as for Process
     bool inputStaysOpen = false;                          ///< as for Process
     bool outputToPipe = false;                            ///< as for Process
+    /// What a shell does with the standard streams before it becomes the daemon, as in "0<&- 1<&-";
+    /// empty: there is no shell.
+    std::string redirections = {};
+    /// A library to be preloaded besides the log capture; empty: none.
+    std::string preload = {};
   };
   explicit Daemon(const Options& options);
   [[nodiscard]] Process& process() { return process_; }

@@ -8,7 +8,6 @@
 
 namespace {
 
-// The limits are those of a session bus as it is usually set up: wide enough never to be met.
 constexpr const char* BEFORE_DIRECTORY = R"(<!DOCTYPE busconfig PUBLIC
  "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
@@ -20,26 +19,28 @@ constexpr const char* AFTER_DIRECTORY = R"(</listen>
   <policy context="default">
     <allow send_destination="*" eavesdrop="true"/>
     <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-  <limit name="max_incoming_bytes">1000000000</limit>
-  <limit name="max_outgoing_bytes">1000000000</limit>
-  <limit name="max_message_size">1000000000</limit>
-  <limit name="max_replies_per_connection">50000</limit>
-  <limit name="reply_timeout">600000</limit>
-</busconfig>
 )";
+constexpr const char* ALLOWED_NAMES = "    <allow own=\"*\"/>\n";
+constexpr const char* DENIED_NAMES = "    <deny own=\"*\"/>\n";
+constexpr const char* BEFORE_LIMITS = "  </policy>\n";
+constexpr const char* AFTER_LIMITS = "</busconfig>\n";
 
-std::string writeConfiguration(const std::string& directory) {
+std::string writeConfiguration(const std::string& directory, const PrivateBus::Options& options) {
   std::string path = directory + "/bus.conf";
-  std::ofstream(path) << BEFORE_DIRECTORY << directory << AFTER_DIRECTORY;
+  std::ofstream file(path);
+  file << BEFORE_DIRECTORY << directory << AFTER_DIRECTORY
+       << (options.allowsNames ? ALLOWED_NAMES : DENIED_NAMES) << BEFORE_LIMITS;
+  for (const auto& [name, value] : options.limits) {
+    file << "  <limit name=\"" << name << "\">" << value << "</limit>\n";
+  }
+  file << AFTER_LIMITS;
   return path;
 }
 
 }  // namespace
 
-PrivateBus::PrivateBus() {
-  const std::string configuration = writeConfiguration(directory_.path());
+PrivateBus::PrivateBus(const Options& options) {
+  const std::string configuration = writeConfiguration(directory_.path(), options);
   process_ = std::make_unique<Process>(
       Process::Options{.command = {DBUS_DAEMON, "--config-file=" + configuration, "--nofork",
                                    "--nopidfile", "--print-address=1"},

@@ -1,6 +1,8 @@
-// Private buses: a bus daemon of the test's own, which allows everything.
+// Private buses: a bus daemon of the test's own, which allows everything unless the test wants
+// less.
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
 
@@ -9,8 +11,20 @@
 
 class PrivateBus {
  public:
+  struct Options {
+    bool allowsNames = true;  ///< whether clients may own names
+    /// By their names in the bus's configuration. By default those of a session bus as it is
+    /// usually set up: wide enough never to be met. The bus has its own for those that are not
+    /// given.
+    std::map<std::string, size_t> limits = {{"max_incoming_bytes", 1000000000},
+                                            {"max_outgoing_bytes", 1000000000},
+                                            {"max_message_size", 1000000000},
+                                            {"max_replies_per_connection", 50000},
+                                            {"reply_timeout", 600000}};
+  };
   /// Returns when the bus accepts connections.
-  PrivateBus();
+  PrivateBus() : PrivateBus(Options()) {}
+  explicit PrivateBus(const Options& options);
   [[nodiscard]] const std::string& address() const { return address_; }
   /// Ends the bus at once.
   void stop() { process_.reset(); }

@@ -1,6 +1,7 @@
 #include "tests/harness/service_test.h"
 
-ServiceTest::ServiceTest() : client_(bus_.address()) {}
+ServiceTest::ServiceTest(const PrivateBus::Options& options)
+    : bus_(options), client_(bus_.address()) {}
 
 void ServiceTest::serve(const std::string& text, const std::vector<std::string>& constants) {
   std::vector<std::string> arguments = {"--debug", "--"};

@@ -22,7 +22,7 @@ struct Fact {
 
 class ServiceTest : public testing::Test {
  protected:
-  ServiceTest();
+  explicit ServiceTest(const PrivateBus::Options& options = {});
   /// Starts the daemon on `text` in the foreground and waits until it serves.
   void serve(const std::string& text, const std::vector<std::string>& constants = {});
   /// Makes the calls one after the other and compares what is seen of each.

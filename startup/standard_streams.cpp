@@ -1,0 +1,13 @@
+#include "startup/standard_streams.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+void openStandardStreams() {
+  int descriptor = -1;
+  do {
+    descriptor = open("/dev/null", O_RDWR);
+  } while (0 <= descriptor && descriptor <= STDERR_FILENO);
+  // Without a null device it was never open.
+  if (descriptor >= 0) close(descriptor);
+}

@@ -3,22 +3,10 @@
 #include <algorithm>
 #include <vector>
 
-#include "database/gather.h"
 #include "fuzz/demand.h"
 #include "sw/parm/present_bounds.h"
 
 namespace {
-
-const StagedValues NOTHING_STAGED;
-
-// The committed situation of an instance, its index values bound.
-Situation situationOf(const Instance& instance) {
-  const ParmDef& parm = *instance.parm->parm;
-  Situation situation = gather(*instance.parm, instance.indices, NOTHING_STAGED);
-  const size_t pairs = std::min(instance.indices.size(), parm.indices().size());
-  for (size_t i = 0; i < pairs; ++i) parm.bindIndex(situation, i, instance.indices[i]);
-  return situation;
-}
 
 // Translations act on whatever enters a parameter, and a correction or a target may be the source
 // of one: entering again, the value goes on along the translations.
@@ -111,7 +99,7 @@ void CommitWatch::expectSettled() const {
 bool CommitWatch::isExempt(const std::string& name, const Instance& instance) const {
   const ParmDef& parm = *instance.parm->parm;
   const std::string& value = committedText(instance);
-  const Situation situation = situationOf(instance);
+  const Situation situation = committedSituation(instance);
   return isTranslated(parm, value) || isNumberAmongTexts(parm, situation, value) ||
          isContradicted(parm, situation, value) || wasRefusedToClient(name, instance) ||
          hasMovingPartner(instance) || isBeyondThePlan(name, instance);
@@ -123,7 +111,7 @@ bool CommitWatch::isExempt(const std::string& name, const Instance& instance) co
 bool CommitWatch::wasRefusedToClient(const std::string& name, const Instance& instance) const {
   const auto staged = statusOfStaged_.find(name);
   return staged != statusOfStaged_.end() && !staged->second &&
-         instance.parm->parm->isReadOnly(situationOf(instance));
+         instance.parm->parm->isReadOnly(committedSituation(instance));
 }
 
 // Parameters that refer to each other, or a parameter to itself, share a level and are evaluated

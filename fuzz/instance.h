@@ -5,6 +5,7 @@
 #include <string>
 
 #include "database/database.h"
+#include "deflang/variables.h"
 #include "sw/parm/index_tuple.h"
 
 struct Instance {
@@ -24,8 +25,14 @@ void addAllInstances(Instances& instances, Database& database, ParmEntry& parm);
 /// What the parameter holds.
 const std::string& committedText(const Instance& instance);
 
-/// Whether the parameter, asked again in the committed situation, leaves its value alone: it
-/// accepts the value, or would not be written.
+/// The committed situation of an instance, its index values bound.
+Situation committedSituation(const Instance& instance);
+
+/// Whether the bounds of the instance's parameter take its value in the committed situation.
+bool isWithinBounds(const Instance& instance);
+
+/// Whether the parameter, asked again in the committed situation, leaves its value alone: the value
+/// is within its bounds and is not corrected, or it would not be written.
 bool isSettled(const Instance& instance);
 
 /// Whether a parameter refers to one on its own level: to itself, or to one that refers back.

@@ -156,6 +156,10 @@ class Script {
     range.expectForetold();
   }
 
+  static bool isHeld(const Instance& instance) {
+    return instance.parm->parm->committed(instance.indices) != nullptr;
+  }
+
   // Each name once, and only with a reason; then what get says of every instance is what the
   // signals have said of it. A stored "rostrict" value is told to nobody.
   void expectAnnounced(const std::vector<std::string>& changed, const CommitWatch& watch) {
@@ -175,8 +179,12 @@ class Script {
     for (const auto& [name, instance] : instances_) {
       if (instance.parm->parm->mode() == MODE_ROSTRICT) continue;
       const auto announced = announced_.find(name);
-      demand(valueOf(fresh, name) == (announced == announced_.end() ? "" : announced->second), name,
+      const bool isAnnounced = announced != announced_.end();
+      demand(valueOf(fresh, name) == (isAnnounced ? announced->second : ""), name,
              " changed without a word");
+      // An instance with indices is only there once it was stored.
+      demand(isAnnounced || instance.indices.empty() || !isHeld(instance), name,
+             " was stored without a word");
     }
   }
 

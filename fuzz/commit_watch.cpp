@@ -47,17 +47,16 @@ bool isContradicted(const ParmDef& parm, const Situation& situation, const std::
 
 }  // namespace
 
-CommitWatch::CommitWatch(Database& database, StagedValues& staged) {
+CommitWatch::CommitWatch(Database& database, StagedValues& staged, const Instances& all) {
   for (ParmEntry* parm : database.parmsInNameOrder()) {
     addAllInstances(enumerated_, database, *parm);
   }
-  for (const auto& [name, instance] : enumerated_) before_.emplace(name, committedText(instance));
+  for (const auto& [name, instance] : all) before_.emplace(name, committedText(instance));
   for (const StagedEntry* entry : staged.inNameOrder()) {
     const std::string name = fullName(*entry);
     statusOfStaged_.emplace(name, entry->status);
     stagedParms_.insert(entry->parm);
     addInstance(evaluated_, *entry->parm, entry->indices);
-    before_.emplace(name, entry->parm->parm->committedText(entry->indices));
   }
   addDependents(database);
 }
@@ -76,15 +75,9 @@ void CommitWatch::addDependents(Database& database) {
   }
 }
 
-const std::string& CommitWatch::before(const std::string& name) const {
-  static const std::string never;
-  const auto found = before_.find(name);
-  return found == before_.end() ? never : found->second;
-}
-
 void CommitWatch::expectOnlyPlannedChanged(const Instances& all) const {
   for (const auto& [name, instance] : all) {
-    if (evaluated_.contains(name) || !before_.contains(name)) continue;
+    if (evaluated_.contains(name)) continue;
     demand(committedText(instance) == before(name), name, " changed outside the plan");
   }
 }

@@ -11,10 +11,11 @@
 /// Made before a commit of `staged`, asked after it.
 class CommitWatch {
  public:
-  CommitWatch(Database& database, StagedValues& staged);
+  /// `all` are the instances to look at, those that are staged among them.
+  CommitWatch(Database& database, StagedValues& staged, const Instances& all);
 
-  /// Demands that nothing but the instances that were staged, and those that depend on them, has
-  /// changed; `all` are those to look at.
+  /// Demands that nothing of `all`, the same as before, has changed but the instances that were
+  /// staged and those that depend on them.
   void expectOnlyPlannedChanged(const Instances& all) const;
 
   /// Demands, after a commit without failure, that every value that it evaluated is settled: its
@@ -27,8 +28,10 @@ class CommitWatch {
   [[nodiscard]] bool isStaged(const std::string& name) const {
     return statusOfStaged_.contains(name);
   }
-  /// What an instance held before the commit.
-  [[nodiscard]] const std::string& before(const std::string& name) const;
+  /// What one of the instances held before the commit.
+  [[nodiscard]] const std::string& before(const std::string& name) const {
+    return before_.at(name);
+  }
 
  private:
   void addDependents(Database& database);
@@ -41,5 +44,5 @@ class CommitWatch {
   std::set<const ParmEntry*> stagedParms_;
   Instances evaluated_;
   Instances enumerated_;
-  std::map<std::string, std::string> before_;  // committed texts of all instances
+  std::map<std::string, std::string> before_;  // committed texts by full name
 };

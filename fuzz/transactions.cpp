@@ -140,8 +140,8 @@ class Script {
   }
 
   void runCommit(Transaction& transaction) {
-    const CommitWatch watch(database_, transaction.staged());
     const RangeWatch range(database_, transaction.staged(), pickName());
+    const CommitWatch watch(database_, transaction.staged(), instances_);
     std::vector<std::string> changed;
     const int result = commit(transaction, changed);
     trace("commit -> ", std::to_string(result), "\n", isTracing() ? committedState() : "");

@@ -1,0 +1,153 @@
+// Fuzzes whole definition texts: read, built and finished. A text about which nothing is to be said
+// must serve: every parameter is read, reset, committed and asked for its range.
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "database/commit.h"
+#include "database/dependencies.h"
+#include "database/index_query.h"
+#include "database/range_query.h"
+#include "database/transaction.h"
+#include "deflang/number.h"
+#include "deflang/system_log.h"
+#include "fuzz/built_text.h"
+#include "fuzz/demand.h"
+#include "fuzz/fuzz_input.h"
+#include "fuzz/fuzz_target.h"
+#include "sw/parm/parm_name.h"
+
+namespace {
+
+// A commit takes in every instance of a dependent, and a text may ask for any number of them.
+constexpr uint64_t MAX_INSTANCES = 2000;
+
+uint64_t valueCount(const IndexDef& index) {
+  uint64_t count = index.baseBounds().strings().count();
+  for (const Span& span : index.baseBounds().integers().spans()) {
+    count += static_cast<uint64_t>(static_cast<int64_t>(span.second) - span.first + 1);
+  }
+  return count;
+}
+
+// Up to MAX_INSTANCES + 1, so that nothing overflows.
+uint64_t instanceCount(const ParmDef& parm) {
+  uint64_t count = 1;
+  for (const IndexDef* index : parm.indices()) {
+    count = std::min(count * valueCount(*index), MAX_INSTANCES + 1);
+  }
+  return count;
+}
+
+std::string firstValue(const IndexDef& index) {
+  const Spans& spans = index.baseBounds().integers().spans();
+  if (!spans.empty()) return numberText(spans.front().first);
+  const std::set<std::string>& texts = index.baseBounds().strings().texts();
+  return texts.empty() ? "any" : *texts.begin();
+}
+
+std::string firstInstance(const ParmDef& parm) {
+  IndexTuple values;
+  for (const IndexDef* index : parm.indices()) values.push_back(firstValue(*index));
+  return fullName(parm.name(), values);
+}
+
+std::string printed(const DiagnosticCollector& diagnostics) {
+  char* text = nullptr;
+  size_t size = 0;
+  FILE* const out = open_memstream(&text, &size);
+  demand(out != nullptr, "no stream");
+  diagnostics.print(out);
+  fclose(out);
+  std::string result(text, size);
+  free(text);
+  return result;
+}
+
+// A diagnostic names a line that was read and a column within it, or neither.
+void expectPlaces(const BuiltText& built) {
+  for (const Diagnostic& diagnostic : built.diagnostics.diagnostics()) {
+    if (diagnostic.at.line == NO_POSITION) continue;
+    const auto line = built.definitions.lines.find(diagnostic.at.line);
+    demand(line && diagnostic.at.column < line->size(),
+           "a diagnostic points nowhere: ", diagnosticMessage(diagnostic.code));
+  }
+  const bool failed = built.result != 0;
+  const bool isReported = !built.errors.empty() || !built.diagnostics.diagnostics().empty();
+  demand(!failed || isReported, "refused without a word");
+}
+
+void expectSameWhenOnlyChecked(std::string_view text, const BuiltText& built) {
+  const BuiltText checked(text, true);
+  demand(printed(checked.diagnostics) == printed(built.diagnostics), "check-only reports ",
+         printed(checked.diagnostics), "and not ", printed(built.diagnostics));
+}
+
+void askIndices(Database& database, const Transaction& transaction, const ParmDef& parm) {
+  static_cast<void>(validIndices(database, transaction.staged(), parm));
+  for (const IndexDef* index : parm.indices()) {
+    if (!index->isPlain() && valueCount(*index) > MAX_INSTANCES) continue;
+    std::vector<std::string> texts;
+    Spans spans;
+    const int result = indexRange(database, transaction.staged(), index->name(), texts, spans);
+    demand(result == INDEX_RANGE_FOUND || result == INDEX_RANGE_NOT_VALID, "no index ",
+           index->name());
+  }
+}
+
+// Whatever the answers are, there is one for every parameter.
+void askAll(Database& database, const Transaction& transaction) {
+  for (const ParmEntry* entry : database.parmsInNameOrder()) {
+    const ParmDef& parm = *entry->parm;
+    const std::string instance = firstInstance(parm);
+    std::string value;
+    demand(transaction.get(instance, value) == 0, "no value of ", instance);
+    std::set<std::string> names;
+    demand(dependencies(database, parm.name(), false, names) == DEPENDENCIES_FOUND,
+           "no dependencies of ", parm.name());
+    BoundsParm range;
+    static_cast<void>(queryRange(database, transaction.staged(), instance, range));
+    demand(range.isConsistent(), "no proper range of ", instance);
+    askIndices(database, transaction, parm);
+  }
+}
+
+// Gives every parameter its default, as a device is brought up.
+void bringUp(Database& database, Transaction& transaction) {
+  uint64_t instances = 0;
+  for (const ParmEntry* entry : database.parmsInNameOrder()) {
+    instances += instanceCount(*entry->parm);
+    demand(transaction.reset(firstInstance(*entry->parm), true) == STAGE_DONE, "no reset");
+  }
+  if (instances > MAX_INSTANCES) return;
+  std::vector<std::string> changed;
+  static_cast<void>(commit(transaction, changed));
+  demand(transaction.staged().empty(), "a commit left something staged");
+}
+
+void serve(Database& database) {
+  const LogRedirection silence([](const std::string&) {});
+  Transaction transaction(database);
+  askAll(database, transaction);
+  bringUp(database, transaction);
+  askAll(database, transaction);
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  const std::string_view text = textOf(data, size);
+  BuiltText built(text);
+  if (built.readable) {
+    expectPlaces(built);
+    expectSameWhenOnlyChecked(text, built);
+  }
+  if (built.isClean()) serve(built.database);
+  return 0;
+}

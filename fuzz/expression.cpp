@@ -1,0 +1,110 @@
+// Fuzzes expressions: the first line of the input binds variables ("a=1;b=on"), the rest is an
+// expression as it stands between parentheses. It is read, checked and evaluated, and a second
+// evaluator, as plain as possible, must come to the same.
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "deflang/cursor.h"
+#include "deflang/expression_reader.h"
+#include "deflang/postfix.h"
+#include "deflang/program.h"
+#include "fuzz/demand.h"
+#include "fuzz/fuzz_input.h"
+#include "fuzz/fuzz_target.h"
+#include "fuzz/plain_evaluator.h"
+
+namespace {
+
+// Takes everything up to `sign`, and the sign, from `text`.
+std::string_view takeUpTo(std::string_view& text, char sign) {
+  const size_t end = text.find(sign);
+  const std::string_view taken = text.substr(0, end);
+  text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+  return taken;
+}
+
+PlainVariables variablesOf(std::string_view bindings) {
+  PlainVariables variables;
+  while (!bindings.empty()) {
+    std::string_view value = takeUpTo(bindings, ';');
+    const std::string_view name = takeUpTo(value, '=');
+    variables.emplace(name, value);
+  }
+  return variables;
+}
+
+// Reads the expression line by line; a last line closes it. False when it is not accepted.
+bool read(std::string_view text, Expression& expression) {
+  ExpressionReader reader;
+  int result = PARSE_CONTINUES;
+  std::string line = "(";
+  for (uint32_t number = 1; result == PARSE_CONTINUES && !text.empty(); ++number) {
+    line.append(takeUpTo(text, '\n')).append("\n");
+    Cursor cursor(line, number);
+    result = reader.read(cursor);
+    demand(cursor.column() <= line.size(), "the caret stands behind the line");
+    line.clear();
+  }
+  if (result == PARSE_CONTINUES) {
+    line += ")";
+    Cursor cursor(line, 0);
+    result = reader.read(cursor);
+  }
+  if (result == PARSE_DONE) expression = reader.take();
+  return result == PARSE_DONE;
+}
+
+Situation situationOf(const Variables& names, const PlainVariables& variables) {
+  Situation situation(names.size());
+  for (uint32_t slot = 0; slot < names.size(); ++slot) {
+    const auto found = variables.find(names.names()[slot]);
+    if (found != variables.end()) situation.bind(slot, operandOf(found->second));
+  }
+  return situation;
+}
+
+std::string textOf(const Value& value) {
+  if (!value.valid()) return "none";
+  return (value.isNumber() ? "number " : "text ") + value.asText();
+}
+
+std::string textOf(const PlainValue& value) {
+  if (!value) return "none";
+  if (value->index() == 0) return "number " + std::to_string(std::get<int32_t>(*value));
+  return "text " + std::get<std::string>(*value);
+}
+
+bool isTrue(const PlainValue& value) {
+  if (!value) return false;
+  return value->index() == 0 ? std::get<int32_t>(*value) != 0
+                             : !std::get<std::string>(*value).empty();
+}
+
+void expectSame(const Expression& expression, const PlainVariables& variables) {
+  const PlainResult plain = evaluatePlainly(expression.tokens, variables);
+  Variables names;
+  Program program;
+  const int failedAt = Program::compile(expression, names, program);
+  demand(failedAt == plain.failedAt, "fails at ", std::to_string(failedAt), ", plainly at ",
+         std::to_string(plain.failedAt));
+  std::vector<const Token*> order;
+  demand(postfixOrder(expression, order) == failedAt, "the check is not the program's");
+  const Situation situation = situationOf(names, variables);
+  const Value value = program.evaluate(situation);
+  demand(textOf(value) == textOf(plain.value), textOf(value), ", plainly ", textOf(plain.value));
+  demand(program.isTrue(situation) == isTrue(plain.value), "the truth is not the value's");
+  demand(value.isTrue() == isTrue(plain.value), "a value's truth differs");
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  std::string_view text = ::textOf(data, size);
+  const PlainVariables variables = variablesOf(takeUpTo(text, '\n'));
+  Expression expression;
+  if (read(text, expression) && !nestsTooDeep(expression.tokens)) {
+    expectSame(expression, variables);
+  }
+  return 0;
+}

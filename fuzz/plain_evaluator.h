@@ -1,0 +1,27 @@
+// The plain evaluator: a second reading of the rules for expressions, which the first is held
+// against. It works on the tokens as they stand, by recursion, and shares no code with the first.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "deflang/token.h"
+
+/// A number or a text; nothing for what has no value.
+using PlainValue = std::optional<std::variant<int32_t, std::string>>;
+
+/// Names and value texts.
+using PlainVariables = std::map<std::string, std::string, std::less<>>;
+
+struct PlainResult {
+  int failedAt;      ///< 0 when well formed, -1 when empty, else the position (from 1) of the fault
+  PlainValue value;  ///< of a well-formed expression
+};
+
+/// Whether parentheses nest too deep for evaluatePlainly, which recurs with them.
+bool nestsTooDeep(const std::vector<Token>& tokens);
+
+PlainResult evaluatePlainly(const std::vector<Token>& tokens, const PlainVariables& variables);

@@ -1,14 +1,19 @@
 #include "deflang/variables.h"
 
 #include <algorithm>
+#include <bit>
+#include <functional>
 
 #include "deflang/number.h"
 #include "deflang/system_log.h"
 
 namespace {
 
-// Up to here a walk over the names is as fast as the map, and it needs no memory.
+// Up to here a walk over the names is as fast as the table, and it needs no memory.
 constexpr size_t MAX_WALKED_NAMES = 16;
+
+// How many places the table has at least for each name.
+constexpr size_t PLACES_PER_NAME = 2;
 
 }  // namespace
 
@@ -29,24 +34,36 @@ uint32_t Variables::slot(const std::string& name) {
   if (const std::optional<uint32_t> known = find(name)) return *known;
   const auto added = static_cast<uint32_t>(names_.size());
   names_.push_back(name);
-  if (lookup_) {
-    lookup_->emplace(name, added);
-  } else if (names_.size() > MAX_WALKED_NAMES) {
-    lookup_ = std::make_unique<TextMap<uint32_t>>();
-    for (uint32_t i = 0; i < names_.size(); ++i) lookup_->emplace(names_[i], i);
+  if (names_.size() > std::max(MAX_WALKED_NAMES, table_.size() / PLACES_PER_NAME)) {
+    growTable();
+  } else if (!table_.empty()) {
+    table_[placeOf(name)] = added + 1;
   }
   return added;
 }
 
 std::optional<uint32_t> Variables::find(std::string_view name) const {
-  if (lookup_) {
-    const auto found = lookup_->find(name);
-    if (found == lookup_->end()) return std::nullopt;
-    return found->second;
+  if (!table_.empty()) {
+    const uint32_t entry = table_[placeOf(name)];
+    if (entry == 0) return std::nullopt;
+    return entry - 1;
   }
   const auto found = std::find(names_.begin(), names_.end(), name);
   if (found == names_.end()) return std::nullopt;
   return static_cast<uint32_t>(found - names_.begin());
+}
+
+// Where `name` is in the table, or else would be.
+size_t Variables::placeOf(std::string_view name) const {
+  const size_t mask = table_.size() - 1;
+  size_t place = std::hash<std::string_view>{}(name)&mask;
+  while (table_[place] != 0 && names_[table_[place] - 1] != name) place = (place + 1) & mask;
+  return place;
+}
+
+void Variables::growTable() {
+  table_.assign(std::bit_ceil(names_.size()) * PLACES_PER_NAME, 0);
+  for (uint32_t slot = 0; slot < names_.size(); ++slot) table_[placeOf(names_[slot])] = slot + 1;
 }
 
 void dumpVariables(const Variables& variables, const Situation& situation) {

@@ -5,15 +5,11 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
-
-#include "deflang/text_map.h"
 
 /// What an operand is. The numbers are those of the tokens.
 enum operandKind_t : int32_t {
@@ -48,9 +44,14 @@ class Variables {
   [[nodiscard]] size_t size() const { return names_.size(); }
 
  private:
+  [[nodiscard]] size_t placeOf(std::string_view name) const;
+  void growTable();
+
   std::vector<std::string> names_;
-  // Only where there are so many names that a walk over them would show.
-  std::unique_ptr<TextMap<uint32_t>> lookup_;
+  // Slots plus 1, each at the place that its name's hash points at or the next free one; 0 where
+  // nothing is. Only where there are so many names that a walk over them would show. An index with
+  // many names hands them to every parameter that it indexes, so a name must not be kept twice.
+  std::vector<uint32_t> table_;
 };
 
 /// The values of a definition's variables at one moment, by slot. A fresh one holds none.

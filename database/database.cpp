@@ -101,7 +101,7 @@ int Database::finish(std::string& name) {
   return assignLevels(name);
 }
 
-VariableSource Database::sourceOf(std::string_view variable) {
+VariableSource Database::findSource(std::string_view variable) {
   VariableSource source;
   source.name = referencedName(variable);
   if (const std::optional<VidStdName> standard = splitVidStdName(variable)) {
@@ -121,10 +121,19 @@ VariableSource Database::sourceOf(std::string_view variable) {
   return source;
 }
 
+const VariableSource& Database::sourceOf(std::string_view variable) {
+  const auto [place, isNew] = sources_.try_emplace(variable);
+  if (isNew) {
+    place->second = findSource(variable);
+  }
+  return place->second;
+}
+
 void Database::bindSources() {
   uint32_t rank = 0;
   for (ParmEntry* entry : parmsInNameOrder()) {
     entry->rank = rank++;
+    entry->sources.reserve(entry->parm->usedNames().size());
     for (const std::string& name : entry->parm->usedNames()) {
       entry->sources.push_back(sourceOf(name));
     }

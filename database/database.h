@@ -3,10 +3,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "deflang/text_map.h"
@@ -27,11 +29,14 @@ struct VariableSource {
   bool qualified = false;               ///< whether the name carries any "["
 };
 
+/// The sources of a definition's variables, by slot. Equal names have one source in all.
+using VariableSources = std::vector<std::reference_wrapper<const VariableSource>>;
+
 /// A parameter and its place among the others.
 struct ParmEntry {
   std::unique_ptr<ParmDef> parm;
-  std::vector<VariableSource> sources;  ///< by slot, of the names that expressions use
-  std::vector<ParmEntry*> dependents;   ///< who refers to it directly, in name order
+  VariableSources sources;             ///< of the names that expressions use
+  std::vector<ParmEntry*> dependents;  ///< who refers to it directly, in name order
   uint32_t level = 0;
   uint32_t rank = 0;  ///< its place in name order
 };
@@ -39,8 +44,8 @@ struct ParmEntry {
 /// An index and where its own variables find their values.
 struct IndexEntry {
   std::unique_ptr<IndexDef> index;
-  std::vector<VariableSource> sources;  ///< by slot
-  std::vector<std::string> values;      ///< the base bounds' values as a set of texts, once asked
+  VariableSources sources;
+  std::vector<std::string> values;  ///< the base bounds' values as a set of texts, once asked
 };
 
 class Database final : public DefinitionRegistry {
@@ -65,7 +70,8 @@ class Database final : public DefinitionRegistry {
   [[nodiscard]] std::vector<ParmEntry*> parmsInNameOrder();
 
  private:
-  [[nodiscard]] VariableSource sourceOf(std::string_view variable);
+  [[nodiscard]] VariableSource findSource(std::string_view variable);
+  [[nodiscard]] const VariableSource& sourceOf(std::string_view variable);
   [[nodiscard]] bool isKnown(const VariableSource& source) const;
   [[nodiscard]] const std::string* firstUnknownName(std::string& name);
   void bindSources();
@@ -74,4 +80,5 @@ class Database final : public DefinitionRegistry {
   std::map<std::string, ValueText, std::less<>> constants_;
   TextMap<IndexEntry> indices_;
   TextMap<ParmEntry> parms_;
+  std::unordered_map<std::string_view, VariableSource> sources_;  // by names of the definitions
 };

@@ -117,7 +117,7 @@ bool CommitWatch::hasMovingPartner(const Instance& instance) const {
              return entry.second.parm == parm && committedText(entry.second) != before(entry.first);
            });
   };
-  const std::vector<VariableSource>& sources = instance.parm->sources;
+  const VariableSources& sources = instance.parm->sources;
   return std::any_of(sources.begin(), sources.end(), [&](const VariableSource& source) {
     return source.parm != nullptr && source.parm->level == instance.parm->level &&
            moved(source.parm);
@@ -129,7 +129,7 @@ bool CommitWatch::hasMovingPartner(const Instance& instance) const {
 // before what it depends on.
 bool CommitWatch::isBeyondThePlan(const std::string& name, const Instance& instance) const {
   if (enumerated_.contains(name)) return false;
-  const std::vector<VariableSource>& sources = instance.parm->sources;
+  const VariableSources& sources = instance.parm->sources;
   return std::any_of(sources.begin(), sources.end(),
                      [](const VariableSource& source) { return source.parm != nullptr; });
 }

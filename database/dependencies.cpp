@@ -35,21 +35,25 @@ class ReferenceWalk {
     go(*reader.parm, reader);
   }
 
-  void collect(std::set<std::string>& names) {
+  // False where the names become too long.
+  bool collect(std::set<std::string>& names) {
     while (!open_.empty()) {
       const auto [entry, reader] = open_.back();
       open_.pop_back();
       for (const VariableSource& source : entry->sources) {
         const bool isStart = entry != start() && source.name == start()->parm->name();
-        if (source.name == THIS_VALUE || isStart) {
+        if (source.name == THIS_VALUE || isStart || !read_.insert({&source, reader}).second) {
           continue;
         }
-        names.insert(qualifiedName(source, *reader));
+        if (!add(qualifiedName(source, *reader), names)) {
+          return false;
+        }
         if (source.parm != nullptr) {
           go(*source.parm, readerBehind(source, *reader));
         }
       }
     }
+    return true;
   }
 
  private:
@@ -67,6 +71,12 @@ class ReferenceWalk {
     return *named;
   }
 
+  bool add(std::string name, std::set<std::string>& names) {
+    const auto [place, isNew] = names.insert(std::move(name));
+    bytes_ += isNew ? place->size() : 0;
+    return bytes_ <= MAX_DEPENDENCY_BYTES;
+  }
+
   void go(const ParmEntry& entry, const Reader& reader) {
     if (reached_.insert({&entry, &reader}).second) {
       open_.emplace_back(&entry, &reader);
@@ -76,6 +86,9 @@ class ReferenceWalk {
   const bool asWritten_;
   std::deque<Reader> readers_;  // the start's first; they stay where they are
   std::map<std::string_view, const Reader*> named_;
+  // A name is put together once for each reader: it may be long, and many may refer to it.
+  std::set<std::pair<const VariableSource*, const Reader*>> read_;
+  size_t bytes_ = 0;  // of the names
   std::set<std::pair<const ParmEntry*, const Reader*>> reached_;
   std::vector<std::pair<const ParmEntry*, const Reader*>> open_;
 };
@@ -104,6 +117,6 @@ int dependencies(Database& database, std::string_view name, bool withIndices,
   if (withIndices && !fits(*entry->parm, parts.indices)) {
     return DEPENDENCIES_INVALID_INDEX;
   }
-  ReferenceWalk({entry, parts.indices}, !withIndices).collect(out);
-  return DEPENDENCIES_FOUND;
+  const bool fit = ReferenceWalk({entry, parts.indices}, !withIndices).collect(out);
+  return fit ? DEPENDENCIES_FOUND : DEPENDENCIES_TOO_LARGE;
 }

@@ -1,6 +1,7 @@
 // Dependencies: the names that a parameter depends on, directly or through others.
 #pragma once
 
+#include <cstddef>
 #include <set>
 #include <string>
 #include <string_view>
@@ -13,12 +14,18 @@ enum dependenciesResult_t : int {
   DEPENDENCIES_FOUND = 0,
   DEPENDENCIES_NO_PARAMETER = 1,
   DEPENDENCIES_INVALID_INDEX = 2,
+  DEPENDENCIES_TOO_LARGE = 3,  ///< the names have more than MAX_DEPENDENCY_BYTES
 };
+
+/// How long the names that a parameter depends on may be all together. Each of them can carry the
+/// index values of the name that is asked for, which may be as long as a client likes. More than
+/// this fits into no message.
+constexpr size_t MAX_DEPENDENCY_BYTES = size_t{32} << 20U;
 
 /// Finds the names that a parameter depends on, as they are written in its expressions and in those
 /// of the parameters they lead to. With `withIndices`, `name` is a full name, and each name is
 /// given the index values that it shares with it, or, behind an instance that the text names, with
-/// that instance. Returns a dependenciesResult_t; an index is
-/// invalid when the number of index values or one of them does not fit the index definitions.
+/// that instance. Returns a dependenciesResult_t; an index is invalid when the number of index
+/// values or one of them does not fit the index definitions.
 int dependencies(Database& database, std::string_view name, bool withIndices,
                  std::set<std::string>& out);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "database/range_query.h"
 #include "database/test_database.h"
 
 namespace {
@@ -80,6 +81,37 @@ TEST(Dependencies, AreTheNamesThatAParameterRefersToDirectlyOrNot) {
     EXPECT_EQ(dependencies(database, c.name, c.withIndices, names), c.result);
     EXPECT_EQ(names, c.names);
   }
+}
+
+// Two names, each with the index value that the client gives.
+constexpr std::string_view LONG_TEXT = R"(
+any index { }
+p rw { index { any } }
+q rw { index { any } }
+k rw { index { any } ctrlRO (p == 1 && q == 1) }
+alone rw { index { any } }
+)";
+
+TEST(Dependencies, AreNoLongerAllTogetherThanFitsIntoAMessage) {
+  Database database;
+  define(database, LONG_TEXT);
+  const std::string value(MAX_DEPENDENCY_BYTES / 2 - std::string_view("p[]").size(), 'x');
+  Names names;
+  EXPECT_EQ(dependencies(database, "k[" + value + "]", true, names), DEPENDENCIES_FOUND);
+  EXPECT_TRUE(names == (Names{"p[" + value + "]", "q[" + value + "]"}));
+  names.clear();
+  EXPECT_EQ(dependencies(database, "k[x" + value + "]", true, names), DEPENDENCIES_TOO_LARGE);
+}
+
+TEST(Dependencies, BoundRangeQueriesToo) {
+  Database database;
+  define(database, LONG_TEXT);
+  const std::string value(MAX_DEPENDENCY_BYTES / 2, 'x');
+  const StagedValues staged;
+  BoundsParm range;
+  EXPECT_EQ(queryRange(database, staged, "k[" + value + "]", range), RANGE_TOO_LARGE);
+  EXPECT_EQ(queryRange(database, staged, "alone[" + value + "]", range), RANGE_FOUND);
+  EXPECT_EQ(queryRange(database, staged, "k[x]", range), RANGE_FOUND);
 }
 
 }  // namespace

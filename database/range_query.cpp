@@ -123,8 +123,9 @@ int queryRange(Database& database, const StagedValues& staged, std::string_view 
                BoundsParm& out) {
   const ParmName target = splitName(name);
   std::set<std::string> names = {fullName(target.base, target.indices)};
-  if (dependencies(database, name, true, names) != DEPENDENCIES_FOUND) {
-    return RANGE_INVALID_NAME;
+  const int found = dependencies(database, name, true, names);
+  if (found != DEPENDENCIES_FOUND) {
+    return found == DEPENDENCIES_TOO_LARGE ? RANGE_TOO_LARGE : RANGE_INVALID_NAME;
   }
   ParmEntry& parm = *database.findParm(target.base);
   const std::vector<Instance> instances = instancesOf(database, names);

@@ -11,6 +11,7 @@
 enum rangeResult_t : int {
   RANGE_FOUND = 0,
   RANGE_INVALID_NAME = 1,  ///< no such parameter, or index values that do not fit
+  RANGE_TOO_LARGE = 2,     ///< the names that it depends on are too long, as for dependencies
   RANGE_REFUSED = -6,      ///< the instance does not exist, or a value on the way was refused
 };
 

@@ -3,6 +3,7 @@
 #include "database/commit.h"
 #include "database/dependencies.h"
 #include "database/index_query.h"
+#include "database/range_query.h"
 #include "database/transaction.h"
 
 namespace {
@@ -59,7 +60,8 @@ const char* cause(methodFamily_t family, int result) {
 }
 
 bool isOfBounds(methodFamily_t family, int result) {
-  return family == METHOD_GET_RANGE && result != UNKNOWN_TRANSACTION && result != INTERNAL_ERROR;
+  return family == METHOD_GET_RANGE && result != UNKNOWN_TRANSACTION &&
+         result != RANGE_TOO_LARGE && result != INTERNAL_ERROR;
 }
 
 }  // namespace

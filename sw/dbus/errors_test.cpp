@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "database/range_query.h"
+
 namespace {
 
 TEST(ErrorText, TellsEachCauseOfEachFamily) {
@@ -47,6 +49,7 @@ TEST(ErrorText, TellsEachCauseOfEachFamily) {
       {METHOD_GET_DEPS, INTERNAL_ERROR, "Get deps failed because of unknown error"},
       {METHOD_GET_RANGE, UNKNOWN_TRANSACTION, "Get range failed because of invalid transaction id"},
       {METHOD_GET_RANGE, 1, "Get range failed because of invalid bounds (1)"},
+      {METHOD_GET_RANGE, RANGE_TOO_LARGE, "Get range failed because of internal error"},
       {METHOD_GET_RANGE, -6, "Get range failed because of invalid bounds (-6)"},
       {METHOD_GET_RANGE, INTERNAL_ERROR, "Get range failed because of internal error"},
       {METHOD_GET_PARM_INDEX, UNKNOWN_TRANSACTION,

@@ -13,6 +13,6 @@ target_include_directories(project_options INTERFACE ${CMAKE_SOURCE_DIR})
 # Assertions stay active in every build type, whatever the type's own flags say.
 target_compile_options(project_options INTERFACE
   -UNDEBUG
-  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wformat=2 -Werror
   # Definitions are never deleted through their base, so it has no virtual destructor.
   $<$<CXX_COMPILER_ID:Clang>:-Wno-delete-non-abstract-non-virtual-dtor>)

@@ -27,8 +27,8 @@ Operand figureOrValue(const vidFigure_t* figure, const Operand& value) {
 
 // Binds what each source holds; `indicesOf` tells under which index values a parameter is read.
 template <typename IndicesOf>
-Situation gatherFrom(const VariableSources& sources, size_t slots,
-                     const StagedValues& staged, const IndicesOf& indicesOf) {
+Situation gatherFrom(const VariableSources& sources, size_t slots, const StagedValues& staged,
+                     const IndicesOf& indicesOf) {
   Situation situation(slots);
   for (uint32_t slot = 0; slot < sources.size(); ++slot) {
     const VariableSource& source = sources[slot];

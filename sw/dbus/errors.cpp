@@ -60,8 +60,8 @@ const char* cause(methodFamily_t family, int result) {
 }
 
 bool isOfBounds(methodFamily_t family, int result) {
-  return family == METHOD_GET_RANGE && result != UNKNOWN_TRANSACTION &&
-         result != RANGE_TOO_LARGE && result != INTERNAL_ERROR;
+  return family == METHOD_GET_RANGE && result != UNKNOWN_TRANSACTION && result != RANGE_TOO_LARGE &&
+         result != INTERNAL_ERROR;
 }
 
 }  // namespace

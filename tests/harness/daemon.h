@@ -1,5 +1,5 @@
-// The daemon under test: the real program, started on a definition text, its log lines caught. Where
-// the environment has a command in DAEMON_WRAPPER, that runs the program.
+// The daemon under test: the real program, started on a definition text, its log lines caught.
+// Where the environment has a command in DAEMON_WRAPPER, that runs the program.
 #pragma once
 
 #include <map>

@@ -1,5 +1,5 @@
-// A clock ten times as fast: preloaded into the daemon, what waits for half a minute waits for
-// three seconds.
+// A clock twenty times as fast: preloaded into the daemon, what waits for a minute waits for three
+// seconds.
 #include <poll.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -19,9 +19,7 @@ int fastPoll(pollfd* descriptors, nfds_t count, int timeout) {
 
 extern "C" {
 
-int poll(pollfd* descriptors, nfds_t count, int timeout) {
-  return fastPoll(descriptors, count, timeout);
-}
+int poll(pollfd* fds, nfds_t nfds, int timeout) { return fastPoll(fds, nfds, timeout); }
 
 // What the same call becomes where the C library's checks are compiled in.
 // NOLINTNEXTLINE(readability-identifier-naming,bugprone-reserved-identifier)
@@ -30,12 +28,12 @@ int __poll_chk(pollfd* descriptors, nfds_t count, int timeout, size_t /*size*/) 
 }
 
 // NOLINTNEXTLINE(readability-identifier-naming)
-int clock_gettime(clockid_t clock, timespec* time) noexcept {
+int clock_gettime(clockid_t clock_id, timespec* tp) noexcept {
   constexpr long SECOND = 1000000000;
-  const long result = syscall(SYS_clock_gettime, clock, time);
-  const long rest = time->tv_nsec * SPEED;
-  time->tv_sec = time->tv_sec * SPEED + rest / SECOND;
-  time->tv_nsec = rest % SECOND;
+  const long result = syscall(SYS_clock_gettime, clock_id, tp);
+  const long rest = tp->tv_nsec * SPEED;
+  tp->tv_sec = tp->tv_sec * SPEED + rest / SECOND;
+  tp->tv_nsec = rest % SECOND;
   return static_cast<int>(result);
 }
 }

@@ -43,7 +43,9 @@ size_t bytesInMessage(const char* text) {
 TextList::~TextList() { std::for_each(texts_.begin(), texts_.end(), g_free); }
 
 void TextList::take(char* text) {
-  texts_.push_back(text);
+  Text owned(text, g_free);  // until the list has room for it
+  texts_.push_back(owned.get());
+  static_cast<void>(owned.release());
   bytes_ += bytesInMessage(text);
 }
 

@@ -46,8 +46,8 @@ std::vector<std::string> changes(const std::vector<std::string>& names, const st
 }
 
 std::vector<std::string> numbered(const std::string& name, int count) {
-  std::vector<std::string> names;
-  for (int i = 0; i < count; ++i) names.push_back(name + std::to_string(i));
+  std::vector<std::string> names(static_cast<size_t>(count), name);
+  for (size_t i = 0; i < names.size(); ++i) names[i] += std::to_string(i);
   return names;
 }
 
@@ -343,7 +343,7 @@ TEST_F(HostileTextsTest, TwoThousandDependentsFollowOneParameter) {
                  return "p" + i + " ro { rangeValid { (a) } }\n";
                }));
   std::vector<std::string> names = numbered("p", 2000);
-  names.push_back("a");
+  names.emplace_back("a");
   expectChanges("single_set('a', '7')", changes(names, "7"));
 }
 

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <optional>
 #include <span>
+#include <utility>
 
 #include "database/evaluation.h"
 #include "database/gather.h"
@@ -20,7 +21,7 @@ void resolveResets(StagedValues& staged) {
     if (entry->reset) {
       std::string value;
       // Without a default that applies, the value is the fallback: both serve.
-      static_cast<void>(entry->parm->parm->defaultValue(
+      static_cast<void>(entry->parm->parm.defaultValue(
           value, entry->indices, gather(*entry->parm, entry->indices, staged)));
       entry->value.set(std::move(value));
     }
@@ -32,22 +33,25 @@ void logRefusal(const StagedEntry& entry, const std::string& value, int result) 
            "\": ret=" + std::to_string(result));
 }
 
-bool isReported(StagedEntry& entry, const std::string& before) {
-  ParmDef& parm = *entry.parm->parm;
-  const bool isFirst = parm.announce(entry.indices);
-  return isFirst || parm.mode() == MODE_WRITE_ONLY || parm.committedText(entry.indices) != before;
+// Adds a value that was just stored, if clients are told of it.
+void report(const StagedEntry& entry, const std::string& before, std::vector<Change>& changes) {
+  CommittedValue& held = *entry.held;
+  const bool isFirst = !std::exchange(held.announced, true);
+  if (isFirst || entry.parm->parm.mode() == MODE_WRITE_ONLY || held.value.text() != before) {
+    changes.push_back({fullName(entry), &held});
+  }
 }
 
 // Commits one entry. Returns 0, WALK_AGAIN, or a refusal, which is logged with the value as it was
 // staged.
-int commitEntry(StagedEntry& entry, const StagedValues& staged, std::vector<std::string>& changed) {
-  const std::string before = entry.parm->parm->committedText(entry.indices);
+int commitEntry(StagedEntry& entry, const StagedValues& staged, std::vector<Change>& changes) {
+  const std::string before = committedText(entry);
   const std::string wanted = entry.value.text();
   const setOutcome_t outcome = evaluate(entry, staged, false);
   switch (outcome.result) {
     case SET_STORED:
-      if (outcome.stored && isReported(entry, before)) {
-        changed.push_back(fullName(entry));
+      if (outcome.stored) {
+        report(entry, before, changes);
       }
       return 0;
     case SET_NOT_STORED:
@@ -63,10 +67,10 @@ int commitEntry(StagedEntry& entry, const StagedValues& staged, std::vector<std:
 // Walks a level once. A refusal ends the walk; what it leaves unwalked is as if it had not been
 // staged.
 int passLevel(std::span<const PlanStep> level, const StagedValues& staged,
-              std::vector<std::string>& changed) {
+              std::vector<Change>& changes) {
   int result = 0;
   for (auto step = level.begin(); step != level.end(); ++step) {
-    const int code = commitEntry(*step->entry, staged, changed);
+    const int code = commitEntry(*step->entry, staged, changes);
     if (code == WALK_AGAIN) {
       result = WALK_AGAIN;
     } else if (code != 0) {
@@ -79,13 +83,13 @@ int passLevel(std::span<const PlanStep> level, const StagedValues& staged,
 }
 
 int applyPlan(std::span<const PlanStep> plan, const StagedValues& staged,
-              std::vector<std::string>& changed) {
+              std::vector<Change>& changes) {
   int result = 0;
   while (!plan.empty()) {
     const std::span<const PlanStep> level = firstLevel(plan, plan);
-    int code = passLevel(level, staged, changed);
+    int code = passLevel(level, staged, changes);
     while (code == WALK_AGAIN) {
-      code = passLevel(level, staged, changed);
+      code = passLevel(level, staged, changes);
     }
     result = result == 0 ? code : result;
   }
@@ -106,7 +110,7 @@ class Emptying {
 
 }  // namespace
 
-int commit(Transaction& transaction, std::vector<std::string>& changed) {
+int commit(Transaction& transaction, std::vector<Change>& changes) {
   StagedValues& staged = transaction.staged();
   const Emptying emptying(staged);
   resolveResets(staged);
@@ -114,8 +118,10 @@ int commit(Transaction& transaction, std::vector<std::string>& changed) {
   if (!plan) {
     return COMMIT_TOO_LARGE;
   }
-  const int result = applyPlan(*plan, staged, changed);
-  std::sort(changed.begin(), changed.end());
-  changed.erase(std::unique(changed.begin(), changed.end()), changed.end());
+  const int result = applyPlan(*plan, staged, changes);
+  if (!std::is_sorted(changes.begin(), changes.end())) {
+    std::sort(changes.begin(), changes.end());
+  }
+  changes.erase(std::unique(changes.begin(), changes.end()), changes.end());
   return result;
 }

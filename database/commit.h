@@ -14,10 +14,18 @@ enum commitResult_t : int {
   COMMIT_TOO_LARGE = -4,  ///< more depends on what is staged than a commit takes; nothing changed
 };
 
+/// A value to report.
+struct Change {
+  std::string name;  ///< the full name
+  const CommittedValue* held = nullptr;
+  auto operator<=>(const Change& other) const { return name <=> other.name; }
+  bool operator==(const Change& other) const { return name == other.name; }
+};
+
 /// Applies the staged values and re-evaluates every instance of every parameter that depends on
-/// them, level by level. `changed` receives the full names to report, ascending: those whose value
+/// them, level by level. `changes` receives what to report, ascending by name: the values that
 /// changed or that are reported for the first time, and every write-only one. Values are stored as
 /// they are accepted; a failure ends its level, the later levels are still applied. The transaction
 /// is empty afterwards. Returns a commitResult_t, the first failure; a write that the parameter
 /// does not allow just now is no failure and changes nothing.
-int commit(Transaction& transaction, std::vector<std::string>& changed);
+int commit(Transaction& transaction, std::vector<Change>& changes);

@@ -38,7 +38,7 @@ class CommitTest : public testing::Test {
     }
     changed_.clear();
     log_.clear();
-    const int result = commit(transaction, changed_);
+    const int result = commitNames(transaction, changed_);
     EXPECT_TRUE(transaction.staged().empty());
     return result;
   }

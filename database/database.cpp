@@ -67,13 +67,17 @@ const IndexDef* Database::findIndex(std::string_view name) const {
 }
 
 int Database::registerParm(std::unique_ptr<ParmDef> parm) {
-  const std::string& name = parm->name();
-  return parms_.try_emplace(name, ParmEntry{std::move(parm), {}, {}}).second ? 0 : 1;
+  if (findParm(parm->name()) != nullptr) {
+    return 1;
+  }
+  parmNames_.add(parm->name());
+  parms_.push_back({std::move(*parm), {}, {}});
+  return 0;
 }
 
 ParmEntry* Database::findParm(std::string_view base) {
-  const auto found = parms_.find(base);
-  return found == parms_.end() ? nullptr : &found->second;
+  const std::optional<uint32_t> found = parmNames_.find(base);
+  return found ? &parms_[*found] : nullptr;
 }
 
 IndexEntry* Database::findIndexEntry(std::string_view name) {
@@ -84,13 +88,27 @@ IndexEntry* Database::findIndexEntry(std::string_view name) {
 std::vector<ParmEntry*> Database::parmsInNameOrder() {
   std::vector<ParmEntry*> parms;
   parms.reserve(parms_.size());
-  for (auto& [name, entry] : parms_) {
+  for (ParmEntry& entry : parms_) {
     parms.push_back(&entry);
   }
-  std::sort(parms.begin(), parms.end(), [](const ParmEntry* a, const ParmEntry* b) {
-    return a->parm->name() < b->parm->name();
-  });
+  const auto comesBefore = [](const ParmEntry* a, const ParmEntry* b) {
+    return a->parm.name() < b->parm.name();
+  };
+  // The builder registers them in order.
+  if (!std::is_sorted(parms.begin(), parms.end(), comesBefore)) {
+    std::sort(parms.begin(), parms.end(), comesBefore);
+  }
   return parms;
+}
+
+uint32_t Database::newWalk() {
+  if (++walks_ == 0) {
+    for (ParmEntry& entry : parms_) {
+      entry.walk = 0;
+    }
+    ++walks_;
+  }
+  return walks_;
 }
 
 int Database::finish(std::string& name) {
@@ -122,19 +140,20 @@ VariableSource Database::findSource(std::string_view variable) {
 }
 
 const VariableSource& Database::sourceOf(std::string_view variable) {
-  const auto [place, isNew] = sources_.try_emplace(variable);
-  if (isNew) {
-    place->second = findSource(variable);
+  const std::optional<uint32_t> known = sourceNames_.find(variable);
+  if (known) {
+    return sources_[*known];
   }
-  return place->second;
+  sourceNames_.add(variable);
+  return sources_.emplace_back(findSource(variable));
 }
 
 void Database::bindSources() {
   uint32_t rank = 0;
   for (ParmEntry* entry : parmsInNameOrder()) {
     entry->rank = rank++;
-    entry->sources.reserve(entry->parm->usedNames().size());
-    for (const std::string& name : entry->parm->usedNames()) {
+    entry->sources.reserve(entry->parm.usedNames().size());
+    for (const std::string& name : entry->parm.usedNames()) {
       entry->sources.push_back(sourceOf(name));
     }
   }
@@ -152,7 +171,7 @@ bool Database::isKnown(const VariableSource& source) const {
 
 const std::string* Database::firstUnknownName(std::string& name) {
   const std::string* first = nullptr;
-  for (const auto& [parmName, entry] : parms_) {
+  for (const ParmEntry& entry : parms_) {
     for (const VariableSource& source : entry.sources) {
       if (!isKnown(source) && (first == nullptr || source.name < *first)) {
         name = source.name;
@@ -169,7 +188,7 @@ int Database::assignLevels(std::string& name) {
   std::vector<uint32_t> levels;
   uint32_t onCycle = 0;
   if (::assignLevels(graph.dependents(), levels, onCycle) != 0) {
-    name = parms[onCycle]->parm->name();
+    name = parms[onCycle]->parm.name();
     return 1;
   }
   for (ParmEntry* entry : parms) {

@@ -3,14 +3,15 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
+#include "deflang/name_table.h"
 #include "deflang/text_map.h"
 #include "sw/parm/definition_registry.h"
 #include "sw/parm/index_tuple.h"
@@ -34,11 +35,12 @@ using VariableSources = std::vector<std::reference_wrapper<const VariableSource>
 
 /// A parameter and its place among the others.
 struct ParmEntry {
-  std::unique_ptr<ParmDef> parm;
+  ParmDef parm;                        ///< in place: what is asked for by name is at hand at once
   VariableSources sources;             ///< of the names that expressions use
   std::vector<ParmEntry*> dependents;  ///< who refers to it directly, in name order
   uint32_t level = 0;
   uint32_t rank = 0;  ///< its place in name order
+  uint32_t walk = 0;  ///< the last walk over dependents that came here
 };
 
 /// An index and where its own variables find their values.
@@ -68,6 +70,8 @@ class Database final : public DefinitionRegistry {
   [[nodiscard]] IndexEntry* findIndexEntry(std::string_view name);
   /// The parameters in name order.
   [[nodiscard]] std::vector<ParmEntry*> parmsInNameOrder();
+  /// Begins a walk over dependents: no parameter has this number yet.
+  [[nodiscard]] uint32_t newWalk();
 
  private:
   [[nodiscard]] VariableSource findSource(std::string_view variable);
@@ -79,6 +83,9 @@ class Database final : public DefinitionRegistry {
 
   std::map<std::string, ValueText, std::less<>> constants_;
   TextMap<IndexEntry> indices_;
-  TextMap<ParmEntry> parms_;
-  std::unordered_map<std::string_view, VariableSource> sources_;  // by names of the definitions
+  std::deque<ParmEntry> parms_;
+  NameTable parmNames_;
+  std::deque<VariableSource> sources_;  // of the distinct variables of all definitions
+  NameTable sourceNames_;
+  uint32_t walks_ = 0;
 };

@@ -21,8 +21,7 @@ std::string qualifiedName(const VariableSource& source, const Reader& reader) {
   if (source.parm == nullptr || source.qualified || reader.indices.empty()) {
     return std::string(source.name);
   }
-  return fullName(source.name,
-                  sharedIndices(*reader.parm->parm, reader.indices, *source.parm->parm));
+  return fullName(source.name, sharedIndices(reader.parm->parm, reader.indices, source.parm->parm));
 }
 
 // The names that `start` leads to. A parameter that is reached through others does not depend on
@@ -41,7 +40,7 @@ class ReferenceWalk {
       const auto [entry, reader] = open_.back();
       open_.pop_back();
       for (const VariableSource& source : entry->sources) {
-        const bool isStart = entry != start() && source.name == start()->parm->name();
+        const bool isStart = entry != start() && source.name == start()->parm.name();
         if (source.name == THIS_VALUE || isStart || !read_.insert({&source, reader}).second) {
           continue;
         }
@@ -114,7 +113,7 @@ int dependencies(Database& database, std::string_view name, bool withIndices,
   if (entry == nullptr) {
     return DEPENDENCIES_NO_PARAMETER;
   }
-  if (withIndices && !fits(*entry->parm, parts.indices)) {
+  if (withIndices && !fits(entry->parm, parts.indices)) {
     return DEPENDENCIES_INVALID_INDEX;
   }
   const bool fit = ReferenceWalk({entry, parts.indices}, !withIndices).collect(out);

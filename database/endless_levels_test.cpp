@@ -63,7 +63,7 @@ class Device {
   [[nodiscard]] bool hasRules() {
     const std::vector<ParmEntry*> parms = database_.parmsInNameOrder();
     return std::any_of(parms.begin(), parms.end(), [](const ParmEntry* entry) {
-      return !entry->parm->constraintRules().empty();
+      return !entry->parm.constraintRules().empty();
     });
   }
 
@@ -86,7 +86,7 @@ class Device {
   /// The changed names with their values.
   Texts commitAll() {
     Texts changed;
-    static_cast<void>(commit(transaction_, changed));
+    static_cast<void>(commitNames(transaction_, changed));
     for (std::string& name : changed) {
       std::string value;
       EXPECT_EQ(transaction_.get(name, value), 0);
@@ -98,8 +98,8 @@ class Device {
  private:
   void collectInstances() {
     for (const ParmEntry* entry : database_.parmsInNameOrder()) {
-      forEachInstance(database_, *entry->parm, [&](const IndexTuple& indices) {
-        instances_.push_back(fullName(entry->parm->name(), indices));
+      forEachInstance(database_, entry->parm, [&](const IndexTuple& indices) {
+        instances_.push_back(fullName(entry->parm.name(), indices));
       });
     }
   }

@@ -6,9 +6,12 @@
 
 setOutcome_t evaluate(StagedEntry& entry, const StagedValues& staged, bool dryRun) {
   std::string value = entry.value.text();
-  const setMode_t mode{entry.status, dryRun, entry.generated};
-  const setOutcome_t outcome = setValue(*entry.parm->parm, value, entry.indices,
+  const setMode_t mode{entry.status, dryRun, entry.generated, entry.held};
+  const setOutcome_t outcome = setValue(entry.parm->parm, value, entry.indices,
                                         gather(*entry.parm, entry.indices, staged), mode);
+  if (outcome.held != nullptr) {
+    entry.held = outcome.held;
+  }
   if (outcome.stored || outcome.result == SET_RULE_FAILS) {
     entry.value.set(std::move(value));
   } else {
@@ -19,6 +22,6 @@ setOutcome_t evaluate(StagedEntry& entry, const StagedValues& staged, bool dryRu
 }
 
 void takeCommitted(StagedEntry& entry) {
-  entry.value.set(entry.parm->parm->committedText(entry.indices));
+  entry.value.set(committedText(entry));
   entry.status = true;
 }

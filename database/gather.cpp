@@ -12,7 +12,7 @@ IndexTuple sourceIndices(const VariableSource& source, const ParmDef& evaluated,
   if (source.qualified || indices.empty()) {
     return source.indices;
   }
-  return sharedIndices(evaluated, indices, *source.parm->parm);
+  return sharedIndices(evaluated, indices, source.parm->parm);
 }
 
 // What a name stands for whose value, or whose P's value, is `value`. A figure that the value does
@@ -63,8 +63,8 @@ IndexTuple sharedIndices(const ParmDef& evaluated, const IndexTuple& indices,
 
 Situation gather(const ParmEntry& entry, const IndexTuple& indices, const StagedValues& staged) {
   return gatherFrom(
-      entry.sources, entry.parm->variables().size(), staged,
-      [&](const VariableSource& source) { return sourceIndices(source, *entry.parm, indices); });
+      entry.sources, entry.parm.variables().size(), staged,
+      [&](const VariableSource& source) { return sourceIndices(source, entry.parm, indices); });
 }
 
 Situation gather(const IndexEntry& entry, const StagedValues& staged) {

@@ -41,13 +41,13 @@ class GatherTest : public testing::Test {
   }
 
   void store(const char* name, const IndexTuple& indices, const char* value) {
-    database_.findParm(name)->parm->store(indices, value);
+    database_.findParm(name)->parm.store(indices, value);
   }
 
   // The bound variables of an instance by name.
   std::map<std::string, std::string> gathered(const char* name, const IndexTuple& indices) {
     const ParmEntry& entry = *database_.findParm(name);
-    return named(entry.parm->variables(), gather(entry, indices, staged_));
+    return named(entry.parm.variables(), gather(entry, indices, staged_));
   }
 
   static std::map<std::string, std::string> named(const Variables& variables,
@@ -110,10 +110,10 @@ TEST_F(GatherTest, ReadsAnIndexsOwnVariables) {
 }
 
 TEST_F(GatherTest, SharesIndicesByDefinition) {
-  const ParmDef& perIn = *database_.findParm("perIn")->parm;
-  const ParmDef& both = *database_.findParm("both")->parm;
-  const ParmDef& swapped = *database_.findParm("swapped")->parm;
-  const ParmDef& mode = *database_.findParm("mode")->parm;
+  const ParmDef& perIn = database_.findParm("perIn")->parm;
+  const ParmDef& both = database_.findParm("both")->parm;
+  const ParmDef& swapped = database_.findParm("swapped")->parm;
+  const ParmDef& mode = database_.findParm("mode")->parm;
   struct Case {
     const char* what;
     const ParmDef& evaluated;

@@ -128,14 +128,14 @@ TEST(IndexQuery, AnswersAsIfEveryNumberHadBeenAsked) {
 }
 
 TEST_F(IndexQueryTest, NamesTheIndicesThatExistNow) {
-  const ParmDef& parm = *database_.findParm("parm")->parm;
+  const ParmDef& parm = database_.findParm("parm")->parm;
   EXPECT_EQ(validIndices(database_, transaction_.staged(), parm),
             (std::vector<std::string>{"plain"}));
   EXPECT_EQ(transaction_.set("mode", "on", false), STAGE_DONE);
   EXPECT_EQ(validIndices(database_, transaction_.staged(), parm),
             (std::vector<std::string>{"plain", "valid"}));
   EXPECT_TRUE(
-      validIndices(database_, transaction_.staged(), *database_.findParm("single")->parm).empty());
+      validIndices(database_, transaction_.staged(), database_.findParm("single")->parm).empty());
 }
 
 }  // namespace

@@ -49,7 +49,7 @@ TEST(IndexValues, MakeEveryCombinationInIndexOrder) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
     std::vector<IndexTuple> instances;
-    forEachInstance(database, *database.findParm(c.name)->parm,
+    forEachInstance(database, database.findParm(c.name)->parm,
                     [&](const IndexTuple& indices) { instances.push_back(indices); });
     EXPECT_EQ(instances, c.instances);
   }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <tuple>
-#include <unordered_set>
 #include <utility>
 
 #include "database/index_values.h"
@@ -10,35 +9,40 @@
 namespace {
 
 bool comesBefore(const PlanStep& a, const PlanStep& b) {
-  return std::tie(a.level, a.entry->parm->rank, a.entry->indices) <
-         std::tie(b.level, b.entry->parm->rank, b.entry->indices);
+  if (a.level != b.level || a.rank != b.rank) {
+    return std::tie(a.level, a.rank) < std::tie(b.level, b.rank);
+  }
+  return a.entry->indices < b.entry->indices;
 }
 
 bool isSame(const PlanStep& a, const PlanStep& b) {
   return a.level == b.level && a.entry == b.entry;
 }
 
-// Every parameter that depends on one of `open`, each once.
-std::vector<ParmEntry*> dependentsOf(std::vector<ParmEntry*> open) {
-  std::unordered_set<const ParmEntry*> reached;
+// Every parameter that depends on one of `open`, each once, in the order of a plan.
+std::vector<ParmEntry*> dependentsOf(Database& database, std::vector<ParmEntry*> open) {
+  const uint32_t walk = database.newWalk();
   std::vector<ParmEntry*> dependents;
   while (!open.empty()) {
     const ParmEntry& parm = *open.back();
     open.pop_back();
     for (ParmEntry* dependent : parm.dependents) {
-      if (reached.insert(dependent).second) {
+      if (std::exchange(dependent->walk, walk) != walk) {
         dependents.push_back(dependent);
         open.push_back(dependent);
       }
     }
   }
+  std::sort(dependents.begin(), dependents.end(), [](const ParmEntry* a, const ParmEntry* b) {
+    return std::tie(a->level, a->rank) < std::tie(b->level, b->rank);
+  });
   return dependents;
 }
 
 bool areTooMany(const std::vector<ParmEntry*>& parms) {
   uint64_t count = 0;
   return std::any_of(parms.begin(), parms.end(), [&](const ParmEntry* parm) {
-    return __builtin_add_overflow(count, countInstances(*parm->parm), &count) ||
+    return __builtin_add_overflow(count, countInstances(parm->parm), &count) ||
            count > MAX_PLANNED_INSTANCES;
   });
 }
@@ -46,7 +50,10 @@ bool areTooMany(const std::vector<ParmEntry*>& parms) {
 }  // namespace
 
 void sortPlan(Plan& plan) {
-  std::sort(plan.begin(), plan.end(), comesBefore);
+  // Mostly a few parameters change, and what depends on them is enumerated in order.
+  if (!std::is_sorted(plan.begin(), plan.end(), comesBefore)) {
+    std::sort(plan.begin(), plan.end(), comesBefore);
+  }
   plan.erase(std::unique(plan.begin(), plan.end(), isSame), plan.end());
 }
 
@@ -65,18 +72,18 @@ std::optional<Plan> planCommit(Database& database, StagedValues& staged) {
   std::vector<ParmEntry*> changing;
   for (StagedEntry* entry : staged.inNameOrder()) {
     const bool hasDependents = !entry->parm->dependents.empty();
-    plan.push_back({hasDependents ? entry->parm->level : 0, entry});
+    plan.push_back({hasDependents ? entry->parm->level : 0, entry->parm->rank, entry});
     if (hasDependents && (changing.empty() || changing.back() != entry->parm)) {
       changing.push_back(entry->parm);
     }
   }
-  const std::vector<ParmEntry*> dependents = dependentsOf(std::move(changing));
+  const std::vector<ParmEntry*> dependents = dependentsOf(database, std::move(changing));
   if (areTooMany(dependents)) {
     return std::nullopt;
   }
   for (ParmEntry* dependent : dependents) {
-    forEachInstance(database, *dependent->parm, [&](const IndexTuple& indices) {
-      plan.push_back({dependent->level, &staged.stage(*dependent, indices, true)});
+    forEachInstance(database, dependent->parm, [&](const IndexTuple& indices) {
+      plan.push_back({dependent->level, dependent->rank, &staged.stage(*dependent, indices, true)});
     });
   }
   sortPlan(plan);

@@ -10,6 +10,7 @@
 
 struct PlanStep {
   uint32_t level;
+  uint32_t rank;  ///< of the parameter, in name order
   StagedEntry* entry;
 };
 

@@ -32,7 +32,7 @@ std::vector<Instance> instancesOf(Database& database, const std::set<std::string
   for (const std::string& name : names) {
     ParmName parts = splitName(name);
     ParmEntry* parm = database.findParm(parts.base);
-    if (parm != nullptr && parts.indices.size() == parm->parm->indices().size()) {
+    if (parm != nullptr && parts.indices.size() == parm->parm.indices().size()) {
       instances.push_back({parm, std::move(parts.indices)});
     }
   }
@@ -57,7 +57,7 @@ Plan planQuery(const std::vector<Instance>& instances, uint32_t startLevel, Stag
   for (const Instance& instance : instances) {
     if (instance.parm->level >= startLevel) {
       StagedEntry& entry = scratch.stage(*instance.parm, instance.indices, true);
-      plan.push_back({instance.parm->level, &entry});
+      plan.push_back({instance.parm->level, instance.parm->rank, &entry});
     }
   }
   sortPlan(plan);
@@ -109,7 +109,7 @@ int rangeOfTarget(StagedEntry& target, const StagedValues& scratch, BoundsParm& 
   if (evaluateEntry(target, scratch) != RANGE_FOUND) {
     return RANGE_REFUSED;
   }
-  const ParmDef& parm = *target.parm->parm;
+  const ParmDef& parm = target.parm->parm;
   Situation situation = gather(*target.parm, target.indices, scratch);
   for (size_t i = 0; i < target.indices.size(); ++i) {
     parm.bindIndex(situation, i, target.indices[i]);

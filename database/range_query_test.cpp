@@ -27,7 +27,7 @@ class RangeQueryTest : public testing::Test {
 
   void commitAll() {
     Texts changed;
-    EXPECT_EQ(commit(transaction_, changed), COMMIT_DONE);
+    EXPECT_EQ(commitNames(transaction_, changed), COMMIT_DONE);
   }
 
   // The range as a client would write it, or the code.
@@ -214,7 +214,7 @@ std::string stateOf(Database& database, const Transaction& transaction) {
     const ParmEntry& parm = *database.findParm("p" + std::to_string(p));
     for (const IndexTuple& indices : {IndexTuple{}, {"0"}, {"1"}, {"2"}}) {
       const StagedEntry* staged = transaction.staged().find(parm, indices);
-      state += parm.parm->committedText(indices) + "/" +
+      state += parm.parm.committedText(indices) + "/" +
                (staged == nullptr ? "-" : staged->value.text() + (staged->status ? "s" : "c")) +
                " ";
     }
@@ -233,13 +233,13 @@ TEST(RangeQueries, ChangeNothing) {
     Transaction transaction(database);
     for (int step = 0; step < 20; ++step) {
       std::string name = "p" + std::to_string(random() % 6);
-      if (!database.findParm(name)->parm->indices().empty()) {
+      if (!database.findParm(name)->parm.indices().empty()) {
         name += "[" + std::to_string(random() % 3) + "]";
       }
       static_cast<void>(transaction.set(name, std::to_string(random() % 12), random() % 2 == 0));
       if (random() % 5 == 0) {
         Texts changed;
-        static_cast<void>(commit(transaction, changed));
+        static_cast<void>(commitNames(transaction, changed));
       }
       const std::string before = stateOf(database, transaction);
       BoundsParm bounds;

@@ -6,56 +6,78 @@
 
 #include "sw/parm/parm_name.h"
 
-std::string fullName(const StagedEntry& entry) {
-  return fullName(entry.parm->parm->name(), entry.indices);
+namespace {
+
+size_t hashOf(const ParmEntry& parm, const IndexTuple& indices) {
+  constexpr size_t SPREAD = 0x9e3779b97f4a7c15U;  // 2^64 divided by the golden ratio
+  size_t hash = (parm.rank + 1) * SPREAD;
+  for (const std::string& value : indices) {
+    hash = (hash ^ std::hash<std::string>{}(value)) * SPREAD;
+  }
+  return hash >> 32U;
 }
 
-size_t StagedValues::KeyHash::operator()(const Key& key) const {
-  constexpr size_t spread = 0x9e3779b97f4a7c15U;  // 2^64 divided by the golden ratio
-  return std::hash<const ParmEntry*>{}(key.parm) * spread ^ std::hash<std::string>{}(key.suffix);
+}  // namespace
+
+std::string fullName(const StagedEntry& entry) {
+  return fullName(entry.parm->parm.name(), entry.indices);
+}
+
+const std::string& committedText(const StagedEntry& entry) {
+  return entry.held != nullptr ? entry.held->value.text()
+                               : entry.parm->parm.committedText(entry.indices);
+}
+
+std::optional<uint32_t> StagedValues::positionOf(const ParmEntry& parm, const IndexTuple& indices,
+                                                 size_t hash) const {
+  return positions_.find(hash, [&](uint32_t position) {
+    const StagedEntry& entry = entries_[position];
+    return entry.parm == &parm && entry.indices == indices;
+  });
 }
 
 const StagedEntry* StagedValues::find(const ParmEntry& parm, const IndexTuple& indices) const {
   if (!entries_.empty()) {
-    const auto found = entries_.find(Key{&parm, indexSuffix(indices)});
-    if (found != entries_.end()) {
-      return &found->second;
+    const std::optional<uint32_t> here = positionOf(parm, indices, hashOf(parm, indices));
+    if (here) {
+      return &entries_[*here];
     }
   }
   return below_ == nullptr ? nullptr : below_->find(parm, indices);
 }
 
 StagedEntry& StagedValues::stage(ParmEntry& parm, const IndexTuple& indices, bool generated) {
-  const auto [place, isNew] = entries_.try_emplace(Key{&parm, indexSuffix(indices)});
-  if (isNew) {
-    // Where memory is exhausted, half an entry must not stay.
-    try {
-      fill(place->second, parm, indices, generated);
-    } catch (...) {
-      entries_.erase(place);
-      throw;
-    }
+  const size_t hash = hashOf(parm, indices);
+  if (const std::optional<uint32_t> known = positionOf(parm, indices, hash)) {
+    return entries_[*known];
   }
-  return place->second;
+  // Where memory is exhausted, half an entry must not stay.
+  positions_.makeRoom();
+  entries_.push_back(made(parm, indices, generated));
+  positions_.add(hash, static_cast<uint32_t>(entries_.size() - 1));
+  return entries_.back();
 }
 
-void StagedValues::fill(StagedEntry& entry, ParmEntry& parm, const IndexTuple& indices,
-                        bool generated) const {
-  const StagedEntry* below = below_ == nullptr ? nullptr : below_->find(parm, indices);
+StagedEntry StagedValues::made(ParmEntry& parm, const IndexTuple& indices, bool generated) const {
+  const StagedEntry* const below = below_ == nullptr ? nullptr : below_->find(parm, indices);
   if (below != nullptr) {
-    entry = *below;
-    return;
+    return *below;
   }
+  StagedEntry entry;
   entry.parm = &parm;
   entry.indices = indices;
   entry.generated = generated;
-  entry.value.set(parm.parm->committedText(indices));
+  entry.held = parm.parm.committed(indices);
+  if (entry.held != nullptr) {
+    entry.value = entry.held->value;
+  }
+  return entry;
 }
 
 std::vector<StagedEntry*> StagedValues::inNameOrder() {
   std::vector<std::pair<std::string, StagedEntry*>> named;
   named.reserve(entries_.size());
-  for (auto& [key, entry] : entries_) {
+  for (StagedEntry& entry : entries_) {
     named.emplace_back(fullName(entry), &entry);
   }
   std::sort(named.begin(), named.end());
@@ -67,18 +89,21 @@ std::vector<StagedEntry*> StagedValues::inNameOrder() {
   return entries;
 }
 
-void StagedValues::clear() { entries_ = {}; }
+void StagedValues::clear() {
+  entries_ = {};
+  positions_.clear();
+}
 
 Operand StagedValues::value(const ParmEntry& parm, const IndexTuple& indices) const {
   const StagedEntry* staged = find(parm, indices);
   if (staged != nullptr) {
     return staged->value.operand();
   }
-  const CommittedValue* committed = parm.parm->committed(indices);
+  const CommittedValue* committed = parm.parm.committed(indices);
   return committed == nullptr ? operandOf("") : committed->value.operand();
 }
 
 const std::string& StagedValues::text(const ParmEntry& parm, const IndexTuple& indices) const {
   const StagedEntry* staged = find(parm, indices);
-  return staged != nullptr ? staged->value.text() : parm.parm->committedText(indices);
+  return staged != nullptr ? staged->value.text() : parm.parm.committedText(indices);
 }

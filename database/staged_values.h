@@ -2,11 +2,13 @@
 // parameters.
 #pragma once
 
+#include <deque>
+#include <optional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "database/database.h"
+#include "deflang/position_table.h"
 #include "sw/parm/index_tuple.h"
 #include "sw/parm/value_text.h"
 
@@ -15,13 +17,17 @@ struct StagedEntry {
   ParmEntry* parm = nullptr;
   IndexTuple indices;
   ValueText value;
-  bool reset = false;      ///< to be replaced by the default at commit
-  bool status = true;      ///< the force argument of setValue
-  bool generated = false;  ///< made by a commit or a range query, not by a client
+  CommittedValue* held = nullptr;  ///< where the committed value is; null while none was known
+  bool reset = false;              ///< to be replaced by the default at commit
+  bool status = true;              ///< the force argument of setValue
+  bool generated = false;          ///< made by a commit or a range query, not by a client
 };
 
 /// The full name of a staged entry.
 std::string fullName(const StagedEntry& entry);
+
+/// What the instance of a staged entry holds, the empty text where it was never stored.
+const std::string& committedText(const StagedEntry& entry);
 
 class StagedValues {
  public:
@@ -44,18 +50,11 @@ class StagedValues {
   [[nodiscard]] const std::string& text(const ParmEntry& parm, const IndexTuple& indices) const;
 
  private:
-  struct Key {
-    const ParmEntry* parm;
-    std::string suffix;
-    bool operator==(const Key&) const = default;
-  };
-  struct KeyHash {
-    size_t operator()(const Key& key) const;
-  };
-
-  // Makes a new entry of stage().
-  void fill(StagedEntry& entry, ParmEntry& parm, const IndexTuple& indices, bool generated) const;
+  [[nodiscard]] std::optional<uint32_t> positionOf(const ParmEntry& parm, const IndexTuple& indices,
+                                                   size_t hash) const;
+  [[nodiscard]] StagedEntry made(ParmEntry& parm, const IndexTuple& indices, bool generated) const;
 
   const StagedValues* below_;
-  std::unordered_map<Key, StagedEntry, KeyHash> entries_;
+  std::deque<StagedEntry> entries_;
+  PositionTable positions_;
 };

@@ -18,7 +18,7 @@ class StagedValuesTest : public testing::Test {
     define(database_, TEXT);
     gain_ = database_.findParm("gain");
     mode_ = database_.findParm("mode");
-    gain_->parm->store({"1"}, "7");
+    gain_->parm.store({"1"}, "7");
   }
 
   Database database_;

@@ -7,7 +7,9 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "database/commit.h"
 #include "database/database.h"
 #include "deflang/definition_parser.h"
 #include "deflang/diagnostics.h"
@@ -36,4 +38,12 @@ inline void define(Database& database, std::string_view text, const Constants& c
                        << (diagnostics.diagnostics().empty()
                                ? 0
                                : diagnostics.diagnostics().front().code);
+}
+
+/// Commits, and adds the names of what is to be reported to `names`.
+inline int commitNames(Transaction& transaction, std::vector<std::string>& names) {
+  std::vector<Change> changes;
+  const int result = commit(transaction, changes);
+  for (const Change& change : changes) names.push_back(change.name);
+  return result;
 }

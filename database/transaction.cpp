@@ -7,7 +7,7 @@ int Transaction::set(std::string_view name, const std::string& value, bool statu
   if (entry == nullptr) {
     return STAGE_INVALID_NAME;
   }
-  if (!entry->parm->parm->checkBase(value)) {
+  if (!entry->parm->parm.checkBase(value)) {
     return STAGE_INVALID_VALUE;
   }
   entry->reset = false;
@@ -30,22 +30,29 @@ int Transaction::get(std::string_view name, std::string& value) const {
   if (name == THIS_VALUE) {
     return 2;
   }
-  const ParmEntry* parm = database_.findParm(baseName(name));
-  if (parm != nullptr) {
-    value = staged_.text(*parm, splitName(name).indices);
-    return 0;
-  }
-  const std::string* constant = database_.findConstant(name);
-  if (constant == nullptr) {
+  const std::string* const found = find(name);
+  if (found == nullptr) {
     return 1;
   }
-  value = *constant;
+  value = *found;
   return 0;
+}
+
+const std::string* Transaction::find(std::string_view name) const {
+  if (name == THIS_VALUE) {
+    return nullptr;
+  }
+  const std::string_view base = baseName(name);
+  const ParmEntry* const parm = database_.findParm(base);
+  if (parm == nullptr) {
+    return database_.findConstant(name);
+  }
+  return &staged_.text(*parm, base == name ? IndexTuple{} : splitName(name).indices);
 }
 
 bool Transaction::validate(std::string_view name, const std::string& value) const {
   const ParmEntry* parm = database_.findParm(baseName(name));
-  return parm != nullptr && parm->parm->checkBase(value);
+  return parm != nullptr && parm->parm.checkBase(value);
 }
 
 StagedEntry* Transaction::stage(std::string_view name) {

@@ -31,6 +31,8 @@ class Transaction {
   /// Returns 0, 1 for a name that is neither, or 2 for "sw::this", which is never looked up;
   /// `value` is then left alone.
   int get(std::string_view name, std::string& value) const;
+  /// The same value where it is, or null. It holds until something is staged or stored.
+  [[nodiscard]] const std::string* find(std::string_view name) const;
   /// Whether the base bounds of the parameter `name` accept `value`; false without such a
   /// parameter.
   [[nodiscard]] bool validate(std::string_view name, const std::string& value) const;

@@ -80,7 +80,7 @@ TEST_F(TransactionTest, ReadsStagedThenCommittedThenConstants) {
   EXPECT_EQ(get(transaction_, "gain[1][2]"), "");
   EXPECT_EQ(transaction_.set("mode", "off", false), STAGE_DONE);
   std::vector<std::string> changed;
-  EXPECT_EQ(commit(transaction_, changed), COMMIT_DONE);
+  EXPECT_EQ(commitNames(transaction_, changed), COMMIT_DONE);
   EXPECT_EQ(get(transaction_, "mode"), "off");
   EXPECT_EQ(transaction_.set("mode", "auto", false), STAGE_DONE);
   EXPECT_EQ(get(transaction_, "mode"), "auto");

@@ -4,6 +4,7 @@
 
 #include "database/commit.h"
 #include "database/range_query.h"
+#include "database/test_database.h"
 #include "database/transaction.h"
 #include "deflang/system_log.h"
 #include "sw/parm/test_definitions.h"
@@ -23,7 +24,7 @@ class WalkedAgainTest : public testing::Test {
  protected:
   WalkedAgainTest() : redirection_([this](const std::string& line) { log_.push_back(line); }) {}
 
-  void define(const std::vector<ParmText>& parms) {
+  void defineByHand(const std::vector<ParmText>& parms) {
     for (const ParmText& parm : parms) {
       ASSERT_EQ(database_.registerParm(std::unique_ptr<ParmDef>(new ParmDef(makeParm(parm)))), 0);
     }
@@ -50,10 +51,10 @@ class WalkedAgainTest : public testing::Test {
 
 TEST_F(WalkedAgainTest, ALevelThatSettlesIsDone) {
   // The first walk commits b as 0, and the second finds a's second rule at rest.
-  define({PULLED, {.common = {.name = "b"}, .rules = {{"a != 9", "sw::this == 0", "0"}}}});
+  defineByHand({PULLED, {.common = {.name = "b"}, .rules = {{"a != 9", "sw::this == 0", "0"}}}});
   stage("a", "1");
   stage("b", "1");
-  EXPECT_EQ(commit(transaction_, changed_), COMMIT_DONE);
+  EXPECT_EQ(commitNames(transaction_, changed_), COMMIT_DONE);
   EXPECT_EQ(changed_, (Texts{"a", "b"}));
   EXPECT_EQ(value("a"), "5");
   EXPECT_EQ(value("b"), "0");
@@ -62,18 +63,18 @@ TEST_F(WalkedAgainTest, ALevelThatSettlesIsDone) {
 
 TEST_F(WalkedAgainTest, AnotherFailureEndsTheWalks) {
   // b's correction divides by 0.
-  define({PULLED, {.common = {.name = "b"}, .rules = {{"a != 9", "sw::this == 0", "1 / 0"}}}});
+  defineByHand({PULLED, {.common = {.name = "b"}, .rules = {{"a != 9", "sw::this == 0", "1 / 0"}}}});
   stage("b", "0");
-  EXPECT_EQ(commit(transaction_, changed_), COMMIT_DONE);
+  EXPECT_EQ(commitNames(transaction_, changed_), COMMIT_DONE);
   stage("a", "4");
   stage("b", "1");
-  EXPECT_EQ(commit(transaction_, changed_), COMMIT_INVALID_VALUE);
+  EXPECT_EQ(commitNames(transaction_, changed_), COMMIT_INVALID_VALUE);
   EXPECT_EQ(value("a"), "5");
   EXPECT_EQ(value("b"), "0");
 }
 
 TEST_F(WalkedAgainTest, ARangeQuerySettlesInTheSameWay) {
-  define({PULLED, {.common = {.name = "b"}, .rules = {{"a != 9", "sw::this == 0", "0"}}}});
+  defineByHand({PULLED, {.common = {.name = "b"}, .rules = {{"a != 9", "sw::this == 0", "0"}}}});
   stage("a", "1");
   stage("b", "1");
   BoundsParm range;
@@ -86,7 +87,7 @@ TEST_F(WalkedAgainTest, ATargetWhoseRuleStillFailsIsRefused) {
   // c, on the same level, ends the walks before a has settled: its correction divides by 0.
   ParmText pulled = PULLED;
   pulled.rules.front().condition = "c != 9";
-  define({pulled,
+  defineByHand({pulled,
           {.common = {.name = "b"}, .rules = {{"a != 9", "1", "0"}}},
           {.common = {.name = "c"}, .rules = {{"a != 9", "0", "1 / 0"}}}});
   stage("a", "1");

@@ -73,10 +73,10 @@ class Program::Evaluation {
  public:
   Evaluation(const Program& program, const SituationView& situation)
       : program_(program), situation_(situation) {
-    if (program_.depth_ <= SHALLOW_DEPTH) {
+    if (program.code_ == nullptr || program.code_->depth <= SHALLOW_DEPTH) {
       run(shallow_);
     } else {
-      deep_.resize(program_.depth_);
+      deep_.resize(program.code_->depth);
       run(deep_.data());
     }
   }
@@ -87,13 +87,13 @@ class Program::Evaluation {
  private:
   void run(Held* stack) {
     Held* top = stack;  // the first free place
-    for (const Step& step : program_.steps_) {
+    for (const Step& step : program_.steps()) {
       switch (step.kind) {
         case TOKEN_NUMBER:
           (top++)->setNumber(step.value);
           break;
         case TOKEN_STRING:
-          (top++)->setText(program_.texts_[static_cast<size_t>(step.value)]);
+          (top++)->setText(program_.code_->texts[static_cast<size_t>(step.value)]);
           break;
         case TOKEN_VARIABLE:
           (top++)->setOperand(situation_[static_cast<uint32_t>(step.value)]);
@@ -165,41 +165,51 @@ int Program::compile(const Expression& expression, Variables& variables, Program
   out = Program();
   std::vector<const Token*> order;
   if (const int failed = postfixOrder(expression, order); failed != 0) return failed;
+  if (order.size() == 1 && order.front()->kind != TOKEN_STRING) {
+    std::vector<std::string> noTexts;
+    out.single_ = stepOf(*order.front(), noTexts, variables);
+    return 0;
+  }
+  auto code = std::make_unique<Code>();
+  code->steps.reserve(order.size());
   uint32_t held = 0;
   for (const Token* token : order) {
     held = isOperator(token->kind) ? held - 1 : held + 1;
-    out.depth_ = std::max(out.depth_, held);
-    out.steps_.push_back({token->kind, out.stepValue(*token, variables)});
+    code->depth = std::max(code->depth, held);
+    code->steps.push_back(stepOf(*token, code->texts, variables));
   }
+  out.code_ = std::move(code);
   return 0;
 }
 
-int32_t Program::stepValue(const Token& token, Variables& variables) {
+Program::Step Program::stepOf(const Token& token, std::vector<std::string>& texts,
+                              Variables& variables) {
   switch (token.kind) {
     case TOKEN_NUMBER:
-      return token.number;
+      return {TOKEN_NUMBER, token.number};
     case TOKEN_STRING:
-      texts_.push_back(token.text);
-      return static_cast<int32_t>(texts_.size() - 1);
+      texts.push_back(token.text);
+      return {TOKEN_STRING, static_cast<int32_t>(texts.size() - 1)};
     case TOKEN_VARIABLE:
-      return static_cast<int32_t>(variables.slot(token.text));
+      return {TOKEN_VARIABLE, static_cast<int32_t>(variables.slot(token.text))};
     default:
-      return 0;  // of no use to an operator
+      return {token.kind, 0};
   }
 }
 
 Program Program::constant(int32_t number) {
   Program program;
-  program.steps_.push_back({TOKEN_NUMBER, number});
-  program.depth_ = 1;
+  program.single_ = {TOKEN_NUMBER, number};
   return program;
 }
 
 Program Program::constant(std::string text) {
+  auto code = std::make_unique<Code>();
+  code->steps.push_back({TOKEN_STRING, 0});
+  code->texts.push_back(std::move(text));
+  code->depth = 1;
   Program program;
-  program.steps_.push_back({TOKEN_STRING, 0});
-  program.texts_.push_back(std::move(text));
-  program.depth_ = 1;
+  program.code_ = std::move(code);
   return program;
 }
 
@@ -219,6 +229,7 @@ bool Program::isTrue(const SituationView& situation) const {
 }
 
 bool Program::usesVariables() const {
-  return std::any_of(steps_.begin(), steps_.end(),
+  const std::span<const Step> all = steps();
+  return std::any_of(all.begin(), all.end(),
                      [](const Step& step) { return step.kind == TOKEN_VARIABLE; });
 }

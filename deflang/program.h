@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -38,20 +40,32 @@ class Program {
   [[nodiscard]] Value evaluate(const SituationView& situation) const;
   /// Whether the value in a situation is valid and true.
   [[nodiscard]] bool isTrue(const SituationView& situation) const;
-  [[nodiscard]] bool empty() const { return steps_.empty(); }
+  [[nodiscard]] bool empty() const { return single_.kind == NO_STEP && code_ == nullptr; }
   [[nodiscard]] bool usesVariables() const;
 
  private:
+  static constexpr int32_t NO_STEP = -1;
   // One step: an operator's code, or an operand's kind with its number, or the place of its text
-  // in texts_, or its slot.
+  // among the texts, or its slot.
   struct Step {
-    int32_t kind;
-    int32_t value;
+    int32_t kind = NO_STEP;
+    int32_t value = 0;
+  };
+  struct Code {
+    std::vector<Step> steps;
+    std::vector<std::string> texts;
+    uint32_t depth = 0;  // operands held at once, at the most
   };
   class Evaluation;
-  // What the step of `token` holds; a string's text is kept, a variable gets its slot.
-  int32_t stepValue(const Token& token, Variables& variables);
-  std::vector<Step> steps_;
-  std::vector<std::string> texts_;
-  uint32_t depth_ = 0;  // operands held at once, at the most
+
+  // The step of `token`; a string's text is kept in `texts`, a variable gets its slot.
+  static Step stepOf(const Token& token, std::vector<std::string>& texts, Variables& variables);
+  [[nodiscard]] std::span<const Step> steps() const {
+    if (code_ != nullptr) return code_->steps;
+    return {&single_, empty() ? 0U : 1U};
+  }
+
+  // Most programs are one number or one variable, and need nothing else.
+  Step single_;
+  std::unique_ptr<const Code> code_;
 };

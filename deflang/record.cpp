@@ -3,21 +3,21 @@
 #include <algorithm>
 
 const ParameterRecord* ParameterRecords::find(std::string_view name) const {
-  const auto found = byName_.find(name);
-  return found == byName_.end() ? nullptr : found->second;
+  const std::optional<uint32_t> found = names_.find(name);
+  return found ? &records_[*found] : nullptr;
 }
 
 ParameterRecord* ParameterRecords::find(std::string_view name) {
-  const auto found = byName_.find(name);
-  return found == byName_.end() ? nullptr : found->second;
+  const std::optional<uint32_t> found = names_.find(name);
+  return found ? &records_[*found] : nullptr;
 }
 
 ParameterRecord& ParameterRecords::findOrAdd(std::string_view name, uint32_t line) {
   if (ParameterRecord* const known = find(name)) return *known;
+  names_.add(name);
   ParameterRecord& record = records_.emplace_back();
   record.name = name;
   record.line = line;
-  byName_.emplace(record.name, &record);
   return record;
 }
 
@@ -25,7 +25,12 @@ std::vector<const ParameterRecord*> ParameterRecords::inNameOrder() const {
   std::vector<const ParameterRecord*> sorted;
   sorted.reserve(records_.size());
   for (const ParameterRecord& record : records_) sorted.push_back(&record);
-  std::sort(sorted.begin(), sorted.end(),
-            [](const ParameterRecord* a, const ParameterRecord* b) { return a->name < b->name; });
+  const auto comesBefore = [](const ParameterRecord* a, const ParameterRecord* b) {
+    return a->name < b->name;
+  };
+  // Many texts are in order already.
+  if (!std::is_sorted(sorted.begin(), sorted.end(), comesBefore)) {
+    std::sort(sorted.begin(), sorted.end(), comesBefore);
+  }
   return sorted;
 }

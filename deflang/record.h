@@ -6,9 +6,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
+#include "deflang/name_table.h"
 #include "deflang/token.h"
 
 /// The word after the name.
@@ -90,5 +90,5 @@ class ParameterRecords {
 
  private:
   std::deque<ParameterRecord> records_;
-  std::unordered_map<std::string_view, ParameterRecord*> byName_;  // views of the records' names
+  NameTable names_;
 };

@@ -1,7 +1,6 @@
 #include "deflang/variables.h"
 
 #include <algorithm>
-#include <bit>
 #include <functional>
 
 #include "deflang/number.h"
@@ -12,8 +11,7 @@ namespace {
 // Up to here a walk over the names is as fast as the table, and it needs no memory.
 constexpr size_t MAX_WALKED_NAMES = 16;
 
-// How many places the table has at least for each name.
-constexpr size_t PLACES_PER_NAME = 2;
+size_t hashOf(std::string_view name) { return std::hash<std::string_view>{}(name); }
 
 }  // namespace
 
@@ -34,36 +32,20 @@ uint32_t Variables::slot(const std::string& name) {
   if (const std::optional<uint32_t> known = find(name)) return *known;
   const auto added = static_cast<uint32_t>(names_.size());
   names_.push_back(name);
-  if (names_.size() > std::max(MAX_WALKED_NAMES, table_.size() / PLACES_PER_NAME)) {
-    growTable();
-  } else if (!table_.empty()) {
-    table_[placeOf(name)] = added + 1;
+  if (names_.size() == MAX_WALKED_NAMES + 1) {
+    for (uint32_t slot = 0; slot < added; ++slot) table_.change().add(hashOf(names_[slot]), slot);
   }
+  if (names_.size() > MAX_WALKED_NAMES) table_.change().add(hashOf(name), added);
   return added;
 }
 
 std::optional<uint32_t> Variables::find(std::string_view name) const {
-  if (!table_.empty()) {
-    const uint32_t entry = table_[placeOf(name)];
-    if (entry == 0) return std::nullopt;
-    return entry - 1;
+  if (names_.size() > MAX_WALKED_NAMES) {
+    return table_->find(hashOf(name), [&](uint32_t slot) { return names_[slot] == name; });
   }
   const auto found = std::find(names_.begin(), names_.end(), name);
   if (found == names_.end()) return std::nullopt;
   return static_cast<uint32_t>(found - names_.begin());
-}
-
-// Where `name` is in the table, or else would be.
-size_t Variables::placeOf(std::string_view name) const {
-  const size_t mask = table_.size() - 1;
-  size_t place = std::hash<std::string_view>{}(name)&mask;
-  while (table_[place] != 0 && names_[table_[place] - 1] != name) place = (place + 1) & mask;
-  return place;
-}
-
-void Variables::growTable() {
-  table_.assign(std::bit_ceil(names_.size()) * PLACES_PER_NAME, 0);
-  for (uint32_t slot = 0; slot < names_.size(); ++slot) table_[placeOf(names_[slot])] = slot + 1;
 }
 
 void dumpVariables(const Variables& variables, const Situation& situation) {

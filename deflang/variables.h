@@ -4,12 +4,16 @@
 // number, its slot. A situation is one value for each slot.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "deflang/position_table.h"
+#include "deflang/seldom.h"
 
 /// What an operand is. The numbers are those of the tokens.
 enum operandKind_t : int32_t {
@@ -44,26 +48,31 @@ class Variables {
   [[nodiscard]] size_t size() const { return names_.size(); }
 
  private:
-  [[nodiscard]] size_t placeOf(std::string_view name) const;
-  void growTable();
-
   std::vector<std::string> names_;
-  // Slots plus 1, each at the place that its name's hash points at or the next free one; 0 where
-  // nothing is. Only where there are so many names that a walk over them would show. An index with
-  // many names hands them to every parameter that it indexes, so a name must not be kept twice.
-  std::vector<uint32_t> table_;
+  // Only where there are so many names that a walk over them would show. An index with many names
+  // hands them to every parameter that it indexes, so a name must not be kept twice.
+  Seldom<PositionTable> table_;
 };
 
 /// The values of a definition's variables at one moment, by slot. A fresh one holds none.
 class Situation {
  public:
-  explicit Situation(size_t slots) : values_(slots) {}
-  void bind(uint32_t slot, const Operand& value) { values_[slot] = value; }
-  [[nodiscard]] const Operand& operator[](uint32_t slot) const { return values_[slot]; }
-  [[nodiscard]] size_t size() const { return values_.size(); }
+  explicit Situation(size_t slots) : size_(slots), many_(slots > FEW ? slots : 0) {}
+  void bind(uint32_t slot, const Operand& value) {
+    (size_ > FEW ? many_.data() : few_.data())[slot] = value;
+  }
+  [[nodiscard]] const Operand& operator[](uint32_t slot) const {
+    return (size_ > FEW ? many_.data() : few_.data())[slot];
+  }
+  [[nodiscard]] size_t size() const { return size_; }
 
  private:
-  std::vector<Operand> values_;
+  // Few definitions use more names; they do without an allocation.
+  static constexpr size_t FEW = 4;
+
+  size_t size_;
+  std::array<Operand, FEW> few_;
+  std::vector<Operand> many_;
 };
 
 /// A situation as one definition's expressions see it. An index definition is judged in the

@@ -90,7 +90,7 @@ void CommitWatch::expectSettled() const {
 }
 
 bool CommitWatch::isExempt(const std::string& name, const Instance& instance) const {
-  const ParmDef& parm = *instance.parm->parm;
+  const ParmDef& parm = instance.parm->parm;
   const std::string& value = committedText(instance);
   const Situation situation = committedSituation(instance);
   return isTranslated(parm, value) || isNumberAmongTexts(parm, situation, value) ||
@@ -104,7 +104,7 @@ bool CommitWatch::isExempt(const std::string& name, const Instance& instance) co
 bool CommitWatch::wasRefusedToClient(const std::string& name, const Instance& instance) const {
   const auto staged = statusOfStaged_.find(name);
   return staged != statusOfStaged_.end() && !staged->second &&
-         instance.parm->parm->isReadOnly(committedSituation(instance));
+         instance.parm->parm.isReadOnly(committedSituation(instance));
 }
 
 // Parameters that refer to each other, or a parameter to itself, share a level and are evaluated

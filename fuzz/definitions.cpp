@@ -104,7 +104,7 @@ void askIndices(Database& database, const Transaction& transaction, const ParmDe
 // Whatever the answers are, there is one for every parameter.
 void askAll(Database& database, const Transaction& transaction) {
   for (const ParmEntry* entry : database.parmsInNameOrder()) {
-    const ParmDef& parm = *entry->parm;
+    const ParmDef& parm = entry->parm;
     const std::string instance = firstInstance(parm);
     std::string value;
     demand(transaction.get(instance, value) == 0, "no value of ", instance);
@@ -122,12 +122,12 @@ void askAll(Database& database, const Transaction& transaction) {
 void bringUp(Database& database, Transaction& transaction) {
   uint64_t instances = 0;
   for (const ParmEntry* entry : database.parmsInNameOrder()) {
-    instances += instanceCount(*entry->parm);
-    demand(transaction.reset(firstInstance(*entry->parm), true) == STAGE_DONE, "no reset");
+    instances += instanceCount(entry->parm);
+    demand(transaction.reset(firstInstance(entry->parm), true) == STAGE_DONE, "no reset");
   }
   if (instances > MAX_INSTANCES) return;
-  std::vector<std::string> changed;
-  static_cast<void>(commit(transaction, changed));
+  std::vector<Change> changes;
+  static_cast<void>(commit(transaction, changes));
   demand(transaction.staged().empty(), "a commit left something staged");
 }
 

@@ -44,20 +44,20 @@ struct CountingBounds {
 }  // namespace
 
 void addInstance(Instances& instances, ParmEntry& parm, const IndexTuple& indices) {
-  instances.try_emplace(fullName(parm.parm->name(), indices), Instance{&parm, indices});
+  instances.try_emplace(fullName(parm.parm.name(), indices), Instance{&parm, indices});
 }
 
 void addAllInstances(Instances& instances, Database& database, ParmEntry& parm) {
-  forEachInstance(database, *parm.parm,
+  forEachInstance(database, parm.parm,
                   [&](const IndexTuple& indices) { addInstance(instances, parm, indices); });
 }
 
 const std::string& committedText(const Instance& instance) {
-  return instance.parm->parm->committedText(instance.indices);
+  return instance.parm->parm.committedText(instance.indices);
 }
 
 Situation committedSituation(const Instance& instance) {
-  const ParmDef& parm = *instance.parm->parm;
+  const ParmDef& parm = instance.parm->parm;
   Situation situation = gather(*instance.parm, instance.indices, NOTHING_STAGED);
   const size_t pairs = std::min(instance.indices.size(), parm.indices().size());
   for (size_t i = 0; i < pairs; ++i) parm.bindIndex(situation, i, instance.indices[i]);
@@ -65,7 +65,7 @@ Situation committedSituation(const Instance& instance) {
 }
 
 bool isWithinBounds(const Instance& instance) {
-  const ParmDef& parm = *instance.parm->parm;
+  const ParmDef& parm = instance.parm->parm;
   const std::string& value = committedText(instance);
   const CountingBounds counting(parm, committedSituation(instance));
   const bool inAny = std::any_of(counting.bounds.begin(), counting.bounds.end(),

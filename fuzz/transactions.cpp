@@ -96,12 +96,12 @@ class Script {
   std::string pickName() {
     ParmEntry& parm = *parms_[input_.below(static_cast<uint32_t>(parms_.size()))];
     IndexTuple indices;
-    for (const IndexDef* index : parm.parm->indices()) {
+    for (const IndexDef* index : parm.parm.indices()) {
       indices.emplace_back(index->name() == "i" ? input_.pick(NUMBER_INDICES)
                                                 : input_.pick(TEXT_INDICES));
     }
     addInstance(instances_, parm, indices);
-    return fullName(parm.parm->name(), indices);
+    return fullName(parm.parm.name(), indices);
   }
 
   static std::string valueOf(const Transaction& transaction, const std::string& name) {
@@ -142,32 +142,32 @@ class Script {
   void runCommit(Transaction& transaction) {
     const RangeWatch range(database_, transaction.staged(), pickName());
     const CommitWatch watch(database_, transaction.staged(), instances_);
-    std::vector<std::string> changed;
-    const int result = commit(transaction, changed);
+    std::vector<Change> changes;
+    const int result = commit(transaction, changes);
     trace("commit -> ", std::to_string(result), "\n", isTracing() ? committedState() : "");
     demand(
         result == COMMIT_DONE || result == COMMIT_INVALID_VALUE || result == COMMIT_INVALID_INDEX,
         "commit returned ", std::to_string(result));
     demand(transaction.staged().empty(), "a commit left something staged");
     watch.expectOnlyPlannedChanged(instances_);
-    expectAnnounced(changed, watch);
+    expectAnnounced(changes, watch);
     if (result != COMMIT_DONE) return;
     watch.expectSettled();
     range.expectForetold();
   }
 
   static bool isHeld(const Instance& instance) {
-    return instance.parm->parm->committed(instance.indices) != nullptr;
+    return instance.parm->parm.committed(instance.indices) != nullptr;
   }
 
   // Each name once, and only with a reason; then what get says of every instance is what the
   // signals have said of it. A stored "rostrict" value is told to nobody.
-  void expectAnnounced(const std::vector<std::string>& changed, const CommitWatch& watch) {
+  void expectAnnounced(const std::vector<Change>& changes, const CommitWatch& watch) {
     const Transaction fresh(database_);
-    for (size_t i = 0; i < changed.size(); ++i) {
-      const std::string& name = changed[i];
-      demand(i == 0 || changed[i - 1] < name, name, " is announced out of order");
-      const ParmDef& parm = *instances_.at(name).parm->parm;
+    for (size_t i = 0; i < changes.size(); ++i) {
+      const std::string& name = changes[i].name;
+      demand(i == 0 || changes[i - 1].name < name, name, " is announced out of order");
+      const ParmDef& parm = instances_.at(name).parm->parm;
       const std::string value = valueOf(fresh, name);
       demand(parm.mode() != MODE_ROSTRICT, "a rostrict parameter is announced: ", name);
       // What was staged may be evaluated on level 0 and on its own level, to and fro.
@@ -177,7 +177,7 @@ class Script {
       announced_[name] = value;
     }
     for (const auto& [name, instance] : instances_) {
-      if (instance.parm->parm->mode() == MODE_ROSTRICT) continue;
+      if (instance.parm->parm.mode() == MODE_ROSTRICT) continue;
       const auto announced = announced_.find(name);
       const bool isAnnounced = announced != announced_.end();
       demand(valueOf(fresh, name) == (isAnnounced ? announced->second : ""), name,
@@ -211,7 +211,7 @@ class Script {
     demand(range.isConsistent(), "no proper range of ", name);
     std::set<std::string> names;
     static_cast<void>(dependencies(database_, name, true, names));
-    const ParmDef& parm = *instances_.at(name).parm->parm;
+    const ParmDef& parm = instances_.at(name).parm->parm;
     const std::vector<std::string> valid = validIndices(database_, staged, parm);
     demand(valid.size() <= parm.indices().size(), "more indices than there are");
     for (const IndexDef* index : parm.indices()) {
@@ -225,7 +225,7 @@ class Script {
   std::string committedState() const {
     std::string state;
     for (const auto& [name, instance] : instances_) {
-      const CommittedValue* const value = instance.parm->parm->committed(instance.indices);
+      const CommittedValue* const value = instance.parm->parm.committed(instance.indices);
       state += name + (value == nullptr ? " -" : "=" + value->value.text()) +
                (value != nullptr && value->announced ? " announced" : "") + "\n";
     }

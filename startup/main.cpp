@@ -1,4 +1,5 @@
 // The program: the order of start-up, nothing else.
+#include <malloc.h>
 #include "database/database.h"
 #include "startup/command_line.h"
 #include "startup/constants.h"
@@ -17,5 +18,6 @@ int main(int argc, char** argv) {
   });
   const int result = readDefinitions(stdin, database);
   if (result != 0) return result;
+  malloc_trim(0);
   return runService(database, commandLine.busSuffix, commandLine.daemonize, commandLine.pathSuffix);
 }

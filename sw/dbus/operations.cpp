@@ -4,6 +4,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "database/commit.h"
@@ -21,6 +22,12 @@ namespace {
 const char* const VALUES = "parmValue";
 const char* const TEXT_RANGE = "idxStrRange";
 const char* const DEPENDENCIES = "parmDep";
+
+// An unknown name reads as the empty text.
+std::string_view textOf(const Transaction& transaction, const char* name) {
+  const std::string* const text = transaction.find(name);
+  return text == nullptr ? std::string_view("") : *text;
+}
 
 template <typename Texts>
 int packTexts(const char* what, const Texts& texts, char*** reply) {
@@ -46,10 +53,7 @@ int packRange(const Texts& texts, const Spans& spans, char*** textReply, GPtrArr
 }  // namespace
 
 int getText(Transaction& transaction, const char* name, char** value) {
-  std::string text;
-  // An unknown name reads as the empty text.
-  static_cast<void>(transaction.get(name, text));
-  char* reply = newText(text);
+  char* reply = newText(textOf(transaction, name));
   if (bytesInMessage(reply) > MAX_MESSAGE_BYTES) {
     g_free(reply);
     return INTERNAL_ERROR;
@@ -61,9 +65,7 @@ int getText(Transaction& transaction, const char* name, char** value) {
 int getTexts(Transaction& transaction, uint32_t count, char** names, char*** values) {
   TextList list(VALUES);
   for (uint32_t i = 0; i < count && names[i] != nullptr; ++i) {
-    std::string text;
-    static_cast<void>(transaction.get(names[i], text));
-    list.add(text);
+    list.add(textOf(transaction, names[i]));
     if (list.bytes() > MAX_MESSAGE_BYTES) return INTERNAL_ERROR;
   }
   *values = list.release();
@@ -99,9 +101,9 @@ int resetAll(Transaction& transaction, char** names, bool status) {
 }
 
 int commitAndPublish(Transaction& transaction, ValueObject* object) {
-  std::vector<std::string> changed;
-  const int result = commit(transaction, changed);
-  publish(object, transaction.database(), changed);
+  std::vector<Change> changes;
+  const int result = commit(transaction, changes);
+  publish(object, changes);
   return result;
 }
 
@@ -147,9 +149,8 @@ int getRanges(Transaction& transaction, char** names, GPtrArray** texts, GPtrArr
 int getParmIndices(Transaction& transaction, const char* name, char*** indices) {
   const ParmEntry* entry = transaction.database().findParm(baseName(name));
   if (entry == nullptr) return PARAMETER_NOT_FOUND;
-  return packTexts(TEXT_RANGE,
-                   validIndices(transaction.database(), transaction.staged(), *entry->parm),
-                   indices);
+  return packTexts(
+      TEXT_RANGE, validIndices(transaction.database(), transaction.staged(), entry->parm), indices);
 }
 
 int getIndexRange(Transaction& transaction, const char* name, char*** texts, GPtrArray** spans) {

@@ -34,13 +34,12 @@ class Portion {
 
 }  // namespace
 
-void publish(ValueObject* object, Database& database, const std::vector<std::string>& names) {
-  const Transaction committed(database);
+void publish(ValueObject* object, const std::vector<Change>& changes) {
   Portion portion(object);
-  for (const std::string& name : names) {
-    std::string value;
-    if (committed.get(name, value) != 0) continue;
-    portion.add(newText(std::string(name).append("=").append(value)));
+  std::string text;
+  for (const Change& change : changes) {
+    text.assign(change.name).append("=").append(change.held->value.text());
+    portion.add(newText(text));
   }
   portion.emit();
 }

@@ -67,16 +67,21 @@ bool areOrdered(const Spans& spans) {
 }
 
 bool BoundsString::check(std::string& value, bool fix) const {
-  if (allowed_.empty() || allowed_.contains(value)) return true;
-  if (fix) value = correction_;
+  if (texts().empty() || texts().contains(value)) return true;
+  if (fix) value = correction();
   return false;
 }
 
 int BoundsString::addText(const std::string& text) {
   if (text.empty()) return 1;
-  if (correction_.empty()) correction_ = text;
-  allowed_.insert(text);
+  Entries& entries = entries_.change();
+  if (entries.correction.empty()) entries.correction = text;
+  entries.allowed.insert(text);
   return 0;
+}
+
+void BoundsString::clear() {
+  if (count() > 0) entries_.change().allowed.clear();
 }
 
 bool BoundsInteger::check(std::string& value, bool fix) const {
@@ -157,8 +162,9 @@ bool BoundsExpression::isConsistent() const {
   });
 }
 
-int BoundsExpression::evaluate(BoundsParm& out, const SituationView& situation) const {
-  for (const Item& item : items_) {
+int BoundsExpression::evaluate(BoundsParm& out, std::span<const Item> items,
+                               const SituationView& situation) {
+  for (const Item& item : items) {
     if (const int failed = addPresent(out, item, situation); failed != 0) return failed;
   }
   return 0;

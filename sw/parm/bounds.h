@@ -4,11 +4,13 @@
 #include <cstddef>
 #include <optional>
 #include <set>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "deflang/program.h"
+#include "deflang/seldom.h"
 
 /// What becomes of a number outside its range.
 enum overflow_t {
@@ -51,18 +53,21 @@ class BoundsString final : public Bounds {
  public:
   [[nodiscard]] bool check(std::string& value, bool fix) const override;
   [[nodiscard]] bool isConsistent() const override { return true; }
-  [[nodiscard]] size_t count() const override { return allowed_.size(); }
+  [[nodiscard]] size_t count() const override { return entries_->allowed.size(); }
   /// Empties the set; the correction stays.
-  void clear() override { allowed_.clear(); }
+  void clear() override;
   /// Adds `text`; the first text ever added is also the correction.
   /// Returns 0, or 1 for the empty text; nothing is then changed.
   int addText(const std::string& text);
-  [[nodiscard]] const std::set<std::string>& texts() const { return allowed_; }
-  [[nodiscard]] const std::string& correction() const { return correction_; }
+  [[nodiscard]] const std::set<std::string>& texts() const { return entries_->allowed; }
+  [[nodiscard]] const std::string& correction() const { return entries_->correction; }
 
  private:
-  std::string correction_;
-  std::set<std::string> allowed_;
+  struct Entries {
+    std::string correction;
+    std::set<std::string> allowed;
+  };
+  Seldom<Entries> entries_;
 };
 
 /// Integer spans, ascending, with at least one number left out between neighbours.
@@ -130,7 +135,11 @@ class BoundsExpression final : public Bounds {
   /// Returns 0; -1 when a lower or upper program is empty; -2 when a lower value is neither a
   /// number nor a text; -3 when a lower value with an upper one is no number; -4 when an upper
   /// value is no number; -5 when a lower value is greater than its upper one.
-  int evaluate(BoundsParm& out, const SituationView& situation) const;
+  int evaluate(BoundsParm& out, const SituationView& situation) const {
+    return evaluate(out, items_, situation);
+  }
+  /// The same for any items.
+  static int evaluate(BoundsParm& out, std::span<const Item> items, const SituationView& situation);
 
  private:
   std::vector<Item> items_;

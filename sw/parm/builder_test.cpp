@@ -201,7 +201,7 @@ TEST(Builder, TakesLargeTexts) {
   EXPECT_EQ(BuiltText(manyNames(COUNT)).result, -1);  // none of the names is defined
   const BuiltText built(manyStatements(COUNT));
   EXPECT_EQ(built.result, 0);
-  EXPECT_EQ(built.parm("p").conditionalBounds().at(0).bounds->count(), 2 * COUNT);
+  EXPECT_EQ(built.parm("p").conditionalBounds()[0].bounds->count(), 2 * COUNT);
 }
 
 }  // namespace

@@ -8,8 +8,6 @@
 
 namespace {
 
-const std::vector<ConditionalBounds> NO_BOUNDS;
-
 // The situation of the rules: the parameter's, with the value under test.
 class RuleSituation {
  public:
@@ -38,8 +36,9 @@ class RuleSituation {
 Constraints::Constraints(const ParmDef& parm, const Situation& situation)
     : parm_(parm),
       situation_(situation),
-      ranges_(parm.hasRunTimeRanges() ? parm.conditionalBounds() : NO_BOUNDS, situation,
-              UNUSABLE_DROPPED) {}
+      ranges_(
+          parm.hasRunTimeRanges() ? parm.conditionalBounds() : std::span<const ConditionalBounds>(),
+          situation, UNUSABLE_DROPPED) {}
 
 bool Constraints::apply() const {
   return ranges_.hasComputed() ||

@@ -5,7 +5,7 @@
 
 #include "sw/parm/present_bounds.h"
 
-void noteKinds(std::vector<ConditionalBounds>& list) {
+void noteKinds(std::span<ConditionalBounds> list) {
   for (ConditionalBounds& entry : list) {
     entry.computed = dynamic_cast<const BoundsExpression*>(entry.bounds.get());
     entry.constant = dynamic_cast<const BoundsParm*>(entry.bounds.get());
@@ -13,13 +13,19 @@ void noteKinds(std::vector<ConditionalBounds>& list) {
   }
 }
 
-IndexDef::IndexDef(DefinitionParts parts) : parts_(std::move(parts)) {
-  noteKinds(parts_.conditionalBounds);
+IndexDef::IndexDef(DefinitionParts parts)
+    : name_(std::move(parts.name)),
+      variables_(std::move(parts.variables)),
+      validityConditions_(std::move(parts.validityConditions)),
+      baseBounds_(std::move(parts.baseBounds)),
+      conditionalBounds_(std::move(parts.conditionalBounds)) {
+  noteKinds(conditionalBounds_.all());
+  if (!parts.translations.empty()) translations_.change() = std::move(parts.translations);
 }
 
 bool IndexDef::checkBase(std::string value) const {
   translate(value);
-  return parts_.baseBounds.check(value, true);
+  return baseBounds_.check(value, true);
 }
 
 bool IndexDef::checkValue(std::string value, const SituationView& situation) const {
@@ -27,13 +33,14 @@ bool IndexDef::checkValue(std::string value, const SituationView& situation) con
 }
 
 bool IndexDef::isValid(const SituationView& situation) const {
-  return std::all_of(parts_.validityConditions.begin(), parts_.validityConditions.end(),
+  const std::span<const Program> conditions = validityConditions_.all();
+  return std::all_of(conditions.begin(), conditions.end(),
                      [&](const Program& condition) { return condition.isTrue(situation); });
 }
 
 void IndexDef::translate(std::string& value) const {
-  const auto found = parts_.translations.find(value);
-  if (found != parts_.translations.end()) {
+  const auto found = translations().find(value);
+  if (found != translations().end()) {
     value = found->second;
   }
 }

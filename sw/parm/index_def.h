@@ -4,11 +4,14 @@
 
 #include <map>
 #include <memory>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "deflang/fixed_list.h"
 #include "deflang/program.h"
+#include "deflang/seldom.h"
 #include "deflang/variables.h"
 #include "sw/parm/bounds.h"
 
@@ -24,7 +27,7 @@ struct ConditionalBounds {
 };
 
 /// Notes in each of `list` whether it is a run-time range.
-void noteKinds(std::vector<ConditionalBounds>& list);
+void noteKinds(std::span<ConditionalBounds> list);
 
 /// What an index and a parameter have in common.
 struct DefinitionParts {
@@ -54,27 +57,32 @@ class IndexDef {
   /// Translates a value that is to be corrected: a target that is itself a source is followed once.
   void translateTwice(std::string& value) const;
 
-  [[nodiscard]] const std::string& name() const { return parts_.name; }
-  [[nodiscard]] const Variables& variables() const { return parts_.variables; }
+  [[nodiscard]] const std::string& name() const { return name_; }
+  [[nodiscard]] const Variables& variables() const { return variables_; }
   [[nodiscard]] const std::map<std::string, std::string>& translations() const {
-    return parts_.translations;
+    return translations_.get();
   }
-  [[nodiscard]] const BoundsParm& baseBounds() const { return parts_.baseBounds; }
-  [[nodiscard]] const std::vector<ConditionalBounds>& conditionalBounds() const {
-    return parts_.conditionalBounds;
+  [[nodiscard]] const BoundsParm& baseBounds() const { return baseBounds_; }
+  [[nodiscard]] std::span<const ConditionalBounds> conditionalBounds() const {
+    return conditionalBounds_.all();
   }
   /// Whether the base bounds alone tell which values there are, whatever the situation: no
   /// conditions, no translations.
   [[nodiscard]] bool isPlain() const {
-    return parts_.validityConditions.empty() && parts_.conditionalBounds.empty() &&
-           parts_.translations.empty();
+    return validityConditions_.all().empty() && conditionalBounds().empty() &&
+           translations().empty();
   }
 
  protected:
-  [[nodiscard]] Variables& ownVariables() { return parts_.variables; }
+  [[nodiscard]] Variables& ownVariables() { return variables_; }
 
  private:
-  DefinitionParts parts_;
+  std::string name_;
+  Variables variables_;
+  FixedList<Program> validityConditions_;
+  BoundsParm baseBounds_;
+  FixedList<ConditionalBounds> conditionalBounds_;
+  Seldom<std::map<std::string, std::string>> translations_;
 };
 
 /// The full bounds check of one definition, by the rules of an index: translates `value`, corrects

@@ -6,24 +6,41 @@
 #include "sw/parm/parm_name.h"
 
 ParmDef::ParmDef(DefinitionParts parts, ParmParts parmParts)
-    : IndexDef(std::move(parts)), parm_(std::move(parmParts)) {
-  noteKinds(parm_.documentedRanges);
-  for (const IndexDef* index : parm_.indices) {
-    std::vector<uint32_t>& slots = indexSlots_.emplace_back();
-    for (const std::string& name : index->variables().names()) {
-      slots.push_back(ownVariables().slot(name));
-    }
+    : IndexDef(std::move(parts)),
+      mode_(parmParts.mode),
+      fallbackDefault_(std::move(parmParts.fallbackDefault)),
+      defaults_(std::move(parmParts.defaults)),
+      readOnlyConditions_(std::move(parmParts.readOnlyConditions)) {
+  if (!parmParts.constraintRules.empty()) {
+    constraintRules_.change() = std::move(parmParts.constraintRules);
   }
-  usedNames_ = variables().size();
-  for (const IndexDef* index : parm_.indices) {
-    nameSlots_.push_back(ownVariables().slot(index->name()));
+  if (!parmParts.documentedRanges.empty()) {
+    documentedRanges_.change() = std::move(parmParts.documentedRanges);
+    noteKinds(documentedRanges_.change());
   }
+  if (!parmParts.indices.empty()) {
+    indexing_.change().indices = std::move(parmParts.indices);
+  }
+  takeIndexNames();
   hasRunTimeRanges_ =
       std::any_of(conditionalBounds().begin(), conditionalBounds().end(),
                   [](const ConditionalBounds& bounds) { return bounds.computed != nullptr; });
 }
 
-bool ParmDef::hasConstraints() const { return hasRunTimeRanges_ || !parm_.constraintRules.empty(); }
+void ParmDef::takeIndexNames() {
+  for (const IndexDef* index : indices()) {
+    std::vector<uint32_t>& slots = indexing_.change().slots.emplace_back();
+    for (const std::string& name : index->variables().names()) {
+      slots.push_back(ownVariables().slot(name));
+    }
+  }
+  usedNames_ = static_cast<uint32_t>(variables().size());
+  for (const IndexDef* index : indices()) {
+    indexing_.change().nameSlots.push_back(ownVariables().slot(index->name()));
+  }
+}
+
+bool ParmDef::hasConstraints() const { return hasRunTimeRanges_ || !constraintRules().empty(); }
 
 bool ParmDef::checkBase(std::string value) const {
   return hasConstraints() || IndexDef::checkBase(std::move(value));
@@ -34,24 +51,26 @@ bool ParmDef::checkValue(std::string value, const SituationView& situation) cons
 }
 
 bool ParmDef::isReadOnly(const SituationView& situation) const {
-  switch (parm_.mode) {
+  switch (mode_) {
     case MODE_NEVER:
       return true;
     case MODE_WRITE_ONLY:
       return false;
     default:
-      return std::any_of(parm_.readOnlyConditions.begin(), parm_.readOnlyConditions.end(),
-                         [&](const Program& condition) { return condition.isTrue(situation); });
+      break;
   }
+  const std::span<const Program> conditions = readOnlyConditions_.all();
+  return std::any_of(conditions.begin(), conditions.end(),
+                     [&](const Program& condition) { return condition.isTrue(situation); });
 }
 
 int ParmDef::defaultValue(std::string& value, const IndexTuple& indices,
                           Situation situation) const {
-  const size_t pairs = std::min(indices.size(), parm_.indices.size());
+  const size_t pairs = std::min(indices.size(), this->indices().size());
   for (size_t i = 0; i < pairs; ++i) {
     bindIndex(situation, i, indices[i]);
   }
-  for (const ConditionalDefault& candidate : parm_.defaults) {
+  for (const ConditionalDefault& candidate : defaults_.all()) {
     if (!candidate.condition.isTrue(situation)) {
       continue;
     }
@@ -61,13 +80,13 @@ int ParmDef::defaultValue(std::string& value, const IndexTuple& indices,
       return 0;
     }
   }
-  value = parm_.fallbackDefault;
+  value = fallbackDefault_;
   return 1;
 }
 
 int ParmDef::range(BoundsParm& out, const SituationView& situation) const {
-  for (const auto* list : {&parm_.documentedRanges, &conditionalBounds()}) {
-    for (const ConditionalBounds& candidate : *list) {
+  for (const auto& list : {std::span(documentedRanges_.get()), conditionalBounds()}) {
+    for (const ConditionalBounds& candidate : list) {
       if (!candidate.condition.isTrue(situation)) {
         continue;
       }
@@ -83,15 +102,19 @@ int ParmDef::range(BoundsParm& out, const SituationView& situation) const {
 }
 
 void ParmDef::bindIndex(Situation& situation, size_t position, std::string_view value) const {
-  situation.bind(nameSlots_[position], operandOf(value));
+  situation.bind(indexing_->nameSlots[position], operandOf(value));
 }
 
 const CommittedValue* ParmDef::committed(const IndexTuple& indices) const {
-  if (indices.empty() && parm_.indices.empty()) {
+  if (indices.empty() && this->indices().empty()) {
     return &single_;
   }
-  const auto found = instances_.find(indexSuffix(indices));
-  return found == instances_.end() ? nullptr : &found->second;
+  const auto found = indexing_->instances.find(indexSuffix(indices));
+  return found == indexing_->instances.end() ? nullptr : &found->second;
+}
+
+CommittedValue* ParmDef::committed(const IndexTuple& indices) {
+  return const_cast<CommittedValue*>(std::as_const(*this).committed(indices));
 }
 
 const std::string& ParmDef::committedText(const IndexTuple& indices) const {
@@ -101,16 +124,12 @@ const std::string& ParmDef::committedText(const IndexTuple& indices) const {
 }
 
 void ParmDef::store(const IndexTuple& indices, const std::string& value) {
-  instance(indices).value.set(value);
+  stored(indices).value.set(value);
 }
 
-bool ParmDef::announce(const IndexTuple& indices) {
-  return !std::exchange(instance(indices).announced, true);
-}
-
-CommittedValue& ParmDef::instance(const IndexTuple& indices) {
-  if (indices.empty() && parm_.indices.empty()) {
+CommittedValue& ParmDef::stored(const IndexTuple& indices) {
+  if (indices.empty() && this->indices().empty()) {
     return single_;
   }
-  return instances_[indexSuffix(indices)];
+  return indexing_.change().instances[indexSuffix(indices)];
 }

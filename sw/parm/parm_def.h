@@ -56,7 +56,7 @@ struct ParmParts {
 class ParmDef final : public IndexDef {
  public:
   ParmDef(DefinitionParts parts, ParmParts parmParts);
-  ParmDef(ParmDef&&) = delete;
+  ParmDef(ParmDef&&) = default;
 
   /// As of an index; a parameter with constraint rules accepts every value here and leaves the
   /// judgement to the rules.
@@ -75,10 +75,10 @@ class ParmDef final : public IndexDef {
   /// of BoundsExpression::evaluate.
   int range(BoundsParm& out, const SituationView& situation) const;
 
-  [[nodiscard]] accessMode_t mode() const { return parm_.mode; }
-  [[nodiscard]] const std::vector<const IndexDef*>& indices() const { return parm_.indices; }
+  [[nodiscard]] accessMode_t mode() const { return mode_; }
+  [[nodiscard]] const std::vector<const IndexDef*>& indices() const { return indexing_->indices; }
   [[nodiscard]] const std::vector<ConstraintRule>& constraintRules() const {
-    return parm_.constraintRules;
+    return constraintRules_.get();
   }
   /// The names that the expressions of the parameter and of its indices use; sw::this is among
   /// them where it is used.
@@ -90,27 +90,39 @@ class ParmDef final : public IndexDef {
   void bindIndex(Situation& situation, size_t position, std::string_view value) const;
   /// The situation as the index at `position` sees it.
   [[nodiscard]] SituationView indexView(const Situation& situation, size_t position) const {
-    return {situation, indexSlots_[position]};
+    return {situation, indexing_->slots[position]};
   }
 
   /// The committed value of an instance; null while it was never stored, but for a parameter
   /// without indices, whose one instance then holds the empty text.
   [[nodiscard]] const CommittedValue* committed(const IndexTuple& indices) const;
+  [[nodiscard]] CommittedValue* committed(const IndexTuple& indices);
   /// The text of committed(), empty where it is null.
   [[nodiscard]] const std::string& committedText(const IndexTuple& indices) const;
   /// Stores the value of an instance.
   void store(const IndexTuple& indices, const std::string& value);
-  /// Notes that an instance was reported. Returns whether it was the first time.
-  bool announce(const IndexTuple& indices);
+  /// The value of an instance, which from now on is there. It stays where it is.
+  CommittedValue& stored(const IndexTuple& indices);
 
  private:
-  CommittedValue& instance(const IndexTuple& indices);
+  void takeIndexNames();
 
-  ParmParts parm_;
-  size_t usedNames_ = 0;
+  // What only a parameter with indices has.
+  struct Indexing {
+    std::vector<const IndexDef*> indices;
+    std::vector<std::vector<uint32_t>> slots;  // by index: from its slots to the parameter's
+    std::vector<uint32_t> nameSlots;           // by index: the slot of its name
+    TextMap<CommittedValue> instances;         // by index suffix
+  };
+
+  accessMode_t mode_;
+  uint32_t usedNames_ = 0;
   bool hasRunTimeRanges_ = false;
-  std::vector<std::vector<uint32_t>> indexSlots_;  // by index: from its slots to this one's
-  std::vector<uint32_t> nameSlots_;                // by index: the slot of its name
-  CommittedValue single_;                          // of a parameter without indices
-  TextMap<CommittedValue> instances_;              // by index suffix
+  std::string fallbackDefault_;
+  FixedList<ConditionalDefault> defaults_;
+  FixedList<Program> readOnlyConditions_;
+  Seldom<std::vector<ConstraintRule>> constraintRules_;
+  Seldom<std::vector<ConditionalBounds>> documentedRanges_;
+  Seldom<Indexing> indexing_;
+  CommittedValue single_;  // of a parameter without indices
 };

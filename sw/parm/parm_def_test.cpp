@@ -259,17 +259,17 @@ TEST(CommittedValues, AreOneForEachTuple) {
   }
 }
 
-TEST(CommittedValues, AreAnnouncedOnce) {
+TEST(CommittedValues, KeepWhetherTheyWereAnnounced) {
   const IndexDef row = makeIndex({.name = "row"});
   ParmDef parm = makeParm({.indices = {&row}});
   parm.store({"1"}, "a");
   EXPECT_FALSE(parm.committed({"1"})->announced);
-  EXPECT_TRUE(parm.announce({"1"}));
+  parm.stored({"1"}).announced = true;
   EXPECT_TRUE(parm.committed({"1"})->announced);
-  EXPECT_FALSE(parm.announce({"1"}));
   parm.store({"1"}, "b");
-  EXPECT_FALSE(parm.announce({"1"}));
-  EXPECT_TRUE(parm.announce({"2"}));
+  EXPECT_TRUE(parm.committed({"1"})->announced);
+  parm.store({"2"}, "b");
+  EXPECT_FALSE(parm.committed({"2"})->announced);
 }
 
 }  // namespace

@@ -10,9 +10,12 @@ const BoundsParm EVERYTHING;
 
 }  // namespace
 
-PresentBounds::PresentBounds(const std::vector<ConditionalBounds>& bounds,
+PresentBounds::PresentBounds(std::span<const ConditionalBounds> bounds,
                              const SituationView& situation, unusable_t unusable) {
-  computed_.reserve(bounds.size());
+  applying_.reserve(bounds.size());
+  computed_.reserve(static_cast<size_t>(std::count_if(
+      bounds.begin(), bounds.end(),
+      [](const ConditionalBounds& candidate) { return candidate.computed != nullptr; })));
   for (const ConditionalBounds& candidate : bounds) {
     if (!candidate.condition.isTrue(situation)) {
       continue;

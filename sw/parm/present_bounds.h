@@ -2,6 +2,10 @@
 // run-time ranges among them worked out.
 #pragma once
 
+#include <array>
+#include <cstddef>
+#include <memory_resource>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -16,7 +20,7 @@ enum unusable_t {
 
 class PresentBounds {
  public:
-  PresentBounds(const std::vector<ConditionalBounds>& bounds, const SituationView& situation,
+  PresentBounds(std::span<const ConditionalBounds> bounds, const SituationView& situation,
                 unusable_t unusable);
   PresentBounds(const PresentBounds&) = delete;
   PresentBounds& operator=(const PresentBounds&) = delete;
@@ -24,12 +28,17 @@ class PresentBounds {
   /// Whether one of the applying bounds is a run-time range.
   [[nodiscard]] bool hasComputed() const { return !computed_.empty(); }
   /// The bounds that apply, in statement order.
-  [[nodiscard]] const std::vector<const BoundsParm*>& applying() const { return applying_; }
+  [[nodiscard]] std::span<const BoundsParm* const> applying() const { return applying_; }
   /// Whether any of the applying bounds accepts `value`; a value that none accepts is corrected by
   /// the first of them. Without applying bounds the value is refused and left unchanged.
   bool judge(std::string& value) const;
 
  private:
-  std::vector<const BoundsParm*> applying_;  // in statement order
-  std::vector<BoundsParm> computed_;         // never grows beyond what was reserved for it
+  static constexpr size_t FEW_BYTES = 256;  // enough for most definitions, without an allocation
+
+  std::array<std::byte, FEW_BYTES> few_;
+  std::pmr::monotonic_buffer_resource memory_{few_.data(), few_.size()};
+  std::pmr::vector<const BoundsParm*> applying_{&memory_};  // in statement order
+  // Never grows beyond what was reserved for it.
+  std::pmr::vector<BoundsParm> computed_{&memory_};
 };

@@ -90,8 +90,8 @@ RangeItems classifyItems(const std::vector<RangeItem>& items, DefinitionDraft& d
   return classified;
 }
 
-void addConstants(std::vector<BoundsExpression::Item> items, BoundsParm& out) {
-  const int failed = makeExpression(std::move(items)).evaluate(out, SituationView());
+void addConstants(const std::vector<BoundsExpression::Item>& items, BoundsParm& out) {
+  const int failed = BoundsExpression::evaluate(out, items, SituationView());
   assert(failed == 0);
 }
 
@@ -100,6 +100,6 @@ std::unique_ptr<Bounds> makeBounds(RangeItems items) {
     return std::make_unique<BoundsExpression>(makeExpression(std::move(items.items)));
   }
   auto constants = std::make_unique<BoundsParm>();
-  addConstants(std::move(items.items), *constants);
+  addConstants(items.items, *constants);
   return constants;
 }

@@ -17,7 +17,7 @@ struct RangeItems {
 RangeItems classifyItems(const std::vector<RangeItem>& items, DefinitionDraft& draft);
 
 /// Adds items, none of them a run-time one, to `out`.
-void addConstants(std::vector<BoundsExpression::Item> items, BoundsParm& out);
+void addConstants(const std::vector<BoundsExpression::Item>& items, BoundsParm& out);
 
 /// Bounds that are computed where an item is a run-time one.
 std::unique_ptr<Bounds> makeBounds(RangeItems items);

@@ -13,13 +13,13 @@ class ClassifiedItems {
       : parsed_(parseText("p rw { rangeValid { " + items + " } }\n")),
         context_(diagnostics_, parsed_.records, parsed_.lines, registry_, false),
         draft_(context_, *parsed_.records.find("p")),
-        items_(classifyItems(draft_.record().rangeValid.at(0).items, draft_)) {}
+        items_(classifyItems(statement().items, draft_)) {}
 
   RangeItems& items() { return items_; }
   int result() const { return context_.result(); }
   // The bounds of the items where "p" holds `value`.
   std::string text(const std::string& value) {
-    const std::unique_ptr<Bounds> bounds = makeBounds(items_);
+    const std::unique_ptr<Bounds> bounds = makeBounds(classifyItems(statement().items, draft_));
     const auto* computed = dynamic_cast<const BoundsExpression*>(bounds.get());
     if (computed == nullptr) return itemsText(dynamic_cast<const BoundsParm&>(*bounds));
     Situation situation(draft_.parts.variables.size());
@@ -35,6 +35,10 @@ class ClassifiedItems {
   DiagnosticCollector diagnostics_;
   BuildContext context_;
   DefinitionDraft draft_;
+  [[nodiscard]] const RangeStatement& statement() const {
+    return draft_.record().rangeValid.at(0);
+  }
+
   RangeItems items_;
 };
 

@@ -125,8 +125,10 @@ setOutcome_t setValue(ParmDef& parm, std::string& value, const IndexTuple& indic
   if (result != SET_STORED) {
     return refuse(value, result);
   }
+  CommittedValue* held = nullptr;
   if (!mode.dryRun) {
-    parm.store(indices, value);
+    held = mode.held != nullptr ? mode.held : &parm.stored(indices);
+    held->value.set(value);
   }
-  return {parm.mode() == MODE_ROSTRICT ? SET_NOT_STORED : SET_STORED, true};
+  return {parm.mode() == MODE_ROSTRICT ? SET_NOT_STORED : SET_STORED, true, held};
 }

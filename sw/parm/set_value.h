@@ -9,9 +9,10 @@
 
 /// How a value is set.
 struct setMode_t {
-  bool force = false;         ///< the read-only conditions are not asked
-  bool dryRun = false;        ///< nothing is stored
-  bool quietIndices = false;  ///< a refusal because of the indices is not logged
+  bool force = false;              ///< the read-only conditions are not asked
+  bool dryRun = false;             ///< nothing is stored
+  bool quietIndices = false;       ///< a refusal because of the indices is not logged
+  CommittedValue* held = nullptr;  ///< where the instance's value is, if that is known
 };
 
 /// Results of setValue. After a refusal other than SET_RULE_FAILS the value is empty.
@@ -27,8 +28,9 @@ enum setResult_t : int {
 
 /// What setValue did, where its result alone does not tell.
 struct setOutcome_t {
-  int result;   ///< a setResult_t
-  bool stored;  ///< the value was accepted and, but for a dry run, stored
+  int result;                      ///< a setResult_t
+  bool stored;                     ///< the value was accepted and, but for a dry run, stored
+  CommittedValue* held = nullptr;  ///< where it was stored
 };
 
 /// Checks `value` for the instance `indices` in a situation, corrects and stores it. `situation` is

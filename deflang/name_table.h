@@ -1,0 +1,39 @@
+// Name tables: numbers for names, in the order in which they are added.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "deflang/position_table.h"
+
+/// The names stand behind one another, so that looking for one leaves everything else alone.
+class NameTable {
+ public:
+  /// The number of `name`, or nothing.
+  [[nodiscard]] std::optional<uint32_t> find(std::string_view name) const {
+    return numbers_.find(hashOf(name), [&](uint32_t number) { return (*this)[number] == name; });
+  }
+  /// Adds a name that is not there yet. Its number is the count of those before it.
+  void add(std::string_view name) {
+    numbers_.makeRoom();
+    ends_.push_back(text_.size() + name.size());
+    text_.append(name);
+    numbers_.add(hashOf(name), static_cast<uint32_t>(ends_.size() - 1));
+  }
+  [[nodiscard]] std::string_view operator[](uint32_t number) const {
+    const size_t begin = number == 0 ? 0 : ends_[number - 1];
+    return std::string_view(text_).substr(begin, ends_[number] - begin);
+  }
+
+ private:
+  static size_t hashOf(std::string_view name) { return std::hash<std::string_view>{}(name); }
+
+  std::string text_;
+  std::vector<size_t> ends_;  // of each name in text_
+  PositionTable numbers_;
+};

@@ -46,19 +46,33 @@ class Cursor {
   /// Whether `sign` comes next.
   [[nodiscard]] bool at(std::string_view sign) const { return rest().starts_with(sign); }
   /// The characters before the next stop or the end of the line; they stay unread.
-  [[nodiscard]] std::string_view word(const StopSet& stops) const;
+  [[nodiscard]] std::string_view word(const StopSet& stops) const {
+    size_t end = column_;
+    while (end < line_.size() && !stops.contains(line_[end])) ++end;
+    return line_.substr(column_, end - column_);
+  }
 
   /// Goes on by `count` characters of the rest.
   void advance(size_t count) { column_ += count; }
   /// Goes to `column`, from 0 to the line's length.
   void moveTo(size_t column) { column_ = column; }
   /// Goes on to the next character that is no white space. Returns false when the line ends first.
-  bool skipWhiteSpace();
+  bool skipWhiteSpace() {
+    while (!atEnd() && isWhiteSpace(line_[column_])) ++column_;
+    return !atEnd();
+  }
   /// Goes past `sign`. Returns false, without going on, when it does not come next.
-  bool take(std::string_view sign);
+  bool take(std::string_view sign) {
+    if (!at(sign)) return false;
+    advance(sign.size());
+    return true;
+  }
   /// Goes past `sign` and the white space before it. Returns PARSE_DONE, PARSE_CONTINUES when the
   /// line ends before it, or PARSE_SYNTAX_ERROR when something else stands there.
-  int expect(std::string_view sign);
+  int expect(std::string_view sign) {
+    if (!skipWhiteSpace()) return PARSE_CONTINUES;
+    return take(sign) ? PARSE_DONE : PARSE_SYNTAX_ERROR;
+  }
 
  private:
   std::string_view line_;

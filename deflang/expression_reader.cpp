@@ -21,7 +21,7 @@ int32_t negated(int32_t number) { return static_cast<int32_t>(0U - static_cast<u
 
 // A minus sign before a number is the number's where an operand must stand: at the start and after
 // an operator. After "(" it stays an operator without a left side, which the check refuses.
-void foldNegativeNumbers(std::vector<Token>& tokens) {
+std::vector<Token> foldNegativeNumbers(std::vector<Token>& tokens) {
   std::vector<Token> folded;
   folded.reserve(tokens.size());
   for (Token& token : tokens) {
@@ -35,7 +35,7 @@ void foldNegativeNumbers(std::vector<Token>& tokens) {
       folded.push_back(std::move(token));
     }
   }
-  tokens = std::move(folded);
+  return folded;
 }
 
 }  // namespace
@@ -122,8 +122,9 @@ void ExpressionReader::addToken(const Cursor& cursor, int32_t kind) {
 }
 
 Expression ExpressionReader::take() {
-  foldNegativeNumbers(tokens_);
-  return {std::exchange(tokens_, {})};
+  Expression expression{foldNegativeNumbers(tokens_)};
+  tokens_.clear();
+  return expression;
 }
 
 void ExpressionReader::reset() {

@@ -18,7 +18,8 @@ constexpr OperatorText OPERATOR_TEXTS[] = {
 
 const OperatorText* operatorAt(std::string_view rest) {
   for (const OperatorText& candidate : OPERATOR_TEXTS) {
-    if (rest.starts_with(candidate.text)) return &candidate;
+    const bool begins = !rest.empty() && rest.front() == candidate.text.front();
+    if (begins && rest.starts_with(candidate.text)) return &candidate;
   }
   return nullptr;
 }

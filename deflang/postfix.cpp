@@ -80,6 +80,7 @@ int postfixOrder(const Expression& expression, std::vector<const Token*>& order)
   order.clear();
   const std::vector<Token>& tokens = expression.tokens;
   if (tokens.empty()) return -1;
+  order.reserve(tokens.size());
   Conversion conversion(order);
   for (size_t i = 0; i < tokens.size(); ++i) {
     if (!conversion.take(tokens[i])) return static_cast<int>(i + 1);

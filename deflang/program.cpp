@@ -17,6 +17,11 @@ namespace {
 // Programs that hold no more operands at once do without an allocated stack; few texts have others.
 constexpr uint32_t SHALLOW_DEPTH = 16;
 
+// Whether a token by itself makes a program without further parts.
+bool isSingle(const Token& token) {
+  return token.kind == TOKEN_NUMBER || token.kind == TOKEN_VARIABLE;
+}
+
 // An operand on the stack. It has no initial values, because most of the stack stays unused.
 struct Held {
   operandKind_t kind;
@@ -163,13 +168,13 @@ std::string Value::asText() const { return isNumber() ? numberText(number) : tex
 
 int Program::compile(const Expression& expression, Variables& variables, Program& out) {
   out = Program();
-  std::vector<const Token*> order;
-  if (const int failed = postfixOrder(expression, order); failed != 0) return failed;
-  if (order.size() == 1 && order.front()->kind != TOKEN_STRING) {
+  if (expression.tokens.size() == 1 && isSingle(expression.tokens.front())) {
     std::vector<std::string> noTexts;
-    out.single_ = stepOf(*order.front(), noTexts, variables);
+    out.single_ = stepOf(expression.tokens.front(), noTexts, variables);
     return 0;
   }
+  std::vector<const Token*> order;
+  if (const int failed = postfixOrder(expression, order); failed != 0) return failed;
   auto code = std::make_unique<Code>();
   code->steps.reserve(order.size());
   uint32_t held = 0;
@@ -194,6 +199,14 @@ Program::Step Program::stepOf(const Token& token, std::vector<std::string>& text
       return {TOKEN_VARIABLE, static_cast<int32_t>(variables.slot(token.text))};
     default:
       return {token.kind, 0};
+  }
+}
+
+void Program::rebase(const Variables& from, Variables& into) {
+  const std::span<Step> all = code_ != nullptr ? std::span(code_->steps) : std::span(&single_, 1);
+  for (Step& step : all) {
+    if (step.kind != TOKEN_VARIABLE) continue;
+    step.value = static_cast<int32_t>(into.slot(from.names()[static_cast<size_t>(step.value)]));
   }
 }
 

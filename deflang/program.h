@@ -30,6 +30,8 @@ class Program {
   /// Returns 0 when it is well formed, -1 when it is empty, otherwise the position (from 1) of the
   /// first token at which it fails; `out` is then empty.
   static int compile(const Expression& expression, Variables& variables, Program& out);
+  /// Gives the variables, whose slots are those of `from`, their slots in `into`.
+  void rebase(const Variables& from, Variables& into);
   /// The program of the constant `number`.
   static Program constant(int32_t number);
   /// The program of the constant `text`.
@@ -67,5 +69,11 @@ class Program {
 
   // Most programs are one number or one variable, and need nothing else.
   Step single_;
-  std::unique_ptr<const Code> code_;
+  std::unique_ptr<Code> code_;
+};
+
+/// A program with variables of its own.
+struct Compiled {
+  Program program;
+  Variables variables;
 };

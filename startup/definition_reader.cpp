@@ -1,5 +1,6 @@
 #include "startup/definition_reader.h"
 
+#include <array>
 #include <cerrno>
 #include <cstring>
 
@@ -22,13 +23,15 @@ int parseText(FILE* in, DefinitionText& text) {
 }  // namespace
 
 bool readPiece(FILE* in, std::string& piece) {
-  piece.clear();
-  while (piece.size() < MAX_PIECE_LENGTH) {
+  std::array<char, MAX_PIECE_LENGTH> buffer;
+  size_t size = 0;
+  while (size < buffer.size()) {
     const int character = getc_unlocked(in);
     if (character == EOF) break;
-    piece += static_cast<char>(character);
+    buffer[size++] = static_cast<char>(character);
     if (character == '\n') break;
   }
+  piece.assign(buffer.data(), size);
   return !piece.empty() && ferror(in) == 0;
 }
 

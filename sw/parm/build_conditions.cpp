@@ -1,5 +1,7 @@
 #include "sw/parm/build_conditions.h"
 
+#include <utility>
+
 #include "sw/parm/classify.h"
 
 namespace {
@@ -44,10 +46,10 @@ void buildReadOnlyConditions(DefinitionDraft& draft) {
   if (access == ACCESS_RO || access == ACCESS_ROSTRICT) conditions.push_back(Program::constant(1));
   ConstantConditions constants(draft);
   for (const Expression& expression : draft.record().ctrlRO) {
-    const Condition condition = classifyControl(expression, draft);
+    Condition condition = classifyControl(expression, draft);
     switch (condition.kind) {
       case CONDITION_RUN_TIME:
-        conditions.push_back(draft.keep(expression));
+        conditions.push_back(draft.keep(expression, std::move(condition.compiled)));
         break;
       case CONDITION_ALWAYS:
         conditions.push_back(Program::constant(1));
@@ -65,10 +67,11 @@ void buildReadOnlyConditions(DefinitionDraft& draft) {
 void buildValidityConditions(DefinitionDraft& draft) {
   ConstantConditions constants(draft);
   for (const Expression& expression : draft.record().ctrlValid) {
-    const Condition condition = classifyControl(expression, draft);
+    Condition condition = classifyControl(expression, draft);
     switch (condition.kind) {
       case CONDITION_RUN_TIME:
-        draft.parts.validityConditions.push_back(draft.keep(expression));
+        draft.parts.validityConditions.push_back(
+            draft.keep(expression, std::move(condition.compiled)));
         break;
       case CONDITION_ALWAYS:
         constants.compare(expression, condition);

@@ -36,10 +36,10 @@ class DefaultBuilder {
 
  private:
   void add(const DefaultStatement& statement) {
-    const Condition condition = classifyCondition(statement.condition, draft_);
+    Condition condition = classifyCondition(statement.condition, draft_);
     switch (condition.kind) {
       case CONDITION_RUN_TIME:
-        addConditional(statement, condition);
+        addConditional(statement, std::move(condition));
         break;
       case CONDITION_ALWAYS:
         addAlways(statement, condition);
@@ -52,11 +52,11 @@ class DefaultBuilder {
     }
   }
 
-  void addConditional(const DefaultStatement& statement, const Condition& condition) {
+  void addConditional(const DefaultStatement& statement, Condition condition) {
     if (!condition.namesConstant && !conditions_.insert(&statement.condition).second) {
       draft_.error(DIAG_DUPLICATE_CONDITIONS, placeOf(statement));
     }
-    Program program = draft_.keep(statement.condition);
+    Program program = draft_.keep(statement.condition, std::move(condition.compiled));
     if (std::optional<Program> value = valueOf(statement)) {
       draft_.parm.defaults.push_back({std::move(program), *std::move(value)});
     }
@@ -92,13 +92,13 @@ class DefaultBuilder {
       draft_.error(DIAG_INVALID_EXPRESSION, statement.at);
       return std::nullopt;
     }
-    const Classification value = classify(statement.value, draft_);
+    Classification value = classify(statement.value, draft_);
     switch (value.decision) {
       case DECIDED:
         return value.value.isNumber() ? Program::constant(value.value.number)
-                                      : Program::constant(value.value.text);
+                                      : Program::constant(std::move(value.value.text));
       case RUN_TIME:
-        return draft_.keep(statement.value);
+        return draft_.keep(statement.value, std::move(value.compiled));
       default:
         return std::nullopt;
     }

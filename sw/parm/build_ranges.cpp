@@ -30,10 +30,12 @@ std::vector<Range> classifyStatements(const std::vector<RangeStatement>& stateme
                                       DefinitionDraft& draft) {
   std::vector<Range> ranges;
   for (const RangeStatement& statement : statements) {
-    const Condition condition = classifyCondition(statement.condition, draft);
+    Condition condition = classifyCondition(statement.condition, draft);
     if (!canApply(statement, condition, draft)) continue;
     Range& range = ranges.emplace_back();
-    if (condition.kind == CONDITION_RUN_TIME) range.condition = draft.keep(statement.condition);
+    if (condition.kind == CONDITION_RUN_TIME) {
+      range.condition = draft.keep(statement.condition, std::move(condition.compiled));
+    }
     range.items = classifyItems(statement.items, draft);
   }
   return ranges;

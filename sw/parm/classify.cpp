@@ -46,26 +46,26 @@ Classification classify(const Expression& expression, DefinitionDraft& draft) {
   if (std::optional<Value> literal = literalValue(expression)) {
     return {DECIDED, *std::move(literal)};
   }
-  Variables variables;
-  Program program;
-  const int failed = Program::compile(expression, variables, program);
+  Compiled compiled;
+  Variables& variables = compiled.variables;
+  const int failed = Program::compile(expression, variables, compiled.program);
   if (failed != 0) return leaveOut(expression, failed < 0 ? 0 : static_cast<size_t>(failed), draft);
   Situation situation(variables.size());
   const size_t constants = bindConstants(variables, draft.context(), situation);
-  Value value = program.evaluate(situation);
+  Value value = compiled.program.evaluate(situation);
   if (value.valid()) return {DECIDED, std::move(value), constants > 0};
-  if (constants < variables.size()) return {RUN_TIME, {}, constants > 0};
+  if (constants < variables.size()) return {RUN_TIME, {}, constants > 0, std::move(compiled)};
   return leaveOut(expression, 1, draft);
 }
 
 Condition classifyControl(const Expression& condition, DefinitionDraft& draft) {
-  const Classification classified = classify(condition, draft);
+  Classification classified = classify(condition, draft);
   switch (classified.decision) {
     case DECIDED:
       return {classified.value.isTrue() ? CONDITION_ALWAYS : CONDITION_NEVER,
               classified.namesConstant};
     case RUN_TIME:
-      return {CONDITION_RUN_TIME, classified.namesConstant};
+      return {CONDITION_RUN_TIME, classified.namesConstant, std::move(classified.compiled)};
     default:
       return {CONDITION_LEFT_OUT};
   }

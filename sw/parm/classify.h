@@ -16,6 +16,7 @@ struct Classification {
   decision_t decision;
   Value value = {};            ///< of a decided expression
   bool namesConstant = false;  ///< whether a command-line constant is among its names
+  Compiled compiled = {};      ///< of a run-time expression
 };
 
 /// Evaluates `expression` with the command-line constants as the only variables. Without a result
@@ -34,6 +35,7 @@ struct Condition {
   conditionKind_t kind;
   /// Whether a command-line constant is among its names; it then tells product variants apart.
   bool namesConstant = false;
+  Compiled compiled = {};  ///< of a run-time condition
 };
 
 /// Classifies the condition of a control statement; an empty one is an error there.

@@ -1,6 +1,5 @@
 #include "sw/parm/definition_draft.h"
 
-#include <cassert>
 #include <utility>
 
 DefinitionDraft::DefinitionDraft(BuildContext& context, const ParameterRecord& record)
@@ -10,12 +9,10 @@ DefinitionDraft::DefinitionDraft(BuildContext& context, const ParameterRecord& r
 
 std::string DefinitionDraft::recordText() const { return "Parameter is \"" + record_.name + '"'; }
 
-Program DefinitionDraft::keep(const Expression& expression) {
-  Program program;
-  const int failed = Program::compile(expression, parts.variables, program);
-  assert(failed == 0);
+Program DefinitionDraft::keep(const Expression& expression, Compiled compiled) {
+  compiled.program.rebase(compiled.variables, parts.variables);
   kept_.push_back(&expression);
-  return program;
+  return std::move(compiled.program);
 }
 
 void DefinitionDraft::report(severity_t severity, uint32_t code, Position at, std::string text) {

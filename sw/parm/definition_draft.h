@@ -28,9 +28,9 @@ class DefinitionDraft {
   /// The text that says which record a diagnostic is about.
   [[nodiscard]] std::string recordText() const;
 
-  /// The program of a well-formed expression that is decided in each situation anew. Its names
-  /// become variables of the definition.
-  Program keep(const Expression& expression);
+  /// Takes the program of `expression`, which is decided in each situation anew. Its names become
+  /// variables of the definition.
+  Program keep(const Expression& expression, Compiled compiled);
   /// Every expression that was kept.
   [[nodiscard]] const std::vector<const Expression*>& kept() const { return kept_; }
 

@@ -15,13 +15,19 @@ class DefinitionDraftTest : public testing::Test {
   DiagnosticCollector diagnostics_;
   BuildContext context_{diagnostics_, text_.records, text_.lines, registry_, false};
   DefinitionDraft draft_{context_, *text_.records.find("p")};
+
+  Program keep(const Expression& expression) {
+    Compiled compiled;
+    EXPECT_EQ(Program::compile(expression, compiled.variables, compiled.program), 0);
+    return draft_.keep(expression, std::move(compiled));
+  }
 };
 
 TEST_F(DefinitionDraftTest, NumbersTheNamesOfWhatIsKept) {
   EXPECT_EQ(draft_.parts.name, "p");
   EXPECT_TRUE(draft_.kept().empty());
-  const Program sum = draft_.keep(draft_.record().ctrlRO[0]);
-  const Program single = draft_.keep(draft_.record().ctrlRO[1]);
+  const Program sum = keep(draft_.record().ctrlRO[0]);
+  const Program single = keep(draft_.record().ctrlRO[1]);
   EXPECT_EQ(draft_.parts.variables.names(), (std::vector<std::string>{"b", "a"}));
   EXPECT_EQ(draft_.kept(), (std::vector<const Expression*>{&draft_.record().ctrlRO[0],
                                                            &draft_.record().ctrlRO[1]}));

@@ -32,18 +32,18 @@ class ItemReader {
   }
 
   void readValue(const RangeItem& item) {
-    const Classification value = classify(item.lower, draft_);
+    Classification value = classify(item.lower, draft_);
     if (value.decision == LEFT_OUT) return;
-    out_.items.push_back({limit(item.lower, value), std::nullopt});
+    out_.items.push_back({limit(item.lower, std::move(value)), std::nullopt});
   }
 
   void readSpan(const RangeItem& item) {
-    const Classification lower = classify(item.lower, draft_);
-    const Classification upper = classify(*item.upper, draft_);
+    Classification lower = classify(item.lower, draft_);
+    Classification upper = classify(*item.upper, draft_);
     if (lower.decision == LEFT_OUT || upper.decision == LEFT_OUT) return;
     if (!isSpan(lower, upper)) return refuse(item);
-    Program low = limit(item.lower, lower);
-    out_.items.push_back({std::move(low), limit(*item.upper, upper)});
+    Program low = limit(item.lower, std::move(lower));
+    out_.items.push_back({std::move(low), limit(*item.upper, std::move(upper))});
   }
 
   // Whether two ends can make a span in some situation.
@@ -57,13 +57,14 @@ class ItemReader {
     return end.decision == DECIDED && !end.value.isNumber();
   }
 
-  Program limit(const Expression& expression, const Classification& classified) {
+  Program limit(const Expression& expression, Classification classified) {
     if (classified.decision == RUN_TIME) {
       out_.runTime = true;
-      return draft_.keep(expression);
+      return draft_.keep(expression, std::move(classified.compiled));
     }
-    const Value& value = classified.value;
-    return value.isNumber() ? Program::constant(value.number) : Program::constant(value.text);
+    Value& value = classified.value;
+    return value.isNumber() ? Program::constant(value.number)
+                            : Program::constant(std::move(value.text));
   }
 
   void refuse(const RangeItem& item) {

@@ -33,25 +33,26 @@ void logRefusal(const StagedEntry& entry, const std::string& value, int result) 
            "\": ret=" + std::to_string(result));
 }
 
-// Adds a value that was just stored, if clients are told of it.
-void report(const StagedEntry& entry, const std::string& before, std::vector<Change>& changes) {
-  CommittedValue& held = *entry.held;
-  const bool isFirst = !std::exchange(held.announced, true);
-  if (isFirst || entry.parm->parm.mode() == MODE_WRITE_ONLY || held.value.text() != before) {
-    changes.push_back({fullName(entry), &held});
-  }
+// Whether clients are told of a value that was just stored.
+bool isReported(const StagedEntry& entry, const std::string& before) {
+  const bool isFirst = !std::exchange(entry.held->announced, true);
+  return isFirst || entry.parm->parm.mode() == MODE_WRITE_ONLY ||
+         entry.held->value.text() != before;
 }
 
 // Commits one entry. Returns 0, WALK_AGAIN, or a refusal, which is logged with the value as it was
 // staged.
 int commitEntry(StagedEntry& entry, const StagedValues& staged, std::vector<Change>& changes) {
+  // All that is needed to report the value is there before it is stored: where memory is exhausted,
+  // nothing is stored that is not reported.
+  std::string name = fullName(entry);
   const std::string before = committedText(entry);
   const std::string wanted = entry.value.text();
   const setOutcome_t outcome = evaluate(entry, staged, false);
   switch (outcome.result) {
     case SET_STORED:
-      if (outcome.stored) {
-        report(entry, before, changes);
+      if (outcome.stored && isReported(entry, before)) {
+        changes.push_back({std::move(name), entry.held});
       }
       return 0;
     case SET_NOT_STORED:
@@ -118,6 +119,7 @@ int commit(Transaction& transaction, std::vector<Change>& changes) {
   if (!plan) {
     return COMMIT_TOO_LARGE;
   }
+  changes.reserve(changes.size() + plan->size());
   const int result = applyPlan(*plan, staged, changes);
   if (!std::is_sorted(changes.begin(), changes.end())) {
     std::sort(changes.begin(), changes.end());

@@ -27,5 +27,6 @@ struct Change {
 /// changed or that are reported for the first time, and every write-only one. Values are stored as
 /// they are accepted; a failure ends its level, the later levels are still applied. The transaction
 /// is empty afterwards. Returns a commitResult_t, the first failure; a write that the parameter
-/// does not allow just now is no failure and changes nothing.
+/// does not allow just now is no failure and changes nothing. Where memory is exhausted in between,
+/// `changes` has what was stored until then.
 int commit(Transaction& transaction, std::vector<Change>& changes);

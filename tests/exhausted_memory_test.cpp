@@ -4,6 +4,8 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <map>
+
 #include "tests/harness/allocation_failure.h"
 #include "tests/harness/service_test.h"
 #include "tests/harness/temp_dir.h"
@@ -57,10 +59,24 @@ class ExhaustedMemoryTest : public testing::TestWithParam<long> {
     return answer;
   }
 
+  // Every value is the last that a signal has told of it.
+  void expectTold() {
+    for (const std::vector<std::string>& changes : client_.newSignals()) {
+      for (const std::string& change : changes) {
+        const size_t sign = change.find('=');
+        told_[change.substr(0, sign)] = change.substr(sign + 1);
+      }
+    }
+    for (const auto& [name, value] : told_) {
+      EXPECT_EQ(client_.answer("single_get('" + name + "')"), "'" + value + "'") << name;
+    }
+  }
+
   Client& client() { return client_; }
   Daemon& daemon() { return *daemon_; }
 
  private:
+  std::map<std::string, std::string> told_;
   TempDir directory_;
   std::string file_ = directory_.path() + "/plan";
   AllocationFailure* plan_ = nullptr;
@@ -112,6 +128,7 @@ constexpr CallCase CALLS[] = {
      "[('gain[1]', 0, 5), ('level', 0, 1919)])"},
     {"", "get_parm_idx(0, 'gain')", "['channel']"},
     {"", "get_idx_range(0, 'channel')", "([], [(1, 2)])"},
+    {"", "end(99)", "End failed because of invalid transaction id"},
 };
 
 bool isOfExhaustedMemory(const std::string& answer) {
@@ -130,8 +147,9 @@ TEST_P(ExhaustedMemoryTest, IsAnErrorOfTheMethod) {
           << answer << " after " << successes;
       ASSERT_TRUE(daemon().process().running());
       ASSERT_EQ(client().answer("single_get('witness')"), "'7'");
-      // What is half staged does not stay.
+      // What is half staged does not stay, and what is committed has been told.
       ASSERT_EQ(client().answer("commit(0)"), "()") << "after " << successes;
+      expectTold();
     }
   }
 }

@@ -102,7 +102,14 @@ int resetAll(Transaction& transaction, char** names, bool status) {
 
 int commitAndPublish(Transaction& transaction, ValueObject* object) {
   std::vector<Change> changes;
-  const int result = commit(transaction, changes);
+  int result = INTERNAL_ERROR;
+  try {
+    result = commit(transaction, changes);
+  } catch (...) {
+    // Where memory is exhausted in between, what is stored is told all the same.
+    publish(object, changes);
+    throw;
+  }
   publish(object, changes);
   return result;
 }

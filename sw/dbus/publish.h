@@ -7,5 +7,6 @@
 #include "sw/dbus/value_object.h"
 
 /// Emits "name=value" for each of `changes`, in their order; nothing for no changes. What is too
-/// much for one signal goes out in several; a text that is too much by itself is left out.
-void publish(ValueObject* object, const std::vector<Change>& changes);
+/// much for one signal goes out in several; a text that is too much by itself is left out. Raises
+/// no exception.
+void publish(ValueObject* object, const std::vector<Change>& changes) noexcept;

@@ -232,6 +232,10 @@ class BoundsRun {
       const std::string value = std::to_string(number);
       expectOutcome(checkOf(wrapping_, value),
                     checkNumber(model_, value, number, true, OVERFLOW_WRAP), value);
+      const Outcome saturated = checkNumber(model_, value, number, true, OVERFLOW_SATURATE);
+      expectOutcome(checkOf(bounds_.integers(), value), saturated, value);
+      expectOutcome(checkOf(bounds_, value),
+                    model_.numbers.empty() ? checkText(model_, value) : saturated, value);
     }
     // Only the numbers around 0 are within reach of the texts.
     if (middle_ != 0) return;

@@ -59,6 +59,9 @@ CommitWatch::CommitWatch(Database& database, StagedValues& staged, const Instanc
     addInstance(evaluated_, *entry->parm, entry->indices);
   }
   addDependents(database);
+  for (const auto& [name, instance] : all) {
+    if (!evaluated_.contains(name) && isSettled(instance)) settledBefore_.emplace(name, instance);
+  }
 }
 
 void CommitWatch::addDependents(Database& database) {
@@ -86,6 +89,10 @@ void CommitWatch::expectSettled() const {
   for (const auto& [name, instance] : evaluated_) {
     demand(isSettled(instance) || isExempt(name, instance), name, " is not settled on \"",
            committedText(instance), "\"");
+  }
+  for (const auto& [name, instance] : settledBefore_) {
+    demand(isSettled(instance) || isBeyondThePlan(name, instance), name,
+           " is settled no more on \"", committedText(instance), "\"");
   }
 }
 

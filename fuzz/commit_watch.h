@@ -19,7 +19,8 @@ class CommitWatch {
   void expectOnlyPlannedChanged(const Instances& all) const;
 
   /// Demands, after a commit without failure, that every value that it evaluated is settled: its
-  /// own parameter, asked again in the committed situation, accepts it and leaves it as it is.
+  /// own parameter, asked again in the committed situation, accepts it and leaves it as it is; and
+  /// that what was settled before still is.
   ///
   /// What is exempt by a rule stands with the rule in the source.
   void expectSettled() const;
@@ -44,5 +45,6 @@ class CommitWatch {
   std::set<const ParmEntry*> stagedParms_;
   Instances evaluated_;
   Instances enumerated_;
+  Instances settledBefore_;                    // those that are not evaluated
   std::map<std::string, std::string> before_;  // committed texts by full name
 };

@@ -174,6 +174,7 @@ class Script {
       demand(!announced_.contains(name) || value != watch.before(name) || watch.isStaged(name) ||
                  parm.mode() == MODE_WRITE_ONLY,
              name, " is announced without a change");
+      demand(changes[i].held->value.text() == value, name, " is told with another value");
       announced_[name] = value;
     }
     for (const auto& [name, instance] : instances_) {
@@ -190,14 +191,15 @@ class Script {
 
   void runEnd(uint32_t& id) {
     trace("end");
-    const std::string before = committedState();
+    const uint32_t other = ids_[0] == id ? ids_[1] : ids_[0];
+    const std::string before = committedState() + stagedState(other);
     const uint32_t ended = id;
     demand(transactions_.end(ended) == 0, "an open transaction cannot be ended");
     demand(transactions_.find(ended) == nullptr, "an ended transaction is found");
     demand(transactions_.end(ended) == 1, "a transaction ends twice");
     const Transaction* const opened = transactions_.open(id);
     demand(opened != nullptr && id != ended, "an id is used again at once");
-    demand(opened->staged().empty() && committedState() == before,
+    demand(opened->staged().empty() && committedState() + stagedState(other) == before,
            "an ended transaction left traces");
   }
 
@@ -232,16 +234,16 @@ class Script {
     return state;
   }
 
-  // Everything committed and everything staged.
-  std::string state() {
-    std::string state = committedState();
-    for (const uint32_t id : ids_) {
-      for (const StagedEntry* entry : transactionOf(id).staged().inNameOrder()) {
-        state += std::to_string(id) + " " + stagedText(*entry);
-      }
+  std::string stagedState(uint32_t id) {
+    std::string state;
+    for (const StagedEntry* entry : transactionOf(id).staged().inNameOrder()) {
+      state += std::to_string(id) + " " + stagedText(*entry);
     }
     return state;
   }
+
+  // Everything committed and everything staged.
+  std::string state() { return committedState() + stagedState(ids_[0]) + stagedState(ids_[1]); }
 
   Database& database_;
   FuzzInput& input_;

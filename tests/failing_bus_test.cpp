@@ -278,13 +278,23 @@ TEST_F(RunningServiceTest, EndsWithTheBusAtRest) {
   expectEnd();
 }
 
+// Until the process has worked for some time.
+void waitForWork(pid_t pid) {
+  const gint64 deadline = g_get_monotonic_time() + PATIENCE * G_TIME_SPAN_SECOND;
+  const long before = workedTicks(pid);
+  while (workedTicks(pid) < before + 2) {
+    ASSERT_LT(g_get_monotonic_time(), deadline);
+    usleep(1000);
+  }
+}
+
 TEST_F(RunningServiceTest, EndsWithTheBusInTheMiddleOfACommit) {
   std::string names;
   for (int i = 1; i <= 100000; ++i) names += "'wide[" + std::to_string(i) + "]',";
   names.pop_back();
   client().send("single_reset_bulk([" + names + "])");
   g_dbus_connection_flush_sync(client().connection(), nullptr, nullptr);
-  usleep(50000);  // it works now; were it late, the call would be lost, which is also good
+  waitForWork(daemon().process().pid());
   bus().stop();
   expectEnd();
   static_cast<void>(client().collectAnswers());  // that the connection is closed

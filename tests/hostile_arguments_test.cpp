@@ -198,6 +198,16 @@ TEST_F(HostileArgumentsTest, ListsOfUnequalLengthEndWithTheShorter) {
     }
     expectSound();
   }
+  EXPECT_EQ(client().answer("single_set_bulk(['note', 'level'], ['y'])"), "()");
+  EXPECT_EQ(client().answer("single_set_bulk(['level'], ['4', '3'])"), "()");
+  EXPECT_EQ(client().answer("single_get_bulk(2, ['note', 'level'])"), "['y', '4']");
+  EXPECT_EQ(client().answer("single_set('level', '5')"), "()");
+}
+
+void expectTexts(const Reply& reply, size_t count) {
+  ASSERT_NE(reply.value, nullptr) << reply.errorMessage;
+  const VariantPointer texts(g_variant_get_child_value(reply.value.get(), 0));
+  EXPECT_EQ(g_variant_n_children(texts.get()), count);
 }
 
 TEST_F(HostileArgumentsTest, CountsBeyondTheNamesEndWithThem) {
@@ -207,10 +217,10 @@ TEST_F(HostileArgumentsTest, CountsBeyondTheNamesEndWithThem) {
       SCOPED_TRACE(std::to_string(count) + " of " + std::to_string(names));
       GVariant* list = textArray(std::vector<std::string>(names, "level"));
       const VariantPointer call(g_variant_ref_sink(g_variant_new("(u@as)", count, list)));
-      const Reply reply = client().call("single_get_bulk", call.get());
-      ASSERT_NE(reply.value, nullptr) << reply.errorMessage;
-      const VariantPointer values(g_variant_get_child_value(reply.value.get(), 0));
-      EXPECT_EQ(g_variant_n_children(values.get()), std::min<size_t>(count, names));
+      expectTexts(client().call("single_get_bulk", call.get()), std::min<size_t>(count, names));
+      const VariantPointer again(g_variant_get_child_value(call.get(), 1));
+      expectTexts(client().call("get_bulk", g_variant_new("(uu@as)", 0, count, again.get())),
+                  std::min<size_t>(count, names));
     }
   }
   expectSound();

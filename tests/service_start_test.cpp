@@ -266,19 +266,6 @@ TEST_F(ServiceStartTest, InTheForegroundStreamsAndDirectoryStay) {
   }
 }
 
-// The ticks of the clock for which a process has worked so far.
-long workedTicks(pid_t pid) {
-  std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
-  std::string skipped;
-  for (int field = 1; field < 14; ++field) {
-    file >> skipped;
-  }
-  long user = 0;
-  long system = 0;
-  file >> user >> system;
-  return user + system;
-}
-
 // With streams closed by whoever starts the daemon.
 class ClosedStreamsTest : public ServiceTest, public testing::WithParamInterface<const char*> {
  protected:

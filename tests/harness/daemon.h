@@ -25,6 +25,10 @@ class Daemon {
     std::string preload = {};
   };
   explicit Daemon(const Options& options);
+  /// Fails the test where a sanitizer has reported something.
+  ~Daemon();
+  Daemon(const Daemon&) = delete;
+  Daemon& operator=(const Daemon&) = delete;
   [[nodiscard]] Process& process() { return process_; }
   Ending waitForEnd() { return process_.waitForEnd(); }
   /// The lines that went to the system log since the last call. A line of another priority than

@@ -205,3 +205,15 @@ pid_t childBesides(pid_t known) {
   }
   return 0;
 }
+
+long workedTicks(pid_t pid) {
+  std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
+  std::string skipped;
+  for (int field = 1; field < 14; ++field) {
+    file >> skipped;
+  }
+  long user = 0;
+  long system = 0;
+  file >> user >> system;
+  return user + system;
+}

@@ -66,3 +66,6 @@ bool waitUntilReadable(int descriptor);
 
 /// The one child of this process besides `known`; 0 when there is none.
 pid_t childBesides(pid_t known);
+
+/// How long a process has worked, in clock ticks.
+long workedTicks(pid_t pid);

@@ -63,7 +63,8 @@ TEST_F(WalkedAgainTest, ALevelThatSettlesIsDone) {
 
 TEST_F(WalkedAgainTest, AnotherFailureEndsTheWalks) {
   // b's correction divides by 0.
-  defineByHand({PULLED, {.common = {.name = "b"}, .rules = {{"a != 9", "sw::this == 0", "1 / 0"}}}});
+  defineByHand(
+      {PULLED, {.common = {.name = "b"}, .rules = {{"a != 9", "sw::this == 0", "1 / 0"}}}});
   stage("b", "0");
   EXPECT_EQ(commitNames(transaction_, changed_), COMMIT_DONE);
   stage("a", "4");
@@ -88,8 +89,8 @@ TEST_F(WalkedAgainTest, ATargetWhoseRuleStillFailsIsRefused) {
   ParmText pulled = PULLED;
   pulled.rules.front().condition = "c != 9";
   defineByHand({pulled,
-          {.common = {.name = "b"}, .rules = {{"a != 9", "1", "0"}}},
-          {.common = {.name = "c"}, .rules = {{"a != 9", "0", "1 / 0"}}}});
+                {.common = {.name = "b"}, .rules = {{"a != 9", "1", "0"}}},
+                {.common = {.name = "c"}, .rules = {{"a != 9", "0", "1 / 0"}}}});
   stage("a", "1");
   stage("b", "1");
   BoundsParm range;

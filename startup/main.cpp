@@ -1,5 +1,6 @@
 // The program: the order of start-up, nothing else.
 #include <malloc.h>
+
 #include "database/database.h"
 #include "startup/command_line.h"
 #include "startup/constants.h"
@@ -18,6 +19,6 @@ int main(int argc, char** argv) {
   });
   const int result = readDefinitions(stdin, database);
   if (result != 0) return result;
-  malloc_trim(0);
+  malloc_trim(0);  // what reading took goes back to the system, or it would stay for good
   return runService(database, commandLine.busSuffix, commandLine.daemonize, commandLine.pathSuffix);
 }

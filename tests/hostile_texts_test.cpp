@@ -3,9 +3,7 @@
 // test notes how long the start took and how much memory the daemon had at most (--gtest_output
 // shows both). The time is bounded by the tests' patience, the memory by MAX_PEAK_KIB.
 #include <chrono>
-#include <fstream>
 #include <functional>
-#include <sstream>
 
 #include "tests/harness/service_test.h"
 
@@ -94,26 +92,12 @@ class HostileTextsTest : public ServiceTest {
   void TearDown() override {
     if (HasFatalFailure()) return;
     expectAlive("2");
-    const size_t peak = peakMemory();
+    const size_t peak = memoryOf(daemon().process().pid(), "VmHWM:");
     RecordProperty("peak_kib", std::to_string(peak));
     if (!isWatched()) {
       EXPECT_LT(peak, MAX_PEAK_KIB);
     }
     ServiceTest::TearDown();
-  }
-
- private:
-  // The line "VmHWM:   12345 kB" of the daemon's status.
-  size_t peakMemory() {
-    std::ifstream status("/proc/" + std::to_string(daemon().process().pid()) + "/status");
-    for (std::string line; std::getline(status, line);) {
-      std::istringstream words(line);
-      std::string key;
-      size_t value = 0;
-      if (words >> key >> value && key == "VmHWM:") return value;
-    }
-    ADD_FAILURE() << "no peak memory";
-    return 0;
   }
 };
 

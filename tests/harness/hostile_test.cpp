@@ -2,8 +2,6 @@
 
 #include <unistd.h>
 
-#include <filesystem>
-
 namespace {
 
 constexpr const char* DEFINITIONS = R"(
@@ -27,11 +25,6 @@ bool settlesAt(pid_t pid, size_t descriptors) {
 }
 
 }  // namespace
-
-size_t openDescriptors(pid_t pid) {
-  const std::filesystem::directory_iterator entries("/proc/" + std::to_string(pid) + "/fd");
-  return static_cast<size_t>(std::distance(begin(entries), end(entries)));
-}
 
 void HostileTest::SetUp() {
   serve(DEFINITIONS);

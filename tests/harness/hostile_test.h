@@ -24,6 +24,3 @@ class HostileTest : public ServiceTest {
   std::unique_ptr<Client> witness_;
   size_t descriptors_ = 0;
 };
-
-/// The number of open file descriptors of a process.
-size_t openDescriptors(pid_t pid);

@@ -16,6 +16,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 
 namespace {
 
@@ -216,4 +217,21 @@ long workedTicks(pid_t pid) {
   long system = 0;
   file >> user >> system;
   return user + system;
+}
+
+size_t memoryOf(pid_t pid, std::string_view figure) {
+  std::ifstream status("/proc/" + std::to_string(pid) + "/status");
+  for (std::string line; std::getline(status, line);) {
+    std::istringstream words(line);
+    std::string key;
+    size_t value = 0;
+    if (words >> key >> value && key == figure) return value;
+  }
+  ADD_FAILURE() << "no figure " << figure;
+  return 0;
+}
+
+size_t openDescriptors(pid_t pid) {
+  const std::filesystem::directory_iterator entries("/proc/" + std::to_string(pid) + "/fd");
+  return static_cast<size_t>(std::distance(begin(entries), end(entries)));
 }

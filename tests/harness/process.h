@@ -69,3 +69,10 @@ pid_t childBesides(pid_t known);
 
 /// How long a process has worked, in clock ticks.
 long workedTicks(pid_t pid);
+
+/// How much memory a process has, in KiB, by what the system calls `figure`: "VmRSS:" now, "VmHWM:"
+/// at most so far.
+size_t memoryOf(pid_t pid, std::string_view figure);
+
+/// The number of open file descriptors of a process.
+size_t openDescriptors(pid_t pid);

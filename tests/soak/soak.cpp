@@ -15,8 +15,6 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -65,23 +63,11 @@ size_t kindOf(const std::string& message) {
 
 // What the system says about the daemon.
 struct Figures {
-  long kilobytes = 0;  ///< of resident memory
-  long descriptors = 0;
+  size_t kilobytes = 0;  ///< of resident memory
+  size_t descriptors = 0;
 };
 
-Figures figuresOf(pid_t pid) {
-  Figures figures;
-  const std::string directory = "/proc/" + std::to_string(pid);
-  std::ifstream status(directory + "/status");
-  for (std::string line; std::getline(status, line);) {
-    if (line.starts_with("VmRSS:")) {
-      figures.kilobytes = std::atol(line.c_str() + strlen("VmRSS:"));
-    }
-  }
-  const std::filesystem::directory_iterator descriptors(directory + "/fd");
-  figures.descriptors = std::distance(begin(descriptors), end(descriptors));
-  return figures;
-}
+Figures figuresOf(pid_t pid) { return {memoryOf(pid, "VmRSS:"), openDescriptors(pid)}; }
 
 std::string contentsOf(const char* file) {
   std::ifstream stream(file);
@@ -111,7 +97,7 @@ void printRow(const Crew& crew, const Figures& figures, double seconds) {
   for (const uint64_t count : errors) {
     printf(" %7lu", count);
   }
-  printf(" %9ld %5ld %7.1f\n", figures.kilobytes, figures.descriptors, seconds);
+  printf(" %9zu %5zu %7.1f\n", figures.kilobytes, figures.descriptors, seconds);
   fflush(stdout);
 }
 

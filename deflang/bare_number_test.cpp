@@ -4,6 +4,8 @@
 
 #include <climits>
 
+#include "deflang/reader_testing.h"
+
 namespace {
 
 constexpr StopSet STOPS(",}");
@@ -31,7 +33,7 @@ TEST(BareNumber, IsTheWholeWord) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.line);
-    Cursor cursor(c.line, 1);
+    Cursor cursor(c.line, 1, testMemory());
     int32_t number = 4711;
     EXPECT_EQ(readBareNumber(cursor, STOPS, number), PARSE_DONE);
     EXPECT_EQ(number, c.number);
@@ -54,7 +56,7 @@ TEST(BareNumber, FailsAtTheFirstCharacterOfNoNumber) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.line);
-    Cursor cursor(c.line, 1);
+    Cursor cursor(c.line, 1, testMemory());
     int32_t number = 4711;
     EXPECT_EQ(readBareNumber(cursor, STOPS, number), PARSE_SYNTAX_ERROR);
     EXPECT_EQ(number, 4711);

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "deflang/parse_result.h"
+#include "deflang/record_memory.h"
 #include "deflang/token.h"
 
 /// White space as the C locale has it, whatever locale the program runs in: bytes from 0x80 up are
@@ -34,12 +35,15 @@ class StopSet {
 /// that step started, or at the first one of a bare number that did not convert, for the caret.
 class Cursor {
  public:
-  /// At the start of `line`, which is line `number` (from 1) of its text.
-  Cursor(std::string_view line, uint32_t number) : line_(line), number_(number) {}
+  /// At the start of `line`, which is line `number` (from 1) of its text. What is read from it is
+  /// kept in `memory`.
+  Cursor(std::string_view line, uint32_t number, RecordMemory& memory)
+      : line_(line), number_(number), memory_(memory) {}
 
   [[nodiscard]] size_t column() const { return column_; }
   [[nodiscard]] Position position() const { return {number_, static_cast<uint32_t>(column_)}; }
   [[nodiscard]] std::string_view line() const { return line_; }
+  [[nodiscard]] RecordMemory& memory() const { return memory_; }
   /// What has not been read yet.
   [[nodiscard]] std::string_view rest() const { return line_.substr(column_); }
   [[nodiscard]] bool atEnd() const { return column_ == line_.size(); }
@@ -77,5 +81,6 @@ class Cursor {
  private:
   std::string_view line_;
   uint32_t number_;
+  RecordMemory& memory_;
   size_t column_ = 0;
 };

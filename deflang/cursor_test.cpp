@@ -6,6 +6,8 @@
 #include <clocale>
 #include <string>
 
+#include "deflang/reader_testing.h"
+
 namespace {
 
 TEST(WhiteSpace, IsThatOfTheCLocale) {
@@ -43,14 +45,14 @@ TEST(Cursor, ReadsAWordWithoutGoingOn) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.line);
-    const Cursor cursor(c.line, 1);
+    const Cursor cursor(c.line, 1, testMemory());
     EXPECT_EQ(cursor.word(stops), c.word);
     EXPECT_EQ(cursor.column(), 0U);
   }
 }
 
 TEST(Cursor, SkipsWhiteSpaceToTheNextCharacterOrTheEnd) {
-  Cursor cursor(" \t\v\f\rx \n", 7);
+  Cursor cursor(" \t\v\f\rx \n", 7, testMemory());
   EXPECT_TRUE(cursor.skipWhiteSpace());
   EXPECT_EQ(cursor.column(), 5U);
   EXPECT_EQ(cursor.position().line, 7U);
@@ -62,7 +64,7 @@ TEST(Cursor, SkipsWhiteSpaceToTheNextCharacterOrTheEnd) {
 }
 
 TEST(Cursor, TakesOnlyTheSignThatComesNext) {
-  Cursor cursor("->x", 1);
+  Cursor cursor("->x", 1, testMemory());
   EXPECT_FALSE(cursor.take("x"));
   EXPECT_EQ(cursor.column(), 0U);
   EXPECT_TRUE(cursor.take("->"));
@@ -83,14 +85,14 @@ TEST(Cursor, ExpectsASignAfterWhiteSpace) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.line);
-    Cursor cursor(c.line, 1);
+    Cursor cursor(c.line, 1, testMemory());
     EXPECT_EQ(cursor.expect("{"), c.result);
     EXPECT_EQ(cursor.column(), c.column);
   }
 }
 
 TEST(Cursor, MovesBackForACaret) {
-  Cursor cursor("gain wo", 1);
+  Cursor cursor("gain wo", 1, testMemory());
   cursor.advance(7);
   cursor.moveTo(5);
   EXPECT_EQ(cursor.rest(), "wo");

@@ -49,7 +49,7 @@ void resetReader(Statement& statement) {
 template <auto READER, auto LIST>
 int readInto(Statement& statement, Cursor& cursor, ParameterRecord& record) {
   const int result = (statement.*READER).read(cursor);
-  if (result == PARSE_DONE) (record.*LIST).push_back((statement.*READER).take());
+  if (result == PARSE_DONE) (record.*LIST).add((statement.*READER).take(), cursor.memory());
   return result;
 }
 
@@ -67,7 +67,7 @@ int readCtrlRO(Statement& statement, Cursor& cursor, ParameterRecord& record) {
     moveToStatement(statement, cursor);
     return PARSE_INVALID_ACCESS;
   }
-  record.ctrlRO.push_back(statement.control.take());
+  record.ctrlRO.add(statement.control.take(), cursor.memory());
   return PARSE_DONE;
 }
 
@@ -102,8 +102,8 @@ const T* findWord(const T (&table)[N], std::string_view word) {
 }
 
 bool isComment(std::string_view line) {
-  Cursor cursor(line, 0);
-  return cursor.skipWhiteSpace() && cursor.at("#");
+  const auto first = std::find_if_not(line.begin(), line.end(), isWhiteSpace);
+  return first != line.end() && *first == '#';
 }
 
 }  // namespace
@@ -212,7 +212,7 @@ DefinitionParser::~DefinitionParser() = default;
 
 int DefinitionParser::parseLine(ParameterRecords& records, std::string_view line,
                                 uint32_t lineNumber, size_t& column) {
-  Cursor cursor(line, lineNumber);
+  Cursor cursor(line, lineNumber, records.memory());
   const int result = isComment(line) ? PARSE_DONE : state_->readLine(records, cursor);
   column = cursor.column();
   return result == PARSE_CONTINUES ? PARSE_DONE : result;

@@ -10,7 +10,7 @@
 namespace {
 
 std::string textOf(const ParameterRecord& record) {
-  std::string text = record.name + " " + std::to_string(record.access) + " {\n";
+  std::string text = std::string(record.name) + " " + std::to_string(record.access) + " {\n";
   for (const auto& statement : record.indices) text += "index " + textOf(statement) + "\n";
   for (const auto& statement : record.rangeValid) text += "rangeValid " + textOf(statement) + "\n";
   for (const auto& statement : record.rangeDoc) text += "rangeDoc " + textOf(statement) + "\n";
@@ -77,10 +77,10 @@ TEST(DefinitionParser, ReadsADefinitionSpreadOverLines) {
   const ParameterRecord* const gain = parsed.records.find("gain");
   ASSERT_NE(gain, nullptr);
   EXPECT_EQ(gain->line, 2U);
-  EXPECT_EQ(textOf(gain->indices[0][0].at), "3:8");
-  EXPECT_EQ(textOf(gain->rangeValid[0].items[0].at), "4:13");
-  EXPECT_EQ(placesOf(gain->ctrlRO[0]), "5:9 5:14 5:17");
-  EXPECT_EQ(textOf(gain->defaults[0].at), "6:10");
+  EXPECT_EQ(textOf(gain->indices.front()[0].at), "3:8");
+  EXPECT_EQ(textOf(gain->rangeValid.front().items[0].at), "4:13");
+  EXPECT_EQ(placesOf(gain->ctrlRO.front()), "5:9 5:14 5:17");
+  EXPECT_EQ(textOf(gain->defaults.front().at), "6:10");
 }
 
 TEST(DefinitionParser, KeepsEveryStatementInItsOrder) {
@@ -351,7 +351,8 @@ TEST(DefinitionParser, TakesLongTextsInTheirStride) {
   parsed.parse({") }"});
   EXPECT_EQ(parsed.stop.result, PARSE_DONE);
   EXPECT_EQ(parsed.records.size(), 101U);
-  EXPECT_EQ(parsed.records.find(name + "0")->defaults.size(), 200U);
+  const ParameterRecord* const record = parsed.records.find(name + "0");
+  EXPECT_EQ(std::distance(record->defaults.begin(), record->defaults.end()), 200);
   EXPECT_EQ(parsed.records.find("sum")->ctrlRO.front().tokens.size(), 2U * count + 1);
 }
 

@@ -23,9 +23,11 @@ LineTexts sampleLines() {
 
 // The condition in the sample lines.
 Expression sampleExpression() {
-  return {{{.at = {2, 11}, .kind = TOKEN_VARIABLE, .number = 0, .text = "mode"},
-           {.at = {2, 16}, .kind = OP_EQUAL, .number = 0, .text = ""},
-           {.at = {3, 0}, .kind = TOKEN_NUMBER, .number = 2, .text = ""}}};
+  static constexpr Token tokens[] = {
+      {.at = {2, 11}, .kind = TOKEN_VARIABLE, .number = 0, .text = "mode"},
+      {.at = {2, 16}, .kind = OP_EQUAL, .number = 0, .text = ""},
+      {.at = {3, 0}, .kind = TOKEN_NUMBER, .number = 2, .text = ""}};
+  return {tokens};
 }
 
 TEST(DiagnosticMessage, IsThereForEveryCode) {

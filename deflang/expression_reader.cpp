@@ -21,21 +21,20 @@ int32_t negated(int32_t number) { return static_cast<int32_t>(0U - static_cast<u
 
 // A minus sign before a number is the number's where an operand must stand: at the start and after
 // an operator. After "(" it stays an operator without a left side, which the check refuses.
-std::vector<Token> foldNegativeNumbers(std::vector<Token>& tokens) {
-  std::vector<Token> folded;
-  folded.reserve(tokens.size());
-  for (Token& token : tokens) {
-    const bool isNegative = token.kind == TOKEN_NUMBER && !folded.empty() &&
-                            folded.back().kind == OP_SUBTRACT &&
-                            (folded.size() == 1 || isOperator(folded[folded.size() - 2].kind));
+void foldNegativeNumbers(std::vector<Token>& tokens) {
+  size_t folded = 0;  // how many tokens are left so far
+  for (const Token& token : tokens) {
+    const bool isNegative = token.kind == TOKEN_NUMBER && folded > 0 &&
+                            tokens[folded - 1].kind == OP_SUBTRACT &&
+                            (folded == 1 || isOperator(tokens[folded - 2].kind));
     if (isNegative) {
-      folded.back().kind = TOKEN_NUMBER;  // where the sign stands
-      folded.back().number = negated(token.number);
+      tokens[folded - 1].kind = TOKEN_NUMBER;  // where the sign stands
+      tokens[folded - 1].number = negated(token.number);
     } else {
-      folded.push_back(std::move(token));
+      tokens[folded++] = token;
     }
   }
-  return folded;
+  tokens.resize(folded);
 }
 
 }  // namespace
@@ -70,8 +69,7 @@ int ExpressionReader::readQuoted(Cursor& cursor) {
   }
   const int result = suffix_.read(cursor);
   if (result == PARSE_DONE) {
-    const std::string suffix = suffix_.take();
-    tokens_.back().text.append("[").append(trimmed(suffix)).append("]");
+    growName({"[", trimmed(suffix_.take()), "]"});
   }
   return result;
 }
@@ -84,7 +82,9 @@ int ExpressionReader::readSign(Cursor& cursor) {
   if (sign->code == TOKEN_CLOSE) --depth_;
   if (isOpen()) addToken(cursor, sign->code);
   cursor.advance(sign->text.size());
-  if (!isOpen()) cursor.skipWhiteSpace();
+  if (isOpen()) return PARSE_DONE;
+  finish(cursor);
+  cursor.skipWhiteSpace();
   return PARSE_DONE;
 }
 
@@ -97,38 +97,61 @@ int ExpressionReader::openSuffix(Cursor& cursor) {
 // Whether "::FIGURE" stands behind a "vidStd::PARAMETER[...]": the only name that goes on there.
 bool ExpressionReader::continuesName(std::string_view word) const {
   return word.starts_with("::") && !tokens_.empty() && tokens_.back().kind == TOKEN_VARIABLE &&
-         tokens_.back().text.starts_with("vidStd::") && tokens_.back().text.ends_with(']');
+         lastName().starts_with("vidStd::") && lastName().ends_with(']');
 }
 
 int ExpressionReader::readOperand(Cursor& cursor, std::string_view word) {
   if (continuesName(word)) {
-    tokens_.back().text.append(word);
+    growName({word});
     cursor.advance(word.size());
     return PARSE_DONE;
   }
   const std::optional<int32_t> number = wholeNumber(word);
-  addToken(cursor, number ? TOKEN_NUMBER : TOKEN_VARIABLE);
+  Token& token = addToken(cursor, number ? TOKEN_NUMBER : TOKEN_VARIABLE);
   if (number) {
-    tokens_.back().number = *number;
+    token.number = *number;
   } else {
-    tokens_.back().text = word;
+    token.text = cursor.memory().keepText(word);
   }
   cursor.advance(word.size());
   return PARSE_DONE;
 }
 
-void ExpressionReader::addToken(const Cursor& cursor, int32_t kind) {
-  tokens_.push_back({cursor.position(), kind, 0, {}});
+Token& ExpressionReader::addToken(const Cursor& cursor, int32_t kind) {
+  endName(cursor);
+  return tokens_.emplace_back(Token{cursor.position(), kind, 0, {}});
 }
 
-Expression ExpressionReader::take() {
-  Expression expression{foldNegativeNumbers(tokens_)};
-  tokens_.clear();
-  return expression;
+std::string_view ExpressionReader::lastName() const {
+  return grownName_.empty() ? tokens_.back().text : grownName_;
 }
+
+// A name is kept when it is complete: one that took up memory with each index value would take the
+// square of its length.
+void ExpressionReader::growName(std::initializer_list<std::string_view> parts) {
+  if (grownName_.empty()) grownName_ = tokens_.back().text;
+  for (const std::string_view part : parts) grownName_ += part;
+}
+
+void ExpressionReader::endName(const Cursor& cursor) {
+  if (grownName_.empty()) return;
+  tokens_.back().text = cursor.memory().keepText(grownName_);
+  grownName_.clear();
+}
+
+void ExpressionReader::finish(const Cursor& cursor) {
+  endName(cursor);
+  foldNegativeNumbers(tokens_);
+  expression_.tokens = cursor.memory().keepList<Token>(tokens_);
+  tokens_.clear();
+}
+
+Expression ExpressionReader::take() { return std::exchange(expression_, {}); }
 
 void ExpressionReader::reset() {
   tokens_.clear();
+  grownName_.clear();
+  expression_ = {};
   string_.reset();
   suffix_.reset();
   depth_ = 0;

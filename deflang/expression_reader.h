@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "deflang/cursor.h"
 #include "deflang/quoted_text.h"
@@ -30,9 +32,15 @@ class ExpressionReader {
   [[nodiscard]] bool continuesName(std::string_view word) const;
   int openString(Cursor& cursor);
   int openSuffix(Cursor& cursor);
-  void addToken(const Cursor& cursor, int32_t kind);
+  Token& addToken(const Cursor& cursor, int32_t kind);
+  [[nodiscard]] std::string_view lastName() const;
+  void growName(std::initializer_list<std::string_view> parts);
+  void endName(const Cursor& cursor);
+  void finish(const Cursor& cursor);
 
-  std::vector<Token> tokens_;
+  std::vector<Token> tokens_;  // so far
+  std::string grownName_;      // of the last token, a variable with index values
+  Expression expression_;      // once it is complete
   QuotedText string_;
   QuotedText suffix_{'[', ']'};  // of the variable that is the last token
   size_t depth_ = 0;             // parentheses that are open

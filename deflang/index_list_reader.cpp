@@ -35,7 +35,7 @@ int IndexListReader::readName(Cursor& cursor) {
   if (!cursor.skipWhiteSpace()) return PARSE_CONTINUES;
   const std::string_view name = cursor.word(NAME_STOPS);
   if (name.empty()) return PARSE_SYNTAX_ERROR;
-  names_.push_back({std::string(name), cursor.position()});
+  names_.push_back({cursor.memory().keepText(name), cursor.position()});
   cursor.advance(name.size());
   stage_ = SEPARATOR;
   return PARSE_DONE;
@@ -48,13 +48,16 @@ int IndexListReader::readSeparator(Cursor& cursor) {
     return PARSE_DONE;
   }
   const int result = cursor.expect("}");
-  if (result == PARSE_DONE) stage_ = END;
-  return result;
+  if (result != PARSE_DONE) return result;
+  statement_ = cursor.memory().keepList<IndexName>(names_);
+  stage_ = END;
+  return PARSE_DONE;
 }
 
-IndexStatement IndexListReader::take() { return std::exchange(names_, {}); }
+IndexStatement IndexListReader::take() { return std::exchange(statement_, {}); }
 
 void IndexListReader::reset() {
   stage_ = OPENING;
   names_.clear();
+  statement_ = {};
 }

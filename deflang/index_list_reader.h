@@ -1,6 +1,8 @@
 // Index list reader: the statement "index", from after the keyword.
 #pragma once
 
+#include <vector>
+
 #include "deflang/cursor.h"
 #include "deflang/record.h"
 
@@ -23,5 +25,6 @@ class IndexListReader {
   int readSeparator(Cursor& cursor);
 
   stage_t stage_ = OPENING;
-  IndexStatement names_;
+  std::vector<IndexName> names_;  // so far
+  IndexStatement statement_;
 };

@@ -78,7 +78,7 @@ class Conversion {
 
 int postfixOrder(const Expression& expression, std::vector<const Token*>& order) {
   order.clear();
-  const std::vector<Token>& tokens = expression.tokens;
+  const std::span<const Token> tokens = expression.tokens;
   if (tokens.empty()) return -1;
   order.reserve(tokens.size());
   Conversion conversion(order);

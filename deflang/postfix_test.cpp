@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "deflang/operators.h"
 #include "deflang/test_expressions.h"
@@ -19,7 +20,7 @@ std::string show(const std::vector<const Token*>& order) {
     if (isOperator(token->kind)) {
       shown += texts[token->kind];
     } else {
-      shown += token->kind == TOKEN_NUMBER ? std::to_string(token->number) : token->text;
+      shown += token->kind == TOKEN_NUMBER ? std::to_string(token->number) : std::string(token->text);
     }
   }
   return shown;
@@ -131,15 +132,15 @@ TEST(Postfix, TellsTheTokenAtWhichItFails) {
   }
 }
 
-Expression ofKinds(std::initializer_list<int32_t> kinds) {
-  Expression expression;
-  for (const int32_t kind : kinds) expression.tokens.push_back({{1, 0}, kind, 1, {}});
-  return expression;
+std::vector<Token> ofKinds(std::initializer_list<int32_t> kinds) {
+  std::vector<Token> tokens;
+  for (const int32_t kind : kinds) tokens.push_back({{1, 0}, kind, 1, {}});
+  return tokens;
 }
 
 struct KindsCase {
   const char* what;
-  Expression expression;
+  std::vector<Token> tokens;
   int position;
 };
 
@@ -159,21 +160,20 @@ TEST(Postfix, RefusesWhatNoReaderMakes) {
   for (const KindsCase& c : cases) {
     SCOPED_TRACE(c.what);
     std::vector<const Token*> order;
-    EXPECT_EQ(postfixOrder(c.expression, order), c.position);
+    EXPECT_EQ(postfixOrder({c.tokens}, order), c.position);
   }
 }
 
 TEST(Postfix, DeepNestingNeedsNoRecursion) {
   constexpr size_t DEPTH = 200'000;
-  Expression expression;
-  expression.tokens.assign(DEPTH, {{1, 0}, TOKEN_OPEN, 0, {}});
-  expression.tokens.push_back({{1, 0}, TOKEN_NUMBER, 7, {}});
-  expression.tokens.insert(expression.tokens.end(), DEPTH, {{1, 0}, TOKEN_CLOSE, 0, {}});
+  std::vector<Token> tokens(DEPTH, {{1, 0}, TOKEN_OPEN, 0, {}});
+  tokens.push_back({{1, 0}, TOKEN_NUMBER, 7, {}});
+  tokens.insert(tokens.end(), DEPTH, {{1, 0}, TOKEN_CLOSE, 0, {}});
   std::vector<const Token*> order;
-  EXPECT_EQ(postfixOrder(expression, order), 0);
+  EXPECT_EQ(postfixOrder({tokens}, order), 0);
   EXPECT_EQ(show(order), "7");
-  expression.tokens.pop_back();
-  EXPECT_EQ(postfixOrder(expression, order), static_cast<int>(2 * DEPTH));
+  tokens.pop_back();
+  EXPECT_EQ(postfixOrder({tokens}, order), static_cast<int>(2 * DEPTH));
 }
 
 }  // namespace

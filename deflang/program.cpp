@@ -193,7 +193,7 @@ Program::Step Program::stepOf(const Token& token, std::vector<std::string>& text
     case TOKEN_NUMBER:
       return {TOKEN_NUMBER, token.number};
     case TOKEN_STRING:
-      texts.push_back(token.text);
+      texts.emplace_back(token.text);
       return {TOKEN_STRING, static_cast<int32_t>(texts.size() - 1)};
     case TOKEN_VARIABLE:
       return {TOKEN_VARIABLE, static_cast<int32_t>(variables.slot(token.text))};

@@ -16,17 +16,21 @@ int QuotedText::read(Cursor& cursor) {
   if (open_) {
     cursor.advance(rest.size());
     if (rest.ends_with('\n')) rest.remove_suffix(1);
-    text_ += rest;
+    earlier_ += rest;
     return PARSE_CONTINUES;
   }
-  text_ += rest.substr(0, end);
+  std::string_view text = rest.substr(0, end);
+  if (!earlier_.empty()) text = earlier_ += text;
+  text_ = cursor.memory().keepText(text);
+  earlier_.clear();
   cursor.advance(end + 1);
   return PARSE_DONE;
 }
 
-std::string QuotedText::take() { return std::exchange(text_, {}); }
+std::string_view QuotedText::take() { return std::exchange(text_, {}); }
 
 void QuotedText::reset() {
   open_ = false;
-  text_.clear();
+  earlier_.clear();
+  text_ = {};
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "deflang/cursor.h"
 
@@ -20,12 +21,13 @@ class QuotedText {
   /// ends before it.
   int read(Cursor& cursor);
   /// Hands over the text that was read.
-  std::string take();
+  std::string_view take();
   void reset();
 
  private:
   char opening_ = '"';
   char closing_ = '"';
   bool open_ = false;
-  std::string text_;
+  std::string earlier_;  // what stands on earlier lines
+  std::string_view text_;
 };

@@ -46,13 +46,13 @@ int RangeReader::readCondition(Cursor& cursor) {
 
 int RangeReader::readFirstItem(Cursor& cursor) {
   if (!cursor.skipWhiteSpace()) return PARSE_CONTINUES;
-  stage_ = cursor.take("}") ? END : ITEM;
+  stage_ = cursor.take("}") ? END : ITEM;  // without items there is nothing to keep
   return PARSE_DONE;
 }
 
 int RangeReader::readItem(Cursor& cursor) {
   if (!cursor.skipWhiteSpace()) return PARSE_CONTINUES;
-  statement_.items.push_back({.at = cursor.position(), .text = {}, .lower = {}, .upper = {}});
+  items_.push_back({.at = cursor.position(), .text = {}, .lower = {}, .upper = {}});
   stage_ = text_.open(cursor) ? TEXT : LOWER;
   return PARSE_DONE;
 }
@@ -60,7 +60,7 @@ int RangeReader::readItem(Cursor& cursor) {
 int RangeReader::readText(Cursor& cursor) {
   const int result = text_.read(cursor);
   if (result != PARSE_DONE) return result;
-  statement_.items.back().text = text_.take();
+  items_.back().text = text_.take();
   stage_ = SEPARATOR;
   return PARSE_DONE;
 }
@@ -68,7 +68,7 @@ int RangeReader::readText(Cursor& cursor) {
 int RangeReader::readLower(Cursor& cursor) {
   const int result = value_.read(cursor, LOWER_STOPS);
   if (result != PARSE_DONE) return result;
-  statement_.items.back().lower = value_.take();
+  items_.back().lower = value_.take();
   stage_ = SPAN;
   return PARSE_DONE;
 }
@@ -82,7 +82,7 @@ int RangeReader::readSpan(Cursor& cursor) {
 int RangeReader::readUpper(Cursor& cursor) {
   const int result = value_.read(cursor, UPPER_STOPS);
   if (result != PARSE_DONE) return result;
-  statement_.items.back().upper = value_.take();
+  items_.back().upper = value_.take();
   stage_ = SEPARATOR;
   return PARSE_DONE;
 }
@@ -94,8 +94,10 @@ int RangeReader::readSeparator(Cursor& cursor) {
     return PARSE_DONE;
   }
   const int result = cursor.expect("}");
-  if (result == PARSE_DONE) stage_ = END;
-  return result;
+  if (result != PARSE_DONE) return result;
+  statement_.items = cursor.memory().keepList<RangeItem>(items_);
+  stage_ = END;
+  return PARSE_DONE;
 }
 
 RangeStatement RangeReader::take() { return std::exchange(statement_, {}); }
@@ -105,5 +107,6 @@ void RangeReader::reset() {
   condition_.reset();
   text_.reset();
   value_.reset();
+  items_.clear();
   statement_ = {};
 }

@@ -1,6 +1,8 @@
 // Range reader: the statements "rangeValid" and "rangeDoc", from after the keyword.
 #pragma once
 
+#include <vector>
+
 #include "deflang/condition_reader.h"
 #include "deflang/cursor.h"
 #include "deflang/quoted_text.h"
@@ -35,5 +37,6 @@ class RangeReader {
   ConditionReader condition_;
   QuotedText text_;
   ValueReader value_;
-  RangeStatement statement_;  // its last item may be incomplete
+  std::vector<RangeItem> items_;  // so far; the last one may be incomplete
+  RangeStatement statement_;
 };

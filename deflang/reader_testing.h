@@ -36,12 +36,18 @@ inline std::vector<std::string_view> linesOf(std::string_view text) {
   return lines;
 }
 
+/// Where what the tests read is kept.
+inline RecordMemory& testMemory() {
+  static RecordMemory memory;
+  return memory;
+}
+
 /// Gives `read` one line after the other while it asks for more.
 template <typename Read>
 Stop feedLines(Read read, const std::vector<std::string_view>& lines) {
   Stop stop = {PARSE_CONTINUES, 0, 0};
   for (const std::string_view line : lines) {
-    Cursor cursor(line, ++stop.line);
+    Cursor cursor(line, ++stop.line, testMemory());
     stop.result = read(cursor);
     stop.column = cursor.column();
     if (stop.result != PARSE_CONTINUES) break;
@@ -62,9 +68,9 @@ inline std::string textOf(const Token& token) {
     case TOKEN_NUMBER:
       return numberText(token.number);
     case TOKEN_STRING:
-      return "'" + token.text + "'";
+      return "'" + std::string(token.text) + "'";
     case TOKEN_VARIABLE:
-      return token.text;
+      return std::string(token.text);
     default:
       return operators[token.kind];
   }
@@ -95,7 +101,7 @@ inline std::string placesOf(const Expression& expression) {
 }
 
 inline std::string textOf(const RangeItem& item) {
-  if (item.text) return "'" + *item.text + "'";
+  if (item.text) return "'" + std::string(*item.text) + "'";
   const std::string lower = "[" + textOf(item.lower) + "]";
   return item.upper ? lower + "..[" + textOf(*item.upper) + "]" : lower;
 }
@@ -109,16 +115,16 @@ inline std::string textOf(const RangeStatement& statement) {
 
 inline std::string textOf(const DefaultStatement& statement) {
   const std::string value =
-      statement.text ? "'" + *statement.text + "'" : "[" + textOf(statement.value) + "]";
+      statement.text ? "'" + std::string(*statement.text) + "'" : "[" + textOf(statement.value) + "]";
   return "(" + textOf(statement.condition) + ") { " + value + " }";
 }
 
 inline std::string textOf(const Translation& translation) {
-  return "'" + translation.source + "' -> '" + translation.target + "'";
+  return "'" + std::string(translation.source) + "' -> '" + std::string(translation.target) + "'";
 }
 
 inline std::string textOf(const IndexStatement& statement) {
   std::string text = "{";
-  for (const IndexName& name : statement) text += " " + name.name;
+  for (const IndexName& name : statement) text.append(" ").append(name.name);
   return text + " }";
 }

@@ -1,22 +1,34 @@
 #include "deflang/record.h"
 
 #include <algorithm>
+#include <functional>
+
+namespace {
+
+size_t hashOf(std::string_view name) { return std::hash<std::string_view>{}(name); }
+
+}  // namespace
+
+std::optional<uint32_t> ParameterRecords::positionOf(std::string_view name) const {
+  return positions_.find(hashOf(name),
+                         [&](uint32_t position) { return records_[position].name == name; });
+}
 
 const ParameterRecord* ParameterRecords::find(std::string_view name) const {
-  const std::optional<uint32_t> found = names_.find(name);
+  const std::optional<uint32_t> found = positionOf(name);
   return found ? &records_[*found] : nullptr;
 }
 
 ParameterRecord* ParameterRecords::find(std::string_view name) {
-  const std::optional<uint32_t> found = names_.find(name);
+  const std::optional<uint32_t> found = positionOf(name);
   return found ? &records_[*found] : nullptr;
 }
 
 ParameterRecord& ParameterRecords::findOrAdd(std::string_view name, uint32_t line) {
   if (ParameterRecord* const known = find(name)) return *known;
-  names_.add(name);
+  positions_.add(hashOf(name), static_cast<uint32_t>(records_.size()));
   ParameterRecord& record = records_.emplace_back();
-  record.name = name;
+  record.name = memory_.keepText(name);
   record.line = line;
   return record;
 }

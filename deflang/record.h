@@ -4,11 +4,13 @@
 #include <cstdint>
 #include <deque>
 #include <optional>
-#include <string>
+#include <span>
 #include <string_view>
 #include <vector>
 
-#include "deflang/name_table.h"
+#include "deflang/position_table.h"
+#include "deflang/record_memory.h"
+#include "deflang/statement_list.h"
 #include "deflang/token.h"
 
 /// The word after the name.
@@ -23,16 +25,16 @@ enum accessCode_t : int {
 
 /// One name of an `index` statement.
 struct IndexName {
-  std::string name;
+  std::string_view name;
   Position at;
 };
-using IndexStatement = std::vector<IndexName>;
+using IndexStatement = std::span<const IndexName>;
 
 /// One item of a range statement: a quoted text, or a value with an optional upper value. A bare
 /// number is an expression of one token.
 struct RangeItem {
   Position at;
-  std::optional<std::string> text;
+  std::optional<std::string_view> text;
   Expression lower;
   std::optional<Expression> upper;
 };
@@ -40,36 +42,37 @@ struct RangeItem {
 /// A `rangeValid` or `rangeDoc` statement. No condition and an empty one are the same.
 struct RangeStatement {
   Expression condition;
-  std::vector<RangeItem> items;
+  std::span<const RangeItem> items;
 };
 
 /// A `default` statement: a quoted text or an expression (a bare number is one of one token).
 struct DefaultStatement {
   Expression condition;
   Position at;  ///< of the value
-  std::optional<std::string> text;
+  std::optional<std::string_view> text;
   Expression value;
 };
 
 /// A `valueChange` statement; numbers stand in decimal.
 struct Translation {
   Position at;  ///< of the source
-  std::string source;
-  std::string target;
+  std::string_view source;
+  std::string_view target;
 };
 
-/// Everything that the text says of one name, each kind of statement in statement order.
+/// Everything that the text says of one name, each kind of statement in statement order. What it
+/// refers to lives in the memory of its records.
 struct ParameterRecord {
-  std::string name;
+  std::string_view name;
   uint32_t line = 0;  ///< where the name first stood
   accessCode_t access = ACCESS_NONE;
-  std::vector<IndexStatement> indices;
-  std::vector<RangeStatement> rangeValid;
-  std::vector<RangeStatement> rangeDoc;
-  std::vector<Expression> ctrlRO;
-  std::vector<Expression> ctrlValid;
-  std::vector<DefaultStatement> defaults;
-  std::vector<Translation> valueChange;
+  StatementList<IndexStatement> indices;
+  StatementList<RangeStatement> rangeValid;
+  StatementList<RangeStatement> rangeDoc;
+  StatementList<Expression> ctrlRO;
+  StatementList<Expression> ctrlValid;
+  StatementList<DefaultStatement> defaults;
+  StatementList<Translation> valueChange;
 };
 
 /// The records of a text, by name. Records stay where they are while others are added.
@@ -87,8 +90,13 @@ class ParameterRecords {
   /// All records, ascending by name in byte order.
   [[nodiscard]] std::vector<const ParameterRecord*> inNameOrder() const;
   [[nodiscard]] size_t size() const { return records_.size(); }
+  /// Where what the records refer to lives.
+  [[nodiscard]] RecordMemory& memory() { return memory_; }
 
  private:
+  [[nodiscard]] std::optional<uint32_t> positionOf(std::string_view name) const;
+
+  RecordMemory memory_;
   std::deque<ParameterRecord> records_;
-  NameTable names_;
+  PositionTable positions_;  // by name
 };

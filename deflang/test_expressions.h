@@ -9,10 +9,11 @@
 #include "deflang/expression_reader.h"
 #include "deflang/program.h"
 
-/// The tokens of `text`.
+/// The tokens of `text`. They stay for good.
 inline Expression readExpression(const std::string& text) {
   const std::string line = "(" + text + ")";
-  Cursor cursor(line, 1);
+  static RecordMemory memory;
+  Cursor cursor(line, 1, memory);
   ExpressionReader reader;
   EXPECT_EQ(reader.read(cursor), PARSE_DONE) << text;
   return reader.take();

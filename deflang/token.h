@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
-#include <vector>
+#include <span>
+#include <string_view>
 
 /// A place in the definition text. Lines count from 1, columns are byte offsets from 0.
 struct Position {
@@ -26,12 +26,13 @@ struct Token {
   Position at;
   int32_t kind = TOKEN_NUMBER;  ///< a tokenKind_t or an operator's code
   int32_t number = 0;           ///< of a number
-  std::string text;             ///< of a string; the name of a variable
+  std::string_view text;        ///< of a string; the name of a variable
 };
 
-/// An expression as it was read, the parentheses around it left out.
+/// An expression as it was read, the parentheses around it left out. Its tokens and their texts live
+/// in the memory of the records that it was read for.
 struct Expression {
-  std::vector<Token> tokens;
+  std::span<const Token> tokens;
 
   [[nodiscard]] bool empty() const { return tokens.empty(); }
 };

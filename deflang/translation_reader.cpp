@@ -49,7 +49,7 @@ int TranslationReader::readSource(Cursor& cursor) {
   return readValue(cursor, translation_.source, SOURCE_TEXT, ARROW);
 }
 
-int TranslationReader::readValue(Cursor& cursor, std::string& value, stage_t text, stage_t next) {
+int TranslationReader::readValue(Cursor& cursor, std::string_view& value, stage_t text, stage_t next) {
   if (!cursor.skipWhiteSpace()) return PARSE_CONTINUES;
   if (text_.open(cursor)) {
     stage_ = text;
@@ -58,12 +58,12 @@ int TranslationReader::readValue(Cursor& cursor, std::string& value, stage_t tex
   int32_t number = 0;
   const int result = readBareNumber(cursor, NUMBER_STOPS, number);
   if (result != PARSE_DONE) return result;
-  value = numberText(number);
+  value = cursor.memory().keepText(numberText(number));
   stage_ = next;
   return PARSE_DONE;
 }
 
-int TranslationReader::readText(Cursor& cursor, std::string& value, stage_t next) {
+int TranslationReader::readText(Cursor& cursor, std::string_view& value, stage_t next) {
   const int result = text_.read(cursor);
   if (result != PARSE_DONE) return result;
   value = text_.take();

@@ -1,7 +1,7 @@
 // Translation reader: the statement "valueChange", from after the keyword.
 #pragma once
 
-#include <string>
+#include <string_view>
 
 #include "deflang/cursor.h"
 #include "deflang/quoted_text.h"
@@ -24,8 +24,8 @@ class TranslationReader {
   int readStage(Cursor& cursor);
   int expect(Cursor& cursor, std::string_view sign, stage_t next);
   int readSource(Cursor& cursor);
-  int readValue(Cursor& cursor, std::string& value, stage_t text, stage_t next);
-  int readText(Cursor& cursor, std::string& value, stage_t next);
+  int readValue(Cursor& cursor, std::string_view& value, stage_t text, stage_t next);
+  int readText(Cursor& cursor, std::string_view& value, stage_t next);
 
   stage_t stage_ = OPENING;
   QuotedText text_;

@@ -11,8 +11,10 @@ int ValueReader::read(Cursor& cursor, const StopSet& stops) {
   const Position at = cursor.position();
   int32_t number = 0;
   const int result = readBareNumber(cursor, stops, number);
-  if (result == PARSE_DONE) number_.tokens.push_back({at, TOKEN_NUMBER, number, {}});
-  return result;
+  if (result != PARSE_DONE) return result;
+  const Token token = {at, TOKEN_NUMBER, number, {}};
+  number_.tokens = cursor.memory().keepList(std::span(&token, 1));
+  return PARSE_DONE;
 }
 
 Expression ValueReader::take() {
@@ -20,6 +22,6 @@ Expression ValueReader::take() {
 }
 
 void ValueReader::reset() {
-  number_.tokens.clear();
+  number_ = {};
   expression_.reset();
 }

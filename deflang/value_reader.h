@@ -15,6 +15,6 @@ class ValueReader {
   void reset();
 
  private:
-  Expression number_;
+  Expression number_;  // a bare one
   ExpressionReader expression_;
 };

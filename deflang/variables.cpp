@@ -28,10 +28,10 @@ std::string operandText(const Operand& operand) {
   return std::string(operand.text);
 }
 
-uint32_t Variables::slot(const std::string& name) {
+uint32_t Variables::slot(std::string_view name) {
   if (const std::optional<uint32_t> known = find(name)) return *known;
   const auto added = static_cast<uint32_t>(names_.size());
-  names_.push_back(name);
+  names_.emplace_back(name);
   if (names_.size() == MAX_WALKED_NAMES + 1) {
     for (uint32_t slot = 0; slot < added; ++slot) table_.change().add(hashOf(names_[slot]), slot);
   }

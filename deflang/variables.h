@@ -41,7 +41,7 @@ std::string operandText(const Operand& operand);
 class Variables {
  public:
   /// The slot of `name`, a new one for a new name.
-  uint32_t slot(const std::string& name);
+  uint32_t slot(std::string_view name);
   /// The slot of `name`, or nothing.
   [[nodiscard]] std::optional<uint32_t> find(std::string_view name) const;
   [[nodiscard]] const std::vector<std::string>& names() const { return names_; }

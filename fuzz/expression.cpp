@@ -35,20 +35,20 @@ PlainVariables variablesOf(std::string_view bindings) {
 }
 
 // Reads the expression line by line; a last line closes it. False when it is not accepted.
-bool read(std::string_view text, Expression& expression) {
+bool read(std::string_view text, RecordMemory& memory, Expression& expression) {
   ExpressionReader reader;
   int result = PARSE_CONTINUES;
   std::string line = "(";
   for (uint32_t number = 1; result == PARSE_CONTINUES && !text.empty(); ++number) {
     line.append(takeUpTo(text, '\n')).append("\n");
-    Cursor cursor(line, number);
+    Cursor cursor(line, number, memory);
     result = reader.read(cursor);
     demand(cursor.column() <= line.size(), "the caret stands behind the line");
     line.clear();
   }
   if (result == PARSE_CONTINUES) {
     line += ")";
-    Cursor cursor(line, 0);
+    Cursor cursor(line, 0, memory);
     result = reader.read(cursor);
   }
   if (result == PARSE_DONE) expression = reader.take();
@@ -102,8 +102,9 @@ void expectSame(const Expression& expression, const PlainVariables& variables) {
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::string_view text = ::textOf(data, size);
   const PlainVariables variables = variablesOf(takeUpTo(text, '\n'));
+  RecordMemory memory;
   Expression expression;
-  if (read(text, expression) && !nestsTooDeep(expression.tokens)) {
+  if (read(text, memory, expression) && !nestsTooDeep(expression.tokens)) {
     expectSame(expression, variables);
   }
   return 0;

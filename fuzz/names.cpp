@@ -51,10 +51,11 @@ void expectVariable(std::string_view name) {
   if (parts.base.empty() || wholeNumber(parts.base)) return;
   if (holdsAny(parts.base, WORD_ENDS) || holdsAny(parts.base, WHITE_SPACE)) return;
   const std::string line = "(" + fullName(parts.base, parts.indices) + ")";
-  Cursor cursor(line, 1);
+  RecordMemory memory;
+  Cursor cursor(line, 1, memory);
   ExpressionReader reader;
   demand(reader.read(cursor) == PARSE_DONE && cursor.atEnd(), "not read: ", line);
-  const std::vector<Token> tokens = reader.take().tokens;
+  const std::span<const Token> tokens = reader.take().tokens;
   demand(tokens.size() == 1 && tokens.front().kind == TOKEN_VARIABLE, "no variable: ", line);
   const ParmName read = splitName(tokens.front().text);
   demand(read.base == parts.base && read.indices.size() == parts.indices.size(), "became ",
@@ -108,7 +109,8 @@ void expectIndexList(const std::vector<std::string>& names) {
   std::string line = "{";
   for (const std::string& name : names) line += (line.size() > 1 ? ", " : " ") + name;
   line += " }";
-  Cursor cursor(line, 7);
+  RecordMemory memory;
+  Cursor cursor(line, 7, memory);
   IndexListReader reader;
   demand(reader.read(cursor) == PARSE_DONE && cursor.atEnd(), "not read: ", line);
   const IndexStatement read = reader.take();

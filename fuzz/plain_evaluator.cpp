@@ -107,7 +107,7 @@ PlainValue applyToOne(int32_t code, const PlainValue& defined) {
 
 class Reading {
  public:
-  Reading(const std::vector<Token>& tokens, const PlainVariables& variables)
+  Reading(std::span<const Token> tokens, const PlainVariables& variables)
       : tokens_(tokens), variables_(variables) {}
 
   PlainResult run() {
@@ -161,7 +161,7 @@ class Reading {
 
   [[nodiscard]] PlainValue operand(const Token& token) const {
     if (token.kind == TOKEN_NUMBER) return token.number;
-    if (token.kind == TOKEN_STRING) return token.text;
+    if (token.kind == TOKEN_STRING) return std::string(token.text);
     const auto found = variables_.find(token.text);
     if (found == variables_.end()) return std::nullopt;
     const std::string& text = found->second;
@@ -171,7 +171,7 @@ class Reading {
     return text;
   }
 
-  const std::vector<Token>& tokens_;
+  std::span<const Token> tokens_;
   const PlainVariables& variables_;
   size_t next_ = 0;
   std::vector<PlainValue> values_;
@@ -180,7 +180,7 @@ class Reading {
 
 }  // namespace
 
-bool nestsTooDeep(const std::vector<Token>& tokens) {
+bool nestsTooDeep(std::span<const Token> tokens) {
   int depth = 0;
   for (const Token& token : tokens) {
     depth += token.kind == TOKEN_OPEN ? 1 : 0;
@@ -190,6 +190,6 @@ bool nestsTooDeep(const std::vector<Token>& tokens) {
   return false;
 }
 
-PlainResult evaluatePlainly(const std::vector<Token>& tokens, const PlainVariables& variables) {
+PlainResult evaluatePlainly(std::span<const Token> tokens, const PlainVariables& variables) {
   return Reading(tokens, variables).run();
 }

@@ -22,6 +22,6 @@ struct PlainResult {
 };
 
 /// Whether parentheses nest too deep for evaluatePlainly, which recurs with them.
-bool nestsTooDeep(const std::vector<Token>& tokens);
+bool nestsTooDeep(std::span<const Token> tokens);
 
-PlainResult evaluatePlainly(const std::vector<Token>& tokens, const PlainVariables& variables);
+PlainResult evaluatePlainly(std::span<const Token> tokens, const PlainVariables& variables);

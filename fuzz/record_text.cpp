@@ -6,8 +6,8 @@ std::string placeText(Position at) {
   return "@" + std::to_string(at.line) + ":" + std::to_string(at.column) + " ";
 }
 
-std::string quoted(const std::string& text) {
-  return std::to_string(text.size()) + "'" + text + "' ";
+std::string quoted(std::string_view text) {
+  return std::to_string(text.size()) + "'" + std::string(text) + "' ";
 }
 
 std::string expressionText(const Expression& expression) {

@@ -87,7 +87,7 @@ class DefaultBuilder {
 
   // The value of a default; nothing, and a report, where it never has one.
   std::optional<Program> valueOf(const DefaultStatement& statement) {
-    if (statement.text) return Program::constant(*statement.text);
+    if (statement.text) return Program::constant(std::string(*statement.text));
     if (statement.value.empty()) {
       draft_.error(DIAG_INVALID_EXPRESSION, statement.at);
       return std::nullopt;

@@ -8,7 +8,7 @@ namespace {
 const IndexDef* resolve(const IndexName& index, DefinitionDraft& draft) {
   const ParameterRecord* const named = draft.context().findRecord(index.name);
   if (named == nullptr) {
-    draft.error(DIAG_UNDEFINED_INDEX, index.at, index.name);
+    draft.error(DIAG_UNDEFINED_INDEX, index.at, std::string(index.name));
     return nullptr;
   }
   if (named->access != ACCESS_INDEX) {
@@ -20,16 +20,17 @@ const IndexDef* resolve(const IndexName& index, DefinitionDraft& draft) {
 
 void reportMissing(const IndexName& index, BuildContext& context) {
   if (context.checkOnly()) return;
-  fprintf(stderr, "Internal error: Could not find index \"%s\"\n", index.name.c_str());
+  fprintf(stderr, "Internal error: Could not find index \"%.*s\"\n",
+          static_cast<int>(index.name.size()), index.name.data());
   context.note(-1);
 }
 
 }  // namespace
 
 void buildIndices(DefinitionDraft& draft) {
-  const std::vector<IndexStatement>& statements = draft.record().indices;
+  const StatementList<IndexStatement>& statements = draft.record().indices;
   if (statements.empty()) return;
-  for (const IndexName& index : statements[0]) {
+  for (const IndexName& index : statements.front()) {
     const IndexDef* const definition = resolve(index, draft);
     if (definition != nullptr) {
       draft.parm.indices.push_back(definition);
@@ -37,12 +38,13 @@ void buildIndices(DefinitionDraft& draft) {
       reportMissing(index, draft.context());
     }
   }
-  if (statements.size() > 1) {
-    draft.warn(DIAG_MULTIPLE_INDEX_STATEMENTS, statements[1].front().at);
+  const auto second = std::next(statements.begin());
+  if (second != statements.end()) {
+    draft.warn(DIAG_MULTIPLE_INDEX_STATEMENTS, second->front().at);
   }
 }
 
 void warnAboutIndices(DefinitionDraft& draft) {
-  const std::vector<IndexStatement>& statements = draft.record().indices;
-  if (!statements.empty()) draft.warn(DIAG_INDEX_WITH_INDICES, statements[0].front().at);
+  const StatementList<IndexStatement>& statements = draft.record().indices;
+  if (!statements.empty()) draft.warn(DIAG_INDEX_WITH_INDICES, statements.front().front().at);
 }

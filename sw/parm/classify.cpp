@@ -16,7 +16,7 @@ std::optional<Value> literalValue(const Expression& expression) {
     case TOKEN_NUMBER:
       return Value{OPERAND_NUMBER, token.number, {}};
     case TOKEN_STRING:
-      return Value{OPERAND_STRING, 0, token.text};
+      return Value{OPERAND_STRING, 0, std::string(token.text)};
     default:
       return std::nullopt;
   }

@@ -32,7 +32,7 @@ class Classified {
   const Variables& variables() const { return draft_.parts.variables; }
 
  private:
-  const Expression& expression() { return draft_.record().ctrlRO.at(0); }
+  const Expression& expression() { return draft_.record().ctrlRO.front(); }
 
   DefinitionText parsed_;
   TestRegistry registry_;

@@ -7,7 +7,7 @@ DefinitionDraft::DefinitionDraft(BuildContext& context, const ParameterRecord& r
   parts.name = record.name;
 }
 
-std::string DefinitionDraft::recordText() const { return "Parameter is \"" + record_.name + '"'; }
+std::string DefinitionDraft::recordText() const { return "Parameter is \"" + std::string(record_.name) + '"'; }
 
 Program DefinitionDraft::keep(const Expression& expression, Compiled compiled) {
   compiled.program.rebase(compiled.variables, parts.variables);

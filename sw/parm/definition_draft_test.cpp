@@ -26,11 +26,13 @@ class DefinitionDraftTest : public testing::Test {
 TEST_F(DefinitionDraftTest, NumbersTheNamesOfWhatIsKept) {
   EXPECT_EQ(draft_.parts.name, "p");
   EXPECT_TRUE(draft_.kept().empty());
-  const Program sum = keep(draft_.record().ctrlRO[0]);
-  const Program single = keep(draft_.record().ctrlRO[1]);
+  const Expression& first = draft_.record().ctrlRO.front();
+  const Expression& second = *std::next(draft_.record().ctrlRO.begin());
+  const Program sum = keep(first);
+  const Program single = keep(second);
   EXPECT_EQ(draft_.parts.variables.names(), (std::vector<std::string>{"b", "a"}));
-  EXPECT_EQ(draft_.kept(), (std::vector<const Expression*>{&draft_.record().ctrlRO[0],
-                                                           &draft_.record().ctrlRO[1]}));
+  EXPECT_EQ(draft_.kept(), (std::vector<const Expression*>{&first,
+                                                           &second}));
   Situation situation(2);
   situation.bind(0, operandOf("3"));
   situation.bind(1, operandOf("4"));

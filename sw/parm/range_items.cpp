@@ -28,7 +28,7 @@ class ItemReader {
  private:
   void readText(const RangeItem& item) {
     if (item.text->empty()) return refuse(item);
-    out_.items.push_back({Program::constant(*item.text), std::nullopt, true});
+    out_.items.push_back({Program::constant(std::string(*item.text)), std::nullopt, true});
   }
 
   void readValue(const RangeItem& item) {
@@ -84,7 +84,7 @@ BoundsExpression makeExpression(std::vector<BoundsExpression::Item> items) {
 
 }  // namespace
 
-RangeItems classifyItems(const std::vector<RangeItem>& items, DefinitionDraft& draft) {
+RangeItems classifyItems(std::span<const RangeItem> items, DefinitionDraft& draft) {
   RangeItems classified;
   ItemReader reader(draft, classified);
   for (const RangeItem& item : items) reader.read(item);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "deflang/record.h"
@@ -14,7 +15,7 @@ struct RangeItems {
 };
 
 /// Classifies `items`. One that is no value and no span is reported as an error and left out.
-RangeItems classifyItems(const std::vector<RangeItem>& items, DefinitionDraft& draft);
+RangeItems classifyItems(std::span<const RangeItem> items, DefinitionDraft& draft);
 
 /// Adds items, none of them a run-time one, to `out`.
 void addConstants(const std::vector<BoundsExpression::Item>& items, BoundsParm& out);

@@ -35,7 +35,7 @@ class ClassifiedItems {
   DiagnosticCollector diagnostics_;
   BuildContext context_;
   DefinitionDraft draft_;
-  [[nodiscard]] const RangeStatement& statement() const { return draft_.record().rangeValid.at(0); }
+  [[nodiscard]] const RangeStatement& statement() const { return draft_.record().rangeValid.front(); }
 
   RangeItems items_;
 };

@@ -42,7 +42,8 @@ class ReferenceCheck {
         context_.report(SEVERITY_ERROR, DIAG_INDEX_MISMATCH, token.at, {});
       }
     } else if (context_.findConstant(name) == nullptr) {
-      context_.report(SEVERITY_ERROR, DIAG_UNDEFINED_VARIABLE, token.at, token.text);
+      context_.report(SEVERITY_ERROR, DIAG_UNDEFINED_VARIABLE, token.at,
+                      std::string(token.text));
     }
   }
 

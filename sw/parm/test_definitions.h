@@ -22,7 +22,8 @@
 /// The program of an expression as a definition text has it, without the parentheses around it.
 inline Program makeProgram(Variables& variables, std::string_view text) {
   const std::string line = "(" + std::string(text) + ")";
-  Cursor cursor(line, 1);
+  RecordMemory memory;
+  Cursor cursor(line, 1, memory);
   ExpressionReader reader;
   EXPECT_EQ(reader.read(cursor), PARSE_DONE) << text;
   EXPECT_TRUE(cursor.atEnd()) << text;

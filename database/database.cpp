@@ -112,11 +112,12 @@ uint32_t Database::newWalk() {
 }
 
 int Database::finish(std::string& name) {
-  bindSources();
+  const std::vector<ParmEntry*> parms = parmsInNameOrder();
+  bindSources(parms);
   if (firstUnknownName(name) != nullptr) {
     return 3;
   }
-  return assignLevels(name);
+  return assignLevels(parms, name);
 }
 
 VariableSource Database::findSource(std::string_view variable) {
@@ -148,9 +149,9 @@ const VariableSource& Database::sourceOf(std::string_view variable) {
   return sources_.emplace_back(findSource(variable));
 }
 
-void Database::bindSources() {
+void Database::bindSources(const std::vector<ParmEntry*>& parms) {
   uint32_t rank = 0;
-  for (ParmEntry* entry : parmsInNameOrder()) {
+  for (ParmEntry* entry : parms) {
     entry->rank = rank++;
     entry->sources.reserve(entry->parm.usedNames().size());
     for (const std::string& name : entry->parm.usedNames()) {
@@ -182,8 +183,7 @@ const std::string* Database::firstUnknownName(std::string& name) {
   return first;
 }
 
-int Database::assignLevels(std::string& name) {
-  const std::vector<ParmEntry*> parms = parmsInNameOrder();
+int Database::assignLevels(const std::vector<ParmEntry*>& parms, std::string& name) {
   const NameGraph graph(parms);
   std::vector<uint32_t> levels;
   uint32_t onCycle = 0;

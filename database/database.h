@@ -67,6 +67,9 @@ class Database final : public DefinitionRegistry {
 
   /// The parameter of a base name, or null.
   [[nodiscard]] ParmEntry* findParm(std::string_view base);
+  /// Prepares a findParm() that is still some way off: where many names are looked up, most of the
+  /// time goes by waiting for memory.
+  void prefetchParm(std::string_view base) const { parmNames_.prefetch(base); }
   [[nodiscard]] IndexEntry* findIndexEntry(std::string_view name);
   /// The parameters in name order.
   [[nodiscard]] std::vector<ParmEntry*> parmsInNameOrder();
@@ -78,8 +81,8 @@ class Database final : public DefinitionRegistry {
   [[nodiscard]] const VariableSource& sourceOf(std::string_view variable);
   [[nodiscard]] bool isKnown(const VariableSource& source) const;
   [[nodiscard]] const std::string* firstUnknownName(std::string& name);
-  void bindSources();
-  int assignLevels(std::string& name);
+  void bindSources(const std::vector<ParmEntry*>& parms);
+  static int assignLevels(const std::vector<ParmEntry*>& parms, std::string& name);
 
   std::map<std::string, ValueText, std::less<>> constants_;
   TextMap<IndexEntry> indices_;

@@ -50,6 +50,8 @@ const std::string* Transaction::find(std::string_view name) const {
   return &staged_.text(*parm, base == name ? IndexTuple{} : splitName(name).indices);
 }
 
+void Transaction::prefetch(std::string_view name) const { database_.prefetchParm(baseName(name)); }
+
 bool Transaction::validate(std::string_view name, const std::string& value) const {
   const ParmEntry* parm = database_.findParm(baseName(name));
   return parm != nullptr && parm->parm.checkBase(value);

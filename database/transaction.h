@@ -33,6 +33,8 @@ class Transaction {
   int get(std::string_view name, std::string& value) const;
   /// The same value where it is, or null. It holds until something is staged or stored.
   [[nodiscard]] const std::string* find(std::string_view name) const;
+  /// Prepares a find() that is still some way off.
+  void prefetch(std::string_view name) const;
   /// Whether the base bounds of the parameter `name` accept `value`; false without such a
   /// parameter.
   [[nodiscard]] bool validate(std::string_view name, const std::string& value) const;

@@ -22,6 +22,11 @@ class PositionTable {
     }
     return std::nullopt;
   }
+  /// Has the place where the search for this hash begins brought into the cache, for a find() that
+  /// is still some way off.
+  void prefetch(size_t hash) const {
+    if (!places_.empty()) __builtin_prefetch(&places_[hash & mask()]);
+  }
   /// Makes room, so that the next add() cannot fail.
   void makeRoom() {
     if (count_ * PLACES_PER_ELEMENT >= places_.size()) grow();

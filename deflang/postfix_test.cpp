@@ -20,7 +20,8 @@ std::string show(const std::vector<const Token*>& order) {
     if (isOperator(token->kind)) {
       shown += texts[token->kind];
     } else {
-      shown += token->kind == TOKEN_NUMBER ? std::to_string(token->number) : std::string(token->text);
+      shown +=
+          token->kind == TOKEN_NUMBER ? std::to_string(token->number) : std::string(token->text);
     }
   }
   return shown;

@@ -114,8 +114,8 @@ inline std::string textOf(const RangeStatement& statement) {
 }
 
 inline std::string textOf(const DefaultStatement& statement) {
-  const std::string value =
-      statement.text ? "'" + std::string(*statement.text) + "'" : "[" + textOf(statement.value) + "]";
+  const std::string value = statement.text ? "'" + std::string(*statement.text) + "'"
+                                           : "[" + textOf(statement.value) + "]";
   return "(" + textOf(statement.condition) + ") { " + value + " }";
 }
 

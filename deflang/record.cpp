@@ -20,6 +20,8 @@ const ParameterRecord* ParameterRecords::find(std::string_view name) const {
 }
 
 ParameterRecord* ParameterRecords::find(std::string_view name) {
+  // Mostly it is asked for the record that is being read, line after line.
+  if (!records_.empty() && records_.back().name == name) return &records_.back();
   const std::optional<uint32_t> found = positionOf(name);
   return found ? &records_[*found] : nullptr;
 }

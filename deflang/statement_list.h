@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <iterator>
+#include <utility>
 
 #include "deflang/record_memory.h"
 
@@ -10,7 +11,7 @@ template <typename T>
 class StatementList {
   struct Node {
     T statement;
-    Node* next = nullptr;
+    Node* next = nullptr;  // the first one's behind the last one
   };
 
  public:
@@ -23,11 +24,11 @@ class StatementList {
     using reference = const T&;
 
     Iterator() = default;
-    explicit Iterator(const Node* node) : node_(node) {}
+    Iterator(const Node* node, const Node* last) : node_(node), last_(last) {}
     const T& operator*() const { return node_->statement; }
     const T* operator->() const { return &node_->statement; }
     Iterator& operator++() {
-      node_ = node_->next;
+      node_ = node_ == last_ ? nullptr : node_->next;
       return *this;
     }
     Iterator operator++(int) {
@@ -35,25 +36,26 @@ class StatementList {
       ++*this;
       return before;
     }
-    bool operator==(const Iterator&) const = default;
+    bool operator==(const Iterator& other) const { return node_ == other.node_; }
 
    private:
-    const Node* node_ = nullptr;
+    const Node* node_ = nullptr;  // null behind the last one
+    const Node* last_ = nullptr;
   };
 
-  [[nodiscard]] bool empty() const { return first_ == nullptr; }
+  [[nodiscard]] bool empty() const { return last_ == nullptr; }
   /// The first statement of a list that is not empty.
-  [[nodiscard]] const T& front() const { return first_->statement; }
-  [[nodiscard]] Iterator begin() const { return Iterator(first_); }
+  [[nodiscard]] const T& front() const { return last_->next->statement; }
+  [[nodiscard]] Iterator begin() const { return empty() ? end() : Iterator(last_->next, last_); }
   [[nodiscard]] Iterator end() const { return Iterator(); }
   /// Adds a statement, which lives in `memory`, at the end.
   void add(const T& statement, RecordMemory& memory) {
     Node* const node = memory.keepOne(Node{statement});
-    (first_ == nullptr ? first_ : last_->next) = node;
+    node->next = empty() ? node : std::exchange(last_->next, node);
     last_ = node;
   }
 
  private:
-  Node* first_ = nullptr;
+  // Most lists of a record are empty, so that a second pointer in each would show.
   Node* last_ = nullptr;
 };

@@ -29,8 +29,8 @@ struct Token {
   std::string_view text;        ///< of a string; the name of a variable
 };
 
-/// An expression as it was read, the parentheses around it left out. Its tokens and their texts live
-/// in the memory of the records that it was read for.
+/// An expression as it was read, the parentheses around it left out. Its tokens and their texts
+/// live in the memory of the records that it was read for.
 struct Expression {
   std::span<const Token> tokens;
 

@@ -49,7 +49,8 @@ int TranslationReader::readSource(Cursor& cursor) {
   return readValue(cursor, translation_.source, SOURCE_TEXT, ARROW);
 }
 
-int TranslationReader::readValue(Cursor& cursor, std::string_view& value, stage_t text, stage_t next) {
+int TranslationReader::readValue(Cursor& cursor, std::string_view& value, stage_t text,
+                                 stage_t next) {
   if (!cursor.skipWhiteSpace()) return PARSE_CONTINUES;
   if (text_.open(cursor)) {
     stage_ = text;

@@ -1,5 +1,6 @@
 #include "sw/dbus/operations.h"
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <set>
@@ -23,6 +24,10 @@ const char* const VALUES = "parmValue";
 const char* const TEXT_RANGE = "idxStrRange";
 const char* const DEPENDENCIES = "parmDep";
 
+// How many names ahead of its turn a name's lookup is prepared: far enough that memory has
+// answered.
+constexpr uint32_t NAMES_AHEAD = 8;
+
 // An unknown name reads as the empty text.
 std::string_view textOf(const Transaction& transaction, const char* name) {
   const std::string* const text = transaction.find(name);
@@ -31,7 +36,7 @@ std::string_view textOf(const Transaction& transaction, const char* name) {
 
 template <typename Texts>
 int packTexts(const char* what, const Texts& texts, char*** reply) {
-  TextList list(what);
+  TextList list(what, texts.size());
   list.addAll(texts);
   if (list.bytes() > MAX_MESSAGE_BYTES) return INTERNAL_ERROR;
   *reply = list.release();
@@ -40,7 +45,7 @@ int packTexts(const char* what, const Texts& texts, char*** reply) {
 
 template <typename Texts>
 int packRange(const Texts& texts, const Spans& spans, char*** textReply, GPtrArray** spanReply) {
-  TextList textList(TEXT_RANGE);
+  TextList textList(TEXT_RANGE, texts.size());
   textList.addAll(texts);
   StructArray spanArray;
   for (const Span& span : spans) spanArray.addSpan(span);
@@ -63,8 +68,10 @@ int getText(Transaction& transaction, const char* name, char** value) {
 }
 
 int getTexts(Transaction& transaction, uint32_t count, char** names, char*** values) {
-  TextList list(VALUES);
-  for (uint32_t i = 0; i < count && names[i] != nullptr; ++i) {
+  count = std::min(count, g_strv_length(names));
+  TextList list(VALUES, count);
+  for (uint32_t i = 0; i < count; ++i) {
+    if (count - i > NAMES_AHEAD) transaction.prefetch(names[i + NAMES_AHEAD]);
     list.add(textOf(transaction, names[i]));
     if (list.bytes() > MAX_MESSAGE_BYTES) return INTERNAL_ERROR;
   }

@@ -3,6 +3,7 @@
 #include <dbus/dbus-glib.h>
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 #include <memory>
 #include <utility>
@@ -40,20 +41,35 @@ size_t bytesInMessage(const char* text) {
   return aligned(NUMBER_BYTES + strlen(text) + 1, NUMBER_BYTES);
 }
 
-TextList::~TextList() { std::for_each(texts_.begin(), texts_.end(), g_free); }
+TextList::TextList(const char* what, size_t capacity)
+    : texts_(retried(what, [capacity] { return g_try_new(char*, capacity + 1); })),
+      capacity_(capacity) {}
+
+TextList::~TextList() {
+  clear();
+  g_free(texts_);
+}
 
 void TextList::take(char* text) {
-  Text owned(text, g_free);  // until the list has room for it
-  texts_.push_back(owned.get());
-  static_cast<void>(owned.release());
+  assert(count_ < capacity_);
+  texts_[count_++] = text;
   bytes_ += bytesInMessage(text);
 }
 
-char** TextList::release() {
-  char** list = retried(what_, [this] { return g_try_new(char*, texts_.size() + 1); });
-  *std::copy(texts_.begin(), texts_.end(), list) = nullptr;
-  texts_.clear();
+char** TextList::texts() {
+  texts_[count_] = nullptr;
+  return texts_;
+}
+
+void TextList::clear() {
+  std::for_each_n(texts_, std::exchange(count_, 0), g_free);
   bytes_ = 0;
+}
+
+char** TextList::release() {
+  char** const list = texts();
+  texts_ = nullptr;
+  count_ = 0;
   return list;
 }
 

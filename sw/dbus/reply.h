@@ -5,7 +5,6 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "sw/parm/bounds.h"
 
@@ -35,11 +34,11 @@ char* newText(std::string_view text);
 /// How much of a message a text takes, with its length and the gap to the next.
 size_t bytesInMessage(const char* text);
 
-/// An array of texts.
+/// An array of texts. Raises no exceptions.
 class TextList {
  public:
-  /// `what` stands for the list in messages.
-  explicit TextList(const char* what) : what_(what) {}
+  /// With room for `capacity` texts; `what` stands for the list in messages.
+  TextList(const char* what, size_t capacity);
   ~TextList();
   TextList(const TextList&) = delete;
   TextList& operator=(const TextList&) = delete;
@@ -51,15 +50,19 @@ class TextList {
   void addAll(const Texts& texts) {
     for (const std::string& text : texts) add(text);
   }
-  [[nodiscard]] bool empty() const { return texts_.empty(); }
+  [[nodiscard]] bool empty() const { return count_ == 0; }
   /// How much of a message the list takes.
   [[nodiscard]] size_t bytes() const { return bytes_; }
-  /// Gives the texts away, with a null pointer at the end; the list is empty then.
+  /// The texts, with a null pointer at the end; they stay the list's.
+  [[nodiscard]] char** texts();
+  void clear();
+  /// Gives the texts away, with a null pointer at the end; the list must not be used then.
   char** release();
 
  private:
-  const char* what_;
-  std::vector<char*> texts_;
+  char** texts_;
+  size_t capacity_;
+  size_t count_ = 0;
   size_t bytes_ = 0;
 };
 

@@ -41,16 +41,30 @@ TEST(BytesInMessage, CountsLengthEndAndGap) {
 }
 
 TEST(TextList, GivesItsTextsAway) {
-  TextList list("x");
+  TextList list("x", 3);
   EXPECT_TRUE(list.empty());
-  EXPECT_EQ(taken(list.release()), Texts{});
   list.addAll(Texts{"a", "\xff"});
   list.add("");
   EXPECT_FALSE(list.empty());
   EXPECT_EQ(list.bytes(), 24U);
   EXPECT_EQ(taken(list.release()), (Texts{"a", "\ufffd", ""}));
-  EXPECT_TRUE(list.empty());
-  EXPECT_EQ(list.bytes(), 0U);
+  EXPECT_EQ(taken(TextList("x", 0).release()), Texts{});
+}
+
+TEST(TextList, IsFilledAgainOnceItIsCleared) {
+  TextList list("x", 2);
+  for (const char* text : {"a", "bcde"}) {
+    SCOPED_TRACE(text);
+    list.add(text);
+    list.take(newText("c"));
+    EXPECT_STREQ(list.texts()[0], text);
+    EXPECT_STREQ(list.texts()[1], "c");
+    EXPECT_EQ(list.texts()[2], nullptr);
+    list.clear();
+    EXPECT_TRUE(list.empty());
+    EXPECT_EQ(list.bytes(), 0U);
+    EXPECT_EQ(list.texts()[0], nullptr);
+  }
 }
 
 TEST(StructArray, HoldsSpans) {

@@ -7,7 +7,9 @@ DefinitionDraft::DefinitionDraft(BuildContext& context, const ParameterRecord& r
   parts.name = record.name;
 }
 
-std::string DefinitionDraft::recordText() const { return "Parameter is \"" + std::string(record_.name) + '"'; }
+std::string DefinitionDraft::recordText() const {
+  return "Parameter is \"" + std::string(record_.name) + '"';
+}
 
 Program DefinitionDraft::keep(const Expression& expression, Compiled compiled) {
   compiled.program.rebase(compiled.variables, parts.variables);

@@ -31,8 +31,7 @@ TEST_F(DefinitionDraftTest, NumbersTheNamesOfWhatIsKept) {
   const Program sum = keep(first);
   const Program single = keep(second);
   EXPECT_EQ(draft_.parts.variables.names(), (std::vector<std::string>{"b", "a"}));
-  EXPECT_EQ(draft_.kept(), (std::vector<const Expression*>{&first,
-                                                           &second}));
+  EXPECT_EQ(draft_.kept(), (std::vector<const Expression*>{&first, &second}));
   Situation situation(2);
   situation.bind(0, operandOf("3"));
   situation.bind(1, operandOf("4"));

@@ -35,7 +35,9 @@ class ClassifiedItems {
   DiagnosticCollector diagnostics_;
   BuildContext context_;
   DefinitionDraft draft_;
-  [[nodiscard]] const RangeStatement& statement() const { return draft_.record().rangeValid.front(); }
+  [[nodiscard]] const RangeStatement& statement() const {
+    return draft_.record().rangeValid.front();
+  }
 
   RangeItems items_;
 };

@@ -42,8 +42,7 @@ class ReferenceCheck {
         context_.report(SEVERITY_ERROR, DIAG_INDEX_MISMATCH, token.at, {});
       }
     } else if (context_.findConstant(name) == nullptr) {
-      context_.report(SEVERITY_ERROR, DIAG_UNDEFINED_VARIABLE, token.at,
-                      std::string(token.text));
+      context_.report(SEVERITY_ERROR, DIAG_UNDEFINED_VARIABLE, token.at, std::string(token.text));
     }
   }
 

@@ -9,6 +9,7 @@
 #include "database/evaluation.h"
 #include "database/gather.h"
 #include "database/plan.h"
+#include "deflang/put_in_order.h"
 #include "deflang/system_log.h"
 
 namespace {
@@ -121,9 +122,7 @@ int commit(Transaction& transaction, std::vector<Change>& changes) {
   }
   changes.reserve(changes.size() + plan->size());
   const int result = applyPlan(*plan, staged, changes);
-  if (!std::is_sorted(changes.begin(), changes.end())) {
-    std::sort(changes.begin(), changes.end());
-  }
+  putInOrder(changes);
   changes.erase(std::unique(changes.begin(), changes.end()), changes.end());
   return result;
 }

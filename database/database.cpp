@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "database/levels.h"
+#include "deflang/put_in_order.h"
 #include "deflang/vid_std_name.h"
 #include "sw/parm/parm_name.h"
 
@@ -94,10 +95,7 @@ std::vector<ParmEntry*> Database::parmsInNameOrder() {
   const auto comesBefore = [](const ParmEntry* a, const ParmEntry* b) {
     return a->parm.name() < b->parm.name();
   };
-  // The builder registers them in order.
-  if (!std::is_sorted(parms.begin(), parms.end(), comesBefore)) {
-    std::sort(parms.begin(), parms.end(), comesBefore);
-  }
+  putInOrder(parms, comesBefore);
   return parms;
 }
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "database/index_values.h"
+#include "deflang/put_in_order.h"
 
 namespace {
 
@@ -50,10 +51,7 @@ bool areTooMany(const std::vector<ParmEntry*>& parms) {
 }  // namespace
 
 void sortPlan(Plan& plan) {
-  // Mostly a few parameters change, and what depends on them is enumerated in order.
-  if (!std::is_sorted(plan.begin(), plan.end(), comesBefore)) {
-    std::sort(plan.begin(), plan.end(), comesBefore);
-  }
+  putInOrder(plan, comesBefore);
   plan.erase(std::unique(plan.begin(), plan.end(), isSame), plan.end());
 }
 

@@ -1,7 +1,8 @@
 #include "deflang/record.h"
 
-#include <algorithm>
 #include <functional>
+
+#include "deflang/put_in_order.h"
 
 namespace {
 
@@ -42,9 +43,6 @@ std::vector<const ParameterRecord*> ParameterRecords::inNameOrder() const {
   const auto comesBefore = [](const ParameterRecord* a, const ParameterRecord* b) {
     return a->name < b->name;
   };
-  // Many texts are in order already.
-  if (!std::is_sorted(sorted.begin(), sorted.end(), comesBefore)) {
-    std::sort(sorted.begin(), sorted.end(), comesBefore);
-  }
+  putInOrder(sorted, comesBefore);
   return sorted;
 }

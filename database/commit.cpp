@@ -8,8 +8,8 @@
 
 #include "database/evaluation.h"
 #include "database/gather.h"
+#include "database/name_order.h"
 #include "database/plan.h"
-#include "deflang/put_in_order.h"
 #include "deflang/system_log.h"
 
 namespace {
@@ -122,7 +122,7 @@ int commit(Transaction& transaction, std::vector<Change>& changes) {
   }
   changes.reserve(changes.size() + plan->size());
   const int result = applyPlan(*plan, staged, changes);
-  putInOrder(changes);
+  sortByName(changes);
   changes.erase(std::unique(changes.begin(), changes.end()), changes.end());
   return result;
 }

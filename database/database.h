@@ -69,7 +69,9 @@ class Database final : public DefinitionRegistry {
   [[nodiscard]] ParmEntry* findParm(std::string_view base);
   /// Prepares a findParm() that is still some way off: where many names are looked up, most of the
   /// time goes by waiting for memory.
-  void prefetchParm(std::string_view base) const { parmNames_.prefetch(base); }
+  [[gnu::always_inline]] void prefetchParm(std::string_view base) const {
+    parmNames_.prefetch(base);
+  }
   [[nodiscard]] IndexEntry* findIndexEntry(std::string_view name);
   /// The parameters in name order.
   [[nodiscard]] std::vector<ParmEntry*> parmsInNameOrder();

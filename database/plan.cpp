@@ -40,12 +40,14 @@ std::vector<ParmEntry*> dependentsOf(Database& database, std::vector<ParmEntry*>
   return dependents;
 }
 
-bool areTooMany(const std::vector<ParmEntry*>& parms) {
+// How many instances `parms` have together; nothing where they are too many to be planned.
+std::optional<size_t> plannedInstances(const std::vector<ParmEntry*>& parms) {
   uint64_t count = 0;
-  return std::any_of(parms.begin(), parms.end(), [&](const ParmEntry* parm) {
+  const bool areTooMany = std::any_of(parms.begin(), parms.end(), [&](const ParmEntry* parm) {
     return __builtin_add_overflow(count, countInstances(parm->parm), &count) ||
            count > MAX_PLANNED_INSTANCES;
   });
+  return areTooMany ? std::nullopt : std::optional<size_t>(count);
 }
 
 }  // namespace
@@ -76,9 +78,12 @@ std::optional<Plan> planCommit(Database& database, StagedValues& staged) {
     }
   }
   const std::vector<ParmEntry*> dependents = dependentsOf(database, std::move(changing));
-  if (areTooMany(dependents)) {
+  const std::optional<size_t> count = plannedInstances(dependents);
+  if (!count) {
     return std::nullopt;
   }
+  staged.makeRoom(*count);
+  plan.reserve(plan.size() + *count);
   for (ParmEntry* dependent : dependents) {
     forEachInstance(database, dependent->parm, [&](const IndexTuple& indices) {
       plan.push_back({dependent->level, dependent->rank, &staged.stage(*dependent, indices, true)});

@@ -40,6 +40,8 @@ class StagedValues {
   /// committed value, with the reset flag clear and the status flag set; `generated` marks a new
   /// one that is no copy. Entries stay where they are until clear().
   StagedEntry& stage(ParmEntry& parm, const IndexTuple& indices, bool generated);
+  /// Makes room for `more` entries.
+  void makeRoom(size_t more) { positions_.makeRoom(more); }
   /// The entries here, ascending by full name.
   [[nodiscard]] std::vector<StagedEntry*> inNameOrder();
   [[nodiscard]] bool empty() const { return entries_.empty(); }

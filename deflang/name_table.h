@@ -19,14 +19,19 @@ class NameTable {
     return numbers_.find(hashOf(name), [&](uint32_t number) { return (*this)[number] == name; });
   }
   /// Prepares a find() that is still some way off.
-  void prefetch(std::string_view name) const { numbers_.prefetch(hashOf(name)); }
-  /// Adds a name that is not there yet. Its number is the count of those before it.
+  [[gnu::always_inline]] void prefetch(std::string_view name) const {
+    numbers_.prefetch(hashOf(name));
+  }
+  /// Adds a name that is not there yet. Its number is the count of those before it. Where memory is
+  /// exhausted, the table is as before.
   void add(std::string_view name) {
     numbers_.makeRoom();
-    ends_.push_back(text_.size() + name.size());
+    text_.resize(ends_.empty() ? 0 : ends_.back());
     text_.append(name);
+    ends_.push_back(text_.size());
     numbers_.add(hashOf(name), static_cast<uint32_t>(ends_.size() - 1));
   }
+  [[nodiscard]] size_t size() const { return ends_.size(); }
   [[nodiscard]] std::string_view operator[](uint32_t number) const {
     const size_t begin = number == 0 ? 0 : ends_[number - 1];
     return std::string_view(text_).substr(begin, ends_[number] - begin);

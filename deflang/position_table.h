@@ -1,6 +1,7 @@
 // Position tables: find the elements of a sequence by a hash, without keeping anything of them.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -23,13 +24,18 @@ class PositionTable {
     return std::nullopt;
   }
   /// Has the place where the search for this hash begins brought into the cache, for a find() that
-  /// is still some way off.
-  void prefetch(size_t hash) const {
+  /// is still some way off. Inlined always: the compiler takes a function that does nothing else
+  /// for one without effect, and drops the calls.
+  [[gnu::always_inline]] void prefetch(size_t hash) const {
     if (!places_.empty()) __builtin_prefetch(&places_[hash & mask()]);
   }
   /// Makes room, so that the next add() cannot fail.
-  void makeRoom() {
-    if (count_ * PLACES_PER_ELEMENT >= places_.size()) grow();
+  void makeRoom() { makeRoom(1); }
+  /// The same for the next `more` calls of add().
+  void makeRoom(size_t more) {
+    size_t size = std::max(places_.size(), FIRST_PLACES);
+    while (size < (count_ + more) * PLACES_PER_ELEMENT) size *= 2;
+    if (size > places_.size()) resize(size);
   }
   /// Adds an element that is not there yet.
   void add(size_t hash, uint32_t position) {
@@ -57,8 +63,8 @@ class PositionTable {
     while (places_[at].entry != 0) at = (at + 1) & mask();
     places_[at] = place;
   }
-  void grow() {
-    std::vector<Place> old(places_.empty() ? FIRST_PLACES : places_.size() * 2);
+  void resize(size_t size) {
+    std::vector<Place> old(size);
     std::swap(old, places_);
     for (const Place& place : old) {
       if (place.entry != 0) put(place);

@@ -39,6 +39,9 @@ bool IndexDef::isValid(const SituationView& situation) const {
 }
 
 void IndexDef::translate(std::string& value) const {
+  if (translations().empty()) {
+    return;
+  }
   const auto found = translations().find(value);
   if (found != translations().end()) {
     value = found->second;

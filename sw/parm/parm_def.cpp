@@ -1,6 +1,7 @@
 #include "sw/parm/parm_def.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "sw/parm/parm_name.h"
@@ -109,8 +110,8 @@ const CommittedValue* ParmDef::committed(const IndexTuple& indices) const {
   if (indices.empty() && this->indices().empty()) {
     return &single_;
   }
-  const auto found = indexing_->instances.find(indexSuffix(indices));
-  return found == indexing_->instances.end() ? nullptr : &found->second;
+  const std::optional<uint32_t> found = indexing_->suffixes.find(indexSuffix(indices));
+  return found ? &indexing_->values[*found] : nullptr;
 }
 
 CommittedValue* ParmDef::committed(const IndexTuple& indices) {
@@ -131,5 +132,16 @@ CommittedValue& ParmDef::stored(const IndexTuple& indices) {
   if (indices.empty() && this->indices().empty()) {
     return single_;
   }
-  return indexing_.change().instances[indexSuffix(indices)];
+  const std::string suffix = indexSuffix(indices);
+  Indexing& indexing = indexing_.change();
+  if (const std::optional<uint32_t> known = indexing.suffixes.find(suffix)) {
+    return indexing.values[*known];
+  }
+  // The value comes first: where memory is exhausted in between, the next one takes its place.
+  const size_t number = indexing.suffixes.size();
+  if (indexing.values.size() == number) {
+    indexing.values.emplace_back();
+  }
+  indexing.suffixes.add(suffix);
+  return indexing.values[number];
 }

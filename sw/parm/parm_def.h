@@ -3,13 +3,13 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
-#include "deflang/text_map.h"
+#include "deflang/name_table.h"
 #include "sw/parm/index_def.h"
 #include "sw/parm/index_tuple.h"
 #include "sw/parm/value_text.h"
@@ -112,7 +112,8 @@ class ParmDef final : public IndexDef {
     std::vector<const IndexDef*> indices;
     std::vector<std::vector<uint32_t>> slots;  // by index: from its slots to the parameter's
     std::vector<uint32_t> nameSlots;           // by index: the slot of its name
-    TextMap<CommittedValue> instances;         // by index suffix
+    NameTable suffixes;                        // of the instances that hold a value
+    std::deque<CommittedValue> values;         // by the number of the suffix
   };
 
   accessMode_t mode_;

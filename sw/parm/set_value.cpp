@@ -24,25 +24,35 @@ std::string countFault(const ParmDef& parm, const IndexTuple& indices) {
          std::to_string(indices.size());
 }
 
+// Whether an index takes a value in a situation. The fault's text is only made where somebody will
+// read it.
+bool takesValue(const IndexDef& index, const std::string& value, const SituationView& situation,
+                IndexFault* fault) {
+  if (!index.isValid(situation)) {
+    if (fault != nullptr) {
+      *fault = {"Invalid index[" + index.name() + "]", true};
+    }
+    return false;
+  }
+  if (!index.checkValue(value, situation)) {
+    if (fault != nullptr) {
+      *fault = {"Invalid index value[" + quoted(index.name()) + "=" + quoted(value) + "]", true};
+    }
+    return false;
+  }
+  return true;
+}
+
 // Binds the index values one by one, so that each index sees those before it, up to the first that
-// is refused. The fault's text is only made where somebody will read it.
-bool bindIndices(const ParmDef& parm, const IndexTuple& indices, Situation& situation,
-                 IndexFault* fault) {
+// is refused. `isStored` tells that the instance has a stored value: its index values were accepted
+// then, and a plain index accepts them in every situation.
+bool bindIndices(const ParmDef& parm, const IndexTuple& indices, bool isStored,
+                 Situation& situation, IndexFault* fault) {
   const size_t pairs = std::min(indices.size(), parm.indices().size());
   for (size_t i = 0; i < pairs; ++i) {
     const IndexDef& index = *parm.indices()[i];
-    const SituationView view = parm.indexView(situation, i);
-    if (!index.isValid(view)) {
-      if (fault != nullptr) {
-        *fault = {"Invalid index[" + index.name() + "]", true};
-      }
-      return false;
-    }
-    if (!index.checkValue(indices[i], view)) {
-      if (fault != nullptr) {
-        *fault = {"Invalid index value[" + quoted(index.name()) + "=" + quoted(indices[i]) + "]",
-                  true};
-      }
+    const bool isAccepted = isStored && index.isPlain();
+    if (!isAccepted && !takesValue(index, indices[i], parm.indexView(situation, i), fault)) {
       return false;
     }
     parm.bindIndex(situation, i, indices[i]);
@@ -111,7 +121,8 @@ setOutcome_t setValue(ParmDef& parm, std::string& value, const IndexTuple& indic
     return refuse(value, SET_NOT_STORED);
   }
   IndexFault fault;
-  if (!bindIndices(parm, indices, situation, mode.quietIndices ? nullptr : &fault)) {
+  if (!bindIndices(parm, indices, mode.held != nullptr, situation,
+                   mode.quietIndices ? nullptr : &fault)) {
     return mode.quietIndices ? refuse(value, SET_INVALID_INDEX)
                              : refuseIndices(parm, value, situation, fault);
   }

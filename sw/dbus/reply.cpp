@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cassert>
 #include <cstring>
-#include <memory>
 #include <utility>
 
 namespace {
@@ -19,22 +18,22 @@ size_t aligned(size_t bytes, size_t alignment) {
   return (bytes + alignment - 1) / alignment * alignment;
 }
 
-using Text = std::unique_ptr<char, decltype(&g_free)>;
-
-Text ownedText(const std::string& text) { return {newText(text), g_free}; }
-
-// A structure whose members are still empty.
-GValue newStructure(GType type) {
-  GValue structure = G_VALUE_INIT;
-  g_value_init(&structure, type);
-  g_value_take_boxed(&structure, dbus_g_type_specialized_construct(type));
-  return structure;
+// Returns how much of a message the text takes.
+size_t setText(GValue& member, const std::string& text) {
+  char* const sent = newText(text);
+  g_value_take_string(&member, sent);
+  return bytesInMessage(sent);
 }
 
 }  // namespace
 
 char* newText(std::string_view text) {
-  return g_utf8_make_valid(text.data(), static_cast<gssize>(text.size()));
+  if (g_utf8_validate_len(text.data(), text.size(), nullptr) == FALSE) {
+    return g_utf8_make_valid(text.data(), static_cast<gssize>(text.size()));
+  }
+  char* const copy = g_new(char, text.size() + 1);
+  *std::copy(text.begin(), text.end(), copy) = '\0';
+  return copy;
 }
 
 size_t bytesInMessage(const char* text) {
@@ -82,37 +81,38 @@ StructArray::~StructArray() {
 void StructArray::addSpan(const Span& span) {
   static const GType TYPE =
       dbus_g_type_get_struct("GValueArray", G_TYPE_INT, G_TYPE_INT, G_TYPE_INVALID);
-  GValue structure = newStructure(TYPE);
-  dbus_g_type_struct_set(&structure, 0, span.first, 1, span.second, G_MAXUINT);
-  add(structure);
+  GValue* const members = add(TYPE);
+  g_value_set_int(&members[0], span.first);
+  g_value_set_int(&members[1], span.second);
   bytes_ += 2 * NUMBER_BYTES;
 }
 
 void StructArray::addSpan(const std::string& name, const Span& span) {
   static const GType TYPE =
       dbus_g_type_get_struct("GValueArray", G_TYPE_STRING, G_TYPE_INT, G_TYPE_INT, G_TYPE_INVALID);
-  const Text nameText = ownedText(name);
-  GValue structure = newStructure(TYPE);
-  dbus_g_type_struct_set(&structure, 0, nameText.get(), 1, span.first, 2, span.second, G_MAXUINT);
-  add(structure);
-  bytes_ += aligned(bytesInMessage(nameText.get()) + 2 * NUMBER_BYTES, STRUCT_ALIGNMENT);
+  GValue* const members = add(TYPE);
+  const size_t nameBytes = setText(members[0], name);
+  g_value_set_int(&members[1], span.first);
+  g_value_set_int(&members[2], span.second);
+  bytes_ += aligned(nameBytes + 2 * NUMBER_BYTES, STRUCT_ALIGNMENT);
 }
 
 void StructArray::addText(const std::string& name, const std::string& text) {
   static const GType TYPE =
       dbus_g_type_get_struct("GValueArray", G_TYPE_STRING, G_TYPE_STRING, G_TYPE_INVALID);
-  const Text nameText = ownedText(name);
-  const Text valueText = ownedText(text);
-  GValue structure = newStructure(TYPE);
-  dbus_g_type_struct_set(&structure, 0, nameText.get(), 1, valueText.get(), G_MAXUINT);
-  add(structure);
-  bytes_ +=
-      aligned(bytesInMessage(nameText.get()) + bytesInMessage(valueText.get()), STRUCT_ALIGNMENT);
+  GValue* const members = add(TYPE);
+  const size_t nameBytes = setText(members[0], name);
+  bytes_ += aligned(nameBytes + setText(members[1], text), STRUCT_ALIGNMENT);
 }
 
 GPtrArray* StructArray::release() { return std::exchange(array_, nullptr); }
 
-void StructArray::add(GValue& structure) {
-  type_ = G_VALUE_TYPE(&structure);
-  g_ptr_array_add(array_, g_value_get_boxed(&structure));
+// A structure is such an array for the binding library, and a new one has members of its types. The
+// library's functions that fill one ask GLib for their types over and over, under a lock, which
+// takes most of the time of a large reply.
+GValue* StructArray::add(GType type) {
+  type_ = type;
+  auto* const structure = static_cast<GValueArray*>(dbus_g_type_specialized_construct(type));
+  g_ptr_array_add(array_, structure);
+  return structure->values;
 }

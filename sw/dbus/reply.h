@@ -83,7 +83,8 @@ class StructArray {
   GPtrArray* release();
 
  private:
-  void add(GValue& structure);
+  // The members of a new structure of `type`, at the end.
+  GValue* add(GType type);
 
   GPtrArray* array_;
   GType type_ = G_TYPE_INVALID;

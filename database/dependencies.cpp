@@ -1,6 +1,6 @@
 #include "database/dependencies.h"
 
-#include <deque>
+#include <forward_list>
 #include <map>
 #include <utility>
 #include <vector>
@@ -12,39 +12,60 @@ namespace {
 
 // The instance by whose index values names are read.
 struct Reader {
-  const ParmEntry* parm;
+  ParmEntry* parm = nullptr;
   IndexTuple indices;
 };
 
-// The name of `source` as `reader` reads it.
-std::string qualifiedName(const VariableSource& source, const Reader& reader) {
-  if (source.parm == nullptr || source.qualified || reader.indices.empty()) {
-    return std::string(source.name);
+// The index values with which `reader` reads `source`, a parameter that it names.
+IndexTuple readIndices(const VariableSource& source, const Reader& reader) {
+  if (source.qualified || reader.indices.empty()) {
+    return source.indices;
   }
-  return fullName(source.name, sharedIndices(reader.parm->parm, reader.indices, source.parm->parm));
+  return sharedIndices(reader.parm->parm, reader.indices, source.parm->parm);
 }
 
-// The names that `start` leads to. A parameter that is reached through others does not depend on
-// itself.
+// The name of `source` as `reader` reads it.
+std::string qualifiedName(const VariableSource& source, const Reader& reader) {
+  if (source.parm == nullptr || source.qualified) {
+    return std::string(source.name);
+  }
+  return fullName(source.name, readIndices(source, reader));
+}
+
+// How many bytes the names take together.
+class NameBytes {
+ public:
+  // False where they become too many.
+  bool add(size_t bytes) {
+    bytes_ += bytes;
+    return bytes_ <= MAX_DEPENDENCY_BYTES;
+  }
+
+ private:
+  size_t bytes_ = 0;
+};
+
+// A walk along the names that `start` leads to. A parameter that is reached through others does not
+// depend on itself.
 class ReferenceWalk {
  public:
   // `asWritten` asks for the names as they stand in the text; `start` has no index values then.
-  ReferenceWalk(Reader start, bool asWritten) : asWritten_(asWritten) {
-    const Reader& reader = readers_.emplace_back(std::move(start));
-    go(*reader.parm, reader);
+  ReferenceWalk(Reader start, bool asWritten) : asWritten_(asWritten), start_(start.parm) {
+    go(*start_, readers_.emplace_front(std::move(start)));
   }
 
-  // False where the names become too long.
-  bool collect(std::set<std::string>& names) {
+  // Calls `take(source, reader)` for every name, mostly once. False as soon as `take` says so.
+  template <typename Take>
+  bool run(const Take& take) {
     while (!open_.empty()) {
       const auto [entry, reader] = open_.back();
       open_.pop_back();
       for (const VariableSource& source : entry->sources) {
-        const bool isStart = entry != start() && source.name == start()->parm.name();
+        const bool isStart = entry != start_ && source.parm == start_ && !source.qualified;
         if (source.name == THIS_VALUE || isStart || !read_.insert({&source, reader}).second) {
           continue;
         }
-        if (!add(qualifiedName(source, *reader), names)) {
+        if (!take(source, *reader)) {
           return false;
         }
         if (source.parm != nullptr) {
@@ -56,8 +77,6 @@ class ReferenceWalk {
   }
 
  private:
-  [[nodiscard]] const ParmEntry* start() const { return readers_.front().parm; }
-
   // What an instance that the text names refers to is read by that instance's own index values.
   const Reader& readerBehind(const VariableSource& source, const Reader& reader) {
     if (asWritten_ || !source.qualified) {
@@ -65,15 +84,9 @@ class ReferenceWalk {
     }
     const Reader*& named = named_[source.name];
     if (named == nullptr) {
-      named = &readers_.emplace_back(Reader{source.parm, source.indices});
+      named = &readers_.emplace_front(Reader{source.parm, source.indices});
     }
     return *named;
-  }
-
-  bool add(std::string name, std::set<std::string>& names) {
-    const auto [place, isNew] = names.insert(std::move(name));
-    bytes_ += isNew ? place->size() : 0;
-    return bytes_ <= MAX_DEPENDENCY_BYTES;
   }
 
   void go(const ParmEntry& entry, const Reader& reader) {
@@ -83,11 +96,11 @@ class ReferenceWalk {
   }
 
   const bool asWritten_;
-  std::deque<Reader> readers_;  // the start's first; they stay where they are
+  const ParmEntry* const start_;
+  std::forward_list<Reader> readers_;
   std::map<std::string_view, const Reader*> named_;
   // A name is put together once for each reader: it may be long, and many may refer to it.
   std::set<std::pair<const VariableSource*, const Reader*>> read_;
-  size_t bytes_ = 0;  // of the names
   std::set<std::pair<const ParmEntry*, const Reader*>> reached_;
   std::vector<std::pair<const ParmEntry*, const Reader*>> open_;
 };
@@ -104,18 +117,59 @@ bool fits(const ParmDef& parm, const IndexTuple& indices) {
   return true;
 }
 
+// Finds the parameter that a walk starts from. Returns a dependenciesResult_t.
+int findStart(Database& database, std::string_view name, bool withIndices, Reader& start) {
+  ParmName parts = withIndices ? splitName(name) : ParmName{std::string(name), {}};
+  start = {database.findParm(parts.base), std::move(parts.indices)};
+  if (start.parm == nullptr) {
+    return DEPENDENCIES_NO_PARAMETER;
+  }
+  const bool isInvalid = withIndices && !fits(start.parm->parm, start.indices);
+  return isInvalid ? DEPENDENCIES_INVALID_INDEX : DEPENDENCIES_FOUND;
+}
+
+// How long the full name of an instance is.
+size_t nameBytes(const Instance& instance) {
+  size_t bytes = instance.parm->parm.name().size();
+  for (const std::string& value : instance.indices) bytes += value.size() + 2;
+  return bytes;
+}
+
 }  // namespace
 
 int dependencies(Database& database, std::string_view name, bool withIndices,
                  std::set<std::string>& out) {
-  const ParmName parts = withIndices ? splitName(name) : ParmName{std::string(name), {}};
-  const ParmEntry* entry = database.findParm(parts.base);
-  if (entry == nullptr) {
-    return DEPENDENCIES_NO_PARAMETER;
+  Reader start;
+  if (const int refused = findStart(database, name, withIndices, start); refused != 0) {
+    return refused;
   }
-  if (withIndices && !fits(entry->parm, parts.indices)) {
-    return DEPENDENCIES_INVALID_INDEX;
-  }
-  const bool fit = ReferenceWalk({entry, parts.indices}, !withIndices).collect(out);
+  NameBytes bytes;
+  const auto take = [&](const VariableSource& source, const Reader& reader) {
+    const auto [place, isNew] = out.insert(qualifiedName(source, reader));
+    return bytes.add(isNew ? place->size() : 0);
+  };
+  const bool fit = ReferenceWalk(std::move(start), !withIndices).run(take);
   return fit ? DEPENDENCIES_FOUND : DEPENDENCIES_TOO_LARGE;
+}
+
+int dependencyInstances(Database& database, std::string_view name, std::vector<Instance>& out) {
+  Reader start;
+  if (const int refused = findStart(database, name, true, start); refused != 0) {
+    return refused;
+  }
+  out.push_back({start.parm, start.indices});
+  NameBytes bytes;
+  const auto take = [&](const VariableSource& source, const Reader& reader) {
+    if (source.parm == nullptr) {
+      return bytes.add(source.name.size());
+    }
+    Instance instance{source.parm, readIndices(source, reader)};
+    const bool fits = bytes.add(nameBytes(instance));
+    if (instance.indices.size() == source.parm->parm.indices().size()) {
+      out.push_back(std::move(instance));
+    }
+    return fits;
+  };
+  return ReferenceWalk(std::move(start), false).run(take) ? DEPENDENCIES_FOUND
+                                                          : DEPENDENCIES_TOO_LARGE;
 }

@@ -5,6 +5,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "database/database.h"
 #include "sw/parm/index_tuple.h"
@@ -29,3 +30,14 @@ constexpr size_t MAX_DEPENDENCY_BYTES = size_t{32} << 20U;
 /// values or one of them does not fit the index definitions.
 int dependencies(Database& database, std::string_view name, bool withIndices,
                  std::set<std::string>& out);
+
+/// One instance of a parameter.
+struct Instance {
+  ParmEntry* parm;
+  IndexTuple indices;
+};
+
+/// The same with index values as instances: first the one that `name` says, then those among the
+/// names that carry as many index values as their parameter has indices. Some may be there twice;
+/// their names then count twice.
+int dependencyInstances(Database& database, std::string_view name, std::vector<Instance>& out);

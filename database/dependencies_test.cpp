@@ -4,6 +4,7 @@
 
 #include "database/range_query.h"
 #include "database/test_database.h"
+#include "sw/parm/parm_name.h"
 
 namespace {
 
@@ -81,6 +82,46 @@ TEST(Dependencies, AreTheNamesThatAParameterRefersToDirectlyOrNot) {
     EXPECT_EQ(dependencies(database, c.name, c.withIndices, names), c.result);
     EXPECT_EQ(names, c.names);
   }
+}
+
+// Constants, indices and names that lack index values are no instances.
+TEST(DependencyInstances, AreTheOneThatIsAskedForAndThoseAmongTheNames) {
+  struct Case {
+    std::string name;
+    Names others;
+  };
+  const Case cases[] = {
+      {"free", {}},
+      {"left", {"right"}},
+      {"both[1][a]", {"mode", "perIn[1]"}},
+      {"sees[2]", {"mode", "perIn[2]"}},
+      {"self[2]", {"mode", "self[0]", "self[2]"}},
+      {"flat", {"both[0][b]", "mode", "sees[1]", "sees[2]", "perIn[0]", "perIn[1]", "perIn[2]"}},
+  };
+  Database database;
+  define(database, TEXT, {{"LIMIT", "1"}});
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    std::vector<Instance> instances;
+    EXPECT_EQ(dependencyInstances(database, c.name, instances), DEPENDENCIES_FOUND);
+    Names names;
+    for (const Instance& instance : instances) {
+      names.insert(fullName(instance.parm->parm.name(), instance.indices));
+    }
+    EXPECT_EQ(fullName(instances.front().parm->parm.name(), instances.front().indices), c.name);
+    Names expected = c.others;
+    expected.insert(c.name);
+    EXPECT_EQ(names, expected);
+  }
+}
+
+TEST(DependencyInstances, AreNoneOfWhatIsNoInstance) {
+  Database database;
+  define(database, TEXT, {{"LIMIT", "1"}});
+  std::vector<Instance> instances;
+  EXPECT_EQ(dependencyInstances(database, "none", instances), DEPENDENCIES_NO_PARAMETER);
+  EXPECT_EQ(dependencyInstances(database, "perIn[4]", instances), DEPENDENCIES_INVALID_INDEX);
+  EXPECT_TRUE(instances.empty());
 }
 
 // Two names, each with the index value that the client gives.

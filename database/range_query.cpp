@@ -2,42 +2,19 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <set>
 #include <span>
-#include <string>
-#include <utility>
 #include <vector>
 
 #include "database/dependencies.h"
 #include "database/evaluation.h"
 #include "database/gather.h"
 #include "database/plan.h"
-#include "sw/parm/parm_name.h"
 #include "sw/parm/set_value.h"
 
 namespace {
 
 // A pass over a level that has to be walked again, where nothing else is wrong.
 constexpr int WALK_AGAIN = 1;
-
-struct Instance {
-  ParmEntry* parm;
-  IndexTuple indices;
-};
-
-// The instances among `names`: parameters with their full number of index values. Whatever else a
-// parameter depends on is only read.
-std::vector<Instance> instancesOf(Database& database, const std::set<std::string>& names) {
-  std::vector<Instance> instances;
-  for (const std::string& name : names) {
-    ParmName parts = splitName(name);
-    ParmEntry* parm = database.findParm(parts.base);
-    if (parm != nullptr && parts.indices.size() == parm->parm.indices().size()) {
-      instances.push_back({parm, std::move(parts.indices)});
-    }
-  }
-  return instances;
-}
 
 // The level at which evaluation starts: the target's, or a lower one where something is staged that
 // the target depends on.
@@ -121,17 +98,15 @@ int rangeOfTarget(StagedEntry& target, const StagedValues& scratch, BoundsParm& 
 
 int queryRange(Database& database, const StagedValues& staged, std::string_view name,
                BoundsParm& out) {
-  const ParmName target = splitName(name);
-  std::set<std::string> names = {fullName(target.base, target.indices)};
-  const int found = dependencies(database, name, true, names);
+  std::vector<Instance> instances;
+  const int found = dependencyInstances(database, name, instances);
   if (found != DEPENDENCIES_FOUND) {
     return found == DEPENDENCIES_TOO_LARGE ? RANGE_TOO_LARGE : RANGE_INVALID_NAME;
   }
-  ParmEntry& parm = *database.findParm(target.base);
-  const std::vector<Instance> instances = instancesOf(database, names);
+  const Instance& target = instances.front();
   StagedValues scratch(&staged);
-  const Plan plan = planQuery(instances, startLevel(parm, instances, staged), scratch);
+  const Plan plan = planQuery(instances, startLevel(*target.parm, instances, staged), scratch);
   const int planned = evaluatePlan(plan, scratch);
-  const int result = rangeOfTarget(scratch.stage(parm, target.indices, true), scratch, out);
+  const int result = rangeOfTarget(scratch.stage(*target.parm, target.indices, true), scratch, out);
   return result != RANGE_FOUND ? result : planned;
 }

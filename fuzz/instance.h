@@ -5,13 +5,9 @@
 #include <string>
 
 #include "database/database.h"
+#include "database/dependencies.h"
 #include "deflang/variables.h"
 #include "sw/parm/index_tuple.h"
-
-struct Instance {
-  ParmEntry* parm;
-  IndexTuple indices;
-};
 
 /// Instances by their full names.
 using Instances = std::map<std::string, Instance>;

@@ -1,0 +1,52 @@
+// Commits that move everything that depends on the one parameter that a client has set. The
+// complexity is that of the number of dependents.
+#include <benchmark/benchmark.h>
+
+#include <vector>
+
+#include "bench/device.h"
+#include "database/commit.h"
+
+namespace {
+
+constexpr int64_t SMALL = 1000;
+constexpr int64_t LARGE = 100000;
+
+// Sets "limit" in turn to values so far apart that each dependent has to move.
+void move(benchmark::State& state, const std::string& text) {
+  Database database;
+  build(read(text), database);
+  Transaction transaction(database);
+  int64_t moves = 0;
+  for (auto _ : state) {
+    static_cast<void>(transaction.set("limit", moves++ % 2 == 0 ? "1000" : "2000", true));
+    std::vector<Change> changes;
+    static_cast<void>(commit(transaction, changes));
+    benchmark::DoNotOptimize(changes);
+  }
+  state.SetComplexityN(state.range(0));
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+void parameters(benchmark::State& state) { move(state, fanText(state.range(0))); }
+void instances(benchmark::State& state) { move(state, indexText(state.range(0))); }
+
+// A parameter that nothing depends on, in a small text and in a large one.
+void nothingDepends(benchmark::State& state) {
+  Database database;
+  build(read(mixedText(state.range(0))), database);
+  Transaction transaction(database);
+  int64_t sets = 0;
+  for (auto _ : state) {
+    static_cast<void>(transaction.set("p2", sets++ % 2 == 0 ? "1" : "2", true));
+    std::vector<Change> changes;
+    static_cast<void>(commit(transaction, changes));
+    benchmark::DoNotOptimize(changes);
+  }
+}
+
+BENCHMARK(parameters)->RangeMultiplier(10)->Range(SMALL, LARGE)->Complexity();
+BENCHMARK(instances)->RangeMultiplier(10)->Range(SMALL, LARGE)->Complexity();
+BENCHMARK(nothingDepends)->Arg(100)->Arg(LARGE);
+
+}  // namespace

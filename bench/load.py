@@ -62,6 +62,11 @@ class Daemon:
         with open(f"/proc/{self.process.pid}/schedstat") as file:
             return int(file.read().split()[0]) / 1000
 
+    def memory(self):
+        """What belongs to the process alone, in kB."""
+        with open(f"/proc/{self.process.pid}/smaps_rollup") as file:
+            return sum(int(line.split()[1]) for line in file if line.startswith("Private_"))
+
     def cost(self, calls, call):
         start = self.time()
         for turn in range(calls):
@@ -108,6 +113,19 @@ def requests(daemon, rounds):
     daemon.call("end", GLib.Variant("(u)", (transaction,)))
 
 
+def memory_of_transactions(daemon):
+    """Stages 10,000 values in a transaction and ends it, ten times."""
+    values = (names(COUNT), ["123"] * COUNT)
+    before = daemon.memory()
+    for _ in range(10):
+        transaction = daemon.call("start").unpack()[0]
+        daemon.call("set_bulk", GLib.Variant("(uasas)", (transaction, *values)))
+        during = daemon.memory()
+        daemon.call("end", GLib.Variant("(u)", (transaction,)))
+        after = daemon.memory()
+    print(f"memory: {before} kB, with 10,000 staged values {during} kB, after the end of the tenth transaction {after} kB")
+
+
 def commits(daemon, rounds, title):
     limits = [GLib.Variant("(ss)", ("limit", limit)) for limit in ("1000", "2000")]
     measure(daemon, rounds, [(title, 4, lambda turn: daemon.call("single_set", limits[turn % 2]))])
@@ -119,6 +137,7 @@ def main():
     with Daemon(program, LIMIT + "".join(FOLLOWER % number for number in range(COUNT))) as daemon:
         requests(daemon, rounds)
         commits(daemon, rounds, "commit that moves 10,000 parameters")
+        memory_of_transactions(daemon)
     with Daemon(program, LIMIT + INDEXED % (COUNT - 1)) as daemon:
         commits(daemon, rounds, "commit that moves 10,000 instances of one parameter")
         alone = [GLib.Variant("(ss)", ("alone", value)) for value in ("1", "2")]

@@ -19,15 +19,6 @@ constexpr size_t MAX_PIECE = 1024;  // of a line that is read at once
 // More than twice what any of the texts takes.
 constexpr size_t MAX_PEAK_KIB = size_t{512} << 10U;
 
-// Whether something looks on that takes memory of its own.
-bool isWatched() {
-#ifdef __SANITIZE_ADDRESS__
-  return true;
-#else
-  return getenv("DAEMON_WRAPPER") != nullptr;
-#endif
-}
-
 // A parameter that has nothing to do with what else a text defines.
 constexpr const char* ALIVE = "alive rw { }\n";
 

@@ -15,6 +15,7 @@
 #include "sw/dbus/errors.h"
 #include "sw/dbus/publish.h"
 #include "sw/dbus/reply.h"
+#include "sw/dbus/spare_memory.h"
 #include "sw/parm/parm_name.h"
 
 namespace {
@@ -108,6 +109,7 @@ int resetAll(Transaction& transaction, char** names, bool status) {
 }
 
 int commitAndPublish(Transaction& transaction, ValueObject* object) {
+  returnSpareMemorySoon();
   std::vector<Change> changes;
   int result = INTERNAL_ERROR;
   try {

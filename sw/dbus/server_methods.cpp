@@ -2,6 +2,7 @@
 
 #include "sw/dbus/method_frame.h"
 #include "sw/dbus/operations.h"
+#include "sw/dbus/spare_memory.h"
 
 gboolean value_object_start(ValueObject* obj, guint32* id, GError** error) {
   return serve({__func__, obj, error}, METHOD_START, [&] {
@@ -99,6 +100,7 @@ gboolean value_object_commit(ValueObject* obj, guint32 id, GError** error) {
 gboolean value_object_end(ValueObject* obj, guint32 id, GError** error) {
   return serve({__func__, obj, error}, METHOD_END, [&] {
     const int result = ServiceState::current().transactions().end(id);
+    returnSpareMemorySoon();
     return finishMethod(error, METHOD_END, result == 0 ? 0 : UNKNOWN_TRANSACTION);
   });
 }

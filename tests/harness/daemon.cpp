@@ -65,6 +65,14 @@ Process::Options processOptions(const Daemon::Options& options, const std::strin
 
 }  // namespace
 
+bool isWatched() {
+#ifdef __SANITIZE_ADDRESS__
+  return true;
+#else
+  return !wrapper().empty();
+#endif
+}
+
 Daemon::Daemon(const Options& options)
     : process_(processOptions(options, logFile(), directory_.path() + "/" + REPORT)) {}
 

@@ -9,6 +9,10 @@
 #include "tests/harness/process.h"
 #include "tests/harness/temp_dir.h"
 
+/// Whether something looks on the daemon that takes memory of its own: a sanitizer, or the wrapper
+/// that the environment names.
+bool isWatched();
+
 class Daemon {
  public:
   struct Options {

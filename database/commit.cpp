@@ -98,6 +98,12 @@ int applyPlan(std::span<const PlanStep> plan, const StagedValues& staged,
   return result;
 }
 
+// Each name once, ascending. An instance that was reported twice holds one value.
+void putInOrder(std::vector<Change>& changes) noexcept {
+  sortByName(changes);
+  changes.erase(std::unique(changes.begin(), changes.end()), changes.end());
+}
+
 // Empties a transaction however its commit ends.
 class Emptying {
  public:
@@ -121,8 +127,12 @@ int commit(Transaction& transaction, std::vector<Change>& changes) {
     return COMMIT_TOO_LARGE;
   }
   changes.reserve(changes.size() + plan->size());
-  const int result = applyPlan(*plan, staged, changes);
-  sortByName(changes);
-  changes.erase(std::unique(changes.begin(), changes.end()), changes.end());
-  return result;
+  try {
+    const int result = applyPlan(*plan, staged, changes);
+    putInOrder(changes);
+    return result;
+  } catch (...) {
+    putInOrder(changes);
+    throw;
+  }
 }

@@ -18,7 +18,6 @@ enum commitResult_t : int {
 struct Change {
   std::string name;  ///< the full name
   const CommittedValue* held = nullptr;
-  auto operator<=>(const Change& other) const { return name <=> other.name; }
   bool operator==(const Change& other) const { return name == other.name; }
 };
 

@@ -1,6 +1,8 @@
 #include "database/dependencies.h"
 
+#include <algorithm>
 #include <forward_list>
+#include <iterator>
 #include <map>
 #include <utility>
 #include <vector>
@@ -128,6 +130,13 @@ int findStart(Database& database, std::string_view name, bool withIndices, Reade
   return isInvalid ? DEPENDENCIES_INVALID_INDEX : DEPENDENCIES_FOUND;
 }
 
+// An order in which each instance has one place.
+struct InstanceOrder {
+  bool operator()(const Instance& a, const Instance& b) const {
+    return a.parm != b.parm ? a.parm->rank < b.parm->rank : a.indices < b.indices;
+  }
+};
+
 // How long the full name of an instance is.
 size_t nameBytes(const Instance& instance) {
   size_t bytes = instance.parm->parm.name().size();
@@ -157,19 +166,25 @@ int dependencyInstances(Database& database, std::string_view name, std::vector<I
   if (const int refused = findStart(database, name, true, start); refused != 0) {
     return refused;
   }
-  out.push_back({start.parm, start.indices});
+  const Instance target{start.parm, start.indices};
+  std::set<Instance, InstanceOrder> instances = {target};
+  std::set<std::string_view> others;  // the names of what is no parameter
   NameBytes bytes;
   const auto take = [&](const VariableSource& source, const Reader& reader) {
     if (source.parm == nullptr) {
-      return bytes.add(source.name.size());
+      return bytes.add(others.insert(source.name).second ? source.name.size() : 0);
     }
-    Instance instance{source.parm, readIndices(source, reader)};
-    const bool fits = bytes.add(nameBytes(instance));
-    if (instance.indices.size() == source.parm->parm.indices().size()) {
-      out.push_back(std::move(instance));
-    }
-    return fits;
+    const auto [place, isNew] = instances.insert({source.parm, readIndices(source, reader)});
+    return bytes.add(isNew ? nameBytes(*place) : 0);
   };
-  return ReferenceWalk(std::move(start), false).run(take) ? DEPENDENCIES_FOUND
-                                                          : DEPENDENCIES_TOO_LARGE;
+  if (!ReferenceWalk(std::move(start), false).run(take)) {
+    return DEPENDENCIES_TOO_LARGE;
+  }
+  out = {target};
+  instances.erase(target);
+  std::copy_if(instances.begin(), instances.end(), std::back_inserter(out),
+               [](const Instance& instance) {
+                 return instance.indices.size() == instance.parm->parm.indices().size();
+               });
+  return DEPENDENCIES_FOUND;
 }

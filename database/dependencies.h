@@ -37,7 +37,6 @@ struct Instance {
   IndexTuple indices;
 };
 
-/// The same with index values as instances: first the one that `name` says, then those among the
-/// names that carry as many index values as their parameter has indices. Some may be there twice;
-/// their names then count twice.
+/// The same with index values as instances: first the one that `name` says, then the others among
+/// the names that carry as many index values as their parameter has indices.
 int dependencyInstances(Database& database, std::string_view name, std::vector<Instance>& out);

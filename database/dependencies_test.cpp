@@ -112,6 +112,7 @@ TEST(DependencyInstances, AreTheOneThatIsAskedForAndThoseAmongTheNames) {
     Names expected = c.others;
     expected.insert(c.name);
     EXPECT_EQ(names, expected);
+    EXPECT_EQ(instances.size(), names.size());  // each once
   }
 }
 
@@ -153,6 +154,25 @@ TEST(Dependencies, BoundRangeQueriesToo) {
   EXPECT_EQ(queryRange(database, staged, "k[" + value + "]", range), RANGE_TOO_LARGE);
   EXPECT_EQ(queryRange(database, staged, "alone[" + value + "]", range), RANGE_FOUND);
   EXPECT_EQ(queryRange(database, staged, "k[x]", range), RANGE_FOUND);
+}
+
+TEST(Dependencies, CountForARangeQueryOnceAndWithoutTheTarget) {
+  Database database;
+  define(database, R"(
+any index { }
+q rw { index { any } }
+once rw { index { any } ctrlRO (q == 1) }
+figures rw { index { any } ctrlRO (q == 1 || vidStd::q::spal == 1 || vidStd::q::alpf == 1) }
+)");
+  const std::string value(MAX_DEPENDENCY_BYTES - std::string_view("q[]").size(), 'x');
+  const StagedValues staged;
+  BoundsParm range;
+  for (const char* name : {"once", "figures"}) {
+    SCOPED_TRACE(name);
+    const std::string start = std::string(name) + "[";
+    EXPECT_EQ(queryRange(database, staged, start + value + "]", range), RANGE_FOUND);
+    EXPECT_EQ(queryRange(database, staged, start + "x" + value + "]", range), RANGE_TOO_LARGE);
+  }
 }
 
 }  // namespace

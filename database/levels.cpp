@@ -135,13 +135,18 @@ class Ascent {
     });
   }
 
-  // For each group that the walk did not come to, an edge from another such group.
+  // For each group that the walk did not come to, the first edge from such a group.
   std::vector<RaisingEdge> edgesFromBelow() {
     std::vector<RaisingEdge> edges(open_.size());
     for (uint32_t node = 0; node < open_.size(); ++node) {
       const uint32_t group = groups_.of(node);
       if (open_[group] > 0) {
-        forEachAbove(node, [&](uint32_t above) { edges[groups_.of(above)] = {group, above}; });
+        forEachAbove(node, [&](uint32_t above) {
+          RaisingEdge& edge = edges[groups_.of(above)];
+          if (edge.from == NOBODY) {
+            edge = {group, above};
+          }
+        });
       }
     }
     return edges;

@@ -49,14 +49,19 @@ TEST(Levels, RefuseACycleAndNameANodeOnIt) {
     const char* what;
     DependentsGraph dependents;
     std::vector<uint32_t> cycle;
+    uint32_t named;  // the way down takes the first edge
   };
   const Case cases[] = {
-      {"a ring of three", {{1}, {2}, {0}}, {0, 1, 2}},
-      {"a ring with a way in and out", {{1}, {2}, {3}, {1, 4}, {}}, {1, 2, 3}},
+      {"a ring of three", {{1}, {2}, {0}}, {0, 1, 2}, 0},
+      {"a ring with a way in and out", {{1}, {2}, {3}, {1, 4}, {}}, {1, 2, 3}, 1},
       // 0 is a pair with 1, but not on the ring itself.
-      {"a ring with a pair at its side", {{1}, {0, 2}, {3}, {1}}, {1, 2, 3}},
+      {"a ring with a pair at its side", {{1}, {0, 2}, {3}, {1}}, {1, 2, 3}, 1},
       // 0 and 1 are a pair, as are 1 and 2, but 2 is to stand above 0.
-      {"within a group of pairs", {{1, 2}, {0, 2}, {1}}, {0, 1, 2}},
+      {"within a group of pairs", {{1, 2}, {0, 2}, {1}}, {0, 1, 2}, 2},
+      {"two rings that lead to one node",
+       {{}, {2}, {3}, {0, 1}, {5}, {6}, {0, 4}},
+       {1, 2, 3, 4, 5, 6},
+       3},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
@@ -64,6 +69,7 @@ TEST(Levels, RefuseACycleAndNameANodeOnIt) {
     uint32_t onCycle = UINT32_MAX;
     EXPECT_EQ(assignLevels(c.dependents, levels, onCycle), 1);
     EXPECT_NE(std::find(c.cycle.begin(), c.cycle.end(), onCycle), c.cycle.end()) << onCycle;
+    EXPECT_EQ(onCycle, c.named);
   }
 }
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <new>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -28,23 +29,28 @@ inline size_t commonStart(std::string_view name, std::string_view other) {
 
 /// Sorts `elements` by their member `name`, ascending in byte order. The names of the instances of
 /// one parameter differ late and in few bytes, so that comparing these as one number decides nearly
-/// everything.
+/// everything. Raises no exception: where memory is exhausted, the names are compared as they are.
 template <typename T>
-void sortByName(std::vector<T>& elements) {
+void sortByName(std::vector<T>& elements) noexcept {
   const auto comesBefore = [](const T& a, const T& b) { return a.name < b.name; };
   if (std::is_sorted(elements.begin(), elements.end(), comesBefore)) return;
+  std::vector<std::pair<uint64_t, T*>> keyed;
+  std::vector<T> sorted;
+  try {
+    keyed.reserve(elements.size());
+    sorted.reserve(elements.size());
+  } catch (const std::bad_alloc&) {
+    std::sort(elements.begin(), elements.end(), comesBefore);
+    return;
+  }
   size_t start = elements.front().name.size();
   for (const T& element : elements) {
     start = std::min(start, commonStart(element.name, elements.front().name));
   }
-  std::vector<std::pair<uint64_t, T*>> keyed;
-  keyed.reserve(elements.size());
   for (T& element : elements) keyed.emplace_back(bytesAt(element.name, start), &element);
   std::sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) {
     return a.first != b.first ? a.first < b.first : a.second->name < b.second->name;
   });
-  std::vector<T> sorted;
-  sorted.reserve(elements.size());
   for (const auto& [bytes, element] : keyed) sorted.push_back(std::move(*element));
   elements = std::move(sorted);
 }

@@ -23,11 +23,11 @@ class DefinitionParser {
   DefinitionParser();
   ~DefinitionParser();
   /// Takes in one line, its newline included, into `records`, which are the same for all lines of a
-  /// text. Returns PARSE_DONE when it was accepted, complete or not; PARSE_INVALID_ACCESS for an
-  /// unknown word after the name or "ctrlRO" in a "wo" record; PARSE_SYNTAX_ERROR;
-  /// PARSE_INTERNAL_ERROR when the record that is being read is not among `records`. After an error
-  /// `column` is the offset of the character at which the failing step started, or of the first one
-  /// of a bare number that did not convert, and only reset() leads on.
+  /// text and live as long as it is read. Returns PARSE_DONE when it was accepted, complete or not;
+  /// PARSE_INVALID_ACCESS for an unknown word after the name or "ctrlRO" in a "wo" record;
+  /// PARSE_SYNTAX_ERROR; PARSE_INTERNAL_ERROR when the record that is being read is not among
+  /// `records`. After an error `column` is the offset of the character at which the failing step
+  /// started, or of the first one of a bare number that did not convert, and only reset() leads on.
   int parseLine(ParameterRecords& records, std::string_view line, uint32_t lineNumber,
                 size_t& column);
   /// Back to the start of a text, whatever was left unfinished.

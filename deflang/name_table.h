@@ -3,24 +3,25 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "deflang/position_table.h"
+#include "deflang/text_map.h"
 
 /// The names stand behind one another, so that looking for one leaves everything else alone.
 class NameTable {
  public:
   /// The number of `name`, or nothing.
   [[nodiscard]] std::optional<uint32_t> find(std::string_view name) const {
-    return numbers_.find(hashOf(name), [&](uint32_t number) { return (*this)[number] == name; });
+    return numbers_.find(TextHash{}(name),
+                         [&](uint32_t number) { return (*this)[number] == name; });
   }
   /// Prepares a find() that is still some way off.
   [[gnu::always_inline]] void prefetch(std::string_view name) const {
-    numbers_.prefetch(hashOf(name));
+    numbers_.prefetch(TextHash{}(name));
   }
   /// Adds a name that is not there yet. Its number is the count of those before it. Where memory is
   /// exhausted, the table is as before.
@@ -29,7 +30,7 @@ class NameTable {
     text_.resize(ends_.empty() ? 0 : ends_.back());
     text_.append(name);
     ends_.push_back(text_.size());
-    numbers_.add(hashOf(name), static_cast<uint32_t>(ends_.size() - 1));
+    numbers_.add(TextHash{}(name), static_cast<uint32_t>(ends_.size() - 1));
   }
   [[nodiscard]] size_t size() const { return ends_.size(); }
   [[nodiscard]] std::string_view operator[](uint32_t number) const {
@@ -38,8 +39,6 @@ class NameTable {
   }
 
  private:
-  static size_t hashOf(std::string_view name) { return std::hash<std::string_view>{}(name); }
-
   std::string text_;
   std::vector<size_t> ends_;  // of each name in text_
   PositionTable numbers_;

@@ -2,11 +2,10 @@
 #pragma once
 
 #include <algorithm>
-#include <functional>
 
 /// Sorts `elements`; where they are in order, that costs no more than a look at each.
-template <typename Elements, typename ComesBefore = std::less<>>
-void putInOrder(Elements& elements, const ComesBefore& comesBefore = {}) {
+template <typename Elements, typename ComesBefore>
+void putInOrder(Elements& elements, const ComesBefore& comesBefore) {
   if (!std::is_sorted(elements.begin(), elements.end(), comesBefore)) {
     std::sort(elements.begin(), elements.end(), comesBefore);
   }

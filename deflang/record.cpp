@@ -1,17 +1,10 @@
 #include "deflang/record.h"
 
-#include <functional>
-
 #include "deflang/put_in_order.h"
-
-namespace {
-
-size_t hashOf(std::string_view name) { return std::hash<std::string_view>{}(name); }
-
-}  // namespace
+#include "deflang/text_map.h"
 
 std::optional<uint32_t> ParameterRecords::positionOf(std::string_view name) const {
-  return positions_.find(hashOf(name),
+  return positions_.find(TextHash{}(name),
                          [&](uint32_t position) { return records_[position].name == name; });
 }
 
@@ -29,10 +22,10 @@ ParameterRecord* ParameterRecords::find(std::string_view name) {
 
 ParameterRecord& ParameterRecords::findOrAdd(std::string_view name, uint32_t line) {
   if (ParameterRecord* const known = find(name)) return *known;
-  positions_.add(hashOf(name), static_cast<uint32_t>(records_.size()));
   ParameterRecord& record = records_.emplace_back();
   record.name = memory_.keepText(name);
   record.line = line;
+  positions_.add(TextHash{}(name), static_cast<uint32_t>(records_.size() - 1));
   return record;
 }
 

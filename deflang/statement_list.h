@@ -15,6 +15,10 @@ class StatementList {
   };
 
  public:
+  StatementList() = default;
+  StatementList(const StatementList&) = delete;
+  StatementList& operator=(const StatementList&) = delete;
+
   class Iterator {
    public:
     using iterator_category = std::forward_iterator_tag;

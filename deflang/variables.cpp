@@ -1,17 +1,15 @@
 #include "deflang/variables.h"
 
 #include <algorithm>
-#include <functional>
 
 #include "deflang/number.h"
 #include "deflang/system_log.h"
+#include "deflang/text_map.h"
 
 namespace {
 
 // Up to here a walk over the names is as fast as the table, and it needs no memory.
 constexpr size_t MAX_WALKED_NAMES = 16;
-
-size_t hashOf(std::string_view name) { return std::hash<std::string_view>{}(name); }
 
 }  // namespace
 
@@ -33,15 +31,16 @@ uint32_t Variables::slot(std::string_view name) {
   const auto added = static_cast<uint32_t>(names_.size());
   names_.emplace_back(name);
   if (names_.size() == MAX_WALKED_NAMES + 1) {
-    for (uint32_t slot = 0; slot < added; ++slot) table_.change().add(hashOf(names_[slot]), slot);
+    for (uint32_t slot = 0; slot < added; ++slot)
+      table_.change().add(TextHash{}(names_[slot]), slot);
   }
-  if (names_.size() > MAX_WALKED_NAMES) table_.change().add(hashOf(name), added);
+  if (names_.size() > MAX_WALKED_NAMES) table_.change().add(TextHash{}(name), added);
   return added;
 }
 
 std::optional<uint32_t> Variables::find(std::string_view name) const {
   if (names_.size() > MAX_WALKED_NAMES) {
-    return table_->find(hashOf(name), [&](uint32_t slot) { return names_[slot] == name; });
+    return table_->find(TextHash{}(name), [&](uint32_t slot) { return names_[slot] == name; });
   }
   const auto found = std::find(names_.begin(), names_.end(), name);
   if (found == names_.end()) return std::nullopt;

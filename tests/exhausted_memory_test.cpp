@@ -3,7 +3,9 @@
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
+#include <algorithm>
 
+#include <algorithm>
 #include <map>
 
 #include "tests/harness/allocation_failure.h"
@@ -17,6 +19,7 @@ witness rw { rangeValid { 0..9 } default { 7 } }
 mode    rw { rangeValid { "1080i/50", "720p/50" } default { "1080i/50" } }
 level   rw { rangeValid { 0..(vidStd::mode::spal - 1) } default { 5 } }
 channel index { rangeValid { 1..2 } }
+note    rw { valueChange { "on" -> "a text for which no object has room in itself" } }
 gain    rw { index { channel } rangeValid { 0..(level), "no gain at all, for the longest time" }
              default { 1 } }
 )";
@@ -62,6 +65,7 @@ class ExhaustedMemoryTest : public testing::TestWithParam<long> {
   // Every value is the last that a signal has told of it.
   void expectTold() {
     for (const std::vector<std::string>& changes : client_.newSignals()) {
+      EXPECT_TRUE(std::is_sorted(changes.begin(), changes.end()));
       for (const std::string& change : changes) {
         const size_t sign = change.find('=');
         told_[change.substr(0, sign)] = change.substr(sign + 1);
@@ -116,6 +120,7 @@ constexpr CallCase CALLS[] = {
     {"", "single_set('gain[3]', '1')", "Commit failed because parameter index is invalid"},
     {"", "single_set_bulk(['level', 'gain[1]'], ['2000', '4000'])", "()"},
     {"", "single_set_status_bulk(['level', 'gain[1]'], ['5', '1'])", "()"},
+    {"single_set('note', 'off')", "single_set('note', 'on')", "()"},
     {"", "single_reset('gain[1]')", "()"},
     {"", "single_reset_status('gain[1]')", "()"},
     {"", "single_reset_bulk(['level', 'gain[1]'])", "()"},
@@ -143,7 +148,8 @@ TEST_P(ExhaustedMemoryTest, IsAnErrorOfTheMethod) {
     for (long successes = 0; isMet; ++successes) {
       if (*c.before != '\0') static_cast<void>(client().answer(c.before));
       const std::string answer = answerAfter(successes, c.call, isMet);
-      EXPECT_TRUE(isMet ? isOfExhaustedMemory(answer) : answer == c.answer)
+      // What can do without the memory succeeds.
+      EXPECT_TRUE(answer == c.answer || (isMet && isOfExhaustedMemory(answer)))
           << answer << " after " << successes;
       ASSERT_TRUE(daemon().process().running());
       ASSERT_EQ(client().answer("single_get('witness')"), "'7'");

@@ -7,16 +7,18 @@ namespace {
 
 constexpr guint DELAY = 1;  // in seconds
 
-guint pending = 0;
+bool isPending = false;
 
 gboolean returnSpareMemory(gpointer) {
   malloc_trim(0);
-  pending = 0;
+  isPending = false;
   return G_SOURCE_REMOVE;
 }
 
 }  // namespace
 
 void returnSpareMemorySoon() {
-  if (pending == 0) pending = g_timeout_add_seconds(DELAY, returnSpareMemory, nullptr);
+  if (isPending) return;
+  isPending = true;
+  g_timeout_add_seconds(DELAY, returnSpareMemory, nullptr);
 }

@@ -111,7 +111,7 @@ const CommittedValue* ParmDef::committed(const IndexTuple& indices) const {
     return &single_;
   }
   const std::optional<uint32_t> found = indexing_->suffixes.find(indexSuffix(indices));
-  return found ? &indexing_->values[*found] : nullptr;
+  return found ? &indexing_->values.get()[*found] : nullptr;
 }
 
 CommittedValue* ParmDef::committed(const IndexTuple& indices) {
@@ -135,13 +135,14 @@ CommittedValue& ParmDef::stored(const IndexTuple& indices) {
   const std::string suffix = indexSuffix(indices);
   Indexing& indexing = indexing_.change();
   if (const std::optional<uint32_t> known = indexing.suffixes.find(suffix)) {
-    return indexing.values[*known];
+    return indexing.values.change()[*known];
   }
   // The value comes first: where memory is exhausted in between, the next one takes its place.
   const size_t number = indexing.suffixes.size();
-  if (indexing.values.size() == number) {
-    indexing.values.emplace_back();
+  std::deque<CommittedValue>& values = indexing.values.change();
+  if (values.size() == number) {
+    values.emplace_back();
   }
   indexing.suffixes.add(suffix);
-  return indexing.values[number];
+  return values[number];
 }

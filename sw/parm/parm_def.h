@@ -110,10 +110,10 @@ class ParmDef final : public IndexDef {
   // What only a parameter with indices has.
   struct Indexing {
     std::vector<const IndexDef*> indices;
-    std::vector<std::vector<uint32_t>> slots;  // by index: from its slots to the parameter's
-    std::vector<uint32_t> nameSlots;           // by index: the slot of its name
-    NameTable suffixes;                        // of the instances that hold a value
-    std::deque<CommittedValue> values;         // by the number of the suffix
+    std::vector<std::vector<uint32_t>> slots;   // by index: from its slots to the parameter's
+    std::vector<uint32_t> nameSlots;            // by index: the slot of its name
+    NameTable suffixes;                         // of the instances that hold a value
+    Seldom<std::deque<CommittedValue>> values;  // by the number of the suffix
   };
 
   accessMode_t mode_;

@@ -45,22 +45,24 @@ bool takesValue(const IndexDef& index, const std::string& value, const Situation
 
 // Binds the index values one by one, so that each index sees those before it, up to the first that
 // is refused. `isStored` tells that the instance has a stored value: its index values were accepted
-// then, and a plain index accepts them in every situation.
+// then, and a plain index accepts them in every situation. Only where their number is right: values
+// with brackets in them can make a name that looks like another instance's.
 bool bindIndices(const ParmDef& parm, const IndexTuple& indices, bool isStored,
                  Situation& situation, IndexFault* fault) {
   const size_t pairs = std::min(indices.size(), parm.indices().size());
+  const bool isComplete = indices.size() == parm.indices().size();
   for (size_t i = 0; i < pairs; ++i) {
     const IndexDef& index = *parm.indices()[i];
-    const bool isAccepted = isStored && index.isPlain();
+    const bool isAccepted = isStored && isComplete && index.isPlain();
     if (!isAccepted && !takesValue(index, indices[i], parm.indexView(situation, i), fault)) {
       return false;
     }
     parm.bindIndex(situation, i, indices[i]);
   }
-  if (indices.size() != parm.indices().size() && fault != nullptr) {
+  if (!isComplete && fault != nullptr) {
     *fault = {countFault(parm, indices), false};
   }
-  return indices.size() == parm.indices().size();
+  return isComplete;
 }
 
 setOutcome_t refuse(std::string& value, int result) {

@@ -17,12 +17,12 @@ BoundsParm manySpans(int64_t count) {
 }
 
 void addingSpans(benchmark::State& state) {
-  for (auto _ : state) benchmark::DoNotOptimize(manySpans(state.range(0)).count());
+  while (state.KeepRunning()) benchmark::DoNotOptimize(manySpans(state.range(0)).count());
   state.SetComplexityN(state.range(0));
 }
 
 void check(benchmark::State& state, const BoundsParm& bounds, const char* value) {
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     std::string corrected = value;
     benchmark::DoNotOptimize(bounds.check(corrected, true));
   }

@@ -18,7 +18,7 @@ void move(benchmark::State& state, const std::string& text) {
   build(read(text), database);
   Transaction transaction(database);
   int64_t moves = 0;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     static_cast<void>(transaction.set("limit", moves++ % 2 == 0 ? "1000" : "2000", true));
     std::vector<Change> changes;
     static_cast<void>(commit(transaction, changes));
@@ -37,7 +37,7 @@ void nothingDepends(benchmark::State& state) {
   build(read(mixedText(state.range(0))), database);
   Transaction transaction(database);
   int64_t sets = 0;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     static_cast<void>(transaction.set("p2", sets++ % 2 == 0 ? "1" : "2", true));
     std::vector<Change> changes;
     static_cast<void>(commit(transaction, changes));

@@ -30,7 +30,7 @@ void evaluate(benchmark::State& state, const char* text) {
   for (uint32_t slot = 0; slot < variables.size(); ++slot) {
     situation.bind(slot, operandOf(values[slot]));
   }
-  for (auto _ : state) benchmark::DoNotOptimize(program.isTrue(situation));
+  while (state.KeepRunning()) benchmark::DoNotOptimize(program.isTrue(situation));
 }
 
 BENCHMARK_CAPTURE(evaluate, number, "5");

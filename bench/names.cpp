@@ -8,12 +8,12 @@
 namespace {
 
 void splitting(benchmark::State& state, const char* name) {
-  for (auto _ : state) benchmark::DoNotOptimize(splitName(name));
+  while (state.KeepRunning()) benchmark::DoNotOptimize(splitName(name));
 }
 
 void joining(benchmark::State& state) {
   const IndexTuple indices = {"12", "left"};
-  for (auto _ : state) benchmark::DoNotOptimize(fullName("crop", indices));
+  while (state.KeepRunning()) benchmark::DoNotOptimize(fullName("crop", indices));
 }
 
 // Each name of a device in turn, as many as there are.
@@ -24,7 +24,7 @@ void lookingUp(benchmark::State& state) {
   std::vector<std::string> names;
   for (int64_t i = 0; i < state.range(0); ++i) names.push_back("p" + std::to_string(i));
   size_t next = 0;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     benchmark::DoNotOptimize(transaction.find(names[next]));
     next = (next + 1) % names.size();
   }

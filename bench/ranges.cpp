@@ -20,7 +20,7 @@ void followers(benchmark::State& state) {
   static_cast<void>(transaction.set("limit", "50", true));
   std::vector<std::string> names;
   for (int64_t i = 0; i < PARAMETERS; ++i) names.push_back("p" + std::to_string(i));
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     for (const std::string& name : names) {
       BoundsParm range;
       benchmark::DoNotOptimize(queryRange(database, transaction.staged(), name, range));

@@ -16,13 +16,13 @@ void countDefinitions(benchmark::State& state) {
 
 void readLines(benchmark::State& state) {
   const std::string text = mixedText(state.range(0));
-  for (auto _ : state) benchmark::DoNotOptimize(read(text));
+  while (state.KeepRunning()) benchmark::DoNotOptimize(read(text));
   countDefinitions(state);
 }
 
 void buildRecords(benchmark::State& state) {
   const DefinitionText text = read(mixedText(state.range(0)));
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     Database database;
     build(text, database);
   }

@@ -15,6 +15,7 @@ struct Named {
 
 std::vector<Named> namedAll(const std::vector<std::string>& names) {
   std::vector<Named> elements;
+  elements.reserve(names.size());
   for (const std::string& name : names) {
     elements.push_back({name, static_cast<int>(elements.size())});
   }

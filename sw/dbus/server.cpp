@@ -2,6 +2,8 @@
 
 #include <dbus/dbus-glib-lowlevel.h>
 #include <dbus/dbus-glib.h>
+#include <linux/sockios.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -95,12 +97,21 @@ void detach(bool daemonize) {
   }
 }
 
+// Whether the bus still has to read something that was sent to it.
+bool isUnread(DBusConnection* connection) {
+  int socket = -1;
+  int bytes = 0;
+  return dbus_connection_get_unix_fd(connection, &socket) != 0 &&
+         ioctl(socket, SIOCOUTQ, &bytes) == 0 && bytes > 0;
+}
+
 // Sends what is still on its way, as long as the clients take it in soon enough: one that does not
-// read must not keep the process alive.
+// read must not keep the process alive. A bus that is about to send something itself finds the
+// connection gone where it ends too early, and then drops what it has not read.
 void sendRest(DBusConnection* connection) {
-  constexpr int STEP = 100;  // in milliseconds
+  constexpr int STEP = 10;  // in milliseconds
   const gint64 deadline = g_get_monotonic_time() + 2 * G_TIME_SPAN_SECOND;
-  while (dbus_connection_has_messages_to_send(connection) != 0 &&
+  while ((dbus_connection_has_messages_to_send(connection) != 0 || isUnread(connection)) &&
          g_get_monotonic_time() < deadline) {
     if (dbus_connection_read_write(connection, STEP) == 0) return;  // no bus any more
   }

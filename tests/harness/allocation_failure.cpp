@@ -49,3 +49,9 @@ void operator delete(void* memory, size_t /*size*/) noexcept { free(memory); }
 void operator delete[](void* memory, size_t /*size*/) noexcept { free(memory); }
 void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept { free(memory); }
 void operator delete[](void* memory, std::align_val_t /*alignment*/) noexcept { free(memory); }
+void operator delete(void* memory, size_t /*size*/, std::align_val_t /*alignment*/) noexcept {
+  free(memory);
+}
+void operator delete[](void* memory, size_t /*size*/, std::align_val_t /*alignment*/) noexcept {
+  free(memory);
+}

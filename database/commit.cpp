@@ -98,11 +98,21 @@ int applyPlan(std::span<const PlanStep> plan, const StagedValues& staged,
   return result;
 }
 
-// Each name once, ascending. An instance that was reported twice holds one value.
-void putInOrder(std::vector<Change>& changes) noexcept {
-  sortByName(changes);
-  changes.erase(std::unique(changes.begin(), changes.end()), changes.end());
-}
+// Leaves each name once, ascending, however a commit ends. An instance that was reported twice
+// holds one value.
+class Ordering {
+ public:
+  explicit Ordering(std::vector<Change>& changes) : changes_(changes) {}
+  Ordering(const Ordering&) = delete;
+  Ordering& operator=(const Ordering&) = delete;
+  ~Ordering() {
+    sortByName(changes_);
+    changes_.erase(std::unique(changes_.begin(), changes_.end()), changes_.end());
+  }
+
+ private:
+  std::vector<Change>& changes_;
+};
 
 // Empties a transaction however its commit ends.
 class Emptying {
@@ -127,12 +137,6 @@ int commit(Transaction& transaction, std::vector<Change>& changes) {
     return COMMIT_TOO_LARGE;
   }
   changes.reserve(changes.size() + plan->size());
-  try {
-    const int result = applyPlan(*plan, staged, changes);
-    putInOrder(changes);
-    return result;
-  } catch (...) {
-    putInOrder(changes);
-    throw;
-  }
+  const Ordering ordering(changes);
+  return applyPlan(*plan, staged, changes);
 }

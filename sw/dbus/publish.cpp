@@ -23,6 +23,7 @@ void emit(ValueObject* object, TextList& portion) {
 }  // namespace
 
 void publish(ValueObject* object, const std::vector<Change>& changes) noexcept {
+  if (changes.empty()) return;
   TextList portion("data", changes.size());
   for (const Change& change : changes) {
     char* const text = changeText(change);

@@ -12,18 +12,24 @@ namespace {
 constexpr int64_t SMALL = 1000;
 constexpr int64_t LARGE = 100000;
 
-// Sets "limit" in turn to values so far apart that each dependent has to move.
-void move(benchmark::State& state, const std::string& text) {
+// Commits the two values of a parameter in turn.
+void commitInTurn(benchmark::State& state, const std::string& text, const char* name,
+                  const char* one, const char* other) {
   Database database;
   build(read(text), database);
   Transaction transaction(database);
-  int64_t moves = 0;
+  int64_t commits = 0;
   while (state.KeepRunning()) {
-    static_cast<void>(transaction.set("limit", moves++ % 2 == 0 ? "1000" : "2000", true));
+    static_cast<void>(transaction.set(name, commits++ % 2 == 0 ? one : other, true));
     std::vector<Change> changes;
     static_cast<void>(commit(transaction, changes));
     benchmark::DoNotOptimize(changes);
   }
+}
+
+// The values of "limit" are so far apart that each dependent has to move.
+void move(benchmark::State& state, const std::string& text) {
+  commitInTurn(state, text, "limit", "1000", "2000");
   state.SetComplexityN(state.range(0));
   state.SetItemsProcessed(state.iterations() * state.range(0));
 }
@@ -33,16 +39,7 @@ void instances(benchmark::State& state) { move(state, indexText(state.range(0)))
 
 // A parameter that nothing depends on, in a small text and in a large one.
 void nothingDepends(benchmark::State& state) {
-  Database database;
-  build(read(mixedText(state.range(0))), database);
-  Transaction transaction(database);
-  int64_t sets = 0;
-  while (state.KeepRunning()) {
-    static_cast<void>(transaction.set("p2", sets++ % 2 == 0 ? "1" : "2", true));
-    std::vector<Change> changes;
-    static_cast<void>(commit(transaction, changes));
-    benchmark::DoNotOptimize(changes);
-  }
+  commitInTurn(state, mixedText(state.range(0)), "p2", "1", "2");
 }
 
 BENCHMARK(parameters)->RangeMultiplier(10)->Range(SMALL, LARGE)->Complexity();

@@ -8,12 +8,12 @@
 #include "deflang/cursor.h"
 #include "deflang/expression_reader.h"
 #include "deflang/program.h"
+#include "deflang/reader_testing.h"
 
 /// The tokens of `text`. They stay for good.
 inline Expression readExpression(const std::string& text) {
   const std::string line = "(" + text + ")";
-  static RecordMemory memory;
-  Cursor cursor(line, 1, memory);
+  Cursor cursor(line, 1, testMemory());
   ExpressionReader reader;
   EXPECT_EQ(reader.read(cursor), PARSE_DONE) << text;
   return reader.take();

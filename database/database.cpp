@@ -77,7 +77,11 @@ int Database::registerParm(std::unique_ptr<ParmDef> parm) {
 }
 
 ParmEntry* Database::findParm(std::string_view base) {
-  const std::optional<uint32_t> found = parmNames_.find(base);
+  return findParm(base, parmNames_.prefetch(base));
+}
+
+ParmEntry* Database::findParm(std::string_view base, size_t hash) {
+  const std::optional<uint32_t> found = parmNames_.find(base, hash);
   return found ? &parms_[*found] : nullptr;
 }
 

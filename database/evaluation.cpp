@@ -11,8 +11,8 @@ setOutcome_t evaluate(StagedEntry& entry, const StagedValues& staged, bool dryRu
                                         gather(*entry.parm, entry.indices, staged), mode);
   if (outcome.held != nullptr) {
     entry.held = outcome.held;
-  }
-  if (outcome.stored || outcome.result == SET_RULE_FAILS) {
+    entry.value.set(std::move(value), outcome.held->value);
+  } else if (outcome.stored || outcome.result == SET_RULE_FAILS) {
     entry.value.set(std::move(value));
   } else {
     takeCommitted(entry);

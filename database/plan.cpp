@@ -85,8 +85,10 @@ std::optional<Plan> planCommit(Database& database, StagedValues& staged) {
   staged.makeRoom(*count);
   plan.reserve(plan.size() + *count);
   for (ParmEntry* dependent : dependents) {
+    size_t number = 0;
     forEachInstance(database, dependent->parm, [&](const IndexTuple& indices) {
-      plan.push_back({dependent->level, dependent->rank, &staged.stage(*dependent, indices, true)});
+      StagedEntry& entry = staged.stageNumbered(*dependent, indices, number++);
+      plan.push_back({dependent->level, dependent->rank, &entry});
     });
   }
   sortPlan(plan);

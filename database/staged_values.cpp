@@ -17,6 +17,20 @@ size_t hashOf(const ParmEntry& parm, const IndexTuple& indices) {
   return hash >> 32U;
 }
 
+// An entry that holds the committed value.
+StagedEntry newEntry(ParmEntry& parm, const IndexTuple& indices, bool generated,
+                     CommittedValue* held) {
+  StagedEntry entry;
+  entry.parm = &parm;
+  entry.indices = indices;
+  entry.generated = generated;
+  entry.held = held;
+  if (held != nullptr) {
+    entry.value = held->value;
+  }
+  return entry;
+}
+
 }  // namespace
 
 std::string fullName(const StagedEntry& entry) {
@@ -46,32 +60,33 @@ const StagedEntry* StagedValues::find(const ParmEntry& parm, const IndexTuple& i
   return below_ == nullptr ? nullptr : below_->find(parm, indices);
 }
 
-StagedEntry& StagedValues::stage(ParmEntry& parm, const IndexTuple& indices, bool generated) {
+template <typename Make>
+StagedEntry& StagedValues::findOrAdd(const ParmEntry& parm, const IndexTuple& indices,
+                                     const Make& make) {
   const size_t hash = hashOf(parm, indices);
   if (const std::optional<uint32_t> known = positionOf(parm, indices, hash)) {
     return entries_[*known];
   }
   // Where memory is exhausted, half an entry must not stay.
   positions_.makeRoom();
-  entries_.push_back(made(parm, indices, generated));
+  entries_.push_back(make());
   positions_.add(hash, static_cast<uint32_t>(entries_.size() - 1));
   return entries_.back();
 }
 
-StagedEntry StagedValues::made(ParmEntry& parm, const IndexTuple& indices, bool generated) const {
-  const StagedEntry* const below = below_ == nullptr ? nullptr : below_->find(parm, indices);
-  if (below != nullptr) {
-    return *below;
-  }
-  StagedEntry entry;
-  entry.parm = &parm;
-  entry.indices = indices;
-  entry.generated = generated;
-  entry.held = parm.parm.committed(indices);
-  if (entry.held != nullptr) {
-    entry.value = entry.held->value;
-  }
-  return entry;
+StagedEntry& StagedValues::stage(ParmEntry& parm, const IndexTuple& indices, bool generated) {
+  return findOrAdd(parm, indices, [&] {
+    const StagedEntry* const below = below_ == nullptr ? nullptr : below_->find(parm, indices);
+    return below != nullptr ? *below
+                            : newEntry(parm, indices, generated, parm.parm.committed(indices));
+  });
+}
+
+StagedEntry& StagedValues::stageNumbered(ParmEntry& parm, const IndexTuple& indices,
+                                         size_t number) {
+  return findOrAdd(parm, indices, [&] {
+    return newEntry(parm, indices, true, parm.parm.committed(indices, number));
+  });
 }
 
 std::vector<StagedEntry*> StagedValues::inNameOrder() {

@@ -40,6 +40,9 @@ class StagedValues {
   /// committed value, with the reset flag clear and the status flag set; `generated` marks a new
   /// one that is no copy. Entries stay where they are until clear().
   StagedEntry& stage(ParmEntry& parm, const IndexTuple& indices, bool generated);
+  /// The same for an instance that nobody staged but a commit, under the number that
+  /// forEachInstance() gives it.
+  StagedEntry& stageNumbered(ParmEntry& parm, const IndexTuple& indices, size_t number);
   /// Makes room for `more` entries.
   void makeRoom(size_t more) { positions_.makeRoom(more); }
   /// The entries here, ascending by full name.
@@ -54,7 +57,8 @@ class StagedValues {
  private:
   [[nodiscard]] std::optional<uint32_t> positionOf(const ParmEntry& parm, const IndexTuple& indices,
                                                    size_t hash) const;
-  [[nodiscard]] StagedEntry made(ParmEntry& parm, const IndexTuple& indices, bool generated) const;
+  template <typename Make>
+  StagedEntry& findOrAdd(const ParmEntry& parm, const IndexTuple& indices, const Make& make);
 
   const StagedValues* below_;
   std::deque<StagedEntry> entries_;

@@ -38,19 +38,24 @@ int Transaction::get(std::string_view name, std::string& value) const {
   return 0;
 }
 
-const std::string* Transaction::find(std::string_view name) const {
-  if (name == THIS_VALUE) {
+const std::string* Transaction::find(std::string_view name) const { return find(prepare(name)); }
+
+const std::string* Transaction::find(const PreparedName& name) const {
+  if (name.name == THIS_VALUE) {
     return nullptr;
   }
-  const std::string_view base = baseName(name);
-  const ParmEntry* const parm = database_.findParm(base);
+  const ParmEntry* const parm = database_.findParm(name.base, name.hash);
   if (parm == nullptr) {
-    return database_.findConstant(name);
+    return database_.findConstant(name.name);
   }
-  return &staged_.text(*parm, base == name ? IndexTuple{} : splitName(name).indices);
+  const bool isBare = name.base.size() == name.name.size();
+  return &staged_.text(*parm, isBare ? IndexTuple{} : splitName(name.name).indices);
 }
 
-void Transaction::prefetch(std::string_view name) const { database_.prefetchParm(baseName(name)); }
+PreparedName Transaction::prepare(std::string_view name) const {
+  const std::string_view base = baseName(name);
+  return {name, base, database_.prefetchParm(base)};
+}
 
 bool Transaction::validate(std::string_view name, const std::string& value) const {
   const ParmEntry* parm = database_.findParm(baseName(name));

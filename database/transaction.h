@@ -16,6 +16,13 @@ enum stageResult_t : int {
   STAGE_INVALID_VALUE = 2,
 };
 
+/// A name that is about to be looked up.
+struct PreparedName {
+  std::string_view name;
+  std::string_view base;
+  size_t hash;  ///< of the base name
+};
+
 class Transaction {
  public:
   explicit Transaction(Database& database) : database_(database) {}
@@ -33,8 +40,9 @@ class Transaction {
   int get(std::string_view name, std::string& value) const;
   /// The same value where it is, or null. It holds until something is staged or stored.
   [[nodiscard]] const std::string* find(std::string_view name) const;
+  [[nodiscard]] const std::string* find(const PreparedName& name) const;
   /// Prepares a find() that is still some way off.
-  void prefetch(std::string_view name) const;
+  [[nodiscard]] PreparedName prepare(std::string_view name) const;
   /// Whether the base bounds of the parameter `name` accept `value`; false without such a
   /// parameter.
   [[nodiscard]] bool validate(std::string_view name, const std::string& value) const;

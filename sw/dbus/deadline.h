@@ -2,19 +2,23 @@
 // connect and then says nothing.
 #pragma once
 
-#include <functional>
-#include <thread>
+#include <csignal>
+#include <string>
 
+/// Takes the process's real-time timer and its alarm signal while it lives, of which there is one:
+/// so there is one deadline at a time. It is no thread, because a process that ever had a second
+/// one pays for locks in every allocation from then on.
 class Deadline {
  public:
-  /// Calls `missed`, in a thread of its own, unless the deadline is gone within `milliseconds`.
-  Deadline(int milliseconds, std::function<void()> missed);
-  /// In time. No thread is left when it returns, so that the process can fork.
+  /// Writes `lastWords` to standard error and ends the process with status 1, unless the deadline
+  /// is gone within `milliseconds`.
+  Deadline(int milliseconds, std::string lastWords);
+  /// In time: timer and signal are as before.
   ~Deadline();
   Deadline(const Deadline&) = delete;
   Deadline& operator=(const Deadline&) = delete;
 
  private:
-  int met_;  ///< an event descriptor
-  std::thread thread_;
+  std::string lastWords_;
+  struct sigaction before_ {};
 };

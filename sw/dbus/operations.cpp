@@ -1,9 +1,11 @@
 #include "sw/dbus/operations.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <map>
 #include <set>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,14 +27,22 @@ const char* const VALUES = "parmValue";
 const char* const TEXT_RANGE = "idxStrRange";
 const char* const DEPENDENCIES = "parmDep";
 
-// How many names ahead of its turn a name's lookup is prepared: far enough that memory has
-// answered.
-constexpr uint32_t NAMES_AHEAD = 8;
+// So many names are looked up together that memory has answered for the first when the last is
+// prepared.
+constexpr size_t NAMES_TOGETHER = 16;
 
 // An unknown name reads as the empty text.
-std::string_view textOf(const Transaction& transaction, const char* name) {
-  const std::string* const text = transaction.find(name);
+std::string_view orEmpty(const std::string* text) {
   return text == nullptr ? std::string_view("") : *text;
+}
+
+// Adds the values of at most NAMES_TOGETHER names.
+void addTexts(const Transaction& transaction, std::span<char* const> names, TextList& list) {
+  std::array<PreparedName, NAMES_TOGETHER> prepared;
+  std::array<const std::string*, NAMES_TOGETHER> texts;
+  for (size_t i = 0; i < names.size(); ++i) prepared[i] = transaction.prepare(names[i]);
+  for (size_t i = 0; i < names.size(); ++i) texts[i] = transaction.find(prepared[i]);
+  for (size_t i = 0; i < names.size(); ++i) list.add(orEmpty(texts[i]));
 }
 
 template <typename Texts>
@@ -59,22 +69,23 @@ int packRange(const Texts& texts, const Spans& spans, char*** textReply, GPtrArr
 }  // namespace
 
 int getText(Transaction& transaction, const char* name, char** value) {
-  char* reply = newText(textOf(transaction, name));
-  if (bytesInMessage(reply) > MAX_MESSAGE_BYTES) {
-    g_free(reply);
+  const NewText reply = newText({orEmpty(transaction.find(name))});
+  if (bytesInMessage(reply.length) > MAX_MESSAGE_BYTES) {
+    g_free(reply.text);
     return INTERNAL_ERROR;
   }
-  *value = reply;
+  *value = reply.text;
   return 0;
 }
 
 int getTexts(Transaction& transaction, uint32_t count, char** names, char*** values) {
-  count = std::min(count, g_strv_length(names));
-  TextList list(VALUES, count);
-  for (uint32_t i = 0; i < count; ++i) {
-    if (count - i > NAMES_AHEAD) transaction.prefetch(names[i + NAMES_AHEAD]);
-    list.add(textOf(transaction, names[i]));
+  std::span<char* const> open(names, std::min(count, g_strv_length(names)));
+  TextList list(VALUES, open.size());
+  while (!open.empty()) {
+    const size_t together = std::min(open.size(), NAMES_TOGETHER);
+    addTexts(transaction, open.first(together), list);
     if (list.bytes() > MAX_MESSAGE_BYTES) return INTERNAL_ERROR;
+    open = open.subspan(together);
   }
   *values = list.release();
   return 0;

@@ -20,25 +20,28 @@ size_t aligned(size_t bytes, size_t alignment) {
 
 // Returns how much of a message the text takes.
 size_t setText(GValue& member, const std::string& text) {
-  g_value_take_string(&member, newText(text));
+  const NewText made = newText({text});
+  g_value_take_string(&member, made.text);
   // NOLINTNEXTLINE(clang-analyzer-unix.Malloc): the member owns the text that it takes.
-  return bytesInMessage(g_value_get_string(&member));
+  return bytesInMessage(made.length);
 }
 
 }  // namespace
 
-char* newText(std::string_view text) {
-  if (g_utf8_validate_len(text.data(), text.size(), nullptr) == FALSE) {
-    return g_utf8_make_valid(text.data(), static_cast<gssize>(text.size()));
-  }
-  char* const copy = g_new(char, text.size() + 1);
-  *std::copy(text.begin(), text.end(), copy) = '\0';
-  return copy;
+NewText newText(std::initializer_list<std::string_view> parts) {
+  size_t length = 0;
+  for (const std::string_view part : parts) length += part.size();
+  char* const text = g_new(char, length + 1);
+  char* end = text;
+  for (const std::string_view part : parts) end = std::copy(part.begin(), part.end(), end);
+  *end = '\0';
+  if (g_utf8_validate_len(text, length, nullptr) == TRUE) return {text, length};
+  char* const valid = g_utf8_make_valid(text, static_cast<gssize>(length));
+  g_free(text);
+  return {valid, strlen(valid)};
 }
 
-size_t bytesInMessage(const char* text) {
-  return aligned(NUMBER_BYTES + strlen(text) + 1, NUMBER_BYTES);
-}
+size_t bytesInMessage(size_t length) { return aligned(NUMBER_BYTES + length + 1, NUMBER_BYTES); }
 
 TextList::TextList(const char* what, size_t capacity)
     : texts_(retried(what, [capacity] { return g_try_new(char*, capacity + 1); })),
@@ -49,10 +52,10 @@ TextList::~TextList() {
   g_free(texts_);
 }
 
-void TextList::take(char* text) {
+void TextList::take(const NewText& text) {
   assert(count_ < capacity_);
-  texts_[count_++] = text;
-  bytes_ += bytesInMessage(text);
+  texts_[count_++] = text.text;
+  bytes_ += bytesInMessage(text.length);
 }
 
 char** TextList::texts() {

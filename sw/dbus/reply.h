@@ -3,6 +3,7 @@
 
 #include <glib-object.h>
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -27,12 +28,18 @@ auto retried(const char* what, Allocate allocate) {
   return memory;
 }
 
-/// A text as it goes out: what is not valid UTF-8 in it is replaced by U+FFFD, because the bus
-/// library ends the process for such a text.
-char* newText(std::string_view text);
+/// A text as it goes out, for g_free().
+struct NewText {
+  char* text;
+  size_t length;
+};
 
-/// How much of a message a text takes, with its length and the gap to the next.
-size_t bytesInMessage(const char* text);
+/// The parts of a text, put together as it goes out: what is not valid UTF-8 in it is replaced by
+/// U+FFFD, because the bus library ends the process for such a text.
+NewText newText(std::initializer_list<std::string_view> parts);
+
+/// How much of a message a text of `length` bytes takes, with its length and the gap to the next.
+size_t bytesInMessage(size_t length);
 
 /// An array of texts. Raises no exceptions.
 class TextList {
@@ -43,9 +50,9 @@ class TextList {
   TextList(const TextList&) = delete;
   TextList& operator=(const TextList&) = delete;
 
-  void add(std::string_view text) { take(newText(text)); }
+  void add(std::string_view text) { take(newText({text})); }
   /// Adds a text made by newText, which then belongs to the list.
-  void take(char* text);
+  void take(const NewText& text);
   template <typename Texts>
   void addAll(const Texts& texts) {
     for (const std::string& text : texts) add(text);

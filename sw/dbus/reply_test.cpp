@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "sw/dbus/test_reply.h"
 
 namespace {
@@ -26,18 +28,26 @@ TEST(NewText, IsValidUtf8) {
   };
   for (const TextCase& c : cases) {
     SCOPED_TRACE(testing::PrintToString(c.text));
-    char* text = newText(c.text);
-    EXPECT_STREQ(text, c.valid);
-    g_free(text);
+    const NewText made = newText({c.text});
+    EXPECT_STREQ(made.text, c.valid);
+    EXPECT_EQ(made.length, strlen(c.valid));
+    g_free(made.text);
   }
+}
+
+TEST(NewText, PutsItsPartsTogether) {
+  const NewText made = newText({"gain", "=", std::string_view("1\xff", 2)});
+  EXPECT_STREQ(made.text, "gain=1\ufffd");
+  EXPECT_EQ(made.length, 9U);
+  g_free(made.text);
 }
 
 TEST(BytesInMessage, CountsLengthEndAndGap) {
   // Four bytes of length before the text, one NUL behind it, all in steps of four.
-  EXPECT_EQ(bytesInMessage(""), 8U);
-  EXPECT_EQ(bytesInMessage("abc"), 8U);
-  EXPECT_EQ(bytesInMessage("abcd"), 12U);
-  EXPECT_EQ(bytesInMessage("abcdefg"), 12U);
+  EXPECT_EQ(bytesInMessage(0), 8U);
+  EXPECT_EQ(bytesInMessage(3), 8U);
+  EXPECT_EQ(bytesInMessage(4), 12U);
+  EXPECT_EQ(bytesInMessage(7), 12U);
 }
 
 TEST(TextList, GivesItsTextsAway) {
@@ -56,7 +66,7 @@ TEST(TextList, IsFilledAgainOnceItIsCleared) {
   for (const char* text : {"a", "bcde"}) {
     SCOPED_TRACE(text);
     list.add(text);
-    list.take(newText("c"));
+    list.take(newText({"c"}));
     EXPECT_STREQ(list.texts()[0], text);
     EXPECT_STREQ(list.texts()[1], "c");
     EXPECT_EQ(list.texts()[2], nullptr);

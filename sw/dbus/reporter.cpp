@@ -19,7 +19,11 @@ void printRawBytes() {
   g_set_printerr_handler([](const char* text) { printTo(stderr, text); });
 }
 
+std::string errorText(const std::string& message, const std::string& detail) {
+  return "Transaction server: ERROR: " + message + " (" + detail + ")\n";
+}
+
 void reportError(const char* message, const char* detail, bool fatal) {
-  g_printerr("Transaction server: ERROR: %s (%s)\n", message, detail);
+  g_printerr("%s", errorText(message, detail).c_str());
   if (fatal) exit(1);
 }

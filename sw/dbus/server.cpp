@@ -32,8 +32,7 @@ DBusGConnection* connectToBus() {
   g_print("Transaction server:main Connecting to the Session D-Bus.\n");
   // The bus library has a limit for each call, but none for what goes before the first.
   constexpr int LIMIT = 60000;  // in milliseconds; that of a call is 25 seconds
-  const Deadline deadline(LIMIT,
-                          [] { reportError(NO_CONNECTION, "The bus does not answer", FATAL); });
+  const Deadline deadline(LIMIT, errorText(NO_CONNECTION, "The bus does not answer"));
   GError* error = nullptr;
   DBusGConnection* bus = dbus_g_bus_get(DBUS_BUS_SESSION, &error);
   if (error != nullptr) reportError(NO_CONNECTION, error->message, FATAL);

@@ -85,7 +85,10 @@ void BoundsString::clear() {
 }
 
 bool BoundsInteger::check(std::string& value, bool fix) const {
-  const std::optional<int32_t> number = wholeNumber(value);
+  return check(value, wholeNumber(value), fix);
+}
+
+bool BoundsInteger::check(std::string& value, std::optional<int32_t> number, bool fix) const {
   const int limited = limitToSpans(number.value_or(0), true, overflow_, spans());
   if (number == limited) return true;
   if (fix) value = numberText(limited);
@@ -124,16 +127,16 @@ void BoundsInteger::clear() {
 }
 
 bool BoundsParm::check(std::string& value, bool fix) const {
+  if (integers_.count() == 0) return strings_.check(value, fix);
   const bool hasTexts = strings_.count() > 0;
-  const bool hasSpans = integers_.count() > 0;
-  if (value.empty() && !hasTexts && hasSpans) {
+  const std::optional<int32_t> number = wholeNumber(value);
+  if (value.empty() && !hasTexts) {
     // The empty value is no number, but it is corrected as the number 0 would be.
-    static_cast<void>(integers_.check(value, fix));
+    integers_.check(value, number, fix);
     return false;
   }
-  const bool isNumber = !value.empty() && wholeNumber(value);
-  if (hasSpans && (isNumber || !hasTexts)) return integers_.check(value, fix);
-  return strings_.check(value, fix);
+  const bool isNumber = !value.empty() && number;
+  return isNumber || !hasTexts ? integers_.check(value, number, fix) : strings_.check(value, fix);
 }
 
 bool BoundsParm::isConsistent() const {

@@ -75,6 +75,8 @@ class BoundsInteger final : public Bounds {
  public:
   explicit BoundsInteger(overflow_t overflow = OVERFLOW_SATURATE) : overflow_(overflow) {}
   [[nodiscard]] bool check(std::string& value, bool fix) const override;
+  /// The same, where it is known what number `value` is, if it is one.
+  bool check(std::string& value, std::optional<int32_t> number, bool fix) const;
   [[nodiscard]] bool isConsistent() const override { return areOrdered(spans()); }
   [[nodiscard]] size_t count() const override { return spans().size(); }
   void clear() override;

@@ -2,6 +2,10 @@
 
 std::string indexSuffix(const IndexTuple& indices) {
   std::string suffix;
-  for (const std::string& value : indices) suffix.append("[").append(value).append("]");
+  appendSuffix(suffix, indices);
   return suffix;
+}
+
+void appendSuffix(std::string& name, const IndexTuple& indices) {
+  for (const std::string& value : indices) name.append("[").append(value).append("]");
 }

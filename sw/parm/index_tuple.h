@@ -8,3 +8,6 @@ using IndexTuple = std::vector<std::string>;
 
 /// What follows the base name in a full name: "[" value "]" for each value, in order.
 std::string indexSuffix(const IndexTuple& indices);
+
+/// Puts it behind `name`.
+void appendSuffix(std::string& name, const IndexTuple& indices);

@@ -103,7 +103,10 @@ int ParmDef::range(BoundsParm& out, const SituationView& situation) const {
 }
 
 void ParmDef::bindIndex(Situation& situation, size_t position, std::string_view value) const {
-  situation.bind(indexing_->nameSlots[position], operandOf(value));
+  const uint32_t slot = indexing_->nameSlots[position];
+  // What no expression uses is only printed.
+  const bool isUsed = slot < usedNames_;
+  situation.bind(slot, isUsed ? operandOf(value) : Operand{OPERAND_STRING, 0, value});
 }
 
 const CommittedValue* ParmDef::committed(const IndexTuple& indices) const {
@@ -116,6 +119,20 @@ const CommittedValue* ParmDef::committed(const IndexTuple& indices) const {
 
 CommittedValue* ParmDef::committed(const IndexTuple& indices) {
   return const_cast<CommittedValue*>(std::as_const(*this).committed(indices));
+}
+
+CommittedValue* ParmDef::committed(const IndexTuple& indices, size_t number) {
+  if (indices.empty()) {
+    return committed(indices);
+  }
+  std::vector<CommittedValue*>& numbered = indexing_.change().numbered;
+  if (number >= numbered.size()) {
+    numbered.resize(number + 1);
+  }
+  if (numbered[number] == nullptr) {
+    numbered[number] = committed(indices);
+  }
+  return numbered[number];
 }
 
 const std::string& ParmDef::committedText(const IndexTuple& indices) const {

@@ -97,6 +97,9 @@ class ParmDef final : public IndexDef {
   /// without indices, whose one instance then holds the empty text.
   [[nodiscard]] const CommittedValue* committed(const IndexTuple& indices) const;
   [[nodiscard]] CommittedValue* committed(const IndexTuple& indices);
+  /// The same for the instance with a number of its own, which is the same in every call: the value
+  /// is looked for only once.
+  [[nodiscard]] CommittedValue* committed(const IndexTuple& indices, size_t number);
   /// The text of committed(), empty where it is null.
   [[nodiscard]] const std::string& committedText(const IndexTuple& indices) const;
   /// Stores the value of an instance.
@@ -114,6 +117,7 @@ class ParmDef final : public IndexDef {
     std::vector<uint32_t> nameSlots;            // by index: the slot of its name
     NameTable suffixes;                         // of the instances that hold a value
     Seldom<std::deque<CommittedValue>> values;  // by the number of the suffix
+    std::vector<CommittedValue*> numbered;      // by the instance's number; null where not known
   };
 
   accessMode_t mode_;

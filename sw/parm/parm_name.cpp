@@ -17,5 +17,7 @@ ParmName splitName(std::string_view name) {
 }
 
 std::string fullName(std::string_view base, const IndexTuple& indices) {
-  return std::string(base).append(indexSuffix(indices));
+  std::string name(base);
+  appendSuffix(name, indices);
+  return name;
 }

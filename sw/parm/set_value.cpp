@@ -141,7 +141,7 @@ setOutcome_t setValue(ParmDef& parm, std::string& value, const IndexTuple& indic
   CommittedValue* held = nullptr;
   if (!mode.dryRun) {
     held = mode.held != nullptr ? mode.held : &parm.stored(indices);
-    held->value.set(value);
+    if (held->value.text() != value) held->value.set(value);
   }
   return {parm.mode() == MODE_ROSTRICT ? SET_NOT_STORED : SET_STORED, true, held};
 }

@@ -17,6 +17,12 @@ class ValueText {
     kind_ = operand.kind;
     number_ = operand.number;
   }
+  /// The same for a text that `other` holds already: what it is need not be worked out again.
+  void set(std::string text, const ValueText& other) {
+    text_ = std::move(text);
+    kind_ = other.kind_;
+    number_ = other.number_;
+  }
   [[nodiscard]] const std::string& text() const { return text_; }
   /// The operand, with a view of the text; it holds as long as the text is neither set nor moved.
   [[nodiscard]] Operand operand() const { return {kind_, number_, text_}; }

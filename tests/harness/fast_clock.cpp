@@ -2,6 +2,7 @@
 // seconds.
 #include <poll.h>
 #include <sys/syscall.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <ctime>
@@ -25,6 +26,15 @@ int poll(pollfd* fds, nfds_t nfds, int timeout) { return fastPoll(fds, nfds, tim
 // NOLINTNEXTLINE(readability-identifier-naming,bugprone-reserved-identifier)
 int __poll_chk(pollfd* descriptors, nfds_t count, int timeout, size_t /*size*/) {
   return fastPoll(descriptors, count, timeout);
+}
+
+// Timers that fire once.
+// NOLINTNEXTLINE(readability-identifier-naming)
+int setitimer(__itimer_which_t which, const itimerval* value, itimerval* old) noexcept {
+  constexpr long SECOND = 1000000;
+  const long wait = (value->it_value.tv_sec * SECOND + value->it_value.tv_usec) / SPEED;
+  const itimerval timer = {{}, {wait / SECOND, wait % SECOND}};
+  return static_cast<int>(syscall(SYS_setitimer, which, &timer, old));
 }
 
 // NOLINTNEXTLINE(readability-identifier-naming)

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <map>
 #include <set>
 #include <span>
 #include <string>
@@ -13,7 +12,9 @@
 #include "database/commit.h"
 #include "database/dependencies.h"
 #include "database/index_query.h"
+#include "database/name_order.h"
 #include "database/range_query.h"
+#include "deflang/name_table.h"
 #include "sw/dbus/errors.h"
 #include "sw/dbus/publish.h"
 #include "sw/dbus/reply.h"
@@ -64,6 +65,25 @@ int packRange(const Texts& texts, const Spans& spans, char*** textReply, GPtrArr
   *textReply = textList.release();
   *spanReply = spanArray.release();
   return 0;
+}
+
+struct NamedRange {
+  std::string_view name;
+  BoundsParm bounds;
+};
+
+// Finds the range of each name once, in their order, up to the first that fails.
+int findRanges(Transaction& transaction, char** names, std::vector<NamedRange>& ranges) {
+  NameTable found;
+  for (; *names != nullptr; ++names) {
+    if (found.find(*names)) continue;
+    found.add(*names);
+    ranges.push_back({*names, {}});
+    const int result =
+        queryRange(transaction.database(), transaction.staged(), *names, ranges.back().bounds);
+    if (result != RANGE_FOUND) return result;
+  }
+  return RANGE_FOUND;
 }
 
 }  // namespace
@@ -153,14 +173,10 @@ int getRange(Transaction& transaction, const char* name, char*** texts, GPtrArra
 }
 
 int getRanges(Transaction& transaction, char** names, GPtrArray** texts, GPtrArray** spans) {
-  std::map<std::string, BoundsParm> ranges;
-  for (; *names != nullptr; ++names) {
-    const auto [place, isNew] = ranges.try_emplace(*names);
-    if (!isNew) continue;
-    const int result =
-        queryRange(transaction.database(), transaction.staged(), *names, place->second);
-    if (result != RANGE_FOUND) return result;
-  }
+  std::vector<NamedRange> ranges;
+  const int result = findRanges(transaction, names, ranges);
+  if (result != RANGE_FOUND) return result;
+  sortByName(ranges);
   StructArray textArray;
   StructArray spanArray;
   for (const auto& [name, bounds] : ranges) {

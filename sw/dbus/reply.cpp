@@ -19,7 +19,7 @@ size_t aligned(size_t bytes, size_t alignment) {
 }
 
 // Returns how much of a message the text takes.
-size_t setText(GValue& member, const std::string& text) {
+size_t setText(GValue& member, std::string_view text) {
   const NewText made = newText({text});
   g_value_take_string(&member, made.text);
   // NOLINTNEXTLINE(clang-analyzer-unix.Malloc): the member owns the text that it takes.
@@ -75,6 +75,14 @@ char** TextList::release() {
   return list;
 }
 
+// A kind of structure for the binding library, and a structure of it.
+struct StructArray::StructType {
+  explicit StructType(GType structType)
+      : type(structType), fresh(dbus_g_type_specialized_construct(structType)) {}
+  GType type;
+  gpointer fresh;
+};
+
 StructArray::~StructArray() {
   if (array_ == nullptr) return;
   for (guint i = 0; i < array_->len; ++i) g_boxed_free(type_, g_ptr_array_index(array_, i));
@@ -82,17 +90,17 @@ StructArray::~StructArray() {
 }
 
 void StructArray::addSpan(const Span& span) {
-  static const GType TYPE =
-      dbus_g_type_get_struct("GValueArray", G_TYPE_INT, G_TYPE_INT, G_TYPE_INVALID);
+  static const StructType TYPE(
+      dbus_g_type_get_struct("GValueArray", G_TYPE_INT, G_TYPE_INT, G_TYPE_INVALID));
   GValue* const members = add(TYPE);
   g_value_set_int(&members[0], span.first);
   g_value_set_int(&members[1], span.second);
   bytes_ += 2 * NUMBER_BYTES;
 }
 
-void StructArray::addSpan(const std::string& name, const Span& span) {
-  static const GType TYPE =
-      dbus_g_type_get_struct("GValueArray", G_TYPE_STRING, G_TYPE_INT, G_TYPE_INT, G_TYPE_INVALID);
+void StructArray::addSpan(std::string_view name, const Span& span) {
+  static const StructType TYPE(
+      dbus_g_type_get_struct("GValueArray", G_TYPE_STRING, G_TYPE_INT, G_TYPE_INT, G_TYPE_INVALID));
   GValue* const members = add(TYPE);
   const size_t nameBytes = setText(members[0], name);
   g_value_set_int(&members[1], span.first);
@@ -100,9 +108,9 @@ void StructArray::addSpan(const std::string& name, const Span& span) {
   bytes_ += aligned(nameBytes + 2 * NUMBER_BYTES, STRUCT_ALIGNMENT);
 }
 
-void StructArray::addText(const std::string& name, const std::string& text) {
-  static const GType TYPE =
-      dbus_g_type_get_struct("GValueArray", G_TYPE_STRING, G_TYPE_STRING, G_TYPE_INVALID);
+void StructArray::addText(std::string_view name, std::string_view text) {
+  static const StructType TYPE(
+      dbus_g_type_get_struct("GValueArray", G_TYPE_STRING, G_TYPE_STRING, G_TYPE_INVALID));
   GValue* const members = add(TYPE);
   const size_t nameBytes = setText(members[0], name);
   bytes_ += aligned(nameBytes + setText(members[1], text), STRUCT_ALIGNMENT);
@@ -111,11 +119,11 @@ void StructArray::addText(const std::string& name, const std::string& text) {
 GPtrArray* StructArray::release() { return std::exchange(array_, nullptr); }
 
 // A structure is such an array for the binding library, and a new one has members of its types. The
-// library's functions that fill one ask GLib for their types over and over, under a lock, which
-// takes most of the time of a large reply.
-GValue* StructArray::add(GType type) {
-  type_ = type;
-  auto* const structure = static_cast<GValueArray*>(dbus_g_type_specialized_construct(type));
+// library's functions that make or fill one ask GLib for their types over and over, under a lock,
+// which takes most of the time of a large reply; so each is a copy of the first.
+GValue* StructArray::add(const StructType& type) {
+  type_ = type.type;
+  auto* const structure = static_cast<GValueArray*>(g_boxed_copy(type.type, type.fresh));
   g_ptr_array_add(array_, structure);
   return structure->values;
 }

@@ -81,17 +81,18 @@ class StructArray {
   StructArray(const StructArray&) = delete;
   StructArray& operator=(const StructArray&) = delete;
 
-  void addSpan(const Span& span);                                  ///< (minimum, maximum)
-  void addSpan(const std::string& name, const Span& span);         ///< (name, minimum, maximum)
-  void addText(const std::string& name, const std::string& text);  ///< (name, text)
+  void addSpan(const Span& span);                              ///< (minimum, maximum)
+  void addSpan(std::string_view name, const Span& span);       ///< (name, minimum, maximum)
+  void addText(std::string_view name, std::string_view text);  ///< (name, text)
   /// How much of a message the array takes.
   [[nodiscard]] size_t bytes() const { return bytes_; }
   /// Gives the structures away; the array must not be used then.
   GPtrArray* release();
 
  private:
+  struct StructType;
   // The members of a new structure of `type`, at the end.
-  GValue* add(GType type);
+  GValue* add(const StructType& type);
 
   GPtrArray* array_;
   GType type_ = G_TYPE_INVALID;

@@ -216,6 +216,27 @@ gain rw { index { chan } rangeValid { 0..(count * 10) } }
   EXPECT_EQ(log_.front(), "set: ERROR \"gain\": Invalid index[chan]");
 }
 
+TEST_F(CommitTest, FindsInstancesThatCameToHoldAValueInBetween) {
+  text(R"(
+count rw { }
+limit rw { }
+chan index { rangeValid { 1..3 } rangeValid (limit > 0) { 1..(count) } }
+gain rw { index { chan } rangeValid { 0..(limit) } }
+)");
+  const auto gains = [this] { return Texts{value("gain[1]"), value("gain[2]"), value("gain[3]")}; };
+  EXPECT_EQ(commitOf({{"count", "1"}, {"limit", "50"}}), COMMIT_DONE);
+  EXPECT_EQ(changed_, (Texts{"count", "gain[1]", "limit"}));
+  EXPECT_EQ(commitOf({{"count", "3"}, {"gain[3]", "40"}}), COMMIT_DONE);
+  EXPECT_EQ(changed_, (Texts{"count", "gain[2]", "gain[3]"}));
+  EXPECT_EQ(commitOf({{"gain[2]", "45"}}), COMMIT_DONE);
+  EXPECT_EQ(gains(), (Texts{"", "45", "40"}));
+  for (const char* limit : {"42", "30", "20"}) {
+    SCOPED_TRACE(limit);
+    EXPECT_EQ(commitOf({{"limit", limit}}), COMMIT_DONE);
+    EXPECT_EQ(gains(), (Texts{"", limit, limit == std::string_view("42") ? "40" : limit}));
+  }
+}
+
 TEST_F(CommitTest, TellsAWrongNumberOfIndices) {
   text("chan index { rangeValid { 1..2 } }\ngain rw { index { chan } }\nmode rw { }\n");
   struct Case {

@@ -77,7 +77,7 @@ int Database::registerParm(std::unique_ptr<ParmDef> parm) {
 }
 
 ParmEntry* Database::findParm(std::string_view base) {
-  return findParm(base, parmNames_.prefetch(base));
+  return findParm(base, parmNames_.prepare(base));
 }
 
 ParmEntry* Database::findParm(std::string_view base, size_t hash) {

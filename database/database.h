@@ -67,12 +67,12 @@ class Database final : public DefinitionRegistry {
 
   /// The parameter of a base name, or null.
   [[nodiscard]] ParmEntry* findParm(std::string_view base);
-  /// The same with what prefetchParm() gave for the name.
+  /// The same with what prepareParm() gave for the name.
   [[nodiscard]] ParmEntry* findParm(std::string_view base, size_t hash);
   /// Prepares a findParm() that is still some way off: where many names are looked up, most of the
   /// time goes by waiting for memory. Gives the name's hash for it.
-  [[nodiscard, gnu::always_inline]] size_t prefetchParm(std::string_view base) const {
-    return parmNames_.prefetch(base);
+  [[nodiscard, gnu::always_inline]] size_t prepareParm(std::string_view base) const {
+    return parmNames_.prepare(base);
   }
   [[nodiscard]] IndexEntry* findIndexEntry(std::string_view name);
   /// The parameters in name order.

@@ -40,8 +40,8 @@ class StagedValues {
   /// committed value, with the reset flag clear and the status flag set; `generated` marks a new
   /// one that is no copy. Entries stay where they are until clear().
   StagedEntry& stage(ParmEntry& parm, const IndexTuple& indices, bool generated);
-  /// The same for an instance that nobody staged but a commit, under the number that
-  /// forEachInstance() gives it.
+  /// The same for the commit's own use, where nothing is below: a new entry is a generated one.
+  /// `number` is the instance's place in forEachInstance().
   StagedEntry& stageNumbered(ParmEntry& parm, const IndexTuple& indices, size_t number);
   /// Makes room for `more` entries.
   void makeRoom(size_t more) { positions_.makeRoom(more); }

@@ -44,6 +44,21 @@ TEST_F(StagedValuesTest, StartAnEntryWithTheCommittedValue) {
   EXPECT_TRUE(staged.stage(*mode_, {}, true).generated);
 }
 
+TEST_F(StagedValuesTest, StageAnInstanceByItsNumber) {
+  StagedValues staged;
+  StagedEntry& client = staged.stage(*gain_, {"2"}, false);
+  EXPECT_EQ(&staged.stageNumbered(*gain_, {"2"}, 2), &client);
+  EXPECT_FALSE(client.generated);
+  StagedEntry& entry = staged.stageNumbered(*gain_, {"1"}, 1);
+  EXPECT_TRUE(entry.generated);
+  EXPECT_TRUE(entry.status);
+  EXPECT_EQ(fullName(entry), "gain[1]");
+  EXPECT_EQ(entry.value.text(), "7");
+  EXPECT_EQ(entry.held, gain_->parm.committed({"1"}));
+  EXPECT_EQ(staged.stageNumbered(*gain_, {"3"}, 3).held, nullptr);
+  EXPECT_EQ(staged.find(*gain_, {"1"}), &entry);
+}
+
 TEST_F(StagedValuesTest, AreSeenBeforeTheCommittedOnes) {
   StagedValues staged;
   EXPECT_EQ(staged.text(*gain_, {"1"}), "7");

@@ -54,7 +54,7 @@ const std::string* Transaction::find(const PreparedName& name) const {
 
 PreparedName Transaction::prepare(std::string_view name) const {
   const std::string_view base = baseName(name);
-  return {name, base, database_.prefetchParm(base)};
+  return {name, base, database_.prepareParm(base)};
 }
 
 bool Transaction::validate(std::string_view name, const std::string& value) const {

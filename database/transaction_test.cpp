@@ -86,6 +86,28 @@ TEST_F(TransactionTest, ReadsStagedThenCommittedThenConstants) {
   EXPECT_EQ(get(transaction_, "mode"), "auto");
 }
 
+TEST_F(TransactionTest, FindsWhatWasPreparedBefore) {
+  struct {
+    const char* name;
+    const char* text;  // null where nothing is found
+  } const cases[] = {
+      {"mode", "off"},       {"gain[1]", "7"}, {"gain[2]", ""},       {"gain[", ""},
+      {"gain[1][2]", ""},    {"MODEL", "7"},   {"MODEL[1]", nullptr}, {"nobody", nullptr},
+      {"sw::this", nullptr}, {"", nullptr},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    const PreparedName prepared = transaction_.prepare(c.name);
+    ASSERT_EQ(transaction_.set("gain[1]", "7", false), STAGE_DONE);
+    ASSERT_EQ(transaction_.set("mode", "off", false), STAGE_DONE);
+    const std::string* const found = transaction_.find(prepared);
+    EXPECT_EQ(found == nullptr, c.text == nullptr);
+    if (found != nullptr && c.text != nullptr) {
+      EXPECT_EQ(*found, c.text);
+    }
+  }
+}
+
 TEST_F(TransactionTest, MarksAnEntryAsResetUntilItIsSetAgain) {
   EXPECT_EQ(transaction_.set("gain[1]", "5", false), STAGE_DONE);
   EXPECT_EQ(transaction_.reset("gain[1]", true), STAGE_DONE);

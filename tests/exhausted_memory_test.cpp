@@ -19,6 +19,8 @@ mode    rw { rangeValid { "1080i/50", "720p/50" } default { "1080i/50" } }
 level   rw { rangeValid { 0..(vidStd::mode::spal - 1) } default { 5 } }
 channel index { rangeValid { 1..2 } }
 note    rw { valueChange { "on" -> "a text for which no object has room in itself" } }
+figure  rw { valueChange { "on" -> "0 is what this text begins with, but it is none" } }
+seen    rw { rangeValid (figure == 5) { 5 } rangeValid (figure != 5) { 6 } }
 gain    rw { index { channel } rangeValid { 0..(level), "no gain at all, for the longest time" }
              default { 1 } }
 )";
@@ -156,6 +158,20 @@ TEST_P(ExhaustedMemoryTest, IsAnErrorOfTheMethod) {
       ASSERT_EQ(client().answer("commit(0)"), "()") << "after " << successes;
       expectTold();
     }
+  }
+}
+
+// A long text that begins with a digit is copied to find out whether it is a number.
+TEST_P(ExhaustedMemoryTest, LeavesNoTextWithTheNumberOfAnother) {
+  bool isMet = true;
+  for (long successes = 0; isMet; ++successes) {
+    SCOPED_TRACE(successes);
+    ASSERT_EQ(client().answer("single_set('figure', '5')"), "()");
+    ASSERT_EQ(client().answer("single_get('seen')"), "'5'");
+    static_cast<void>(answerAfter(successes, "single_set('figure', 'on')", isMet));
+    EXPECT_EQ(client().answer("single_set('figure', 'on')"), "()");
+    EXPECT_EQ(client().answer("single_get('seen')"), "'6'");
+    expectTold();
   }
 }
 

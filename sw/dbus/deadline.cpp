@@ -1,6 +1,5 @@
 #include "sw/dbus/deadline.h"
 
-#include <sys/time.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -18,25 +17,26 @@ void endProcess(int /*signal*/) {
   _exit(1);
 }
 
-void setTimer(int milliseconds) {
-  itimerval timer{};
-  timer.it_value = {milliseconds / 1000, milliseconds % 1000 * 1000};
-  setitimer(ITIMER_REAL, &timer, nullptr);
-}
-
 }  // namespace
 
-Deadline::Deadline(int milliseconds, std::string lastWords) : lastWords_(std::move(lastWords)) {
+Deadline::Deadline(long milliseconds, std::string lastWords) : lastWords_(std::move(lastWords)) {
   assert(currentLastWords == nullptr);
   currentLastWords = &lastWords_;
   struct sigaction action {};
   action.sa_handler = endProcess;
-  sigaction(SIGALRM, &action, &before_);
-  setTimer(milliseconds);
+  sigaction(SIGALRM, &action, &actionBefore_);
+  sigset_t alarm;
+  sigemptyset(&alarm);
+  sigaddset(&alarm, SIGALRM);
+  sigprocmask(SIG_UNBLOCK, &alarm, &maskBefore_);
+  itimerval timer{};
+  timer.it_value = {milliseconds / 1000, milliseconds % 1000 * 1000};
+  setitimer(ITIMER_REAL, &timer, &timerBefore_);
 }
 
 Deadline::~Deadline() {
-  setTimer(0);
-  sigaction(SIGALRM, &before_, nullptr);
+  setitimer(ITIMER_REAL, &timerBefore_, nullptr);
+  sigprocmask(SIG_SETMASK, &maskBefore_, nullptr);
+  sigaction(SIGALRM, &actionBefore_, nullptr);
   currentLastWords = nullptr;
 }

@@ -2,6 +2,8 @@
 // connect and then says nothing.
 #pragma once
 
+#include <sys/time.h>
+
 #include <csignal>
 #include <string>
 
@@ -12,13 +14,15 @@ class Deadline {
  public:
   /// Writes `lastWords` to standard error and ends the process with status 1, unless the deadline
   /// is gone within `milliseconds`.
-  Deadline(int milliseconds, std::string lastWords);
-  /// In time: timer and signal are as before.
+  Deadline(long milliseconds, std::string lastWords);
+  /// In time: timer and signal are as they were before.
   ~Deadline();
   Deadline(const Deadline&) = delete;
   Deadline& operator=(const Deadline&) = delete;
 
  private:
   std::string lastWords_;
-  struct sigaction before_ {};
+  struct sigaction actionBefore_ {};
+  sigset_t maskBefore_{};
+  itimerval timerBefore_{};
 };

@@ -28,8 +28,8 @@ const char* const VALUES = "parmValue";
 const char* const TEXT_RANGE = "idxStrRange";
 const char* const DEPENDENCIES = "parmDep";
 
-// So many names are looked up together that memory has answered for the first when the last is
-// prepared.
+// So many names are looked up together: enough that memory has answered for the first when the last
+// is prepared.
 constexpr size_t NAMES_TOGETHER = 16;
 
 // An unknown name reads as the empty text.
@@ -37,13 +37,15 @@ std::string_view orEmpty(const std::string* text) {
   return text == nullptr ? std::string_view("") : *text;
 }
 
-// Adds the values of at most NAMES_TOGETHER names.
+// Adds the values of at most NAMES_TOGETHER names, up to the first that is too much for a message.
 void addTexts(const Transaction& transaction, std::span<char* const> names, TextList& list) {
   std::array<PreparedName, NAMES_TOGETHER> prepared;
   std::array<const std::string*, NAMES_TOGETHER> texts;
   for (size_t i = 0; i < names.size(); ++i) prepared[i] = transaction.prepare(names[i]);
   for (size_t i = 0; i < names.size(); ++i) texts[i] = transaction.find(prepared[i]);
-  for (size_t i = 0; i < names.size(); ++i) list.add(orEmpty(texts[i]));
+  for (size_t i = 0; i < names.size() && list.bytes() <= MAX_MESSAGE_BYTES; ++i) {
+    list.add(orEmpty(texts[i]));
+  }
 }
 
 template <typename Texts>

@@ -75,12 +75,12 @@ char** TextList::release() {
   return list;
 }
 
-// A kind of structure for the binding library, and a structure of it.
+// A kind of structure for the binding library, and an empty one to be copied.
 struct StructArray::StructType {
   explicit StructType(GType structType)
-      : type(structType), fresh(dbus_g_type_specialized_construct(structType)) {}
+      : type(structType), empty(dbus_g_type_specialized_construct(structType)) {}
   GType type;
-  gpointer fresh;
+  gpointer empty;
 };
 
 StructArray::~StructArray() {
@@ -120,10 +120,10 @@ GPtrArray* StructArray::release() { return std::exchange(array_, nullptr); }
 
 // A structure is such an array for the binding library, and a new one has members of its types. The
 // library's functions that make or fill one ask GLib for their types over and over, under a lock,
-// which takes most of the time of a large reply; so each is a copy of the first.
+// which takes most of the time of a large reply; so each is a copy of an empty one.
 GValue* StructArray::add(const StructType& type) {
   type_ = type.type;
-  auto* const structure = static_cast<GValueArray*>(g_boxed_copy(type.type, type.fresh));
+  auto* const structure = static_cast<GValueArray*>(g_boxed_copy(type.type, type.empty));
   g_ptr_array_add(array_, structure);
   return structure->values;
 }

@@ -183,6 +183,23 @@ TEST_F(ServerMethods, GetAsManyValuesAsThereAreNamesAndTheCountAllows) {
   }
 }
 
+TEST_F(ServerMethods, GetValuesInTheOrderOfTheirNamesHoweverManyTheyAre) {
+  EXPECT_EQ(call(value_object_single_set, "level", "5"), "");
+  EXPECT_EQ(call(value_object_single_set, "note", "x"), "");
+  Texts names;
+  Texts expected;
+  for (guint32 count = 1; count <= 50; ++count) {
+    SCOPED_TRACE(count);
+    const bool isThird = count % 3 == 0;
+    names.emplace_back(isThird ? "level" : count % 3 == 1 ? "note" : "nothing");
+    expected.emplace_back(isThird ? "5" : count % 3 == 1 ? "x" : "");
+    TextArguments arguments(names);
+    char** values = nullptr;
+    ASSERT_EQ(call(value_object_single_get_bulk, count, arguments.get(), &values), "");
+    EXPECT_EQ(taken(values), expected);
+  }
+}
+
 TEST_F(ServerMethods, RefuseAValueThatFitsIntoNoMessage) {
   const std::string value(MAX_MESSAGE_BYTES - 5, 'x');  // with its length and its end: all of it
   EXPECT_EQ(call(value_object_single_set, "note", value.c_str()), "");

@@ -432,6 +432,20 @@ TEST(BoundsInteger, CorrectsWhatIsNoNumberAsItWouldZero) {
   expectChecks(integersOf({{-9, -5}, {5, 9}}), {{"abc", false, "5"}});
 }
 
+TEST(BoundsInteger, TakesTheNumberThatItIsGiven) {
+  BoundsInteger bounds;
+  ASSERT_EQ(bounds.addSpan(3, 9), 0);
+  std::string value = "0x5";
+  EXPECT_TRUE(bounds.check(value, 5, true));
+  EXPECT_EQ(value, "0x5");
+  EXPECT_FALSE(bounds.check(value, 12, false));
+  EXPECT_EQ(value, "0x5");
+  EXPECT_FALSE(bounds.check(value, 12, true));
+  EXPECT_EQ(value, "9");
+  EXPECT_FALSE(bounds.check(value, std::nullopt, true));
+  EXPECT_EQ(value, "3");
+}
+
 TEST(BoundsInteger, ReadsNumbersInAnyBase) {
   expectChecks(integersOf({{10, 10}}), {
                                            {"0x0A", true, "0x0A"},

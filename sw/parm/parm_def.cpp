@@ -126,13 +126,15 @@ CommittedValue* ParmDef::committed(const IndexTuple& indices, size_t number) {
     return committed(indices);
   }
   std::vector<CommittedValue*>& numbered = indexing_.change().numbered;
-  if (number >= numbered.size()) {
-    numbered.resize(number + 1);
+  if (number < numbered.size() && numbered[number] != nullptr) {
+    return numbered[number];
   }
-  if (numbered[number] == nullptr) {
-    numbered[number] = committed(indices);
+  CommittedValue* const found = committed(indices);
+  if (found != nullptr) {
+    numbered.resize(std::max(numbered.size(), number + 1));
+    numbered[number] = found;
   }
-  return numbered[number];
+  return found;
 }
 
 const std::string& ParmDef::committedText(const IndexTuple& indices) const {

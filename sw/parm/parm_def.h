@@ -97,8 +97,8 @@ class ParmDef final : public IndexDef {
   /// without indices, whose one instance then holds the empty text.
   [[nodiscard]] const CommittedValue* committed(const IndexTuple& indices) const;
   [[nodiscard]] CommittedValue* committed(const IndexTuple& indices);
-  /// The same for the instance with a number of its own, which is the same in every call: the value
-  /// is looked for only once.
+  /// The same for an instance with a number of its own, which is the same in every call: once the
+  /// value is found it is not looked for again.
   [[nodiscard]] CommittedValue* committed(const IndexTuple& indices, size_t number);
   /// The text of committed(), empty where it is null.
   [[nodiscard]] const std::string& committedText(const IndexTuple& indices) const;

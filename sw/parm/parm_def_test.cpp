@@ -259,6 +259,22 @@ TEST(CommittedValues, AreOneForEachTuple) {
   }
 }
 
+TEST(CommittedValues, AreFoundByTheNumberOfTheInstance) {
+  const IndexDef row = makeIndex({.name = "row"});
+  ParmDef parm = makeParm({.indices = {&row}});
+  EXPECT_EQ(parm.committed({"5"}, 1), nullptr);  // never stored; the search is not over
+  parm.store({"5"}, "a");
+  const CommittedValue* const value = parm.committed({"5"});
+  EXPECT_EQ(parm.committed({"5"}, 1), value);
+  EXPECT_EQ(parm.committed({"4"}, 0), nullptr);
+  for (int i = 0; i < 1000; ++i) parm.store({std::to_string(i)}, "b");
+  EXPECT_EQ(parm.committed({"5"}, 1), value);
+  EXPECT_EQ(value->value.text(), "b");
+  EXPECT_EQ(parm.committed({"999"}, 999), parm.committed({"999"}));
+  ParmDef plain = makeParm({});
+  EXPECT_EQ(plain.committed({}, 0), plain.committed({}));
+}
+
 TEST(CommittedValues, KeepWhetherTheyWereAnnounced) {
   const IndexDef row = makeIndex({.name = "row"});
   ParmDef parm = makeParm({.indices = {&row}});

@@ -11,14 +11,16 @@ class ValueText {
  public:
   ValueText() { set({}); }
   explicit ValueText(std::string text) { set(std::move(text)); }
+  /// Where memory is exhausted, the value is as before.
   void set(std::string text) {
+    const Operand operand = operandOf(text);
     text_ = std::move(text);
-    const Operand operand = operandOf(text_);
     kind_ = operand.kind;
     number_ = operand.number;
   }
-  /// The same for a text that `other` holds already: what it is need not be worked out again.
-  void set(std::string text, const ValueText& other) {
+  /// The same for a text that `other` holds already: what it is need not be worked out again, and
+  /// nothing can fail.
+  void set(std::string text, const ValueText& other) noexcept {
     text_ = std::move(text);
     kind_ = other.kind_;
     number_ = other.number_;

@@ -46,6 +46,19 @@ TEST(ValueText, TakesANewText) {
   EXPECT_EQ(value.operand().text, "off");
 }
 
+TEST(ValueText, TakesATextThatAnotherHolds) {
+  for (const char* text : {"0x10", "auto", ""}) {
+    SCOPED_TRACE(text);
+    const ValueText other(text);
+    ValueText value("7");
+    value.set(text, other);
+    EXPECT_EQ(value.text(), text);
+    EXPECT_EQ(value.operand().kind, other.operand().kind);
+    EXPECT_EQ(value.operand().number, other.operand().number);
+    EXPECT_EQ(value.operand().text.data(), value.text().data());
+  }
+}
+
 TEST(ValueText, ViewsItsOwnTextAfterACopyAndAMove) {
   ValueText first("auto");
   const ValueText copy = first;

@@ -28,8 +28,8 @@ int __poll_chk(pollfd* descriptors, nfds_t count, int timeout, size_t /*size*/) 
   return fastPoll(descriptors, count, timeout);
 }
 
-// Timers that fire once.
-// NOLINTNEXTLINE(readability-identifier-naming)
+// Timers that fire once. The library's own name for the value is a keyword.
+// NOLINTNEXTLINE(readability-identifier-naming,readability-inconsistent-declaration-parameter-name)
 int setitimer(__itimer_which_t which, const itimerval* value, itimerval* old) noexcept {
   constexpr long SECOND = 1000000;
   const long wait = (value->it_value.tv_sec * SECOND + value->it_value.tv_usec) / SPEED;

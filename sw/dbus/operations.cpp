@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "database/commit.h"
@@ -14,7 +15,6 @@
 #include "database/index_query.h"
 #include "database/name_order.h"
 #include "database/range_query.h"
-#include "deflang/name_table.h"
 #include "sw/dbus/errors.h"
 #include "sw/dbus/publish.h"
 #include "sw/dbus/reply.h"
@@ -76,10 +76,9 @@ struct NamedRange {
 
 // Finds the range of each name once, in their order, up to the first that fails.
 int findRanges(Transaction& transaction, char** names, std::vector<NamedRange>& ranges) {
-  NameTable found;
+  std::unordered_set<std::string_view> asked;
   for (; *names != nullptr; ++names) {
-    if (found.find(*names)) continue;
-    found.add(*names);
+    if (!asked.insert(*names).second) continue;
     ranges.push_back({*names, {}});
     const int result =
         queryRange(transaction.database(), transaction.staged(), *names, ranges.back().bounds);

@@ -68,20 +68,21 @@ const IndexDef* Database::findIndex(std::string_view name) const {
 }
 
 int Database::registerParm(std::unique_ptr<ParmDef> parm) {
-  if (findParm(parm->name()) != nullptr) {
+  const size_t hash = TextHash{}(parm->name());
+  if (findParm(parm->name(), hash) != nullptr) {
     return 1;
   }
-  parmNames_.add(parm->name());
-  parms_.push_back({std::move(*parm), {}, {}});
+  parmPositions_.makeRoom();
+  parms_.add({std::move(*parm), {}, {}});
+  parmPositions_.add(hash, static_cast<uint32_t>(parms_.size() - 1));
   return 0;
 }
 
-ParmEntry* Database::findParm(std::string_view base) {
-  return findParm(base, parmNames_.prepare(base));
-}
+ParmEntry* Database::findParm(std::string_view base) { return findParm(base, TextHash{}(base)); }
 
 ParmEntry* Database::findParm(std::string_view base, size_t hash) {
-  const std::optional<uint32_t> found = parmNames_.find(base, hash);
+  const std::optional<uint32_t> found = parmPositions_.find(
+      hash, [&](uint32_t position) { return parms_[position].parm.name() == base; });
   return found ? &parms_[*found] : nullptr;
 }
 
@@ -93,8 +94,8 @@ IndexEntry* Database::findIndexEntry(std::string_view name) {
 std::vector<ParmEntry*> Database::parmsInNameOrder() {
   std::vector<ParmEntry*> parms;
   parms.reserve(parms_.size());
-  for (ParmEntry& entry : parms_) {
-    parms.push_back(&entry);
+  for (size_t i = 0; i < parms_.size(); ++i) {
+    parms.push_back(&parms_[i]);
   }
   const auto comesBefore = [](const ParmEntry* a, const ParmEntry* b) {
     return a->parm.name() < b->parm.name();
@@ -105,8 +106,8 @@ std::vector<ParmEntry*> Database::parmsInNameOrder() {
 
 uint32_t Database::newWalk() {
   if (++walks_ == 0) {
-    for (ParmEntry& entry : parms_) {
-      entry.walk = 0;
+    for (size_t i = 0; i < parms_.size(); ++i) {
+      parms_[i].walk = 0;
     }
     ++walks_;
   }
@@ -148,7 +149,7 @@ const VariableSource& Database::sourceOf(std::string_view variable) {
     return sources_[*known];
   }
   sourceNames_.add(variable);
-  return sources_.emplace_back(findSource(variable));
+  return sources_.add(findSource(variable));
 }
 
 void Database::bindSources(const std::vector<ParmEntry*>& parms) {
@@ -174,8 +175,8 @@ bool Database::isKnown(const VariableSource& source) const {
 
 const std::string* Database::firstUnknownName(std::string& name) {
   const std::string* first = nullptr;
-  for (const ParmEntry& entry : parms_) {
-    for (const VariableSource& source : entry.sources) {
+  for (size_t i = 0; i < parms_.size(); ++i) {
+    for (const VariableSource& source : parms_[i].sources) {
       if (!isKnown(source) && (first == nullptr || source.name < *first)) {
         name = source.name;
         first = &name;

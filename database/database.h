@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -12,6 +11,8 @@
 #include <vector>
 
 #include "deflang/name_table.h"
+#include "deflang/position_table.h"
+#include "deflang/stable_list.h"
 #include "deflang/text_map.h"
 #include "sw/parm/definition_registry.h"
 #include "sw/parm/index_tuple.h"
@@ -72,7 +73,9 @@ class Database final : public DefinitionRegistry {
   /// Prepares a findParm() that is still some way off: where many names are looked up, most of the
   /// time goes by waiting for memory. Gives the name's hash for it.
   [[nodiscard, gnu::always_inline]] size_t prepareParm(std::string_view base) const {
-    return parmNames_.prepare(base);
+    const size_t hash = TextHash{}(base);
+    parmPositions_.prefetch(hash);
+    return hash;
   }
   [[nodiscard]] IndexEntry* findIndexEntry(std::string_view name);
   /// The parameters in name order.
@@ -90,9 +93,9 @@ class Database final : public DefinitionRegistry {
 
   std::map<std::string, ValueText, std::less<>> constants_;
   TextMap<IndexEntry> indices_;
-  std::deque<ParmEntry> parms_;
-  NameTable parmNames_;
-  std::deque<VariableSource> sources_;  // of the distinct variables of all definitions
+  StableList<ParmEntry> parms_;
+  PositionTable parmPositions_;         // by the hash of the name
+  StableList<VariableSource> sources_;  // of the distinct variables of all definitions
   NameTable sourceNames_;
   uint32_t walks_ = 0;
 };

@@ -87,6 +87,18 @@ TEST(Database, FinishesWhenEveryNameIsKnown) {
   }
 }
 
+TEST(Database, FindsWhatWasPrepared) {
+  Database database;
+  const size_t early = database.prepareParm("gain");
+  EXPECT_EQ(database.findParm("gain", early), nullptr);
+  EXPECT_EQ(database.registerParm(parmNamed("gain", "gain")), 0);
+  ParmEntry* const gain = database.findParm("gain", early);  // the hash is the name's own
+  ASSERT_NE(gain, nullptr);
+  EXPECT_EQ(gain->parm.name(), "gain");
+  EXPECT_EQ(database.findParm("mode", database.prepareParm("mode")), nullptr);
+  EXPECT_EQ(database.findParm("mode", early), nullptr);  // a hash alone is no name
+}
+
 TEST(Database, NamesTheFirstUnknownName) {
   Database database;
   EXPECT_EQ(database.registerParm(parmNamed("a", "z")), 0);

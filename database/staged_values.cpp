@@ -69,9 +69,9 @@ StagedEntry& StagedValues::findOrAdd(const ParmEntry& parm, const IndexTuple& in
   }
   // Where memory is exhausted, half an entry must not stay.
   positions_.makeRoom();
-  entries_.push_back(make());
+  StagedEntry& entry = entries_.add(make());
   positions_.add(hash, static_cast<uint32_t>(entries_.size() - 1));
-  return entries_.back();
+  return entry;
 }
 
 StagedEntry& StagedValues::stage(ParmEntry& parm, const IndexTuple& indices, bool generated) {
@@ -92,8 +92,8 @@ StagedEntry& StagedValues::stageNumbered(ParmEntry& parm, const IndexTuple& indi
 std::vector<StagedEntry*> StagedValues::inNameOrder() {
   std::vector<std::pair<std::string, StagedEntry*>> named;
   named.reserve(entries_.size());
-  for (StagedEntry& entry : entries_) {
-    named.emplace_back(fullName(entry), &entry);
+  for (size_t i = 0; i < entries_.size(); ++i) {
+    named.emplace_back(fullName(entries_[i]), &entries_[i]);
   }
   std::sort(named.begin(), named.end());
   std::vector<StagedEntry*> entries;
@@ -105,7 +105,7 @@ std::vector<StagedEntry*> StagedValues::inNameOrder() {
 }
 
 void StagedValues::clear() {
-  entries_ = {};
+  entries_.clear();
   positions_.clear();
 }
 

@@ -2,13 +2,13 @@
 // parameters.
 #pragma once
 
-#include <deque>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "database/database.h"
 #include "deflang/position_table.h"
+#include "deflang/stable_list.h"
 #include "sw/parm/index_tuple.h"
 #include "sw/parm/value_text.h"
 
@@ -61,6 +61,6 @@ class StagedValues {
   StagedEntry& findOrAdd(const ParmEntry& parm, const IndexTuple& indices, const Make& make);
 
   const StagedValues* below_;
-  std::deque<StagedEntry> entries_;
+  StableList<StagedEntry> entries_;
   PositionTable positions_;
 };

@@ -16,17 +16,8 @@ class NameTable {
  public:
   /// The number of `name`, or nothing.
   [[nodiscard]] std::optional<uint32_t> find(std::string_view name) const {
-    return find(name, TextHash{}(name));
-  }
-  /// The same with what prepare() gave for the name.
-  [[nodiscard]] std::optional<uint32_t> find(std::string_view name, size_t hash) const {
-    return numbers_.find(hash, [&](uint32_t number) { return (*this)[number] == name; });
-  }
-  /// Prepares a find() that is still some way off; gives the name's hash for it.
-  [[nodiscard, gnu::always_inline]] size_t prepare(std::string_view name) const {
-    const size_t hash = TextHash{}(name);
-    numbers_.prefetch(hash);
-    return hash;
+    return numbers_.find(TextHash{}(name),
+                         [&](uint32_t number) { return (*this)[number] == name; });
   }
   /// Adds a name that is not there yet. Its number is the count of those before it. Where memory is
   /// exhausted, the table is as before.

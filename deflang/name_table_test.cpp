@@ -19,13 +19,4 @@ TEST(NameTable, NumbersNamesInTheOrderInWhichTheyAreAdded) {
   EXPECT_EQ(table[1000], "");
 }
 
-TEST(NameTable, FindsWhatWasPrepared) {
-  NameTable table;
-  const size_t early = table.prepare("gain");
-  EXPECT_EQ(table.find("gain", early), std::nullopt);
-  table.add("gain");
-  EXPECT_EQ(table.find("gain", early), 0U);  // the hash is the name's own
-  EXPECT_EQ(table.find("mode", table.prepare("mode")), std::nullopt);
-}
-
 }  // namespace

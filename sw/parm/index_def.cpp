@@ -14,11 +14,11 @@ void noteKinds(std::span<ConditionalBounds> list) {
 }
 
 IndexDef::IndexDef(DefinitionParts parts)
-    : name_(std::move(parts.name)),
-      variables_(std::move(parts.variables)),
+    : variables_(std::move(parts.variables)),
       validityConditions_(std::move(parts.validityConditions)),
       baseBounds_(std::move(parts.baseBounds)),
-      conditionalBounds_(std::move(parts.conditionalBounds)) {
+      conditionalBounds_(std::move(parts.conditionalBounds)),
+      name_(std::move(parts.name)) {
   noteKinds(conditionalBounds_.all());
   if (!parts.translations.empty()) translations_.change() = std::move(parts.translations);
 }

@@ -77,12 +77,12 @@ class IndexDef {
   [[nodiscard]] Variables& ownVariables() { return variables_; }
 
  private:
-  std::string name_;
   Variables variables_;
   FixedList<Program> validityConditions_;
   BoundsParm baseBounds_;
   FixedList<ConditionalBounds> conditionalBounds_;
   Seldom<std::map<std::string, std::string>> translations_;
+  std::string name_;  // last, beside what a parameter is asked for with its name
 };
 
 /// The full bounds check of one definition, by the rules of an index: translates `value`, corrects

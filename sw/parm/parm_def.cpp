@@ -114,7 +114,7 @@ const CommittedValue* ParmDef::committed(const IndexTuple& indices) const {
     return &single_;
   }
   const std::optional<uint32_t> found = indexing_->suffixes.find(indexSuffix(indices));
-  return found ? &indexing_->values.get()[*found] : nullptr;
+  return found ? &indexing_->values[*found] : nullptr;
 }
 
 CommittedValue* ParmDef::committed(const IndexTuple& indices) {
@@ -154,14 +154,13 @@ CommittedValue& ParmDef::stored(const IndexTuple& indices) {
   const std::string suffix = indexSuffix(indices);
   Indexing& indexing = indexing_.change();
   if (const std::optional<uint32_t> known = indexing.suffixes.find(suffix)) {
-    return indexing.values.change()[*known];
+    return indexing.values[*known];
   }
   // The value comes first: where memory is exhausted in between, the next one takes its place.
   const size_t number = indexing.suffixes.size();
-  std::deque<CommittedValue>& values = indexing.values.change();
-  if (values.size() == number) {
-    values.emplace_back();
+  if (indexing.values.size() == number) {
+    indexing.values.add({});
   }
   indexing.suffixes.add(suffix);
-  return values[number];
+  return indexing.values[number];
 }

@@ -3,13 +3,13 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "deflang/name_table.h"
+#include "deflang/stable_list.h"
 #include "sw/parm/index_def.h"
 #include "sw/parm/index_tuple.h"
 #include "sw/parm/value_text.h"
@@ -113,13 +113,16 @@ class ParmDef final : public IndexDef {
   // What only a parameter with indices has.
   struct Indexing {
     std::vector<const IndexDef*> indices;
-    std::vector<std::vector<uint32_t>> slots;   // by index: from its slots to the parameter's
-    std::vector<uint32_t> nameSlots;            // by index: the slot of its name
-    NameTable suffixes;                         // of the instances that hold a value
-    Seldom<std::deque<CommittedValue>> values;  // by the number of the suffix
-    std::vector<CommittedValue*> numbered;      // by the instance's number; null where not known
+    std::vector<std::vector<uint32_t>> slots;  // by index: from its slots to the parameter's
+    std::vector<uint32_t> nameSlots;           // by index: the slot of its name
+    NameTable suffixes;                        // of the instances that hold a value
+    StableList<CommittedValue> values;         // by the number of the suffix
+    std::vector<CommittedValue*> numbered;     // by the instance's number; null where not known
   };
 
+  // First, beside the name: a value that is asked for by name is there with it.
+  Seldom<Indexing> indexing_;
+  CommittedValue single_;  // of a parameter without indices
   accessMode_t mode_;
   uint32_t usedNames_ = 0;
   bool hasRunTimeRanges_ = false;
@@ -128,6 +131,4 @@ class ParmDef final : public IndexDef {
   FixedList<Program> readOnlyConditions_;
   Seldom<std::vector<ConstraintRule>> constraintRules_;
   Seldom<std::vector<ConditionalBounds>> documentedRanges_;
-  Seldom<Indexing> indexing_;
-  CommittedValue single_;  // of a parameter without indices
 };

@@ -1,0 +1,47 @@
+// Stable lists: sequences that grow at their end, and whose elements stay where they are.
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+/// The elements stand in blocks of which each has room for twice as many as the one before it. So
+/// the table of the blocks is short enough to be at hand always, where that of a deque costs a
+/// wait for memory of its own, and an empty list takes none.
+template <typename T>
+class StableList {
+ public:
+  [[nodiscard]] size_t size() const {
+    return blocks_.empty() ? 0 : firstOf(blocks_.size() - 1) + blocks_.back().size();
+  }
+  [[nodiscard]] bool empty() const { return size() == 0; }
+  [[nodiscard]] const T& operator[](size_t position) const {
+    const size_t block = blockOf(position);
+    return blocks_[block][position - firstOf(block)];
+  }
+  [[nodiscard]] T& operator[](size_t position) {
+    return const_cast<T&>(std::as_const(*this)[position]);
+  }
+  /// Adds an element. Where memory is exhausted, the list is as before.
+  T& add(T element) {
+    const size_t blocks = blocks_.size();
+    if (size() == firstOf(blocks)) {
+      std::vector<T> room;
+      room.reserve(firstOf(blocks + 1) - firstOf(blocks));
+      blocks_.push_back(std::move(room));
+    }
+    return blocks_.back().emplace_back(std::move(element));
+  }
+  void clear() { blocks_ = {}; }
+
+ private:
+  static constexpr size_t FIRST_BLOCK = 8;  // elements; a power of two
+
+  static size_t blockOf(size_t position) {
+    return static_cast<size_t>(std::bit_width(position / FIRST_BLOCK + 1)) - 1;
+  }
+  static size_t firstOf(size_t block) { return ((size_t{1} << block) - 1) * FIRST_BLOCK; }
+
+  std::vector<std::vector<T>> blocks_;
+};

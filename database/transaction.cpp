@@ -67,16 +67,19 @@ StagedEntry* Transaction::stage(std::string_view name) {
   return parm == nullptr ? nullptr : &staged_.stage(*parm, splitName(name).indices, false);
 }
 
-Transaction* Transactions::open(uint32_t& id) {
+int Transactions::useId(uint32_t& id) {
   const uint32_t start = nextId_;
   do {
     id = nextId_++;
-    const auto [place, isNew] = open_.try_emplace(id, database_);
-    if (isNew) {
-      return &place->second;
+    if (!open_.contains(id)) {
+      return 0;
     }
   } while (nextId_ != start);
-  return nullptr;
+  return 1;
+}
+
+Transaction* Transactions::open(uint32_t& id) {
+  return useId(id) == 0 ? &open_.try_emplace(id, database_).first->second : nullptr;
 }
 
 Transaction* Transactions::find(uint32_t id) {

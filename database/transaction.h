@@ -62,8 +62,10 @@ class Transaction {
 class Transactions {
  public:
   explicit Transactions(Database& database) : database_(database) {}
-  /// Opens a transaction under the next free id: ids ascend from 0, wrap at 2^32 and skip those
-  /// that are open. Returns null when every id is in use.
+  /// Uses up the next free id: ids ascend from 0, wrap at 2^32 and skip those that are open.
+  /// Returns 0, or 1 when every id is in use.
+  int useId(uint32_t& id);
+  /// Opens a transaction under the next free id. Returns null when there is none.
   Transaction* open(uint32_t& id);
   /// The open transaction of an id, or null.
   [[nodiscard]] Transaction* find(uint32_t id);

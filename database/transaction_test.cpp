@@ -179,6 +179,20 @@ TEST(Transactions, WrapTheIdAndSkipThoseThatAreOpen) {
   EXPECT_EQ(openOne(transactions), 2U);
 }
 
+TEST(Transactions, UseUpAnIdWithoutOpeningIt) {
+  Database database;
+  Transactions transactions(database);
+  EXPECT_EQ(openOne(transactions), 0U);
+  transactions.continueWith(UINT32_MAX);
+  uint32_t id = 0;
+  EXPECT_EQ(transactions.useId(id), 0);
+  EXPECT_EQ(id, UINT32_MAX);
+  EXPECT_EQ(transactions.find(id), nullptr);
+  EXPECT_EQ(transactions.useId(id), 0);
+  EXPECT_EQ(id, 1U);  // 0 is open
+  EXPECT_EQ(openOne(transactions), 2U);
+}
+
 TEST(Transactions, FindAndEndOnlyWhatIsOpen) {
   Database database;
   Transactions transactions(database);

@@ -34,25 +34,6 @@ class ServiceLock {
   GMutex* lock_;
 };
 
-/// A transaction that lives as long as the call.
-class OwnTransaction {
- public:
-  OwnTransaction() : transaction_(ServiceState::current().transactions().open(id_)) {}
-  ~OwnTransaction() {
-    // It is open, so that ending it cannot fail; where every id is in use it never was.
-    if (transaction_ != nullptr) {
-      static_cast<void>(ServiceState::current().transactions().end(id_));
-    }
-  }
-  OwnTransaction(const OwnTransaction&) = delete;
-  OwnTransaction& operator=(const OwnTransaction&) = delete;
-  [[nodiscard]] Transaction* get() { return transaction_; }
-
- private:
-  uint32_t id_ = 0;
-  Transaction* transaction_;
-};
-
 /// Runs `operation`, which gives the method's outcome. An exception, which only exhausted memory
 /// raises, becomes an error of the family instead of ending the program; start has a text for it.
 template <typename Operation>
@@ -78,12 +59,18 @@ gboolean inTransaction(const MethodCall& call, methodFamily_t family, uint32_t i
   });
 }
 
-/// Runs `operation`, which gives a result, in a transaction of its own.
+/// Runs `operation`, which gives a result, in a transaction of its own. It takes an id as any
+/// other, but nobody can name it while the call lasts, so that it need not be found by it.
 template <typename Operation>
 gboolean inOwnTransaction(const MethodCall& call, methodFamily_t family, Operation operation) {
   return serve(call, family, [&] {
-    OwnTransaction own;
-    const int result = own.get() != nullptr ? operation(*own.get()) : UNKNOWN_TRANSACTION;
+    ServiceState& state = ServiceState::current();
+    uint32_t id = 0;
+    int result = UNKNOWN_TRANSACTION;
+    if (state.transactions().useId(id) == 0) {
+      Transaction transaction(state.database());
+      result = operation(transaction);
+    }
     return finishMethod(call.error, family, result);
   });
 }

@@ -52,10 +52,13 @@ TEST(ServeDeathTest, StopsTheProgramWithoutAnObject) {
                "the_method: Assertion `obj != NULL' failed");
 }
 
-TEST(InOwnTransaction, EndsItsTransaction) {
+TEST(InOwnTransaction, UsesAnIdThatNobodyCanName) {
   TestService service("");
   const MethodCall call = {"test", service.object(), nullptr};
-  EXPECT_EQ(inOwnTransaction(call, METHOD_GET, [](Transaction&) { return 0; }), TRUE);
+  const auto operation = [&](Transaction&) {
+    return service.state().transactions().find(0) == nullptr ? 0 : 1;
+  };
+  EXPECT_EQ(inOwnTransaction(call, METHOD_GET, operation), TRUE);
   EXPECT_EQ(inOwnTransaction(call, METHOD_GET, [](Transaction&) { return 1; }), FALSE);
   EXPECT_EQ(service.state().transactions().find(0), nullptr);
   EXPECT_EQ(service.state().transactions().find(1), nullptr);

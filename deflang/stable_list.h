@@ -7,11 +7,15 @@
 #include <vector>
 
 /// The elements stand in blocks of which each has room for twice as many as the one before it. So
-/// the table of the blocks is short enough to be at hand always, where that of a deque costs a
-/// wait for memory of its own, and an empty list takes none.
+/// the table of the blocks is short enough to be in the cache always, where that of a deque is one
+/// more wait for memory, and an empty list takes no memory. A list can be moved, not copied.
 template <typename T>
 class StableList {
  public:
+  StableList() = default;
+  StableList(StableList&&) noexcept = default;
+  StableList& operator=(StableList&&) noexcept = default;
+
   [[nodiscard]] size_t size() const {
     return blocks_.empty() ? 0 : firstOf(blocks_.size() - 1) + blocks_.back().size();
   }
@@ -33,7 +37,7 @@ class StableList {
     }
     return blocks_.back().emplace_back(std::move(element));
   }
-  void clear() { blocks_ = {}; }
+  void clear() { blocks_.clear(); }
 
  private:
   static constexpr size_t FIRST_BLOCK = 8;  // elements; a power of two

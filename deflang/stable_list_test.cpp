@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <new>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -23,6 +26,7 @@ TEST(StableList, HoldsItsElementsInOrder) {
 TEST(StableList, LeavesItsElementsWhereTheyAre) {
   StableList<std::unique_ptr<int>> list;  // no copy
   std::vector<const std::unique_ptr<int>*> places;
+  places.reserve(1000);
   for (int i = 0; i < 1000; ++i) places.push_back(&list.add(std::make_unique<int>(i)));
   StableList<std::unique_ptr<int>> moved = std::move(list);
   for (int i = 0; i < 1000; ++i) {
@@ -30,17 +34,39 @@ TEST(StableList, LeavesItsElementsWhereTheyAre) {
     EXPECT_EQ(&moved[position], places[position]);
     EXPECT_EQ(*moved[position], i);
   }
-  EXPECT_TRUE(list.empty());
+}
+
+// An element that may find no memory when it is copied to its place.
+class Reluctant {
+ public:
+  explicit Reluctant(int copiesToFailure) : copies_(copiesToFailure) {}
+  Reluctant(const Reluctant& other) : copies_(other.copies_ - 1) {
+    if (copies_ == 0) throw std::bad_alloc();
+  }
+  [[nodiscard]] int copies() const { return copies_; }
+
+ private:
+  int copies_;
+};
+
+TEST(StableList, IsAsBeforeWhereAnElementCannotBeAdded) {
+  StableList<Reluctant> list;
+  for (size_t i = 0; i < 200; ++i) {  // some of them begin a block
+    EXPECT_THROW(list.add(Reluctant(1)), std::bad_alloc);
+    ASSERT_EQ(list.size(), i);
+    EXPECT_EQ(list.add(Reluctant(static_cast<int>(i) + 1000)).copies(), static_cast<int>(i) + 999);
+  }
+  for (size_t i = 0; i < 200; ++i) EXPECT_EQ(list[i].copies(), static_cast<int>(i) + 999);
 }
 
 TEST(StableList, BeginsAgainWhenItWasCleared) {
-  StableList<std::string> list;
-  for (int i = 0; i < 100; ++i) list.add("old");
+  StableList<std::unique_ptr<int>> list;
+  for (int i = 0; i < 100; ++i) list.add(std::make_unique<int>(i));
   list.clear();
   EXPECT_TRUE(list.empty());
-  EXPECT_EQ(list.add("new"), "new");
+  EXPECT_EQ(*list.add(std::make_unique<int>(7)), 7);
   EXPECT_EQ(list.size(), 1U);
-  EXPECT_EQ(list[0], "new");
+  EXPECT_EQ(*list[0], 7);
 }
 
 }  // namespace

@@ -106,7 +106,7 @@ std::vector<StagedEntry*> StagedValues::inNameOrder() {
 
 void StagedValues::clear() {
   entries_.clear();
-  positions_.clear();
+  positions_ = {};
 }
 
 Operand StagedValues::value(const ParmEntry& parm, const IndexTuple& indices) const {

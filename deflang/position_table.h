@@ -43,10 +43,6 @@ class PositionTable {
     put({static_cast<uint32_t>(hash), position + 1});
     ++count_;
   }
-  void clear() {
-    places_ = {};
-    count_ = 0;
-  }
 
  private:
   static constexpr size_t PLACES_PER_ELEMENT = 2;

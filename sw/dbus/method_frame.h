@@ -60,7 +60,8 @@ gboolean inTransaction(const MethodCall& call, methodFamily_t family, uint32_t i
 }
 
 /// Runs `operation`, which gives a result, in a transaction of its own. It takes an id as any
-/// other, but nobody can name it while the call lasts, so that it need not be found by it.
+/// other, but no call is served that could name it while this one lasts, so that it need not be
+/// found by it.
 template <typename Operation>
 gboolean inOwnTransaction(const MethodCall& call, methodFamily_t family, Operation operation) {
   return serve(call, family, [&] {

@@ -52,7 +52,7 @@ TEST(ServeDeathTest, StopsTheProgramWithoutAnObject) {
                "the_method: Assertion `obj != NULL' failed");
 }
 
-TEST(InOwnTransaction, UsesAnIdThatNobodyCanName) {
+TEST(InOwnTransaction, TakesAnIdAndOpensNothing) {
   TestService service("");
   const MethodCall call = {"test", service.object(), nullptr};
   const auto operation = [&](Transaction&) {

@@ -36,9 +36,9 @@ DBusGConnection* connectToBus() {
   GError* error = nullptr;
   DBusGConnection* bus = dbus_g_bus_get(DBUS_BUS_SESSION, &error);
   if (error != nullptr) reportError(NO_CONNECTION, error->message, FATAL);
-  // The binding library has the main loop woken for each message that comes or goes, as if another
-  // thread might be waiting in it. Here the loop's own thread does all that is done, and looks at
-  // the connection before it waits: each call takes two system calls less.
+  // The binding library has the main loop woken for each message that comes, as another thread may
+  // wait in it. Here the loop's own thread does all that is done, and looks at the connection
+  // before it waits: each message takes one system call less.
   dbus_connection_set_wakeup_main_function(dbus_g_connection_get_connection(bus), nullptr, nullptr,
                                            nullptr);
   return bus;

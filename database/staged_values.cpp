@@ -93,7 +93,8 @@ std::vector<StagedEntry*> StagedValues::inNameOrder() {
   std::vector<std::pair<std::string, StagedEntry*>> named;
   named.reserve(entries_.size());
   for (size_t i = 0; i < entries_.size(); ++i) {
-    named.emplace_back(fullName(entries_[i]), &entries_[i]);
+    StagedEntry& entry = entries_[i];
+    named.emplace_back(fullName(entry), &entry);
   }
   std::sort(named.begin(), named.end());
   std::vector<StagedEntry*> entries;
@@ -105,7 +106,7 @@ std::vector<StagedEntry*> StagedValues::inNameOrder() {
 }
 
 void StagedValues::clear() {
-  entries_.clear();
+  entries_ = {};
   positions_ = {};
 }
 

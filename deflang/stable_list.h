@@ -37,7 +37,6 @@ class StableList {
     }
     return blocks_.back().emplace_back(std::move(element));
   }
-  void clear() { blocks_.clear(); }
 
  private:
   static constexpr size_t FIRST_BLOCK = 8;  // elements; a power of two

@@ -59,10 +59,10 @@ TEST(StableList, IsAsBeforeWhereAnElementCannotBeAdded) {
   for (size_t i = 0; i < 200; ++i) EXPECT_EQ(list[i].copies(), static_cast<int>(i) + 999);
 }
 
-TEST(StableList, BeginsAgainWhenItWasCleared) {
+TEST(StableList, BeginsAgainWhenItIsReplaced) {
   StableList<std::unique_ptr<int>> list;
   for (int i = 0; i < 100; ++i) list.add(std::make_unique<int>(i));
-  list.clear();
+  list = {};
   EXPECT_TRUE(list.empty());
   EXPECT_EQ(*list.add(std::make_unique<int>(7)), 7);
   EXPECT_EQ(list.size(), 1U);

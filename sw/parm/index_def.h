@@ -82,7 +82,7 @@ class IndexDef {
   BoundsParm baseBounds_;
   FixedList<ConditionalBounds> conditionalBounds_;
   Seldom<std::map<std::string, std::string>> translations_;
-  std::string name_;  // last, beside what a parameter is asked for with its name
+  std::string name_;  // last, so that a parameter's value stands beside it
 };
 
 /// The full bounds check of one definition, by the rules of an index: translates `value`, corrects

@@ -11,6 +11,7 @@
 #include "deflang/operations.h"
 #include "deflang/operators.h"
 #include "deflang/postfix.h"
+#include "deflang/value_limit.h"
 
 namespace {
 
@@ -61,7 +62,9 @@ struct Held {
 };
 
 int32_t toNumber(const Held& held) {
-  return held.isNumber() ? held.number : leadingNumber(held.view());
+  if (held.isNumber()) return held.number;
+  Work::add(held.size);
+  return leadingNumber(held.view());
 }
 
 // The text of an operand; `digits` holds it where it is made of a number.
@@ -69,6 +72,11 @@ std::string_view toText(const Held& held, std::string& digits) {
   if (!held.isNumber()) return held.view();
   digits = numberText(held.number);
   return digits;
+}
+
+uint64_t comparisonWork(int32_t code, std::string_view left, std::string_view right) {
+  return code == OP_CONTAINS ? left.size() * WORK_PER_SEARCHED_BYTE
+                             : std::min(left.size(), right.size());
 }
 
 }  // namespace
@@ -121,8 +129,10 @@ class Program::Evaluation {
     if (code == OP_CONTAINS || isComparison(code)) {
       std::string leftDigits;
       std::string rightDigits;
-      return left.setNumber(
-          compareTexts(code, toText(left, leftDigits), toText(right, rightDigits)));
+      const std::string_view leftText = toText(left, leftDigits);
+      const std::string_view rightText = toText(right, rightDigits);
+      Work::add(comparisonWork(code, leftText, rightText));
+      return left.setNumber(compareTexts(code, leftText, rightText));
     }
     return left.setNumber(calculate(code, toNumber(left), toNumber(right)));
   }
@@ -140,13 +150,16 @@ class Program::Evaluation {
     std::string rightDigits;
     const std::string_view leftText = toText(left, leftDigits);
     const std::string_view rightText = toText(right, rightDigits);
+    if (leftText.size() + rightText.size() > MAX_VALUE_BYTES) return false;
     JoinedText* const leftJoined = left.isNumber() ? nullptr : left.joined;
     JoinedText* const rightJoined = right.isNumber() ? nullptr : right.joined;
     if (rightJoined != nullptr && (leftJoined == nullptr || leftText.size() < rightText.size())) {
+      Work::add(leftText.size());
       rightJoined->prepend(leftText);
       left.setText(rightJoined->view(), rightJoined);
       return true;
     }
+    Work::add((leftJoined != nullptr ? 0 : leftText.size()) + rightText.size());
     JoinedText* const joined =
         leftJoined != nullptr ? leftJoined : &joined_.emplace_front(leftText);
     joined->append(rightText);
@@ -231,6 +244,8 @@ Value Program::evaluate(const SituationView& situation) const {
   const Held* const held = evaluation.value();
   if (held == nullptr) return {};
   if (held->isNumber()) return {OPERAND_NUMBER, held->number, {}};
+  if (isTooLong(held->view())) return {};
+  Work::add(held->size);
   return {OPERAND_STRING, 0, std::string(held->view())};
 }
 

@@ -9,6 +9,7 @@
 
 #include "deflang/token.h"
 #include "deflang/variables.h"
+#include "deflang/work.h"
 
 /// The result of an evaluation.
 struct Value {
@@ -38,12 +39,16 @@ class Program {
   static Program constant(std::string text);
 
   /// The value in a situation; invalid for the empty program, for an undefined variable that no
-  /// operator absorbs, and as soon as an operator has no result.
+  /// operator absorbs, and as soon as an operator has no result. A text that is too long for a
+  /// value is none.
   [[nodiscard]] Value evaluate(const SituationView& situation) const;
   /// Whether the value in a situation is valid and true.
   [[nodiscard]] bool isTrue(const SituationView& situation) const;
   [[nodiscard]] bool empty() const { return single_.kind == NO_STEP && code_ == nullptr; }
   [[nodiscard]] bool usesVariables() const;
+  /// What an evaluation costs, in units of work. What it does to texts comes on top, and is counted
+  /// where it is done.
+  [[nodiscard]] uint64_t work() const { return WORK_PER_PROGRAM + steps().size() * WORK_PER_STEP; }
 
  private:
   static constexpr int32_t NO_STEP = -1;

@@ -8,6 +8,8 @@
 #include <optional>
 
 #include "deflang/test_expressions.h"
+#include "deflang/value_limit.h"
+#include "deflang/work.h"
 
 // Allocations are counted, because evaluations of numbers promise to do without.
 namespace {
@@ -399,6 +401,83 @@ TEST(Program, TextsAreComparedWithoutAnAllocation) {
 TEST(Value, IsWrittenAsAParameterHoldsIt) {
   EXPECT_EQ((Value{OPERAND_NUMBER, -7, {}}).asText(), "-7");
   EXPECT_EQ((Value{OPERAND_STRING, 0, "auto"}).asText(), "auto");
+}
+
+// What evaluating `text` does to texts, in units of work. "long" holds 1000 times "x".
+uint64_t textWork(const std::string& text) {
+  Variables variables;
+  const Program program = programOf(text, variables);
+  const Bindings bindings = {{"long", std::string(1000, 'x')}, {"n", "5"}};
+  const Situation situation = situationOf(variables, bindings);
+  Work::begin(UINT64_MAX);
+  static_cast<void>(program.isTrue(situation));
+  return Work::done();
+}
+
+TEST(ProgramWork, CountsWhatIsDoneToTexts) {
+  const std::pair<const char*, uint64_t> cases[] = {
+      {"n + 1 < n * 2", 0},
+      {"long", 0},
+      {"undefined + long", 1000},  // what number it begins with
+      {"undefined || long", 1000},
+      {"long == long", 1000},
+      {"long == \"xy\"", 2},
+      {"long < n", 1},
+      {"long $ \"y\"", 4000},
+      {"\"y\" $ long", 4},
+      {"long - 1", 1000},
+      {"long + n", 1001},
+      {"n + long", 1001},
+      {"long + n + n + n", 1003},  // a text that was made is not copied again
+      {"n + (n + (n + long))", 1003},
+  };
+  for (const auto& [text, units] : cases) EXPECT_EQ(textWork(text), units) << text;
+}
+
+TEST(ProgramWork, OfStepsIsKnownBefore) {
+  const std::pair<const char*, uint64_t> cases[] = {
+      {"1", 7}, {"n", 7}, {"\"x\"", 7}, {"n + 1", 11}, {"(n + 1) * (n - 1)", 19}};
+  for (const auto& [text, units] : cases) {
+    Variables variables;
+    EXPECT_EQ(programOf(text, variables).work(), units) << text;
+  }
+}
+
+TEST(ProgramWork, EndsAnEvaluationWhereTheBudgetIsPassed) {
+  Variables variables;
+  const Program program = programOf("long $ \"y\"", variables);
+  const Bindings bindings = {{"long", std::string(1000, 'x')}};
+  const Situation situation = situationOf(variables, bindings);
+  Work::begin(3999);
+  EXPECT_THROW(static_cast<void>(program.evaluate(situation)), WorkExceeded);
+  Work::begin(4000);
+  EXPECT_EQ(shown(program.evaluate(situation)), "0");
+  Work::begin(UINT64_MAX);
+}
+
+TEST(Program, HasNoValueLongerThanAValueMayBe) {
+  const std::string longest(MAX_VALUE_BYTES, 'x');
+  const Bindings bindings = {{"longest", longest}, {"shorter", longest.substr(1)}};
+  struct LongCase {
+    const char* text;
+    std::optional<size_t> size;
+  };
+  const LongCase cases[] = {
+      {"longest", MAX_VALUE_BYTES},
+      {"shorter + 5", MAX_VALUE_BYTES},
+      {"5 + shorter", MAX_VALUE_BYTES},
+      {"longest + 5", std::nullopt},
+      {"5 + longest", std::nullopt},
+      {"longest + 5 == 5", std::nullopt},  // what has no value makes the whole have none
+      {"longest + \"\"", MAX_VALUE_BYTES},
+  };
+  for (const LongCase& c : cases) {
+    Variables variables;
+    const Program program = programOf(c.text, variables);
+    const Value value = program.evaluate(situationOf(variables, bindings));
+    EXPECT_EQ(value.valid(), c.size.has_value()) << c.text;
+    EXPECT_EQ(value.text.size(), c.size.value_or(0)) << c.text;
+  }
 }
 
 }  // namespace

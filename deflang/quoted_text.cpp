@@ -1,6 +1,9 @@
 #include "deflang/quoted_text.h"
 
+#include <algorithm>
 #include <utility>
+
+#include "deflang/value_limit.h"
 
 bool QuotedText::open(Cursor& cursor) {
   if (!cursor.rest().starts_with(opening_)) return false;
@@ -12,6 +15,7 @@ bool QuotedText::open(Cursor& cursor) {
 int QuotedText::read(Cursor& cursor) {
   std::string_view rest = cursor.rest();
   const size_t end = rest.find(closing_);
+  if (earlier_.size() + std::min(end, rest.size()) > MAX_VALUE_BYTES) return PARSE_SYNTAX_ERROR;
   open_ = end == std::string_view::npos;
   if (open_) {
     cursor.advance(rest.size());

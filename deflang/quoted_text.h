@@ -18,7 +18,7 @@ class QuotedText {
   /// Whether the closing sign is still to come. White space then belongs to the text.
   [[nodiscard]] bool isOpen() const { return open_; }
   /// Reads an open text. Returns PARSE_DONE after the closing sign, PARSE_CONTINUES when the line
-  /// ends before it.
+  /// ends before it, and PARSE_SYNTAX_ERROR, without going on, for more than MAX_VALUE_BYTES.
   int read(Cursor& cursor);
   /// Hands over the text that was read.
   std::string_view take();

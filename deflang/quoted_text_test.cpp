@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "deflang/reader_testing.h"
+#include "deflang/value_limit.h"
 
 namespace {
 
@@ -73,6 +74,31 @@ TEST(QuotedText, ForgetsAnUnfinishedTextOnReset) {
   EXPECT_FALSE(text.isOpen());
   EXPECT_EQ(readText(text, {"\"two\""}), (Stop{PARSE_DONE, 1, 5}));
   EXPECT_EQ(text.take(), "two");
+}
+
+TEST(QuotedText, IsNoLongerThanAValueMayBe) {
+  const std::string longest(MAX_VALUE_BYTES, 'x');
+  const std::string fits = "\"" + longest + "\"";
+  const std::string half = longest.substr(longest.size() / 2);
+  struct Case {
+    const char* subject;
+    std::vector<std::string_view> lines;
+    Stop stop;
+  };
+  const std::string tooLong = "\"x" + longest + "\"";
+  const std::string neverClosed = "\"" + half;
+  const Case cases[] = {
+      {"longest", {fits}, {PARSE_DONE, 1, MAX_VALUE_BYTES + 2}},
+      {"longer by one", {tooLong}, {PARSE_SYNTAX_ERROR, 1, 1}},
+      {"two halves", {neverClosed, half, "\""}, {PARSE_DONE, 3, 1}},
+      {"two halves and one", {neverClosed, half, "x\""}, {PARSE_SYNTAX_ERROR, 3, 0}},
+      {"never closed", {neverClosed, half, "x"}, {PARSE_SYNTAX_ERROR, 3, 0}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.subject);
+    QuotedText text;
+    EXPECT_EQ(readText(text, c.lines), c.stop);
+  }
 }
 
 }  // namespace

@@ -86,6 +86,10 @@ ParmEntry* Database::findParm(std::string_view base, size_t hash) {
   return found ? &parms_[*found] : nullptr;
 }
 
+ParmEntry* Database::findNamed(std::string_view name) {
+  return hasTooLongPart(name) ? nullptr : findParm(baseName(name));
+}
+
 IndexEntry* Database::findIndexEntry(std::string_view name) {
   const auto found = indices_.find(name);
   return found == indices_.end() ? nullptr : &found->second;

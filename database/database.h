@@ -68,7 +68,10 @@ class Database final : public DefinitionRegistry {
 
   /// The parameter of a base name, or null.
   [[nodiscard]] ParmEntry* findParm(std::string_view base);
-  /// The same with what prepareParm() gave for the name.
+  /// The parameter that a full name, as clients give them, begins with, or null. A name with a
+  /// part that is too long names none.
+  [[nodiscard]] ParmEntry* findNamed(std::string_view name);
+  /// As findParm(), with what prepareParm() gave for the name.
   [[nodiscard]] ParmEntry* findParm(std::string_view base, size_t hash);
   /// Prepares a findParm() that is still some way off: where many names are looked up, most of the
   /// time goes by waiting for memory. Gives the name's hash for it.

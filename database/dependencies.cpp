@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "database/gather.h"
+#include "deflang/work.h"
 #include "sw/parm/parm_name.h"
 
 namespace {
@@ -28,10 +29,11 @@ IndexTuple readIndices(const VariableSource& source, const Reader& reader) {
 
 // The name of `source` as `reader` reads it.
 std::string qualifiedName(const VariableSource& source, const Reader& reader) {
-  if (source.parm == nullptr || source.qualified) {
-    return std::string(source.name);
-  }
-  return fullName(source.name, readIndices(source, reader));
+  std::string name = source.parm == nullptr || source.qualified
+                         ? std::string(source.name)
+                         : fullName(source.name, readIndices(source, reader));
+  Work::add(WORK_PER_VALUE_BYTE * name.size());
+  return name;
 }
 
 // How many bytes the names take together.
@@ -62,7 +64,9 @@ class ReferenceWalk {
     while (!open_.empty()) {
       const auto [entry, reader] = open_.back();
       open_.pop_back();
+      Work::spendOn(entry->parm.name());
       for (const VariableSource& source : entry->sources) {
+        Work::add(WORK_PER_REFERENCE);
         const bool isStart = entry != start_ && source.parm == start_ && !source.qualified;
         if (source.name == THIS_VALUE || isStart || !read_.insert({&source, reader}).second) {
           continue;
@@ -121,8 +125,8 @@ bool fits(const ParmDef& parm, const IndexTuple& indices) {
 
 // Finds the parameter that a walk starts from. Returns a dependenciesResult_t.
 int findStart(Database& database, std::string_view name, bool withIndices, Reader& start) {
-  ParmName parts = withIndices ? splitName(name) : ParmName{std::string(name), {}};
-  start = {database.findParm(parts.base), std::move(parts.indices)};
+  start = withIndices ? Reader{database.findNamed(name), splitName(name).indices}
+                      : Reader{database.findParm(name), {}};
   if (start.parm == nullptr) {
     return DEPENDENCIES_NO_PARAMETER;
   }
@@ -174,8 +178,10 @@ int dependencyInstances(Database& database, std::string_view name, std::vector<I
     if (source.parm == nullptr) {
       return bytes.add(others.insert(source.name).second ? source.name.size() : 0);
     }
-    const auto [place, isNew] = instances.insert({source.parm, readIndices(source, reader)});
-    return bytes.add(isNew ? nameBytes(*place) : 0);
+    const Instance instance{source.parm, readIndices(source, reader)};
+    const size_t length = nameBytes(instance);
+    Work::add(WORK_PER_VALUE_BYTE * length);
+    return bytes.add(instances.insert(instance).second ? length : 0);
   };
   if (!ReferenceWalk(std::move(start), false).run(take)) {
     return DEPENDENCIES_TOO_LARGE;

@@ -4,6 +4,7 @@
 
 #include "database/range_query.h"
 #include "database/test_database.h"
+#include "deflang/value_limit.h"
 #include "sw/parm/parm_name.h"
 
 namespace {
@@ -125,54 +126,71 @@ TEST(DependencyInstances, AreNoneOfWhatIsNoInstance) {
   EXPECT_TRUE(instances.empty());
 }
 
-// Two names, each with the index value that the client gives.
-constexpr std::string_view LONG_TEXT = R"(
-any index { }
-p rw { index { any } }
-q rw { index { any } }
-k rw { index { any } ctrlRO (p == 1 && q == 1) }
-alone rw { index { any } }
-)";
+// So many names are given the index value of a client that they fill a message where it is as long
+// as a value may be, their own signs included.
+constexpr int MANY = 32;
+
+std::string manyNames(std::string_view between, std::string_view behind = "") {
+  std::string text;
+  for (int i = 0; i < MANY; ++i) {
+    text.append(i == 0 ? "" : between).append("q").append(std::to_string(10 + i)).append(behind);
+  }
+  return text;
+}
+
+// `once` names each of them once, `figures` also by figures of the standards that they select.
+std::string longText() {
+  return "any index { }\n" + manyNames("", " rw { index { any } }\n") +
+         "once rw { index { any } ctrlRO (" + manyNames(" == ") + ") }\n" +
+         "figures rw { index { any } ctrlRO (" + manyNames(" == ") +
+         " == vidStd::q10::spal == vidStd::q10::alpf) }\nalone rw { index { any } }\n";
+}
+
+std::string longValue() {
+  constexpr size_t NAME_BYTES = std::string_view("q10[]").size();
+  return std::string(MAX_DEPENDENCY_BYTES / MANY - NAME_BYTES, 'x');
+}
 
 TEST(Dependencies, AreNoLongerAllTogetherThanFitsIntoAMessage) {
   Database database;
-  define(database, LONG_TEXT);
-  const std::string value(MAX_DEPENDENCY_BYTES / 2 - std::string_view("p[]").size(), 'x');
+  define(database, longText());
   Names names;
-  EXPECT_EQ(dependencies(database, "k[" + value + "]", true, names), DEPENDENCIES_FOUND);
-  EXPECT_TRUE(names == (Names{"p[" + value + "]", "q[" + value + "]"}));
+  EXPECT_EQ(dependencies(database, "once[" + longValue() + "]", true, names), DEPENDENCIES_FOUND);
+  EXPECT_EQ(names.size(), MANY);
+  EXPECT_TRUE(*names.begin() == "q10[" + longValue() + "]");
   names.clear();
-  EXPECT_EQ(dependencies(database, "k[x" + value + "]", true, names), DEPENDENCIES_TOO_LARGE);
+  EXPECT_EQ(dependencies(database, "once[x" + longValue() + "]", true, names),
+            DEPENDENCIES_TOO_LARGE);
 }
 
-TEST(Dependencies, BoundRangeQueriesToo) {
+TEST(Dependencies, BoundRangeQueriesAndCountForThemOnceAndWithoutTheTarget) {
   Database database;
-  define(database, LONG_TEXT);
-  const std::string value(MAX_DEPENDENCY_BYTES / 2, 'x');
-  const StagedValues staged;
-  BoundsParm range;
-  EXPECT_EQ(queryRange(database, staged, "k[" + value + "]", range), RANGE_TOO_LARGE);
-  EXPECT_EQ(queryRange(database, staged, "alone[" + value + "]", range), RANGE_FOUND);
-  EXPECT_EQ(queryRange(database, staged, "k[x]", range), RANGE_FOUND);
-}
-
-TEST(Dependencies, CountForARangeQueryOnceAndWithoutTheTarget) {
-  Database database;
-  define(database, R"(
-any index { }
-q rw { index { any } }
-once rw { index { any } ctrlRO (q == 1) }
-figures rw { index { any } ctrlRO (q == 1 || vidStd::q::spal == 1 || vidStd::q::alpf == 1) }
-)");
-  const std::string value(MAX_DEPENDENCY_BYTES - std::string_view("q[]").size(), 'x');
+  define(database, longText());
   const StagedValues staged;
   BoundsParm range;
   for (const char* name : {"once", "figures"}) {
     SCOPED_TRACE(name);
     const std::string start = std::string(name) + "[";
-    EXPECT_EQ(queryRange(database, staged, start + value + "]", range), RANGE_FOUND);
-    EXPECT_EQ(queryRange(database, staged, start + "x" + value + "]", range), RANGE_TOO_LARGE);
+    EXPECT_EQ(queryRange(database, staged, start + longValue() + "]", range), RANGE_FOUND);
+    EXPECT_EQ(queryRange(database, staged, start + "x" + longValue() + "]", range),
+              RANGE_TOO_LARGE);
+    EXPECT_EQ(queryRange(database, staged, start + "x]", range), RANGE_FOUND);
   }
+  EXPECT_EQ(queryRange(database, staged, "alone[x" + longValue() + "]", range), RANGE_FOUND);
+}
+
+TEST(Dependencies, OfANameWithAPartThatIsTooLongAreThoseOfNoParameter) {
+  Database database;
+  define(database, longText());
+  const std::string longest(MAX_VALUE_BYTES, 'x');
+  const StagedValues staged;
+  Names names;
+  BoundsParm range;
+  EXPECT_EQ(dependencies(database, "alone[" + longest + "]", true, names), DEPENDENCIES_FOUND);
+  EXPECT_EQ(dependencies(database, "alone[" + longest + "x]", true, names),
+            DEPENDENCIES_NO_PARAMETER);
+  EXPECT_EQ(queryRange(database, staged, "alone[" + longest + "]", range), RANGE_FOUND);
+  EXPECT_EQ(queryRange(database, staged, "alone[" + longest + "x]", range), RANGE_INVALID_NAME);
 }
 
 }  // namespace

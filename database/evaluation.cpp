@@ -3,8 +3,11 @@
 #include <string>
 
 #include "database/gather.h"
+#include "deflang/work.h"
 
 setOutcome_t evaluate(StagedEntry& entry, const StagedValues& staged, bool dryRun) {
+  Work::spendOn(entry.parm->parm.name());
+  Work::add(entry.parm->parm.evaluationWork() + WORK_PER_VALUE_BYTE * entry.value.text().size());
   std::string value = entry.value.text();
   const setMode_t mode{entry.status, dryRun, entry.generated, entry.held};
   const setOutcome_t outcome = setValue(entry.parm->parm, value, entry.indices,

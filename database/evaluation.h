@@ -8,7 +8,7 @@
 /// holds afterwards: the value as corrected, or the committed one when it was refused, so that
 /// nobody who depends on it sees a refused value. An instance that does not exist and that no
 /// client staged is passed over: the result is then that of a stored value. In a dry run nothing is
-/// stored.
+/// stored. Counts the work, and raises WorkExceeded, before it does anything.
 setOutcome_t evaluate(StagedEntry& entry, const StagedValues& staged, bool dryRun);
 
 /// Gives an entry what its parameter holds, forced, as if nobody had staged anything.

@@ -6,6 +6,7 @@
 
 #include "database/gather.h"
 #include "deflang/number.h"
+#include "deflang/work.h"
 #include "sw/parm/present_bounds.h"
 
 namespace {
@@ -55,22 +56,33 @@ class TurningPoints {
   std::vector<int64_t> points_;  // ascending
 };
 
+// Adds a run that begins behind all that were accepted.
+void appendRun(Spans& accepted, int64_t first, int64_t last) {
+  const auto low = static_cast<int32_t>(first);
+  const auto high = static_cast<int32_t>(last);
+  if (!accepted.empty() && int64_t{accepted.back().second} + 1 == first) {
+    accepted.back().second = high;
+  } else {
+    accepted.emplace_back(low, high);
+  }
+}
+
 // Of each run one number is asked for all, so the spans may be as long as they like.
 Spans acceptedNumbers(const IndexDef& index, const Situation& situation) {
+  Work::add(index.judgingWork());
   const TurningPoints points(index, situation);
-  BoundsInteger accepted;
+  Spans accepted;
   for (const Span& span : index.baseBounds().integers().spans()) {
     for (int64_t number = span.first; number <= span.second;) {
+      Work::add(WORK_PER_ITEM + index.judgingWork());
       const int64_t last = points.runEnd(number, span.second);
       if (index.checkValue(numberText(static_cast<int32_t>(number)), situation)) {
-        // A run is never empty, so it cannot be refused.
-        static_cast<void>(
-            accepted.addSpan(static_cast<int32_t>(number), static_cast<int32_t>(last)));
+        appendRun(accepted, number, last);
       }
       number = last + 1;
     }
   }
-  return accepted.spans();
+  return accepted;
 }
 
 }  // namespace
@@ -79,6 +91,8 @@ std::vector<std::string> validIndices(Database& database, const StagedValues& st
                                       const ParmDef& parm) {
   std::vector<std::string> names;
   for (const IndexDef* index : parm.indices()) {
+    Work::spendOn(index->name());
+    Work::add(index->judgingWork() + index->variables().size() * WORK_PER_NAME);
     if (index->isValid(gather(*database.findIndexEntry(index->name()), staged))) {
       names.push_back(index->name());
     }
@@ -93,12 +107,15 @@ int indexRange(Database& database, const StagedValues& staged, const std::string
     return INDEX_RANGE_NO_INDEX;
   }
   const IndexDef& index = *entry->index;
+  Work::spendOn(index.name());
+  Work::add(index.judgingWork() + index.variables().size() * WORK_PER_NAME);
   const Situation situation = gather(*entry, staged);
   if (!index.isValid(situation)) {
     return INDEX_RANGE_NOT_VALID;
   }
   spans = acceptedNumbers(index, situation);
   for (const std::string& text : index.baseBounds().strings().texts()) {
+    Work::add(WORK_PER_ITEM + WORK_PER_VALUE_BYTE * text.size() + index.judgingWork());
     if (index.checkValue(text, situation)) {
       texts.push_back(text);
     }

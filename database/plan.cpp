@@ -6,6 +6,8 @@
 
 #include "database/index_values.h"
 #include "deflang/put_in_order.h"
+#include "deflang/system_log.h"
+#include "deflang/work.h"
 
 namespace {
 
@@ -20,7 +22,40 @@ bool isSame(const PlanStep& a, const PlanStep& b) {
   return a.level == b.level && a.entry == b.entry;
 }
 
-// Every parameter that depends on one of `open`, each once, in the order of a plan.
+// The steps of what is staged. `changing` receives the parameters that others depend on.
+Plan planStaged(const std::vector<StagedEntry*>& entries, std::vector<ParmEntry*>& changing) {
+  Plan plan;
+  for (StagedEntry* entry : entries) {
+    const bool hasDependents = !entry->parm->dependents.empty();
+    plan.push_back({hasDependents ? entry->parm->level : 0, entry->parm->rank, entry});
+    if (hasDependents && (changing.empty() || changing.back() != entry->parm)) {
+      changing.push_back(entry->parm);
+    }
+  }
+  return plan;
+}
+
+}  // namespace
+
+Extent extentOf(std::span<ParmEntry* const> parms) {
+  Extent extent;
+  for (const ParmEntry* entry : parms) {
+    const uint64_t instances = countInstances(entry->parm);
+    extent.instances = addedWork(extent.instances, instances);
+    extent.work = addedWork(extent.work, multipliedWork(instances, entry->parm.evaluationWork()));
+  }
+  return extent;
+}
+
+std::string limitPassedBy(const Extent& extent) {
+  if (extent.instances > MAX_PLANNED_INSTANCES) {
+    return std::to_string(extent.instances) + " dependent instances, " +
+           std::to_string(MAX_PLANNED_INSTANCES) + " allowed";
+  }
+  return Work::allows(extent.work) ? ""
+                                   : workText(addedWork(Work::done(), extent.work), Work::budget());
+}
+
 std::vector<ParmEntry*> dependentsOf(Database& database, std::vector<ParmEntry*> open) {
   const uint32_t walk = database.newWalk();
   std::vector<ParmEntry*> dependents;
@@ -40,18 +75,6 @@ std::vector<ParmEntry*> dependentsOf(Database& database, std::vector<ParmEntry*>
   return dependents;
 }
 
-// How many instances `parms` have together; nothing where they are too many to be planned.
-std::optional<size_t> plannedInstances(const std::vector<ParmEntry*>& parms) {
-  uint64_t count = 0;
-  const bool areTooMany = std::any_of(parms.begin(), parms.end(), [&](const ParmEntry* parm) {
-    return __builtin_add_overflow(count, countInstances(parm->parm), &count) ||
-           count > MAX_PLANNED_INSTANCES;
-  });
-  return areTooMany ? std::nullopt : std::optional<size_t>(count);
-}
-
-}  // namespace
-
 void sortPlan(Plan& plan) {
   putInOrder(plan, comesBefore);
   plan.erase(std::unique(plan.begin(), plan.end(), isSame), plan.end());
@@ -68,22 +91,20 @@ std::span<const PlanStep> firstLevel(std::span<const PlanStep> plan,
 }
 
 std::optional<Plan> planCommit(Database& database, StagedValues& staged) {
-  Plan plan;
   std::vector<ParmEntry*> changing;
-  for (StagedEntry* entry : staged.inNameOrder()) {
-    const bool hasDependents = !entry->parm->dependents.empty();
-    plan.push_back({hasDependents ? entry->parm->level : 0, entry->parm->rank, entry});
-    if (hasDependents && (changing.empty() || changing.back() != entry->parm)) {
-      changing.push_back(entry->parm);
-    }
-  }
+  const std::vector<StagedEntry*> entries = staged.inNameOrder();
+  Plan plan = planStaged(entries, changing);
   const std::vector<ParmEntry*> dependents = dependentsOf(database, std::move(changing));
-  const std::optional<size_t> count = plannedInstances(dependents);
-  if (!count) {
+  Extent extent = extentOf(dependents);
+  for (const StagedEntry* entry : entries) {
+    extent.work = addedWork(extent.work, entry->parm->parm.evaluationWork());
+  }
+  if (const std::string limit = limitPassedBy(extent); !limit.empty()) {
+    logError("commit: ERROR \"" + entries.front()->parm->parm.name() + "\": " + limit);
     return std::nullopt;
   }
-  staged.makeRoom(*count);
-  plan.reserve(plan.size() + *count);
+  staged.makeRoom(extent.instances);
+  plan.reserve(plan.size() + extent.instances);
   for (ParmEntry* dependent : dependents) {
     size_t number = 0;
     forEachInstance(database, dependent->parm, [&](const IndexTuple& indices) {

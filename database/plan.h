@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "database/staged_values.h"
@@ -24,13 +25,26 @@ void sortPlan(Plan& plan);
 std::span<const PlanStep> firstLevel(std::span<const PlanStep> plan,
                                      std::span<const PlanStep>& rest);
 
-/// How many instances one commit may re-evaluate by itself. Each takes some hundred bytes and some
-/// microseconds, during which nobody else is served.
+/// How many instances one commit may re-evaluate by itself. Each takes some hundred bytes.
 constexpr uint64_t MAX_PLANNED_INSTANCES = 1'000'000;
+
+/// What it takes to evaluate all instances of some parameters.
+struct Extent {
+  uint64_t instances = 0;
+  uint64_t work = 0;  ///< in units, beside what is done to texts; at most
+};
+Extent extentOf(std::span<ParmEntry* const> parms);
+
+/// Which limit of a commit `extent` passes, MAX_PLANNED_INSTANCES or what the request may still
+/// take of work, in words for the system log; empty where it passes none.
+std::string limitPassedBy(const Extent& extent);
+
+/// Every parameter that depends on one of `open`, each once, in the order of a plan.
+std::vector<ParmEntry*> dependentsOf(Database& database, std::vector<ParmEntry*> open);
 
 /// Plans the commit of what is staged: each staged entry at its parameter's level, or at level 0
 /// when nothing depends on the parameter, and every instance of every parameter that depends on a
 /// staged one, directly or through others, at its level. Instances that nobody staged are staged
-/// with their committed value. Nothing when those would be more than MAX_PLANNED_INSTANCES; nobody
-/// is staged then.
+/// with their committed value. Nothing when that passes a limit; nobody is staged then, and the
+/// system log says why.
 std::optional<Plan> planCommit(Database& database, StagedValues& staged);

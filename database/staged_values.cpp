@@ -1,9 +1,11 @@
 #include "database/staged_values.h"
 
 #include <algorithm>
+#include <bit>
 #include <functional>
 #include <utility>
 
+#include "deflang/work.h"
 #include "sw/parm/parm_name.h"
 
 namespace {
@@ -90,6 +92,7 @@ StagedEntry& StagedValues::stageNumbered(ParmEntry& parm, const IndexTuple& indi
 }
 
 std::vector<StagedEntry*> StagedValues::inNameOrder() {
+  Work::add(entries_.size() * std::bit_width(entries_.size()) * WORK_PER_COMPARISON);
   std::vector<std::pair<std::string, StagedEntry*>> named;
   named.reserve(entries_.size());
   for (size_t i = 0; i < entries_.size(); ++i) {

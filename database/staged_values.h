@@ -45,7 +45,7 @@ class StagedValues {
   StagedEntry& stageNumbered(ParmEntry& parm, const IndexTuple& indices, size_t number);
   /// Makes room for `more` entries.
   void makeRoom(size_t more) { positions_.makeRoom(more); }
-  /// The entries here, ascending by full name.
+  /// The entries here, ascending by full name. Counts the work.
   [[nodiscard]] std::vector<StagedEntry*> inNameOrder();
   [[nodiscard]] bool empty() const { return entries_.empty(); }
   void clear();

@@ -1,8 +1,10 @@
 #include "database/transaction.h"
 
+#include "deflang/work.h"
 #include "sw/parm/parm_name.h"
 
 int Transaction::set(std::string_view name, const std::string& value, bool status) {
+  Work::add(stagingWork(name, value));
   StagedEntry* entry = stage(name);
   if (entry == nullptr) {
     return STAGE_INVALID_NAME;
@@ -17,6 +19,7 @@ int Transaction::set(std::string_view name, const std::string& value, bool statu
 }
 
 int Transaction::reset(std::string_view name, bool status) {
+  Work::add(stagingWork(name, {}));
   StagedEntry* entry = stage(name);
   if (entry == nullptr) {
     return STAGE_INVALID_NAME;
@@ -41,7 +44,8 @@ int Transaction::get(std::string_view name, std::string& value) const {
 const std::string* Transaction::find(std::string_view name) const { return find(prepare(name)); }
 
 const std::string* Transaction::find(const PreparedName& name) const {
-  if (name.name == THIS_VALUE) {
+  Work::add(WORK_PER_REQUEST + name.name.size());
+  if (name.name == THIS_VALUE || hasTooLongPart(name.name)) {
     return nullptr;
   }
   const ParmEntry* const parm = database_.findParm(name.base, name.hash);
@@ -58,12 +62,13 @@ PreparedName Transaction::prepare(std::string_view name) const {
 }
 
 bool Transaction::validate(std::string_view name, const std::string& value) const {
-  const ParmEntry* parm = database_.findParm(baseName(name));
+  Work::add(stagingWork(name, value));
+  const ParmEntry* parm = database_.findNamed(name);
   return parm != nullptr && parm->parm.checkBase(value);
 }
 
 StagedEntry* Transaction::stage(std::string_view name) {
-  ParmEntry* parm = database_.findParm(baseName(name));
+  ParmEntry* parm = database_.findNamed(name);
   return parm == nullptr ? nullptr : &staged_.stage(*parm, splitName(name).indices, false);
 }
 

@@ -8,6 +8,7 @@
 
 #include "database/database.h"
 #include "database/staged_values.h"
+#include "deflang/work.h"
 
 /// Results of set and reset.
 enum stageResult_t : int {
@@ -22,6 +23,11 @@ struct PreparedName {
   std::string_view base;
   size_t hash;  ///< of the base name
 };
+
+/// What it costs to stage `value` for the instance `name`, in units of work.
+constexpr uint64_t stagingWork(std::string_view name, std::string_view value) {
+  return WORK_PER_REQUEST + WORK_PER_VALUE_BYTE * (name.size() + value.size());
+}
 
 class Transaction {
  public:

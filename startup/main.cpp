@@ -2,6 +2,7 @@
 #include <malloc.h>
 
 #include "database/database.h"
+#include "database/largest_change.h"
 #include "startup/command_line.h"
 #include "startup/constants.h"
 #include "startup/definition_reader.h"
@@ -19,6 +20,7 @@ int main(int argc, char** argv) {
   });
   const int result = readDefinitions(stdin, database);
   if (result != 0) return result;
+  reportLargestChange(database);
   malloc_trim(0);  // what reading took goes back to the system, or it would stay for good
   return runService(database, commandLine.busSuffix, commandLine.daemonize, commandLine.pathSuffix);
 }

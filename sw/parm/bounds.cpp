@@ -165,6 +165,14 @@ bool BoundsExpression::isConsistent() const {
   });
 }
 
+uint64_t BoundsExpression::work() const {
+  uint64_t units = 0;
+  for (const Item& item : items_) {
+    units += WORK_PER_ITEM + item.lower.work() + (item.upper ? item.upper->work() : 0);
+  }
+  return units;
+}
+
 int BoundsExpression::evaluate(BoundsParm& out, std::span<const Item> items,
                                const SituationView& situation) {
   for (const Item& item : items) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <set>
 #include <span>
@@ -133,6 +134,8 @@ class BoundsExpression final : public Bounds {
   [[nodiscard]] size_t count() const override { return items_.size(); }
   void clear() override { items_.clear(); }
   void addItem(Item item) { items_.push_back(std::move(item)); }
+  /// What evaluate() costs, in units of work, beside the texts.
+  [[nodiscard]] uint64_t work() const;
   /// Adds what the items are in a situation to `out`, in order, up to the first that fails.
   /// Returns 0; -1 when a lower or upper program is empty; -2 when a lower value is neither a
   /// number nor a text; -3 when a lower value with an upper one is no number; -4 when an upper

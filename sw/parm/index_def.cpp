@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cassert>
 
+#include "deflang/value_limit.h"
 #include "sw/parm/present_bounds.h"
 
 void noteKinds(std::span<ConditionalBounds> list) {
@@ -13,6 +14,21 @@ void noteKinds(std::span<ConditionalBounds> list) {
   }
 }
 
+uint64_t workOf(std::span<const ConditionalBounds> list) {
+  uint64_t units = 0;
+  for (const ConditionalBounds& entry : list) {
+    units += WORK_PER_CANDIDATE + entry.condition.work();
+    if (entry.computed != nullptr) units += entry.computed->work();
+  }
+  return units;
+}
+
+uint64_t workOf(std::span<const Program> programs) {
+  uint64_t units = 0;
+  for (const Program& program : programs) units += program.work();
+  return units;
+}
+
 IndexDef::IndexDef(DefinitionParts parts)
     : variables_(std::move(parts.variables)),
       validityConditions_(std::move(parts.validityConditions)),
@@ -20,10 +36,12 @@ IndexDef::IndexDef(DefinitionParts parts)
       conditionalBounds_(std::move(parts.conditionalBounds)),
       name_(std::move(parts.name)) {
   noteKinds(conditionalBounds_.all());
+  judgingWork_ = fittingWork(countJudgingWork());
   if (!parts.translations.empty()) translations_.change() = std::move(parts.translations);
 }
 
 bool IndexDef::checkBase(std::string value) const {
+  if (isTooLong(value)) return false;
   translate(value);
   return baseBounds_.check(value, true);
 }
@@ -36,6 +54,15 @@ bool IndexDef::isValid(const SituationView& situation) const {
   const std::span<const Program> conditions = validityConditions_.all();
   return std::all_of(conditions.begin(), conditions.end(),
                      [&](const Program& condition) { return condition.isTrue(situation); });
+}
+
+uint64_t IndexDef::countJudgingWork() const {
+  size_t longest = 0;
+  for (const std::string& text : baseBounds_.strings().texts()) {
+    longest = std::max(longest, text.size());
+  }
+  return workOf(validityConditions_.all()) + workOf(conditionalBounds()) +
+         WORK_PER_VALUE_BYTE * longest;
 }
 
 void IndexDef::translate(std::string& value) const {

@@ -13,6 +13,7 @@
 #include "deflang/program.h"
 #include "deflang/seldom.h"
 #include "deflang/variables.h"
+#include "deflang/work.h"
 #include "sw/parm/bounds.h"
 
 /// Bounds that count while a condition is true: a BoundsParm, or a BoundsExpression for a run-time
@@ -25,6 +26,12 @@ struct ConditionalBounds {
   const BoundsExpression* computed = nullptr;
   const BoundsParm* constant = nullptr;
 };
+
+/// What it costs to tell which of `list` apply, in units of work, beside the texts.
+uint64_t workOf(std::span<const ConditionalBounds> list);
+
+/// What it costs to evaluate each of `programs`.
+uint64_t workOf(std::span<const Program> programs);
 
 /// Notes in each of `list` whether it is a run-time range.
 void noteKinds(std::span<ConditionalBounds> list);
@@ -66,6 +73,9 @@ class IndexDef {
   [[nodiscard]] std::span<const ConditionalBounds> conditionalBounds() const {
     return conditionalBounds_.all();
   }
+  /// What it costs to judge one value in one situation, in units of work; of the texts of values
+  /// only those of an index's own are in it.
+  [[nodiscard]] uint64_t judgingWork() const { return judgingWork_; }
   /// Whether the base bounds alone tell which values there are, whatever the situation: no
   /// conditions, no translations.
   [[nodiscard]] bool isPlain() const {
@@ -77,8 +87,12 @@ class IndexDef {
   [[nodiscard]] Variables& ownVariables() { return variables_; }
 
  private:
+  [[nodiscard]] uint64_t countJudgingWork() const;
+
   Variables variables_;
-  FixedList<Program> validityConditions_;
+  // Leaves four bytes to the next member: there are many definitions.
+  [[no_unique_address]] FixedList<Program> validityConditions_;
+  uint32_t judgingWork_;
   BoundsParm baseBounds_;
   FixedList<ConditionalBounds> conditionalBounds_;
   Seldom<std::map<std::string, std::string>> translations_;

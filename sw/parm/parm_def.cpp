@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "deflang/value_limit.h"
 #include "sw/parm/parm_name.h"
 
 ParmDef::ParmDef(DefinitionParts parts, ParmParts parmParts)
@@ -26,6 +27,17 @@ ParmDef::ParmDef(DefinitionParts parts, ParmParts parmParts)
   hasRunTimeRanges_ =
       std::any_of(conditionalBounds().begin(), conditionalBounds().end(),
                   [](const ConditionalBounds& bounds) { return bounds.computed != nullptr; });
+  evaluationWork_ = fittingWork(countEvaluationWork());
+}
+
+uint64_t ParmDef::countEvaluationWork() const {
+  uint64_t units = WORK_PER_INSTANCE + judgingWork() + usedNames_ * WORK_PER_NAME +
+                   workOf(readOnlyConditions_.all());
+  for (const IndexDef* index : indices()) units += WORK_PER_NAME + index->judgingWork();
+  for (const ConstraintRule& rule : constraintRules()) {
+    units += 2 * (rule.condition.work() + rule.test.work()) + rule.correction.work();
+  }
+  return units;
 }
 
 void ParmDef::takeIndexNames() {
@@ -44,6 +56,7 @@ void ParmDef::takeIndexNames() {
 bool ParmDef::hasConstraints() const { return hasRunTimeRanges_ || !constraintRules().empty(); }
 
 bool ParmDef::checkBase(std::string value) const {
+  if (isTooLong(value)) return false;
   return hasConstraints() || IndexDef::checkBase(std::move(value));
 }
 
@@ -72,6 +85,7 @@ int ParmDef::defaultValue(std::string& value, const IndexTuple& indices,
     bindIndex(situation, i, indices[i]);
   }
   for (const ConditionalDefault& candidate : defaults_.all()) {
+    Work::add(candidate.condition.work() + candidate.value.work());
     if (!candidate.condition.isTrue(situation)) {
       continue;
     }
@@ -87,6 +101,7 @@ int ParmDef::defaultValue(std::string& value, const IndexTuple& indices,
 
 int ParmDef::range(BoundsParm& out, const SituationView& situation) const {
   for (const auto& list : {std::span(documentedRanges_.get()), conditionalBounds()}) {
+    Work::add(workOf(list));
     for (const ConditionalBounds& candidate : list) {
       if (!candidate.condition.isTrue(situation)) {
         continue;

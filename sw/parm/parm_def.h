@@ -86,6 +86,10 @@ class ParmDef final : public IndexDef {
     return std::span(variables().names()).first(usedNames_);
   }
 
+  /// What it costs to evaluate one instance, in units of work, beside what is done to its texts: at
+  /// most, because where one condition decides the others are not asked.
+  [[nodiscard]] uint64_t evaluationWork() const { return evaluationWork_; }
+
   /// Binds the value of the index at `position` under the index's name.
   void bindIndex(Situation& situation, size_t position, std::string_view value) const;
   /// The situation as the index at `position` sees it.
@@ -109,6 +113,7 @@ class ParmDef final : public IndexDef {
 
  private:
   void takeIndexNames();
+  [[nodiscard]] uint64_t countEvaluationWork() const;
 
   // What only a parameter with indices has.
   struct Indexing {
@@ -125,6 +130,7 @@ class ParmDef final : public IndexDef {
   CommittedValue single_;  // of a parameter without indices
   accessMode_t mode_;
   uint32_t usedNames_ = 0;
+  uint32_t evaluationWork_ = 0;
   bool hasRunTimeRanges_ = false;
   std::string fallbackDefault_;
   FixedList<ConditionalDefault> defaults_;

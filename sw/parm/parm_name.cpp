@@ -1,5 +1,9 @@
 #include "sw/parm/parm_name.h"
 
+#include <algorithm>
+
+#include "deflang/value_limit.h"
+
 std::string_view baseName(std::string_view name) { return name.substr(0, name.find('[')); }
 
 ParmName splitName(std::string_view name) {
@@ -14,6 +18,13 @@ ParmName splitName(std::string_view name) {
     open = name.find('[', close + 1);
   }
   return parts;
+}
+
+bool hasTooLongPart(std::string_view name) {
+  if (!isTooLong(name)) return false;
+  const ParmName parts = splitName(name);
+  return isTooLong(parts.base) || std::any_of(parts.indices.begin(), parts.indices.end(),
+                                              [](const std::string& i) { return isTooLong(i); });
 }
 
 std::string fullName(std::string_view base, const IndexTuple& indices) {

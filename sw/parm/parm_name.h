@@ -22,5 +22,8 @@ ParmName splitName(std::string_view name);
 /// The base name followed by "[" value "]" for each index value.
 std::string fullName(std::string_view base, const IndexTuple& indices);
 
+/// Whether the base name or an index value in `name` is longer than a value may be.
+bool hasTooLongPart(std::string_view name);
+
 /// The reserved name of the value under test; it is never looked up.
 constexpr std::string_view THIS_VALUE = "sw::this";

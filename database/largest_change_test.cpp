@@ -1,0 +1,64 @@
+#include "database/largest_change.h"
+
+#include <gtest/gtest.h>
+
+#include "database/test_database.h"
+#include "deflang/system_log.h"
+
+namespace {
+
+struct Case {
+  const char* subject;
+  std::string text;
+  std::string line;  // in the system log; empty for none
+};
+
+// "(a + a + ...)", an expression of so many names.
+std::string sumOf(const std::string& name, int count) {
+  std::string sum = "(" + name;
+  for (int i = 1; i < count; ++i) sum += " + " + name;
+  return sum + ")";
+}
+
+TEST(LargestChange, IsTheOneThatTheLogTellsOf) {
+  const std::string many =
+      "i index { rangeValid { 1..1000 } }\nj index { rangeValid { 1..1000 } }\n";
+  const Case cases[] = {
+      {"no parameters", "", ""},
+      {"a plain text", "a rw { }\nb rw { rangeValid { 0..(a) } }\n", ""},
+      {"a million instances that cost little",
+       many + "a rw { }\nb rw { index { i, j } ctrlRO (a == 1) }\n", ""},
+      {"a million that cost too much",
+       many + "a rw { }\nb rw { index { i, j } ctrlRO " + sumOf("a", 1000) + " }\n",
+       R"(start: ERROR "a": 4363000300 units of work, 2000000000 allowed)"},
+      {"a chain: its beginning brings about the most",
+       "i index { rangeValid { 1..999000 } }\nc rw { ctrlRO (a) }\na rw { ctrlRO (b) }\nb rw { }\n"
+       "d rw { index { i } ctrlRO " +
+           sumOf("c", 1000) + " }\n",
+       R"(start: ERROR "b": 4338657954 units of work, 2000000000 allowed)"},
+      {"two that are too much only together",
+       many + "a rw { }\nb rw { }\nc rw { index { i, j } ctrlRO " + sumOf("a", 400) +
+           " }\nd rw { index { i, j } ctrlRO " + sumOf("b", 400) + " }\n",
+       ""},
+      {"of two the larger",
+       many + "a rw { }\nb rw { }\nc rw { index { i, j } ctrlRO " + sumOf("a", 1000) +
+           " }\nd rw { index { i, j } ctrlRO " + sumOf("b", 1001) + " }\n",
+       R"(start: ERROR "b": 4367000300 units of work, 2000000000 allowed)"},
+      {"too many instances",
+       "i index { rangeValid { 1..1000001 } }\na rw { }\nb rw { index { i } ctrlRO (a == 1) }\n",
+       R"(start: ERROR "a": 1000001 dependent instances, 1000000 allowed)"},
+      {"nothing depends on many",
+       "i index { rangeValid { 1..1000001 } }\na rw { }\nb rw { index { i } }\n", ""},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.subject);
+    Database database;
+    define(database, c.text);
+    std::string log;
+    const LogRedirection redirection([&](const std::string& line) { log += line; });
+    reportLargestChange(database);
+    EXPECT_EQ(log, c.line);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,126 @@
+// What requests cost, exactly: the counts are the same on every machine and in every build.
+#include <gtest/gtest.h>
+
+#include "database/commit.h"
+#include "database/dependencies.h"
+#include "database/index_query.h"
+#include "database/range_query.h"
+#include "database/test_database.h"
+#include "deflang/system_log.h"
+#include "deflang/value_limit.h"
+#include "deflang/work.h"
+
+namespace {
+
+constexpr uint64_t UNLIMITED = UINT64_MAX;
+
+constexpr std::string_view TEXT = R"(
+in index { rangeValid { 1..3 } ctrlValid (mode != 9) }
+mode rw { }
+plain rw { }
+width rw { rangeValid { 0..(mode * 2) } default { (mode + 1) } }
+crop rw { index { in } rangeValid { 0..(width) } }
+long rw { ctrlValid (text $ part) }
+text rw { }
+part rw { }
+)";
+
+class WorkCounts : public testing::Test {
+ protected:
+  void SetUp() override { define(database_, TEXT); }
+
+  // Stages the values and commits them; what that costs together.
+  uint64_t commitOf(const std::vector<std::pair<std::string, std::string>>& values) {
+    Work::begin(UNLIMITED);
+    Transaction transaction(database_);
+    for (const auto& [name, value] : values) EXPECT_EQ(transaction.set(name, value, false), 0);
+    std::vector<Change> changes;
+    EXPECT_EQ(commit(transaction, changes), COMMIT_DONE);
+    return Work::done();
+  }
+
+  Database database_;
+};
+
+TEST_F(WorkCounts, OfACommitFollowFromItsPlanAndItsTexts) {
+  struct Case {
+    std::vector<std::pair<std::string, std::string>> values;
+    uint64_t units;
+  };
+  const Case cases[] = {
+      {{}, 0},
+      // Staged (4 for each byte of name and value), put in order twice, evaluated.
+      {{{"plain", "5"}}, 324 + 2 * 25 + 304},
+      // And "width" and three instances of "crop", each with what its index asks.
+      {{{"mode", "5"}}, 320 + 2 * 25 + 304 + 405 + 3 * 452},
+      {{{"mode", "5"}}, 320 + 2 * 25 + 304 + 405 + 3 * 452},  // a second time the same
+      // And "long", which looks for the one in the other.
+      {{{"text", std::string(1000, 'x')}, {"part", "y"}},
+       4316 + 320 + 2 * 100 + 4300 + 304 + 351 + 4000},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.values.empty() ? "nothing" : c.values.front().first);
+    EXPECT_EQ(commitOf(c.values), c.units);
+  }
+}
+
+TEST_F(WorkCounts, OfQueriesFollowFromWhatTheyWalkOver) {
+  const StagedValues staged;
+  BoundsParm bounds;
+  Work::begin(UNLIMITED);
+  EXPECT_EQ(queryRange(database_, staged, "crop[1]", bounds), RANGE_FOUND);
+  const uint64_t range = Work::done();
+  Work::begin(UNLIMITED);
+  std::set<std::string> names;
+  EXPECT_EQ(dependencies(database_, "crop[1]", true, names), DEPENDENCIES_FOUND);
+  const uint64_t depending = Work::done();
+  Work::begin(UNLIMITED);
+  std::vector<std::string> texts;
+  Spans spans;
+  EXPECT_EQ(indexRange(database_, staged, "in", texts, spans), INDEX_RANGE_FOUND);
+  const uint64_t index = Work::done();
+  EXPECT_EQ(depending, 3 * 300U + 20 + 16);    // three references, two names
+  EXPECT_EQ(range, depending + 2 * 452 + 81);  // evaluated in the plan and by itself; its range
+  EXPECT_EQ(index, 31 + 11 + 61U);             // whether it exists, what applies, one run
+}
+
+// A commit whose budget is smaller than its plan changes nothing; one that runs out of it on the
+// way leaves what it has stored, and tells of exactly that.
+TEST_F(WorkCounts, OfACommitAreHeldAgainstTheBudgetBeforeAnythingIsStored) {
+  std::vector<std::string> log;
+  const LogRedirection redirection([&](const std::string& line) { log.push_back(line); });
+  Transaction transaction(database_);
+  EXPECT_EQ(transaction.set("mode", "5", false), STAGE_DONE);
+  Work::begin(1000);
+  std::vector<Change> changes;
+  EXPECT_EQ(commit(transaction, changes), COMMIT_TOO_LARGE);
+  EXPECT_TRUE(changes.empty());
+  EXPECT_TRUE(transaction.staged().empty());
+  EXPECT_EQ(transaction.find("mode")->size(), 0U);
+  EXPECT_EQ(
+      log, (std::vector<std::string>{R"(commit: ERROR "mode": 2111 units of work, 1000 allowed)"}));
+}
+
+TEST_F(WorkCounts, OfTextsEndACommitWhereTheBudgetIsPassed) {
+  std::vector<std::string> log;
+  const LogRedirection redirection([&](const std::string& line) { log.push_back(line); });
+  const std::string longest(MAX_VALUE_BYTES, 'x');
+  Work::begin(UNLIMITED);
+  Transaction transaction(database_);
+  EXPECT_EQ(transaction.set("text", longest, false), STAGE_DONE);
+  Work::begin(5 * MAX_VALUE_BYTES);
+  std::vector<Change> changes;
+  EXPECT_THROW(static_cast<void>(commit(transaction, changes)), WorkExceeded);
+  Work::logExceeded();
+  // "text" is stored, then the search for "part" in it is too much.
+  ASSERT_EQ(changes.size(), 1U);
+  EXPECT_EQ(changes.front().name, "text");
+  Work::begin(UNLIMITED);
+  EXPECT_EQ(transaction.find("text")->size(), MAX_VALUE_BYTES);
+  EXPECT_TRUE(transaction.staged().empty());
+  EXPECT_EQ(
+      log,
+      (std::vector<std::string>{R"(work: ERROR "long": 8389309 units of work, 5242880 allowed)"}));
+}
+
+}  // namespace

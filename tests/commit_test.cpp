@@ -345,7 +345,11 @@ other rw { }
 level rw { index { big } rangeValid { 0..(mode) } }
 )");
   expectFacts({
-      {"single_set_bulk(['mode', 'other'], ['5', '6'])", "Commit failed because of internal error"},
+      {"single_set_bulk(['mode', 'other'], ['5', '6'])",
+       "Commit failed because of internal error",
+       {},
+       {R"(start: ERROR "mode": 2147483648 dependent instances, 1000000 allowed)",
+        R"(commit: ERROR "mode": 2147483648 dependent instances, 1000000 allowed)"}},
       {"single_get_bulk(2, ['mode', 'other'])", "['', '']"},
       {"single_set('other', '6')", "()", {"other=6"}},
       {"single_set('level[2147483647]', '7')", "()", {"level[2147483647]=0"}},

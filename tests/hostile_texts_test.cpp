@@ -54,12 +54,13 @@ std::vector<std::string> numbered(const std::string& name, int count) {
 
 class HostileTextsTest : public ServiceTest {
  protected:
-  /// Serves `text` and the parameter `alive`, which must then answer.
-  void serveHostile(const std::string& text) {
+  /// Serves `text` and the parameter `alive`, which must then answer. The start writes `log`.
+  void serveHostile(const std::string& text, const std::vector<std::string>& log = {}) {
     const Clock::time_point before = Clock::now();
     serve(ALIVE + text);
     const auto taken = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - before);
     RecordProperty("start_ms", std::to_string(taken.count()));
+    EXPECT_EQ(daemon().newLogLines(), log);
     expectAlive("1");
   }
 
@@ -385,13 +386,18 @@ TEST_F(HostileTextsTest, MoreInstancesThanAMillionAreNotCommitted) {
       "i index { rangeValid { 0..2147483647 } }\nj index { rangeValid { 1..1001 } }\n"
       "mode rw { }\np rw { index { i } ctrlRO ( mode == 1 ) }\n"
       "all rw { }\nq rw { index { i, i, i } ctrlRO ( all == 1 ) }\n"
-      "some rw { }\nr rw { index { j, j } ctrlRO ( some == 1 ) }\n");
+      "some rw { }\nr rw { index { j, j } ctrlRO ( some == 1 ) }\n",
+      {R"(start: ERROR "all": 18446744073709551615 dependent instances, 1000000 allowed)"});
   const std::string tooMany = "Commit failed because of internal error";
+  const auto tooManyLine = [](const std::string& name, const std::string& count) {
+    return std::vector<std::string>{"commit: ERROR \"" + name + "\": " + count +
+                                    " dependent instances, 1000000 allowed"};
+  };
   expectFacts({
-      {"single_set('mode', '1')", tooMany},
+      {"single_set('mode', '1')", tooMany, {}, tooManyLine("mode", "2147483648")},
       {"single_get('mode')", "''"},
-      {"single_set('all', '1')", tooMany},
-      {"single_set('some', '1')", tooMany},
+      {"single_set('all', '1')", tooMany, {}, tooManyLine("all", "18446744073709551615")},
+      {"single_set('some', '1')", tooMany, {}, tooManyLine("some", "1002001")},
       {"single_set('p[5]', '7')", "()", {"p[5]=7"}},
       {"single_set('r[5][6]', '7')", "()", {"r[5][6]=7"}},
   });

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "database/transaction.h"
+#include "deflang/work.h"
 #include "sw/dbus/errors.h"
 #include "sw/dbus/null_check.h"
 #include "sw/dbus/operations.h"
@@ -34,14 +35,19 @@ class ServiceLock {
   GMutex* lock_;
 };
 
-/// Runs `operation`, which gives the method's outcome. An exception, which only exhausted memory
-/// raises, becomes an error of the family instead of ending the program; start has a text for it.
+/// Runs `operation`, which gives the method's outcome, and counts its work. An exception, which
+/// only exhausted memory and a passed budget of work raise, becomes an error of the family instead
+/// of ending the program; start has a text for the former.
 template <typename Operation>
 gboolean serve(const MethodCall& call, methodFamily_t family, Operation operation) {
   const ServiceLock lock;
   assertNotNull(call.object, "obj != NULL", call.method);
+  Work::begin();
   try {
     return operation();
+  } catch (const WorkExceeded&) {
+    Work::logExceeded();
+    return finishMethod(call.error, family, INTERNAL_ERROR);
   } catch (...) {
     return finishMethod(call.error, family,
                         family == METHOD_START ? OUT_OF_MEMORY : INTERNAL_ERROR);

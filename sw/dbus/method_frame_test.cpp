@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <new>
+#include <string>
+#include <vector>
 
+#include "deflang/system_log.h"
 #include "sw/dbus/test_service.h"
 
 namespace {
@@ -43,6 +46,31 @@ TEST(Serve, MakesAnErrorOfAnException) {
   }
   // The lock is free again.
   EXPECT_EQ(serve({"test", service.object(), nullptr}, METHOD_GET, [] { return TRUE; }), TRUE);
+}
+
+TEST(Serve, MakesAnErrorOfAPassedBudgetAndTellsTheLog) {
+  std::vector<std::string> log;
+  const LogRedirection redirection([&](const std::string& line) { log.push_back(line); });
+  TestService service("gain rw { }");
+  const std::string name = "gain";
+  const auto tooMuch = [&]() -> gboolean {
+    Work::spendOn(name);
+    Work::add(WORK_BUDGET + 1);
+    return TRUE;
+  };
+  GError* error = nullptr;
+  EXPECT_EQ(serve({"test", service.object(), &error}, METHOD_COMMIT, tooMuch), FALSE);
+  ASSERT_NE(error, nullptr);
+  EXPECT_STREQ(error->message, "dbus_tavrel_transaction: Commit failed because of internal error");
+  g_error_free(error);
+  EXPECT_EQ(log, (std::vector<std::string>{
+                     R"(work: ERROR "gain": 2000000001 units of work, 2000000000 allowed)"}));
+  // The next call has a budget of its own.
+  const auto asMuchAsAllowed = []() -> gboolean {
+    Work::add(WORK_BUDGET);
+    return TRUE;
+  };
+  EXPECT_EQ(serve({"test", service.object(), nullptr}, METHOD_COMMIT, asMuchAsAllowed), TRUE);
 }
 
 TEST(ServeDeathTest, StopsTheProgramWithoutAnObject) {

@@ -7,16 +7,15 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
 #include "database/commit.h"
 #include "database/dependencies.h"
 #include "database/index_query.h"
-#include "database/name_order.h"
 #include "database/range_query.h"
 #include "sw/dbus/errors.h"
 #include "sw/dbus/publish.h"
+#include "sw/dbus/range_set.h"
 #include "sw/dbus/reply.h"
 #include "sw/dbus/spare_memory.h"
 #include "sw/parm/parm_name.h"
@@ -59,6 +58,7 @@ int packTexts(const char* what, const Texts& texts, char*** reply) {
 
 template <typename Texts>
 int packRange(const Texts& texts, const Spans& spans, char*** textReply, GPtrArray** spanReply) {
+  if (spans.size() * STRUCT_MEMORY > MAX_REPLY_MEMORY) return INTERNAL_ERROR;
   TextList textList(TEXT_RANGE, texts.size());
   textList.addAll(texts);
   StructArray spanArray;
@@ -69,33 +69,10 @@ int packRange(const Texts& texts, const Spans& spans, char*** textReply, GPtrArr
   return 0;
 }
 
-struct NamedRange {
-  std::string_view name;
-  BoundsParm bounds;
-};
-
-// Finds the range of each name once, in their order, up to the first that fails.
-int findRanges(Transaction& transaction, char** names, std::vector<NamedRange>& ranges) {
-  std::unordered_set<std::string_view> asked;
-  for (; *names != nullptr; ++names) {
-    if (!asked.insert(*names).second) continue;
-    ranges.push_back({*names, {}});
-    const int result =
-        queryRange(transaction.database(), transaction.staged(), *names, ranges.back().bounds);
-    if (result != RANGE_FOUND) return result;
-  }
-  return RANGE_FOUND;
-}
-
 }  // namespace
 
 int getText(Transaction& transaction, const char* name, char** value) {
-  const NewText reply = newText({orEmpty(transaction.find(name))});
-  if (bytesInMessage(reply.length) > MAX_MESSAGE_BYTES) {
-    g_free(reply.text);
-    return INTERNAL_ERROR;
-  }
-  *value = reply.text;
+  *value = newText({orEmpty(transaction.find(name))}).text;
   return 0;
 }
 
@@ -123,6 +100,11 @@ int checkSet(Transaction& transaction, const char* name, const char* value, gboo
 }
 
 int setTexts(Transaction& transaction, char** names, char** values, bool status) {
+  uint64_t work = 0;
+  for (size_t i = 0; names[i] != nullptr && values[i] != nullptr; ++i) {
+    work += stagingWork(names[i], values[i]);
+  }
+  Work::require(work);
   int first = 0;
   for (; *names != nullptr && *values != nullptr; ++names, ++values) {
     const int result = transaction.set(*names, *values, status);
@@ -132,6 +114,9 @@ int setTexts(Transaction& transaction, char** names, char** values, bool status)
 }
 
 int resetAll(Transaction& transaction, char** names, bool status) {
+  uint64_t work = 0;
+  for (size_t i = 0; names[i] != nullptr; ++i) work += stagingWork(names[i], {});
+  Work::require(work);
   int first = 0;
   for (; *names != nullptr; ++names) {
     const int result = transaction.reset(*names, status);
@@ -156,6 +141,7 @@ int commitAndPublish(Transaction& transaction, ValueObject* object) {
 }
 
 int getDependencies(Database& database, const char* name, char*** dependencyReply) {
+  returnSpareMemorySoon();
   std::set<std::string> names;
   int result = dependencies(database, name, true, names);
   if (result == DEPENDENCIES_INVALID_INDEX && strchr(name, '[') == nullptr) {
@@ -167,6 +153,7 @@ int getDependencies(Database& database, const char* name, char*** dependencyRepl
 }
 
 int getRange(Transaction& transaction, const char* name, char*** texts, GPtrArray** spans) {
+  returnSpareMemorySoon();
   BoundsParm bounds;
   const int result = queryRange(transaction.database(), transaction.staged(), name, bounds);
   if (result != RANGE_FOUND) return result;
@@ -174,15 +161,16 @@ int getRange(Transaction& transaction, const char* name, char*** texts, GPtrArra
 }
 
 int getRanges(Transaction& transaction, char** names, GPtrArray** texts, GPtrArray** spans) {
-  std::vector<NamedRange> ranges;
-  const int result = findRanges(transaction, names, ranges);
-  if (result != RANGE_FOUND) return result;
-  sortByName(ranges);
+  returnSpareMemorySoon();
+  RangeSet ranges(transaction);
+  for (; *names != nullptr; ++names) {
+    if (const int result = ranges.add(*names); result != RANGE_FOUND) return result;
+  }
   StructArray textArray;
   StructArray spanArray;
-  for (const auto& [name, bounds] : ranges) {
-    for (const std::string& text : bounds.strings().texts()) textArray.addText(name, text);
-    for (const Span& span : bounds.integers().spans()) spanArray.addSpan(name, span);
+  for (const auto& [name, bounds] : ranges.inNameOrder()) {
+    for (const std::string& text : bounds->strings().texts()) textArray.addText(name, text);
+    for (const Span& span : bounds->integers().spans()) spanArray.addSpan(name, span);
     if (textArray.bytes() + spanArray.bytes() > MAX_MESSAGE_BYTES) return INTERNAL_ERROR;
   }
   *texts = textArray.release();
@@ -191,13 +179,14 @@ int getRanges(Transaction& transaction, char** names, GPtrArray** texts, GPtrArr
 }
 
 int getParmIndices(Transaction& transaction, const char* name, char*** indices) {
-  const ParmEntry* entry = transaction.database().findParm(baseName(name));
+  const ParmEntry* entry = transaction.database().findNamed(name);
   if (entry == nullptr) return PARAMETER_NOT_FOUND;
   return packTexts(
       TEXT_RANGE, validIndices(transaction.database(), transaction.staged(), entry->parm), indices);
 }
 
 int getIndexRange(Transaction& transaction, const char* name, char*** texts, GPtrArray** spans) {
+  returnSpareMemorySoon();
   std::vector<std::string> allowedTexts;
   Spans allowedSpans;
   const int result =

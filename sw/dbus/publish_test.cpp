@@ -44,27 +44,50 @@ TEST(Publish, GivesTheCommittedValueOfEachName) {
   EXPECT_EQ(service.newSignals(), (Signals{{"a=5", "b=", "gain[2]=\ufffd"}}));
 }
 
-TEST(Publish, SendsInPortionsWhatIsTooMuchForOneSignal) {
-  TestService service("a rw {}\nb rw {}\nc rw {}\n");
-  const std::string value(MAX_MESSAGE_BYTES / 2 - 7, 'x');  // with "a=" and the end: half a signal
-  store(service.database(), {{"a", value}, {"b", value}, {"c", "5"}});
-  publish(service.object(), changesOf(service.database(), {"a", "b", "c"}));
-  EXPECT_TRUE(service.newSignals() == (Signals{{"a=" + value, "b=" + value}, {"c=5"}}));
+// `count` changes of parameters named "p10" and so on, which all hold `value`.
+std::string manyParameters(size_t count) {
+  std::string text;
+  for (size_t i = 0; i < count; ++i) text += "p" + std::to_string(10 + i) + " rw {}\n";
+  return text;
+}
 
-  store(service.database(), {{"b", value + "x"}});
-  publish(service.object(), changesOf(service.database(), {"a", "b", "c"}));
-  EXPECT_TRUE(service.newSignals() == (Signals{{"a=" + value}, {"b=" + value + "x", "c=5"}}));
+TEST(Publish, SendsInPortionsWhatIsTooMuchForOneSignal) {
+  constexpr size_t HALF = 32;  // so many fill one signal
+  TestService service(manyParameters(2 * HALF));
+  // With "p10=", length and end a 32nd of a signal each.
+  const std::string fitting(MAX_MESSAGE_BYTES / HALF - 9, 'x');
+  struct Case {
+    std::string value;  // of the first parameter
+    size_t first;       // texts of the first signal
+  };
+  const Case cases[] = {{fitting, HALF}, {fitting + "xxxx", HALF - 1}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.first);
+    std::vector<std::string> names;
+    for (size_t i = 0; i < 2 * HALF - 1; ++i) {
+      names.push_back("p" + std::to_string(10 + i));
+      store(service.database(), {{names.back(), i == 0 ? c.value : fitting}});
+    }
+    publish(service.object(), changesOf(service.database(), names));
+    const Signals signals = service.newSignals();
+    ASSERT_EQ(signals.size(), 2U);
+    EXPECT_EQ(signals[0].size(), c.first);
+    EXPECT_EQ(signals[1].size(), names.size() - c.first);
+    EXPECT_TRUE(signals[0].front() == "p10=" + c.value);
+    EXPECT_TRUE(signals[1].back() == names.back() + "=" + fitting);
+  }
 }
 
 TEST(Publish, LeavesOutWhatFitsIntoNoSignal) {
   TestService service("a rw {}\nb rw {}\nc rw {}\n");
-  const std::string value(MAX_MESSAGE_BYTES - 7, 'x');  // with "b=", length and end: all of it
-  store(service.database(), {{"a", "1"}, {"b", value}, {"c", "3"}});
-  publish(service.object(), changesOf(service.database(), {"a", "b", "c"}));
-  EXPECT_TRUE(service.newSignals() == (Signals{{"a=1"}, {"b=" + value}, {"c=3"}}));
+  store(service.database(), {{"a", "1"}, {"b", ""}, {"c", "3"}});
+  std::vector<Change> changes = changesOf(service.database(), {"a", "b", "c"});
+  changes[1].name = std::string(MAX_MESSAGE_BYTES - 6, 'b');  // with "=", length and end: all of it
+  publish(service.object(), changes);
+  EXPECT_TRUE(service.newSignals() == (Signals{{"a=1"}, {changes[1].name + "="}, {"c=3"}}));
 
-  store(service.database(), {{"b", value + "x"}});
-  publish(service.object(), changesOf(service.database(), {"a", "b", "c"}));
+  changes[1].name += "b";
+  publish(service.object(), changes);
   EXPECT_TRUE(service.newSignals() == (Signals{{"a=1", "c=3"}}));
 }
 

@@ -14,6 +14,13 @@
 /// for what goes around them.
 constexpr size_t MAX_MESSAGE_BYTES = (size_t{32} << 20U) - 4096;
 
+/// What a structure takes while the binding library has it, in bytes: room for eight members.
+constexpr size_t STRUCT_MEMORY = 256;
+
+/// The most memory, in bytes, that the structures of one reply and what they are gathered in may
+/// take: some 190,000 structures. As texts in a message they are a tenth of that.
+constexpr size_t MAX_REPLY_MEMORY = size_t{48} << 20U;
+
 /// Calls `allocate` until it gives something; each failure is a line on standard error, which names
 /// `what`, and a wait of 500 microseconds. For allocations that can fail, which is to say not for
 /// those of GLib's own containers: these end the process.
@@ -53,9 +60,13 @@ class TextList {
   void add(std::string_view text) { take(newText({text})); }
   /// Adds a text made by newText, which then belongs to the list.
   void take(const NewText& text);
+  /// Adds texts, up to the first that is too much for a message.
   template <typename Texts>
   void addAll(const Texts& texts) {
-    for (const std::string& text : texts) add(text);
+    for (const std::string& text : texts) {
+      add(text);
+      if (bytes_ > MAX_MESSAGE_BYTES) return;
+    }
   }
   [[nodiscard]] bool empty() const { return count_ == 0; }
   /// How much of a message the list takes.

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "deflang/system_log.h"
+#include "deflang/value_limit.h"
 #include "sw/dbus/reply.h"
 #include "sw/dbus/test_reply.h"
 #include "sw/dbus/test_service.h"
@@ -200,44 +201,59 @@ TEST_F(ServerMethods, GetValuesInTheOrderOfTheirNamesHoweverManyTheyAre) {
   }
 }
 
-TEST_F(ServerMethods, RefuseAValueThatFitsIntoNoMessage) {
-  const std::string value(MAX_MESSAGE_BYTES - 5, 'x');  // with its length and its end: all of it
-  EXPECT_EQ(call(value_object_single_set, "note", value.c_str()), "");
-  const guint32 id = start();
-  EXPECT_TRUE(get(id, "note") == value);
-  EXPECT_TRUE(singleGet("note") == value);
-  EXPECT_EQ(call(value_object_single_set, "note", (value + "x").c_str()), "");
-  EXPECT_EQ(get(id, "note"), "Get failed because of internal error");
-  EXPECT_EQ(singleGet("note"), "Get failed because of internal error");
+TEST_F(ServerMethods, TakeValuesUpToAMebibyte) {
+  const std::string longest(MAX_VALUE_BYTES, 'x');
+  const std::string tooLong = longest + "x";
+  EXPECT_EQ(call(value_object_single_set, "note", longest.c_str()), "");
+  EXPECT_TRUE(singleGet("note") == longest);
+  EXPECT_EQ(call(value_object_single_set, "note", tooLong.c_str()),
+            "Set failed because parameter value is invalid");
+  EXPECT_TRUE(singleGet("note") == longest);
+  gboolean valid = TRUE;
+  EXPECT_EQ(call(value_object_single_is_valid, "note", tooLong.c_str(), &valid), "");
+  EXPECT_EQ(valid, FALSE);
 }
 
+// So many texts fill a message, each with this share of it.
+constexpr size_t MANY_TEXTS = 32;
+constexpr size_t MESSAGE_SHARE = MAX_MESSAGE_BYTES / MANY_TEXTS;
+
 TEST_F(ServerMethods, RefuseValuesThatFitIntoNoMessageTogether) {
-  const std::string value(MAX_MESSAGE_BYTES / 2 - 5, 'x');
+  const std::string value(MESSAGE_SHARE - 5, 'x');  // with its length and its end
   EXPECT_EQ(call(value_object_single_set, "note", value.c_str()), "");
-  TextArguments names({"note", "note", "alarm"});
+  Texts listed(MANY_TEXTS, "note");
+  listed.emplace_back("alarm");
+  TextArguments names(listed);
   char** values = nullptr;
-  ASSERT_EQ(call(value_object_single_get_bulk, 2U, names.get(), &values), "");
-  EXPECT_TRUE(taken(values) == (Texts{value, value}));
-  EXPECT_EQ(call(value_object_single_get_bulk, 3U, names.get(), &values),
+  ASSERT_EQ(call(value_object_single_get_bulk, guint32{MANY_TEXTS}, names.get(), &values), "");
+  EXPECT_TRUE(taken(values) == Texts(MANY_TEXTS, value));
+  EXPECT_EQ(call(value_object_single_get_bulk, guint32{MANY_TEXTS + 1}, names.get(), &values),
             "Get bulk failed because of internal error");
 }
 
-// Two parameters that take a text of so many bytes, and two spans or three.
-std::string rangesWithText(size_t bytes) {
-  const std::string text(bytes, 'x');
-  return "two rw { rangeValid { \"" + text + "\", 0..1, 3..4 } }\n" + "three rw { rangeValid { \"" +
-         text + "\", 0..1, 3..4, 6..7 } }\n";
+// Two parameters that take texts, each of which takes its share of a message with `more` beside it,
+// but the last, which leaves room for two spans of `spanBytes`; and two spans or three.
+std::string rangesWithTexts(size_t more, size_t spanBytes) {
+  std::string texts;
+  for (size_t i = 0; i < MANY_TEXTS; ++i) {
+    const size_t spans = i + 1 == MANY_TEXTS ? 2 * spanBytes : 0;
+    const std::string start = std::to_string(10 + i) + "x";
+    texts +=
+        '"' + start + std::string(MESSAGE_SHARE - more - 5 - spans - start.size(), 'x') + "\", ";
+  }
+  return "two rw { rangeValid { " + texts + "0..1, 3..4 } }\n" + "three rw { rangeValid { " +
+         texts + "0..1, 3..4, 6..7 } }\n";
 }
 
 TEST(ServerMethodsWithLargeRanges, RefuseTextsAndSpansThatFitIntoNoMessageTogether) {
   constexpr size_t SPAN_BYTES = 8;
-  TestService service(rangesWithText(MAX_MESSAGE_BYTES - 5 - 2 * SPAN_BYTES));
+  TestService service(rangesWithTexts(0, SPAN_BYTES));
   guint32 id = NO_TRANSACTION;
   ASSERT_EQ(value_object_start(service.object(), &id, nullptr), TRUE);
   char** texts = nullptr;
   GPtrArray* spans = nullptr;
   ASSERT_EQ(value_object_get_range(service.object(), id, "two", &texts, &spans, nullptr), TRUE);
-  EXPECT_EQ(taken(texts).size(), 1U);
+  EXPECT_EQ(taken(texts).size(), MANY_TEXTS);
   EXPECT_EQ(taken(spans, spanType()), (Texts{"0,1", "3,4"}));
   GError* error = nullptr;
   EXPECT_EQ(value_object_get_range(service.object(), id, "three", &texts, &spans, &error), FALSE);
@@ -247,7 +263,7 @@ TEST(ServerMethodsWithLargeRanges, RefuseTextsAndSpansThatFitIntoNoMessageTogeth
 TEST(ServerMethodsWithLargeRanges, RefuseRangesThatFitIntoNoMessageTogether) {
   constexpr size_t NAME_BYTES = 8;  // before the text and before each span
   constexpr size_t SPAN_BYTES = NAME_BYTES + 8;
-  TestService service(rangesWithText(MAX_MESSAGE_BYTES - NAME_BYTES - 5 - 2 * SPAN_BYTES));
+  TestService service(rangesWithTexts(NAME_BYTES, SPAN_BYTES));
   guint32 id = NO_TRANSACTION;
   ASSERT_EQ(value_object_start(service.object(), &id, nullptr), TRUE);
   GPtrArray* texts = nullptr;
@@ -255,7 +271,7 @@ TEST(ServerMethodsWithLargeRanges, RefuseRangesThatFitIntoNoMessageTogether) {
   TextArguments two({"two"});
   ASSERT_EQ(value_object_get_range_bulk(service.object(), id, two.get(), &texts, &spans, nullptr),
             TRUE);
-  EXPECT_EQ(taken(texts, namedTextType()).size(), 1U);
+  EXPECT_EQ(taken(texts, namedTextType()).size(), MANY_TEXTS);
   EXPECT_EQ(taken(spans, namedSpanType()), (Texts{"two,0,1", "two,3,4"}));
   GError* error = nullptr;
   TextArguments three({"three"});

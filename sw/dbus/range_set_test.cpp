@@ -1,0 +1,82 @@
+#include "sw/dbus/range_set.h"
+
+#include <gtest/gtest.h>
+
+#include "database/range_query.h"
+#include "database/test_database.h"
+#include "sw/dbus/errors.h"
+#include "sw/dbus/reply.h"
+
+namespace {
+
+constexpr std::string_view TEXT = R"(
+in index { rangeValid { 1..2 } }
+a rw { rangeValid { 0..9, 20..29 } }
+b rw { index { in } rangeValid { "x", "y" } }
+free rw { }
+)";
+
+class RangeSetTest : public testing::Test {
+ protected:
+  void SetUp() override { define(database_, TEXT); }
+
+  Database database_;
+  Transaction transaction_{database_};
+  RangeSet ranges_{transaction_};
+};
+
+TEST_F(RangeSetTest, HoldsEachNameOnceInNameOrder) {
+  for (const char* name : {"free", "b[2]", "a", "b[1]", "a", "b[2]"}) {
+    EXPECT_EQ(ranges_.add(name), RANGE_FOUND) << name;
+  }
+  std::vector<std::string> seen;
+  for (const auto& [name, bounds] : ranges_.inNameOrder()) {
+    seen.push_back(std::string(name) + ":" + std::to_string(bounds->count()));
+  }
+  EXPECT_EQ(seen, (std::vector<std::string>{"a:2", "b[1]:2", "b[2]:2", "free:0"}));
+}
+
+TEST_F(RangeSetTest, EvaluatesAnInstanceOnceHoweverItIsSpelled) {
+  const std::vector<std::string> spellings = {"b[1]",  "b[1]x",   "b[1]]",
+                                              "b[1][", "b[1] [x", "b[1]y"};
+  for (const std::string& spelling : spellings) {
+    EXPECT_EQ(ranges_.add(spelling), RANGE_FOUND) << spelling;
+  }
+  const std::vector<RangeSet::NamedRange>& ranges = ranges_.inNameOrder();
+  ASSERT_EQ(ranges.size(), spellings.size());
+  for (const auto& [name, bounds] : ranges) EXPECT_EQ(bounds, ranges.front().bounds) << name;
+  EXPECT_EQ(ranges_.add("b[2]"), RANGE_FOUND);
+  EXPECT_NE(ranges_.inNameOrder()[spellings.size()].bounds, ranges.front().bounds);
+}
+
+TEST_F(RangeSetTest, KnowsAFullNameThatWasFirstSpelledInAnotherWay) {
+  EXPECT_EQ(ranges_.add("a[0"), RANGE_FOUND);
+  EXPECT_EQ(ranges_.add("a"), RANGE_FOUND);
+  EXPECT_EQ(ranges_.inNameOrder().size(), 2U);
+}
+
+TEST_F(RangeSetTest, HandsOnWhatARangeQueryRefuses) {
+  EXPECT_EQ(ranges_.add("a"), RANGE_FOUND);
+  EXPECT_EQ(ranges_.add("unknown"), RANGE_INVALID_NAME);
+  EXPECT_EQ(ranges_.add("b[3]"), RANGE_INVALID_NAME);
+}
+
+// Whether the ranges are few or many, names take memory too.
+TEST_F(RangeSetTest, EndsWhereTheReplyWouldTakeTooMuch) {
+  for (const std::string base : {"a", "free"}) {
+    SCOPED_TRACE(base);
+    RangeSet ranges(transaction_);
+    std::vector<std::string> names;
+    const size_t enough = MAX_REPLY_MEMORY / 256;
+    names.reserve(enough);
+    int result = RANGE_FOUND;
+    while (result == RANGE_FOUND && names.size() < enough) {
+      names.push_back(base + "[" + std::to_string(names.size()));
+      result = ranges.add(names.back());
+    }
+    EXPECT_EQ(result, base == "a" ? INTERNAL_ERROR : RANGE_FOUND);
+    EXPECT_EQ(ranges.add(base + "[x"), INTERNAL_ERROR);
+  }
+}
+
+}  // namespace

@@ -9,6 +9,7 @@
 #include <cstdio>
 
 #include "sw/dbus/deadline.h"
+#include "sw/dbus/log_watch.h"
 #include "sw/dbus/reporter.h"
 #include "sw/dbus/service_state.h"
 #include "sw/dbus/value_object.h"
@@ -135,6 +136,7 @@ int runService(Database& database, const std::string& busSuffix, bool daemonize,
   requireValid(dbus_validate_path, path, "Invalid object path");
   registerObject(bus, path);
   detach(daemonize);
+  const LogWatch logWatch;
   g_main_loop_run(state.mainLoop());
   // The reply to die is still on its way.
   sendRest(dbus_g_connection_get_connection(bus));

@@ -6,7 +6,7 @@
 void openStandardStreams() {
   int descriptor = -1;
   do {
-    descriptor = open("/dev/null", O_RDWR);
+    descriptor = open("/dev/null", O_WRONLY);
   } while (0 <= descriptor && descriptor <= STDERR_FILENO);
   // Without a null device it was never open.
   if (descriptor >= 0) close(descriptor);

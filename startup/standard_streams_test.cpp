@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdlib>
 #include <string>
 
@@ -17,8 +18,14 @@ bool isNullDevice(int descriptor) {
          one.st_rdev == other.st_rdev;
 }
 
+bool isWriteOnly(int descriptor) {
+  char byte = 0;
+  return write(descriptor, &byte, 1) == 1 && read(descriptor, &byte, 1) < 0 && errno == EBADF;
+}
+
 // Closes the streams of a set, the bit of each being its number, has them opened, and ends the
-// process: with 0 when they are the null device, the others as before and nothing else is open.
+// process: with 0 when they are the null device, which gives no text that is empty, the others as
+// before and nothing else is open.
 [[noreturn]] void openAgain(unsigned closed) {
   std::array<int, 2> ends = {};
   if (pipe(ends.data()) != 0) exit(1);
@@ -30,7 +37,9 @@ bool isNullDevice(int descriptor) {
   }
   openStandardStreams();
   for (int stream = 0; stream <= STDERR_FILENO; ++stream) {
-    if (isNullDevice(stream) != ((closed >> static_cast<unsigned>(stream) & 1U) != 0)) exit(2);
+    const bool isClosed = (closed >> static_cast<unsigned>(stream) & 1U) != 0;
+    if (isNullDevice(stream) != isClosed) exit(2);
+    if (isClosed && !isWriteOnly(stream)) exit(4);
   }
   exit(dup(ends[0]) == firstFree ? 0 : 3);
 }

@@ -101,9 +101,18 @@ const T* findWord(const T (&table)[N], std::string_view word) {
   return found == std::end(table) ? nullptr : found;
 }
 
-bool isComment(std::string_view line) {
+// The first character that is no white space; NUL where there is none.
+char firstCharacter(std::string_view line) {
   const auto first = std::find_if_not(line.begin(), line.end(), isWhiteSpace);
-  return first != line.end() && *first == '#';
+  return first == line.end() ? '\0' : *first;
+}
+
+bool isComment(std::string_view line) { return firstCharacter(line) == '#'; }
+
+// Whether a diagnostic may point at something in a line that was accepted.
+bool hasWords(std::string_view line) {
+  const char first = firstCharacter(line);
+  return first != '#' && first != '\0';
 }
 
 }  // namespace
@@ -222,7 +231,7 @@ void DefinitionParser::reset() { *state_ = {}; }
 
 int acceptLine(DefinitionParser& parser, DefinitionText& text, std::string_view line,
                uint32_t lineNumber) {
-  text.lines.add(lineNumber, line);
+  if (hasWords(line)) text.lines.add(lineNumber, line);
   size_t column = 0;
   const int result = parser.parseLine(text.records, line, lineNumber, column);
   if (result != PARSE_DONE) {

@@ -38,7 +38,8 @@ class DefinitionParser {
   std::unique_ptr<State> state_;
 };
 
-/// Takes in one line and keeps its text. Prints an error to standard error: the line's number, what
-/// is wrong, and the line with a caret under the column. Returns the parser's result.
+/// Takes in one line and keeps its text, unless it is blank or a comment. Prints an error to
+/// standard error: the line's number, what is wrong, and the line with a caret under the column.
+/// Returns the parser's result.
 int acceptLine(DefinitionParser& parser, DefinitionText& text, std::string_view line,
                uint32_t lineNumber);

@@ -382,6 +382,30 @@ TEST(AcceptLine, PrintsNothingAndKeepsTheLineWhenItIsAccepted) {
   EXPECT_EQ(text.lines.find(2), "128 } }");
 }
 
+TEST(AcceptLine, KeepsNoLineThatHasNoWords) {
+  struct Case {
+    std::string line;
+    bool isKept;
+  };
+  const Case cases[] = {
+      {"", false},
+      {"\n", false},
+      {" \t\v\f\r\n", false},
+      {"# gain rw {}\n", false},
+      {std::string(1000, ' ') + "#\n", false},
+      {" }\n", true},
+      {std::string(1000, ' ') + "}#", true},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.line);
+    DefinitionParser parser;
+    DefinitionText text;
+    EXPECT_EQ(accept(parser, text, "gain rw {", 1).result, PARSE_DONE);
+    EXPECT_EQ(accept(parser, text, c.line, 2).result, PARSE_DONE);
+    EXPECT_EQ(text.lines.find(2).has_value(), c.isKept);
+  }
+}
+
 TEST(AcceptLine, PrintsTheErrorWithTheLineAndACaret) {
   struct Case {
     std::string_view line;

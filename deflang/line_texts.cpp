@@ -1,16 +1,24 @@
 #include "deflang/line_texts.h"
 
-#include <cassert>
+#include <algorithm>
 
 void LineTexts::add(uint32_t number, std::string_view text) {
-  assert(number >= 1);
-  if (lines_.size() < number) lines_.resize(number);
-  lines_[number - 1] = memory_.keepText(text);
+  const std::string_view kept = memory_.keepText(text);
+  const Line line = {number, static_cast<uint32_t>(kept.size()), kept.data()};
+  if (lines_.empty() || lines_.back().number < number) {  // they mostly come in order
+    lines_.push_back(line);
+    return;
+  }
+  const auto at = std::ranges::lower_bound(lines_, number, {}, &Line::number);
+  if (at != lines_.end() && at->number == number) {
+    *at = line;
+  } else {
+    lines_.insert(at, line);
+  }
 }
 
 std::optional<std::string_view> LineTexts::find(uint32_t number) const {
-  if (number < 1 || number > lines_.size()) return std::nullopt;
-  const std::string_view line = lines_[number - 1];
-  if (line.empty()) return std::nullopt;
-  return line;
+  const auto at = std::ranges::lower_bound(lines_, number, {}, &Line::number);
+  if (at == lines_.end() || at->number != number) return std::nullopt;
+  return std::string_view(at->text, at->size);
 }

@@ -10,13 +10,19 @@
 
 class LineTexts {
  public:
-  /// Keeps `text` as line `number` (from 1), as it was read; a later text of the same number
-  /// replaces it.
+  /// Keeps `text` as line `number`, as it was read; a later text of the same number replaces it.
+  /// Lines that are left out cost nothing.
   void add(uint32_t number, std::string_view text);
   /// The text of line `number`; nothing where none was kept.
   [[nodiscard]] std::optional<std::string_view> find(uint32_t number) const;
 
  private:
+  struct Line {
+    uint32_t number;
+    uint32_t size;
+    const char* text;
+  };
+
   RecordMemory memory_;
-  std::deque<std::string_view> lines_;  // line n at n - 1; empty where none was kept
+  std::deque<Line> lines_;  // ascending by number
 };

@@ -214,6 +214,17 @@ TEST_F(HostileTextsTest, StrayBytesReachTheBusValidFromEverywhere) {
   });
 }
 
+TEST_F(HostileTextsTest, CommentsAndBlankLinesCostNothing) {
+  const std::string comment = "# " + std::string(1000, 'c') + "\n";
+  const std::string text = times(10'000, comment + "#\n\n \t \n" + times(500, "\n"));
+  ASSERT_GT(text.size(), 14 * MEBIBYTE);
+  serveHostile(text + "last rw { }\n" + text);
+  expectFacts({{"single_set('last', '1')", "()", {"last=1"}}});
+  if (isWatched()) return;
+  // A tenth of what the text has.
+  EXPECT_LT(memoryOf(daemon().process().pid(), "VmHWM:"), size_t{12} << 10U);
+}
+
 TEST_F(HostileTextsTest, LinesOfAMebibyteHoldBlanksCommentsTextsAndDefinitions) {
   const std::string text(MEBIBYTE, 't');
   // So long that no word lies across the end of a piece.

@@ -1,19 +1,62 @@
 #include "startup/definition_reader.h"
 
+#include <poll.h>
+
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <string_view>
 
 #include "deflang/definition_parser.h"
 #include "sw/parm/make_definitions.h"
 
 namespace {
 
+constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
+
+// Whether reading goes on after an error. The mode of a descriptor is that of all who share it, so
+// a non-blocking one stays as it is.
+bool goesOn(FILE* in) {
+  if (ferror(in) == 0) return false;
+  if (errno == EAGAIN) {
+    pollfd waiting = {.fd = fileno(in), .events = POLLIN, .revents = 0};
+    // An error of it comes back from the next attempt to read.
+    static_cast<void>(poll(&waiting, 1, -1));
+  } else if (errno != EINTR) {
+    return false;
+  }
+  clearerr(in);
+  return true;
+}
+
+int nextCharacter(FILE* in) {
+  int character = getc_unlocked(in);
+  while (character == EOF && goesOn(in)) character = getc_unlocked(in);
+  return character;
+}
+
+// Reads on to the end of the piece that `piece` is the beginning of.
+bool readRest(FILE* in, std::string& piece) {
+  std::array<char, MAX_PIECE_LENGTH> buffer;
+  const size_t room = buffer.size() - piece.size();
+  size_t size = 0;
+  while (size < room) {
+    const int character = nextCharacter(in);
+    if (character == EOF) break;
+    buffer[size++] = static_cast<char>(character);
+    if (character == '\n') break;
+  }
+  piece.append(buffer.data(), size);
+  return !piece.empty() && ferror(in) == 0;
+}
+
 int parseText(FILE* in, DefinitionText& text) {
   DefinitionParser parser;
   std::string piece;
-  for (uint32_t lineNumber = 1; readPiece(in, piece); ++lineNumber) {
+  bool isRead = readFirstPiece(in, piece);
+  for (uint32_t lineNumber = 1; isRead; ++lineNumber) {
     if (acceptLine(parser, text, piece, lineNumber) != PARSE_DONE) return 1;
+    isRead = readPiece(in, piece);
   }
   if (ferror(in) == 0) return 0;
   fprintf(stderr, "Error reading parameter definitions: %s\n", strerror(errno));
@@ -23,16 +66,15 @@ int parseText(FILE* in, DefinitionText& text) {
 }  // namespace
 
 bool readPiece(FILE* in, std::string& piece) {
-  std::array<char, MAX_PIECE_LENGTH> buffer;
-  size_t size = 0;
-  while (size < buffer.size()) {
-    const int character = getc_unlocked(in);
-    if (character == EOF) break;
-    buffer[size++] = static_cast<char>(character);
-    if (character == '\n') break;
-  }
-  piece.assign(buffer.data(), size);
-  return !piece.empty() && ferror(in) == 0;
+  piece.clear();
+  return readRest(in, piece);
+}
+
+bool readFirstPiece(FILE* in, std::string& piece) {
+  const bool isRead = readPiece(in, piece);
+  if (!isRead || !piece.starts_with(BYTE_ORDER_MARK)) return isRead;
+  piece.erase(0, BYTE_ORDER_MARK.size());
+  return piece.ends_with('\n') || readRest(in, piece);
 }
 
 int readDefinitions(FILE* in, DefinitionRegistry& registry) {

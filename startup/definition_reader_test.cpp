@@ -1,10 +1,17 @@
 #include "startup/definition_reader.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
 
+#include <array>
 #include <cerrno>
+#include <csignal>
 #include <map>
 #include <memory>
+#include <thread>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -85,6 +92,41 @@ TEST(ReadPiece, EndsAPieceAtItsNewlineOrAfter1024Bytes) {
   }
 }
 
+TEST(ReadFirstPiece, LeavesOutAByteOrderMarkInFront) {
+  const std::string mark = "\xEF\xBB\xBF";
+  const std::string full(MAX_PIECE_LENGTH, 'x');
+  struct FirstCase {
+    const char* what;
+    std::string text;
+    std::vector<std::string> pieces;
+  };
+  const FirstCase cases[] = {
+      {"nothing", "", {}},
+      {"no mark", "a\nb", {"a\n", "b"}},
+      {"the mark alone", mark, {}},
+      {"a line", mark + "a\nb\n", {"a\n", "b\n"}},
+      {"an empty line", mark + "\nb\n", {"\n", "b\n"}},
+      {"no newline", mark + "a", {"a"}},
+      {"1023 and the newline", mark + full.substr(1) + "\nb", {full.substr(1) + "\n", "b"}},
+      {"1024", mark + full + "\nb", {full, "\n", "b"}},
+      {"two marks", mark + mark + "a\n", {mark + "a\n"}},
+      {"half a mark", mark.substr(0, 2) + "a\n", {mark.substr(0, 2) + "a\n"}},
+      {"a mark in the next line", "a\n" + mark + "b\n", {"a\n", mark + "b\n"}},
+      {"a mark behind a blank", " " + mark + "b\n", {" " + mark + "b\n"}},
+  };
+  for (const FirstCase& c : cases) {
+    SCOPED_TRACE(c.what);
+    const File file = streamOf(c.text);
+    std::vector<std::string> pieces;
+    std::string piece;
+    for (bool isRead = readFirstPiece(file.get(), piece); isRead;
+         isRead = readPiece(file.get(), piece)) {
+      pieces.push_back(piece);
+    }
+    EXPECT_EQ(pieces, c.pieces);
+  }
+}
+
 struct Reading {
   int result;
   std::string out;
@@ -159,6 +201,75 @@ TEST(ReadDefinitions, ReportsAStreamThatCannotBeReadToItsEnd) {
     EXPECT_EQ(reading.out, "Parsing file.\n");
     EXPECT_EQ(reading.err, "Error reading parameter definitions: Input/output error\n");
     EXPECT_FALSE(registry.isFinished());
+  }
+}
+
+TEST(ReadDefinitions, CountsColumnsBehindAByteOrderMark) {
+  Registry registry;
+  const Reading reading = readText("\xEF\xBB\xBFhue no {}\n", registry);
+  EXPECT_EQ(reading.result, 1);
+  EXPECT_EQ(reading.err, "Error on line 1\nInvalid parameter access type\nhue no {}\n    ^\n");
+}
+
+// A pipe whose text comes piece by piece, each written where nothing is left of those before.
+class SlowPipe {
+ public:
+  explicit SlowPipe(int flags) { EXPECT_EQ(pipe2(ends_.data(), O_CLOEXEC | flags), 0); }
+  ~SlowPipe() { writer_.join(); }
+  SlowPipe(const SlowPipe&) = delete;
+  SlowPipe& operator=(const SlowPipe&) = delete;
+
+  // `between` is called before each piece.
+  template <typename Between>
+  void write(std::vector<std::string> pieces, Between between) {
+    writer_ = std::thread([this, pieces = std::move(pieces), between] {
+      for (const std::string& piece : pieces) {
+        int unread = 0;
+        do {
+          usleep(20000);
+        } while (ioctl(ends_[0], FIONREAD, &unread) == 0 && unread > 0);
+        between();
+        EXPECT_EQ(::write(ends_[1], piece.data(), piece.size()),
+                  static_cast<ssize_t>(piece.size()));
+      }
+      close(ends_[1]);
+    });
+  }
+  [[nodiscard]] int readEnd() const { return ends_[0]; }
+
+ private:
+  std::array<int, 2> ends_ = {};
+  std::thread writer_;
+};
+
+const std::vector<std::string> SLOW_TEXT = {"gain r", "w {}\nhue rw", " {}\n"};
+
+TEST(ReadDefinitions, WaitsForANonBlockingStream) {
+  Registry registry;
+  SlowPipe slow(O_NONBLOCK);
+  const File file(fdopen(slow.readEnd(), "r"), fclose);
+  slow.write(SLOW_TEXT, [] {});
+  const Reading reading = readStream(file.get(), registry);
+  EXPECT_EQ(reading.result, 0);
+  EXPECT_EQ(reading.err, "");
+  EXPECT_EQ(registry.parmNames(), (std::vector<std::string>{"gain", "hue"}));
+  // Its mode is not changed: others may share it.
+  EXPECT_NE(fcntl(slow.readEnd(), F_GETFL) & O_NONBLOCK, 0);
+}
+
+TEST(ReadDefinitions, GoesOnAfterASignal) {
+  Registry registry;
+  struct sigaction action {};
+  action.sa_handler = [](int) {};
+  ASSERT_EQ(sigaction(SIGUSR1, &action, nullptr), 0);  // it interrupts what waits
+  for (const int flags : {0, O_NONBLOCK}) {
+    SCOPED_TRACE(flags);
+    SlowPipe slow(flags);
+    const File file(fdopen(slow.readEnd(), "r"), fclose);
+    slow.write(SLOW_TEXT, [reader = pthread_self()] { pthread_kill(reader, SIGUSR1); });
+    const Reading reading = readStream(file.get(), registry);
+    EXPECT_EQ(reading.result, 0);
+    EXPECT_EQ(reading.err, "");
   }
 }
 

@@ -161,7 +161,9 @@ TEST(DefinitionInput, ATextThatCannotBeReadEndsWithStatus1) {
     const char* redirection;
     const char* reason;
   };
-  const InputCase cases[] = {{"</", "Is a directory"}, {"0>/dev/null", "Bad file descriptor"}};
+  const InputCase cases[] = {{"</", "Is a directory"},
+                             {"0>/dev/null", "Bad file descriptor"},
+                             {"0<&-", "Bad file descriptor"}};
   for (const InputCase& c : cases) {
     SCOPED_TRACE(c.redirection);
     Daemon daemon({.redirections = c.redirection});
@@ -182,6 +184,11 @@ TEST(DefinitionInput, DefinitionsThatCannotBeBuiltEndWithStatus1) {
 }
 
 class DefinitionTextTest : public ServiceTest {};
+
+TEST_F(DefinitionTextTest, AByteOrderMarkInFrontIsNoPartOfTheFirstName) {
+  serve("\xEF\xBB\xBFgain rw { }");
+  expectFacts({{"single_set('gain', '1')", "()", {"gain=1"}}});
+}
 
 TEST_F(DefinitionTextTest, TheLastLineNeedsNoNewline) {
   serve("a rw { rangeValid { 0..9 } }\nb rw { rangeValid { 5..6 } }");

@@ -2,7 +2,9 @@
 
 #include <argp.h>
 
+#include <cerrno>
 #include <cstring>
+#include <new>
 
 #include "startup/version.h"
 
@@ -28,7 +30,7 @@ void addConstant(const char* argument, CommandLine& commandLine, argp_state* sta
   commandLine.constants.emplace(std::string(argument, equals), equals + 1);
 }
 
-error_t parseOption(int key, char* argument, argp_state* state) {
+error_t takeOption(int key, char* argument, argp_state* state) {
   CommandLine& commandLine = *static_cast<CommandLine*>(state->input);
   switch (key) {
     case 'b':
@@ -50,6 +52,15 @@ error_t parseOption(int key, char* argument, argp_state* state) {
   }
 }
 
+// No exception goes through argp.
+error_t parseOption(int key, char* argument, argp_state* state) {
+  try {
+    return takeOption(key, argument, state);
+  } catch (const std::bad_alloc&) {
+    return ENOMEM;
+  }
+}
+
 }  // namespace
 
 CommandLine parseCommandLine(int argc, char** argv) {
@@ -61,7 +72,7 @@ CommandLine parseCommandLine(int argc, char** argv) {
                        nullptr,
                        nullptr,
                        nullptr};
-  // A failure is argp's own: it has ended the process with its message.
-  static_cast<void>(argp_parse(&parser, argc, argv, 0, nullptr, &commandLine));
+  // For a fault of the command line argp ends the process itself.
+  if (argp_parse(&parser, argc, argv, 0, nullptr, &commandLine) != 0) throw std::bad_alloc();
   return commandLine;
 }

@@ -12,5 +12,6 @@ struct CommandLine {
 };
 
 /// Reads the arguments of the process. Ends it for an unknown option and for an argument without
-/// "=", with a usage message, and after --help, --usage and --version.
+/// "=", with a usage message, and after --help, --usage and --version. Raises std::bad_alloc where
+/// memory is exhausted.
 CommandLine parseCommandLine(int argc, char** argv);

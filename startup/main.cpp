@@ -1,6 +1,9 @@
 // The program: the order of start-up, nothing else.
 #include <malloc.h>
 
+#include <cstdio>
+#include <new>
+
 #include "database/database.h"
 #include "database/largest_change.h"
 #include "startup/command_line.h"
@@ -10,7 +13,9 @@
 #include "sw/dbus/server.h"
 #include "vid_std.h"
 
-int main(int argc, char** argv) {
+namespace {
+
+int start(int argc, char** argv) {
   openStandardStreams();
   const CommandLine commandLine = parseCommandLine(argc, argv);
   initVidStdTables();
@@ -23,4 +28,15 @@ int main(int argc, char** argv) {
   reportLargestChange(database);
   malloc_trim(0);  // what reading took goes back to the system, or it would stay for good
   return runService(database, commandLine.busSuffix, commandLine.daemonize, commandLine.pathSuffix);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return start(argc, argv);
+  } catch (const std::bad_alloc&) {
+    fputs("Error starting the service: out of memory\n", stderr);
+    return 1;
+  }
 }

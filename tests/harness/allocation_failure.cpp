@@ -2,6 +2,7 @@
 // test says, through the file that ALLOCATION_FAILURE_FILE names and both have mapped.
 #include "tests/harness/allocation_failure.h"
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -22,9 +23,19 @@ AllocationFailure* openPlan() {
   return static_cast<AllocationFailure*>(memory);
 }
 
+using Main = int (*)(int, char**, char**);
+
+Main programMain = nullptr;
+bool isInMain = false;
+
+int countedMain(int argc, char** argv, char** environment) {
+  isInMain = true;
+  return programMain(argc, argv, environment);
+}
+
 void* allocated(size_t size, size_t alignment = alignof(max_align_t)) {
   static AllocationFailure* const plan = openPlan();
-  if (plan->failures > 0 && plan->successes-- <= 0) {
+  if (isInMain && plan->failures > 0 && plan->successes-- <= 0) {
     --plan->failures;
     throw std::bad_alloc();
   }
@@ -34,6 +45,17 @@ void* allocated(size_t size, size_t alignment = alignof(max_align_t)) {
 }
 
 }  // namespace
+
+// What the C library begins with: it makes the objects that live as long as the program, and then
+// calls main().
+// NOLINTNEXTLINE(readability-identifier-naming,bugprone-reserved-identifier)
+extern "C" int __libc_start_main(Main main, int argc, char** argv, void (*init)(), void (*finish)(),
+                                 void (*finishLoader)(), void* stackEnd) {
+  programMain = main;
+  const auto next =
+      reinterpret_cast<decltype(&__libc_start_main)>(dlsym(RTLD_NEXT, "__libc_start_main"));
+  return next(countedMain, argc, argv, init, finish, finishLoader, stackEnd);
+}
 
 void* operator new(size_t size) { return allocated(size); }
 void* operator new[](size_t size) { return allocated(size); }

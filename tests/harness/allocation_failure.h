@@ -3,6 +3,7 @@
 
 #include <atomic>
 
+/// Both count from the start of main() on.
 struct AllocationFailure {
   std::atomic<long>
       successes;               ///< so many allocations go well; counted down while others will fail

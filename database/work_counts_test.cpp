@@ -52,8 +52,8 @@ TEST_F(WorkCounts, OfACommitFollowFromItsPlanAndItsTexts) {
       // Staged (4 for each byte of name and value), put in order twice, evaluated.
       {{{"plain", "5"}}, 324 + 2 * 25 + 304},
       // And "width" and three instances of "crop", each with what its index asks.
-      {{{"mode", "5"}}, 320 + 2 * 25 + 304 + 405 + 3 * 452},
-      {{{"mode", "5"}}, 320 + 2 * 25 + 304 + 405 + 3 * 452},  // a second time the same
+      {{{"mode", "5"}}, 320 + 2 * 25 + 304 + 405 + 3 * 632},
+      {{{"mode", "5"}}, 320 + 2 * 25 + 304 + 405 + 3 * 632},  // a second time the same
       // And "long", which looks for the one in the other.
       {{{"text", std::string(1000, 'x')}, {"part", "y"}},
        4316 + 320 + 2 * 100 + 4300 + 304 + 351 + 4000},
@@ -80,8 +80,15 @@ TEST_F(WorkCounts, OfQueriesFollowFromWhatTheyWalkOver) {
   EXPECT_EQ(indexRange(database_, staged, "in", texts, spans), INDEX_RANGE_FOUND);
   const uint64_t index = Work::done();
   EXPECT_EQ(depending, 3 * 300U + 20 + 16);    // three references, two names
-  EXPECT_EQ(range, depending + 2 * 452 + 81);  // evaluated in the plan and by itself; its range
+  EXPECT_EQ(range, depending + 2 * 632 + 81);  // evaluated in the plan and by itself; its range
   EXPECT_EQ(index, 31 + 11 + 61U);             // whether it exists, what applies, one run
+}
+
+TEST_F(WorkCounts, OfALineInTheLogAreOfItsBytesAndAFixedPart) {
+  const LogRedirection silence([](const std::string&) {});
+  Work::begin(UNLIMITED);
+  logError("12345");
+  EXPECT_EQ(Work::done(), WORK_PER_LOG_LINE + 5);
 }
 
 // A commit whose budget is smaller than its plan changes nothing; one that runs out of it on the
@@ -96,14 +103,13 @@ TEST_F(WorkCounts, OfACommitAreHeldAgainstTheBudgetBeforeAnythingIsStored) {
   EXPECT_EQ(commit(transaction, changes), COMMIT_TOO_LARGE);
   EXPECT_TRUE(changes.empty());
   EXPECT_TRUE(transaction.staged().empty());
+  Work::begin(UNLIMITED);
   EXPECT_EQ(transaction.find("mode")->size(), 0U);
   EXPECT_EQ(
-      log, (std::vector<std::string>{R"(commit: ERROR "mode": 2111 units of work, 1000 allowed)"}));
+      log, (std::vector<std::string>{R"(commit: ERROR "mode": 2651 units of work, 1000 allowed)"}));
 }
 
 TEST_F(WorkCounts, OfTextsEndACommitWhereTheBudgetIsPassed) {
-  std::vector<std::string> log;
-  const LogRedirection redirection([&](const std::string& line) { log.push_back(line); });
   const std::string longest(MAX_VALUE_BYTES, 'x');
   Work::begin(UNLIMITED);
   Transaction transaction(database_);
@@ -111,16 +117,13 @@ TEST_F(WorkCounts, OfTextsEndACommitWhereTheBudgetIsPassed) {
   Work::begin(5 * MAX_VALUE_BYTES);
   std::vector<Change> changes;
   EXPECT_THROW(static_cast<void>(commit(transaction, changes)), WorkExceeded);
-  Work::logExceeded();
+  EXPECT_EQ(Work::exceededText(), R"(work: ERROR "long": 8389309 units of work, 5242880 allowed)");
   // "text" is stored, then the search for "part" in it is too much.
   ASSERT_EQ(changes.size(), 1U);
   EXPECT_EQ(changes.front().name, "text");
   Work::begin(UNLIMITED);
   EXPECT_EQ(transaction.find("text")->size(), MAX_VALUE_BYTES);
   EXPECT_TRUE(transaction.staged().empty());
-  EXPECT_EQ(
-      log,
-      (std::vector<std::string>{R"(work: ERROR "long": 8389309 units of work, 5242880 allowed)"}));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "deflang/log_socket.h"
+#include "deflang/work.h"
 
 namespace {
 
@@ -29,6 +30,7 @@ int write(const char* line) {
 }  // namespace
 
 void logError(const std::string& line) {
+  Work::addSpent(WORK_PER_LOG_LINE + line.size());
   if (innermost != nullptr) {
     innermost->sink_(line);
     return;

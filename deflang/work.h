@@ -18,6 +18,7 @@ constexpr uint64_t WORK_PER_CANDIDATE = 10;   ///< conditional bounds that are a
 constexpr uint64_t WORK_PER_ITEM = 50;        ///< an item of a range that is worked out
 constexpr uint64_t WORK_PER_NAME = 20;        ///< a variable that is given its value
 constexpr uint64_t WORK_PER_INSTANCE = 300;   ///< an instance that is evaluated
+constexpr uint64_t WORK_PER_INDEX = 200;      ///< an index value that it has
 constexpr uint64_t WORK_PER_REFERENCE = 300;  ///< a name that a parameter is found to depend on
 constexpr uint64_t WORK_PER_REQUEST = 300;    ///< a name of a request that is looked up or staged
 constexpr uint64_t WORK_PER_COMPARISON = 25;  ///< of two names that are put in order
@@ -45,8 +46,8 @@ class Work {
     if (units > left_) exceed(units);
     left_ -= units;
   }
-  /// Raises WorkExceeded as add() does, but counts nothing: for what is counted piece by piece later
-  /// and must not begin where it cannot end.
+  /// Raises WorkExceeded as add() does, but counts nothing: for what is counted piece by piece
+  /// later and must not begin where it cannot end.
   static void require(uint64_t units) {
     if (units > left_) exceed(units);
   }
@@ -59,8 +60,8 @@ class Work {
   [[nodiscard]] static uint64_t budget() { return budget_; }
   /// Notes the parameter that the work is spent on from now on. The name outlives the request.
   static void spendOn(const std::string& name) { subject_ = &name; }
-  /// Writes to the system log that the budget was passed, and where: `work: ERROR "NAME": ...`.
-  static void logExceeded() noexcept;
+  /// For the system log, after WorkExceeded: at which parameter, and how much was wanted.
+  [[nodiscard]] static std::string exceededText();
 
  private:
   [[noreturn]] static void exceed(uint64_t units);

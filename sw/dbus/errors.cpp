@@ -1,10 +1,14 @@
 #include "sw/dbus/errors.h"
 
+#include <new>
+
 #include "database/commit.h"
 #include "database/dependencies.h"
 #include "database/index_query.h"
 #include "database/range_query.h"
 #include "database/transaction.h"
+#include "deflang/system_log.h"
+#include "deflang/work.h"
 
 namespace {
 
@@ -85,4 +89,12 @@ gboolean finishMethod(GError** error, methodFamily_t family, int result) noexcep
     g_free(text);
   }
   return FALSE;
+}
+
+void logExceededWork() noexcept {
+  try {
+    logError(Work::exceededText());
+  } catch (const std::bad_alloc&) {
+    // The client gets its error all the same.
+  }
 }

@@ -36,3 +36,6 @@ char* newErrorText(methodFamily_t family, int result) noexcept;
 /// Hands on the result of an operation: TRUE for 0, otherwise FALSE and the error in `error`. Of
 /// several errors of one call the first stays.
 gboolean finishMethod(GError** error, methodFamily_t family, int result) noexcept;
+
+/// Tells the system log where a call passed its budget of work, and how much it wanted.
+void logExceededWork() noexcept;

@@ -46,7 +46,7 @@ gboolean serve(const MethodCall& call, methodFamily_t family, Operation operatio
   try {
     return operation();
   } catch (const WorkExceeded&) {
-    Work::logExceeded();
+    logExceededWork();
     return finishMethod(call.error, family, INTERNAL_ERROR);
   } catch (...) {
     return finishMethod(call.error, family,

@@ -33,7 +33,7 @@ ParmDef::ParmDef(DefinitionParts parts, ParmParts parmParts)
 uint64_t ParmDef::countEvaluationWork() const {
   uint64_t units = WORK_PER_INSTANCE + judgingWork() + usedNames_ * WORK_PER_NAME +
                    workOf(readOnlyConditions_.all());
-  for (const IndexDef* index : indices()) units += WORK_PER_NAME + index->judgingWork();
+  for (const IndexDef* index : indices()) units += WORK_PER_INDEX + index->judgingWork();
   for (const ConstraintRule& rule : constraintRules()) {
     units += 2 * (rule.condition.work() + rule.test.work()) + rule.correction.work();
   }

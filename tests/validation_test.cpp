@@ -303,4 +303,24 @@ g%n  rw { index { chan } }
   });
 }
 
+TEST_F(ValidationTest, AValueIsComputedWhenItIsAskedFor) {
+  // What stands beside the names would decide alone, if that was done when the text is read.
+  serve(R"(
+mode rw { }
+word rw { }
+plain rw { default { (7 || word) } }
+sized rw { rangeValid { (vidStd::mode::spal || 9) } }
+when rw { default (word == 1) { (mode && 0) } default { 5 } }
+)");
+  expectFacts({
+      {"get_deps('plain')", "['word']"},
+      {"get_deps('sized')", "['mode']"},
+      {"get_deps('when')", "['mode', 'word']"},
+      {"single_reset('plain')", "()", {"plain=1"}},  // of a word without a value, which is 0
+      {"single_set('sized', '5')", "()", {"sized=9"}},
+      {"single_set('mode', '1080i/50')", "()", {"mode=1080i/50", "sized=1", "when="}},
+      {"single_reset('when')", "()", {"when=5"}},
+  });
+}
+
 }  // namespace

@@ -92,7 +92,7 @@ class DefaultBuilder {
       draft_.error(DIAG_INVALID_EXPRESSION, statement.at);
       return std::nullopt;
     }
-    Classification value = classify(statement.value, draft_);
+    Classification value = classifyValue(statement.value, draft_);
     switch (value.decision) {
       case DECIDED:
         return value.value.isNumber() ? Program::constant(value.value.number)

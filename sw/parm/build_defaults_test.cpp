@@ -42,6 +42,10 @@ TEST(BuildDefaults, FindsTheDefaultOfASituation) {
        "9",
        0,
        {"mode", "lock"}},
+      // A name is asked, also where the constants beside it would decide without.
+      {"default { (7 || lock) }", {}, {{"lock", "0"}}, "1", 0, {"lock"}},
+      {"default { (7 || lock) }", {}, {}, "7", 0, {"lock"}},
+      {"default (mode) { (lock && 0) }", {}, {{"mode", "1"}}, "0", 0, {"mode", "lock"}},
       {"default (mode) { (lock + 1) }",
        {},
        {{"mode", "1"}, {"lock", "4"}},

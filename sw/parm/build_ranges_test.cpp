@@ -57,7 +57,6 @@ TEST(BuildRangeValid, GathersConstantsInTheBaseBounds) {
       {"rangeValid { (\"7\"), (\"a\"), (\"\") }", {}, "0, 7, \"a\""},  // a computed text may be one
       {"rangeValid { (2 * 3)..(TEN), (\"a\" + 1) }", {}, "6..10, \"a1\""},
       {"rangeValid { (WORD), (TEN) }", {}, "10, \"x\""},
-      {"rangeValid { (mode && 0)..9 }", {}, "0..9"},
       {"rangeValid () { 1 }", {}, "1"},
       {"rangeValid (1) { 1 }", {}, "1"},
       {"rangeValid (0 || 2) { 1 } rangeValid (ON) { 3 }", {}, "1, 3"},
@@ -111,6 +110,10 @@ TEST(BuildRangeValid, ComputesRunTimeItems) {
        {"= 3, 8, 20..30, \"7\", \"a\""},
        {"mode", "lo"}},
       {"rangeValid { 0..(lo) }", {{"lo", "3"}}, "", {"= 0..3"}, {"lo"}},
+      // A name is asked, also where the constants beside it would decide without.
+      {"rangeValid { (lo || 9) }", {{"lo", "3"}}, "", {"= 1"}, {"lo"}},
+      {"rangeValid { (lo || 9) }", {}, "", {"= 9"}, {"lo"}},
+      {"rangeValid { (lo && 0)..9 }", {{"lo", "3"}}, "", {"= 0..9"}, {"lo"}},
       {"rangeValid { (lo)..9 }", {{"lo", "3"}}, "", {"= 3..9"}, {"lo"}},
       {"rangeValid { (lo) }", {{"lo", "auto"}}, "", {"= \"auto\""}, {"lo"}},
       {"rangeValid { 0..(lo) }", {{"lo", "-1"}}, "", {"= -5"}, {"lo"}},

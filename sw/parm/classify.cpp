@@ -40,9 +40,10 @@ Classification leaveOut(const Expression& expression, size_t position, Definitio
   return {LEFT_OUT};
 }
 
-}  // namespace
+// What a name that is no constant leaves open. A condition may be decided without it.
+enum purpose_t { AS_VALUE, AS_CONDITION };
 
-Classification classify(const Expression& expression, DefinitionDraft& draft) {
+Classification classify(const Expression& expression, purpose_t purpose, DefinitionDraft& draft) {
   if (std::optional<Value> literal = literalValue(expression)) {
     return {DECIDED, *std::move(literal)};
   }
@@ -52,14 +53,23 @@ Classification classify(const Expression& expression, DefinitionDraft& draft) {
   if (failed != 0) return leaveOut(expression, failed < 0 ? 0 : static_cast<size_t>(failed), draft);
   Situation situation(variables.size());
   const size_t constants = bindConstants(variables, draft.context(), situation);
-  Value value = compiled.program.evaluate(situation);
-  if (value.valid()) return {DECIDED, std::move(value), constants > 0};
-  if (constants < variables.size()) return {RUN_TIME, {}, constants > 0, std::move(compiled)};
+  const bool isOpen = constants < variables.size();
+  if (purpose == AS_CONDITION || !isOpen) {
+    Value value = compiled.program.evaluate(situation);
+    if (value.valid()) return {DECIDED, std::move(value), constants > 0};
+  }
+  if (isOpen) return {RUN_TIME, {}, constants > 0, std::move(compiled)};
   return leaveOut(expression, 1, draft);
 }
 
+}  // namespace
+
+Classification classifyValue(const Expression& expression, DefinitionDraft& draft) {
+  return classify(expression, AS_VALUE, draft);
+}
+
 Condition classifyControl(const Expression& condition, DefinitionDraft& draft) {
-  Classification classified = classify(condition, draft);
+  Classification classified = classify(condition, AS_CONDITION, draft);
   switch (classified.decision) {
     case DECIDED:
       return {classified.value.isTrue() ? CONDITION_ALWAYS : CONDITION_NEVER,

@@ -19,11 +19,13 @@ struct Classification {
   Compiled compiled = {};      ///< of a run-time expression
 };
 
-/// Evaluates `expression` with the command-line constants as the only variables. Without a result
-/// it is a run-time expression when it has other names. The names stay out of the definition.
-Classification classify(const Expression& expression, DefinitionDraft& draft);
+/// Evaluates the value of a default or of a range item with the command-line constants as the only
+/// variables. One that has other names is a run-time expression, whatever they leave open: a value
+/// is judged when it is asked for. The names stay out of the definition.
+Classification classifyValue(const Expression& expression, DefinitionDraft& draft);
 
-/// When a condition is true.
+/// When a condition is true. Where the constants decide it alone, it does not wait for the other
+/// names.
 enum conditionKind_t {
   CONDITION_ALWAYS,
   CONDITION_NEVER,

@@ -24,7 +24,7 @@ class Classified {
         context_(diagnostics_, parsed_.records, parsed_.lines, registry_, false),
         draft_(context_, *parsed_.records.find("p")) {}
 
-  Classification asValue() { return classify(expression(), draft_); }
+  Classification asValue() { return classifyValue(expression(), draft_); }
   Condition asControl() { return classifyControl(expression(), draft_); }
   Condition asCondition() { return classifyCondition(expression(), draft_); }
   std::string report() const { return printed(diagnostics_); }
@@ -41,7 +41,7 @@ class Classified {
   DefinitionDraft draft_;
 };
 
-TEST(Classify, DecidesWhatTheConstantsDecide) {
+TEST(ClassifyValue, DecidesWhatTheConstantsDecide) {
   struct Case {
     const char* text;
     const char* value;
@@ -58,12 +58,9 @@ TEST(Classify, DecidesWhatTheConstantsDecide) {
       {"LIMIT / 4 + 1", "5", true, true},
       {"MODEL", "pro", false, true},
       {"MODEL == \"pro\"", "1", true, true},
-      {"EMPTY", "0", true, true},       // the empty text is the number 0
-      {"X[1] + 1", "8", true, true},    // a constant's name may hold brackets
-      {"late", "3", true, true},        // the text ends before this record is one
-      {"mode && 0", "0", true, false},  // the defined side decides
-      {"5 || unknown", "5", true, false},
-      {"LIMIT && (0 && mode)", "0", true, true},
+      {"EMPTY", "0", true, true},     // the empty text is the number 0
+      {"X[1] + 1", "8", true, true},  // a constant's name may hold brackets
+      {"late", "3", true, true},      // the text ends before this record is one
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
@@ -78,7 +75,7 @@ TEST(Classify, DecidesWhatTheConstantsDecide) {
   }
 }
 
-TEST(Classify, LeavesOtherNamesToRunTime) {
+TEST(ClassifyValue, LeavesOtherNamesToRunTime) {
   struct Case {
     const char* text;
     bool namesConstant;
@@ -91,7 +88,10 @@ TEST(Classify, LeavesOtherNamesToRunTime) {
       {"vidStd::LIMIT::spal", false},  // its figure is found at run time
       {"mode + LIMIT", true},
       {"mode && 1", false},
-      {"LIMIT == 0 && mode == 2", true},  // only a bare name is absorbed, no missing result
+      {"LIMIT == 0 && mode == 2", true},
+      {"mode && 0", false},  // nor does the defined side decide
+      {"5 || unknown", false},
+      {"LIMIT && (0 && mode)", true},
       {"mode / 0", false},
   };
   for (const Case& c : cases) {
@@ -105,7 +105,7 @@ TEST(Classify, LeavesOtherNamesToRunTime) {
   }
 }
 
-TEST(Classify, ReportsWhatNeverHasAValue) {
+TEST(ClassifyValue, ReportsWhatNeverHasAValue) {
   struct Case {
     const char* text;
     const char* report;
@@ -145,12 +145,21 @@ TEST(ClassifyCondition, TellsWhenItIsTrue) {
     bool namesConstant;
   };
   const Case cases[] = {
-      {"1", CONDITION_ALWAYS, false},           {"0 - 1", CONDITION_ALWAYS, false},
+      {"1", CONDITION_ALWAYS, false},
+      {"0 - 1", CONDITION_ALWAYS, false},
       {"\"0\"", CONDITION_ALWAYS, false},  // a text that is not empty is true
-      {"LIMIT", CONDITION_ALWAYS, true},        {"0", CONDITION_NEVER, false},
-      {"\"\"", CONDITION_NEVER, false},         {"MODEL == \"basic\"", CONDITION_NEVER, true},
-      {"mode == 1", CONDITION_RUN_TIME, false}, {"mode == LIMIT", CONDITION_RUN_TIME, true},
-      {"1 / 0", CONDITION_LEFT_OUT, false},     {"1 2", CONDITION_LEFT_OUT, false},
+      {"LIMIT", CONDITION_ALWAYS, true},
+      {"0", CONDITION_NEVER, false},
+      {"\"\"", CONDITION_NEVER, false},
+      {"MODEL == \"basic\"", CONDITION_NEVER, true},
+      {"mode == 1", CONDITION_RUN_TIME, false},
+      {"mode == LIMIT", CONDITION_RUN_TIME, true},
+      {"1 / 0", CONDITION_LEFT_OUT, false},
+      {"1 2", CONDITION_LEFT_OUT, false},
+      {"mode && 0", CONDITION_NEVER, false},  // the defined side decides
+      {"5 || unknown", CONDITION_ALWAYS, false},
+      {"LIMIT && (0 && mode)", CONDITION_NEVER, true},
+      {"LIMIT == 0 && mode == 2", CONDITION_RUN_TIME, true},  // only a bare name is absorbed
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);

@@ -32,14 +32,14 @@ class ItemReader {
   }
 
   void readValue(const RangeItem& item) {
-    Classification value = classify(item.lower, draft_);
+    Classification value = classifyValue(item.lower, draft_);
     if (value.decision == LEFT_OUT) return;
     out_.items.push_back({limit(item.lower, std::move(value)), std::nullopt});
   }
 
   void readSpan(const RangeItem& item) {
-    Classification lower = classify(item.lower, draft_);
-    Classification upper = classify(*item.upper, draft_);
+    Classification lower = classifyValue(item.lower, draft_);
+    Classification upper = classifyValue(*item.upper, draft_);
     if (lower.decision == LEFT_OUT || upper.decision == LEFT_OUT) return;
     if (!isSpan(lower, upper)) return refuse(item);
     Program low = limit(item.lower, std::move(lower));

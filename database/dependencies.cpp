@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <forward_list>
-#include <iterator>
 #include <map>
 #include <utility>
 #include <vector>
@@ -188,9 +187,6 @@ int dependencyInstances(Database& database, std::string_view name, std::vector<I
   }
   out = {target};
   instances.erase(target);
-  std::copy_if(instances.begin(), instances.end(), std::back_inserter(out),
-               [](const Instance& instance) {
-                 return instance.indices.size() == instance.parm->parm.indices().size();
-               });
+  out.insert(out.end(), instances.begin(), instances.end());
   return DEPENDENCIES_FOUND;
 }

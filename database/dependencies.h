@@ -31,12 +31,15 @@ constexpr size_t MAX_DEPENDENCY_BYTES = size_t{32} << 20U;
 int dependencies(Database& database, std::string_view name, bool withIndices,
                  std::set<std::string>& out);
 
-/// One instance of a parameter.
+/// A parameter with index values, as a name has them.
 struct Instance {
   ParmEntry* parm;
   IndexTuple indices;
+  /// Whether there are as many index values as indices. Otherwise it is the name of no instance,
+  /// though one under which something can be staged.
+  [[nodiscard]] bool isComplete() const { return indices.size() == parm->parm.indices().size(); }
 };
 
-/// The same with index values as instances: first the one that `name` says, then the others among
-/// the names that carry as many index values as their parameter has indices.
+/// The same with index values: first what `name` says, then the other names of parameters, complete
+/// or not.
 int dependencyInstances(Database& database, std::string_view name, std::vector<Instance>& out);

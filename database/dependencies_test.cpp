@@ -85,7 +85,7 @@ TEST(Dependencies, AreTheNamesThatAParameterRefersToDirectlyOrNot) {
   }
 }
 
-// Constants, indices and names that lack index values are no instances.
+// Constants and indices are no parameters. A name that lacks index values is told from the others.
 TEST(DependencyInstances, AreTheOneThatIsAskedForAndThoseAmongTheNames) {
   struct Case {
     std::string name;
@@ -95,9 +95,11 @@ TEST(DependencyInstances, AreTheOneThatIsAskedForAndThoseAmongTheNames) {
       {"free", {}},
       {"left", {"right"}},
       {"both[1][a]", {"mode", "perIn[1]"}},
-      {"sees[2]", {"mode", "perIn[2]"}},
+      {"sees[2]", {"both[2]", "mode", "perIn[2]"}},
       {"self[2]", {"mode", "self[0]", "self[2]"}},
-      {"flat", {"both[0][b]", "mode", "sees[1]", "sees[2]", "perIn[0]", "perIn[1]", "perIn[2]"}},
+      {"flat",
+       {"both[0][b]", "both[1]", "both[2]", "mode", "sees[1]", "sees[2]", "perIn[0]", "perIn[1]",
+        "perIn[2]"}},
   };
   Database database;
   define(database, TEXT, {{"LIMIT", "1"}});
@@ -107,7 +109,9 @@ TEST(DependencyInstances, AreTheOneThatIsAskedForAndThoseAmongTheNames) {
     EXPECT_EQ(dependencyInstances(database, c.name, instances), DEPENDENCIES_FOUND);
     Names names;
     for (const Instance& instance : instances) {
-      names.insert(fullName(instance.parm->parm.name(), instance.indices));
+      const std::string name = fullName(instance.parm->parm.name(), instance.indices);
+      EXPECT_EQ(instance.isComplete(), name != "both[1]" && name != "both[2]") << name;
+      names.insert(name);
     }
     EXPECT_EQ(fullName(instances.front().parm->parm.name(), instances.front().indices), c.name);
     Names expected = c.others;

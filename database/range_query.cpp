@@ -17,7 +17,7 @@ namespace {
 constexpr int WALK_AGAIN = 1;
 
 // The level at which evaluation starts: the target's, or a lower one where something is staged that
-// the target depends on.
+// the target depends on, be it under a name that lacks index values.
 uint32_t startLevel(const ParmEntry& target, const std::vector<Instance>& instances,
                     const StagedValues& staged) {
   uint32_t level = target.level;
@@ -32,7 +32,7 @@ uint32_t startLevel(const ParmEntry& target, const std::vector<Instance>& instan
 Plan planQuery(const std::vector<Instance>& instances, uint32_t startLevel, StagedValues& scratch) {
   Plan plan;
   for (const Instance& instance : instances) {
-    if (instance.parm->level >= startLevel) {
+    if (instance.isComplete() && instance.parm->level >= startLevel) {
       StagedEntry& entry = scratch.stage(*instance.parm, instance.indices, true);
       plan.push_back({instance.parm->level, instance.parm->rank, &entry});
     }

@@ -151,6 +151,22 @@ fixed rw { rangeValid { 0..(both[1][0]) } }
   EXPECT_EQ(range("fixed"), "0..3 ");
 }
 
+// Where the query starts decides whether `mid`, which was never committed, is seen corrected.
+TEST_F(RangeQueryTest, StartsAtTheLevelOfAStagedNameThatLacksIndexValues) {
+  text(R"(
+chan index { rangeValid { 0..1 } }
+grid rw { index { chan } }
+low rw { }
+mid rw { ctrlRO (low == 1) rangeValid { 5..9 } }
+target rw { rangeValid { 0..(mid + grid) } }
+)");
+  EXPECT_EQ(range("target"), "0..0 ");
+  stage("grid[1]", "2");  // no part of what target depends on
+  EXPECT_EQ(range("target"), "0..0 ");
+  stage("grid", "2");  // no instance, but the name that target refers to
+  EXPECT_EQ(range("target"), "0..7 ");
+}
+
 TEST_F(RangeQueryTest, RefusesAnInstanceThatDoesNotExistNow) {
   text(R"(
 on rw { }

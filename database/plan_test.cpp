@@ -81,4 +81,26 @@ TEST_F(PlanTest, HoldsInstancesThatTheIndexDoesNotHave) {
   EXPECT_EQ(planned({"crop[7]", "crop"}), (Lines{"0 crop", "0 crop[7]"}));
 }
 
+TEST(Plan, HoldsAMillionInstancesAndNoMore) {
+  struct Case {
+    const char* dependents;
+    std::optional<size_t> steps;
+  };
+  const Case cases[] = {
+      {"wide rw { index { thousand, thousand } ctrlRO (mode == 1) }", 1 + MAX_PLANNED_INSTANCES},
+      {"wide rw { index { thousand, thousand } ctrlRO (mode == 1) } one rw { ctrlRO (mode == 1) }",
+       std::nullopt},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.dependents);
+    Database database;
+    const std::string text = "thousand index { rangeValid { 1..1000 } }\nmode rw { }\n";
+    define(database, text + c.dependents + "\n", {});
+    StagedValues staged;
+    staged.stage(*database.findParm("mode"), {}, false);
+    const std::optional<Plan> plan = planCommit(database, staged);
+    EXPECT_EQ(plan ? std::optional(plan->size()) : std::nullopt, c.steps);
+  }
+}
+
 }  // namespace

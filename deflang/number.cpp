@@ -2,10 +2,11 @@
 
 #include <charconv>
 #include <cstdlib>
+#include <limits>
 
 namespace {
 
-constexpr size_t MAX_PLAIN_DIGITS = 9;  // nine digits always fit into 32 bits
+constexpr size_t MAX_PLAIN_DIGITS = std::numeric_limits<int32_t>::digits10;  // they always fit
 
 struct Conversion {
   int32_t number;

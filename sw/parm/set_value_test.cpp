@@ -388,4 +388,19 @@ TEST_F(SetValue, LeavesTheCallersSituationAlone) {
   EXPECT_EQ(situation[*parm.variables().find("sw::this")].kind, OPERAND_INVALID);
 }
 
+// An index value with brackets in it makes a name that another number of values makes too.
+TEST_F(SetValue, ChecksTheIndexValuesOfWhatLooksLikeAStoredInstance) {
+  const IndexDef row = makeIndex({.name = "row", .base = {"\"a][b\""}});
+  ParmDef parm = makeParm({.indices = {&row}});
+  expectSet(parm, "5", {"a][b"}, {}, {}, {SET_STORED, "5", true});
+  CommittedValue* const held = parm.committed({"a", "b"});
+  ASSERT_NE(held, nullptr);
+  expectSet(parm, "6", {"a", "b"}, {}, {.held = held},
+            {SET_INVALID_INDEX,
+             "",
+             false,
+             {"set: ERROR \"gain\": Invalid index value[\"row\"=\"a\"]", "Var list begin",
+              "Var list end"}});
+}
+
 }  // namespace

@@ -26,6 +26,11 @@ uint64_t countValues(const BoundsParm& bounds) {
   return count;
 }
 
+bool hasInstances(const ParmDef& parm) {
+  return std::all_of(parm.indices().begin(), parm.indices().end(),
+                     [](const IndexDef* index) { return index->baseBounds().count() > 0; });
+}
+
 // Moves on to the next combination, the last index first. False after the last one.
 bool advance(std::vector<size_t>& places,
              const std::vector<const std::vector<std::string>*>& values) {
@@ -48,6 +53,10 @@ const std::vector<std::string>& indexValues(IndexEntry& index) {
 }
 
 uint64_t countInstances(const ParmDef& parm) {
+  // First: one index without values outweighs all the others.
+  if (!hasInstances(parm)) {
+    return 0;
+  }
   uint64_t count = 1;
   for (const IndexDef* index : parm.indices()) {
     if (__builtin_mul_overflow(count, countValues(index->baseBounds()), &count)) {
@@ -59,12 +68,13 @@ uint64_t countInstances(const ParmDef& parm) {
 
 void forEachInstance(Database& database, const ParmDef& parm,
                      const std::function<void(const IndexTuple&)>& visit) {
+  // The values of an index are many, and they are not worked out for nothing.
+  if (!hasInstances(parm)) {
+    return;
+  }
   std::vector<const std::vector<std::string>*> values;
   for (const IndexDef* index : parm.indices()) {
     values.push_back(&indexValues(*database.findIndexEntry(index->name())));
-    if (values.back()->empty()) {
-      return;
-    }
   }
   std::vector<size_t> places(values.size(), 0);
   IndexTuple indices(values.size());

@@ -55,6 +55,19 @@ TEST(IndexValues, MakeEveryCombinationInIndexOrder) {
   }
 }
 
+TEST(IndexValues, AreNotWorkedOutForAParameterWithoutInstances) {
+  Database database;
+  define(database, std::string(TEXT) +
+                       "wide index { rangeValid { -2147483648..2147483647 } }\n"
+                       "p rw { index { chan, any } }\n"
+                       "q rw { index { wide, wide, any } }\n");
+  forEachInstance(database, database.findParm("p")->parm,
+                  [](const IndexTuple& indices) { FAIL() << testing::PrintToString(indices); });
+  EXPECT_TRUE(database.findIndexEntry("chan")->values.empty());
+  EXPECT_EQ(countInstances(database.findParm("p")->parm), 0U);
+  EXPECT_EQ(countInstances(database.findParm("q")->parm), 0U);
+}
+
 TEST(IndexValues, ReachTheGreatestNumber) {
   Database database;
   define(database, "top index { rangeValid { 2147483646..2147483647 } }\np rw { index { top } }\n");

@@ -414,6 +414,18 @@ TEST_F(HostileTextsTest, MoreInstancesThanAMillionAreNotCommitted) {
   });
 }
 
+TEST_F(HostileTextsTest, AHugeIndexBesideOneWithoutValuesHasNoInstances) {
+  serveHostile(
+      "wide index { rangeValid { 0..49999999 } }\nnone index { }\nmode rw { }\n"
+      "p rw { index { wide, none } ctrlRO ( mode == 1 ) }\n"
+      "q rw { index { wide, wide, wide, none } ctrlRO ( mode == 1 ) }\n");
+  expectFacts({
+      {"single_set('mode', '1')", "()", {"mode=1"}},
+      {"single_set('mode', '2')", "()", {"mode=2"}},
+      {"single_set('p[49999999][x]', '7')", "()", {"p[49999999][x]=7"}},
+  });
+}
+
 TEST_F(HostileTextsTest, TheRangeOfAHugeIndexWithConditionsIsFoundAtOnce) {
   serveHostile(
       "mode rw { }\n"

@@ -194,7 +194,7 @@ int Database::assignLevels(const std::vector<ParmEntry*>& parms, std::string& na
   const NameGraph graph(parms);
   std::vector<uint32_t> levels;
   uint32_t onCycle = 0;
-  if (::assignLevels(graph.dependents(), levels, onCycle) != 0) {
+  if (::assignLevels(graph.dependents(), {}, levels, onCycle) != 0) {
     name = parms[onCycle]->parm.name();
     return 1;
   }

@@ -43,13 +43,13 @@ bool isReported(const StagedEntry& entry, const std::string& before) {
 
 // Commits one entry. Returns 0, WALK_AGAIN, or a refusal, which is logged with the value as it was
 // staged.
-int commitEntry(StagedEntry& entry, const StagedValues& staged, std::vector<Change>& changes) {
+int commitEntry(StagedEntry& entry, IndexSituations& situations, std::vector<Change>& changes) {
   // All that is needed to report the value is there before it is stored: where memory is exhausted,
   // nothing is stored that is not reported.
   std::string name = fullName(entry);
   const std::string before = committedText(entry);
   const std::string wanted = entry.value.text();
-  const setOutcome_t outcome = evaluate(entry, staged, false);
+  const setOutcome_t outcome = evaluate(entry, situations, false);
   switch (outcome.result) {
     case SET_STORED:
       if (outcome.stored && isReported(entry, before)) {
@@ -68,16 +68,16 @@ int commitEntry(StagedEntry& entry, const StagedValues& staged, std::vector<Chan
 
 // Walks a level once. A refusal ends the walk; what it leaves unwalked is as if it had not been
 // staged.
-int passLevel(std::span<const PlanStep> level, const StagedValues& staged,
+int passLevel(std::span<const PlanStep> level, IndexSituations& situations,
               std::vector<Change>& changes) {
   int result = 0;
   for (auto step = level.begin(); step != level.end(); ++step) {
-    const int code = commitEntry(*step->entry, staged, changes);
+    const int code = commitEntry(*step->entry, situations, changes);
     if (code == WALK_AGAIN) {
       result = WALK_AGAIN;
     } else if (code != 0) {
       std::for_each(std::next(step), level.end(),
-                    [](const PlanStep& unwalked) { takeCommitted(*unwalked.entry); });
+                    [&](const PlanStep& unwalked) { takeCommitted(*unwalked.entry, situations); });
       return code;
     }
   }
@@ -87,11 +87,12 @@ int passLevel(std::span<const PlanStep> level, const StagedValues& staged,
 int applyPlan(std::span<const PlanStep> plan, const StagedValues& staged,
               std::vector<Change>& changes) {
   int result = 0;
+  IndexSituations situations(staged);
   while (!plan.empty()) {
     const std::span<const PlanStep> level = firstLevel(plan, plan);
-    int code = passLevel(level, staged, changes);
+    int code = passLevel(level, situations, changes);
     while (code == WALK_AGAIN) {
-      code = passLevel(level, staged, changes);
+      code = passLevel(level, situations, changes);
     }
     result = result == 0 ? code : result;
   }

@@ -13,10 +13,12 @@
 namespace {
 
 // The names of a definition text as the nodes of a graph: first the parameters, in name order, then
-// whatever else they refer to.
+// whatever else they refer to. An index makes a bundle of its names and the parameters that it
+// indexes.
 class NameGraph {
  public:
-  explicit NameGraph(const std::vector<ParmEntry*>& parms) : nodes_(parms.size()) {
+  NameGraph(const std::vector<ParmEntry*>& parms, TextMap<IndexEntry>& indices)
+      : nodes_(parms.size()) {
     for (const ParmEntry* parm : parms) {
       for (const VariableSource& source : parm->sources) {
         if (source.name != THIS_VALUE) {
@@ -25,12 +27,41 @@ class NameGraph {
       }
     }
     for (std::vector<uint32_t>& dependents : nodes_) {
-      dependents.erase(std::unique(dependents.begin(), dependents.end()), dependents.end());
+      dropRepetitions(dependents);
+    }
+    for (auto& [name, index] : indices) {
+      addBundle(index);
     }
   }
   [[nodiscard]] const DependentsGraph& dependents() const { return nodes_; }
+  [[nodiscard]] const std::vector<Bundle>& bundles() const { return bundles_; }
+  // The index that has made a bundle.
+  [[nodiscard]] IndexEntry& indexOf(size_t bundle) const { return *indices_[bundle]; }
 
  private:
+  static void dropRepetitions(std::vector<uint32_t>& ascending) {
+    ascending.erase(std::unique(ascending.begin(), ascending.end()), ascending.end());
+  }
+
+  void addBundle(IndexEntry& index) {
+    Bundle bundle;
+    for (const VariableSource& source : index.sources) {
+      if (source.name != THIS_VALUE) {
+        bundle.names.push_back(static_cast<uint32_t>(nodeOf(source)));
+      }
+    }
+    if (bundle.names.empty() || index.dependents.empty()) {
+      return;
+    }
+    std::sort(bundle.names.begin(), bundle.names.end());
+    dropRepetitions(bundle.names);
+    for (const ParmEntry* dependent : index.dependents) {
+      bundle.dependents.push_back(dependent->rank);
+    }
+    bundles_.push_back(std::move(bundle));
+    indices_.push_back(&index);
+  }
+
   size_t nodeOf(const VariableSource& source) {
     if (source.parm != nullptr) {
       return source.parm->rank;
@@ -43,6 +74,8 @@ class NameGraph {
   }
 
   DependentsGraph nodes_;
+  std::vector<Bundle> bundles_;
+  std::vector<IndexEntry*> indices_;  // by bundle
   std::unordered_map<std::string_view, size_t> others_;
 };
 
@@ -59,7 +92,7 @@ const std::string* Database::findConstant(std::string_view name) const {
 
 int Database::registerIndex(std::unique_ptr<IndexDef> index) {
   const std::string& name = index->name();
-  return indices_.try_emplace(name, IndexEntry{std::move(index), {}, {}}).second ? 0 : 1;
+  return indices_.try_emplace(name, IndexEntry{std::move(index), {}, {}, {}}).second ? 0 : 1;
 }
 
 const IndexDef* Database::findIndex(std::string_view name) const {
@@ -73,7 +106,7 @@ int Database::registerParm(std::unique_ptr<ParmDef> parm) {
     return 1;
   }
   parmPositions_.makeRoom();
-  parms_.add({std::move(*parm), {}, {}});
+  parms_.add({std::move(*parm), {}, {}, {}});
   parmPositions_.add(hash, static_cast<uint32_t>(parms_.size() - 1));
   return 0;
 }
@@ -113,6 +146,9 @@ uint32_t Database::newWalk() {
     for (size_t i = 0; i < parms_.size(); ++i) {
       parms_[i].walk = 0;
     }
+    for (auto& [name, index] : indices_) {
+      index.walk = 0;
+    }
     ++walks_;
   }
   return walks_;
@@ -121,6 +157,7 @@ uint32_t Database::newWalk() {
 int Database::finish(std::string& name) {
   const std::vector<ParmEntry*> parms = parmsInNameOrder();
   bindSources(parms);
+  linkIndices(parms);
   if (firstUnknownName(name) != nullptr) {
     return 3;
   }
@@ -167,9 +204,31 @@ void Database::bindSources(const std::vector<ParmEntry*>& parms) {
   }
   for (auto& [indexName, entry] : indices_) {
     for (const std::string& name : entry.index->variables().names()) {
-      entry.sources.push_back(sourceOf(name));
+      const VariableSource& source = sourceOf(name);
+      entry.sources.push_back(source);
+      entry.isShared = entry.isShared && isFixed(source);
     }
   }
+}
+
+void Database::linkIndices(const std::vector<ParmEntry*>& parms) {
+  for (ParmEntry* entry : parms) {
+    for (const IndexDef* index : entry->parm.indices()) {
+      IndexEntry& own = *findIndexEntry(index->name());
+      entry->indices.change().own.push_back(&own);
+      if (own.dependents.empty() || own.dependents.back() != entry) {
+        own.dependents.push_back(entry);
+      }
+    }
+  }
+}
+
+// Whether a name stands for the same in every instance.
+bool Database::isFixed(const VariableSource& source) const {
+  if (source.parm != nullptr) {
+    return source.qualified || source.parm->parm.indices().empty();
+  }
+  return findIndex(source.name) == nullptr;
 }
 
 bool Database::isKnown(const VariableSource& source) const {
@@ -179,22 +238,30 @@ bool Database::isKnown(const VariableSource& source) const {
 
 const std::string* Database::firstUnknownName(std::string& name) {
   const std::string* first = nullptr;
-  for (size_t i = 0; i < parms_.size(); ++i) {
-    for (const VariableSource& source : parms_[i].sources) {
+  const auto look = [&](const VariableSources& sources) {
+    for (const VariableSource& source : sources) {
       if (!isKnown(source) && (first == nullptr || source.name < *first)) {
         name = source.name;
         first = &name;
       }
+    }
+  };
+  for (size_t i = 0; i < parms_.size(); ++i) {
+    look(parms_[i].sources);
+  }
+  for (const auto& [indexName, index] : indices_) {
+    if (!index.dependents.empty()) {
+      look(index.sources);
     }
   }
   return first;
 }
 
 int Database::assignLevels(const std::vector<ParmEntry*>& parms, std::string& name) {
-  const NameGraph graph(parms);
+  const NameGraph graph(parms, indices_);
   std::vector<uint32_t> levels;
   uint32_t onCycle = 0;
-  if (::assignLevels(graph.dependents(), {}, levels, onCycle) != 0) {
+  if (::assignLevels(graph.dependents(), graph.bundles(), levels, onCycle) != 0) {
     name = parms[onCycle]->parm.name();
     return 1;
   }
@@ -202,6 +269,13 @@ int Database::assignLevels(const std::vector<ParmEntry*>& parms, std::string& na
     entry->level = levels[entry->rank];
     for (const uint32_t dependent : graph.dependents()[entry->rank]) {
       entry->dependents.push_back(parms[dependent]);
+    }
+  }
+  for (size_t bundle = 0; bundle < graph.bundles().size(); ++bundle) {
+    for (const uint32_t node : graph.bundles()[bundle].names) {
+      if (node < parms.size()) {
+        parms[node]->indices.change().naming.push_back(&graph.indexOf(bundle));
+      }
     }
   }
   return 0;

@@ -12,12 +12,14 @@
 
 #include "deflang/name_table.h"
 #include "deflang/position_table.h"
+#include "deflang/seldom.h"
 #include "deflang/stable_list.h"
 #include "deflang/text_map.h"
 #include "sw/parm/definition_registry.h"
 #include "sw/parm/index_tuple.h"
 #include "sw/parm/value_text.h"
 
+struct IndexEntry;
 struct ParmEntry;
 struct vidFigure_t;
 
@@ -34,21 +36,39 @@ struct VariableSource {
 /// The sources of a definition's variables, by slot. Equal names have one source in all.
 using VariableSources = std::vector<std::reference_wrapper<const VariableSource>>;
 
+/// What a parameter has to do with indices. The names of an index are kept with the index alone,
+/// however many parameters it indexes: these depend on them through it.
+struct IndexLinks {
+  std::vector<IndexEntry*> own;     ///< the parameter's indices, in index order
+  std::vector<IndexEntry*> naming;  ///< the indices with dependents whose expressions refer to it
+};
+
 /// A parameter and its place among the others.
 struct ParmEntry {
   ParmDef parm;                        ///< in place: what is asked for by name is at hand at once
-  VariableSources sources;             ///< of the names that expressions use
-  std::vector<ParmEntry*> dependents;  ///< who refers to it directly, in name order
+  VariableSources sources;             ///< of the names that its own expressions use
+  std::vector<ParmEntry*> dependents;  ///< whose own expressions refer to it, in name order
+  Seldom<IndexLinks> indices;
   uint32_t level = 0;
   uint32_t rank = 0;  ///< its place in name order
   uint32_t walk = 0;  ///< the last walk over dependents that came here
+
+  /// Whether a parameter depends on it.
+  [[nodiscard]] bool hasDependents() const {
+    return !dependents.empty() || !indices->naming.empty();
+  }
 };
 
 /// An index and where its own variables find their values.
 struct IndexEntry {
   std::unique_ptr<IndexDef> index;
   VariableSources sources;
-  std::vector<std::string> values;  ///< the base bounds' values as a set of texts, once asked
+  std::vector<std::string> values;     ///< the base bounds' values as a set of texts, once asked
+  std::vector<ParmEntry*> dependents;  ///< the parameters that it indexes, in name order
+  uint32_t walk = 0;                   ///< the last walk over dependents that came here
+  /// Whether it is the same for all instances at one moment: none of its names is an index, or a
+  /// parameter's that is read by the index values of the instance.
+  bool isShared = true;
 };
 
 class Database final : public DefinitionRegistry {
@@ -83,16 +103,18 @@ class Database final : public DefinitionRegistry {
   [[nodiscard]] IndexEntry* findIndexEntry(std::string_view name);
   /// The parameters in name order.
   [[nodiscard]] std::vector<ParmEntry*> parmsInNameOrder();
-  /// Begins a walk over dependents: no parameter has this number yet.
+  /// Begins a walk over dependents: no parameter and no index has this number yet.
   [[nodiscard]] uint32_t newWalk();
 
  private:
   [[nodiscard]] VariableSource findSource(std::string_view variable);
   [[nodiscard]] const VariableSource& sourceOf(std::string_view variable);
   [[nodiscard]] bool isKnown(const VariableSource& source) const;
+  [[nodiscard]] bool isFixed(const VariableSource& source) const;
   [[nodiscard]] const std::string* firstUnknownName(std::string& name);
   void bindSources(const std::vector<ParmEntry*>& parms);
-  static int assignLevels(const std::vector<ParmEntry*>& parms, std::string& name);
+  void linkIndices(const std::vector<ParmEntry*>& parms);
+  int assignLevels(const std::vector<ParmEntry*>& parms, std::string& name);
 
   std::map<std::string, ValueText, std::less<>> constants_;
   TextMap<IndexEntry> indices_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <forward_list>
 #include <map>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -63,18 +64,14 @@ class ReferenceWalk {
     while (!open_.empty()) {
       const auto [entry, reader] = open_.back();
       open_.pop_back();
-      Work::spendOn(entry->parm.name());
-      for (const VariableSource& source : entry->sources) {
-        Work::add(WORK_PER_REFERENCE);
-        const bool isStart = entry != start_ && source.parm == start_ && !source.qualified;
-        if (source.name == THIS_VALUE || isStart || !read_.insert({&source, reader}).second) {
-          continue;
-        }
-        if (!take(source, *reader)) {
+      if (!read(entry->sources, *entry, *reader, take)) {
+        return false;
+      }
+      // The names of an index are the same whichever parameter leads to it.
+      for (const IndexEntry* index : entry->indices->own) {
+        const bool isNew = readIndices_.insert({index, reader, entry == start_}).second;
+        if (isNew && !read(index->sources, *entry, *reader, take)) {
           return false;
-        }
-        if (source.parm != nullptr) {
-          go(*source.parm, readerBehind(source, *reader));
         }
       }
     }
@@ -82,6 +79,27 @@ class ReferenceWalk {
   }
 
  private:
+  // Takes the names that `sources`, of `entry` or of one of its indices, give.
+  template <typename Take>
+  bool read(const VariableSources& sources, const ParmEntry& entry, const Reader& reader,
+            const Take& take) {
+    Work::spendOn(entry.parm.name());
+    for (const VariableSource& source : sources) {
+      Work::add(WORK_PER_REFERENCE);
+      const bool isStart = &entry != start_ && source.parm == start_ && !source.qualified;
+      if (source.name == THIS_VALUE || isStart || !read_.insert({&source, &reader}).second) {
+        continue;
+      }
+      if (!take(source, reader)) {
+        return false;
+      }
+      if (source.parm != nullptr) {
+        go(*source.parm, readerBehind(source, reader));
+      }
+    }
+    return true;
+  }
+
   // What an instance that the text names refers to is read by that instance's own index values.
   const Reader& readerBehind(const VariableSource& source, const Reader& reader) {
     if (asWritten_ || !source.qualified) {
@@ -107,6 +125,8 @@ class ReferenceWalk {
   // A name is put together once for each reader: it may be long, and many may refer to it.
   std::set<std::pair<const VariableSource*, const Reader*>> read_;
   std::set<std::pair<const ParmEntry*, const Reader*>> reached_;
+  // Whether by the start itself, which may name itself.
+  std::set<std::tuple<const IndexEntry*, const Reader*, bool>> readIndices_;
   std::vector<std::pair<const ParmEntry*, const Reader*>> open_;
 };
 

@@ -1,6 +1,7 @@
 // Evaluating one staged entry: what commit and a range query do at each step of their plan.
 #pragma once
 
+#include "database/index_situations.h"
 #include "database/staged_values.h"
 #include "sw/parm/set_value.h"
 
@@ -9,7 +10,7 @@
 /// nobody who depends on it sees a refused value. An instance that does not exist and that no
 /// client staged is passed over: the result is then that of a stored value. In a dry run nothing is
 /// stored. Counts the work, and raises WorkExceeded, before it does anything.
-setOutcome_t evaluate(StagedEntry& entry, const StagedValues& staged, bool dryRun);
+setOutcome_t evaluate(StagedEntry& entry, IndexSituations& situations, bool dryRun);
 
 /// Gives an entry what its parameter holds, forced, as if nobody had staged anything.
-void takeCommitted(StagedEntry& entry);
+void takeCommitted(StagedEntry& entry, IndexSituations& situations);

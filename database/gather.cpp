@@ -71,3 +71,22 @@ Situation gather(const IndexEntry& entry, const StagedValues& staged) {
   return gatherFrom(entry.sources, entry.index->variables().size(), staged,
                     [](const VariableSource& source) { return source.indices; });
 }
+
+Situation gather(const IndexEntry& entry, const ParmEntry& evaluated, const IndexTuple& indices,
+                 const Situation& own, const StagedValues& staged) {
+  Situation situation = gatherFrom(
+      entry.sources, entry.index->variables().size(), staged,
+      [&](const VariableSource& source) { return sourceIndices(source, evaluated.parm, indices); });
+  for (uint32_t slot = 0; slot < entry.sources.size(); ++slot) {
+    const VariableSource& source = entry.sources[slot];
+    if (source.parm != nullptr || source.figure != nullptr) {
+      continue;
+    }
+    // An index, maybe one of the parameter's.
+    const std::optional<uint32_t> bound = evaluated.parm.variables().find(source.name);
+    if (bound && own[*bound].kind != OPERAND_INVALID) {
+      situation.bind(slot, operandOf(own[*bound].text));
+    }
+  }
+  return situation;
+}

@@ -12,9 +12,14 @@
 IndexTuple sharedIndices(const ParmDef& evaluated, const IndexTuple& indices,
                          const ParmDef& referenced);
 
-/// The situation of one instance of a parameter. Its views hold while the staged and committed
-/// values stay as they are.
+/// The situation of one instance of a parameter, as its own expressions see it. Its views hold
+/// while the staged and committed values stay as they are.
 Situation gather(const ParmEntry& entry, const IndexTuple& indices, const StagedValues& staged);
 
-/// The situation in which an index by itself is judged.
+/// The situation in which an index by itself is judged; if it is shared, the one of every instance.
 Situation gather(const IndexEntry& entry, const StagedValues& staged);
+
+/// The situation of an index of one instance. `own` is the instance's own situation, in which the
+/// values of the indices before this one are bound.
+Situation gather(const IndexEntry& entry, const ParmEntry& evaluated, const IndexTuple& indices,
+                 const Situation& own, const StagedValues& staged);

@@ -19,6 +19,17 @@ perOut rw { index { out } }
 both rw { index { in, out } }
 swapped rw { index { out, in } }
 
+SIDE index { rangeValid { "a", "b" } }
+narrow index { ctrlValid (perIn[2] != perIn + in + SIDE) }
+fixed index { ctrlValid (perIn[2] + LIMIT + mode) }
+self index { ctrlValid (self != 2) }
+byInstance index { ctrlValid (perIn) }
+figureOfInstance index { ctrlValid (vidStd::perIn::tlpf) }
+narrowFirst rw { index { narrow, in } }
+narrowAfter rw { index { in, narrow } }
+behindSide rw { index { SIDE, narrow } }
+twice rw { index { self, self } }
+
 single rw { ctrlRO (mode == 1 && LIMIT == 2 && perIn == 3 && perIn[2] == 4) }
 ofIn rw { index { in } ctrlRO (mode + perIn + both + perOut + perIn[2] + in) }
 ofBoth rw { index { in, out } ctrlRO (perIn + perOut + both + swapped + vidStd::mode::spal) }
@@ -31,7 +42,7 @@ class GatherTest : public testing::Test {
   static void SetUpTestSuite() { initVidStdTables(); }
 
   void SetUp() override {
-    define(database_, TEXT, {{"LIMIT", "20"}, {"BOARD", "720p/50"}});
+    define(database_, TEXT, {{"LIMIT", "20"}, {"BOARD", "720p/50"}, {"SIDE", "s"}});
     store("mode", {}, "m");
     store("perIn", {"1"}, "in1");
     store("perIn", {"2"}, "in2");
@@ -48,6 +59,16 @@ class GatherTest : public testing::Test {
   std::map<std::string, std::string> gathered(const char* name, const IndexTuple& indices) {
     const ParmEntry& entry = *database_.findParm(name);
     return named(entry.parm.variables(), gather(entry, indices, staged_));
+  }
+
+  // The same of one of its indices, where the values of those before it are bound.
+  std::map<std::string, std::string> gatheredOfIndex(const char* name, const IndexTuple& indices,
+                                                     size_t position) {
+    const ParmEntry& entry = *database_.findParm(name);
+    Situation own = gather(entry, indices, staged_);
+    for (size_t i = 0; i < position; ++i) entry.parm.bindIndex(own, i, indices[i]);
+    const IndexEntry& index = *entry.indices->own[position];
+    return named(index.index->variables(), gather(index, entry, indices, own, staged_));
   }
 
   static std::map<std::string, std::string> named(const Variables& variables,
@@ -68,8 +89,8 @@ class GatherTest : public testing::Test {
 using Values = std::map<std::string, std::string>;
 
 TEST_F(GatherTest, ReadsEachNameAsTheInstanceSeesIt) {
-  // An index's own variables are its parameters' too. A figure of what names no standard and an
-  // index name have no value; an instance that was never set holds the empty text.
+  // A figure of what names no standard and an index name have no value; an instance that was never
+  // set holds the empty text.
   EXPECT_EQ(gathered("single", {}),
             (Values{{"mode", "m"}, {"LIMIT", "20"}, {"perIn", ""}, {"perIn[2]", "in2"}}));
   EXPECT_EQ(gathered("ofIn", {"1"}), (Values{{"mode", "m"},
@@ -77,20 +98,17 @@ TEST_F(GatherTest, ReadsEachNameAsTheInstanceSeesIt) {
                                              {"both", ""},    // only one of its two indices
                                              {"perOut", ""},  // none of its indices
                                              {"perIn[2]", "in2"}}));
-  EXPECT_EQ(gathered("ofBoth", {"1", "a"}), (Values{{"mode", "m"},
-                                                    {"perIn", "in1"},
-                                                    {"perOut", "outA"},
-                                                    {"both", "both1a"},
-                                                    {"swapped", "swappedA1"}}));
+  EXPECT_EQ(
+      gathered("ofBoth", {"1", "a"}),
+      (Values{{"perIn", "in1"}, {"perOut", "outA"}, {"both", "both1a"}, {"swapped", "swappedA1"}}));
 }
 
 TEST_F(GatherTest, ReadsFiguresOfWhatASelectorHolds) {
   // A constant is a selector as well; an index name is none, and a limit of 20 is no standard.
-  EXPECT_EQ(gathered("figures", {"1"}), (Values{{"mode", "m"}, {"vidStd::BOARD::tlpf", "750"}}));
+  EXPECT_EQ(gathered("figures", {"1"}), (Values{{"vidStd::BOARD::tlpf", "750"}}));
   store("perIn", {"1"}, "625i/50");
   staged_.stage(*database_.findParm("perIn"), {"2"}, false).value.set("1080i/50");
-  const Values raster = {{"mode", "m"},
-                         {"vidStd::BOARD::tlpf", "750"},
+  const Values raster = {{"vidStd::BOARD::tlpf", "750"},
                          {"vidStd::perIn::tlpf", "625"},
                          {"vidStd::perIn[2]::tlpf", "1125"}};
   EXPECT_EQ(gathered("figures", {"1"}), raster);
@@ -107,6 +125,47 @@ TEST_F(GatherTest, ReadsStagedValuesFirst) {
 TEST_F(GatherTest, ReadsAnIndexsOwnVariables) {
   const IndexEntry& in = *database_.findIndexEntry("in");
   EXPECT_EQ(named(in.index->variables(), gather(in, staged_)), (Values{{"mode", "m"}}));
+  // An index by itself sees no instance.
+  const IndexEntry& narrow = *database_.findIndexEntry("narrow");
+  EXPECT_EQ(named(narrow.index->variables(), gather(narrow, staged_)),
+            (Values{{"perIn[2]", "in2"}, {"perIn", ""}, {"SIDE", "s"}}));
+}
+
+TEST_F(GatherTest, ReadsTheNamesOfAnIndexAsTheInstanceSeesThem) {
+  struct Case {
+    const char* name;
+    IndexTuple indices;
+    size_t position;
+    Values values;
+  };
+  const Case cases[] = {
+      {"narrowFirst", {"x", "1"}, 0, {{"perIn[2]", "in2"}, {"perIn", "in1"}, {"SIDE", "s"}}},
+      {"narrowAfter",
+       {"1", "x"},
+       1,
+       {{"perIn[2]", "in2"}, {"perIn", "in1"}, {"SIDE", "s"}, {"in", "1"}}},
+      // What is a constant and an index of the parameter has the value of the index.
+      {"behindSide", {"b", "x"}, 1, {{"perIn[2]", "in2"}, {"perIn", ""}, {"SIDE", "b"}}},
+      {"twice", {"1", "2"}, 0, {}},
+      {"twice", {"1", "2"}, 1, {{"self", "1"}}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_EQ(gatheredOfIndex(c.name, c.indices, c.position), c.values);
+  }
+}
+
+TEST_F(GatherTest, KnowsWhichIndicesAreTheSameForAllInstances) {
+  const std::pair<const char*, bool> cases[] = {
+      {"in", true},       // names a parameter without indices
+      {"out", true},      // names nothing
+      {"fixed", true},    // names an instance and a constant
+      {"narrow", false},  // names an index, and a parameter by the instance's index values
+      {"self", false},   {"byInstance", false}, {"figureOfInstance", false},
+  };
+  for (const auto& [name, isShared] : cases) {
+    EXPECT_EQ(database_.findIndexEntry(name)->isShared, isShared) << name;
+  }
 }
 
 TEST_F(GatherTest, SharesIndicesByDefinition) {

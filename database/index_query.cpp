@@ -69,14 +69,14 @@ void appendRun(Spans& accepted, int64_t first, int64_t last) {
 
 // Of each run one number is asked for all, so the spans may be as long as they like.
 Spans acceptedNumbers(const IndexDef& index, const Situation& situation) {
-  Work::add(index.judgingWork());
   const TurningPoints points(index, situation);
+  BoundsCheck check(index, situation);
   Spans accepted;
   for (const Span& span : index.baseBounds().integers().spans()) {
     for (int64_t number = span.first; number <= span.second;) {
-      Work::add(WORK_PER_ITEM + index.judgingWork());
+      Work::add(WORK_PER_ITEM + index.askingWork());
       const int64_t last = points.runEnd(number, span.second);
-      if (index.checkValue(numberText(static_cast<int32_t>(number)), situation)) {
+      if (index.checkValue(numberText(static_cast<int32_t>(number)), check)) {
         appendRun(accepted, number, last);
       }
       number = last + 1;
@@ -92,7 +92,7 @@ std::vector<std::string> validIndices(Database& database, const StagedValues& st
   std::vector<std::string> names;
   for (const IndexDef* index : parm.indices()) {
     Work::spendOn(index->name());
-    Work::add(index->judgingWork() + index->variables().size() * WORK_PER_NAME);
+    Work::add(index->situationWork());
     if (index->isValid(gather(*database.findIndexEntry(index->name()), staged))) {
       names.push_back(index->name());
     }
@@ -108,15 +108,17 @@ int indexRange(Database& database, const StagedValues& staged, const std::string
   }
   const IndexDef& index = *entry->index;
   Work::spendOn(index.name());
-  Work::add(index.judgingWork() + index.variables().size() * WORK_PER_NAME);
+  // What applies is worked out to find the ends of runs, for the numbers and for the texts.
+  Work::add(3 * index.situationWork());
   const Situation situation = gather(*entry, staged);
   if (!index.isValid(situation)) {
     return INDEX_RANGE_NOT_VALID;
   }
   spans = acceptedNumbers(index, situation);
+  BoundsCheck check(index, situation);
   for (const std::string& text : index.baseBounds().strings().texts()) {
-    Work::add(WORK_PER_ITEM + WORK_PER_VALUE_BYTE * text.size() + index.judgingWork());
-    if (index.checkValue(text, situation)) {
+    Work::add(WORK_PER_ITEM + index.askingWork() + WORK_PER_VALUE_BYTE * text.size());
+    if (index.checkValue(text, check)) {
       texts.push_back(text);
     }
   }

@@ -24,13 +24,13 @@ bool isLarger(const Extent& a, const Extent& b) {
 LargestChange findLargestChange(Database& database) {
   const std::vector<ParmEntry*> parms = database.parmsInNameOrder();
   LargestChange largest;
-  if (limitPassedBy(extentOf(parms)).empty()) return largest;
+  if (limitPassedBy(extentOf(database, parms)).empty()) return largest;
   size_t walked = 0;
   for (ParmEntry* const parm : parms) {
     if (followsAnother(*parm) || walked > MAX_WALKED_DEPENDENTS) continue;
     const std::vector<ParmEntry*> dependents = dependentsOf(database, {parm});
     walked += dependents.size();
-    Extent extent = extentOf(dependents);
+    Extent extent = extentOf(database, dependents);
     extent.work = addedWork(extent.work, parm->parm.evaluationWork());
     if (largest.parm == nullptr || isLarger(extent, largest.extent)) largest = {parm, extent};
   }

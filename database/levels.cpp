@@ -326,6 +326,7 @@ class Descent {
         }
       }
     };
+    // NOLINTNEXTLINE(modernize-loop-convert): there come to be more of them.
     for (size_t i = 0; i < members.size(); ++i) {
       const uint32_t node = members[i];
       addPairs(node, graph_.dependents(node));

@@ -26,7 +26,7 @@ bool isSame(const PlanStep& a, const PlanStep& b) {
 Plan planStaged(const std::vector<StagedEntry*>& entries, std::vector<ParmEntry*>& changing) {
   Plan plan;
   for (StagedEntry* entry : entries) {
-    const bool hasDependents = !entry->parm->dependents.empty();
+    const bool hasDependents = entry->parm->hasDependents();
     plan.push_back({hasDependents ? entry->parm->level : 0, entry->parm->rank, entry});
     if (hasDependents && (changing.empty() || changing.back() != entry->parm)) {
       changing.push_back(entry->parm);
@@ -35,14 +35,28 @@ Plan planStaged(const std::vector<StagedEntry*>& entries, std::vector<ParmEntry*
   return plan;
 }
 
+// What it costs to evaluate one instance, but for an index that is the same for all.
+uint64_t workOfInstance(const ParmEntry& entry) {
+  uint64_t units = entry.parm.evaluationWork();
+  for (const IndexEntry* index : entry.indices->own) {
+    units += index->index->askingWork() + (index->isShared ? 0 : index->index->situationWork());
+  }
+  return units;
+}
+
 }  // namespace
 
-Extent extentOf(std::span<ParmEntry* const> parms) {
+Extent extentOf(Database& database, std::span<ParmEntry* const> parms) {
+  const uint32_t walk = database.newWalk();
   Extent extent;
   for (const ParmEntry* entry : parms) {
     const uint64_t instances = countInstances(entry->parm);
     extent.instances = addedWork(extent.instances, instances);
-    extent.work = addedWork(extent.work, multipliedWork(instances, entry->parm.evaluationWork()));
+    extent.work = addedWork(extent.work, multipliedWork(instances, workOfInstance(*entry)));
+    for (IndexEntry* index : entry->indices->own) {
+      const bool isNew = std::exchange(index->walk, walk) != walk;
+      if (isNew) extent.work = addedWork(extent.work, index->index->situationWork());
+    }
   }
   return extent;
 }
@@ -59,13 +73,21 @@ std::string limitPassedBy(const Extent& extent) {
 std::vector<ParmEntry*> dependentsOf(Database& database, std::vector<ParmEntry*> open) {
   const uint32_t walk = database.newWalk();
   std::vector<ParmEntry*> dependents;
+  const auto reach = [&](const std::vector<ParmEntry*>& parms) {
+    for (ParmEntry* parm : parms) {
+      if (std::exchange(parm->walk, walk) != walk) {
+        dependents.push_back(parm);
+        open.push_back(parm);
+      }
+    }
+  };
   while (!open.empty()) {
     const ParmEntry& parm = *open.back();
     open.pop_back();
-    for (ParmEntry* dependent : parm.dependents) {
-      if (std::exchange(dependent->walk, walk) != walk) {
-        dependents.push_back(dependent);
-        open.push_back(dependent);
+    reach(parm.dependents);
+    for (IndexEntry* index : parm.indices->naming) {
+      if (std::exchange(index->walk, walk) != walk) {
+        reach(index->dependents);
       }
     }
   }
@@ -95,9 +117,9 @@ std::optional<Plan> planCommit(Database& database, StagedValues& staged) {
   const std::vector<StagedEntry*> entries = staged.inNameOrder();
   Plan plan = planStaged(entries, changing);
   const std::vector<ParmEntry*> dependents = dependentsOf(database, std::move(changing));
-  Extent extent = extentOf(dependents);
+  Extent extent = extentOf(database, dependents);
   for (const StagedEntry* entry : entries) {
-    extent.work = addedWork(extent.work, entry->parm->parm.evaluationWork());
+    extent.work = addedWork(extent.work, workOfInstance(*entry->parm));
   }
   if (const std::string limit = limitPassedBy(extent); !limit.empty()) {
     logError("commit: ERROR \"" + entries.front()->parm->parm.name() + "\": " + limit);

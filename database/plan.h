@@ -33,7 +33,7 @@ struct Extent {
   uint64_t instances = 0;
   uint64_t work = 0;  ///< in units, beside what is done to texts; at most
 };
-Extent extentOf(std::span<ParmEntry* const> parms);
+Extent extentOf(Database& database, std::span<ParmEntry* const> parms);
 
 /// Which limit of a commit `extent` passes, MAX_PLANNED_INSTANCES or what the request may still
 /// take of work, in words for the system log; empty where it passes none.

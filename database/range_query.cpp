@@ -41,8 +41,8 @@ Plan planQuery(const std::vector<Instance>& instances, uint32_t startLevel, Stag
   return plan;
 }
 
-int evaluateEntry(StagedEntry& entry, const StagedValues& scratch) {
-  switch (evaluate(entry, scratch, true).result) {
+int evaluateEntry(StagedEntry& entry, IndexSituations& situations) {
+  switch (evaluate(entry, situations, true).result) {
     case SET_STORED:
     case SET_NOT_STORED:
       return RANGE_FOUND;
@@ -53,10 +53,10 @@ int evaluateEntry(StagedEntry& entry, const StagedValues& scratch) {
   }
 }
 
-int passLevel(std::span<const PlanStep> level, const StagedValues& scratch) {
+int passLevel(std::span<const PlanStep> level, IndexSituations& situations) {
   int result = RANGE_FOUND;
   for (const PlanStep& step : level) {
-    const int code = evaluateEntry(*step.entry, scratch);
+    const int code = evaluateEntry(*step.entry, situations);
     if (code == WALK_AGAIN) {
       result = WALK_AGAIN;
     } else if (code != RANGE_FOUND) {
@@ -67,13 +67,13 @@ int passLevel(std::span<const PlanStep> level, const StagedValues& scratch) {
 }
 
 // Evaluates the plan level by level. Returns the first failure.
-int evaluatePlan(std::span<const PlanStep> plan, const StagedValues& scratch) {
+int evaluatePlan(std::span<const PlanStep> plan, IndexSituations& situations) {
   int result = RANGE_FOUND;
   while (!plan.empty()) {
     const std::span<const PlanStep> level = firstLevel(plan, plan);
-    int code = passLevel(level, scratch);
+    int code = passLevel(level, situations);
     while (code == WALK_AGAIN) {
-      code = passLevel(level, scratch);
+      code = passLevel(level, situations);
     }
     result = result == RANGE_FOUND ? code : result;
   }
@@ -81,13 +81,13 @@ int evaluatePlan(std::span<const PlanStep> plan, const StagedValues& scratch) {
 }
 
 // Evaluates the target itself, this time with a refusal logged, and takes its range.
-int rangeOfTarget(StagedEntry& target, const StagedValues& scratch, BoundsParm& out) {
+int rangeOfTarget(StagedEntry& target, IndexSituations& situations, BoundsParm& out) {
   target.generated = false;
-  if (evaluateEntry(target, scratch) != RANGE_FOUND) {
+  if (evaluateEntry(target, situations) != RANGE_FOUND) {
     return RANGE_REFUSED;
   }
   const ParmDef& parm = target.parm->parm;
-  Situation situation = gather(*target.parm, target.indices, scratch);
+  Situation situation = gather(*target.parm, target.indices, situations.staged());
   for (size_t i = 0; i < target.indices.size(); ++i) {
     parm.bindIndex(situation, i, target.indices[i]);
   }
@@ -106,7 +106,9 @@ int queryRange(Database& database, const StagedValues& staged, std::string_view 
   const Instance& target = instances.front();
   StagedValues scratch(&staged);
   const Plan plan = planQuery(instances, startLevel(*target.parm, instances, staged), scratch);
-  const int planned = evaluatePlan(plan, scratch);
-  const int result = rangeOfTarget(scratch.stage(*target.parm, target.indices, true), scratch, out);
+  IndexSituations situations(scratch);
+  const int planned = evaluatePlan(plan, situations);
+  StagedEntry& entry = scratch.stage(*target.parm, target.indices, true);
+  const int result = rangeOfTarget(entry, situations, out);
   return result != RANGE_FOUND ? result : planned;
 }

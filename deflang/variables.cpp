@@ -47,17 +47,18 @@ std::optional<uint32_t> Variables::find(std::string_view name) const {
   return static_cast<uint32_t>(found - names_.begin());
 }
 
-void dumpVariables(const Variables& variables, const Situation& situation) {
-  const std::vector<std::string>& names = variables.names();
-  std::vector<uint32_t> bound;
-  for (uint32_t slot = 0; slot < names.size(); ++slot) {
-    if (situation[slot].kind != OPERAND_INVALID) bound.push_back(slot);
+void BoundVariables::add(const Variables& variables, const Situation& situation) {
+  for (uint32_t slot = 0; slot < variables.size(); ++slot) {
+    if (situation[slot].kind != OPERAND_INVALID) {
+      values_.emplace(variables.names()[slot], situation[slot]);
+    }
   }
-  std::sort(bound.begin(), bound.end(),
-            [&names](uint32_t a, uint32_t b) { return names[a] < names[b]; });
+}
+
+void BoundVariables::dump() const {
   logError("Var list begin");
-  for (const uint32_t slot : bound) {
-    logError("   \"" + names[slot] + "\"=\"" + operandText(situation[slot]) + "\"");
+  for (const auto& [name, value] : values_) {
+    logError("   \"" + std::string(name) + "\"=\"" + operandText(value) + "\"");
   }
   logError("Var list end");
 }

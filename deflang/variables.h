@@ -6,8 +6,8 @@
 
 #include <array>
 #include <cstdint>
+#include <map>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -49,8 +49,7 @@ class Variables {
 
  private:
   std::vector<std::string> names_;
-  // Only where there are so many names that a walk over them would show. An index with many names
-  // hands them to every parameter that it indexes, so a name must not be kept twice.
+  // Only where there are so many names that a walk over them would show.
   Seldom<PositionTable> table_;
 };
 
@@ -75,27 +74,31 @@ class Situation {
   std::vector<Operand> many_;
 };
 
-/// A situation as one definition's expressions see it. An index definition is judged in the
-/// situation of the parameter that it indexes: `slots` leads from its slots to the parameter's.
+/// A situation as expressions see it, also where there is none.
 class SituationView {
  public:
   /// A situation in which nothing is bound.
   SituationView() = default;
-  // NOLINTNEXTLINE(google-explicit-constructor): a definition's own situation needs no translation.
+  // NOLINTNEXTLINE(google-explicit-constructor): a situation is its own view.
   SituationView(const Situation& situation) : situation_(&situation) {}
-  SituationView(const Situation& situation, std::span<const uint32_t> slots)
-      : situation_(&situation), slots_(slots.data()) {}
   [[nodiscard]] const Operand& operator[](uint32_t slot) const {
     static constexpr Operand UNBOUND;
-    if (situation_ == nullptr) return UNBOUND;
-    return (*situation_)[slots_ == nullptr ? slot : slots_[slot]];
+    return situation_ == nullptr ? UNBOUND : (*situation_)[slot];
   }
 
  private:
   const Situation* situation_ = nullptr;
-  const uint32_t* slots_ = nullptr;
 };
 
-/// Writes the bound variables to the system log: "Var list begin", a line `   "name"="value"` for
-/// each in name order, "Var list end". `situation` has a slot for every name.
-void dumpVariables(const Variables& variables, const Situation& situation);
+/// The bound variables of one definition, or of several that see things together.
+class BoundVariables {
+ public:
+  /// Adds those that `situation` binds and that are not there yet; it has a slot for every name.
+  void add(const Variables& variables, const Situation& situation);
+  /// Writes them to the system log: "Var list begin", a line `   "name"="value"` for each in name
+  /// order, "Var list end".
+  void dump() const;
+
+ private:
+  std::map<std::string_view, Operand> values_;  // by name
+};

@@ -85,17 +85,12 @@ TEST(Situation, HoldsWhatIsBound) {
   EXPECT_EQ(situation[1].kind, OPERAND_INVALID);
 }
 
-TEST(SituationView, SeesTheSituationThroughItsSlots) {
+TEST(SituationView, SeesTheSituation) {
   Situation situation(3);
   situation.bind(0, operandOf("10"));
-  situation.bind(2, operandOf("12"));
-  const SituationView own(situation);
-  EXPECT_EQ(own[0].number, 10);
-  EXPECT_EQ(own[1].kind, OPERAND_INVALID);
-  const uint32_t slots[] = {2, 0};
-  const SituationView translated(situation, slots);
-  EXPECT_EQ(translated[0].number, 12);
-  EXPECT_EQ(translated[1].number, 10);
+  const SituationView view(situation);
+  EXPECT_EQ(view[0].number, 10);
+  EXPECT_EQ(view[1].kind, OPERAND_INVALID);
 }
 
 TEST(SituationView, OfNoSituationHasNothingBound) {
@@ -104,12 +99,14 @@ TEST(SituationView, OfNoSituationHasNothingBound) {
   EXPECT_EQ(view[1000].kind, OPERAND_INVALID);
 }
 
-class DumpVariables : public testing::Test {
+class BoundVariablesTest : public testing::Test {
  protected:
   std::vector<std::string> dump() {
     std::vector<std::string> lines;
     const LogRedirection redirection([&lines](const std::string& line) { lines.push_back(line); });
-    dumpVariables(variables_, situation_);
+    BoundVariables bound;
+    bound.add(variables_, situation_);
+    bound.dump();
     return lines;
   }
   void bind(const std::string& name, const Operand& value) {
@@ -120,12 +117,12 @@ class DumpVariables : public testing::Test {
   Situation situation_{8};
 };
 
-TEST_F(DumpVariables, WritesNothingBetweenTheEndsWhenNothingIsBound) {
+TEST_F(BoundVariablesTest, AreDumpedAsNothingBetweenTheEndsWhenNothingIsBound) {
   variables_.slot("unset");
   EXPECT_EQ(dump(), (std::vector<std::string>{"Var list begin", "Var list end"}));
 }
 
-TEST_F(DumpVariables, WritesTheBoundOnesInByteOrder) {
+TEST_F(BoundVariablesTest, AreDumpedInByteOrder) {
   bind("sw::this", operandOf("0x10"));
   bind("gain[2]", operandOf("-3"));
   bind("gain", operandOf(""));
@@ -143,6 +140,25 @@ TEST_F(DumpVariables, WritesTheBoundOnesInByteOrder) {
                         "   \"\x80\"=\"high byte\"",
                         "Var list end",
                     }));
+}
+
+TEST(BoundVariablesOfSeveral, AreDumpedOnceAsTheyCameFirst) {
+  Variables variables[2];
+  Situation situations[2] = {Situation(3), Situation(3)};
+  const auto bind = [&](size_t number, const char* name, const char* value) {
+    situations[number].bind(variables[number].slot(name), operandOf(value));
+  };
+  bind(0, "row", "1");
+  variables[0].slot("mode");  // not bound here
+  bind(1, "mode", "2");
+  bind(1, "row", "3");
+  std::vector<std::string> lines;
+  const LogRedirection redirection([&lines](const std::string& line) { lines.push_back(line); });
+  BoundVariables bound;
+  for (size_t i = 0; i < 2; ++i) bound.add(variables[i], situations[i]);
+  bound.dump();
+  EXPECT_EQ(lines, (std::vector<std::string>{"Var list begin", "   \"mode\"=\"2\"",
+                                             "   \"row\"=\"1\"", "Var list end"}));
 }
 
 }  // namespace

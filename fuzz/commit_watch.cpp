@@ -70,11 +70,15 @@ void CommitWatch::addDependents(Database& database) {
   while (!open.empty()) {
     const ParmEntry& parm = *open.back();
     open.pop_back();
-    for (ParmEntry* dependent : parm.dependents) {
-      if (!reached.insert(dependent).second) continue;
-      addAllInstances(evaluated_, database, *dependent);
-      open.push_back(dependent);
-    }
+    const auto reach = [&](const std::vector<ParmEntry*>& dependents) {
+      for (ParmEntry* dependent : dependents) {
+        if (!reached.insert(dependent).second) continue;
+        addAllInstances(evaluated_, database, *dependent);
+        open.push_back(dependent);
+      }
+    };
+    reach(parm.dependents);
+    for (const IndexEntry* index : parm.indices->naming) reach(index->dependents);
   }
 }
 
@@ -124,7 +128,7 @@ bool CommitWatch::hasMovingPartner(const Instance& instance) const {
              return entry.second.parm == parm && committedText(entry.second) != before(entry.first);
            });
   };
-  const VariableSources& sources = instance.parm->sources;
+  const VariableSources sources = allSources(*instance.parm);
   return std::any_of(sources.begin(), sources.end(), [&](const VariableSource& source) {
     return source.parm != nullptr && source.parm->level == instance.parm->level &&
            moved(source.parm);
@@ -136,7 +140,7 @@ bool CommitWatch::hasMovingPartner(const Instance& instance) const {
 // before what it depends on.
 bool CommitWatch::isBeyondThePlan(const std::string& name, const Instance& instance) const {
   if (enumerated_.contains(name)) return false;
-  const VariableSources& sources = instance.parm->sources;
+  const VariableSources sources = allSources(*instance.parm);
   return std::any_of(sources.begin(), sources.end(),
                      [](const VariableSource& source) { return source.parm != nullptr; });
 }

@@ -82,7 +82,8 @@ bool isSettled(const Instance& instance) {
   entry.indices = instance.indices;
   entry.generated = true;
   entry.value.set(committedText(instance));
-  const setOutcome_t outcome = evaluate(entry, NOTHING_STAGED, true);
+  IndexSituations situations(NOTHING_STAGED);
+  const setOutcome_t outcome = evaluate(entry, situations, true);
   if (outcome.stored) {
     return entry.value.text() == committedText(instance) && isWithinBounds(instance);
   }
@@ -90,8 +91,17 @@ bool isSettled(const Instance& instance) {
   return outcome.result == SET_STORED || outcome.result == SET_NOT_STORED;
 }
 
+VariableSources allSources(const ParmEntry& parm) {
+  VariableSources sources = parm.sources;
+  for (const IndexEntry* index : parm.indices->own) {
+    sources.insert(sources.end(), index->sources.begin(), index->sources.end());
+  }
+  return sources;
+}
+
 bool refersToOwnLevel(const ParmEntry& parm) {
-  return std::any_of(parm.sources.begin(), parm.sources.end(), [&](const VariableSource& source) {
+  const VariableSources sources = allSources(parm);
+  return std::any_of(sources.begin(), sources.end(), [&](const VariableSource& source) {
     return source.parm != nullptr && source.parm->level == parm.level;
   });
 }

@@ -31,5 +31,8 @@ bool isWithinBounds(const Instance& instance);
 /// is within its bounds and is not corrected, or it would not be written.
 bool isSettled(const Instance& instance);
 
+/// The sources of all names that decide about a parameter: its own and those of its indices.
+VariableSources allSources(const ParmEntry& parm);
+
 /// Whether a parameter refers to one on its own level: to itself, or to one that refers back.
 bool refersToOwnLevel(const ParmEntry& parm);

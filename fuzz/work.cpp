@@ -153,7 +153,7 @@ std::vector<Request> requestsFor(Database& database, const std::string& name) {
 // A fuzzer has less memory than a device; a million instances are tried elsewhere.
 bool isSmall(Database& database) {
   constexpr uint64_t MAX_INSTANCES = 50'000;
-  return extentOf(database.parmsInNameOrder()).instances <= MAX_INSTANCES;
+  return extentOf(database, database.parmsInNameOrder()).instances <= MAX_INSTANCES;
 }
 
 }  // namespace

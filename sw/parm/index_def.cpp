@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cassert>
+#include <set>
+#include <string>
+#include <utility>
 
 #include "deflang/value_limit.h"
 #include "sw/parm/present_bounds.h"
@@ -29,6 +32,16 @@ uint64_t workOf(std::span<const Program> programs) {
   return units;
 }
 
+namespace {
+
+uint32_t longestOf(const std::set<std::string>& texts) {
+  size_t longest = 0;
+  for (const std::string& text : texts) longest = std::max(longest, text.size());
+  return static_cast<uint32_t>(longest);
+}
+
+}  // namespace
+
 IndexDef::IndexDef(DefinitionParts parts)
     : variables_(std::move(parts.variables)),
       validityConditions_(std::move(parts.validityConditions)),
@@ -36,7 +49,8 @@ IndexDef::IndexDef(DefinitionParts parts)
       conditionalBounds_(std::move(parts.conditionalBounds)),
       name_(std::move(parts.name)) {
   noteKinds(conditionalBounds_.all());
-  judgingWork_ = fittingWork(countJudgingWork());
+  judgingWork_ = fittingWork(workOf(validityConditions_.all()) + workOf(conditionalBounds()));
+  longestText_ = longestOf(baseBounds_.strings().texts());
   if (!parts.translations.empty()) translations_.change() = std::move(parts.translations);
 }
 
@@ -47,22 +61,18 @@ bool IndexDef::checkBase(std::string value) const {
 }
 
 bool IndexDef::checkValue(std::string value, const SituationView& situation) const {
-  return ::checkValue(*this, value, situation, false);
+  BoundsCheck check(*this, situation);
+  return checkValue(std::move(value), check);
+}
+
+bool IndexDef::checkValue(std::string value, BoundsCheck& check) const {
+  return check.check(value, false);
 }
 
 bool IndexDef::isValid(const SituationView& situation) const {
   const std::span<const Program> conditions = validityConditions_.all();
   return std::all_of(conditions.begin(), conditions.end(),
                      [&](const Program& condition) { return condition.isTrue(situation); });
-}
-
-uint64_t IndexDef::countJudgingWork() const {
-  size_t longest = 0;
-  for (const std::string& text : baseBounds_.strings().texts()) {
-    longest = std::max(longest, text.size());
-  }
-  return workOf(validityConditions_.all()) + workOf(conditionalBounds()) +
-         WORK_PER_VALUE_BYTE * longest;
 }
 
 void IndexDef::translate(std::string& value) const {
@@ -82,14 +92,5 @@ void IndexDef::translateTwice(std::string& value) const {
 
 bool checkValue(const IndexDef& definition, std::string& value, const SituationView& situation,
                 bool fix) {
-  definition.translateTwice(value);
-  const bool inBase = definition.baseBounds().check(value, true);
-  if (!inBase && !fix) {
-    return false;
-  }
-  if (definition.conditionalBounds().empty()) {
-    return inBase;
-  }
-  const PresentBounds bounds(definition.conditionalBounds(), situation, UNUSABLE_ACCEPTS);
-  return bounds.judge(value) && inBase;
+  return BoundsCheck(definition, situation).check(value, fix);
 }

@@ -46,6 +46,8 @@ struct DefinitionParts {
   std::map<std::string, std::string> translations;   ///< source to target
 };
 
+class BoundsCheck;
+
 class IndexDef {
  public:
   explicit IndexDef(DefinitionParts parts);
@@ -55,7 +57,9 @@ class IndexDef {
   /// Whether the base bounds accept `value`, once translated.
   [[nodiscard]] virtual bool checkBase(std::string value) const;
   /// Whether all bounds accept `value` in a situation, once translated.
-  [[nodiscard]] virtual bool checkValue(std::string value, const SituationView& situation) const;
+  [[nodiscard]] bool checkValue(std::string value, const SituationView& situation) const;
+  /// The same by a check that was made for this definition and the situation.
+  [[nodiscard]] virtual bool checkValue(std::string value, BoundsCheck& check) const;
 
   /// Whether every validity condition is true.
   [[nodiscard]] bool isValid(const SituationView& situation) const;
@@ -73,9 +77,19 @@ class IndexDef {
   [[nodiscard]] std::span<const ConditionalBounds> conditionalBounds() const {
     return conditionalBounds_.all();
   }
-  /// What it costs to judge one value in one situation, in units of work; of the texts of values
-  /// only those of an index's own are in it.
+  /// What it costs, in units of work, beside what is done to texts: to tell in a situation which
+  /// bounds apply and whether the definition is valid;
   [[nodiscard]] uint64_t judgingWork() const { return judgingWork_; }
+  /// the same, and to give all of its own variables their values;
+  [[nodiscard]] uint64_t situationWork() const {
+    return judgingWork_ + variables_.size() * WORK_PER_NAME;
+  }
+  /// to ask the bounds that apply about one value;
+  [[nodiscard]] uint64_t askingWork() const {
+    return conditionalBounds().size() * WORK_PER_CANDIDATE;
+  }
+  /// and the texts of its constant range on their way through an evaluation, the longest of them.
+  [[nodiscard]] uint64_t textWork() const { return WORK_PER_VALUE_BYTE * longestText_; }
   /// Whether the base bounds alone tell which values there are, whatever the situation: no
   /// conditions, no translations.
   [[nodiscard]] bool isPlain() const {
@@ -87,14 +101,13 @@ class IndexDef {
   [[nodiscard]] Variables& ownVariables() { return variables_; }
 
  private:
-  [[nodiscard]] uint64_t countJudgingWork() const;
-
   Variables variables_;
-  // Leaves four bytes to the next member: there are many definitions.
+  // Each list leaves four bytes to the next member: there are many definitions.
   [[no_unique_address]] FixedList<Program> validityConditions_;
   uint32_t judgingWork_;
   BoundsParm baseBounds_;
-  FixedList<ConditionalBounds> conditionalBounds_;
+  [[no_unique_address]] FixedList<ConditionalBounds> conditionalBounds_;
+  uint32_t longestText_;
   Seldom<std::map<std::string, std::string>> translations_;
   std::string name_;  // last, so that a parameter's value stands beside it
 };
@@ -103,6 +116,7 @@ class IndexDef {
 /// it by the base bounds, then asks the conditional bounds whose condition is true. It is accepted
 /// when the base bounds took it and any of those accepts it (a run-time range that has no value
 /// here accepts everything); otherwise the first of them corrects it. With conditional bounds of
-/// which none applies it is refused. Without `fix` the walk ends where the base bounds refuse.
+/// which none applies it is refused. Without `fix` the walk ends where the base bounds refuse. To
+/// check many values in one situation, see BoundsCheck.
 bool checkValue(const IndexDef& definition, std::string& value, const SituationView& situation,
                 bool fix);

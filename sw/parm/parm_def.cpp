@@ -23,7 +23,7 @@ ParmDef::ParmDef(DefinitionParts parts, ParmParts parmParts)
   if (!parmParts.indices.empty()) {
     indexing_.change().indices = std::move(parmParts.indices);
   }
-  takeIndexNames();
+  nameIndices();
   hasRunTimeRanges_ =
       std::any_of(conditionalBounds().begin(), conditionalBounds().end(),
                   [](const ConditionalBounds& bounds) { return bounds.computed != nullptr; });
@@ -33,20 +33,14 @@ ParmDef::ParmDef(DefinitionParts parts, ParmParts parmParts)
 uint64_t ParmDef::countEvaluationWork() const {
   uint64_t units = WORK_PER_INSTANCE + judgingWork() + usedNames_ * WORK_PER_NAME +
                    workOf(readOnlyConditions_.all());
-  for (const IndexDef* index : indices()) units += WORK_PER_INDEX + index->judgingWork();
+  for (const IndexDef* index : indices()) units += WORK_PER_INDEX + index->textWork();
   for (const ConstraintRule& rule : constraintRules()) {
     units += 2 * (rule.condition.work() + rule.test.work()) + rule.correction.work();
   }
   return units;
 }
 
-void ParmDef::takeIndexNames() {
-  for (const IndexDef* index : indices()) {
-    std::vector<uint32_t>& slots = indexing_.change().slots.emplace_back();
-    for (const std::string& name : index->variables().names()) {
-      slots.push_back(ownVariables().slot(name));
-    }
-  }
+void ParmDef::nameIndices() {
   usedNames_ = static_cast<uint32_t>(variables().size());
   for (const IndexDef* index : indices()) {
     indexing_.change().nameSlots.push_back(ownVariables().slot(index->name()));
@@ -60,8 +54,8 @@ bool ParmDef::checkBase(std::string value) const {
   return hasConstraints() || IndexDef::checkBase(std::move(value));
 }
 
-bool ParmDef::checkValue(std::string value, const SituationView& situation) const {
-  return hasConstraints() || IndexDef::checkValue(std::move(value), situation);
+bool ParmDef::checkValue(std::string value, BoundsCheck& check) const {
+  return hasConstraints() || IndexDef::checkValue(std::move(value), check);
 }
 
 bool ParmDef::isReadOnly(const SituationView& situation) const {

@@ -61,7 +61,8 @@ class ParmDef final : public IndexDef {
   /// As of an index; a parameter with constraint rules accepts every value here and leaves the
   /// judgement to the rules.
   [[nodiscard]] bool checkBase(std::string value) const override;
-  [[nodiscard]] bool checkValue(std::string value, const SituationView& situation) const override;
+  [[nodiscard]] bool checkValue(std::string value, BoundsCheck& check) const override;
+  using IndexDef::checkValue;
 
   /// Whether values are judged by rules: constraint rules, or ranges computed at run time.
   [[nodiscard]] bool hasConstraints() const;
@@ -80,22 +81,18 @@ class ParmDef final : public IndexDef {
   [[nodiscard]] const std::vector<ConstraintRule>& constraintRules() const {
     return constraintRules_.get();
   }
-  /// The names that the expressions of the parameter and of its indices use; sw::this is among
-  /// them where it is used.
+  /// The names that the expressions of the parameter itself use; sw::this is among them where it is
+  /// used. Those of its indices stay with the indices.
   [[nodiscard]] std::span<const std::string> usedNames() const {
     return std::span(variables().names()).first(usedNames_);
   }
 
-  /// What it costs to evaluate one instance, in units of work, beside what is done to its texts: at
-  /// most, because where one condition decides the others are not asked.
+  /// What it costs to evaluate one instance, in units of work, beside what is done to its texts and
+  /// what its indices are: at most, because where one condition decides the others are not asked.
   [[nodiscard]] uint64_t evaluationWork() const { return evaluationWork_; }
 
   /// Binds the value of the index at `position` under the index's name.
   void bindIndex(Situation& situation, size_t position, std::string_view value) const;
-  /// The situation as the index at `position` sees it.
-  [[nodiscard]] SituationView indexView(const Situation& situation, size_t position) const {
-    return {situation, indexing_->slots[position]};
-  }
 
   /// The committed value of an instance; null while it was never stored, but for a parameter
   /// without indices, whose one instance then holds the empty text.
@@ -112,17 +109,16 @@ class ParmDef final : public IndexDef {
   CommittedValue& stored(const IndexTuple& indices);
 
  private:
-  void takeIndexNames();
+  void nameIndices();
   [[nodiscard]] uint64_t countEvaluationWork() const;
 
   // What only a parameter with indices has.
   struct Indexing {
     std::vector<const IndexDef*> indices;
-    std::vector<std::vector<uint32_t>> slots;  // by index: from its slots to the parameter's
-    std::vector<uint32_t> nameSlots;           // by index: the slot of its name
-    NameTable suffixes;                        // of the instances that hold a value
-    StableList<CommittedValue> values;         // by the number of the suffix
-    std::vector<CommittedValue*> numbered;     // by the instance's number; null where not known
+    std::vector<uint32_t> nameSlots;        // by index: the slot of its name
+    NameTable suffixes;                     // of the instances that hold a value
+    StableList<CommittedValue> values;      // by the number of the suffix
+    std::vector<CommittedValue*> numbered;  // by the instance's number; null where not known
   };
 
   // First, beside the name: a value that is asked for by name is there with it.

@@ -208,27 +208,18 @@ TEST(Range, TellsWhyARunTimeRangeHasNoValue) {
 
 TEST(Range, IsEmptyWithoutBounds) { expectRanges(makeParm({}), {{{}, 0, ""}}); }
 
-TEST(ParmDef, UsesTheNamesOfItsExpressionsAndItsIndices) {
+TEST(ParmDef, UsesTheNamesOfItsOwnExpressions) {
   const IndexDef row = makeIndex({.name = "row", .validIf = {"rows"}, .ranges = {{"m", {"(n)"}}}});
   const IndexDef column = makeIndex({.name = "column", .ranges = {{"row == 1", {"0"}}}});
-  const ParmDef parm = makeParm({.common = {.validIf = {"mode", "m"}},
+  const ParmDef parm = makeParm({.common = {.validIf = {"mode", "row"}},
                                  .indices = {&row, &column},
                                  .rules = {{"1", "sw::this", "mode"}}});
   const std::vector<std::string> used(parm.usedNames().begin(), parm.usedNames().end());
-  // The index "column" is bound for each instance, but nothing asks for it.
-  EXPECT_EQ(used, (std::vector<std::string>{"mode", "m", "sw::this", "rows", "n", "row"}));
-  EXPECT_TRUE(parm.variables().find("column"));
-}
-
-TEST(ParmDef, ShowsAnIndexTheParametersSituation) {
-  const IndexDef row = makeIndex({.name = "row", .validIf = {"b", "c == row"}});
-  const ParmDef parm = makeParm({.common = {.validIf = {"a", "b"}}, .indices = {&row}});
-  TextSituation situation(parm.variables(), {{"a", "0"}, {"b", "1"}, {"c", "4"}});
-  EXPECT_FALSE(row.isValid(parm.indexView(situation, 0)));  // row is unbound
-  parm.bindIndex(situation, 0, "4");
-  EXPECT_TRUE(row.isValid(parm.indexView(situation, 0)));
-  parm.bindIndex(situation, 0, "5");
-  EXPECT_FALSE(row.isValid(parm.indexView(situation, 0)));
+  EXPECT_EQ(used, (std::vector<std::string>{"mode", "row", "sw::this"}));
+  // The index "column" is bound for each instance, but nothing of the parameter asks for it. What
+  // the indices name stays with them.
+  EXPECT_EQ(parm.variables().names(),
+            (std::vector<std::string>{"mode", "row", "sw::this", "column"}));
 }
 
 TEST(CommittedValues, OfAParameterWithoutIndices) {

@@ -49,3 +49,18 @@ bool PresentBounds::judge(std::string& value) const {
   }
   return accepted;
 }
+
+bool BoundsCheck::check(std::string& value, bool fix) {
+  definition_.translateTwice(value);
+  const bool inBase = definition_.baseBounds().check(value, true);
+  if (!inBase && !fix) {
+    return false;
+  }
+  if (definition_.conditionalBounds().empty()) {
+    return inBase;
+  }
+  if (!present_) {
+    present_.emplace(definition_.conditionalBounds(), situation_, UNUSABLE_ACCEPTS);
+  }
+  return present_->judge(value) && inBase;
+}

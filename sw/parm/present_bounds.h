@@ -1,10 +1,11 @@
 // Present bounds: which of a definition's conditional bounds apply in a situation, with the
-// run-time ranges among them worked out.
+// run-time ranges among them worked out, and the check of values by them.
 #pragma once
 
 #include <array>
 #include <cstddef>
 #include <memory_resource>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -41,4 +42,19 @@ class PresentBounds {
   std::pmr::vector<const BoundsParm*> applying_{&memory_};  // in statement order
   // Never grows beyond what was reserved for it.
   std::pmr::vector<BoundsParm> computed_{&memory_};
+};
+
+/// The full bounds check of one definition in one situation, which both stay as they are. Which of
+/// the conditional bounds apply is found once, when the first value gets so far.
+class BoundsCheck {
+ public:
+  BoundsCheck(const IndexDef& definition, const SituationView& situation)
+      : definition_(definition), situation_(situation) {}
+  /// See ::checkValue().
+  bool check(std::string& value, bool fix);
+
+ private:
+  const IndexDef& definition_;
+  SituationView situation_;
+  std::optional<PresentBounds> present_;
 };

@@ -229,7 +229,8 @@ class Definition {
   }
   Outcome set(std::string value) {
     const TextSituation situation(parm_.variables(), texts_);
-    const int result = setValue(parm_, value, {}, situation, {}).result;
+    TextIndices none(parm_, texts_);
+    const int result = setValue(parm_, value, {}, situation, none, {}).result;
     return {result, value, parm_.committedText({})};
   }
 

@@ -24,17 +24,15 @@ std::string countFault(const ParmDef& parm, const IndexTuple& indices) {
          std::to_string(indices.size());
 }
 
-// Whether an index takes a value in a situation. The fault's text is only made where somebody will
-// read it.
-bool takesValue(const IndexDef& index, const std::string& value, const SituationView& situation,
-                IndexFault* fault) {
-  if (!index.isValid(situation)) {
+// Whether an index takes a value. The fault's text is only made where somebody will read it.
+bool takesValue(PresentIndex& index, const std::string& value, IndexFault* fault) {
+  if (!index.isValid()) {
     if (fault != nullptr) {
       *fault = {"Invalid index[" + index.name() + "]", true};
     }
     return false;
   }
-  if (!index.checkValue(value, situation)) {
+  if (!index.takes(value)) {
     if (fault != nullptr) {
       *fault = {"Invalid index value[" + quoted(index.name()) + "=" + quoted(value) + "]", true};
     }
@@ -43,21 +41,27 @@ bool takesValue(const IndexDef& index, const std::string& value, const Situation
   return true;
 }
 
+// One set: the parameter and its indices as they are for the instance.
+struct Setting {
+  const ParmDef& parm;
+  Situation& situation;
+  PresentIndices& present;
+};
+
 // Binds the index values one by one, so that each index sees those before it, up to the first that
 // is refused. `isStored` tells that the instance has a stored value: its index values were accepted
 // then, and a plain index accepts them in every situation. Only where their number is right: values
 // with brackets in them can make a name that looks like another instance's.
-bool bindIndices(const ParmDef& parm, const IndexTuple& indices, bool isStored,
-                 Situation& situation, IndexFault* fault) {
+bool bindIndices(const Setting& set, const IndexTuple& indices, bool isStored, IndexFault* fault) {
+  const ParmDef& parm = set.parm;
   const size_t pairs = std::min(indices.size(), parm.indices().size());
   const bool isComplete = indices.size() == parm.indices().size();
   for (size_t i = 0; i < pairs; ++i) {
-    const IndexDef& index = *parm.indices()[i];
-    const bool isAccepted = isStored && isComplete && index.isPlain();
-    if (!isAccepted && !takesValue(index, indices[i], parm.indexView(situation, i), fault)) {
+    const bool isAccepted = isStored && isComplete && parm.indices()[i]->isPlain();
+    if (!isAccepted && !takesValue(set.present.at(i, set.situation), indices[i], fault)) {
       return false;
     }
-    parm.bindIndex(situation, i, indices[i]);
+    parm.bindIndex(set.situation, i, indices[i]);
   }
   if (!isComplete && fault != nullptr) {
     *fault = {countFault(parm, indices), false};
@@ -65,16 +69,25 @@ bool bindIndices(const ParmDef& parm, const IndexTuple& indices, bool isStored,
   return isComplete;
 }
 
+// Writes what the parameter's expressions and those of its indices see.
+void dumpVariables(const Setting& set) {
+  BoundVariables bound;
+  bound.add(set.parm.variables(), set.situation);
+  for (size_t i = 0; i < set.parm.indices().size(); ++i) {
+    bound.add(set.parm.indices()[i]->variables(), set.present.at(i, set.situation).situation());
+  }
+  bound.dump();
+}
+
 setOutcome_t refuse(std::string& value, int result) {
   value.clear();
   return {result, false};
 }
 
-setOutcome_t refuseIndices(const ParmDef& parm, std::string& value, const Situation& situation,
-                           const IndexFault& fault) {
-  logSetError(parm, fault.text);
+setOutcome_t refuseIndices(const Setting& set, std::string& value, const IndexFault& fault) {
+  logSetError(set.parm, fault.text);
   if (fault.withVariables) {
-    dumpVariables(parm.variables(), situation);
+    dumpVariables(set);
   }
   return refuse(value, SET_INVALID_INDEX);
 }
@@ -90,48 +103,46 @@ bool correctByBounds(const ParmDef& parm, std::string& value, const Situation& s
   return false;
 }
 
-int correctByConstraints(const ParmDef& parm, std::string& value, const Situation& situation,
-                         const Constraints& constraints) {
+int correctByConstraints(const Setting& set, std::string& value, const Constraints& constraints) {
   switch (constraints.correct(value)) {
     case 0:
       return SET_STORED;
     case 1:
       return SET_RULE_FAILS;
     default:
-      logSetError(parm, "Constraints failed " + quoted(value));
-      dumpVariables(parm.variables(), situation);
+      logSetError(set.parm, "Constraints failed " + quoted(value));
+      dumpVariables(set);
       return SET_INVALID_VALUE;
   }
 }
 
 // Brings a value that may be written into what the parameter takes.
-int correct(const ParmDef& parm, std::string& value, const Situation& situation) {
-  if (parm.hasConstraints()) {
-    const Constraints constraints(parm, situation);
+int correct(const Setting& set, std::string& value) {
+  if (set.parm.hasConstraints()) {
+    const Constraints constraints(set.parm, set.situation);
     if (constraints.apply()) {
-      return correctByConstraints(parm, value, situation, constraints);
+      return correctByConstraints(set, value, constraints);
     }
   }
-  return correctByBounds(parm, value, situation) ? SET_STORED : SET_INVALID_VALUE;
+  return correctByBounds(set.parm, value, set.situation) ? SET_STORED : SET_INVALID_VALUE;
 }
 
 }  // namespace
 
 setOutcome_t setValue(ParmDef& parm, std::string& value, const IndexTuple& indices,
-                      Situation situation, setMode_t mode) {
+                      Situation situation, PresentIndices& present, setMode_t mode) {
   if (parm.mode() == MODE_NEVER || !parm.isValid(situation)) {
     return refuse(value, SET_NOT_STORED);
   }
+  const Setting set{parm, situation, present};
   IndexFault fault;
-  if (!bindIndices(parm, indices, mode.held != nullptr, situation,
-                   mode.quietIndices ? nullptr : &fault)) {
-    return mode.quietIndices ? refuse(value, SET_INVALID_INDEX)
-                             : refuseIndices(parm, value, situation, fault);
+  if (!bindIndices(set, indices, mode.held != nullptr, mode.quietIndices ? nullptr : &fault)) {
+    return mode.quietIndices ? refuse(value, SET_INVALID_INDEX) : refuseIndices(set, value, fault);
   }
   if (!mode.force && parm.isReadOnly(situation)) {
     return refuse(value, SET_NOT_STORED);
   }
-  const int result = correct(parm, value, situation);
+  const int result = correct(set, value);
   if (result == SET_RULE_FAILS) {
     return {result, false};
   }

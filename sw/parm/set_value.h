@@ -6,6 +6,7 @@
 #include "deflang/variables.h"
 #include "sw/parm/index_tuple.h"
 #include "sw/parm/parm_def.h"
+#include "sw/parm/present_index.h"
 
 /// How a value is set.
 struct setMode_t {
@@ -34,6 +35,7 @@ struct setOutcome_t {
 };
 
 /// Checks `value` for the instance `indices` in a situation, corrects and stores it. `situation` is
-/// the call's own; the index values are bound in it here.
+/// the call's own; the index values are bound in it here. `present` gives the parameter's indices
+/// as they are for the instance.
 setOutcome_t setValue(ParmDef& parm, std::string& value, const IndexTuple& indices,
-                      Situation situation, setMode_t mode);
+                      Situation situation, PresentIndices& present, setMode_t mode);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "deflang/system_log.h"
 #include "sw/parm/test_definitions.h"
 
@@ -30,8 +32,9 @@ class SetValue : public testing::Test {
     log_.clear();
     const std::string before = parm.committedText(indices);
     std::string value = given;
-    const TextSituation situation(parm.variables(), texts);
-    const setOutcome_t outcome = setValue(parm, value, indices, situation, mode);
+    TextIndices present(parm, texts);
+    const setOutcome_t outcome =
+        setValue(parm, value, indices, ownSituation(parm, texts), present, mode);
     EXPECT_EQ(outcome.result, expected.result);
     EXPECT_EQ(value, expected.value);
     EXPECT_EQ(outcome.stored, expected.stored);
@@ -44,6 +47,21 @@ class SetValue : public testing::Test {
   }
 
  private:
+  // What of the texts the parameter itself sees; each is seen by somebody.
+  static Situation ownSituation(const ParmDef& parm, const Texts& texts) {
+    Situation situation(parm.variables().size());
+    for (const auto& [name, text] : texts) {
+      const std::optional<uint32_t> slot = parm.variables().find(name);
+      if (slot) situation.bind(*slot, operandOf(text));
+      EXPECT_TRUE(slot || std::any_of(parm.indices().begin(), parm.indices().end(),
+                                      [&](const IndexDef* index) {
+                                        return index->variables().find(name).has_value();
+                                      }))
+          << name << " is used nowhere";
+    }
+    return situation;
+  }
+
   Lines log_;
   LogRedirection redirection_;
 };
@@ -382,7 +400,9 @@ TEST_F(SetValue, LeavesTheCallersSituationAlone) {
   ParmDef parm = makeParm({.indices = {&row}, .rules = {{"1", "sw::this != 1", "2"}}});
   const TextSituation situation(parm.variables(), {{"row", "9"}});
   std::string value = "1";
-  EXPECT_EQ(setValue(parm, value, {"3"}, situation, {}).result, SET_STORED);
+  const Texts none;
+  TextIndices present(parm, none);
+  EXPECT_EQ(setValue(parm, value, {"3"}, situation, present, {}).result, SET_STORED);
   EXPECT_EQ(value, "2");
   EXPECT_EQ(situation[*parm.variables().find("row")].number, 9);
   EXPECT_EQ(situation[*parm.variables().find("sw::this")].kind, OPERAND_INVALID);

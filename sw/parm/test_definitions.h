@@ -18,6 +18,7 @@
 #include "deflang/variables.h"
 #include "sw/parm/index_def.h"
 #include "sw/parm/parm_def.h"
+#include "sw/parm/present_index.h"
 
 /// The program of an expression as a definition text has it, without the parentheses around it.
 inline Program makeProgram(Variables& variables, std::string_view text) {
@@ -58,6 +59,33 @@ class TextSituation : public Situation {
 
  private:
   Texts texts_;
+};
+
+/// The indices of an instance in a situation that is given by names and value texts, which have to
+/// outlive it. Names that an index does not use are passed over.
+class TextIndices final : public PresentIndices {
+ public:
+  TextIndices(const ParmDef& parm, const TextSituation::Texts& texts)
+      : parm_(parm), texts_(texts) {}
+  [[nodiscard]] PresentIndex& at(size_t position, const Situation& own) override {
+    const IndexDef& index = *parm_.indices()[position];
+    Situation situation(index.variables().size());
+    for (const auto& [name, text] : texts_) {
+      const std::optional<uint32_t> slot = index.variables().find(name);
+      if (slot) situation.bind(*slot, operandOf(text));
+    }
+    for (const IndexDef* other : parm_.indices()) {
+      const std::optional<uint32_t> slot = index.variables().find(other->name());
+      const Operand& bound = own[*parm_.variables().find(other->name())];
+      if (slot && bound.kind != OPERAND_INVALID) situation.bind(*slot, operandOf(bound.text));
+    }
+    return present_.emplace(index, std::move(situation));
+  }
+
+ private:
+  const ParmDef& parm_;
+  const TextSituation::Texts& texts_;
+  std::optional<PresentIndex> present_;
 };
 
 /// One range item: a number "7", a span "0..9" or a text "auto"; a text in quotes is none but that

@@ -510,6 +510,57 @@ TEST_F(HostileTextsTest, TheNamesOfAnIndexAreKnownToAllThatItIndexes) {
   });
 }
 
+// A name of three letters and digits, so that many fit into a short text.
+std::string shortName(int number) {
+  constexpr std::string_view DIGITS = "abcdefghijklmnopqrstuvwxyz0123456789";
+  const auto base = static_cast<int>(DIGITS.size());
+  return {DIGITS[number / base / base], DIGITS[number / base % base], DIGITS[number % base]};
+}
+
+// An index that names each of `names` parameters in its condition, and `parms` that it indexes.
+std::string namesAndIndexed(int names, int parms) {
+  std::string definitions;
+  std::string sum;
+  for (int i = 0; i < names; ++i) {
+    definitions += shortName(i) + " rw{}\n";
+    sum += (i == 0 ? "" : "\n+") + shortName(i);
+  }
+  std::string indexed;
+  for (int i = 0; i < parms; ++i) indexed += shortName(names + i) + " rw{index{i}}\n";
+  return definitions + "i index{rangeValid{1}ctrlValid(9!=" + sum + ")}\n" + indexed;
+}
+
+class NamesAndIndexedTest : public ServiceTest {
+ protected:
+  /// The peak of a daemon that serves such a text, and in which two of the names are set, in KiB.
+  size_t peakOf(int names, int parms) {
+    serve(ALIVE + namesAndIndexed(names, parms));
+    for (const char* call : {"single_set('aaa', '1')", "single_set('aab', '2')"}) {
+      EXPECT_EQ(client().answer(call), "()");
+    }
+    const std::vector<std::vector<std::string>> signals = client().newSignals();
+    EXPECT_EQ(signals.size(), 2U);
+    EXPECT_EQ(signals.front().size(), static_cast<size_t>(parms) + 1);
+    const size_t peak = memoryOf(daemon().process().pid(), "VmHWM:");
+    expectOrderlyEnd();
+    return peak;
+  }
+
+  void TearDown() override {}  // each daemon has been ended
+};
+
+TEST_F(NamesAndIndexedTest, TakeMemoryInProportionToTheText) {
+  // The largest of them has 98 kB and ten million pairs of a name and a parameter.
+  const size_t nothing = peakOf(2, 0);
+  const size_t quarter = peakOf(875, 725);
+  const size_t whole = peakOf(3500, 2900);
+  RecordProperty("quarter_kib", std::to_string(quarter));
+  RecordProperty("whole_kib", std::to_string(whole));
+  if (isWatched()) return;
+  EXPECT_LT(whole, size_t{20} << 10U);
+  EXPECT_LT(whole - nothing, 5 * (quarter - nothing));
+}
+
 TEST_F(HostileTextsTest, TwentyThousandStatementsOfOneParameterAreAsked) {
   const auto each = [](const std::string& before, const std::string& after) {
     return repeated(20000, [&](const std::string& i) {

@@ -275,6 +275,7 @@ int Database::assignLevels(const std::vector<ParmEntry*>& parms, std::string& na
     for (const uint32_t node : graph.bundles()[bundle].names) {
       if (node < parms.size()) {
         parms[node]->indices.change().naming.push_back(&graph.indexOf(bundle));
+        parms[node]->isNamedByIndices = true;
       }
     }
   }

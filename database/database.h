@@ -50,13 +50,12 @@ struct ParmEntry {
   std::vector<ParmEntry*> dependents;  ///< whose own expressions refer to it, in name order
   Seldom<IndexLinks> indices;
   uint32_t level = 0;
-  uint32_t rank = 0;  ///< its place in name order
-  uint32_t walk = 0;  ///< the last walk over dependents that came here
+  uint32_t rank = 0;              ///< its place in name order
+  uint32_t walk = 0;              ///< the last walk over dependents that came here
+  bool isNamedByIndices = false;  ///< whether `indices` has indices that name it
 
   /// Whether a parameter depends on it.
-  [[nodiscard]] bool hasDependents() const {
-    return !dependents.empty() || !indices->naming.empty();
-  }
+  [[nodiscard]] bool hasDependents() const { return !dependents.empty() || isNamedByIndices; }
 };
 
 /// An index and where its own variables find their values.

@@ -25,10 +25,6 @@ class IndexSituations {
   /// instance's situation, in which the values of the indices before it are bound. Counts the work.
   [[nodiscard]] PresentIndex& at(const ParmEntry& parm, const IndexTuple& indices, size_t position,
                                  const Situation& own);
-  /// Whether an index that is remembered may have to be forgotten with a value of `parm`.
-  [[nodiscard]] static bool dependsOn(const ParmEntry& parm) {
-    return !parm.indices->naming.empty();
-  }
   /// Forgets what depends on the values of `parm`, one of which is about to change or to move.
   void forget(const ParmEntry& parm);
 

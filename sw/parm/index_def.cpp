@@ -66,7 +66,7 @@ bool IndexDef::checkValue(std::string value, const SituationView& situation) con
 }
 
 bool IndexDef::checkValue(std::string value, BoundsCheck& check) const {
-  return check.check(value, false);
+  return check.accepts(std::move(value));
 }
 
 bool IndexDef::isValid(const SituationView& situation) const {
@@ -92,5 +92,14 @@ void IndexDef::translateTwice(std::string& value) const {
 
 bool checkValue(const IndexDef& definition, std::string& value, const SituationView& situation,
                 bool fix) {
-  return BoundsCheck(definition, situation).check(value, fix);
+  definition.translateTwice(value);
+  const bool inBase = definition.baseBounds().check(value, true);
+  if (!inBase && !fix) {
+    return false;
+  }
+  if (definition.conditionalBounds().empty()) {
+    return inBase;
+  }
+  const PresentBounds bounds(definition.conditionalBounds(), situation, UNUSABLE_ACCEPTS);
+  return bounds.judge(value) && inBase;
 }

@@ -21,9 +21,8 @@ ParmDef::ParmDef(DefinitionParts parts, ParmParts parmParts)
     noteKinds(documentedRanges_.change());
   }
   if (!parmParts.indices.empty()) {
-    indexing_.change().indices = std::move(parmParts.indices);
+    takeIndices(std::move(parmParts.indices));
   }
-  nameIndices();
   hasRunTimeRanges_ =
       std::any_of(conditionalBounds().begin(), conditionalBounds().end(),
                   [](const ConditionalBounds& bounds) { return bounds.computed != nullptr; });
@@ -31,7 +30,7 @@ ParmDef::ParmDef(DefinitionParts parts, ParmParts parmParts)
 }
 
 uint64_t ParmDef::countEvaluationWork() const {
-  uint64_t units = WORK_PER_INSTANCE + judgingWork() + usedNames_ * WORK_PER_NAME +
+  uint64_t units = WORK_PER_INSTANCE + judgingWork() + usedNames().size() * WORK_PER_NAME +
                    workOf(readOnlyConditions_.all());
   for (const IndexDef* index : indices()) units += WORK_PER_INDEX + index->textWork();
   for (const ConstraintRule& rule : constraintRules()) {
@@ -40,10 +39,12 @@ uint64_t ParmDef::countEvaluationWork() const {
   return units;
 }
 
-void ParmDef::nameIndices() {
-  usedNames_ = static_cast<uint32_t>(variables().size());
-  for (const IndexDef* index : indices()) {
-    indexing_.change().nameSlots.push_back(ownVariables().slot(index->name()));
+void ParmDef::takeIndices(std::vector<const IndexDef*> indices) {
+  Indexing& indexing = indexing_.change();
+  indexing.indices = std::move(indices);
+  indexing.usedNames = static_cast<uint32_t>(variables().size());
+  for (const IndexDef* index : indexing.indices) {
+    indexing.nameSlots.push_back(ownVariables().slot(index->name()));
   }
 }
 
@@ -114,7 +115,7 @@ int ParmDef::range(BoundsParm& out, const SituationView& situation) const {
 void ParmDef::bindIndex(Situation& situation, size_t position, std::string_view value) const {
   const uint32_t slot = indexing_->nameSlots[position];
   // What no expression uses is only printed.
-  const bool isUsed = slot < usedNames_;
+  const bool isUsed = slot < indexing_->usedNames;
   situation.bind(slot, isUsed ? operandOf(value) : Operand{OPERAND_STRING, 0, value});
 }
 

@@ -84,7 +84,8 @@ class ParmDef final : public IndexDef {
   /// The names that the expressions of the parameter itself use; sw::this is among them where it is
   /// used. Those of its indices stay with the indices.
   [[nodiscard]] std::span<const std::string> usedNames() const {
-    return std::span(variables().names()).first(usedNames_);
+    const std::span<const std::string> names = variables().names();
+    return indices().empty() ? names : names.first(indexing_->usedNames);
   }
 
   /// What it costs to evaluate one instance, in units of work, beside what is done to its texts and
@@ -109,13 +110,14 @@ class ParmDef final : public IndexDef {
   CommittedValue& stored(const IndexTuple& indices);
 
  private:
-  void nameIndices();
+  void takeIndices(std::vector<const IndexDef*> indices);
   [[nodiscard]] uint64_t countEvaluationWork() const;
 
   // What only a parameter with indices has.
   struct Indexing {
     std::vector<const IndexDef*> indices;
     std::vector<uint32_t> nameSlots;        // by index: the slot of its name
+    uint32_t usedNames = 0;                 // how many variables the expressions use
     NameTable suffixes;                     // of the instances that hold a value
     StableList<CommittedValue> values;      // by the number of the suffix
     std::vector<CommittedValue*> numbered;  // by the instance's number; null where not known
@@ -125,11 +127,10 @@ class ParmDef final : public IndexDef {
   Seldom<Indexing> indexing_;
   CommittedValue single_;  // of a parameter without indices
   accessMode_t mode_;
-  uint32_t usedNames_ = 0;
-  uint32_t evaluationWork_ = 0;
   bool hasRunTimeRanges_ = false;
   std::string fallbackDefault_;
-  FixedList<ConditionalDefault> defaults_;
+  [[no_unique_address]] FixedList<ConditionalDefault> defaults_;  // leaves four bytes
+  uint32_t evaluationWork_;
   FixedList<Program> readOnlyConditions_;
   Seldom<std::vector<ConstraintRule>> constraintRules_;
   Seldom<std::vector<ConditionalBounds>> documentedRanges_;

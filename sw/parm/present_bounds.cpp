@@ -50,17 +50,16 @@ bool PresentBounds::judge(std::string& value) const {
   return accepted;
 }
 
-bool BoundsCheck::check(std::string& value, bool fix) {
+bool BoundsCheck::accepts(std::string value) {
   definition_.translateTwice(value);
-  const bool inBase = definition_.baseBounds().check(value, true);
-  if (!inBase && !fix) {
+  if (!definition_.baseBounds().check(value, true)) {
     return false;
   }
   if (definition_.conditionalBounds().empty()) {
-    return inBase;
+    return true;
   }
   if (!present_) {
     present_.emplace(definition_.conditionalBounds(), situation_, UNUSABLE_ACCEPTS);
   }
-  return present_->judge(value) && inBase;
+  return present_->judge(value);
 }

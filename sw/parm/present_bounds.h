@@ -44,14 +44,14 @@ class PresentBounds {
   std::pmr::vector<BoundsParm> computed_{&memory_};
 };
 
-/// The full bounds check of one definition in one situation, which both stay as they are. Which of
-/// the conditional bounds apply is found once, when the first value gets so far.
+/// The full bounds check of one definition, without correction, in one situation; both stay as they
+/// are. Which of the conditional bounds apply is found once, when the first value gets so far.
 class BoundsCheck {
  public:
   BoundsCheck(const IndexDef& definition, const SituationView& situation)
       : definition_(definition), situation_(situation) {}
-  /// See ::checkValue().
-  bool check(std::string& value, bool fix);
+  /// As ::checkValue().
+  [[nodiscard]] bool accepts(std::string value);
 
  private:
   const IndexDef& definition_;

@@ -1,0 +1,90 @@
+#include "database/index_situations.h"
+
+#include <gtest/gtest.h>
+
+#include "database/gather.h"
+#include "database/test_database.h"
+
+namespace {
+
+constexpr std::string_view TEXT = R"(
+mode rw { }
+other rw { }
+i index { rangeValid { 0..9 } ctrlValid ( mode != 9 ) rangeValid ( mode == 1 ) { 0..4 }
+          rangeValid ( mode != 1 ) { (other)..9 } }
+own index { rangeValid { 0..9 } ctrlValid ( q != 9 ) }
+behind index { rangeValid { 0..9 } ctrlValid ( i != 9 && mode != 2 ) }
+p rw { index { i } }
+q rw { index { own } }
+r rw { index { i, behind } }
+alone rw { }
+)";
+
+class IndexSituationsTest : public testing::Test {
+ protected:
+  void SetUp() override { define(database_, TEXT); }
+
+  ParmEntry& parm(const char* name) { return *database_.findParm(name); }
+
+  /// Stages a value and says so, as a commit does.
+  void change(const char* name, const IndexTuple& indices, const char* value) {
+    situations_.forget(parm(name));
+    staged_.stage(parm(name), indices, false).value.set(value);
+  }
+
+  /// The index at `position` of an instance, with the values of those before it bound.
+  PresentIndex& at(const char* name, const IndexTuple& indices, size_t position = 0) {
+    own_ = gather(parm(name), indices, staged_);
+    for (size_t i = 0; i < position; ++i) parm(name).parm.bindIndex(own_, i, indices[i]);
+    return situations_.at(parm(name), indices, position, own_);
+  }
+
+  Database database_;
+  StagedValues staged_;
+  IndexSituations situations_{staged_};
+  Situation own_{0};
+};
+
+TEST_F(IndexSituationsTest, AreTheSameForAllInstancesUntilANameChanges) {
+  EXPECT_TRUE(at("p", {"1"}).isValid());
+  EXPECT_TRUE(at("p", {"1"}).takes("7"));
+  // A change that nobody tells of shows what is remembered, also for another parameter.
+  staged_.stage(parm("mode"), {}, false).value.set("9");
+  EXPECT_TRUE(at("p", {"2"}).isValid());
+  EXPECT_TRUE(at("r", {"2", "3"}).isValid());
+  change("alone", {}, "5");
+  EXPECT_TRUE(at("p", {"1"}).isValid());
+  situations_.forget(parm("mode"));
+  EXPECT_FALSE(at("p", {"1"}).isValid());
+  change("mode", {}, "1");
+  EXPECT_TRUE(at("p", {"1"}).isValid());
+  EXPECT_FALSE(at("p", {"1"}).takes("7"));
+  change("mode", {}, "2");
+  change("other", {}, "8");
+  EXPECT_FALSE(at("p", {"1"}).takes("7"));
+  EXPECT_TRUE(at("p", {"1"}).takes("8"));
+  change("mode", {}, "9");
+  EXPECT_FALSE(at("r", {"1", "2"}).isValid());
+}
+
+TEST_F(IndexSituationsTest, AreThoseOfEachInstanceWhereANameDependsOnIt) {
+  change("q", {"2"}, "9");
+  EXPECT_TRUE(at("q", {"1"}).isValid());
+  EXPECT_FALSE(at("q", {"2"}).isValid());
+  EXPECT_TRUE(at("q", {"3"}).isValid());
+  EXPECT_TRUE(at("r", {"1", "2"}, 1).isValid());
+  EXPECT_FALSE(at("r", {"9", "2"}, 1).isValid());
+  change("mode", {}, "2");
+  EXPECT_FALSE(at("r", {"1", "2"}, 1).isValid());
+}
+
+TEST_F(IndexSituationsTest, DependOnTheParametersThatAnIndexInUseNames) {
+  for (const char* name : {"mode", "other", "q"}) {
+    EXPECT_TRUE(parm(name).isNamedByIndices) << name;
+  }
+  for (const char* name : {"p", "r", "alone"}) {
+    EXPECT_FALSE(parm(name).isNamedByIndices) << name;
+  }
+}
+
+}  // namespace

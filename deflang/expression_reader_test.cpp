@@ -105,6 +105,29 @@ TEST(ExpressionReader, AddsIndexSuffixesToAVariable) {
   }
 }
 
+TEST(ExpressionReader, AddsAFigureOnlyToAnIndexedStandard) {
+  struct Case {
+    std::string_view text;
+    std::string_view tokens;
+  };
+  const Case cases[] = {
+      {"(vidStd::in[1]::spal)", "vidStd::in[1]::spal"},
+      {"(vidStd::in[1] ::spal)", "vidStd::in[1]::spal"},
+      {"(vidStd::in[1] spal)", "vidStd::in[1] spal"},
+      {"(vidStd::in ::spal)", "vidStd::in ::spal"},
+      {"(in[1] ::spal)", "in[1] ::spal"},
+      {"(::spal)", "::spal"},
+      {"(vidStd::in[1] + ::spal)", "vidStd::in[1] + ::spal"},
+      {"(\"vidStd::in[1]\" ::spal)", "'vidStd::in[1]' ::spal"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.text);
+    ExpressionReader reader;
+    EXPECT_EQ(readText(reader, c.text).result, PARSE_DONE);
+    EXPECT_EQ(textOf(reader.take()), c.tokens);
+  }
+}
+
 TEST(ExpressionReader, FoldsAMinusIntoItsNumber) {
   struct Case {
     std::string_view text;

@@ -80,4 +80,11 @@ TEST(IndexListReader, StartsAnewAfterReset) {
   }
 }
 
+TEST(IndexListReader, ForgetsAListThatNobodyTookOnReset) {
+  IndexListReader reader;
+  readText(reader, "{ a }");
+  reader.reset();
+  EXPECT_EQ(textOf(reader.take()), textOf(IndexListReader().take()));
+}
+
 }  // namespace

@@ -101,4 +101,11 @@ TEST(QuotedText, IsNoLongerThanAValueMayBe) {
   }
 }
 
+TEST(QuotedText, ForgetsATextThatNobodyTookOnReset) {
+  QuotedText text;
+  readText(text, {"\"one\""});
+  text.reset();
+  EXPECT_EQ(text.take(), "");
+}
+
 }  // namespace

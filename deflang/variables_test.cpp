@@ -85,6 +85,21 @@ TEST(Situation, HoldsWhatIsBound) {
   EXPECT_EQ(situation[1].kind, OPERAND_INVALID);
 }
 
+TEST(Situation, HoldsAsManyAsItHasSlots) {
+  // Few are kept in the situation itself.
+  for (size_t slots = 1; slots < 8; ++slots) {
+    SCOPED_TRACE(slots);
+    Situation situation(slots);
+    for (uint32_t slot = 0; slot < slots; ++slot) {
+      situation.bind(slot, {OPERAND_NUMBER, static_cast<int32_t>(slot) + 100, {}});
+    }
+    EXPECT_EQ(situation.size(), slots);
+    for (uint32_t slot = 0; slot < slots; ++slot) {
+      EXPECT_EQ(situation[slot].number, static_cast<int32_t>(slot) + 100);
+    }
+  }
+}
+
 TEST(SituationView, SeesTheSituation) {
   Situation situation(3);
   situation.bind(0, operandOf("10"));

@@ -37,6 +37,7 @@ TEST(VidStdName, IsAnOrdinaryNameOtherwise) {
       "mode",                   // no prefix
       "avidStd::mode::spal",    // the prefix stands elsewhere
       "vidStd::mode",           // no second "::"
+      "vidStd::xspal",          // nor here, although a figure ends it
       "vidStd::mode::xyz",      // no such figure
       "vidStd::mode::SPAL",     // case matters
       "vidStd::mode::spal ",    // exact

@@ -218,6 +218,13 @@ TEST(ExpressionReader, ForgetsAnUnfinishedExpressionOnReset) {
   }
 }
 
+TEST(ExpressionReader, ForgetsAnExpressionThatNobodyTookOnReset) {
+  ExpressionReader reader;
+  readText(reader, "(a)");
+  reader.reset();
+  EXPECT_EQ(textOf(reader.take()), "");
+}
+
 TEST(ExpressionReader, ReadsOneExpressionAfterTheOther) {
   ExpressionReader reader;
   readText(reader, "(a)");

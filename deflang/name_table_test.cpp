@@ -15,6 +15,8 @@ TEST(NameTable, NumbersNamesInTheOrderInWhichTheyAreAdded) {
   EXPECT_EQ(table.find(""), 1000U);
   EXPECT_EQ(table.find("n1000"), std::nullopt);
   EXPECT_EQ(table.find("n99 "), std::nullopt);
+  EXPECT_EQ(table[0], "n0");
+  EXPECT_EQ(table[500], "n500");
   EXPECT_EQ(table[999], "n999");
   EXPECT_EQ(table[1000], "");
 }

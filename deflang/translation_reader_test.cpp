@@ -104,4 +104,11 @@ TEST(TranslationReader, StartsAnewAfterReset) {
   }
 }
 
+TEST(TranslationReader, ForgetsATranslationThatNobodyTookOnReset) {
+  TranslationReader reader;
+  readText(reader, "{ 1 -> 2 }");
+  reader.reset();
+  EXPECT_EQ(textOf(reader.take()), textOf(TranslationReader().take()));
+}
+
 }  // namespace

@@ -68,6 +68,15 @@ TEST(Postfix, FollowsPrecedenceAndGroups) {
   }
 }
 
+TEST(Postfix, ReplacesWhatWasThere) {
+  const Expression first = readExpression("1 + 2");
+  const Expression second = readExpression("3");
+  std::vector<const Token*> order;
+  EXPECT_EQ(postfixOrder(first, order), 0);
+  EXPECT_EQ(postfixOrder(second, order), 0);
+  EXPECT_EQ(show(order), "3");
+}
+
 struct Level {
   const char* text;
   int level;

@@ -55,9 +55,9 @@ constexpr bool turned(int number, T&& condition) {
   return static_cast<bool>(condition) != is(number);
 }
 
-#define MUTANT_OPERATOR(name, right, wrong)                          \
-  template <typename A, typename B>                                  \
-  constexpr auto name(int number, A a, B b) {          \
+#define MUTANT_OPERATOR(name, right, wrong)                                      \
+  template <typename A, typename B>                                              \
+  constexpr auto name(int number, A a, B b) {                                    \
     return is(number) ? static_cast<decltype(a right b)>(a wrong b) : a right b; \
   }
 MUTANT_OPERATOR(equal, ==, !=)
@@ -75,12 +75,12 @@ MUTANT_OPERATOR(bitXor, ^, &)
 #undef MUTANT_OPERATOR
 
 // Two mutants each: the bound moved, and the comparison turned.
-#define MUTANT_COMPARISON(name, right, moved, opposite)            \
-  template <typename A, typename B>                                \
-  constexpr bool name(int number, A a, B b) {        \
-    if (is(number)) return a moved b;                              \
-    if (is(number + 1)) return a opposite b;                       \
-    return a right b;                                              \
+#define MUTANT_COMPARISON(name, right, moved, opposite) \
+  template <typename A, typename B>                     \
+  constexpr bool name(int number, A a, B b) {           \
+    if (is(number)) return a moved b;                   \
+    if (is(number + 1)) return a opposite b;            \
+    return a right b;                                   \
   }
 MUTANT_COMPARISON(less, <, <=, >=)
 MUTANT_COMPARISON(lessOrEqual, <=, <, >)
@@ -88,11 +88,11 @@ MUTANT_COMPARISON(greater, >, >=, <=)
 MUTANT_COMPARISON(greaterOrEqual, >=, >, <)
 #undef MUTANT_COMPARISON
 
-#define MUTANT_ASSIGNMENT(name, right, wrong)                      \
-  template <typename A, typename B>                                \
-  constexpr A& name(int number, A& a, B b) {                \
-    if (is(number)) return a wrong b;                              \
-    return a right b;                                              \
+#define MUTANT_ASSIGNMENT(name, right, wrong) \
+  template <typename A, typename B>           \
+  constexpr A& name(int number, A& a, B b) {  \
+    if (is(number)) return a wrong b;         \
+    return a right b;                         \
   }
 MUTANT_ASSIGNMENT(add, +=, -=)
 MUTANT_ASSIGNMENT(subtract, -=, +=)

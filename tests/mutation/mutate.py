@@ -377,7 +377,10 @@ def attempts_for(mutant, tests):
 
 def try_mutant(mutant):
     """Returns the mutant and what killed it; nothing where it survives."""
-    for attempt in attempts_for(mutant, TESTS):
+    attempts = attempts_for(mutant, TESTS)
+    if not attempts:
+        mutant.note = "  (reached by no test)"
+    for attempt in attempts:
         if not attempt.passes(mutant.number):
             return mutant, attempt.tests[0].program()
     return mutant, None
@@ -490,7 +493,7 @@ def try_all(chosen, tests, options):
 
 
 def row(mutant):
-    return f"{mutant.file}:{mutant.line}  {mutant.function}  {mutant.original} -> {mutant.mutated}"
+    return f"{mutant.file}:{mutant.line}  {mutant.function}  {mutant.original} -> {mutant.mutated}{mutant.note}"
 
 
 def report(verdicts, options):

@@ -51,6 +51,7 @@ class Mutant:
     mutated: str
     number: int  # in the program
     place: int  # the number of the first mutant of the same place
+    note: str = ""  # for the report
     nth: int = 1  # of the mutants of this file with the same function, original and mutated text
 
     def key(self):
@@ -179,7 +180,8 @@ class Source:
         self.function = "::".join(part for part in (scope, function.spelling) if part)
         self.result_type = function.result_type.get_canonical().kind
         for child in function.get_children():
-            if child.kind == Kind.COMPOUND_STMT or child.kind.is_expression():
+            # The other expressions are in types, or the members' initial values.
+            if child.kind == Kind.COMPOUND_STMT or (function.kind == Kind.CONSTRUCTOR and child.kind.is_expression()):
                 self.visit(child)
 
     def visit(self, cursor, condition=False):
@@ -317,7 +319,7 @@ class Source:
             self.constant(cursor, self.of(cursor))
 
     def constant(self, cursor, text):
-        self.wrap(cursor, "mutant::constant(%d, ", ")", [text + " + 1", text + " - 1"])
+        self.wrap(cursor, "mutant::constant(%d, ", ")", [f"({text} + 1)", f"({text} - 1)"])
 
     def on_var_decl(self, cursor, _):
         words = {spelling for start, spelling in self.tokens_from(self.span(cursor)[0])

@@ -18,6 +18,9 @@ namespace {
 constexpr int WALK_AGAIN = SET_RULE_FAILS;
 
 void resolveResets(StagedValues& staged) {
+  if (!staged.hasResets()) {
+    return;
+  }
   for (StagedEntry* entry : staged.inNameOrder()) {
     if (entry->reset) {
       std::string value;

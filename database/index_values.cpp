@@ -53,6 +53,9 @@ const std::vector<std::string>& indexValues(IndexEntry& index) {
 }
 
 uint64_t countInstances(const ParmDef& parm) {
+  if (parm.indices().empty()) {
+    return 1;
+  }
   // First: one index without values outweighs all the others.
   if (!hasInstances(parm)) {
     return 0;
@@ -68,6 +71,10 @@ uint64_t countInstances(const ParmDef& parm) {
 
 void forEachInstance(Database& database, const ParmDef& parm,
                      const std::function<void(const IndexTuple&)>& visit) {
+  if (parm.indices().empty()) {
+    visit({});
+    return;
+  }
   // The values of an index are many, and they are not worked out for nothing.
   if (!hasInstances(parm)) {
     return;

@@ -108,6 +108,15 @@ std::vector<StagedEntry*> StagedValues::inNameOrder() {
   return entries;
 }
 
+bool StagedValues::hasResets() const {
+  for (size_t i = 0; i < entries_.size(); ++i) {
+    if (entries_[i].reset) {
+      return true;
+    }
+  }
+  return false;
+}
+
 void StagedValues::clear() {
   entries_ = {};
   positions_ = {};

@@ -47,6 +47,8 @@ class StagedValues {
   void makeRoom(size_t more) { positions_.makeRoom(more); }
   /// The entries here, ascending by full name. Counts the work.
   [[nodiscard]] std::vector<StagedEntry*> inNameOrder();
+  /// Whether an entry here is to be replaced by its default.
+  [[nodiscard]] bool hasResets() const;
   [[nodiscard]] bool empty() const { return entries_.empty(); }
   void clear();
 

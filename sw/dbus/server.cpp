@@ -130,10 +130,9 @@ int runService(Database& database, const std::string& busSuffix, bool daemonize,
   ServiceState state(database);
   createMainLoopAndLock(state);
   DBusGConnection* bus = connectToBus();
-  const std::string name = withSuffix("org.tavrel.transaction", ".", busSuffix);
-  requestName(bus, name);
   const std::string path = withSuffix("/transaction", "/", pathSuffix);
   requireValid(dbus_validate_path, path, "Invalid object path");
+  requestName(bus, withSuffix("org.tavrel.transaction", ".", busSuffix));
   registerObject(bus, path);
   detach(daemonize);
   const LogWatch logWatch;

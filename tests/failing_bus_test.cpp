@@ -196,7 +196,7 @@ TEST(BusFailure, OfASocketThatIsNoBusIsReported) {
       {"REJECTED\r\n", true, NO_REPLY},
       {"REJECTED\r\n", false, NO_REPLY},
       {ACCEPTED, true, NO_REPLY},
-      {ACCEPTED, false, silent},
+      {ACCEPTED, false, NO_REPLY},  // the first call has a limit of its own
       {"OK nonsense\r\n", false, NO_REPLY},
       {"HTTP/1.1 400 Bad Request\r\n\r\n", true, NO_REPLY},
       {"HTTP/1.1 400 Bad Request\r\n\r\n", false, silent},
@@ -208,7 +208,7 @@ TEST(BusFailure, OfASocketThatIsNoBusIsReported) {
   std::vector<std::unique_ptr<Daemon>> daemons;
   for (const SocketCase& c : cases) {
     sockets.push_back(std::make_unique<OddSocket>(c.words, c.closes));
-    daemons.push_back(startedOn(sockets.back()->address(), c.report == silent));
+    daemons.push_back(startedOn(sockets.back()->address(), !c.closes));
   }
   for (size_t i = 0; i < daemons.size(); ++i) {
     SCOPED_TRACE(cases[i].words.substr(0, 40) + (cases[i].closes ? ", closed" : ""));

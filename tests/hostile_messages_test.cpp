@@ -1,6 +1,7 @@
 // Messages that no client of the interface should send: wrong arguments, other kinds of messages,
 // other interfaces. They are refused or passed over, and leave nothing behind.
 #include <gio/gunixfdlist.h>
+#include <sys/resource.h>
 
 #include "tests/harness/hostile_test.h"
 
@@ -177,29 +178,84 @@ TEST_F(HostileMessagesTest, CallsOfOtherThingsThanTheInterfaceAreRefused) {
   }
 }
 
-TEST_F(HostileMessagesTest, DescriptorsThatCallsBringAreClosed) {
-  GUnixFDList* descriptors = g_unix_fd_list_new();
-  for (int i = 0; i < 16; ++i) {
-    ASSERT_GE(g_unix_fd_list_append(descriptors, 0, nullptr), 0);
-  }
-  const Arguments arguments[] = {
-      {"(ah)", "([0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15],)"},
-      {"(uh)", "(0, 1)"},
-      {"(s)", "('level',)"},  // not among the arguments, but with the message
-  };
-  for (int i = 0; i < 100; ++i) {
-    for (const Arguments& a : arguments) {
-      for (const char* method : {"single_get", "no_such_method"}) {
-        const Message call(methodCall(method), valueOf(a));
-        g_dbus_message_set_unix_fd_list(call.get(), descriptors);
-        call.send(client());
-      }
+// How many calls bring how many descriptors each, to a daemon that may have so many files.
+struct DescriptorCase {
+  rlim_t files;
+  int calls;
+  int descriptors;
+};
+
+class DescriptorsTest : public HostileMessagesTest,
+                        public testing::WithParamInterface<DescriptorCase> {
+ protected:
+  void SetUp() override {
+    HostileMessagesTest::SetUp();
+    const rlimit limit = {GetParam().files, GetParam().files};
+    ASSERT_EQ(prlimit(daemon().process().pid(), RLIMIT_NOFILE, &limit, nullptr), 0);
+    for (int i = 0; i < GetParam().descriptors; ++i) {
+      ASSERT_GE(g_unix_fd_list_append(descriptors_, 0, nullptr), 0);
     }
   }
-  g_object_unref(descriptors);
+  void TearDown() override {
+    g_object_unref(descriptors_);
+    HostileMessagesTest::TearDown();
+  }
+  [[nodiscard]] GUnixFDList* descriptors() const { return descriptors_; }
+
+ private:
+  GUnixFDList* descriptors_ = g_unix_fd_list_new();
+};
+
+TEST_P(DescriptorsTest, CallsThatBringThemAreRefusedByTheBus) {
+  const Arguments arguments[] = {
+      {"(s)", "('level',)"},  // not among the arguments, but with the message
+      {"(uh)", "(0, 0)"},
+      {"(ah)", "([0],)"},
+  };
+  for (const Arguments& a : arguments) {
+    SCOPED_TRACE(a.text);
+    for (int i = 0; i < GetParam().calls; ++i) {
+      const Message call(methodCall("single_get"), valueOf(a));
+      g_dbus_message_set_unix_fd_list(call.get(), descriptors());
+      call.send(client());
+    }
+    expectSound();
+    const Message last(methodCall("single_get"), valueOf(a));
+    g_dbus_message_set_unix_fd_list(last.get(), descriptors());
+    GDBusMessage* reply = g_dbus_connection_send_message_with_reply_sync(
+        client().connection(), last.get(), G_DBUS_SEND_MESSAGE_FLAGS_NONE, PATIENCE * 1000, nullptr,
+        nullptr, nullptr);
+    ASSERT_NE(reply, nullptr);
+    EXPECT_STREQ(g_dbus_message_get_error_name(reply), "org.freedesktop.DBus.Error.NotSupported");
+    g_object_unref(reply);
+    EXPECT_EQ(client().answer("single_get('level')"), "'5'");
+    expectSound();
+  }
+}
+
+TEST_P(DescriptorsTest, SignalsThatBringThemAreDropped) {
+  for (int i = 0; i < GetParam().calls; ++i) {
+    const Message signal(g_dbus_message_new_signal(OBJECT_PATH, INTERFACE_NAME, "single_get"),
+                         valueOf({"(s)", "('level',)"}));
+    g_dbus_message_set_unix_fd_list(signal.get(), descriptors());
+    signal.send(client());
+  }
   EXPECT_EQ(client().answer("single_get('level')"), "'5'");
   expectSound();
 }
+
+// 16 are what the bus library takes in one message, 253 what the system does.
+INSTANTIATE_TEST_SUITE_P(Bursts, DescriptorsTest,
+                         testing::Values(DescriptorCase{1024, 200, 16},
+                                         DescriptorCase{1024, 5000, 16},
+                                         DescriptorCase{64, 1000, 16}, DescriptorCase{1024, 1, 17},
+                                         DescriptorCase{1024, 1000, 253},
+                                         DescriptorCase{64, 1000, 253}),
+                         [](const testing::TestParamInfo<DescriptorCase>& burst) {
+                           const DescriptorCase& c = burst.param;
+                           return std::to_string(c.calls) + "CallsWith" +
+                                  std::to_string(c.descriptors) + "Of" + std::to_string(c.files);
+                         });
 
 GDBusMessage* replyTo(guint32 serial, GDBusMessageType type) {
   GDBusMessage* message = g_dbus_message_new();

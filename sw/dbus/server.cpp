@@ -6,9 +6,11 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <cassert>
 #include <cstdio>
 
 #include "sw/dbus/deadline.h"
+#include "sw/dbus/descriptors.h"
 #include "sw/dbus/log_watch.h"
 #include "sw/dbus/reporter.h"
 #include "sw/dbus/service_state.h"
@@ -34,14 +36,16 @@ DBusGConnection* connectToBus() {
   // The bus library has a limit for each call, but none for what goes before the first.
   constexpr int LIMIT = 60000;  // in milliseconds; that of a call is 25 seconds
   const Deadline deadline(LIMIT, errorText(NO_CONNECTION, "The bus does not answer"));
+  const WithoutDescriptors withoutDescriptors;
   GError* error = nullptr;
   DBusGConnection* bus = dbus_g_bus_get(DBUS_BUS_SESSION, &error);
   if (error != nullptr) reportError(NO_CONNECTION, error->message, FATAL);
+  DBusConnection* connection = dbus_g_connection_get_connection(bus);
+  assert(dbus_connection_can_send_type(connection, DBUS_TYPE_UNIX_FD) == 0);
   // The binding library has the main loop woken for each message that comes, as another thread may
   // wait in it. Here the loop's own thread does all that is done, and looks at the connection
   // before it waits: each message takes one system call less.
-  dbus_connection_set_wakeup_main_function(dbus_g_connection_get_connection(bus), nullptr, nullptr,
-                                           nullptr);
+  dbus_connection_set_wakeup_main_function(connection, nullptr, nullptr, nullptr);
   return bus;
 }
 

@@ -16,11 +16,11 @@ class PrivateBus {
     /// By their names in the bus's configuration. By default those of a session bus as it is
     /// usually set up: wide enough never to be met. The bus has its own for those that are not
     /// given.
-    std::map<std::string, size_t> limits = {{"max_incoming_bytes", 1000000000},
-                                            {"max_outgoing_bytes", 1000000000},
-                                            {"max_message_size", 1000000000},
-                                            {"max_replies_per_connection", 50000},
-                                            {"reply_timeout", 600000}};
+    std::map<std::string, size_t> limits = {
+        {"max_incoming_bytes", 1000000000},    {"max_incoming_unix_fds", 250000000},
+        {"max_message_unix_fds", 4096},        {"max_outgoing_unix_fds", 250000000},
+        {"max_outgoing_bytes", 1000000000},    {"max_message_size", 1000000000},
+        {"max_replies_per_connection", 50000}, {"reply_timeout", 600000}};
   };
   /// Returns when the bus accepts connections.
   PrivateBus() : PrivateBus(Options()) {}

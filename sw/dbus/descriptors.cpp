@@ -1,0 +1,22 @@
+#include "sw/dbus/descriptors.h"
+
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace {
+
+bool isHidden = false;
+
+}  // namespace
+
+WithoutDescriptors::WithoutDescriptors() { isHidden = true; }
+
+WithoutDescriptors::~WithoutDescriptors() { isHidden = false; }
+
+// In the place of the C library's, also for the libraries.
+extern "C" int getsockname(int fd, sockaddr* addr, socklen_t* len) noexcept {
+  const auto result = static_cast<int>(syscall(SYS_getsockname, fd, addr, len));
+  if (result == 0 && isHidden) addr->sa_family = AF_UNSPEC;
+  return result;
+}

@@ -310,21 +310,42 @@ TEST_F(HostileMessagesTest, SignalsArePassedOver) {
   }
 }
 
-// The binding library does not look at the kind of a message. It does no harm, because whoever can
-// send a signal to the service can also call it.
-TEST_F(HostileMessagesTest, ASignalNamedLikeAMethodIsServedAsACallWithoutReply) {
+// The binding library does not look at the kind of a message.
+TEST_F(HostileMessagesTest, OnlyMethodCallsAreServed) {
   const Arguments arguments[] = {
-      {"(ss)", "('note', 'from a signal')"}, {"(u)", "(0,)"}, {"()", "()"}};
-  for (const Arguments& a : arguments) {
-    for (const BusMethod& method : busMethods()) {
-      if (method.name == "die") continue;
-      Message(g_dbus_message_new_signal(OBJECT_PATH, INTERFACE_NAME, method.name.c_str()),
-              valueOf(a))
-          .send(client());
+      {"(ss)", "('note', 'x')"}, {"(uss)", "(0, 'note', 'x')"}, {"(u)", "(0,)"}, {"()", "()"}};
+  for (const GDBusMessageType type :
+       {G_DBUS_MESSAGE_TYPE_SIGNAL, G_DBUS_MESSAGE_TYPE_METHOD_RETURN, G_DBUS_MESSAGE_TYPE_ERROR}) {
+    SCOPED_TRACE(type);
+    for (const Arguments& a : arguments) {
+      for (const BusMethod& method : busMethods()) {
+        const Message message(replyTo(1, type), valueOf(a));
+        g_dbus_message_set_path(message.get(), OBJECT_PATH);
+        g_dbus_message_set_interface(message.get(), INTERFACE_NAME);
+        g_dbus_message_set_member(message.get(), method.name.c_str());
+        message.send(client());
+      }
     }
+    EXPECT_EQ(client().answer("single_get('note')"), "''");
+    EXPECT_EQ(client().answer("get(0, 'note')"), "''");
+    expectSound();
   }
-  EXPECT_EQ(client().answer("single_get('note')"), "'from a signal'");
-  expectSound();
+}
+
+class PolicyTest : public ServiceTest {
+ protected:
+  PolicyTest()
+      : ServiceTest({.policy = "<deny send_type=\"method_call\" send_interface=\"" +
+                               std::string(INTERFACE_NAME) + "\" send_member=\"single_set\"/>"}) {}
+};
+
+TEST_F(PolicyTest, WhatTheBusDeniesASignalDoesNotReach) {
+  serve("note rw { }");
+  EXPECT_TRUE(client().answer("single_set('note', 'x')").starts_with(ACCESS_DENIED));
+  Message(g_dbus_message_new_signal(OBJECT_PATH, INTERFACE_NAME, "single_set"),
+          valueOf({"(ss)", "('note', 'x')"}))
+      .send(client());
+  expectFacts({{"single_get('note')", "''"}});
 }
 
 }  // namespace

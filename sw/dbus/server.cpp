@@ -11,6 +11,7 @@
 
 #include "sw/dbus/deadline.h"
 #include "sw/dbus/descriptors.h"
+#include "sw/dbus/exported_object.h"
 #include "sw/dbus/log_watch.h"
 #include "sw/dbus/reporter.h"
 #include "sw/dbus/service_state.h"
@@ -90,7 +91,7 @@ void registerObject(DBusGConnection* bus, const std::string& path) {
     reportError("Failed to create one Value instance.", OUT_OF_MEMORY_DETAIL, FATAL);
   }
   g_print("Transaction server:main Registering it on the D-Bus.\n");
-  dbus_g_connection_register_g_object(bus, path.c_str(), G_OBJECT(object));
+  exportObject(bus, path, G_OBJECT(object));
 }
 
 void detach(bool daemonize) {

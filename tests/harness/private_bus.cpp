@@ -29,7 +29,7 @@ std::string writeConfiguration(const std::string& directory, const PrivateBus::O
   std::string path = directory + "/bus.conf";
   std::ofstream file(path);
   file << BEFORE_DIRECTORY << directory << AFTER_DIRECTORY
-       << (options.allowsNames ? ALLOWED_NAMES : DENIED_NAMES) << BEFORE_LIMITS;
+       << (options.allowsNames ? ALLOWED_NAMES : DENIED_NAMES) << options.policy << BEFORE_LIMITS;
   for (const auto& [name, value] : options.limits) {
     file << "  <limit name=\"" << name << "\">" << value << "</limit>\n";
   }

@@ -1,0 +1,43 @@
+#include "sw/dbus/exported_object.h"
+
+#include <dbus/dbus.h>
+
+#include <cassert>
+
+namespace {
+
+// The binding library's handlers for the object.
+const DBusObjectPathVTable* binding = nullptr;
+
+void forget(DBusConnection* connection, void* data) {
+  binding->unregister_function(connection, data);
+}
+
+DBusHandlerResult handleMessage(DBusConnection* connection, DBusMessage* message, void* data) {
+  if (dbus_message_get_type(message) != DBUS_MESSAGE_TYPE_METHOD_CALL) {
+    return DBUS_HANDLER_RESULT_NOT_YET_HANDLED;
+  }
+  return binding->message_function(connection, message, data);
+}
+
+}  // namespace
+
+// In the place of the bus library's own: the binding library calls it for the object that it is to
+// export, and there is no other way to come before its handler.
+extern "C" dbus_bool_t dbus_connection_try_register_object_path(DBusConnection* connection,
+                                                                const char* path,
+                                                                const DBusObjectPathVTable* vtable,
+                                                                void* user_data, DBusError* error) {
+  DBusObjectPathVTable handlers = {};
+  handlers.unregister_function = forget;
+  handlers.message_function = handleMessage;
+  binding = vtable;
+  if (dbus_connection_register_object_path(connection, path, &handlers, user_data) != 0) return 1;
+  dbus_set_error_const(error, DBUS_ERROR_NO_MEMORY, "No memory for the object's handler");
+  return 0;
+}
+
+void exportObject(DBusGConnection* bus, const std::string& path, GObject* object) {
+  dbus_g_connection_register_g_object(bus, path.c_str(), object);
+  assert(binding != nullptr);
+}

@@ -1,23 +1,28 @@
 #include "sw/dbus/exported_object.h"
 
-#include <dbus/dbus.h>
-
 #include <cassert>
+#include <utility>
 
 namespace {
 
-// The binding library's handlers for the object.
-const DBusObjectPathVTable* binding = nullptr;
+struct Export {
+  TakeCall take;
+  const DBusObjectPathVTable* binding = nullptr;  // the binding library's handlers
+  void* data = nullptr;                           // and what they are called with
+};
+
+Export exported;
 
 void forget(DBusConnection* connection, void* data) {
-  binding->unregister_function(connection, data);
+  exported.binding->unregister_function(connection, data);
 }
 
-DBusHandlerResult handleMessage(DBusConnection* connection, DBusMessage* message, void* data) {
+DBusHandlerResult handleMessage(DBusConnection* /*connection*/, DBusMessage* message,
+                                void* /*data*/) {
   if (dbus_message_get_type(message) != DBUS_MESSAGE_TYPE_METHOD_CALL) {
     return DBUS_HANDLER_RESULT_NOT_YET_HANDLED;
   }
-  return binding->message_function(connection, message, data);
+  return exported.take(message);
 }
 
 }  // namespace
@@ -31,13 +36,19 @@ extern "C" dbus_bool_t dbus_connection_try_register_object_path(DBusConnection* 
   DBusObjectPathVTable handlers = {};
   handlers.unregister_function = forget;
   handlers.message_function = handleMessage;
-  binding = vtable;
+  exported.binding = vtable;
+  exported.data = user_data;
   if (dbus_connection_register_object_path(connection, path, &handlers, user_data) != 0) return 1;
   dbus_set_error_const(error, DBUS_ERROR_NO_MEMORY, "No memory for the object's handler");
   return 0;
 }
 
-void exportObject(DBusGConnection* bus, const std::string& path, GObject* object) {
+void exportObject(DBusGConnection* bus, const std::string& path, GObject* object, TakeCall take) {
+  exported.take = std::move(take);
   dbus_g_connection_register_g_object(bus, path.c_str(), object);
-  assert(binding != nullptr);
+  assert(exported.binding != nullptr);
+}
+
+DBusHandlerResult serveExported(DBusConnection* connection, DBusMessage* call) {
+  return exported.binding->message_function(connection, call, exported.data);
 }

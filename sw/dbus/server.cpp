@@ -9,6 +9,7 @@
 #include <cassert>
 #include <cstdio>
 
+#include "sw/dbus/call_server.h"
 #include "sw/dbus/deadline.h"
 #include "sw/dbus/descriptors.h"
 #include "sw/dbus/exported_object.h"
@@ -84,14 +85,15 @@ void requestName(DBusGConnection* bus, const std::string& name) {
   }
 }
 
-void registerObject(DBusGConnection* bus, const std::string& path) {
+void registerObject(DBusGConnection* bus, const std::string& path, CallServer& calls) {
   g_print("Transaction server:main Creating one \"%s\" object.\n", path.c_str());
   gpointer object = g_object_new(value_object_get_type(), nullptr);
   if (object == nullptr) {
     reportError("Failed to create one Value instance.", OUT_OF_MEMORY_DETAIL, FATAL);
   }
   g_print("Transaction server:main Registering it on the D-Bus.\n");
-  exportObject(bus, path, G_OBJECT(object));
+  exportObject(bus, path, G_OBJECT(object),
+               [&calls](DBusMessage* call) { return calls.take(call); });
 }
 
 void detach(bool daemonize) {
@@ -137,12 +139,15 @@ int runService(Database& database, const std::string& busSuffix, bool daemonize,
   DBusGConnection* bus = connectToBus();
   const std::string path = withSuffix("/transaction", "/", pathSuffix);
   requireValid(dbus_validate_path, path, "Invalid object path");
+  DBusConnection* connection = dbus_g_connection_get_connection(bus);
+  CallServer calls(connection, state);
   requestName(bus, withSuffix("org.tavrel.transaction", ".", busSuffix));
-  registerObject(bus, path);
+  registerObject(bus, path, calls);
   detach(daemonize);
   const LogWatch logWatch;
   g_main_loop_run(state.mainLoop());
+  calls.serveEarlier();
   // The reply to die is still on its way.
-  sendRest(dbus_g_connection_get_connection(bus));
+  sendRest(connection);
   return 1;
 }

@@ -1,0 +1,165 @@
+#include "sw/dbus/call_server.h"
+
+#include <exception>
+#include <string_view>
+#include <utility>
+
+#include "sw/dbus/exported_object.h"
+
+namespace {
+
+constexpr const char* DEPARTURES =
+    "type='signal',sender='" DBUS_SERVICE_DBUS "',interface='" DBUS_INTERFACE_DBUS
+    "',member='NameOwnerChanged',arg2=''";
+
+// The name that has left the bus by `message`, or the empty text. Only the bus itself knows it.
+std::string_view departed(DBusMessage* message) {
+  const char* name = nullptr;
+  const char* oldOwner = nullptr;
+  const char* newOwner = nullptr;
+  if (dbus_message_is_signal(message, DBUS_INTERFACE_DBUS, "NameOwnerChanged") == 0 ||
+      dbus_message_has_sender(message, DBUS_SERVICE_DBUS) == 0 ||
+      dbus_message_get_args(message, nullptr, DBUS_TYPE_STRING, &name, DBUS_TYPE_STRING, &oldOwner,
+                            DBUS_TYPE_STRING, &newOwner, DBUS_TYPE_INVALID) == 0 ||
+      *newOwner != '\0') {
+    return {};
+  }
+  return name;
+}
+
+std::string_view senderOf(DBusMessage* message) {
+  const char* sender = dbus_message_get_sender(message);
+  return sender == nullptr ? std::string_view() : sender;
+}
+
+// As the bus library answers what no handler takes.
+void refuse(DBusConnection* connection, DBusMessage* call) {
+  const char* interface = dbus_message_get_interface(call);
+  DBusMessage* error = dbus_message_new_error_printf(
+      call, DBUS_ERROR_UNKNOWN_METHOD,
+      "Method \"%s\" with signature \"%s\" on interface \"%s\" doesn't exist\n",
+      dbus_message_get_member(call), dbus_message_get_signature(call),
+      interface == nullptr ? "(null)" : interface);
+  if (error == nullptr) return;
+  dbus_connection_send(connection, error, nullptr);
+  dbus_message_unref(error);
+}
+
+}  // namespace
+
+struct CallServer::Source {
+  GSource source;
+  CallServer* server;
+  bool (CallServer::*isReady)() const;
+  void (CallServer::*act)();
+};
+
+GSource* CallServer::addSource(int priority, bool (CallServer::*isReady)() const,
+                               void (CallServer::*act)()) {
+  // What makes a source ready happens in other sources, never while the loop waits.
+  static GSourceFuncs functions = {
+      [](GSource* source, gint* /*timeout*/) -> gboolean {
+        const auto* self = reinterpret_cast<Source*>(source);
+        return (self->server->*self->isReady)() ? TRUE : FALSE;
+      },
+      nullptr,
+      [](GSource* source, GSourceFunc /*callback*/, gpointer /*data*/) -> gboolean {
+        const auto* self = reinterpret_cast<Source*>(source);
+        (self->server->*self->act)();
+        return G_SOURCE_CONTINUE;
+      },
+      nullptr,
+      nullptr,
+      nullptr};
+  GSource* source = g_source_new(&functions, sizeof(Source));
+  auto* self = reinterpret_cast<Source*>(source);
+  self->server = this;
+  self->isReady = isReady;
+  self->act = act;
+  g_source_set_priority(source, priority);
+  g_source_attach(source, nullptr);
+  return source;
+}
+
+// Messages that are there are taken before the socket is read again, by a source of the binding
+// library, and calls are served when nothing is left to read.
+CallServer::CallServer(DBusConnection* connection, ServiceState& state)
+    : connection_(connection),
+      state_(state),
+      takeSource_(addSource(G_PRIORITY_HIGH, &CallServer::hasMessage, &CallServer::takeMessages)),
+      serveSource_(
+          addSource(G_PRIORITY_DEFAULT + 1, &CallServer::hasCall, &CallServer::serveBatch)) {
+  dbus_connection_set_max_received_size(connection, MAX_TAKEN_BYTES);
+  dbus_connection_add_filter(connection, filter, this, nullptr);
+  dbus_bus_add_match(connection, DEPARTURES, nullptr);
+}
+
+CallServer::~CallServer() {
+  dbus_connection_remove_filter(connection_, filter, this);
+  for (GSource* source : {takeSource_, serveSource_}) {
+    g_source_destroy(source);
+    g_source_unref(source);
+  }
+}
+
+DBusHandlerResult CallServer::filter(DBusConnection* /*connection*/, DBusMessage* message,
+                                     void* self) {
+  if (dbus_message_get_type(message) == DBUS_MESSAGE_TYPE_SIGNAL) {
+    const std::string_view name = departed(message);
+    if (!name.empty()) static_cast<CallServer*>(self)->queue_.leave(name);
+  }
+  return DBUS_HANDLER_RESULT_NOT_YET_HANDLED;
+}
+
+bool CallServer::hasMessage() const {
+  return dbus_connection_get_dispatch_status(connection_) == DBUS_DISPATCH_DATA_REMAINS;
+}
+
+void CallServer::takeMessages() {
+  while (dbus_connection_dispatch(connection_) == DBUS_DISPATCH_DATA_REMAINS &&
+         queue_.count() < MAX_TAKEN && !last_) {
+  }
+}
+
+DBusHandlerResult CallServer::take(DBusMessage* call) noexcept {
+  if (last_) return DBUS_HANDLER_RESULT_HANDLED;  // the bus answers it when the connection ends
+  const uint64_t number = ++taken_;
+  if (queue_.empty() && !hasMessage()) return serve(call, number);
+  if (queue_.count() >= MAX_TAKEN) serveNext();
+  try {
+    queue_.add(senderOf(call), {MessagePointer(dbus_message_ref(call)), number, false});
+  } catch (const std::exception&) {
+    // Without memory to wait in, it is its turn after all those before it.
+    while (!queue_.empty()) serveNext();
+    return serve(call, number);
+  }
+  return DBUS_HANDLER_RESULT_HANDLED;
+}
+
+DBusHandlerResult CallServer::serve(DBusMessage* call, uint64_t number) {
+  const DBusHandlerResult result = serveExported(connection_, call);
+  if (!last_ && g_main_loop_is_running(state_.mainLoop()) == FALSE) last_ = number;
+  return result;
+}
+
+void CallServer::serveNext() {
+  const WaitingCall call = queue_.next();
+  if (last_ && call.number > *last_) return;
+  if (serve(call.message.get(), call.number) == DBUS_HANDLER_RESULT_NOT_YET_HANDLED) {
+    refuse(connection_, call.message.get());
+  }
+}
+
+// Several at a time, as each round of the main loop costs some system calls, but not for long:
+// meanwhile nobody else's call is taken.
+void CallServer::serveBatch() {
+  constexpr gint64 LONG = 1000;  // in microseconds
+  const gint64 end = g_get_monotonic_time() + LONG;
+  do {
+    serveNext();
+  } while (!queue_.empty() && !last_ && g_get_monotonic_time() < end);
+}
+
+void CallServer::serveEarlier() {
+  while (!queue_.empty()) serveNext();
+}

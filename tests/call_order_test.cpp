@@ -1,0 +1,294 @@
+// In which order calls are served: those of one client in theirs, those of several in turns. The id
+// that start() gives tells how many calls with an id were served before.
+#include <csignal>
+#include <fstream>
+
+#include "tests/harness/service_test.h"
+
+namespace {
+
+constexpr int INSTANCES = 100000;
+
+class PausedServiceTest : public ServiceTest {
+ protected:
+  // The daemon stands still until resume(), so that all calls until then are there at once.
+  void pause() { ASSERT_EQ(kill(daemon().process().pid(), SIGSTOP), 0); }
+  void resume() { ASSERT_EQ(kill(daemon().process().pid(), SIGCONT), 0); }
+  // The most memory that the daemon has had since then.
+  void forgetPeak() {
+    std::ofstream("/proc/" + std::to_string(daemon().process().pid()) + "/clear_refs") << 5;
+  }
+  size_t peakMemory() { return memoryOf(daemon().process().pid(), "VmHWM:"); }
+};
+
+class CallOrderTest : public PausedServiceTest {
+ protected:
+  // A call that sets `limit` looks at all instances of `follower`, which takes a thousand times as
+  // long as one that reads a value.
+  void SetUp() override {
+    serve(
+        "limit rw { rangeValid { 0..9 } default { 5 } }\n"
+        "place index { rangeValid { 1..100000 } }\n"
+        "follower rw { index { place } rangeValid { 0..(limit) } default { 0 } }\n"
+        "note rw { }\n");
+    std::string names = "'limit'";
+    for (int i = 1; i <= INSTANCES; ++i) names += ",'follower[" + std::to_string(i) + "]'";
+    ASSERT_EQ(client().answer("single_reset_bulk([" + names + "])"), "()");
+  }
+  void TearDown() override {
+    static_cast<void>(client().newSignals());
+    ServiceTest::TearDown();
+  }
+
+  static void sendLongCalls(Client& to, int count) {
+    for (int i = 0; i < count; ++i)
+      to.send("single_set('limit', '" + std::to_string(i % 10) + "')");
+  }
+  static void expectDone(Client& of, size_t count) {
+    EXPECT_EQ(of.collectAnswers(), std::vector<std::string>(count, "()"));
+  }
+  static long idOf(const std::string& answer) { return std::stol(answer); }
+  long nextId() { return idOf(client().answer("start()")) + 1; }
+  Client& other() { return other_; }
+
+ private:
+  Client other_{bus().address()};
+};
+
+// Until the bus has passed on what the client has sent.
+void waitForBus(const Client& client) {
+  GVariant* id = g_dbus_connection_call_sync(
+      client.connection(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+      "GetId", nullptr, nullptr, G_DBUS_CALL_FLAGS_NONE, PATIENCE * 1000, nullptr, nullptr);
+  ASSERT_NE(id, nullptr);
+  g_variant_unref(id);
+}
+
+void callWithoutReply(const Client& client, const char* method, GVariant* arguments) {
+  g_dbus_connection_call(client.connection(), INTERFACE_NAME, OBJECT_PATH, INTERFACE_NAME, method,
+                         arguments, nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr, nullptr,
+                         nullptr);
+}
+
+// Leaves the bus when it has what was sent.
+void leave(Client& client) {
+  EXPECT_NE(g_dbus_connection_flush_sync(client.connection(), nullptr, nullptr), FALSE);
+  EXPECT_NE(g_dbus_connection_close_sync(client.connection(), nullptr, nullptr), FALSE);
+  static_cast<void>(client.collectAnswers());  // that the connection is closed
+}
+
+TEST_F(CallOrderTest, ABacklogOfOneKeepsAnotherWaitingForOneCall) {
+  constexpr int BACKLOG = 40;
+  const long first = nextId();
+  pause();
+  sendLongCalls(client(), BACKLOG);
+  waitForBus(client());
+  other().send("start()");
+  other().send("start()");
+  waitForBus(other());
+  resume();
+  const std::vector<std::string> ids = other().collectAnswers();
+  EXPECT_LE(idOf(ids[0]), first + 1);
+  EXPECT_LE(idOf(ids[1]), first + 3);
+  expectDone(client(), BACKLOG);
+}
+
+TEST_F(CallOrderTest, WhoCallsDuringABacklogWaitsForTheCallThatIsBeingServed) {
+  constexpr int BACKLOG = 40;
+  const long first = nextId();
+  sendLongCalls(client(), BACKLOG);
+  waitForBus(client());
+  for (int i = 0; i < 10; ++i) static_cast<void>(other().answer("start()"));
+  // Ten turns, with two calls of the backlog in each at the most.
+  EXPECT_LE(idOf(other().answer("start()")), first + 32);
+  expectDone(client(), BACKLOG);
+}
+
+TEST_F(CallOrderTest, TheCallsOfEachKeepTheirOrder) {
+  std::vector<std::unique_ptr<Client>> clients;
+  pause();
+  for (int number = 0; number < 10; ++number) {
+    clients.push_back(std::make_unique<Client>(bus().address()));
+    Client& one = *clients.back();
+    sendLongCalls(one, 1);
+    for (int i = 0; i < 20; ++i) one.send("start()");
+    waitForBus(one);
+  }
+  resume();
+  for (const auto& one : clients) {
+    const std::vector<std::string> answers = one->collectAnswers();
+    EXPECT_EQ(answers[0], "()");
+    for (size_t i = 2; i < answers.size(); ++i) {
+      // The others had their turn in between.
+      EXPECT_GT(idOf(answers[i]), idOf(answers[i - 1])) << i;
+    }
+  }
+}
+
+TEST_F(CallOrderTest, WhatIsBehindTheCallsThatAreTakenAheadWaitsForTheRest) {
+  constexpr long TAKEN = 4096;
+  constexpr long BACKLOG = 6000;
+  const long first = nextId();
+  pause();
+  for (int i = 0; i < BACKLOG; ++i) client().send("start()");
+  waitForBus(client());
+  other().send("start()");
+  waitForBus(other());
+  resume();
+  const long id = idOf(other().collectAnswers()[0]);
+  EXPECT_GE(id, first + BACKLOG - TAKEN);
+  EXPECT_LE(id, first + BACKLOG);
+  EXPECT_EQ(client().collectAnswers().size(), BACKLOG);
+}
+
+TEST_F(CallOrderTest, CallsOfOneThatHasLeftAreDropped) {
+  auto leaving = std::make_unique<Client>(bus().address());
+  sendLongCalls(*leaving, 10);
+  leaving->send("single_set('note', 'late')");
+  leave(*leaving);
+  // The backlog would have its turns meanwhile.
+  for (int i = 0; i < 20; ++i) EXPECT_EQ(client().answer("single_set('limit', '5')"), "()");
+  EXPECT_EQ(client().answer("single_get('note')"), "''");
+}
+
+TEST_F(CallOrderTest, WhoLeavesAtOnceIsServedAllTheSame) {
+  for (int i = 0; i < 100; ++i) {
+    const std::string value = std::to_string(i);
+    auto leaving = std::make_unique<Client>(bus().address());
+    if (i % 2 == 0) {
+      leaving->send("single_set('note', '" + value + "')");
+    } else {
+      // Without a wish for a reply it may be several calls.
+      callWithoutReply(*leaving, "single_set", g_variant_new("(ss)", "note", "first"));
+      callWithoutReply(*leaving, "single_set", g_variant_new("(ss)", "note", value.c_str()));
+    }
+    leave(*leaving);
+    leaving.reset();
+    waitForBus(client());
+    EXPECT_EQ(client().answer("single_get('note')"), "'" + value + "'");
+  }
+}
+
+TEST_F(CallOrderTest, OnlyTheBusKnowsWhoHasLeft) {
+  pause();
+  sendLongCalls(client(), 5);
+  waitForBus(client());
+  const char* name = g_dbus_connection_get_unique_name(client().connection());
+  GError* error = nullptr;
+  EXPECT_NE(
+      g_dbus_connection_emit_signal(other().connection(), INTERFACE_NAME, "/org/freedesktop/DBus",
+                                    "org.freedesktop.DBus", "NameOwnerChanged",
+                                    g_variant_new("(sss)", name, name, ""), &error),
+      FALSE);
+  waitForBus(other());
+  resume();
+  expectDone(client(), 5);
+}
+
+TEST_F(CallOrderTest, WhatCameBeforeDieIsAnsweredAndWhatCameBehindIsNot) {
+  pause();
+  sendLongCalls(client(), 5);
+  waitForBus(client());
+  other().send("die()");
+  waitForBus(other());
+  client().send("single_set('note', 'late')");
+  client().send("single_get('limit')");
+  waitForBus(client());
+  resume();
+  const std::vector<std::string> answers = client().collectAnswers();
+  for (size_t i = 0; i < 5; ++i) EXPECT_EQ(answers[i], "()") << i;
+  for (size_t i = 5; i < answers.size(); ++i) {
+    EXPECT_TRUE(answers[i].starts_with("org.freedesktop.DBus.Error.NoReply")) << answers[i];
+  }
+  EXPECT_EQ(other().collectAnswers(), std::vector<std::string>{"()"});
+  const Ending ending = daemon().waitForEnd();
+  EXPECT_EQ(ending.status, 1);
+  EXPECT_EQ(ending.err, "");
+  forgetDaemon();
+}
+
+// A call whose answer is the error's name, or "" for a reply.
+class ForeignCall {
+ public:
+  ForeignCall(const Client& client, const char* interface, const char* method,
+              GVariant* arguments) {
+    g_dbus_connection_call(client.connection(), INTERFACE_NAME, OBJECT_PATH, interface, method,
+                           arguments, nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, PATIENCE * 1000,
+                           nullptr, &ForeignCall::onReply, this);
+  }
+  std::string answer() {
+    while (!isDone_) g_main_context_iteration(nullptr, TRUE);
+    return answer_;
+  }
+
+ private:
+  static void onReply(GObject* connection, GAsyncResult* result, gpointer self) {
+    auto* call = static_cast<ForeignCall*>(self);
+    GError* error = nullptr;
+    GVariant* reply = g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), result, &error);
+    if (error != nullptr) {
+      gchar* name = g_dbus_error_get_remote_error(error);
+      call->answer_ = name == nullptr ? error->message : name;
+      g_free(name);
+      g_error_free(error);
+    } else {
+      g_variant_unref(reply);
+    }
+    call->isDone_ = true;
+  }
+
+  bool isDone_ = false;
+  std::string answer_;
+};
+
+TEST_F(CallOrderTest, WhatIsNoneOfTheMethodsIsAnsweredInItsTurn) {
+  pause();
+  sendLongCalls(client(), 2);
+  ForeignCall unknown(client(), INTERFACE_NAME, "no_such_method", nullptr);
+  ForeignCall unknownArguments(client(), INTERFACE_NAME, "start", g_variant_new("(s)", "x"));
+  ForeignCall introspection(client(), "org.freedesktop.DBus.Introspectable", "Introspect", nullptr);
+  ForeignCall properties(client(), "org.freedesktop.DBus.Properties", "GetAll",
+                         g_variant_new("(s)", ""));
+  client().send("start()");
+  waitForBus(client());
+  resume();
+  EXPECT_EQ(client().collectAnswers().size(), 3U);
+  EXPECT_EQ(unknown.answer(), "org.freedesktop.DBus.Error.UnknownMethod");
+  EXPECT_EQ(unknownArguments.answer(), "org.freedesktop.DBus.Error.UnknownMethod");
+  EXPECT_EQ(introspection.answer(), "");
+  EXPECT_EQ(properties.answer(), "");
+}
+
+using CallMemoryTest = PausedServiceTest;
+
+TEST_F(CallMemoryTest, WhatIsTakenAheadHasBounds) {
+  serve("note rw { }");
+  struct BurstCase {
+    const char* what;
+    int calls;
+    size_t bytes;   // of each call's value
+    size_t growth;  // of the memory, in KiB
+  };
+  const BurstCase cases[] = {
+      {"many", 100000, 1, 8 * 1024},
+      {"large", 100, size_t{1} << 20U, 32 * 1024},
+  };
+  for (const BurstCase& c : cases) {
+    SCOPED_TRACE(c.what);
+    forgetPeak();
+    const size_t before = peakMemory();
+    const std::string value(c.bytes, 'x');
+    pause();
+    for (int i = 0; i < c.calls; ++i) {
+      callWithoutReply(client(), "single_is_valid", g_variant_new("(ss)", "note", value.c_str()));
+    }
+    waitForBus(client());
+    resume();
+    EXPECT_EQ(client().answer("single_get('note')"), "''");
+    const size_t peak = peakMemory();
+    RecordProperty(c.what, std::to_string(peak - before));
+    EXPECT_LT(isWatched() ? 0 : peak, before + c.growth);
+  }
+}
+
+}  // namespace

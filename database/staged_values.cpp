@@ -33,6 +33,18 @@ StagedEntry newEntry(ParmEntry& parm, const IndexTuple& indices, bool generated,
   return entry;
 }
 
+// What an allocation of `bytes` takes.
+size_t allocated(size_t bytes) {
+  constexpr size_t OVERHEAD = 16;
+  return bytes == 0 ? 0 : bytes + OVERHEAD;
+}
+
+// The memory of a text outside of the object; short ones are in it.
+size_t textBytes(const std::string& text) {
+  static const size_t inside = std::string().capacity();
+  return text.capacity() > inside ? allocated(text.capacity()) : 0;
+}
+
 }  // namespace
 
 std::string fullName(const StagedEntry& entry) {
@@ -115,6 +127,19 @@ bool StagedValues::hasResets() const {
     }
   }
   return false;
+}
+
+size_t StagedValues::bytes() const {
+  size_t bytes = allocated(entries_.bytes()) + allocated(positions_.bytes());
+  for (size_t i = 0; i < entries_.size(); ++i) {
+    const StagedEntry& entry = entries_[i];
+    bytes += textBytes(entry.value.text()) +
+             allocated(entry.indices.capacity() * sizeof(IndexTuple::value_type));
+    for (const std::string& value : entry.indices) {
+      bytes += textBytes(value);
+    }
+  }
+  return bytes;
 }
 
 void StagedValues::clear() {

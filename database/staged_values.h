@@ -50,6 +50,8 @@ class StagedValues {
   /// Whether an entry here is to be replaced by its default.
   [[nodiscard]] bool hasResets() const;
   [[nodiscard]] bool empty() const { return entries_.empty(); }
+  /// The memory that the entries take, with what the allocator needs for itself.
+  [[nodiscard]] size_t bytes() const;
   void clear();
 
   /// What an instance holds as seen from here: its staged value, else its committed one.

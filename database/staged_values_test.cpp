@@ -104,4 +104,23 @@ TEST_F(StagedValuesTest, AreListedByFullNameAndCleared) {
   EXPECT_EQ(staged.find(*mode_, {}), nullptr);
 }
 
+TEST_F(StagedValuesTest, TellWhatMemoryTheyTake) {
+  StagedValues staged;
+  EXPECT_EQ(staged.bytes(), 0U);
+  StagedEntry& entry = staged.stage(*mode_, {}, false);
+  const size_t small = staged.bytes();
+  EXPECT_GE(small, sizeof(StagedEntry));
+  entry.value.set("short");  // in the entry itself
+  EXPECT_EQ(staged.bytes(), small);
+  const std::string text(1000, 'x');
+  entry.value.set(text);
+  EXPECT_GE(staged.bytes(), small + text.size());
+  EXPECT_LE(staged.bytes(), small + text.size() + 32);
+  const size_t withoutIndices = staged.bytes();
+  staged.stage(*gain_, {text}, false);
+  EXPECT_GE(staged.bytes(), withoutIndices + sizeof(std::string) + text.size());
+  staged.clear();
+  EXPECT_EQ(staged.bytes(), 0U);
+}
+
 }  // namespace

@@ -53,6 +53,9 @@ class Transaction {
   /// parameter.
   [[nodiscard]] bool validate(std::string_view name, const std::string& value) const;
 
+  /// The memory that is taken by what is staged.
+  [[nodiscard]] size_t bytes() const { return staged_.bytes(); }
+
   [[nodiscard]] Database& database() const { return database_; }
   [[nodiscard]] StagedValues& staged() { return staged_; }
   [[nodiscard]] const StagedValues& staged() const { return staged_; }

@@ -29,6 +29,8 @@ class PositionTable {
   [[gnu::always_inline]] void prefetch(size_t hash) const {
     if (!places_.empty()) __builtin_prefetch(&places_[hash & mask()]);
   }
+  /// The memory of the table.
+  [[nodiscard]] size_t bytes() const { return places_.capacity() * sizeof(Place); }
   /// Makes room, so that the next add() cannot fail.
   void makeRoom() { makeRoom(1); }
   /// The same for the next `more` calls of add().

@@ -20,6 +20,8 @@ class StableList {
     return blocks_.empty() ? 0 : firstOf(blocks_.size() - 1) + blocks_.back().size();
   }
   [[nodiscard]] bool empty() const { return size() == 0; }
+  /// The memory of the elements, used or not, without what they refer to.
+  [[nodiscard]] size_t bytes() const { return firstOf(blocks_.size()) * sizeof(T); }
   [[nodiscard]] const T& operator[](size_t position) const {
     const size_t block = blockOf(position);
     return blocks_[block][position - firstOf(block)];

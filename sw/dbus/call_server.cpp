@@ -106,9 +106,14 @@ DBusHandlerResult CallServer::filter(DBusConnection* /*connection*/, DBusMessage
                                      void* self) {
   if (dbus_message_get_type(message) == DBUS_MESSAGE_TYPE_SIGNAL) {
     const std::string_view name = departed(message);
-    if (!name.empty()) static_cast<CallServer*>(self)->queue_.leave(name);
+    if (!name.empty()) static_cast<CallServer*>(self)->leave(name);
   }
   return DBUS_HANDLER_RESULT_NOT_YET_HANDLED;
+}
+
+void CallServer::leave(std::string_view client) noexcept {
+  queue_.leave(client);
+  state_.clientLeft(client);
 }
 
 bool CallServer::hasMessage() const {
@@ -124,20 +129,22 @@ void CallServer::takeMessages() {
 DBusHandlerResult CallServer::take(DBusMessage* call) noexcept {
   if (last_) return DBUS_HANDLER_RESULT_HANDLED;  // the bus answers it when the connection ends
   const uint64_t number = ++taken_;
-  if (queue_.empty() && !hasMessage()) return serve(call, number);
+  if (queue_.empty() && !hasMessage()) return serve(call, number, senderOf(call));
   if (queue_.count() >= MAX_TAKEN) serveNext();
   try {
     queue_.add(senderOf(call), {MessagePointer(dbus_message_ref(call)), number, false});
   } catch (const std::exception&) {
     // Without memory to wait in, it is its turn after all those before it.
     while (!queue_.empty()) serveNext();
-    return serve(call, number);
+    return serve(call, number, senderOf(call));
   }
   return DBUS_HANDLER_RESULT_HANDLED;
 }
 
-DBusHandlerResult CallServer::serve(DBusMessage* call, uint64_t number) {
+DBusHandlerResult CallServer::serve(DBusMessage* call, uint64_t number, std::string_view caller) {
+  state_.setCaller(caller);
   const DBusHandlerResult result = serveExported(connection_, call);
+  state_.finishCall();
   if (!last_ && g_main_loop_is_running(state_.mainLoop()) == FALSE) last_ = number;
   return result;
 }
@@ -145,8 +152,10 @@ DBusHandlerResult CallServer::serve(DBusMessage* call, uint64_t number) {
 void CallServer::serveNext() {
   const WaitingCall call = queue_.next();
   if (last_ && call.number > *last_) return;
-  if (serve(call.message.get(), call.number) == DBUS_HANDLER_RESULT_NOT_YET_HANDLED) {
-    refuse(connection_, call.message.get());
+  DBusMessage* message = call.message.get();
+  const std::string_view caller = call.hasLeft ? std::string_view() : senderOf(message);
+  if (serve(message, call.number, caller) == DBUS_HANDLER_RESULT_NOT_YET_HANDLED) {
+    refuse(connection_, message);
   }
 }
 

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string_view>
 
 #include "sw/dbus/call_queue.h"
 #include "sw/dbus/service_state.h"
@@ -41,10 +42,11 @@ class CallServer {
 
   [[nodiscard]] bool hasMessage() const;
   [[nodiscard]] bool hasCall() const { return !queue_.empty(); }
+  void leave(std::string_view client) noexcept;
   void takeMessages();
   void serveBatch();
   void serveNext();
-  DBusHandlerResult serve(DBusMessage* call, uint64_t number);
+  DBusHandlerResult serve(DBusMessage* call, uint64_t number, std::string_view caller);
 
   DBusConnection* connection_;
   ServiceState& state_;

@@ -59,7 +59,7 @@ template <typename Operation>
 gboolean inTransaction(const MethodCall& call, methodFamily_t family, uint32_t id,
                        Operation operation) {
   return serve(call, family, [&] {
-    Transaction* transaction = ServiceState::current().transactions().find(id);
+    Transaction* transaction = ServiceState::current().findTransaction(id);
     const int result = transaction != nullptr ? operation(*transaction) : UNKNOWN_TRANSACTION;
     return finishMethod(call.error, family, result);
   });

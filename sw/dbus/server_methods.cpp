@@ -8,7 +8,7 @@ gboolean value_object_start(ValueObject* obj, guint32* id, GError** error) {
   return serve({__func__, obj, error}, METHOD_START, [&] {
     assertNotNull(id, "id != NULL", "value_object_start");
     // Where every id is in use, the id that is given stays unknown.
-    static_cast<void>(ServiceState::current().transactions().open(*id));
+    static_cast<void>(ServiceState::current().openTransaction(*id));
     return TRUE;
   });
 }
@@ -99,7 +99,7 @@ gboolean value_object_commit(ValueObject* obj, guint32 id, GError** error) {
 
 gboolean value_object_end(ValueObject* obj, guint32 id, GError** error) {
   return serve({__func__, obj, error}, METHOD_END, [&] {
-    const int result = ServiceState::current().transactions().end(id);
+    const int result = ServiceState::current().endTransaction(id);
     returnSpareMemorySoon();
     return finishMethod(error, METHOD_END, result == 0 ? 0 : UNKNOWN_TRANSACTION);
   });

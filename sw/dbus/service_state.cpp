@@ -35,6 +35,32 @@ int ServiceState::createLock() {
   return 0;
 }
 
+int ServiceState::openTransaction(uint32_t& id) {
+  if (transactions_.open(id) == nullptr) return 1;
+  try {
+    owners_.opened(id, caller_);
+  } catch (...) {
+    static_cast<void>(transactions_.end(id));  // nobody knows it yet
+    throw;
+  }
+  return 0;
+}
+
+Transaction* ServiceState::findTransaction(uint32_t id) {
+  used_ = id;
+  return transactions_.find(id);
+}
+
+int ServiceState::endTransaction(uint32_t id) {
+  owners_.ended(id);
+  return transactions_.end(id);
+}
+
+void ServiceState::finishCall() noexcept {
+  if (used_) owners_.used(*used_);
+  used_.reset();
+}
+
 void ServiceState::stop() {
   freeLock();
   if (mainLoop_ != nullptr) g_main_loop_quit(mainLoop_);

@@ -256,6 +256,11 @@ TEST(BusFailure, AtEachCallOfTheStartIsReported) {
   }
 }
 
+constexpr const char* LOGGED_LOSS = "Lost the connection to the session bus";
+constexpr const char* LOSS =
+    "Transaction server: ERROR: Lost the connection to the session bus "
+    "(The bus has ended, or has closed it)\n";
+
 class RunningServiceTest : public ServiceTest {
  protected:
   void SetUp() override {
@@ -264,10 +269,12 @@ class RunningServiceTest : public ServiceTest {
         "wide rw { index { place } rangeValid { 0..9 } default { 3 } }\n"
         "note rw { }\n");
   }
+  // It says once why it ends.
   void expectEnd() {
     const Ending ending = daemon().waitForEnd();
     EXPECT_EQ(ending.status, 1);
-    EXPECT_EQ(ending.err, "");
+    EXPECT_EQ(ending.err, LOSS);
+    EXPECT_EQ(daemon().newLogLines(), std::vector<std::string>{LOGGED_LOSS});
     forgetDaemon();
   }
 };
@@ -278,14 +285,13 @@ TEST_F(RunningServiceTest, EndsWithTheBusAtRest) {
   expectEnd();
 }
 
-// Until the process has worked for some time.
-void waitForWork(pid_t pid) {
-  const gint64 deadline = g_get_monotonic_time() + PATIENCE * G_TIME_SPAN_SECOND;
-  const long before = workedTicks(pid);
-  while (workedTicks(pid) < before + 2) {
-    ASSERT_LT(g_get_monotonic_time(), deadline);
-    usleep(1000);
-  }
+TEST_F(RunningServiceTest, EndsWithTheBusWhileCallsWait) {
+  ASSERT_EQ(kill(daemon().process().pid(), SIGSTOP), 0);
+  DeafClient deaf(bus().address());
+  for (int i = 0; i < 1000; ++i) deaf.send("single_get", "note");
+  bus().stop();
+  ASSERT_EQ(kill(daemon().process().pid(), SIGCONT), 0);
+  expectEnd();
 }
 
 TEST_F(RunningServiceTest, EndsWithTheBusInTheMiddleOfACommit) {
@@ -333,6 +339,7 @@ TEST(DetachedService, EndsWithTheBus) {
   ASSERT_EQ(waitpid(pid, &status, 0), pid);
   EXPECT_TRUE(WIFEXITED(status));
   EXPECT_EQ(WEXITSTATUS(status), 1);
+  EXPECT_EQ(started.newLogLines(), std::vector<std::string>{LOGGED_LOSS});
 }
 
 }  // namespace

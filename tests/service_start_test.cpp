@@ -428,13 +428,90 @@ TEST_F(ServiceEndTest, OpenTransactionsDoNotKeepTheServiceFromEnding) {
   expectFacts({{"start()", "0"}, {"set(0, 'a', '5')", "()"}, {"start()", "1"}});
 }
 
-TEST_F(ServiceEndTest, AVanishedBusEndsTheService) {
+class EndSignalTest : public ServiceTest, public testing::WithParamInterface<int> {
+ protected:
+  void SetUp() override { ASSERT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0); }
+  // So that what is sent until then is there when the signal comes.
+  void pause() { ASSERT_EQ(kill(daemon().process().pid(), SIGSTOP), 0); }
+  void endAndResume() {
+    // The bus answers when it has passed on what came before.
+    GVariant* id = g_dbus_connection_call_sync(
+        client().connection(), "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetId",
+        nullptr, nullptr, G_DBUS_CALL_FLAGS_NONE, PATIENCE * 1000, nullptr, nullptr);
+    ASSERT_NE(id, nullptr);
+    g_variant_unref(id);
+    ASSERT_EQ(kill(daemon().process().pid(), GetParam()), 0);
+    ASSERT_EQ(kill(daemon().process().pid(), SIGCONT), 0);
+  }
+  void expectEnd() {
+    const Ending ending = daemon().waitForEnd();
+    EXPECT_EQ(ending.status, 1);
+    EXPECT_EQ(ending.out, messagesOfStart("org.tavrel.transaction", "/transaction") + STAYING);
+    EXPECT_EQ(ending.err, "");
+    EXPECT_EQ(daemon().newLogLines(), std::vector<std::string>());
+    forgetDaemon();
+  }
+};
+
+TEST_P(EndSignalTest, EndsAServiceAtRest) {
   serve("a rw { }");
-  bus().stop();
-  const Ending ending = daemon().waitForEnd();
-  EXPECT_EQ(ending.status, 1);
-  EXPECT_EQ(ending.err, "");
+  EXPECT_EQ(memoryOf(daemon().process().pid(), "Threads:"), 1U);
+  ASSERT_EQ(kill(daemon().process().pid(), GetParam()), 0);
+  expectEnd();
+}
+
+TEST_P(EndSignalTest, WhatHasComeInIsAnsweredBefore) {
+  serve("a rw { }");
+  const std::string megabyte(1 << 20, 'x');
+  const Reply set = client().call("single_set", g_variant_new("(ss)", "a", megabyte.c_str()));
+  ASSERT_NE(set.value, nullptr) << set.errorMessage;
+  pause();
+  for (int i = 0; i < 30; ++i) client().send("single_get('a')");
+  client().send("single_set('a', '1')");
+  // No more than the socket holds: what is still with the bus has not come in.
+  for (int i = 0; i < 100; ++i) client().send("single_get('a')");
+  endAndResume();
+  const std::vector<std::string> answers = client().collectAnswers();
+  for (size_t i = 0; i < 30; ++i) EXPECT_EQ(answers[i].size(), megabyte.size() + 2) << i;
+  EXPECT_EQ(answers[30], "()");
+  for (size_t i = 31; i < answers.size(); ++i) EXPECT_EQ(answers[i], "'1'") << i;
+  expectEnd();
+}
+
+TEST_P(EndSignalTest, TheSecondDoesNotWait) {
+  serve("place index { rangeValid { 1..100000 } }\nwide rw { index { place } default { 3 } }\n");
+  std::string names;
+  for (int i = 1; i <= 100000; ++i) names += "'wide[" + std::to_string(i) + "]',";
+  names.pop_back();
+  for (int i = 0; i < 3; ++i) client().send("single_reset_bulk([" + names + "])");
+  g_dbus_connection_flush_sync(client().connection(), nullptr, nullptr);
+  waitForWork(daemon().process().pid());
+  while (daemon().process().running()) {
+    kill(daemon().process().pid(), GetParam());
+    usleep(1000);
+  }
+  EXPECT_EQ(daemon().waitForEnd().status, -GetParam());
+  static_cast<void>(client().collectAnswers());  // that there is no service any more
   forgetDaemon();
 }
+
+TEST_P(EndSignalTest, EndsADetachedService) {
+  Daemon started({.text = "a rw { }", .arguments = {}, .busAddress = bus().address()});
+  EXPECT_EQ(started.waitForEnd().status, 0);
+  EXPECT_EQ(client().answer("single_set('a', '1')"), "()");
+  const pid_t pid = childBesides(bus().pid());
+  ASSERT_GT(pid, 0);
+  EXPECT_EQ(memoryOf(pid, "Threads:"), 1U);
+  ASSERT_EQ(kill(pid, GetParam()), 0);
+  int status = 0;
+  ASSERT_EQ(waitpid(pid, &status, 0), pid);
+  EXPECT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Any, EndSignalTest, testing::Values(SIGTERM, SIGINT, SIGHUP),
+                         [](const testing::TestParamInfo<int>& signal) {
+                           return "Signal" + std::to_string(signal.param);
+                         });
 
 }  // namespace

@@ -27,6 +27,13 @@ std::string_view departed(DBusMessage* message) {
   return name;
 }
 
+// Whether the bus library says by `message` that the connection is gone. What comes from the bus
+// has a sender.
+bool isDisconnection(DBusMessage* message) {
+  return dbus_message_is_signal(message, DBUS_INTERFACE_LOCAL, "Disconnected") != 0 &&
+         dbus_message_get_sender(message) == nullptr;
+}
+
 std::string_view senderOf(DBusMessage* message) {
   const char* sender = dbus_message_get_sender(message);
   return sender == nullptr ? std::string_view() : sender;
@@ -105,13 +112,19 @@ CallServer::~CallServer() {
 DBusHandlerResult CallServer::filter(DBusConnection* /*connection*/, DBusMessage* message,
                                      void* self) {
   if (dbus_message_get_type(message) == DBUS_MESSAGE_TYPE_SIGNAL) {
-    const std::string_view name = departed(message);
-    if (!name.empty()) static_cast<CallServer*>(self)->leave(name);
+    static_cast<CallServer*>(self)->note(message);
   }
   return DBUS_HANDLER_RESULT_NOT_YET_HANDLED;
 }
 
-void CallServer::leave(std::string_view client) noexcept {
+void CallServer::note(DBusMessage* signal) noexcept {
+  if (isDisconnection(signal)) {
+    last_ = 0;  // nobody waits for an answer any more
+    g_main_loop_quit(state_.mainLoop());
+    return;
+  }
+  const std::string_view client = departed(signal);
+  if (client.empty()) return;
   queue_.leave(client);
   state_.clientLeft(client);
 }
@@ -167,6 +180,17 @@ void CallServer::serveBatch() {
   do {
     serveNext();
   } while (!queue_.empty() && !last_ && g_get_monotonic_time() < end);
+}
+
+void CallServer::end() {
+  const uint64_t most = taken_ + MAX_TAKEN;
+  while (!last_ && taken_ < most) {
+    dbus_connection_read_write(connection_, 0);
+    if (!hasMessage()) break;
+    takeMessages();
+  }
+  if (!last_) last_ = taken_;
+  g_main_loop_quit(state_.mainLoop());
 }
 
 void CallServer::serveEarlier() {

@@ -32,7 +32,11 @@ class CallServer {
 
   /// Serves a call, or keeps it until it is its turn.
   DBusHandlerResult take(DBusMessage* call) noexcept;
-  /// After a call has ended the main loop: serves what was taken before that call.
+  /// Ends the main loop. What has come in until now is still taken, as far as its number is
+  /// bounded.
+  void end();
+  /// After the main loop has ended: serves what was taken before the call that has ended it, or
+  /// what was taken at all where end() has.
   void serveEarlier();
 
  private:
@@ -42,7 +46,7 @@ class CallServer {
 
   [[nodiscard]] bool hasMessage() const;
   [[nodiscard]] bool hasCall() const { return !queue_.empty(); }
-  void leave(std::string_view client) noexcept;
+  void note(DBusMessage* signal) noexcept;
   void takeMessages();
   void serveBatch();
   void serveNext();
@@ -52,7 +56,7 @@ class CallServer {
   ServiceState& state_;
   CallQueue queue_;
   uint64_t taken_ = 0;            // calls so far
-  std::optional<uint64_t> last_;  // the call that has ended the main loop
+  std::optional<uint64_t> last_;  // the last call to be served, once the main loop is ended
   GSource* takeSource_;
   GSource* serveSource_;
 };

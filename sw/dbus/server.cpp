@@ -9,9 +9,11 @@
 #include <cassert>
 #include <cstdio>
 
+#include "deflang/system_log.h"
 #include "sw/dbus/call_server.h"
 #include "sw/dbus/deadline.h"
 #include "sw/dbus/descriptors.h"
+#include "sw/dbus/end_signals.h"
 #include "sw/dbus/exported_object.h"
 #include "sw/dbus/log_watch.h"
 #include "sw/dbus/reporter.h"
@@ -48,6 +50,8 @@ DBusGConnection* connectToBus() {
   // wait in it. Here the loop's own thread does all that is done, and looks at the connection
   // before it waits: each message takes one system call less.
   dbus_connection_set_wakeup_main_function(connection, nullptr, nullptr, nullptr);
+  // The bus library would end the process without a word.
+  dbus_connection_set_exit_on_disconnect(connection, FALSE);
   return bus;
 }
 
@@ -109,6 +113,12 @@ void detach(bool daemonize) {
   }
 }
 
+void reportLoss() {
+  constexpr const char* LOST = "Lost the connection to the session bus";
+  reportError(LOST, "The bus has ended, or has closed it", !FATAL);
+  logError(LOST);
+}
+
 // Whether the bus still has to read something that was sent to it.
 bool isUnread(DBusConnection* connection) {
   int socket = -1;
@@ -141,11 +151,16 @@ int runService(Database& database, const std::string& busSuffix, bool daemonize,
   requireValid(dbus_validate_path, path, "Invalid object path");
   DBusConnection* connection = dbus_g_connection_get_connection(bus);
   CallServer calls(connection, state);
+  const EndSignals endSignals([&calls] { calls.end(); });
   requestName(bus, withSuffix("org.tavrel.transaction", ".", busSuffix));
   registerObject(bus, path, calls);
   detach(daemonize);
   const LogWatch logWatch;
   g_main_loop_run(state.mainLoop());
+  if (dbus_connection_get_is_connected(connection) == 0) {
+    reportLoss();
+    return 1;
+  }
   calls.serveEarlier();
   // The reply to die is still on its way.
   sendRest(connection);

@@ -219,6 +219,14 @@ long workedTicks(pid_t pid) {
   return user + system;
 }
 
+void waitForWork(pid_t pid) {
+  const long before = workedTicks(pid);
+  for (int milliseconds = 0; workedTicks(pid) < before + 2; ++milliseconds) {
+    ASSERT_LT(milliseconds, PATIENCE * 1000);
+    usleep(1000);
+  }
+}
+
 size_t memoryOf(pid_t pid, std::string_view figure) {
   std::ifstream status("/proc/" + std::to_string(pid) + "/status");
   for (std::string line; std::getline(status, line);) {

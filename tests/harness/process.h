@@ -69,6 +69,8 @@ pid_t childBesides(pid_t known);
 
 /// How long a process has worked, in clock ticks.
 long workedTicks(pid_t pid);
+/// Waits until a process has worked for two more of them; fails the test when it has not in time.
+void waitForWork(pid_t pid);
 
 /// How much memory a process has, in KiB, by what the system calls `figure`: "VmRSS:" now, "VmHWM:"
 /// at most so far.

@@ -1,8 +1,11 @@
 // In which order calls are served: those of one client in theirs, those of several in turns. The id
 // that start() gives tells how many calls with an id were served before.
+#include <unistd.h>
+
 #include <csignal>
 #include <fstream>
 
+#include "tests/harness/deaf_client.h"
 #include "tests/harness/service_test.h"
 
 namespace {
@@ -11,6 +14,7 @@ constexpr int INSTANCES = 100000;
 
 class PausedServiceTest : public ServiceTest {
  protected:
+  using ServiceTest::ServiceTest;
   // The daemon stands still until resume(), so that all calls until then are there at once.
   void pause() { ASSERT_EQ(kill(daemon().process().pid(), SIGSTOP), 0); }
   void resume() { ASSERT_EQ(kill(daemon().process().pid(), SIGCONT), 0); }
@@ -54,15 +58,6 @@ class CallOrderTest : public PausedServiceTest {
  private:
   Client other_{bus().address()};
 };
-
-// Until the bus has passed on what the client has sent.
-void waitForBus(const Client& client) {
-  GVariant* id = g_dbus_connection_call_sync(
-      client.connection(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-      "GetId", nullptr, nullptr, G_DBUS_CALL_FLAGS_NONE, PATIENCE * 1000, nullptr, nullptr);
-  ASSERT_NE(id, nullptr);
-  g_variant_unref(id);
-}
 
 void callWithoutReply(const Client& client, const char* method, GVariant* arguments) {
   g_dbus_connection_call(client.connection(), INTERFACE_NAME, OBJECT_PATH, INTERFACE_NAME, method,
@@ -289,6 +284,38 @@ TEST_F(CallMemoryTest, WhatIsTakenAheadHasBounds) {
     RecordProperty(c.what, std::to_string(peak - before));
     EXPECT_LT(isWatched() ? 0 : peak, before + c.growth);
   }
+}
+
+// A bus that takes no more from the daemon while so many bytes of it are not delivered.
+class NarrowBusTest : public PausedServiceTest {
+ protected:
+  NarrowBusTest() : PausedServiceTest({.limits = {{"max_incoming_bytes", 4000000}}}) {}
+};
+
+TEST_F(NarrowBusTest, NothingIsServedWhileTheBusTakesNoReplies) {
+  constexpr int CALLS = 300;
+  constexpr size_t ALLOWED = (32 + 8) * 1024;  // in KiB: what may be unsent, and some messages
+  serve("note rw { }");
+  const std::string mebibyte(size_t{1} << 20U, 'x');
+  const Reply set = client().call("single_set", g_variant_new("(ss)", "note", mebibyte.c_str()));
+  ASSERT_NE(set.value, nullptr) << set.errorMessage;
+  forgetPeak();
+  const size_t before = peakMemory();
+  Client other(bus().address());
+  {
+    DeafClient deaf(bus().address());
+    for (int i = 0; i < CALLS; ++i) deaf.send("single_get", "note");
+    waitForBus(client());
+    other.send("single_set('note', '1')");
+    // Long enough for all of them.
+    for (int i = 0; i < 20; ++i) usleep(50000);
+    EXPECT_LT(isWatched() ? 0 : peakMemory(), before + ALLOWED);
+  }
+  // The deaf one has gone.
+  EXPECT_EQ(other.collectAnswers(), std::vector<std::string>{"()"});
+  EXPECT_EQ(client().answer("single_get('note')"), "'1'");
+  static_cast<void>(client().newSignals());
+  static_cast<void>(other.newSignals());
 }
 
 }  // namespace

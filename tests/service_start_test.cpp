@@ -434,12 +434,7 @@ class EndSignalTest : public ServiceTest, public testing::WithParamInterface<int
   // So that what is sent until then is there when the signal comes.
   void pause() { ASSERT_EQ(kill(daemon().process().pid(), SIGSTOP), 0); }
   void endAndResume() {
-    // The bus answers when it has passed on what came before.
-    GVariant* id = g_dbus_connection_call_sync(
-        client().connection(), "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetId",
-        nullptr, nullptr, G_DBUS_CALL_FLAGS_NONE, PATIENCE * 1000, nullptr, nullptr);
-    ASSERT_NE(id, nullptr);
-    g_variant_unref(id);
+    waitForBus(client());
     ASSERT_EQ(kill(daemon().process().pid(), GetParam()), 0);
     ASSERT_EQ(kill(daemon().process().pid(), SIGCONT), 0);
   }

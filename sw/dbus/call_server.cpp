@@ -129,6 +129,10 @@ void CallServer::note(DBusMessage* signal) noexcept {
   state_.clientLeft(client);
 }
 
+bool CallServer::mayServe() const {
+  return dbus_connection_get_outgoing_size(connection_) <= MAX_UNSENT_BYTES;
+}
+
 bool CallServer::hasMessage() const {
   return dbus_connection_get_dispatch_status(connection_) == DBUS_DISPATCH_DATA_REMAINS;
 }
@@ -142,8 +146,8 @@ void CallServer::takeMessages() {
 DBusHandlerResult CallServer::take(DBusMessage* call) noexcept {
   if (last_) return DBUS_HANDLER_RESULT_HANDLED;  // the bus answers it when the connection ends
   const uint64_t number = ++taken_;
-  if (queue_.empty() && !hasMessage()) return serve(call, number, senderOf(call));
-  if (queue_.count() >= MAX_TAKEN) serveNext();
+  if (queue_.empty() && !hasMessage() && mayServe()) return serve(call, number, senderOf(call));
+  if (queue_.count() >= MAX_TAKEN && mayServe()) serveNext();
   try {
     queue_.add(senderOf(call), {MessagePointer(dbus_message_ref(call)), number, false});
   } catch (const std::exception&) {
@@ -179,7 +183,7 @@ void CallServer::serveBatch() {
   const gint64 end = g_get_monotonic_time() + LONG;
   do {
     serveNext();
-  } while (!queue_.empty() && !last_ && g_get_monotonic_time() < end);
+  } while (hasCall() && !last_ && g_get_monotonic_time() < end);
 }
 
 void CallServer::end() {
@@ -194,5 +198,14 @@ void CallServer::end() {
 }
 
 void CallServer::serveEarlier() {
-  while (!queue_.empty()) serveNext();
+  constexpr int STEP = 10;  // in milliseconds
+  const gint64 patience = 2 * G_TIME_SPAN_SECOND;
+  while (!queue_.empty()) {
+    const gint64 deadline = g_get_monotonic_time() + patience;
+    while (!mayServe()) {
+      if (dbus_connection_read_write(connection_, STEP) == 0) return;  // no bus any more
+      if (g_get_monotonic_time() > deadline) return;
+    }
+    serveNext();
+  }
 }

@@ -22,6 +22,10 @@ class CallServer {
   static constexpr size_t MAX_TAKEN = 4096;
   static constexpr long MAX_TAKEN_BYTES = 16L << 20U;
 
+  /// Nothing is served while more than this is not sent: where the bus takes nothing more from the
+  /// daemon, replies would fill the memory.
+  static constexpr long MAX_UNSENT_BYTES = 32L << 20U;
+
   /// From here on the main loop takes messages off `connection`, and serves calls for the exported
   /// object that are given to take(). To be made before the service has its name, or the end of a
   /// client could be missed.
@@ -36,7 +40,7 @@ class CallServer {
   /// bounded.
   void end();
   /// After the main loop has ended: serves what was taken before the call that has ended it, or
-  /// what was taken at all where end() has.
+  /// what was taken at all where end() has. Gives up where the bus takes nothing for two seconds.
   void serveEarlier();
 
  private:
@@ -45,7 +49,8 @@ class CallServer {
   static DBusHandlerResult filter(DBusConnection* connection, DBusMessage* message, void* self);
 
   [[nodiscard]] bool hasMessage() const;
-  [[nodiscard]] bool hasCall() const { return !queue_.empty(); }
+  [[nodiscard]] bool mayServe() const;
+  [[nodiscard]] bool hasCall() const { return !queue_.empty() && mayServe(); }
   void note(DBusMessage* signal) noexcept;
   void takeMessages();
   void serveBatch();

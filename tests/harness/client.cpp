@@ -112,6 +112,15 @@ std::vector<std::string> textsOf(GVariant* array) {
   return texts;
 }
 
+void waitForBus(const Client& client) {
+  // It answers a client's calls in their order.
+  GVariant* id = g_dbus_connection_call_sync(client.connection(), BUS, "/org/freedesktop/DBus", BUS,
+                                             "GetId", nullptr, nullptr, G_DBUS_CALL_FLAGS_NONE,
+                                             PATIENCE * 1000, nullptr, nullptr);
+  ASSERT_NE(id, nullptr);
+  g_variant_unref(id);
+}
+
 Client::Client(const std::string& busAddress) {
   GError* error = nullptr;
   connection_ = g_dbus_connection_new_for_address_sync(

@@ -72,5 +72,8 @@ class Client {
   std::vector<std::unique_ptr<Pending>> pending_;
 };
 
+/// Waits until the bus has passed on what the client has sent.
+void waitForBus(const Client& client);
+
 /// The texts of an array of strings.
 std::vector<std::string> textsOf(GVariant* array);

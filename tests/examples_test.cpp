@@ -1,10 +1,12 @@
 // The example texts: that they are in order, and that a device started with them keeps in range.
 #include <algorithm>
+#include <csignal>
 #include <fstream>
 #include <iterator>
 #include <set>
 #include <sstream>
 
+#include "tests/harness/deaf_client.h"
 #include "tests/harness/service_test.h"
 
 namespace {
@@ -31,6 +33,57 @@ TEST_F(PictureExample, PlaysTheTour) {
       {"single_set('blanking', '1500')", "()", {"blanking=1279"}},
       {"set(0, 'mode', 'sepia')", "Set failed because parameter value is invalid"},
   });
+}
+
+// The recommended configuration of the bus.
+class SessionBusExample : public ServiceTest {
+ protected:
+  SessionBusExample()
+      : ServiceTest({.configuration = std::string(EXAMPLES_DIRECTORY) + "/session-bus.conf",
+                     .limits = {}}) {}
+  size_t memoryOfBus() { return memoryOf(bus().pid(), "VmHWM:"); }
+};
+
+TEST_F(SessionBusExample, OneThatNeverReadsCostsTheOthersNothingAndTheBusLittle) {
+  constexpr size_t LIMIT = 34000000 / 1024;  // in KiB
+  const size_t before = memoryOfBus();
+  serve("note rw { }");
+  const std::string mebibyte(size_t{1} << 20U, 'x');
+  const Reply set = client().call("single_set", g_variant_new("(ss)", "note", mebibyte.c_str()));
+  ASSERT_NE(set.value, nullptr) << set.errorMessage;
+  DeafClient deaf(bus().address());
+  for (int i = 0; i < 300; ++i) {
+    deaf.send("single_get", "note");
+    EXPECT_EQ(client().answer("single_is_valid('note', '1')"), "true");
+  }
+  EXPECT_LT(memoryOfBus(), before + 2 * LIMIT);
+  EXPECT_EQ(client().answer("single_set('note', '1')"), "()");
+  static_cast<void>(client().newSignals());
+}
+
+TEST_F(SessionBusExample, ABacklogIsRefusedByTheBus) {
+  constexpr size_t LIMIT = 1000;
+  serve("note rw { }");
+  ASSERT_EQ(kill(daemon().process().pid(), SIGSTOP), 0);
+  for (size_t i = 0; i <= LIMIT; ++i) client().send("single_get('note')");
+  waitForBus(client());
+  ASSERT_EQ(kill(daemon().process().pid(), SIGCONT), 0);
+  const std::vector<std::string> answers = client().collectAnswers();
+  for (size_t i = 0; i < LIMIT; ++i) EXPECT_EQ(answers[i], "''") << i;
+  EXPECT_TRUE(answers[LIMIT].starts_with("org.freedesktop.DBus.Error.LimitsExceeded"))
+      << answers[LIMIT];
+  EXPECT_EQ(client().answer("single_get('note')"), "''");
+}
+
+TEST_F(SessionBusExample, TheLargestReplyArrives) {
+  serve("note rw { }");
+  const std::string mebibyte(size_t{1} << 20U, 'x');
+  const Reply set = client().call("single_set", g_variant_new("(ss)", "note", mebibyte.c_str()));
+  ASSERT_NE(set.value, nullptr) << set.errorMessage;
+  std::string names = "'note'";
+  for (int i = 1; i < 31; ++i) names += ",'note'";
+  EXPECT_GT(client().answer("single_get_bulk(31, [" + names + "])").size(), 31 * mebibyte.size());
+  static_cast<void>(client().newSignals());
 }
 
 class FrameSynchroniserExample : public ServiceTest,

@@ -30,6 +30,9 @@ std::string writeConfiguration(const std::string& directory, const PrivateBus::O
   std::ofstream file(path);
   file << BEFORE_DIRECTORY << directory << AFTER_DIRECTORY
        << (options.allowsNames ? ALLOWED_NAMES : DENIED_NAMES) << options.policy << BEFORE_LIMITS;
+  if (!options.configuration.empty()) {
+    file << "  <include>" << options.configuration << "</include>\n";
+  }
   for (const auto& [name, value] : options.limits) {
     file << "  <limit name=\"" << name << "\">" << value << "</limit>\n";
   }

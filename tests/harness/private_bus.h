@@ -12,8 +12,9 @@
 class PrivateBus {
  public:
   struct Options {
-    bool allowsNames = true;  ///< whether clients may own names
-    std::string policy = {};  ///< further rules, in the form of the bus's configuration
+    bool allowsNames = true;         ///< whether clients may own names
+    std::string configuration = {};  ///< a file that comes after the policy, before the limits
+    std::string policy = {};         ///< further rules, in the form of the bus's configuration
     /// By their names in the bus's configuration. By default those of a session bus as it is
     /// usually set up: wide enough never to be met. The bus has its own for those that are not
     /// given.

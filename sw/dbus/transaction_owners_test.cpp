@@ -12,7 +12,7 @@ constexpr size_t MEBIBYTE = size_t{1} << 20U;
 
 class TransactionOwnersTest : public testing::Test {
  protected:
-  TransactionOwnersTest() { define(database_, "note rw { }\n"); }
+  TransactionOwnersTest() { define(database_, "in index { }\nnote rw { index { in } }\n"); }
 
   // A transaction of `client`'s that has about so many MiB staged.
   uint32_t open(std::string_view client, size_t mebibytes) {
@@ -23,9 +23,11 @@ class TransactionOwnersTest : public testing::Test {
     return id;
   }
   void stage(uint32_t id, size_t mebibytes) {
-    if (mebibytes == 0) return;
-    const std::string value(mebibytes * MEBIBYTE, 'x');
-    EXPECT_EQ(transactions_.find(id)->set("note", value, false), STAGE_DONE);
+    const std::string value(MEBIBYTE, 'x');
+    for (size_t i = 0; i < mebibytes; ++i) {
+      const std::string name = "note[" + std::to_string(i) + "]";
+      EXPECT_EQ(transactions_.find(id)->set(name, value, false), STAGE_DONE);
+    }
     owners_.used(id);
   }
   void end(uint32_t id) {

@@ -42,7 +42,7 @@ class NameBytes {
   // False where they become too many.
   bool add(size_t bytes) {
     bytes_ += bytes;
-    return bytes_ <= MAX_DEPENDENCY_BYTES;
+    return bytes_ <= MAX_QUERY_BYTES;
   }
 
  private:

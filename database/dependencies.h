@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "database/database.h"
+#include "database/query_limit.h"
 #include "sw/parm/index_tuple.h"
 
 /// Results of dependencies.
@@ -15,13 +16,8 @@ enum dependenciesResult_t : int {
   DEPENDENCIES_FOUND = 0,
   DEPENDENCIES_NO_PARAMETER = 1,
   DEPENDENCIES_INVALID_INDEX = 2,
-  DEPENDENCIES_TOO_LARGE = 3,  ///< the names have more than MAX_DEPENDENCY_BYTES
+  DEPENDENCIES_TOO_LARGE = 3,  ///< the names have more than MAX_QUERY_BYTES
 };
-
-/// How long the names that a parameter depends on may be all together. Each of them can carry the
-/// index values of the name that is asked for, which may be as long as a client likes. More than
-/// this fits into no message.
-constexpr size_t MAX_DEPENDENCY_BYTES = size_t{32} << 20U;
 
 /// Finds the names that a parameter depends on, as they are written in its expressions and in those
 /// of the parameters they lead to. With `withIndices`, `name` is a full name, and each name is

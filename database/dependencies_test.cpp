@@ -152,7 +152,7 @@ std::string longText() {
 
 std::string longValue() {
   constexpr size_t NAME_BYTES = std::string_view("q10[]").size();
-  return std::string(MAX_DEPENDENCY_BYTES / MANY - NAME_BYTES, 'x');
+  return std::string(MAX_QUERY_BYTES / MANY - NAME_BYTES, 'x');
 }
 
 TEST(Dependencies, AreNoLongerAllTogetherThanFitsIntoAMessage) {

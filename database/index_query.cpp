@@ -67,7 +67,10 @@ void appendRun(Spans& accepted, int64_t first, int64_t last) {
   }
 }
 
-// Of each run one number is asked for all, so the spans may be as long as they like.
+size_t bytesOf(const Spans& spans) { return spans.size() * sizeof(Span); }
+
+// Of each run one number is asked for all, so the spans may be as long as they like. Ends with the
+// first span that is too much.
 Spans acceptedNumbers(const IndexDef& index, const Situation& situation) {
   const TurningPoints points(index, situation);
   BoundsCheck check(index, situation);
@@ -75,6 +78,7 @@ Spans acceptedNumbers(const IndexDef& index, const Situation& situation) {
   for (const Span& span : index.baseBounds().integers().spans()) {
     for (int64_t number = span.first; number <= span.second;) {
       Work::add(WORK_PER_ITEM + index.askingWork());
+      if (bytesOf(accepted) > MAX_QUERY_BYTES) return accepted;
       const int64_t last = points.runEnd(number, span.second);
       if (index.checkValue(numberText(static_cast<int32_t>(number)), check)) {
         appendRun(accepted, number, last);
@@ -115,12 +119,17 @@ int indexRange(Database& database, const StagedValues& staged, const std::string
     return INDEX_RANGE_NOT_VALID;
   }
   spans = acceptedNumbers(index, situation);
+  size_t bytes = bytesOf(spans);
   BoundsCheck check(index, situation);
   for (const std::string& text : index.baseBounds().strings().texts()) {
     Work::add(WORK_PER_ITEM + index.askingWork() + WORK_PER_VALUE_BYTE * text.size());
     if (index.checkValue(text, check)) {
       texts.push_back(text);
+      bytes += text.size();
+    }
+    if (bytes > MAX_QUERY_BYTES) {
+      return INDEX_RANGE_TOO_LARGE;
     }
   }
-  return INDEX_RANGE_FOUND;
+  return bytes > MAX_QUERY_BYTES ? INDEX_RANGE_TOO_LARGE : INDEX_RANGE_FOUND;
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "database/database.h"
+#include "database/query_limit.h"
 #include "database/staged_values.h"
 #include "sw/parm/bounds.h"
 
@@ -18,6 +19,7 @@ enum indexRangeResult_t : int {
   INDEX_RANGE_FOUND = 0,
   INDEX_RANGE_NO_INDEX = 1,
   INDEX_RANGE_NOT_VALID = 2,  ///< the index does not exist just now
+  INDEX_RANGE_TOO_LARGE = 3,  ///< what it takes has more than MAX_QUERY_BYTES
 };
 
 /// The values that an index takes just now: of the numbers and texts of its base bounds those that

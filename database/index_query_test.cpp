@@ -138,4 +138,33 @@ TEST_F(IndexQueryTest, NamesTheIndicesThatExistNow) {
       validIndices(database_, transaction_.staged(), database_.findParm("single")->parm).empty());
 }
 
+TEST(IndexRange, OfMoreThanFitsIntoAMessageIsTooMuch) {
+  // Texts of 1 MiB and spans of 8 bytes.
+  struct Case {
+    const char* subject;
+    size_t texts;
+    size_t spans;
+    int result;
+  };
+  constexpr size_t MEBIBYTE = size_t{1} << 20U;
+  constexpr size_t ALL = MAX_QUERY_BYTES / MEBIBYTE;
+  const Case cases[] = {{"as many as fit", ALL, 0, INDEX_RANGE_FOUND},
+                        {"one text more", ALL + 1, 0, INDEX_RANGE_TOO_LARGE},
+                        {"a span more", ALL, 1, INDEX_RANGE_TOO_LARGE}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.subject);
+    std::string text = "i index {\n";
+    for (size_t i = 0; i < c.texts; ++i) {
+      text +=
+          "rangeValid { \"" + std::to_string(10 + i) + std::string(MEBIBYTE - 2, 'x') + "\" }\n";
+    }
+    if (c.spans > 0) text += "rangeValid { 0..9 }\n";
+    Database database;
+    define(database, text + "}\n");
+    std::vector<std::string> texts;
+    Spans spans;
+    EXPECT_EQ(indexRange(database, StagedValues(), "i", texts, spans), c.result);
+  }
+}
+
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <cassert>
 #include <exception>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -11,21 +12,21 @@ constexpr std::string_view HAVE_LEFT;
 
 }  // namespace
 
-CallQueue::Senders::iterator CallQueue::findOrAdd(std::string_view name) {
+CallQueue::Senders::iterator CallQueue::findOrAdd(std::string_view name, Senders::iterator before) {
   const auto known = byName_.find(name);
   if (known != byName_.end()) return known->second;
   Senders added;
   added.push_back({std::string(name), {}});
   const auto sender = added.begin();
   byName_.emplace(sender->name, sender);
-  senders_.splice(senders_.end(), added);
+  senders_.splice(before, added);
   return sender;
 }
 
 void CallQueue::add(std::string_view sender, WaitingCall call) {
   std::list<WaitingCall> added;
   added.push_back(std::move(call));
-  auto& calls = findOrAdd(sender)->calls;
+  auto& calls = findOrAdd(sender, senders_.end())->calls;
   calls.splice(calls.end(), added);
   ++count_;
 }
@@ -48,6 +49,7 @@ void CallQueue::leave(std::string_view sender) noexcept {
   const auto known = byName_.find(sender);
   if (known == byName_.end()) return;
   std::list<WaitingCall> calls = std::move(known->second->calls);
+  const auto behind = std::next(known->second);
   erase(known->second);
   count_ -= calls.size();
   calls.remove_if([&first = calls.front()](const WaitingCall& call) {
@@ -55,7 +57,7 @@ void CallQueue::leave(std::string_view sender) noexcept {
   });
   for (WaitingCall& call : calls) call.hasLeft = true;
   try {
-    auto& all = findOrAdd(HAVE_LEFT)->calls;
+    auto& all = findOrAdd(HAVE_LEFT, behind)->calls;
     count_ += calls.size();
     all.splice(all.end(), calls);
   } catch (const std::exception&) {

@@ -32,7 +32,8 @@ class CallQueue {
   /// Takes out the call whose turn it is; one has to wait.
   WaitingCall next();
   /// A sender has left the bus. Its calls are dropped, but for the first and for those that want
-  /// no reply: command-line tools make their only call and leave at once.
+  /// no reply: command-line tools make their only call and leave at once. The turn is the sender's,
+  /// unless others have left before.
   void leave(std::string_view sender) noexcept;
 
  private:
@@ -42,7 +43,7 @@ class CallQueue {
   };
   using Senders = std::list<Sender>;
 
-  Senders::iterator findOrAdd(std::string_view name);
+  Senders::iterator findOrAdd(std::string_view name, Senders::iterator before);
   void erase(Senders::iterator sender);
 
   Senders senders_;  // those with calls, whose turn it is first

@@ -77,12 +77,12 @@ TEST(CallQueue, OfSendersThatHaveLeftKeepsTheFirstCallAndWhatWantsNoReply) {
   queue.leave("c");
   EXPECT_EQ(queue.count(), 8U);
   queue.leave("a");
-  // What is left of a and c has one turn in common.
+  // What is left of a and c has one turn in common, which was a's.
   const struct {
     const char* method;
     bool hasLeft;
-  } expected[] = {{"b1", false}, {"a1", true}, {"b2", false}, {"a3", true},
-                  {"b3", false}, {"c1", true}, {"b4", false}, {"c3", true}};
+  } expected[] = {{"a1", true}, {"b1", false}, {"a3", true}, {"b2", false},
+                  {"c1", true}, {"b3", false}, {"c3", true}, {"b4", false}};
   for (const auto& e : expected) {
     ASSERT_FALSE(queue.empty());
     const WaitingCall call = queue.next();

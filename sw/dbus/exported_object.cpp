@@ -32,13 +32,13 @@ DBusHandlerResult handleMessage(DBusConnection* /*connection*/, DBusMessage* mes
 extern "C" dbus_bool_t dbus_connection_try_register_object_path(DBusConnection* connection,
                                                                 const char* path,
                                                                 const DBusObjectPathVTable* vtable,
-                                                                void* user_data, DBusError* error) {
+                                                                void* data, DBusError* error) {
   DBusObjectPathVTable handlers = {};
   handlers.unregister_function = forget;
   handlers.message_function = handleMessage;
   exported.binding = vtable;
-  exported.data = user_data;
-  if (dbus_connection_register_object_path(connection, path, &handlers, user_data) != 0) return 1;
+  exported.data = data;
+  if (dbus_connection_register_object_path(connection, path, &handlers, data) != 0) return 1;
   dbus_set_error_const(error, DBUS_ERROR_NO_MEMORY, "No memory for the object's handler");
   return 0;
 }

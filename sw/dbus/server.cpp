@@ -15,6 +15,7 @@
 #include "sw/dbus/descriptors.h"
 #include "sw/dbus/end_signals.h"
 #include "sw/dbus/exported_object.h"
+#include "sw/dbus/last_words.h"
 #include "sw/dbus/log_watch.h"
 #include "sw/dbus/reporter.h"
 #include "sw/dbus/service_state.h"
@@ -143,6 +144,7 @@ void sendRest(DBusConnection* connection) {
 
 int runService(Database& database, const std::string& busSuffix, bool daemonize,
                const std::string& pathSuffix) {
+  endInOrderWithoutMemory();
   printRawBytes();
   ServiceState state(database);
   createMainLoopAndLock(state);

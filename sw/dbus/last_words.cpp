@@ -1,0 +1,84 @@
+#include "sw/dbus/last_words.h"
+
+#include <glib.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "deflang/system_log.h"
+
+namespace {
+
+// There is no memory for it when it is needed.
+const std::string LOG_LINE = "service: ERROR: out of memory, ended";
+
+[[noreturn]] void end() {
+  // A failure on the way must not lead here again.
+  static bool isEnding = false;
+  if (!isEnding) {
+    isEnding = true;
+    dprintf(STDERR_FILENO, "%s", LAST_WORDS);
+    logError(LOG_LINE);
+  }
+  _exit(1);
+}
+
+// Errors are those of GLib ("failed to allocate 24 bytes") and of the binding library ("Out of
+// memory", "dbus_connection_send failed: out of memory?"). The others are what becomes of a message
+// that could not be put together: the binding library drops it and goes on. Nobody would learn of a
+// value, or a client would wait for ever.
+bool isOfMemory(GLogLevelFlags level, const char* message) {
+  if (message == nullptr) return true;
+  constexpr std::array<const char*, 4> DROPPED = {
+      "Unable to marshal ", "failed to marshal parameter ", "unable to append OUT arg ",
+      "unable to append retval "};
+  for (const char* dropped : DROPPED) {
+    if (g_str_has_prefix(message, dropped) == TRUE) return true;
+  }
+  return (level & G_LOG_LEVEL_ERROR) != 0 && (strstr(message, "failed to allocate") != nullptr ||
+                                              strcasestr(message, "memory") != nullptr);
+}
+
+void handleMessage(const char* domain, GLogLevelFlags level, const char* message, gpointer data) {
+  if (isOfMemory(level, message)) end();
+  g_log_default_handler(domain, level, message, data);
+}
+
+}  // namespace
+
+// In the place of the C library's own: with it GLib makes the text of each message, also of the one
+// that a text could not be made, and so on until the stack has no room.
+// NOLINTNEXTLINE(readability-identifier-naming,bugprone-reserved-identifier)
+extern "C" int __vasprintf_chk(char** ptr, int /*flag*/, const char* fmt, va_list arg) {
+  va_list again;
+  va_copy(again, arg);
+  const int length = vsnprintf(nullptr, 0, fmt, arg);
+  *ptr = length < 0 ? nullptr : static_cast<char*>(malloc(static_cast<size_t>(length) + 1));
+  if (*ptr != nullptr) {
+    vsnprintf(*ptr, static_cast<size_t>(length) + 1, fmt, again);
+  } else if (length >= 0) {
+    end();
+  }
+  va_end(again);
+  return length;
+}
+
+// In the place of the C library's own, for the libraries: where GLib has no memory for a lock or
+// for its pools of small pieces, it says so and comes here. Our own assertions end as ever.
+extern "C" void abort() noexcept {
+  if (errno == ENOMEM) end();
+  raise(SIGABRT);
+  _exit(1);
+}
+
+void endInOrderWithoutMemory() {
+  g_log_set_default_handler(handleMessage, nullptr);
+  g_debug("What GLib needs for its first message is there from now on.");
+}

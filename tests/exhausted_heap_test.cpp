@@ -1,0 +1,80 @@
+// An exhausted heap: whichever allocation fails, of the daemon, of GLib or of the bus library, a
+// call gets its answer or an error, or the process says why it ends. It never ends by a signal, and
+// nothing is committed that no signal has told.
+#include <cstring>
+#include <sstream>
+
+#include "tests/harness/exhausted_test.h"
+
+namespace {
+
+constexpr const char* LAST_WORDS =
+    "Transaction server: ERROR: Out of memory (the service cannot go on)\n";
+
+// Whether nothing is said but that memory is missing: for an array of a reply, which is waited for,
+// and by GLib for its locks and its pools.
+bool isOfMemory(const std::string& errors) {
+  std::istringstream lines(errors);
+  for (std::string line; std::getline(lines, line);) {
+    if (!line.empty() && !line.ends_with(" - out of memory") &&
+        line.find("Cannot allocate memory") == std::string::npos) {
+      ADD_FAILURE() << line;
+      return false;
+    }
+  }
+  return true;
+}
+
+// So many allocations fail, after 0, `step`, 2 * `step`... that go well.
+struct Failures {
+  long failures;
+  long step;
+};
+
+class ExhaustedHeapTest : public ExhaustedTest, public testing::WithParamInterface<Failures> {
+ protected:
+  ExhaustedHeapTest() : ExhaustedTest(HEAP_FAILURE_LIBRARY) {}
+  void SetUp() override {
+    if (isWatched()) GTEST_SKIP() << "the heap is that of the tool that looks on the daemon";
+    startDaemon();
+  }
+
+  // Whether the service goes on; otherwise checks how it has ended, and starts another.
+  bool goesOn(const std::string& answer) {
+    if (!answer.starts_with("org.freedesktop.DBus.Error.")) {
+      EXPECT_TRUE(isOfMemory(daemon().process().errorsSoFar()));
+      return true;
+    }
+    const Ending ending = daemon().waitForEnd();
+    EXPECT_EQ(ending.status, 1);
+    EXPECT_TRUE(ending.err.ends_with(LAST_WORDS)) << ending.err;
+    EXPECT_TRUE(isOfMemory(ending.err.substr(0, ending.err.size() - strlen(LAST_WORDS))));
+    const std::vector<std::string> log = daemon().newLogLines();
+    EXPECT_EQ(log.empty() ? "" : log.back(), "service: ERROR: out of memory, ended");
+    startDaemon();
+    return false;
+  }
+};
+
+TEST_P(ExhaustedHeapTest, IsAnAnswerAnErrorOrAnEndWithLastWords) {
+  for (const CallCase& c : repeatableCalls()) {
+    SCOPED_TRACE(c.call);
+    bool isMet = true;
+    for (long successes = 0; isMet; successes += GetParam().step) {
+      SCOPED_TRACE(successes);
+      if (*c.before != '\0') static_cast<void>(client().answer(c.before));
+      const std::string answer = answerAfter(successes, GetParam().failures, c.call, isMet);
+      if (goesOn(answer)) {
+        EXPECT_TRUE(answer == c.answer || (isMet && isOfExhaustedMemory(answer))) << answer;
+        if (goesOn(client().answer("commit(0)"))) expectTold();
+      }
+      ASSERT_FALSE(HasFailure());
+    }
+  }
+}
+
+// A single allocation, or all until the process has ended: what is waited for is there in the end.
+INSTANTIATE_TEST_SUITE_P(ForSoManyAllocations, ExhaustedHeapTest,
+                         testing::Values(Failures{1, 1}, Failures{50, 3}));
+
+}  // namespace

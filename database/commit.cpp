@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <new>
 #include <optional>
 #include <span>
 #include <utility>
@@ -37,26 +38,53 @@ void logRefusal(const StagedEntry& entry, const std::string& value, int result) 
            "\": ret=" + std::to_string(result));
 }
 
+// What the instance holds, as it is put back.
+ValueText committedValue(const StagedEntry& entry) {
+  const ParmDef& parm = entry.parm->parm;
+  const CommittedValue* held = entry.held != nullptr ? entry.held : parm.committed(entry.indices);
+  return held != nullptr ? held->value : ValueText();
+}
+
 // Whether clients are told of a value that was just stored.
 bool isReported(const StagedEntry& entry, const std::string& before) {
-  const bool isFirst = !std::exchange(entry.held->announced, true);
-  return isFirst || entry.parm->parm.mode() == MODE_WRITE_ONLY ||
+  return !entry.held->announced || entry.parm->parm.mode() == MODE_WRITE_ONLY ||
          entry.held->value.text() != before;
 }
 
+// What a commit has changed, in the order in which it was stored.
+class Report {
+ public:
+  Report(std::vector<Change>& changes, ChangeRoom* room) : changes_(changes), room_(room) {}
+  // Adds a value that was just stored; where there is no room for it, the instance takes back the
+  // one `before`, which takes no memory.
+  void add(CommittedValue& held, std::string name, ValueText before) {
+    Change change{std::move(name), &held};
+    if (room_ != nullptr && !room_->makeRoom(change)) {
+      held.value = std::move(before);
+      throw std::bad_alloc();
+    }
+    held.announced = true;
+    changes_.push_back(std::move(change));
+  }
+
+ private:
+  std::vector<Change>& changes_;
+  ChangeRoom* room_;
+};
+
 // Commits one entry. Returns 0, WALK_AGAIN, or a refusal, which is logged with the value as it was
 // staged.
-int commitEntry(StagedEntry& entry, IndexSituations& situations, std::vector<Change>& changes) {
+int commitEntry(StagedEntry& entry, IndexSituations& situations, Report& report) {
   // All that is needed to report the value is there before it is stored: where memory is exhausted,
   // nothing is stored that is not reported.
   std::string name = fullName(entry);
-  const std::string before = committedText(entry);
+  ValueText before = committedValue(entry);
   const std::string wanted = entry.value.text();
   const setOutcome_t outcome = evaluate(entry, situations, false);
   switch (outcome.result) {
     case SET_STORED:
-      if (outcome.stored && isReported(entry, before)) {
-        changes.push_back({std::move(name), entry.held});
+      if (outcome.stored && isReported(entry, before.text())) {
+        report.add(*entry.held, std::move(name), std::move(before));
       }
       return 0;
     case SET_NOT_STORED:
@@ -71,11 +99,10 @@ int commitEntry(StagedEntry& entry, IndexSituations& situations, std::vector<Cha
 
 // Walks a level once. A refusal ends the walk; what it leaves unwalked is as if it had not been
 // staged.
-int passLevel(std::span<const PlanStep> level, IndexSituations& situations,
-              std::vector<Change>& changes) {
+int passLevel(std::span<const PlanStep> level, IndexSituations& situations, Report& report) {
   int result = 0;
   for (auto step = level.begin(); step != level.end(); ++step) {
-    const int code = commitEntry(*step->entry, situations, changes);
+    const int code = commitEntry(*step->entry, situations, report);
     if (code == WALK_AGAIN) {
       result = WALK_AGAIN;
     } else if (code != 0) {
@@ -87,15 +114,14 @@ int passLevel(std::span<const PlanStep> level, IndexSituations& situations,
   return result;
 }
 
-int applyPlan(std::span<const PlanStep> plan, const StagedValues& staged,
-              std::vector<Change>& changes) {
+int applyPlan(std::span<const PlanStep> plan, const StagedValues& staged, Report& report) {
   int result = 0;
   IndexSituations situations(staged);
   while (!plan.empty()) {
     const std::span<const PlanStep> level = firstLevel(plan, plan);
-    int code = passLevel(level, situations, changes);
+    int code = passLevel(level, situations, report);
     while (code == WALK_AGAIN) {
-      code = passLevel(level, situations, changes);
+      code = passLevel(level, situations, report);
     }
     result = result == 0 ? code : result;
   }
@@ -132,7 +158,7 @@ class Emptying {
 
 }  // namespace
 
-int commit(Transaction& transaction, std::vector<Change>& changes) {
+int commit(Transaction& transaction, std::vector<Change>& changes, ChangeRoom* room) {
   StagedValues& staged = transaction.staged();
   const Emptying emptying(staged);
   resolveResets(staged);
@@ -142,5 +168,6 @@ int commit(Transaction& transaction, std::vector<Change>& changes) {
   }
   changes.reserve(changes.size() + plan->size());
   const Ordering ordering(changes);
-  return applyPlan(*plan, staged, changes);
+  Report report(changes, room);
+  return applyPlan(*plan, staged, report);
 }

@@ -21,11 +21,23 @@ struct Change {
   bool operator==(const Change& other) const { return name == other.name; }
 };
 
+/// What has to be there for each change before its value is kept.
+class ChangeRoom {
+ public:
+  ChangeRoom() = default;
+  virtual ~ChangeRoom() = default;
+  ChangeRoom(const ChangeRoom&) = delete;
+  ChangeRoom& operator=(const ChangeRoom&) = delete;
+  /// Makes room for one more change, whose value is stored already. Returns whether there is any.
+  [[nodiscard]] virtual bool makeRoom(const Change& change) = 0;
+};
+
 /// Applies the staged values and re-evaluates every instance of every parameter that depends on
 /// them, level by level. `changes` receives what to report, ascending by name: the values that
 /// changed or that are reported for the first time, and every write-only one. Values are stored as
 /// they are accepted; a failure ends its level, the later levels are still applied. The transaction
 /// is empty afterwards. Returns a commitResult_t, the first failure; a write that the parameter
 /// does not allow just now is no failure and changes nothing. Where memory is exhausted in between,
-/// `changes` has what was stored until then.
-int commit(Transaction& transaction, std::vector<Change>& changes);
+/// or there is no `room` for a change, std::bad_alloc is raised and `changes` has what was stored
+/// until then; without `room` there is room for all.
+int commit(Transaction& transaction, std::vector<Change>& changes, ChangeRoom* room = nullptr);

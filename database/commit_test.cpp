@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
 #include <utility>
 
 #include "database/test_database.h"
@@ -298,6 +299,45 @@ TEST_F(CommitTest, CommitsThousandsOfIndependentValues) {
   text(definitions);
   EXPECT_EQ(commitOf(staged), COMMIT_DONE);
   EXPECT_EQ(changed_, names);
+}
+
+// Room for so many changes.
+class LimitedRoom final : public ChangeRoom {
+ public:
+  explicit LimitedRoom(int changes) : left_(changes) {}
+  [[nodiscard]] bool makeRoom(const Change& /*change*/) override { return left_-- > 0; }
+
+ private:
+  int left_;
+};
+
+TEST_F(CommitTest, TakesBackAValueThatFindsNoRoom) {
+  text("a rw { }\nb rw { }\nc rw { }\n");
+  ASSERT_EQ(commitOf({{"a", "old"}, {"b", "5 old"}, {"c", "old"}}), COMMIT_DONE);
+  Transaction transaction(database_);
+  for (const char* name : {"a", "b", "c"}) ASSERT_EQ(transaction.set(name, "7", true), 0);
+  std::vector<Change> changes;
+  LimitedRoom room(1);
+  EXPECT_THROW(static_cast<void>(commit(transaction, changes, &room)), std::bad_alloc);
+  ASSERT_EQ(changes.size(), 1U);
+  EXPECT_EQ(changes[0].name, "a");
+  EXPECT_EQ(value("a"), "7");
+  EXPECT_EQ(value("b"), "5 old");
+  EXPECT_EQ(value("c"), "old");
+  EXPECT_TRUE(transaction.staged().empty());
+}
+
+// It was not announced, so that it is reported the next time.
+TEST_F(CommitTest, ReportsAValueAgainThatFoundNoRoom) {
+  text("a rw { }\n");
+  Transaction transaction(database_);
+  ASSERT_EQ(transaction.set("a", "", true), 0);
+  std::vector<Change> changes;
+  LimitedRoom room(0);
+  EXPECT_THROW(static_cast<void>(commit(transaction, changes, &room)), std::bad_alloc);
+  EXPECT_TRUE(changes.empty());
+  EXPECT_EQ(commitOf({{"a", ""}}), COMMIT_DONE);
+  EXPECT_EQ(changed_, Texts{"a"});
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "database/transaction.h"
 #include "deflang/work.h"
 #include "sw/dbus/errors.h"
+#include "sw/dbus/memory_reserve.h"
 #include "sw/dbus/null_check.h"
 #include "sw/dbus/operations.h"
 #include "sw/dbus/service_state.h"
@@ -35,6 +36,11 @@ class ServiceLock {
   GMutex* lock_;
 };
 
+/// Whether methods of a family leave something in a transaction.
+constexpr bool keepsMemory(methodFamily_t family) {
+  return family == METHOD_START || (METHOD_VALIDATE <= family && family <= METHOD_RESET_STATUS);
+}
+
 /// Runs `operation`, which gives the method's outcome, and counts its work. An exception, which
 /// only exhausted memory and a passed budget of work raise, becomes an error of the family instead
 /// of ending the program; start has a text for the former.
@@ -44,6 +50,7 @@ gboolean serve(const MethodCall& call, methodFamily_t family, Operation operatio
   assertNotNull(call.object, "obj != NULL", call.method);
   Work::begin();
   try {
+    if (keepsMemory(family)) requireHeadroom();
     return operation();
   } catch (const WorkExceeded&) {
     logExceededWork();

@@ -95,4 +95,13 @@ TEST(InOwnTransaction, TakesAnIdAndOpensNothing) {
   EXPECT_EQ(id, 2U);  // each took an id
 }
 
+TEST(Serve, TakesTheMethodsThatKeepMemory) {
+  for (int family = METHOD_START; family <= METHOD_GET_INDEX_RANGE; ++family) {
+    const bool keeps = family == METHOD_START || family == METHOD_VALIDATE ||
+                       family == METHOD_SET || family == METHOD_SET_STATUS ||
+                       family == METHOD_RESET || family == METHOD_RESET_STATUS;
+    EXPECT_EQ(keepsMemory(static_cast<methodFamily_t>(family)), keeps) << family;
+  }
+}
+
 }  // namespace

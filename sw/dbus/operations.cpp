@@ -52,6 +52,7 @@ int packTexts(const char* what, const Texts& texts, char*** reply) {
   TextList list(what, texts.size());
   list.addAll(texts);
   if (list.bytes() > MAX_MESSAGE_BYTES) return INTERNAL_ERROR;
+  requireMessageMemory(list.bytes());
   *reply = list.release();
   return 0;
 }
@@ -61,18 +62,38 @@ int packRange(const Texts& texts, const Spans& spans, char*** textReply, GPtrArr
   if (spans.size() * STRUCT_MEMORY > MAX_REPLY_MEMORY) return INTERNAL_ERROR;
   TextList textList(TEXT_RANGE, texts.size());
   textList.addAll(texts);
+  const size_t bytes = textList.bytes() + spans.size() * SPAN_BYTES;
+  if (bytes > MAX_MESSAGE_BYTES) return INTERNAL_ERROR;
+  requireMemory(spans.size() * STRUCT_MEMORY + COPIES_IN_MESSAGE * bytes);
   StructArray spanArray;
   for (const Span& span : spans) spanArray.addSpan(span);
-  if (textList.bytes() + spanArray.bytes() > MAX_MESSAGE_BYTES) return INTERNAL_ERROR;
   *textReply = textList.release();
   *spanReply = spanArray.release();
   return 0;
 }
 
+// What the ranges of a name take as structures, and in the message that is made of them. The gap
+// between two structures is no longer than a span.
+size_t memoryToPack(const RangeSet::NamedRange& range) {
+  constexpr size_t COPIES = 1 + COPIES_IN_MESSAGE;
+  const size_t each = bytesInMessage(range.name.size()) + 2 * SPAN_BYTES;
+  size_t memory = range.bounds->count() * (STRUCT_MEMORY + COPIES * each);
+  for (const std::string& text : range.bounds->strings().texts()) {
+    memory += COPIES * bytesInMessage(text.size());
+  }
+  return memory;
+}
+
 }  // namespace
 
 int getText(Transaction& transaction, const char* name, char** value) {
-  *value = newText({orEmpty(transaction.find(name))}).text;
+  const NewText text = newText({orEmpty(transaction.find(name))});
+  MemoryReserve reserve;
+  if (!reserve.grow(COPIES_IN_MESSAGE * text.length)) {
+    g_free(text.text);
+    return INTERNAL_ERROR;
+  }
+  *value = text.text;
   return 0;
 }
 
@@ -85,6 +106,7 @@ int getTexts(Transaction& transaction, uint32_t count, char** names, char*** val
     if (list.bytes() > MAX_MESSAGE_BYTES) return INTERNAL_ERROR;
     open = open.subspan(together);
   }
+  requireMessageMemory(list.bytes());
   *values = list.release();
   return 0;
 }
@@ -128,14 +150,17 @@ int resetAll(Transaction& transaction, char** names, bool status) {
 int commitAndPublish(Transaction& transaction, ValueObject* object) {
   returnSpareMemorySoon();
   std::vector<Change> changes;
+  SignalRoom room;
   int result = INTERNAL_ERROR;
   try {
-    result = commit(transaction, changes);
+    result = commit(transaction, changes, &room);
   } catch (...) {
     // Where memory is exhausted in between, what is stored is told all the same.
+    room.release();
     publish(object, changes);
     throw;
   }
+  room.release();
   publish(object, changes);
   return result;
 }
@@ -166,6 +191,9 @@ int getRanges(Transaction& transaction, char** names, GPtrArray** texts, GPtrArr
   for (; *names != nullptr; ++names) {
     if (const int result = ranges.add(*names); result != RANGE_FOUND) return result;
   }
+  size_t memory = 0;
+  for (const RangeSet::NamedRange& range : ranges.inNameOrder()) memory += memoryToPack(range);
+  requireMemory(memory);
   StructArray textArray;
   StructArray spanArray;
   for (const auto& [name, bounds] : ranges.inNameOrder()) {

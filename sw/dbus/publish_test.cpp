@@ -4,6 +4,7 @@
 
 #include "database/commit.h"
 #include "sw/dbus/reply.h"
+#include "sw/dbus/test_addresses.h"
 #include "sw/dbus/test_service.h"
 #include "sw/parm/parm_name.h"
 
@@ -89,6 +90,33 @@ TEST(Publish, LeavesOutWhatFitsIntoNoSignal) {
   changes[1].name += "b";
   publish(service.object(), changes);
   EXPECT_TRUE(service.newSignals() == (Signals{{"a=1", "c=3"}}));
+}
+
+TEST(SignalRoom, KeepsWhatTheSignalTakes) {
+  TestService service("a rw {}\n");
+  struct Case {
+    std::string value;
+    size_t changes;    // of that value
+    size_t kibibytes;  // that are kept at least
+  };
+  const Case cases[] = {
+      {"5", 100, 0},  // little is always there
+      {"5", 10000, 1000},
+      {std::string(1000, 'x'), 1000, 5000},
+      {std::string(1000, '\xff'), 1000, 15000},  // each byte becomes three
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.value.substr(0, 5));
+    store(service.database(), {{"a", c.value}});
+    const Change change = changesOf(service.database(), {"a"}).front();
+    const size_t before = addressesTaken();
+    SignalRoom room;
+    for (size_t i = 0; i < c.changes; ++i) ASSERT_TRUE(room.makeRoom(change));
+    EXPECT_GE(addressesTaken(), before + c.kibibytes * 1024);
+    EXPECT_LE(addressesTaken(), before + 3 * c.kibibytes * 1024);
+    room.release();
+    EXPECT_EQ(addressesTaken(), before);
+  }
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cstring>
+#include <new>
 #include <utility>
 
 namespace {
@@ -26,19 +27,39 @@ size_t setText(GValue& member, std::string_view text) {
   return bytesInMessage(made.length);
 }
 
+// A text as it can go out, in the place of one that cannot; a null pointer where memory is
+// exhausted.
+NewText mended(const NewText& text) {
+  // Each byte can become three, and GLib puts them together as the bus library does a message.
+  constexpr size_t COPIES = 3 * COPIES_IN_MESSAGE;
+  MemoryReserve reserve;
+  char* valid = nullptr;
+  if (reserve.grow(COPIES * text.length)) {
+    reserve.release();
+    valid = g_utf8_make_valid(text.text, static_cast<gssize>(text.length));
+  }
+  g_free(text.text);
+  return {valid, valid == nullptr ? 0 : strlen(valid)};
+}
+
 }  // namespace
 
-NewText newText(std::initializer_list<std::string_view> parts) {
+NewText tryNewText(std::initializer_list<std::string_view> parts) noexcept {
   size_t length = 0;
   for (const std::string_view part : parts) length += part.size();
-  char* const text = g_new(char, length + 1);
+  char* const text = g_try_new(char, length + 1);
+  if (text == nullptr) return {nullptr, 0};
   char* end = text;
   for (const std::string_view part : parts) end = std::copy(part.begin(), part.end(), end);
   *end = '\0';
   if (g_utf8_validate_len(text, length, nullptr) == TRUE) return {text, length};
-  char* const valid = g_utf8_make_valid(text, static_cast<gssize>(length));
-  g_free(text);
-  return {valid, strlen(valid)};
+  return mended({text, length});
+}
+
+NewText newText(std::initializer_list<std::string_view> parts) {
+  const NewText text = tryNewText(parts);
+  if (text.text == nullptr) throw std::bad_alloc();
+  return text;
 }
 
 size_t bytesInMessage(size_t length) { return aligned(NUMBER_BYTES + length + 1, NUMBER_BYTES); }

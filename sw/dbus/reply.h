@@ -7,12 +7,16 @@
 #include <string>
 #include <string_view>
 
+#include "sw/dbus/memory_reserve.h"
 #include "sw/parm/bounds.h"
 
 /// The most bytes of texts and arrays, all together, in one message. A bus whose configuration says
 /// nothing else takes messages of 32 MiB and disconnects the sender of a larger one; the rest is
 /// for what goes around them.
 constexpr size_t MAX_MESSAGE_BYTES = (size_t{32} << 20U) - 4096;
+
+/// What a span takes in a message, beside a name.
+constexpr size_t SPAN_BYTES = 8;
 
 /// What a structure takes while the binding library has it, in bytes: room for eight members.
 constexpr size_t STRUCT_MEMORY = 256;
@@ -42,13 +46,20 @@ struct NewText {
 };
 
 /// The parts of a text, put together as it goes out: what is not valid UTF-8 in it is replaced by
-/// U+FFFD, because the bus library ends the process for such a text.
+/// U+FFFD, because the bus library ends the process for such a text. A null pointer where memory is
+/// exhausted.
+NewText tryNewText(std::initializer_list<std::string_view> parts) noexcept;
+/// The same; raises std::bad_alloc where memory is exhausted.
 NewText newText(std::initializer_list<std::string_view> parts);
 
 /// How much of a message a text of `length` bytes takes, with its length and the gap to the next.
 size_t bytesInMessage(size_t length);
 
-/// An array of texts. Raises no exceptions.
+/// Raises std::bad_alloc where the bus library would not find the memory to put together a message
+/// of so many bytes.
+inline void requireMessageMemory(size_t bytes) { requireMemory(COPIES_IN_MESSAGE * bytes); }
+
+/// An array of texts. The array itself is waited for, see retried().
 class TextList {
  public:
   /// With room for `capacity` texts; `what` stands for the list in messages.
@@ -57,6 +68,7 @@ class TextList {
   TextList(const TextList&) = delete;
   TextList& operator=(const TextList&) = delete;
 
+  /// Raises std::bad_alloc where memory is exhausted.
   void add(std::string_view text) { take(newText({text})); }
   /// Adds a text made by newText, which then belongs to the list.
   void take(const NewText& text);
@@ -84,7 +96,8 @@ class TextList {
   size_t bytes_ = 0;
 };
 
-/// An array of structures of one kind.
+/// An array of structures of one kind. Adding raises std::bad_alloc where memory is exhausted for a
+/// text; for the structures, requireMemory() is asked before: GLib has no answer to less.
 class StructArray {
  public:
   StructArray() : array_(g_ptr_array_new()) {}

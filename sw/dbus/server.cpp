@@ -43,7 +43,9 @@ DBusGConnection* connectToBus() {
   const Deadline deadline(LIMIT, errorText(NO_CONNECTION, "The bus does not answer"));
   const WithoutDescriptors withoutDescriptors;
   GError* error = nullptr;
-  DBusGConnection* bus = dbus_g_bus_get(DBUS_BUS_SESSION, &error);
+  // A connection that others in the process could share would be put into a table, which the bus
+  // library does not miss where there was no memory for it.
+  DBusGConnection* bus = dbus_g_bus_get_private(DBUS_BUS_SESSION, nullptr, &error);
   if (error != nullptr) reportError(NO_CONNECTION, error->message, FATAL);
   DBusConnection* connection = dbus_g_connection_get_connection(bus);
   assert(dbus_connection_can_send_type(connection, DBUS_TYPE_UNIX_FD) == 0);

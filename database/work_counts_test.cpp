@@ -79,10 +79,11 @@ TEST_F(WorkCounts, OfQueriesFollowFromWhatTheyWalkOver) {
   Spans spans;
   EXPECT_EQ(indexRange(database_, staged, "in", texts, spans), INDEX_RANGE_FOUND);
   const uint64_t index = Work::done();
-  EXPECT_EQ(depending, 3 * 300U + 20 + 16);  // three references, two names
-  EXPECT_EQ(range,
-            depending + 2 * 601 + 31 + 81);  // evaluated in the plan and by itself; its range
-  EXPECT_EQ(index, 3 * 31 + 50U);            // what applies, one run
+  // Three references and two names; evaluated in the plan and by itself, and the range taken; what
+  // applies, and one run.
+  EXPECT_EQ(depending, 3 * uint64_t{300} + 20 + 16);
+  EXPECT_EQ(range, depending + 2 * uint64_t{601} + 31 + 81);
+  EXPECT_EQ(index, 3 * uint64_t{31} + 50);
 }
 
 TEST_F(WorkCounts, OfALineInTheLogAreOfItsBytesAndAFixedPart) {

@@ -270,8 +270,8 @@ TEST_F(CallMemoryTest, WhatIsTakenAheadHasBounds) {
     size_t growth;  // of the memory, in KiB
   };
   const BurstCase cases[] = {
-      {"many", 100000, 1, 8 * 1024},
-      {"large", 100, size_t{1} << 20U, 32 * 1024},
+      {"many", 100000, 1, size_t{8} << 10U},
+      {"large", 100, size_t{1} << 20U, size_t{32} << 10U},
   };
   for (const BurstCase& c : cases) {
     SCOPED_TRACE(c.what);
@@ -299,7 +299,8 @@ class NarrowBusTest : public PausedServiceTest {
 
 TEST_F(NarrowBusTest, NothingIsServedWhileTheBusTakesNoReplies) {
   constexpr int CALLS = 300;
-  constexpr size_t ALLOWED = (32 + 8) * 1024;  // in KiB: what may be unsent, and some messages
+  constexpr size_t ALLOWED = size_t{32 + 8}
+                             << 10U;  // in KiB: what may be unsent, and some messages
   serve("note rw { }");
   const std::string mebibyte(size_t{1} << 20U, 'x');
   const Reply set = client().call("single_set", g_variant_new("(ss)", "note", mebibyte.c_str()));

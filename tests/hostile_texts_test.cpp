@@ -511,36 +511,36 @@ TEST_F(HostileTextsTest, TheNamesOfAnIndexAreKnownToAllThatItIndexes) {
 }
 
 // A name of three letters and digits, so that many fit into a short text.
-std::string shortName(int number) {
+std::string shortName(size_t number) {
   constexpr std::string_view DIGITS = "abcdefghijklmnopqrstuvwxyz0123456789";
-  const auto base = static_cast<int>(DIGITS.size());
-  return {DIGITS[number / base / base], DIGITS[number / base % base], DIGITS[number % base]};
+  constexpr size_t BASE = DIGITS.size();
+  return {DIGITS[number / BASE / BASE], DIGITS[number / BASE % BASE], DIGITS[number % BASE]};
 }
 
 // An index that names each of `names` parameters in its condition, and `parms` that it indexes.
-std::string namesAndIndexed(int names, int parms) {
+std::string namesAndIndexed(size_t names, size_t parms) {
   std::string definitions;
   std::string sum;
-  for (int i = 0; i < names; ++i) {
+  for (size_t i = 0; i < names; ++i) {
     definitions += shortName(i) + " rw{}\n";
     sum += (i == 0 ? "" : "\n+") + shortName(i);
   }
   std::string indexed;
-  for (int i = 0; i < parms; ++i) indexed += shortName(names + i) + " rw{index{i}}\n";
+  for (size_t i = 0; i < parms; ++i) indexed += shortName(names + i) + " rw{index{i}}\n";
   return definitions + "i index{rangeValid{1}ctrlValid(9!=" + sum + ")}\n" + indexed;
 }
 
 class NamesAndIndexedTest : public ServiceTest {
  protected:
   /// The peak of a daemon that serves such a text, and in which two of the names are set, in KiB.
-  size_t peakOf(int names, int parms) {
+  size_t peakOf(size_t names, size_t parms) {
     serve(ALIVE + namesAndIndexed(names, parms));
     for (const char* call : {"single_set('aaa', '1')", "single_set('aab', '2')"}) {
       EXPECT_EQ(client().answer(call), "()");
     }
     const std::vector<std::vector<std::string>> signals = client().newSignals();
     EXPECT_EQ(signals.size(), 2U);
-    EXPECT_EQ(signals.front().size(), static_cast<size_t>(parms) + 1);
+    EXPECT_EQ(signals.front().size(), parms + 1);
     const size_t peak = memoryOf(daemon().process().pid(), "VmHWM:");
     expectOrderlyEnd();
     return peak;

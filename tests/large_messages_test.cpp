@@ -28,7 +28,7 @@ TEST_F(LargeMessagesTest, ValuesThatFitOnlyInPortionsAreAnErrorTogether) {
   EXPECT_EQ(client().newSignals().front().front().size(), 3 * MEBIBYTE + 2);
   EXPECT_EQ(client().answer("single_get('a')").size(), 3 * MEBIBYTE + 2);
   EXPECT_EQ(client().answer("single_get_bulk(10, " + names(10) + ")").size(),
-            30 * MEBIBYTE + 10 * 4);
+            30 * MEBIBYTE + 10 * size_t{4});
   const std::string tooMuch = "Get bulk failed because of internal error";
   expectFacts({{"single_get_bulk(11, " + names(11) + ")", tooMuch}, {"single_get('b')", "''"}});
 }

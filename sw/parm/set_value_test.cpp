@@ -50,9 +50,10 @@ class SetValue : public testing::Test {
   // What of the texts the parameter itself sees; each is seen by somebody.
   static Situation ownSituation(const ParmDef& parm, const Texts& texts) {
     Situation situation(parm.variables().size());
-    for (const auto& [name, text] : texts) {
+    for (const auto& entry : texts) {
+      const std::string& name = entry.first;
       const std::optional<uint32_t> slot = parm.variables().find(name);
-      if (slot) situation.bind(*slot, operandOf(text));
+      if (slot) situation.bind(*slot, operandOf(entry.second));
       EXPECT_TRUE(slot || std::any_of(parm.indices().begin(), parm.indices().end(),
                                       [&](const IndexDef* index) {
                                         return index->variables().find(name).has_value();

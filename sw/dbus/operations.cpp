@@ -191,12 +191,13 @@ int getRanges(Transaction& transaction, char** names, GPtrArray** texts, GPtrArr
   for (; *names != nullptr; ++names) {
     if (const int result = ranges.add(*names); result != RANGE_FOUND) return result;
   }
+  const std::vector<RangeSet::NamedRange>& inOrder = ranges.inNameOrder();
   size_t memory = 0;
-  for (const RangeSet::NamedRange& range : ranges.inNameOrder()) memory += memoryToPack(range);
+  for (const RangeSet::NamedRange& range : inOrder) memory += memoryToPack(range);
   requireMemory(memory);
   StructArray textArray;
   StructArray spanArray;
-  for (const auto& [name, bounds] : ranges.inNameOrder()) {
+  for (const auto& [name, bounds] : inOrder) {
     for (const std::string& text : bounds->strings().texts()) textArray.addText(name, text);
     for (const Span& span : bounds->integers().spans()) spanArray.addSpan(name, span);
     if (textArray.bytes() + spanArray.bytes() > MAX_MESSAGE_BYTES) return INTERNAL_ERROR;

@@ -1,11 +1,6 @@
 // Exhausted memory at the start: the daemon says so and ends with status 1, or serves.
-#include <fcntl.h>
-#include <sys/mman.h>
-#include <unistd.h>
-
-#include "tests/harness/allocation_failure.h"
+#include "tests/harness/failure_plan.h"
 #include "tests/harness/service_test.h"
-#include "tests/harness/temp_dir.h"
 
 namespace {
 
@@ -32,30 +27,21 @@ const std::vector<std::string> ARGUMENTS = {"--debug", "--bus=with_a_long_suffix
 class ExhaustedStartTest : public testing::TestWithParam<long> {
  protected:
   void SetUp() override {
-    const int file = open(file_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    ASSERT_EQ(ftruncate(file, sizeof(AllocationFailure)), 0);
-    void* memory =
-        mmap(nullptr, sizeof(AllocationFailure), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
-    close(file);
-    ASSERT_NE(memory, MAP_FAILED);
-    plan_ = static_cast<AllocationFailure*>(memory);
     client_.setTarget("org.tavrel.transaction.with_a_long_suffix",
                       "/transaction/with_a_long_suffix_too");
   }
-  void TearDown() override { munmap(plan_, sizeof(AllocationFailure)); }
 
   // Starts the daemon on `text`; after so many allocations, others fail. Returns whether it got
   // that far: a daemon that serves all the same has done without.
   bool isMetAfter(long successes, const std::string& text) {
-    plan_->successes = successes;
-    plan_->failures = GetParam();
+    plan_.begin(successes, GetParam());
     Daemon daemon({.text = text,
                    .arguments = ARGUMENTS,
                    .busAddress = bus_.address(),
-                   .environment = {{"ALLOCATION_FAILURE_FILE", file_}},
+                   .environment = {{"ALLOCATION_FAILURE_FILE", plan_.file()}},
                    .preload = ALLOCATION_FAILURE_LIBRARY});
     const bool serves = client_.waitForService(daemon.process()) && isAnswered("start()");
-    const bool isMet = plan_->failures.exchange(0) < GetParam();
+    const bool isMet = plan_.end();
     if (serves) {
       EXPECT_EQ(client_.answer("die()"), "()");
     }
@@ -69,10 +55,9 @@ class ExhaustedStartTest : public testing::TestWithParam<long> {
 
   // What the daemon writes to standard error that refuses `text`.
   std::string errorsAfter(long successes, const std::string& text) {
-    plan_->successes = successes;
-    plan_->failures = GetParam();
+    plan_.begin(successes, GetParam());
     Daemon daemon({.text = text,
-                   .environment = {{"ALLOCATION_FAILURE_FILE", file_}},
+                   .environment = {{"ALLOCATION_FAILURE_FILE", plan_.file()}},
                    .preload = ALLOCATION_FAILURE_LIBRARY});
     const Ending ending = daemon.waitForEnd();
     EXPECT_EQ(ending.status, 1);
@@ -86,9 +71,7 @@ class ExhaustedStartTest : public testing::TestWithParam<long> {
   }
 
   int ends_ = 0;
-  TempDir directory_;
-  std::string file_ = directory_.path() + "/plan";
-  AllocationFailure* plan_ = nullptr;
+  FailurePlan plan_;
   PrivateBus bus_;
   Client client_{bus_.address()};
 };

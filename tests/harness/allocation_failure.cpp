@@ -3,25 +3,11 @@
 #include "tests/harness/allocation_failure.h"
 
 #include <dlfcn.h>
-#include <fcntl.h>
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <new>
 
 namespace {
-
-AllocationFailure* openPlan() {
-  const char* file = getenv("ALLOCATION_FAILURE_FILE");
-  const int descriptor = file == nullptr ? -1 : open(file, O_RDWR | O_CLOEXEC);
-  if (descriptor < 0) abort();
-  void* memory =
-      mmap(nullptr, sizeof(AllocationFailure), PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
-  if (memory == MAP_FAILED) abort();
-  close(descriptor);
-  return static_cast<AllocationFailure*>(memory);
-}
 
 using Main = int (*)(int, char**, char**);
 

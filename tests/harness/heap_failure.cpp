@@ -2,9 +2,6 @@
 // for them: the daemon, GLib, the bus library, the C library. The plan is in the file that
 // ALLOCATION_FAILURE_FILE names and both have mapped.
 #include <dlfcn.h>
-#include <fcntl.h>
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
@@ -25,17 +22,6 @@ using Main = int (*)(int, char**, char**);
 
 Main programMain = nullptr;
 AllocationFailure* plan = nullptr;  // null until main()
-
-AllocationFailure* openPlan() {
-  const char* file = getenv("ALLOCATION_FAILURE_FILE");
-  const int descriptor = file == nullptr ? -1 : open(file, O_RDWR | O_CLOEXEC);
-  if (descriptor < 0) abort();
-  void* memory =
-      mmap(nullptr, sizeof(AllocationFailure), PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
-  if (memory == MAP_FAILED) abort();
-  close(descriptor);
-  return static_cast<AllocationFailure*>(memory);
-}
 
 int countedMain(int argc, char** argv, char** environment) {
   plan = openPlan();

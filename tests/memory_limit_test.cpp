@@ -1,6 +1,7 @@
 // A limit of memory, as by ulimit -v: wherever it is, a call gets its answer or an error, and the
 // service goes on.
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <map>
 
@@ -26,11 +27,11 @@ class MemoryLimitTest : public ServiceTest {
   }
 
   // The daemon gets no more than `bytes` beyond what it has.
-  void limitTo(size_t bytes) {
-    const size_t size = memoryOf(daemon().process().pid(), "VmSize:") * 1024;
-    setLimit(size + bytes);
+  void limitTo(size_t bytes) { limitTo(daemon(), bytes); }
+  static void limitTo(Daemon& daemon, size_t bytes) {
+    setLimit(daemon, memoryOf(daemon.process().pid(), "VmSize:") * 1024 + bytes);
   }
-  void liftLimit() { setLimit(RLIM_INFINITY); }
+  void liftLimit() { setLimit(daemon(), RLIM_INFINITY); }
 
   // What the call answers with no more than `bytes` beyond what the daemon has.
   std::string answerWithin(size_t bytes, const std::string& call) {
@@ -54,9 +55,9 @@ class MemoryLimitTest : public ServiceTest {
   }
 
  private:
-  void setLimit(rlim_t bytes) {
+  static void setLimit(Daemon& daemon, rlim_t bytes) {
     const rlimit limit = {bytes, RLIM_INFINITY};
-    ASSERT_EQ(prlimit(daemon().process().pid(), RLIMIT_AS, &limit, nullptr), 0);
+    ASSERT_EQ(prlimit(daemon.process().pid(), RLIMIT_AS, &limit, nullptr), 0);
   }
 
   std::map<std::string, std::string> told_;
@@ -161,6 +162,59 @@ TEST_F(MemoryLimitTest, LeavesRoomForAnswersWhereTransactionsTakeAll) {
     EXPECT_EQ(client().answer("single_set('b', '1')"), "()");
     expectOrderlyEnd();
   }
+}
+
+std::string listOfRanges() {
+  std::string list = "0";
+  for (int i = 2; i < 1000; i += 2) list += ",\n" + std::to_string(i);
+  return list;
+}
+
+constexpr const char* LAST_WORDS =
+    "Transaction server: ERROR: Out of memory (the service cannot go on)\n";
+
+// A call for which the bus library finds no memory keeps all others waiting, as it is not read.
+TEST_F(MemoryLimitTest, WaitsForRoomForACall) {
+  serve("note rw { }\n");
+  ASSERT_EQ(client().answer("start()"), "0");
+  limitTo(MEBIBYTE);
+  client().send("set(0, 'note', '" + std::string(8 * MEBIBYTE, 'v') + "')");
+  client().send("single_set('note', '1')");
+  usleep(500000);
+  liftLimit();
+  EXPECT_EQ(client().collectAnswers(),
+            (std::vector<std::string>{"Set failed because parameter value is invalid", "()"}));
+  EXPECT_EQ(client().answer("single_get('note')"), "'1'");
+}
+
+// What has come before it is served, which may give the memory back.
+TEST_F(MemoryLimitTest, ServesWhatWaitsWhereACallFindsNoRoom) {
+  constexpr int COUNT_BEFORE = 500;
+  serve("note rw { }\nwide rw { rangeValid { " + listOfRanges() + " } }\n");
+  ASSERT_EQ(client().answer("start()"), "0");
+  Client before(bus().address());
+  limitTo(MEBIBYTE);
+  for (int i = 0; i < COUNT_BEFORE; ++i) before.send("get_range(0, 'wide')");
+  client().send("set(0, 'note', '" + std::string(8 * MEBIBYTE, 'v') + "')");
+  EXPECT_EQ(before.collectAnswers().size(), COUNT_BEFORE);
+  liftLimit();
+  EXPECT_EQ(client().collectAnswers().size(), 1);
+}
+
+TEST_F(MemoryLimitTest, EndsWhereACallFindsNoRoomForTenSeconds) {
+  Daemon daemon(
+      {.text = "note rw { }\n", .busAddress = bus().address(), .preload = FAST_CLOCK_LIBRARY});
+  ASSERT_TRUE(client().waitForService(daemon.process()));
+  ASSERT_EQ(client().answer("start()"), "0");
+  limitTo(daemon, MEBIBYTE);
+  const std::string value(8 * MEBIBYTE, 'v');
+  EXPECT_TRUE(client().answer("set(0, 'note', '" + value + "')").find("NoReply") !=
+              std::string::npos);
+  const Ending ending = daemon.waitForEnd();
+  EXPECT_EQ(ending.status, 1);
+  EXPECT_EQ(ending.err, LAST_WORDS);
+  EXPECT_EQ(daemon.newLogLines(),
+            (std::vector<std::string>{"service: ERROR: out of memory, ended"}));
 }
 
 }  // namespace

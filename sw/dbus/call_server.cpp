@@ -1,12 +1,17 @@
 #include "sw/dbus/call_server.h"
 
 #include <exception>
+#include <new>
 #include <string_view>
 #include <utility>
 
+#include "sw/dbus/bus_memory.h"
 #include "sw/dbus/exported_object.h"
 
 namespace {
+
+// How long the main loop waits at most while the bus library is short of memory, in milliseconds.
+constexpr gint SHORT_OF_MEMORY_STEP = 100;
 
 constexpr const char* DEPARTURES =
     "type='signal',sender='" DBUS_SERVICE_DBUS "',interface='" DBUS_INTERFACE_DBUS
@@ -52,6 +57,21 @@ void refuse(DBusConnection* connection, DBusMessage* call) {
   dbus_message_unref(error);
 }
 
+void require(dbus_bool_t hasMemory) {
+  if (hasMemory == 0) throw std::bad_alloc();
+}
+
+// As dbus_bus_add_match() does where no error is asked for, which waits for no answer either; but
+// that says nothing where it finds no memory, and clients that leave would never be noticed.
+void addMatch(DBusConnection* connection, const char* rule) {
+  const MessagePointer call(dbus_message_new_method_call(DBUS_SERVICE_DBUS, DBUS_PATH_DBUS,
+                                                         DBUS_INTERFACE_DBUS, "AddMatch"));
+  require(call != nullptr ? 1 : 0);
+  dbus_message_set_no_reply(call.get(), TRUE);
+  require(dbus_message_append_args(call.get(), DBUS_TYPE_STRING, &rule, DBUS_TYPE_INVALID));
+  require(dbus_connection_send(connection, call.get(), nullptr));
+}
+
 }  // namespace
 
 struct CallServer::Source {
@@ -63,11 +83,14 @@ struct CallServer::Source {
 
 GSource* CallServer::addSource(int priority, bool (CallServer::*isReady)() const,
                                void (CallServer::*act)()) {
-  // What makes a source ready happens in other sources, never while the loop waits.
+  // What makes a source ready happens in other sources, never while the loop waits; but that there
+  // is memory for a message again is seen only when it is asked.
   static GSourceFuncs functions = {
-      [](GSource* source, gint* /*timeout*/) -> gboolean {
+      [](GSource* source, gint* timeout) -> gboolean {
         const auto* self = reinterpret_cast<Source*>(source);
-        return (self->server->*self->isReady)() ? TRUE : FALSE;
+        const bool acts = (self->server->*self->isReady)();
+        if (isBusShortOfMemory()) *timeout = SHORT_OF_MEMORY_STEP;
+        return acts ? TRUE : FALSE;
       },
       nullptr,
       [](GSource* source, GSourceFunc /*callback*/, gpointer /*data*/) -> gboolean {
@@ -93,12 +116,12 @@ GSource* CallServer::addSource(int priority, bool (CallServer::*isReady)() const
 CallServer::CallServer(DBusConnection* connection, ServiceState& state)
     : connection_(connection),
       state_(state),
-      takeSource_(addSource(G_PRIORITY_HIGH, &CallServer::hasMessage, &CallServer::takeMessages)),
+      takeSource_(addSource(G_PRIORITY_HIGH, &CallServer::mayTake, &CallServer::takeOrFree)),
       serveSource_(
           addSource(G_PRIORITY_DEFAULT + 1, &CallServer::hasCall, &CallServer::serveBatch)) {
   dbus_connection_set_max_received_size(connection, MAX_TAKEN_BYTES);
-  dbus_connection_add_filter(connection, filter, this, nullptr);
-  dbus_bus_add_match(connection, DEPARTURES, nullptr);
+  require(dbus_connection_add_filter(connection, filter, this, nullptr));
+  addMatch(connection, DEPARTURES);
 }
 
 CallServer::~CallServer() {
@@ -111,6 +134,7 @@ CallServer::~CallServer() {
 
 DBusHandlerResult CallServer::filter(DBusConnection* /*connection*/, DBusMessage* message,
                                      void* self) {
+  noteMessage();
   if (dbus_message_get_type(message) == DBUS_MESSAGE_TYPE_SIGNAL) {
     static_cast<CallServer*>(self)->note(message);
   }
@@ -141,6 +165,15 @@ void CallServer::takeMessages() {
   while (dbus_connection_dispatch(connection_) == DBUS_DISPATCH_DATA_REMAINS &&
          queue_.count() < MAX_TAKEN && !last_) {
   }
+}
+
+// What waits holds memory, and for as long as the bus library tries to read, nothing would be
+// served.
+bool CallServer::mustFreeMemory() const { return isBusShortOfMemory() && hasCall(); }
+
+void CallServer::takeOrFree() {
+  takeMessages();
+  if (mustFreeMemory()) serveNext();
 }
 
 DBusHandlerResult CallServer::take(DBusMessage* call) noexcept {

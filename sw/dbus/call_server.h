@@ -49,10 +49,13 @@ class CallServer {
   static DBusHandlerResult filter(DBusConnection* connection, DBusMessage* message, void* self);
 
   [[nodiscard]] bool hasMessage() const;
+  [[nodiscard]] bool mustFreeMemory() const;
+  [[nodiscard]] bool mayTake() const { return hasMessage() || mustFreeMemory(); }
   [[nodiscard]] bool mayServe() const;
   [[nodiscard]] bool hasCall() const { return !queue_.empty() && mayServe(); }
   void note(DBusMessage* signal) noexcept;
   void takeMessages();
+  void takeOrFree();
   void serveBatch();
   void serveNext();
   DBusHandlerResult serve(DBusMessage* call, uint64_t number, std::string_view caller);

@@ -19,17 +19,6 @@ namespace {
 // There is no memory for it when it is needed.
 const std::string LOG_LINE = "service: ERROR: out of memory, ended";
 
-[[noreturn]] void end() {
-  // A failure on the way must not lead here again.
-  static bool isEnding = false;
-  if (!isEnding) {
-    isEnding = true;
-    dprintf(STDERR_FILENO, "%s", LAST_WORDS);
-    logError(LOG_LINE);
-  }
-  _exit(1);
-}
-
 // Errors are those of GLib ("failed to allocate 24 bytes") and of the binding library ("Out of
 // memory", "dbus_connection_send failed: out of memory?"). The others are what becomes of a message
 // that could not be put together: the binding library drops it and goes on. Nobody would learn of a
@@ -47,11 +36,22 @@ bool isOfMemory(GLogLevelFlags level, const char* message) {
 }
 
 void handleMessage(const char* domain, GLogLevelFlags level, const char* message, gpointer data) {
-  if (isOfMemory(level, message)) end();
+  if (isOfMemory(level, message)) endWithLastWords();
   g_log_default_handler(domain, level, message, data);
 }
 
 }  // namespace
+
+void endWithLastWords() {
+  // A failure on the way must not lead here again.
+  static bool isEnding = false;
+  if (!isEnding) {
+    isEnding = true;
+    dprintf(STDERR_FILENO, "%s", LAST_WORDS);
+    logError(LOG_LINE);
+  }
+  _exit(1);
+}
 
 // In the place of the C library's own: with it GLib makes the text of each message, also of the one
 // that a text could not be made, and so on until the stack has no room.
@@ -64,7 +64,7 @@ extern "C" int __vasprintf_chk(char** ptr, int /*flag*/, const char* fmt, va_lis
   if (*ptr != nullptr) {
     vsnprintf(*ptr, static_cast<size_t>(length) + 1, fmt, again);
   } else if (length >= 0) {
-    end();
+    endWithLastWords();
   }
   va_end(again);
   return length;
@@ -73,7 +73,7 @@ extern "C" int __vasprintf_chk(char** ptr, int /*flag*/, const char* fmt, va_lis
 // In the place of the C library's own, for the libraries: where GLib has no memory for a lock or
 // for its pools of small pieces, it says so and comes here. Our own assertions end as ever.
 extern "C" void abort() noexcept {
-  if (errno == ENOMEM) end();
+  if (errno == ENOMEM) endWithLastWords();
   raise(SIGABRT);
   _exit(1);
 }

@@ -10,3 +10,6 @@ void endInOrderWithoutMemory();
 /// What is said then.
 constexpr const char* LAST_WORDS =
     "Transaction server: ERROR: Out of memory (the service cannot go on)\n";
+
+/// Says them and ends the process, without asking for memory.
+[[noreturn]] void endWithLastWords();

@@ -413,6 +413,7 @@ def arguments():
     parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="processes at once")
     parser.add_argument("--threshold", type=float, default=97, help="the share to be killed, in percent")
     parser.add_argument("--survivors", action="store_true", help="only those that survived the last run")
+    parser.add_argument("--resume", action="store_true", help="go on with the last run, which was stopped")
     parser.add_argument("--unit", action="store_true",
                         help="only the tests beside the sources, and only mutants that these reach")
     parser.add_argument("--list", action="store_true", help="list the mutants and try none")
@@ -457,9 +458,7 @@ def main():
         for mutant in chosen:
             print(row(mutant))
         return 0
-    verdicts = try_all(chosen, tests, options)
-    save("verdicts.pickle", {mutant.key(): killer for mutant, killer in verdicts})
-    return report(verdicts, options)
+    return report(try_all(chosen, tests, options), options)
 
 
 def choose(mutants, options):
@@ -480,16 +479,25 @@ def try_all(chosen, tests, options):
     global TESTS
     TESTS = tests
     end = time.monotonic() + 60 * options.minutes if options.minutes else None
-    verdicts = []
+    known = load("verdicts.pickle", {}) if options.resume else {}
+    verdicts = [(mutant, known[mutant.key()]) for mutant in chosen if mutant.key() in known]
+    print(f"{len(chosen)} to be tried, {len(verdicts)} of them were already", flush=True)
     with multiprocessing.Pool(options.jobs, initializer=become_reaper) as pool:
-        for mutant, killer in pool.imap_unordered(try_mutant, chosen):
+        for mutant, killer in pool.imap_unordered(try_mutant, [m for m in chosen if m.key() not in known]):
             verdicts.append((mutant, killer))
             if killer is None:
                 print("survives: " + row(mutant), flush=True)
+            if len(verdicts) % 20 == 0:
+                save_verdicts(verdicts)
             if end and time.monotonic() > end:
                 pool.terminate()
                 break
+    save_verdicts(verdicts)
     return verdicts
+
+
+def save_verdicts(verdicts):
+    save("verdicts.pickle", {mutant.key(): killer for mutant, killer in verdicts})
 
 
 def row(mutant):

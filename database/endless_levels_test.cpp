@@ -7,26 +7,20 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <random>
 
 #include "database/commit.h"
 #include "database/index_query.h"
 #include "database/index_values.h"
 #include "database/range_query.h"
-#include "database/test_database.h"
+#include "database/test_random_texts.h"
 #include "database/transaction.h"
 #include "deflang/system_log.h"
 #include "sw/parm/parm_name.h"
 
 namespace {
 
-using Texts = std::vector<std::string>;
-
 // In seconds, for one test under sanitizers on a busy machine.
 constexpr unsigned PATIENCE = 60;
-
-// Numbers on both sides of the ranges' ends, and texts.
-const Texts VALUES = {"", "0", "1", "2", "5", "9", "10", "-1", "2147483647", "a", "b", "abc"};
 
 class EndlessLevelsTest : public testing::Test {
  protected:
@@ -40,18 +34,9 @@ class EndlessLevelsTest : public testing::Test {
 // A device whose definitions may be anything, with everything that a client can do to it.
 class Device {
  public:
-  /// Returns what building says; only after 0 the device can be used.
+  /// As defineOrRefuse(): only after 0 the device can be used.
   int build(std::string_view text) {
-    DefinitionParser parser;
-    DefinitionText definitions;
-    for (uint32_t number = 1; !text.empty(); ++number) {
-      const std::string_view line = text.substr(0, text.find('\n') + 1);
-      EXPECT_EQ(acceptLine(parser, definitions, line, number), 0) << line;
-      text.remove_prefix(line.size());
-    }
-    DiagnosticCollector diagnostics;
-    const int result =
-        buildDefinitions(diagnostics, definitions.records, definitions.lines, false, database_);
+    const int result = defineOrRefuse(database_, text);
     collectInstances();
     return result;
   }
@@ -259,136 +244,15 @@ TEST_F(EndlessLevelsTest, APairThatPullsUpRisesOneStepWithEachCommit) {
   EXPECT_EQ(device.commitAll(), (Texts{"a=2", "b=3"}));
 }
 
-// Makes definition texts that a parser takes, of names that refer to one another at random.
-class Generator {
- public:
-  explicit Generator(uint32_t seed) : random_(seed) {}
-
-  size_t below(size_t end) { return random_() % end; }
-  std::string oneOf(const Texts& texts) { return texts[below(texts.size())]; }
-
-  std::string text() {
-    for (Texts& indices : indices_) {
-      indices = INDEX_LISTS[below(std::size(INDEX_LISTS))];
-    }
-    own_.clear();
-    std::string text = "i index { rangeValid { 0..1 } ";
-    for (size_t count = below(4); count > 0; --count) text += indexStatement();
-    text += "}\nj index { rangeValid { 0, \"a\" } }\n";
-    for (const char name : NAMES) text += name + parameter(name);
-    return text;
-  }
-
- private:
-  std::string parameter(char name) {
-    const std::string access = oneOf({"rw", "rw", "rw", "ro", "wo", "rostrict"});
-    own_ = indicesOf(name);
-    std::string text = " " + access + " { " + indexList();
-    for (size_t count = below(4); count > 0; --count) {
-      text += statement();
-      // The others say by themselves when they are read-only.
-      if (access == "rw" && below(4) == 0) text += "ctrlRO ( " + expression() + " ) ";
-    }
-    return text + "}\n";
-  }
-
-  [[nodiscard]] const Texts& indicesOf(char name) const { return indices_[NAMES.find(name)]; }
-
-  [[nodiscard]] std::string indexList() const {
-    std::string list;
-    for (const std::string& index : own_) list += (list.empty() ? "" : ", ") + index;
-    return list.empty() ? "" : "index { " + list + " } ";
-  }
-
-  // Without index values a name stands for the instance with those of the definition that it is in,
-  // which must have them.
-  std::string reference(char name) {
-    const Texts& indices = indicesOf(name);
-    std::string text(1, name);
-    const bool hasAll = std::includes(own_.begin(), own_.end(), indices.begin(), indices.end());
-    if (hasAll && below(2) == 0) return text;
-    for (const std::string& index : indices) {
-      text += "[" + oneOf(index == "i" ? Texts{"0", "1"} : Texts{"0", "a"}) + "]";
-    }
-    return text;
-  }
-
-  std::string operand() {
-    if (below(2) == 0) return reference(NAMES[below(NAMES.size())]);
-    if (!own_.empty() && below(4) == 0) return oneOf(own_);
-    return oneOf({"sw::this", "0", "1", "2", "5", "9", "\"a\""});
-  }
-
-  std::string expression() {
-    std::string text = operand();
-    for (size_t count = below(3); count > 0; --count) {
-      text += oneOf({" + ", " - ", " * ", " / ", " == ", " != ", " < ", " >= ", " && ", " || "}) +
-              operand();
-    }
-    return text;
-  }
-
-  std::string item() {
-    switch (below(5)) {
-      case 0:
-        return "\"" + oneOf(VALUES) + "\"";
-      case 1:
-        return std::to_string(below(5)) + ".." + std::to_string(5 + below(5));
-      case 2:
-        return "(" + expression() + ")";
-      default:
-        return "(" + expression() + ")..(" + expression() + ")";
-    }
-  }
-
-  std::string condition() { return below(2) == 0 ? " " : " ( " + expression() + " ) "; }
-
-  std::string rangeStatement(const std::string& keyword) {
-    std::string text = keyword + condition() + "{ " + item();
-    for (size_t count = below(2); count > 0; --count) text += ", " + item();
-    return text + " } ";
-  }
-
-  std::string indexStatement() {
-    switch (below(4)) {
-      case 0:
-        return "ctrlValid ( " + expression() + " ) ";
-      case 1:
-        return "valueChange { " + std::to_string(below(3)) + " -> " + std::to_string(below(3)) +
-               " } ";
-      default:
-        return rangeStatement("rangeValid");
-    }
-  }
-
-  std::string statement() {
-    switch (below(5)) {
-      case 0:
-        return rangeStatement("rangeDoc");
-      case 1:
-        return "default" + condition() + "{ (" + expression() + ") } ";
-      default:
-        return indexStatement();
-    }
-  }
-
-  static constexpr std::string_view NAMES = "abcd";
-  inline static const Texts INDEX_LISTS[] = {{}, {}, {"i"}, {"j"}, {"i", "j"}};
-
-  std::mt19937 random_;
-  Texts indices_[NAMES.size()];  // of each name
-  Texts own_;                    // of the definition that is made
-};
-
 // Some commits of some values, with all ranges asked before each.
-void trySomething(Device& device, Generator& generator) {
+void trySomething(Device& device, RandomTexts& random) {
   for (int commits = 0; commits < 6; ++commits) {
-    for (size_t sets = 1 + generator.below(3); sets > 0; --sets) {
-      const std::string name = generator.oneOf(device.instances());
-      if (generator.below(5) == 0) {
+    for (size_t sets = 1 + random.below(3); sets > 0; --sets) {
+      const std::string name = random.oneOf(device.instances());
+      if (random.below(5) == 0) {
         device.reset(name);
       } else {
-        device.set(name, generator.oneOf(VALUES), generator.below(2) == 0);
+        device.set(name, random.oneOf(VALUES), random.below(2) == 0);
       }
     }
     device.queryAll();
@@ -402,14 +266,14 @@ TEST_F(EndlessLevelsTest, NoRandomDefinitionIsWalkedAgain) {
   // Many have a cycle of dependences, which is said there.
   testing::internal::CaptureStderr();
   for (uint32_t seed = 0; seed < DEFINITIONS; ++seed) {
-    Generator generator(seed);
-    const std::string text = generator.text();
+    RandomTexts random(seed);
+    const std::string text = random.text();
     SCOPED_TRACE(text);
     Device device;
     if (device.build(text) != 0) continue;
     ++tried;
     EXPECT_FALSE(device.hasRules());
-    trySomething(device, generator);
+    trySomething(device, random);
   }
   static_cast<void>(testing::internal::GetCapturedStderr());
   RecordProperty("definitions", std::to_string(tried));

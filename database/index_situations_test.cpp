@@ -2,8 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
+#include "database/evaluation.h"
 #include "database/gather.h"
-#include "database/test_database.h"
+#include "database/index_values.h"
+#include "database/test_random_texts.h"
+#include "deflang/system_log.h"
 
 namespace {
 
@@ -85,6 +90,89 @@ TEST_F(IndexSituationsTest, DependOnTheParametersThatAnIndexInUseNames) {
   for (const char* name : {"p", "r", "alone"}) {
     EXPECT_FALSE(parm(name).isNamedByIndices) << name;
   }
+}
+
+// A transaction in a random device, in which values change one after the other as in a commit.
+class RandomWalk {
+ public:
+  explicit RandomWalk(uint32_t seed) : random_(seed), text_(random_.text()) {}
+
+  [[nodiscard]] const std::string& text() const { return text_; }
+  /// Whether the device can be used.
+  bool begin() {
+    if (defineOrRefuse(database_, text_) != 0) return false;
+    for (ParmEntry* parm : database_.parmsInNameOrder()) {
+      forEachInstance(database_, parm->parm, [&](const IndexTuple& indices) {
+        entries_.push_back(&staged_.stage(*parm, indices, true));
+      });
+    }
+    return !entries_.empty();
+  }
+
+  /// Changes a value as a client does, or evaluates one.
+  void step() {
+    StagedEntry& entry = *entries_[random_.below(entries_.size())];
+    if (random_.below(3) == 0) {
+      situations_.forget(*entry.parm);
+      entry.value.set(random_.oneOf(VALUES));
+    } else {
+      static_cast<void>(evaluate(entry, situations_, random_.below(2) == 0));
+    }
+  }
+
+  /// What every index of every instance is.
+  Texts seen(IndexSituations& situations) {
+    Texts texts;
+    for (const StagedEntry* entry : entries_) {
+      ParmEntry& parm = *entry->parm;
+      Situation own = gather(parm, entry->indices, staged_);
+      for (size_t i = 0; i < entry->indices.size(); ++i) {
+        PresentIndex& index = situations.at(parm, entry->indices, i, own);
+        std::string text = fullName(*entry) + " " + index.name() + (index.isValid() ? ":" : "?");
+        for (const char* value : {"0", "1", "2", "a"}) text += index.takes(value) ? "+" : "-";
+        texts.push_back(text);
+        parm.parm.bindIndex(own, i, entry->indices[i]);
+      }
+    }
+    return texts;
+  }
+  Texts remembered() { return seen(situations_); }
+  Texts asked() {
+    IndexSituations fresh(staged_);
+    return seen(fresh);
+  }
+
+ private:
+  RandomTexts random_;
+  std::string text_;
+  Database database_;
+  StagedValues staged_;
+  IndexSituations situations_{staged_};
+  std::vector<StagedEntry*> entries_;
+};
+
+TEST(IndexSituations, AreThoseThatAskingAnewWouldGive) {
+  constexpr uint32_t TEXTS = 6000;
+  constexpr int STEPS = 30;
+  const LogRedirection unseen([](const std::string& /*line*/) {});
+  testing::internal::CaptureStderr();  // a cycle is said there
+  int changes = 0;
+  for (uint32_t seed = 0; seed < TEXTS; ++seed) {
+    RandomWalk walk(seed);
+    SCOPED_TRACE(walk.text());
+    if (!walk.begin()) continue;
+    Texts before = walk.remembered();
+    for (int i = 0; i < STEPS; ++i) {
+      walk.step();
+      Texts now = walk.remembered();
+      ASSERT_EQ(now, walk.asked());
+      changes += now != before ? 1 : 0;
+      before = std::move(now);
+    }
+  }
+  static_cast<void>(testing::internal::GetCapturedStderr());
+  RecordProperty("changes", changes);
+  EXPECT_GT(changes, 200);
 }
 
 }  // namespace

@@ -75,6 +75,32 @@ TEST_P(ExhaustedHeapTest, IsAnAnswerAnErrorOrAnEndWithLastWords) {
   }
 }
 
+TEST_P(ExhaustedHeapTest, StartsATransactionOrSaysWhyNot) {
+  bool isMet = true;
+  for (long successes = 0; isMet; successes += GetParam().step) {
+    SCOPED_TRACE(successes);
+    const std::string id = answerAfter(successes, GetParam().failures, "start()", isMet);
+    if (goesOn(id) && id != "Start failed because of an \"out of memory\" condition") {
+      EXPECT_EQ(client().answer("end(" + id + ")"), "()");
+    }
+    ASSERT_FALSE(HasFailure());
+  }
+}
+
+TEST_P(ExhaustedHeapTest, EndsByDieInAnyCase) {
+  bool isMet = true;
+  for (long successes = 0; isMet; successes += GetParam().step) {
+    SCOPED_TRACE(successes);
+    const std::string answer = answerAfter(successes, GetParam().failures, "die()", isMet);
+    const Ending ending = daemon().waitForEnd();
+    EXPECT_EQ(ending.status, 1);
+    EXPECT_TRUE(ending.err.ends_with(LAST_WORDS) || (ending.err.empty() && answer == "()"))
+        << answer << ending.err;
+    startDaemon();
+    ASSERT_FALSE(HasFailure());
+  }
+}
+
 // A single allocation, or all until the process has ended: what is waited for is there in the end.
 INSTANTIATE_TEST_SUITE_P(ForSoManyAllocations, ExhaustedHeapTest,
                          testing::Values(Failures{1, 1}, Failures{50, 3}));

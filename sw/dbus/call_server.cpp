@@ -7,6 +7,7 @@
 
 #include "sw/dbus/bus_memory.h"
 #include "sw/dbus/exported_object.h"
+#include "sw/dbus/reply.h"
 
 namespace {
 
@@ -46,15 +47,19 @@ std::string_view senderOf(DBusMessage* message) {
 
 // As the bus library answers what no handler takes.
 void refuse(DBusConnection* connection, DBusMessage* call) {
+  constexpr const char* ERROR = "error";  // what messages call it
   const char* interface = dbus_message_get_interface(call);
-  DBusMessage* error = dbus_message_new_error_printf(
-      call, DBUS_ERROR_UNKNOWN_METHOD,
-      "Method \"%s\" with signature \"%s\" on interface \"%s\" doesn't exist\n",
-      dbus_message_get_member(call), dbus_message_get_signature(call),
-      interface == nullptr ? "(null)" : interface);
-  if (error == nullptr) return;
-  dbus_connection_send(connection, error, nullptr);
-  dbus_message_unref(error);
+  const MessagePointer error(retried(ERROR, [&] {
+    return dbus_message_new_error_printf(
+        call, DBUS_ERROR_UNKNOWN_METHOD,
+        "Method \"%s\" with signature \"%s\" on interface \"%s\" doesn't exist\n",
+        dbus_message_get_member(call), dbus_message_get_signature(call),
+        interface == nullptr ? "(null)" : interface);
+  }));
+  retried(ERROR, [&] {
+    const bool isSent = dbus_connection_send(connection, error.get(), nullptr) != 0;
+    return isSent ? error.get() : nullptr;
+  });
 }
 
 void require(dbus_bool_t hasMemory) {

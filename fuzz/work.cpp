@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <ctime>
 #include <functional>
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
@@ -39,7 +40,8 @@ constexpr size_t STEPS_PER_DOUBLING = 8;
 constexpr size_t PLACES = 64 * STEPS_PER_DOUBLING;
 [[gnu::used, gnu::section("__libfuzzer_extra_counters")]] uint8_t reachedPlaces[PLACES];
 
-double record = 0;
+// The most units for a byte, of each kind of request.
+std::map<std::string_view, double> records;
 
 // The instrumented program is slower than what is counted, and the machine has other things to do.
 constexpr double MAX_NANOSECONDS_PER_UNIT = 400;
@@ -53,6 +55,7 @@ double processorTime() {
 
 // A request to a device: its bytes, and what becomes of it.
 struct Request {
+  std::string_view kind;
   std::string what;
   size_t bytes;
   std::function<void()> make;
@@ -66,10 +69,11 @@ void note(const Request& request, size_t sentBytes) {
   if (!(perByte >= 1)) return;
   const auto place = static_cast<size_t>(std::log2(perByte) * STEPS_PER_DOUBLING);
   reachedPlaces[std::min(place, PLACES - 1)] = 1;
+  double& record = records[request.kind];
   if (perByte <= record) return;
   record = perByte;
-  fprintf(stderr, "RECORD %.0f units a byte: %s, %.0f units for %zu bytes\n", perByte,
-          request.what.c_str(), units, sentBytes);
+  fprintf(stderr, "RECORD %s: %.0f units a byte, %.0f units for %zu bytes (%s)\n",
+          std::string(request.kind).c_str(), perByte, units, sentBytes, request.what.c_str());
 }
 
 void make(const Request& request, size_t& sentBytes) {
@@ -121,31 +125,31 @@ void resetOf(Database& database, const std::vector<std::string>& names) {
   static_cast<void>(commit(transaction, changes));
 }
 
+Request setOf(Database& database, std::string_view kind, const std::string& name,
+              const std::string& value) {
+  return {kind, "set " + name + " to " + std::to_string(value.size()) + " bytes",
+          name.size() + value.size(),
+          [&database, name, value] { commitOf(database, name, value); }};
+}
+
 std::vector<Request> requestsFor(Database& database, const std::string& name) {
-  static const std::string longest(MAX_VALUE_BYTES / 16, 'x');
-  std::vector<Request> requests;
-  for (const std::string_view value : {std::string_view("1"), std::string_view(longest)}) {
-    requests.push_back({"set " + name + " to " + std::to_string(value.size()) + " bytes",
-                        name.size() + value.size(), [&database, name, value] {
-                          commitOf(database, name, std::string(value));
-                        }});
-  }
-  requests.push_back({"range of " + name, name.size(), [&database, name] {
+  std::vector<Request> requests = {setOf(database, "set", name, "1")};
+  requests.push_back({"range", "range of " + name, name.size(), [&database, name] {
                         BoundsParm range;
                         static_cast<void>(queryRange(database, StagedValues(), name, range));
                       }});
-  requests.push_back({"dependencies of " + name, name.size(), [&database, name] {
+  requests.push_back({"dependencies", "dependencies of " + name, name.size(), [&database, name] {
                         std::set<std::string> names;
                         static_cast<void>(dependencies(database, name, true, names));
                       }});
   const ParmEntry* const entry = database.findNamed(name);
   for (const IndexDef* index : entry->parm.indices()) {
-    requests.push_back({"index " + index->name(), index->name().size(), [&database, index] {
-                          std::vector<std::string> texts;
-                          Spans spans;
-                          static_cast<void>(
-                              indexRange(database, StagedValues(), index->name(), texts, spans));
-                        }});
+    requests.push_back(
+        {"index values", "index " + index->name(), index->name().size(), [&database, index] {
+           std::vector<std::string> texts;
+           Spans spans;
+           static_cast<void>(indexRange(database, StagedValues(), index->name(), texts, spans));
+         }});
   }
   return requests;
 }
@@ -164,13 +168,19 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const LogRedirection silence([](const std::string&) {});
   Database& database = built.database;
   size_t sentBytes = size;
-  make({"look for the largest change", 0, [&] { reportLargestChange(database); }}, sentBytes);
+  make({"largest change", "look for it", 0, [&] { reportLargestChange(database); }}, sentBytes);
   if (!isSmall(database)) return 0;
   const std::vector<std::string> names = instancesOf(database);
-  make({"reset all", names.size(), [&] { resetOf(database, names); }}, sentBytes);
+  make({"reset", "reset all", names.size(), [&] { resetOf(database, names); }}, sentBytes);
   for (const std::string& name : names) {
     if (database.findNamed(name) == nullptr) continue;
     for (const Request& request : requestsFor(database, name)) make(request, sentBytes);
+  }
+  // At the end, as the other requests would be cheap for so many bytes.
+  const std::string longText(MAX_VALUE_BYTES / 16, 'x');
+  for (const std::string& name : names) {
+    if (database.findNamed(name) == nullptr) continue;
+    make(setOf(database, "set of a long text", name, longText), sentBytes);
   }
   return 0;
 }

@@ -41,6 +41,7 @@ GENERATED = ("generated/commit_id.h", "sw/dbus/generated/transaction_binding.h")
 FLAGS = ("-std=gnu++20 -O1 -w -D_GLIBCXX_ASSERTIONS -fsanitize=signed-integer-overflow,bounds"
          " -fsanitize-undefined-trap-on-error")
 MEMORY_LIMIT = 4 << 30
+MOST_SECONDS = 40  # for the tests of one mutant, as long as they take without it
 
 
 def is_product(path):
@@ -380,7 +381,12 @@ def try_mutant(mutant):
     attempts = attempts_for(mutant, TESTS)
     if not attempts:
         mutant.note = "  (reached by no test)"
+    spent = 0
     for attempt in attempts:
+        spent += attempt.seconds()
+        if spent > MOST_SECONDS and attempt is not attempts[0]:
+            mutant.note = "  (slow tests not tried)"
+            break
         if not attempt.passes(mutant.number):
             return mutant, attempt.tests[0].program()
     return mutant, None

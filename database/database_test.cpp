@@ -8,6 +8,14 @@
 
 namespace {
 
+// The last walk of a database, so that a test need not begin four thousand million of them.
+uint32_t& lastWalk(Database& database);
+template <uint32_t Database::*MEMBER>
+struct LastWalk {
+  friend uint32_t& lastWalk(Database& database) { return database.*MEMBER; }
+};
+template struct LastWalk<&Database::walks_>;
+
 std::unique_ptr<ParmDef> parmNamed(const std::string& name, const std::string& refersTo = "") {
   DefinitionParts parts;
   parts.name = name;
@@ -150,9 +158,58 @@ self rw { ctrlRO (self == 3) }
   }
 }
 
+TEST(Database, KnowsTheIndicesThatNameAParameter) {
+  Database database;
+  define(database, R"(
+i index { ctrlValid (often[1] == 1 && often[2] == 1 && once == 1) }
+of index { rangeValid { 1..2 } }
+unused index { ctrlValid (unread == 1) }
+indexed rw { index { i } }
+often rw { index { of } }
+once rw { }
+unread rw { }
+)");
+  IndexEntry* const i = database.findIndexEntry("i");
+  struct Case {
+    const char* name;
+    std::vector<IndexEntry*> naming;
+  };
+  const Case cases[] = {
+      {"often", {i}},  // however often
+      {"once", {i}},
+      {"unread", {}},  // by an index that indexes nothing
+      {"indexed", {}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    const ParmEntry* const parm = database.findParm(c.name);
+    ASSERT_NE(parm, nullptr);
+    EXPECT_EQ(parm->indices->naming, c.naming);
+    EXPECT_EQ(parm->hasDependents(), !c.naming.empty());
+  }
+}
+
+TEST(Database, ForgetsTheWalksBeforeTheirNumberBeginsAnew) {
+  Database database;
+  EXPECT_EQ(database.registerParm(parmNamed("a")), 0);
+  EXPECT_EQ(database.registerIndex(indexNamed("i")), 0);
+  ParmEntry* const parm = database.findParm("a");
+  IndexEntry* const index = database.findIndexEntry("i");
+  parm->walk = index->walk = database.newWalk();
+  EXPECT_EQ(parm->walk, 1U);
+  lastWalk(database) = UINT32_MAX - 1;
+  EXPECT_EQ(database.newWalk(), UINT32_MAX);
+  EXPECT_EQ(parm->walk, 1U);
+  const uint32_t walk = database.newWalk();
+  EXPECT_NE(walk, 0U);  // the number of what no walk has come to
+  EXPECT_NE(parm->walk, walk);
+  EXPECT_NE(index->walk, walk);
+}
+
 TEST(Database, ListsItsParametersInNameOrder) {
   Database database;
-  define(database, "b rw { }\na1 rw { }\na rw { }\ni index { }\n");
+  for (const char* name : {"b", "a1", "a"}) EXPECT_EQ(database.registerParm(parmNamed(name)), 0);
+  EXPECT_EQ(database.registerIndex(indexNamed("i")), 0);
   std::vector<std::string> names;
   for (const ParmEntry* entry : database.parmsInNameOrder()) {
     names.push_back(entry->parm.name());

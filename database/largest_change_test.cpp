@@ -44,6 +44,13 @@ TEST(LargestChange, IsTheOneThatTheLogTellsOf) {
        many + "a rw { }\nb rw { }\nc rw { index { i, j } ctrlRO " + sumOf("a", 1000) +
            " }\nd rw { index { i, j } ctrlRO " + sumOf("b", 1001) + " }\n",
        R"(start: ERROR "b": 4727000300 units of work, 2000000000 allowed)"},
+      {"two that name each other",
+       many + "a rw { ctrlRO (b == 1) }\nb rw { ctrlRO (a == 1) }\nc rw { index { i, j } ctrlRO " +
+           sumOf("b", 1000) + " }\n",
+       R"(start: ERROR "a": 1000002 dependent instances, 1000000 allowed)"},
+      {"one that names itself",
+       many + "a rw { ctrlRO (a == 1) }\nb rw { index { i, j } ctrlRO " + sumOf("a", 1000) + " }\n",
+       R"(start: ERROR "a": 1000001 dependent instances, 1000000 allowed)"},
       {"too many instances",
        "i index { rangeValid { 1..1000001 } }\na rw { }\nb rw { index { i } ctrlRO (a == 1) }\n",
        R"(start: ERROR "a": 1000001 dependent instances, 1000000 allowed)"},

@@ -5,6 +5,8 @@
 #include <random>
 #include <string>
 
+#include "deflang/test_allocations.h"
+
 namespace {
 
 struct Named {
@@ -63,6 +65,17 @@ TEST(SortByName, OrdersAsComparingTheNamesDoes) {
       // What belongs to the name came along.
       EXPECT_EQ(names[static_cast<size_t>(elements[i].number)], elements[i].name);
     }
+  }
+}
+
+TEST(SortByName, OrdersWithoutMemoryToo) {
+  for (const size_t allocations : {0, 1}) {
+    SCOPED_TRACE(allocations);
+    std::vector<Named> elements = namedAll({"p[10]", "p[1]", "p[2]", "p"});
+    Allocations::left = allocations;
+    sortByName(elements);
+    Allocations::left = SIZE_MAX;
+    EXPECT_EQ(elements, (std::vector<Named>{{"p", 3}, {"p[10]", 0}, {"p[1]", 1}, {"p[2]", 2}}));
   }
 }
 

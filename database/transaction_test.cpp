@@ -86,6 +86,13 @@ TEST_F(TransactionTest, ReadsStagedThenCommittedThenConstants) {
   EXPECT_EQ(get(transaction_, "mode"), "auto");
 }
 
+TEST_F(TransactionTest, TellsWhyItReadsNothing) {
+  std::string value = "untouched";
+  EXPECT_EQ(transaction_.get("nobody", value), 1);
+  EXPECT_EQ(transaction_.get("sw::this", value), 2);
+  EXPECT_EQ(value, "untouched");
+}
+
 TEST_F(TransactionTest, FindsWhatWasPreparedBefore) {
   struct {
     const char* name;

@@ -206,7 +206,7 @@ TEST(ExpressionReader, EndsAfterTheWhiteSpaceBehindItsLastParenthesis) {
 }
 
 TEST(ExpressionReader, ForgetsAnUnfinishedExpressionOnReset) {
-  for (const std::string_view unfinished : {"((a + ", "(a \"b", "(a[1"}) {
+  for (const std::string_view unfinished : {"((a + ", "(a \"b", "(a[1", "(a[1]", "(a[1][2"}) {
     SCOPED_TRACE(unfinished);
     ExpressionReader reader;
     EXPECT_EQ(readText(reader, unfinished).result, PARSE_CONTINUES);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -11,7 +12,30 @@
 #include <filesystem>
 #include <regex>
 #include <string>
+#include <utility>
 #include <vector>
+
+namespace {
+
+// With which errno the next call fails; 0: it goes to the system.
+int nextSocketError = 0;
+int nextSendError = 0;
+
+ssize_t failOrCall(int& error, long number, long a, long b, long c) {
+  if (error == 0) return syscall(number, a, b, c);
+  errno = std::exchange(error, 0);
+  return -1;
+}
+
+}  // namespace
+
+// In the place of the C library's: the system cannot be made to fail in each of its ways.
+extern "C" int socket(int domain, int type, int protocol) noexcept {
+  return static_cast<int>(failOrCall(nextSocketError, SYS_socket, domain, type, protocol));
+}
+extern "C" ssize_t sendmsg(int descriptor, const msghdr* message, int flags) {
+  return failOrCall(nextSendError, SYS_sendmsg, descriptor, reinterpret_cast<long>(message), flags);
+}
 
 namespace {
 
@@ -160,6 +184,60 @@ TEST_F(LogSocketTest, TellsThatThereHasBeenNoLog) {
   EXPECT_EQ(socket.send("one"), LOG_ABSENT);
   startLog();
   EXPECT_EQ(socket.send("two"), 0);
+}
+
+TEST_F(LogSocketTest, TellsARefusalFromABrokenConnection) {
+  struct {
+    int error;  // of the sending
+    int result;
+  } const cases[] = {
+      {EAGAIN, LOG_LOST}, {EMSGSIZE, LOG_LOST}, {ENOBUFS, LOG_LOST},
+      {ENOMEM, LOG_LOST}, {ECONNREFUSED, 0},  // the log is there again
+      {EPIPE, 0},         {ENOTCONN, 0},
+  };
+  startLog();
+  for (const auto& c : cases) {
+    SCOPED_TRACE(strerror(c.error));
+    LogSocket socket(path());
+    EXPECT_EQ(socket.send("one"), 0);
+    EXPECT_EQ(entries().size(), 1U);
+    nextSendError = c.error;
+    EXPECT_EQ(socket.send("two"), c.result);
+    EXPECT_EQ(entries().size(), c.result == 0 ? 1U : 0U);
+    EXPECT_EQ(socket.send("three"), 0);
+    EXPECT_EQ(entries().size(), 1U);
+  }
+}
+
+TEST_F(LogSocketTest, TellsALogThatIsAbsentFromOneThatCannotBeReached) {
+  struct {
+    int error;  // of the making of the socket
+    int result;
+  } const cases[] = {
+      {EMFILE, LOG_LOST}, {ENFILE, LOG_LOST},         {ENOBUFS, LOG_LOST},
+      {ENOMEM, LOG_LOST}, {EAFNOSUPPORT, LOG_ABSENT}, {EACCES, LOG_ABSENT},
+  };
+  startLog();
+  for (const auto& c : cases) {
+    SCOPED_TRACE(strerror(c.error));
+    LogSocket socket(path());
+    nextSocketError = c.error;
+    EXPECT_EQ(socket.send("one"), c.result);
+    EXPECT_EQ(socket.send("two"), 0);
+    EXPECT_EQ(entries().size(), 1U);
+  }
+}
+
+TEST_F(LogSocketTest, SendsAlsoWhereItsDescriptorIsTheFirst) {
+  startLog();
+  const int input = dup(STDIN_FILENO);
+  close(STDIN_FILENO);
+  LogSocket socket(path());
+  EXPECT_EQ(socket.send("one"), 0);
+  EXPECT_EQ(socket.send("two"), 0);
+  EXPECT_EQ(entries().size(), 2U);
+  EXPECT_EQ(dup2(input, STDIN_FILENO), STDIN_FILENO);
+  close(input);
 }
 
 TEST_F(LogSocketTest, LosesALineWhereNoFileCanBeOpened) {

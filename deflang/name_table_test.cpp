@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
+
+#include "deflang/test_allocations.h"
+
 namespace {
 
 TEST(NameTable, NumbersNamesInTheOrderInWhichTheyAreAdded) {
@@ -19,6 +23,31 @@ TEST(NameTable, NumbersNamesInTheOrderInWhichTheyAreAdded) {
   EXPECT_EQ(table[500], "n500");
   EXPECT_EQ(table[999], "n999");
   EXPECT_EQ(table[1000], "");
+}
+
+TEST(NameTable, IsAsBeforeWhereMemoryIsExhausted) {
+  const std::string before(50, 'b');
+  const std::string failed(500, 'f');
+  const std::string after(60, 'a');
+  bool fails = true;
+  for (size_t allocations = 0; fails; ++allocations) {
+    SCOPED_TRACE(allocations);
+    NameTable table;
+    table.add(before);
+    Allocations::left = allocations;
+    try {
+      table.add(failed);
+      fails = false;
+    } catch (const std::bad_alloc&) {
+    }
+    Allocations::left = SIZE_MAX;
+    EXPECT_EQ(table.size(), fails ? 1U : 2U);
+    EXPECT_EQ(table.find(failed).has_value(), !fails);
+    table.add(after);
+    EXPECT_EQ(table[0], before);
+    EXPECT_EQ(table[static_cast<uint32_t>(table.size() - 1)], after);
+    EXPECT_EQ(table.find(after), table.size() - 1);
+  }
 }
 
 }  // namespace

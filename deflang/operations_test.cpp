@@ -138,7 +138,7 @@ TEST(Absorb, TheDefinedSideDecidesWhereTheOtherOneCannot) {
       {"&", 0, 0},    {"&", 1, std::nullopt},  {"&", -1, std::nullopt},
       {"|", -1, -1},  {"|", 0, std::nullopt},  {"|", 1, std::nullopt},
       {"&&", 0, 0},   {"&&", 1, std::nullopt}, {"||", 5, 5},  // the value itself
-      {"||", -1, -1}, {"||", 0, std::nullopt},
+      {"||", -1, -1}, {"||", 0, std::nullopt}, {"&&", -1, std::nullopt},
   };
   for (const OneSidedCase& c : cases) {
     SCOPED_TRACE(c.operation + " " + std::to_string(c.defined));

@@ -2,30 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <map>
-#include <new>
 #include <optional>
 
+#include "deflang/test_allocations.h"
 #include "deflang/test_expressions.h"
 #include "deflang/value_limit.h"
 #include "deflang/work.h"
-
-// Allocations are counted, because evaluations of numbers promise to do without.
-namespace {
-size_t allocations = 0;
-}  // namespace
-
-// Inlined into each other, they would look mismatched to the compiler.
-[[gnu::noinline]] void* operator new(size_t size) {
-  ++allocations;
-  if (void* memory = std::malloc(size)) return memory;
-  throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
-[[gnu::noinline]] void operator delete(void* memory, size_t /*size*/) noexcept {
-  std::free(memory);
-}
 
 namespace {
 
@@ -378,10 +361,10 @@ TEST(Program, NumbersAreEvaluatedWithoutAnAllocation) {
   const Program deep = programOf(nested(16), variables);
   const Bindings bindings = {{"sw::this", "5"}, {"limit", "10"}};
   const Situation situation = situationOf(variables, bindings);
-  const size_t before = allocations;
+  const size_t before = Allocations::count;
   const bool isTrue = program.isTrue(situation);
   const Value value = deep.evaluate(situation);
-  EXPECT_EQ(allocations - before, 0U);
+  EXPECT_EQ(Allocations::count - before, 0U);
   EXPECT_TRUE(isTrue);
   EXPECT_EQ(value.number, 16);
 }
@@ -392,9 +375,9 @@ TEST(Program, TextsAreComparedWithoutAnAllocation) {
       programOf("mode == \"a text that is too long to be held in place\"", variables);
   const Bindings bindings = {{"mode", "a text that is too long to be held in place"}};
   const Situation situation = situationOf(variables, bindings);
-  const size_t before = allocations;
+  const size_t before = Allocations::count;
   const bool isTrue = program.isTrue(situation);
-  EXPECT_EQ(allocations - before, 0U);
+  EXPECT_EQ(Allocations::count - before, 0U);
   EXPECT_TRUE(isTrue);
 }
 
@@ -430,8 +413,27 @@ TEST(ProgramWork, CountsWhatIsDoneToTexts) {
       {"n + long", 1001},
       {"long + n + n + n", 1003},  // a text that was made is not copied again
       {"n + (n + (n + long))", 1003},
+      {"long + (\"x\" + n)", 1002},
+      {"(\"x\" + n) + (long + n)", 1005},  // of two that were made the shorter joins the longer
+      {"(long + n) + (\"x\" + n)", 1005},
   };
   for (const auto& [text, units] : cases) EXPECT_EQ(textWork(text), units) << text;
+}
+
+TEST(Program, TakesTheSlotsOfOtherVariables) {
+  for (const std::string text : {"b", "b + 1", "1 + b"}) {
+    SCOPED_TRACE(text);
+    Variables own;
+    own.slot("a");
+    Program program = programOf(text, own);
+    Variables others;
+    for (const char* name : {"x", "y", "z"}) others.slot(name);
+    program.rebase(own, others);
+    EXPECT_EQ(others.names(), (std::vector<std::string>{"x", "y", "z", "b"}));
+    Situation situation(others.size());
+    situation.bind(3, operandOf("7"));
+    EXPECT_EQ(shown(program.evaluate(situation)), text == "b" ? "7" : "8");
+  }
 }
 
 TEST(ProgramWork, OfStepsIsKnownBefore) {

@@ -191,6 +191,12 @@ TEST(IndexDef, IsPlainWhileNothingDependsOnTheSituation) {
   EXPECT_FALSE(makeIndex({.translations = {{"a", "b"}}}).isPlain());
 }
 
+TEST(IndexDef, CostsTheLongestOfItsTexts) {
+  EXPECT_EQ(makeIndex({}).textWork(), 0U);
+  EXPECT_EQ(makeIndex({.base = {"0..1000"}}).textWork(), 0U);
+  EXPECT_EQ(makeIndex({.base = {"abc", "ab", "automatic", "d"}}).textWork(), 4 * 9U);
+}
+
 TEST(IndexDef, NotesWhichOfItsBoundsAreComputed) {
   const IndexDef index = makeIndex({.name = "input", .ranges = {{"1", {"0..9"}}, {"1", {"(a)"}}}});
   EXPECT_EQ(index.name(), "input");

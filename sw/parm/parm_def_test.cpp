@@ -222,6 +222,30 @@ TEST(ParmDef, UsesTheNamesOfItsOwnExpressions) {
             (std::vector<std::string>{"mode", "row", "sw::this", "column"}));
 }
 
+TEST(ParmDef, KnowsWhatItsEvaluationCosts) {
+  const IndexDef row = makeIndex({.name = "row", .base = {"ab", "abcd"}});
+  struct {
+    const char* subject;
+    ParmText parm;
+    uint64_t units;
+  } const cases[] = {
+      {"an instance", {}, 300},
+      {"a condition, and its name", {.common = {.validIf = {"a"}}}, 300 + 7 + 20},
+      {"one for writing", {.readOnlyIf = {"a"}}, 300 + 7 + 20},
+      {"a range", {.common = {.ranges = {{"a", {"0..9"}}}}}, 300 + 10 + 7 + 20},
+      {"index values", {.indices = {&row, &row}}, 300 + 2 * (200 + 4 * 4)},
+      // A level may be walked twice, and then once more with the correction.
+      {"a rule",
+       {.rules = {{"a == 1", "sw::this + a < 3", "3"}}},
+       300 + 2 * 20 + 2 * (11 + 15) + 7},
+      {"rules", {.rules = {{"1", "1", "1"}, {"1", "1", "1"}}}, 300 + 2 * (2 * (7 + 7) + 7)},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.subject);
+    EXPECT_EQ(makeParm(c.parm).evaluationWork(), c.units);
+  }
+}
+
 TEST(CommittedValues, OfAParameterWithoutIndices) {
   ParmDef parm = makeParm({});
   EXPECT_EQ(parm.committedText({}), "");

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 
 #include "deflang/system_log.h"
 
@@ -53,6 +54,15 @@ TEST(LastWordsDeathTest, AreSaidWhereALibraryAbortsWithoutMemory) {
     abort();
   };
   EXPECT_EXIT(afterPreparation(abortWithoutMemory), testing::ExitedWithCode(1), LAST_LINES);
+}
+
+TEST(Texts, OfGLibAreAsLongAsTheyHaveToBe) {
+  for (const std::string& text : {std::string(), std::string("a"), std::string(5000, 'b')}) {
+    SCOPED_TRACE(text.size());
+    char* const made = g_strdup_printf("%s", text.c_str());
+    EXPECT_EQ(made, text);
+    g_free(made);
+  }
 }
 
 TEST(LastWordsDeathTest, AreNotSaidOfAnythingElse) {

@@ -7,7 +7,18 @@
 #include <vector>
 
 #include "deflang/system_log.h"
+#include "sw/dbus/test_mappings.h"
 #include "sw/dbus/test_service.h"
+
+namespace {
+
+char heap[100];
+char* heapEnd = heap;
+
+}  // namespace
+
+// In the place of the C library's.
+extern "C" void* sbrk(intptr_t /*more*/) noexcept { return heapEnd; }
 
 namespace {
 
@@ -93,6 +104,31 @@ TEST(InOwnTransaction, TakesAnIdAndOpensNothing) {
   uint32_t id = 0;
   service.state().transactions().open(id);
   EXPECT_EQ(id, 2U);  // each took an id
+}
+
+// Where the heap has grown, and where it has not.
+TEST(Serve, LooksForHeadroomWhereAMethodKeepsMemory) {
+  TestService service("");
+  const auto succeeds = [&](methodFamily_t family) {
+    GError* error = nullptr;
+    const bool done =
+        serve({"test", service.object(), &error}, family, [] { return TRUE; }) == TRUE;
+    g_clear_error(&error);
+    return done;
+  };
+  for (const methodFamily_t family : {METHOD_START, METHOD_SET, METHOD_GET, METHOD_COMMIT}) {
+    SCOPED_TRACE(family);
+    ++heapEnd;
+    Mappings::succeed = false;
+    EXPECT_EQ(succeeds(family), !keepsMemory(family));
+    EXPECT_EQ(succeeds(family), !keepsMemory(family));  // it is not known yet that there is any
+    Mappings::succeed = true;
+    EXPECT_TRUE(succeeds(family));
+    EXPECT_TRUE(succeeds(METHOD_SET));
+    Mappings::succeed = false;
+    EXPECT_TRUE(succeeds(family));
+    Mappings::succeed = true;
+  }
 }
 
 TEST(Serve, TakesTheMethodsThatKeepMemory) {

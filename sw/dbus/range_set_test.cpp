@@ -4,6 +4,7 @@
 
 #include "database/range_query.h"
 #include "database/test_database.h"
+#include "deflang/work.h"
 #include "sw/dbus/errors.h"
 #include "sw/dbus/reply.h"
 
@@ -59,6 +60,13 @@ TEST_F(RangeSetTest, HandsOnWhatARangeQueryRefuses) {
   EXPECT_EQ(ranges_.add("a"), RANGE_FOUND);
   EXPECT_EQ(ranges_.add("unknown"), RANGE_INVALID_NAME);
   EXPECT_EQ(ranges_.add("b[3]"), RANGE_INVALID_NAME);
+}
+
+TEST_F(RangeSetTest, CountsEachNameAlsoWhereItIsKnown) {
+  EXPECT_EQ(ranges_.add("b[1]"), RANGE_FOUND);
+  Work::begin();
+  EXPECT_EQ(ranges_.add("b[1]"), RANGE_FOUND);
+  EXPECT_EQ(Work::done(), 304U);
 }
 
 // Whether the ranges are few or many, names take memory too.

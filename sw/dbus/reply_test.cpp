@@ -4,6 +4,8 @@
 
 #include <cstring>
 
+#include "sw/dbus/memory_reserve.h"
+#include "sw/dbus/test_mappings.h"
 #include "sw/dbus/test_reply.h"
 
 namespace {
@@ -42,6 +44,24 @@ TEST(NewText, PutsItsPartsTogether) {
   g_free(made.text);
 }
 
+TEST(NewText, IsMendedOnlyWhereThereIsMemoryForIt) {
+  // Each byte may become three, and each of these is there three times meanwhile.
+  const std::string text(SMALL_MEMORY / 9 + 1, '\xff');
+  Mappings::most = 0;
+  Mappings::succeed = false;
+  const NewText none = tryNewText({text});
+  EXPECT_EQ(none.text, nullptr);
+  EXPECT_EQ(none.length, 0U);
+  EXPECT_EQ(Mappings::most, 9 * text.size());
+  const NewText shorter = tryNewText({std::string_view(text).substr(1)});
+  EXPECT_EQ(shorter.length, 3 * (text.size() - 1));
+  g_free(shorter.text);
+  Mappings::succeed = true;
+  const NewText mended = tryNewText({text});
+  EXPECT_EQ(mended.length, 3 * text.size());
+  g_free(mended.text);
+}
+
 TEST(BytesInMessage, CountsLengthEndAndGap) {
   // Four bytes of length before the text, one NUL behind it, all in steps of four.
   EXPECT_EQ(bytesInMessage(0), 8U);
@@ -59,6 +79,14 @@ TEST(TextList, GivesItsTextsAway) {
   EXPECT_EQ(list.bytes(), 24U);
   EXPECT_EQ(taken(list.release()), (Texts{"a", "\ufffd", ""}));
   EXPECT_EQ(taken(TextList("x", 0).release()), Texts{});
+}
+
+TEST(TextList, IsFilledUpToTheFirstTextThatIsTooMuch) {
+  constexpr size_t MANY = 32;  // of these fill a message
+  const Texts texts(MANY + 3, std::string(MAX_MESSAGE_BYTES / MANY - 5, 'x'));
+  TextList list("x", texts.size());
+  list.addAll(texts);
+  EXPECT_EQ(list.bytes(), MAX_MESSAGE_BYTES / MANY * (MANY + 1));
 }
 
 TEST(TextList, IsFilledAgainOnceItIsCleared) {

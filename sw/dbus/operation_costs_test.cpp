@@ -1,0 +1,207 @@
+// What the operations take of memory, and what they do so that nobody goes without.
+#include "sw/dbus/operations.h"
+
+#include <gtest/gtest.h>
+#include <malloc.h>
+
+#include <cstring>
+#include <functional>
+#include <utility>
+
+#include "sw/dbus/errors.h"
+#include "sw/dbus/reply.h"
+#include "sw/dbus/test_mappings.h"
+#include "sw/dbus/test_reply.h"
+#include "sw/dbus/test_service.h"
+
+namespace {
+
+// What the operations ask the libraries for, since they were last set back.
+size_t largeTexts = 0;  // pieces of memory for texts of this size or more
+size_t timesTrimmed = 0;
+constexpr size_t LARGE = size_t{1} << 19U;
+
+gpointer newPiece(gsize size) {
+  if (size >= LARGE) ++largeTexts;
+  return malloc(size);
+}
+
+}  // namespace
+
+// In the place of those of the libraries.
+extern "C" int malloc_trim(size_t /*pad*/) noexcept {
+  ++timesTrimmed;
+  return 1;
+}
+extern "C" gpointer g_try_malloc(gsize size) { return newPiece(size); }
+extern "C" gpointer g_try_malloc_n(gsize count, gsize size) { return newPiece(count * size); }
+
+namespace {
+
+// So many texts fill a message, each with this share of it: its length before it and its end are in
+// that.
+constexpr size_t MANY_TEXTS = 32;
+constexpr size_t MESSAGE_SHARE = MAX_MESSAGE_BYTES / MANY_TEXTS;
+constexpr size_t SHARE_LENGTH = MESSAGE_SHARE - 5;
+
+// Numbers with gaps between them, as the items of a range.
+std::string numbersApart(int count) {
+  std::string items = "0";
+  for (int i = 1; i < count; ++i) items += ", " + std::to_string(2 * i);
+  return items;
+}
+
+class OperationCosts : public testing::Test {
+ protected:
+  OperationCosts() : transaction_(service_.database()) {
+    EXPECT_EQ(transaction_.set("note", std::string(SHARE_LENGTH, 'x'), false), STAGE_DONE);
+    EXPECT_EQ(transaction_.set("short", "x", false), STAGE_DONE);
+  }
+
+  // getTexts of so many times "note"; the reply, where there is one, is freed.
+  int getNotes(size_t count) {
+    std::string name = "note";
+    std::vector<char*> names(count, name.data());
+    names.push_back(nullptr);
+    char** values = nullptr;
+    const int result = getTexts(transaction_, static_cast<uint32_t>(count), names.data(), &values);
+    g_strfreev(values);
+    return result;
+  }
+
+  TestService service_{"note rw { }\nshort rw { }\nmany rw { rangeValid { " + numbersApart(1000) +
+                       ", \"" + std::string(1000, 'y') + "\" } }\n" + "i index { rangeValid { " +
+                       numbersApart(1000) + " } }\n" + "indexed rw { index { i } }\n"};
+  Transaction transaction_;
+};
+
+// A byte of a message is there three times while the bus library puts it together.
+TEST_F(OperationCosts, LookWhetherThereIsMemoryForTheMessage) {
+  constexpr size_t SPANS = 1000;
+  constexpr size_t OF_SPAN = 256;      // as a structure
+  constexpr size_t NAME_BYTES = 12;    // of "many" in a message
+  constexpr size_t TEXT_BYTES = 1008;  // of the text
+  char* text = nullptr;
+  char** texts = nullptr;
+  GPtrArray* structures = nullptr;
+  GPtrArray* others = nullptr;
+  std::string name = "many";
+  char* names[] = {name.data(), nullptr};
+  struct {
+    const char* subject;
+    std::function<int()> operation;
+    size_t bytes;
+  } const cases[] = {
+      {"a text", [&] { return getText(transaction_, "note", &text); }, 3 * SHARE_LENGTH},
+      {"a short text", [&] { return getText(transaction_, "short", &text); }, 0},
+      {"texts", [&] { return getNotes(20); }, 3 * 20 * MESSAGE_SHARE},
+      {"a range", [&] { return getRange(transaction_, "many", &texts, &structures); },
+       SPANS * OF_SPAN + 3 * (8 * SPANS + TEXT_BYTES)},
+      {"ranges", [&] { return getRanges(transaction_, names, &others, &structures); },
+       (SPANS + 1) * (OF_SPAN + 4 * (NAME_BYTES + 16)) + 4 * TEXT_BYTES},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.subject);
+    Mappings::most = 0;
+    EXPECT_EQ(c.operation(), 0);
+    EXPECT_EQ(Mappings::most, c.bytes);
+    g_free(std::exchange(text, nullptr));
+    g_strfreev(std::exchange(texts, nullptr));
+    if (structures != nullptr)
+      taken(std::exchange(structures, nullptr), others != nullptr ? namedSpanType() : spanType());
+    if (others != nullptr) taken(std::exchange(others, nullptr), namedTextType());
+  }
+}
+
+TEST_F(OperationCosts, GatherNoMoreThanOneTextBeyondWhatAMessageTakes) {
+  struct {
+    size_t names;
+    int result;
+    size_t made;
+  } const cases[] = {
+      {MANY_TEXTS, 0, MANY_TEXTS},
+      {MANY_TEXTS + 1, INTERNAL_ERROR, MANY_TEXTS + 1},
+      {MANY_TEXTS + 16, INTERNAL_ERROR, MANY_TEXTS + 1},
+      {10 * MANY_TEXTS, INTERNAL_ERROR, MANY_TEXTS + 1},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.names);
+    largeTexts = 0;
+    EXPECT_EQ(getNotes(c.names), c.result);
+    EXPECT_EQ(largeTexts, c.made);
+  }
+}
+
+TEST(OperationCostsOfLongNames, RefuseDependenciesThatFitIntoNoMessageTogether) {
+  std::string sum;
+  for (size_t i = 0; i < MANY_TEXTS; ++i) {
+    const std::string value =
+        std::to_string(10 + i) + std::string(SHARE_LENGTH - strlen("x[10]"), 'x');
+    sum += (sum.empty() ? "x[" : " + x[") + value + "]";
+  }
+  TestService service("i index { }\nx rw { index { i } }\nfull rw { ctrlRO (" + sum +
+                      ") }\nmore rw { ctrlRO (" + sum + " + full) }\n");
+  struct {
+    const char* name;
+    int result;
+    size_t made;
+  } const cases[] = {{"full", 0, MANY_TEXTS}, {"more", INTERNAL_ERROR, MANY_TEXTS}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    char** names = nullptr;
+    largeTexts = 0;
+    EXPECT_EQ(getDependencies(service.database(), c.name, &names), c.result);
+    EXPECT_EQ(largeTexts, c.made);
+    g_strfreev(names);
+  }
+}
+
+// Whether memory is to be given back soon; it then is.
+bool givesMemoryBack() {
+  GSource* const source = g_main_context_find_source_by_user_data(nullptr, nullptr);
+  if (source == nullptr) return false;
+  timesTrimmed = 0;
+  g_source_set_ready_time(source, 0);
+  g_main_context_iteration(nullptr, FALSE);
+  return timesTrimmed == 1;
+}
+
+TEST_F(OperationCosts, HaveMemoryGivenBackWhereTheyMayLeaveMuchOfIt) {
+  char* text = nullptr;
+  char** texts = nullptr;
+  GPtrArray* spans = nullptr;
+  GPtrArray* others = nullptr;
+  std::string name = "many";
+  char* names[] = {name.data(), nullptr};
+  char* noNames[] = {nullptr};
+  gboolean valid = FALSE;
+  struct {
+    const char* subject;
+    std::function<int()> operation;
+    bool givesBack;
+  } const cases[] = {
+      {"a text", [&] { return getText(transaction_, "short", &text); }, false},
+      {"validation", [&] { return validate(transaction_, "note", "1", &valid); }, false},
+      {"commit", [&] { return commitAndPublish(transaction_, service_.object()); }, true},
+      {"dependencies", [&] { return getDependencies(service_.database(), "many", &texts); }, true},
+      {"a range", [&] { return getRange(transaction_, "many", &texts, &spans); }, true},
+      {"ranges", [&] { return getRanges(transaction_, names, &others, &spans); }, true},
+      {"no ranges", [&] { return getRanges(transaction_, noNames, &others, &spans); }, true},
+      {"the values of an index", [&] { return getIndexRange(transaction_, "i", &texts, &spans); },
+       true},
+  };
+  static_cast<void>(givesMemoryBack());  // which another test has asked for
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.subject);
+    EXPECT_EQ(c.operation(), 0);
+    EXPECT_EQ(givesMemoryBack(), c.givesBack);
+    EXPECT_FALSE(givesMemoryBack());  // once
+    g_free(std::exchange(text, nullptr));
+    g_strfreev(std::exchange(texts, nullptr));
+    if (spans != nullptr)
+      taken(std::exchange(spans, nullptr), others != nullptr ? namedSpanType() : spanType());
+    if (others != nullptr) taken(std::exchange(others, nullptr), namedTextType());
+  }
+}
+
+}  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "deflang/value_limit.h"
 #include "sw/parm/test_definitions.h"
 
 namespace {
@@ -78,6 +79,9 @@ TEST(IndexDef, ChecksTheBaseOfTheTranslatedValue) {
 
 TEST(IndexDef, AcceptsEveryBaseValueWithoutBaseBounds) {
   const IndexDef index = makeIndex({});
+  const std::string longest(MAX_VALUE_BYTES, 'x');
+  EXPECT_TRUE(index.checkBase(longest));
+  EXPECT_FALSE(index.checkBase(longest + "x"));  // no value at all
   for (const std::string value : {"", "7", "auto"}) {
     SCOPED_TRACE(value);
     EXPECT_TRUE(index.checkBase(value));

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "deflang/test_allocations.h"
+#include "deflang/work.h"
 #include "sw/parm/test_definitions.h"
 
 namespace {
@@ -142,6 +144,21 @@ TEST(DefaultValue, SeesTheIndexValuesUnchecked) {
     std::string value;
     EXPECT_EQ(parm.defaultValue(value, c.indices, Situation(parm.variables().size())), c.result);
     EXPECT_EQ(value, c.value);
+  }
+}
+
+TEST(DefaultValue, CostsEachDefaultThatIsAsked) {
+  const ParmDef parm = makeParm({.defaults = {{"a", "7"}, {"b", "1 + 2"}, {"1", "9"}}});
+  const std::pair<TextSituation::Texts, uint64_t> cases[] = {
+      {{{"a", "1"}, {"b", "1"}}, 14},
+      {{{"a", "0"}, {"b", "1"}}, 14 + 18},
+      {{{"a", "0"}, {"b", "0"}}, 14 + 18 + 14},
+  };
+  for (const auto& [texts, units] : cases) {
+    Work::begin();
+    std::string value;
+    EXPECT_EQ(parm.defaultValue(value, {}, TextSituation(parm.variables(), texts)), 0);
+    EXPECT_EQ(Work::done(), units) << value;
   }
 }
 
@@ -286,6 +303,13 @@ TEST(CommittedValues, AreFoundByTheNumberOfTheInstance) {
   EXPECT_EQ(parm.committed({"5"}, 1), value);
   EXPECT_EQ(value->value.text(), "b");
   EXPECT_EQ(parm.committed({"999"}, 999), parm.committed({"999"}));
+  const std::string longText(100, 'x');
+  parm.store({longText}, "c");
+  const IndexTuple longIndices = {longText};
+  CommittedValue* const known = parm.committed(longIndices, 2);
+  const size_t allocations = Allocations::count;
+  EXPECT_EQ(parm.committed(longIndices, 2), known);
+  EXPECT_EQ(Allocations::count, allocations);  // the name was not put together
   ParmDef plain = makeParm({});
   EXPECT_EQ(plain.committed({}, 0), plain.committed({}));
 }

@@ -54,6 +54,39 @@ TEST(Deadline, LeavesTimerAndSignalAsTheyWere) {
   setAlarmBlocked(false);
 }
 
+TEST(Deadline, IsAsLateAsItWasAskedFor) {
+  constexpr long SECONDS = 100000;
+  const Deadline deadline(SECONDS * 1000, "late\n");
+  itimerval timer{};
+  getitimer(ITIMER_REAL, &timer);
+  EXPECT_LE(timer.it_value.tv_sec, SECONDS);
+  EXPECT_GT(timer.it_value.tv_sec, SECONDS - 60);  // however slow the machine is
+}
+
+// So that what is not given a value afterwards is not 0.
+[[gnu::noinline]] void fillTheStack() {
+  volatile char bytes[4096];
+  for (volatile char& byte : bytes) byte = -1;
+}
+
+TEST(Deadline, LeavesOtherSignalsBlocked) {
+  sigset_t all;
+  sigset_t before;
+  sigset_t during;
+  sigfillset(&all);
+  sigprocmask(SIG_SETMASK, &all, &before);
+  {
+    fillTheStack();
+    const Deadline deadline(MINUTE, "late\n");
+    sigprocmask(SIG_SETMASK, nullptr, &during);
+  }
+  sigprocmask(SIG_SETMASK, &before, nullptr);
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGUSR1, SIGCHLD}) {
+    EXPECT_EQ(sigismember(&during, signal), 1) << signal;
+  }
+  EXPECT_EQ(sigismember(&during, SIGALRM), 0);
+}
+
 TEST(DeadlineDeathTest, EndsTheProcessWhenItIsMissed) {
   const auto outlast = [] {
     setAlarmBlocked(true);

@@ -20,6 +20,31 @@ TEST(EndSignals, EachHasTheMainLoopCallTheFunctionOnce) {
   }
 }
 
+// The first source of a process has the number 1.
+TEST(EndSignals, LeaveOtherSourcesAlone) {
+  int complaints = 0;
+  const auto count = [](const char*, GLogLevelFlags, const char*, gpointer data) {
+    ++*static_cast<int*>(data);
+  };
+  auto* const before = g_log_set_default_handler(count, &complaints);
+  g_idle_add([](gpointer) { return static_cast<gboolean>(G_SOURCE_CONTINUE); }, nullptr);
+  const bool isThere = g_main_context_find_source_by_id(nullptr, 1) != nullptr;
+  for (const bool isRaised : {false, true}) {
+    SCOPED_TRACE(isRaised);
+    int calls = 0;
+    {
+      const EndSignals endSignals([&] { ++calls; });
+      if (isRaised) raise(SIGTERM);
+      g_main_context_iteration(nullptr, FALSE);
+    }
+    EXPECT_EQ(calls, isRaised ? 1 : 0);
+    EXPECT_EQ(complaints, 0);
+    EXPECT_EQ(g_main_context_find_source_by_id(nullptr, 1) != nullptr, isThere);
+  }
+  g_idle_remove_by_data(nullptr);
+  g_log_set_default_handler(before, nullptr);
+}
+
 TEST(EndSignals, OneThatWasIgnoredStaysIgnored) {
   auto* const before = std::signal(SIGHUP, SIG_IGN);
   {

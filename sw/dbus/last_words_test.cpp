@@ -65,6 +65,21 @@ TEST(Texts, OfGLibAreAsLongAsTheyHaveToBe) {
   }
 }
 
+// GLib has none for a message that cannot be put together.
+TEST(LastWordsDeathTest, AreSaidWhereThereIsNoMessage) {
+  const auto warnWithoutMessage = [] { g_warning("%ls", L"\u20ac"); };  // not in the C locale
+  EXPECT_EXIT(afterPreparation(warnWithoutMessage), testing::ExitedWithCode(1), LAST_LINES);
+}
+
+TEST(LastWordsDeathTest, AbortEndsTheProcessAlsoWhereItsSignalIsIgnored) {
+  const auto abortUnheard = [] {
+    std::signal(SIGABRT, SIG_IGN);
+    errno = 0;
+    abort();
+  };
+  EXPECT_EXIT(abortUnheard(), testing::ExitedWithCode(1), "");
+}
+
 TEST(LastWordsDeathTest, AreNotSaidOfAnythingElse) {
   const auto abortOtherwise = [] {
     errno = 0;

@@ -6,8 +6,13 @@
 
 #include <cstring>
 #include <functional>
+#include <new>
+#include <set>
 #include <utility>
 
+#include "database/commit.h"
+#include "deflang/value_limit.h"
+#include "deflang/work.h"
 #include "sw/dbus/errors.h"
 #include "sw/dbus/reply.h"
 #include "sw/dbus/test_mappings.h"
@@ -21,9 +26,15 @@ size_t largeTexts = 0;  // pieces of memory for texts of this size or more
 size_t timesTrimmed = 0;
 constexpr size_t LARGE = size_t{1} << 19U;
 
+std::set<gpointer> pieces;       // that were not given back
+size_t keptWhilePublishing = 0;  // bytes of mappings, when the last of them was asked for
+
 gpointer newPiece(gsize size) {
   if (size >= LARGE) ++largeTexts;
-  return malloc(size);
+  keptWhilePublishing = Mappings::kept;
+  gpointer const piece = malloc(size);
+  pieces.insert(piece);
+  return piece;
 }
 
 }  // namespace
@@ -32,6 +43,10 @@ gpointer newPiece(gsize size) {
 extern "C" int malloc_trim(size_t /*pad*/) noexcept {
   ++timesTrimmed;
   return 1;
+}
+extern "C" void g_free(gpointer piece) {
+  pieces.erase(piece);
+  free(piece);
 }
 extern "C" gpointer g_try_malloc(gsize size) { return newPiece(size); }
 extern "C" gpointer g_try_malloc_n(gsize count, gsize size) { return newPiece(count * size); }
@@ -129,6 +144,77 @@ TEST_F(OperationCosts, GatherNoMoreThanOneTextBeyondWhatAMessageTakes) {
     largeTexts = 0;
     EXPECT_EQ(getNotes(c.names), c.result);
     EXPECT_EQ(largeTexts, c.made);
+  }
+}
+
+TEST_F(OperationCosts, LeaveNothingWhereThereIsNoMemoryForTheMessage) {
+  char* text = nullptr;
+  char** texts = nullptr;
+  GPtrArray* structures = nullptr;
+  GPtrArray* others = nullptr;
+  std::string name = "many";
+  char* names[] = {name.data(), nullptr};
+  const std::function<int()> operations[] = {
+      [&] { return getText(transaction_, "note", &text); },
+      [&] { return getNotes(20); },
+      [&] { return getRange(transaction_, "many", &texts, &structures); },
+      [&] { return getRanges(transaction_, names, &others, &structures); },
+  };
+  for (const auto& operation : operations) {
+    pieces.clear();
+    int result = INTERNAL_ERROR;
+    Mappings::succeed = false;
+    try {
+      result = operation();
+    } catch (const std::bad_alloc&) {
+    }
+    Mappings::succeed = true;
+    EXPECT_EQ(result, INTERNAL_ERROR);
+    EXPECT_EQ(pieces.size(), 0U);
+  }
+}
+
+// What is kept for a signal is there for it when it is made, however the commit ends.
+TEST(OperationCostsOfCommits, HaveTheRoomForTheirSignalsAtHand) {
+  const std::string value(MAX_VALUE_BYTES, 'x');
+  for (const bool isEnded : {false, true}) {
+    SCOPED_TRACE(isEnded);
+    TestService service("long rw { ctrlValid (text $ part) }\ntext rw { }\npart rw { }\n");
+    Transaction transaction(service.database());
+    EXPECT_EQ(transaction.set("text", value, false), STAGE_DONE);
+    keptWhilePublishing = SIZE_MAX;
+    Mappings::most = 0;
+    if (isEnded) {
+      Work::begin(5 * MAX_VALUE_BYTES);  // "text" is stored, then "long" is too much
+      EXPECT_THROW(commitAndPublish(transaction, service.object()), WorkExceeded);
+    } else {
+      EXPECT_EQ(commitAndPublish(transaction, service.object()), COMMIT_DONE);
+    }
+    Work::begin();
+    EXPECT_GT(Mappings::most, 3 * value.size());
+    EXPECT_EQ(keptWhilePublishing, 0U);
+    const std::vector<Texts> signals = service.newSignals();
+    ASSERT_EQ(signals.size(), 1U);
+    EXPECT_TRUE(signals[0][0] == "text=" + value);
+  }
+}
+
+TEST(OperationCostsOfManySpans, RefuseWhatTakesTooMuchAsStructures) {
+  constexpr int MOST = MAX_REPLY_MEMORY / STRUCT_MEMORY;
+  TestService service("many rw { rangeValid { " + numbersApart(MOST) +
+                      " } }\ntooMany rw { rangeValid { " + numbersApart(MOST + 1) + " } }\n");
+  const struct {
+    const char* name;
+    int result;
+  } cases[] = {{"many", 0}, {"tooMany", INTERNAL_ERROR}};
+  Transaction transaction(service.database());
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    char** texts = nullptr;
+    GPtrArray* spans = nullptr;
+    EXPECT_EQ(getRange(transaction, c.name, &texts, &spans), c.result);
+    g_strfreev(texts);
+    if (spans != nullptr) taken(spans, spanType());
   }
 }
 

@@ -4,7 +4,7 @@
 
 #include "database/commit.h"
 #include "sw/dbus/reply.h"
-#include "sw/dbus/test_addresses.h"
+#include "sw/dbus/test_mappings.h"
 #include "sw/dbus/test_service.h"
 #include "sw/parm/parm_name.h"
 
@@ -92,30 +92,48 @@ TEST(Publish, LeavesOutWhatFitsIntoNoSignal) {
   EXPECT_TRUE(service.newSignals() == (Signals{{"a=1", "c=3"}}));
 }
 
+// A text and its copy, 48 bytes beside each of them, and three times what it is in the message.
 TEST(SignalRoom, KeepsWhatTheSignalTakes) {
-  TestService service("a rw {}\n");
+  TestService service("ab rw {}\n");
   struct Case {
     std::string value;
-    size_t changes;    // of that value
-    size_t kibibytes;  // that are kept at least
+    size_t changes;  // of that value
+    size_t bytes;    // that each of them takes
   };
   const Case cases[] = {
       {"5", 100, 0},  // little is always there
-      {"5", 10000, 1000},
-      {std::string(1000, 'x'), 1000, 5000},
-      {std::string(1000, '\xff'), 1000, 15000},  // each byte becomes three
+      {"5", 10000, 2 * (4 + 48) + 3 * 12},
+      {std::string(1000, 'x'), 1000, 2 * (1003 + 48) + 3 * 1008},
+      {std::string(1000, '\xff'), 1000, 2 * (3003 + 48) + 3 * 3008},  // each byte becomes three
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.value.substr(0, 5));
-    store(service.database(), {{"a", c.value}});
-    const Change change = changesOf(service.database(), {"a"}).front();
-    const size_t before = addressesTaken();
+    store(service.database(), {{"ab", c.value}});
+    const Change change = changesOf(service.database(), {"ab"}).front();
     SignalRoom room;
     for (size_t i = 0; i < c.changes; ++i) ASSERT_TRUE(room.makeRoom(change));
-    EXPECT_GE(addressesTaken(), before + c.kibibytes * 1024);
-    EXPECT_LE(addressesTaken(), before + 3 * c.kibibytes * 1024);
+    EXPECT_GE(Mappings::kept + SMALL_MEMORY, c.changes * c.bytes);
+    EXPECT_LE(Mappings::kept, 3 * c.changes * c.bytes);
     room.release();
-    EXPECT_EQ(addressesTaken(), before);
+    EXPECT_EQ(Mappings::kept, 0U);
+  }
+}
+
+TEST(SignalRoom, IsKeptToTheByte) {
+  TestService service("ab rw {}\n");
+  struct Case {
+    std::string value;
+    size_t bytes;
+  };
+  const Case cases[] = {
+      {std::string(100000, 'x'), 2 * (100003 + 48) + 3 * 100008},
+      {std::string(100000, '\xff'), 2 * (300003 + 48) + 3 * 300008},
+  };
+  for (const Case& c : cases) {
+    store(service.database(), {{"ab", c.value}});
+    SignalRoom room;
+    ASSERT_TRUE(room.makeRoom(changesOf(service.database(), {"ab"}).front()));
+    EXPECT_EQ(Mappings::kept, c.bytes);
   }
 }
 

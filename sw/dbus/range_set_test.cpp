@@ -4,6 +4,7 @@
 
 #include "database/range_query.h"
 #include "database/test_database.h"
+#include "deflang/value_limit.h"
 #include "deflang/work.h"
 #include "sw/dbus/errors.h"
 #include "sw/dbus/reply.h"
@@ -84,6 +85,21 @@ TEST_F(RangeSetTest, EndsWhereTheReplyWouldTakeTooMuch) {
     }
     EXPECT_EQ(result, base == "a" ? INTERNAL_ERROR : RANGE_FOUND);
     EXPECT_EQ(ranges.add(base + "[x"), INTERNAL_ERROR);
+  }
+}
+
+// Texts take memory for each name that has them.
+TEST_F(RangeSetTest, CountsTheTextsOfEachName) {
+  Database database;
+  define(database, "wide rw { rangeValid { \"" + std::string(MAX_VALUE_BYTES, 'x') + "\" } }\n");
+  Transaction transaction(database);
+  RangeSet ranges(transaction);
+  std::vector<std::string> names;
+  const size_t fitting = MAX_REPLY_MEMORY / MAX_VALUE_BYTES - 1;
+  names.reserve(fitting + 1);
+  for (size_t i = 0; i <= fitting; ++i) {
+    names.push_back("wide[" + std::to_string(i));
+    EXPECT_EQ(ranges.add(names.back()), i < fitting ? RANGE_FOUND : INTERNAL_ERROR);
   }
 }
 

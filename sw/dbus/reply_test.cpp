@@ -1,5 +1,6 @@
 #include "sw/dbus/reply.h"
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -7,6 +8,28 @@
 #include "sw/dbus/memory_reserve.h"
 #include "sw/dbus/test_mappings.h"
 #include "sw/dbus/test_reply.h"
+
+namespace {
+
+size_t keptWhileMending = 0;  // bytes of mappings
+int freedStructures = 0;
+
+template <typename Function>
+Function* ofTheLibrary(Function* /*ours*/, const char* name) {
+  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+}  // namespace
+
+// Around those of GLib.
+extern "C" gchar* g_utf8_make_valid(const gchar* text, gssize length) {
+  keptWhileMending = Mappings::kept;
+  return ofTheLibrary(g_utf8_make_valid, "g_utf8_make_valid")(text, length);
+}
+extern "C" void g_boxed_free(GType type, gpointer boxed) {
+  ++freedStructures;
+  ofTheLibrary(g_boxed_free, "g_boxed_free")(type, boxed);
+}
 
 namespace {
 
@@ -57,7 +80,9 @@ TEST(NewText, IsMendedOnlyWhereThereIsMemoryForIt) {
   EXPECT_EQ(shorter.length, 3 * (text.size() - 1));
   g_free(shorter.text);
   Mappings::succeed = true;
+  keptWhileMending = SIZE_MAX;
   const NewText mended = tryNewText({text});
+  EXPECT_EQ(keptWhileMending, 0U);  // what was kept is there for it
   EXPECT_EQ(mended.length, 3 * text.size());
   g_free(mended.text);
 }
@@ -123,6 +148,18 @@ TEST(StructArray, HoldsTextsWithNames) {
   array.addText("mode", "film");
   array.addText("\xff", "\xff");
   EXPECT_EQ(taken(array.release(), namedTextType()), (Texts{"mode,film", "\ufffd,\ufffd"}));
+}
+
+TEST(StructArray, FreesWhatNobodyTook) {
+  for (const int count : {0, 1, 3}) {
+    SCOPED_TRACE(count);
+    freedStructures = 0;
+    {
+      StructArray array;
+      for (int i = 0; i < count; ++i) array.addSpan({i, i});
+    }
+    EXPECT_EQ(freedStructures, count);
+  }
 }
 
 TEST(StructArray, HoldsNothingAtFirst) {

@@ -139,6 +139,13 @@ TEST_F(TransactionOwnersTest, OneOpenedForAClientThatHasLeftCountsAtOnce) {
   EXPECT_EQ(openOnes(), Ids{1});
 }
 
+TEST_F(TransactionOwnersTest, OneOpenedForAClientThatHasLeftCountsBeforeItIsUsed) {
+  uint32_t id = 0;
+  EXPECT_NE(transactions_.open(id), nullptr);
+  owners_.opened(id, "");
+  EXPECT_EQ(owners_.leftBytes(), TransactionOwners::BYTES_OF_EMPTY);
+}
+
 TEST_F(TransactionOwnersTest, WhatIsEndedLeavesNothing) {
   for (int round = 0; round < 3; ++round) {
     const uint32_t first = open("a", 1);

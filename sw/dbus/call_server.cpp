@@ -215,13 +215,15 @@ void CallServer::serveNext() {
 }
 
 // Several at a time, as each round of the main loop costs some system calls, but not for long:
-// meanwhile nobody else's call is taken.
+// meanwhile nobody else's call is taken. What made the source ready may be served by another by the
+// time that it is its turn.
 void CallServer::serveBatch() {
   constexpr gint64 LONG = 1000;  // in microseconds
   const gint64 end = g_get_monotonic_time() + LONG;
-  do {
+  while (hasCall() && !last_) {
     serveNext();
-  } while (hasCall() && !last_ && g_get_monotonic_time() < end);
+    if (g_get_monotonic_time() >= end) return;
+  }
 }
 
 void CallServer::end() {

@@ -161,7 +161,7 @@ self rw { ctrlRO (self == 3) }
 TEST(Database, KnowsTheIndicesThatNameAParameter) {
   Database database;
   define(database, R"(
-i index { ctrlValid (often[1] == 1 && often[2] == 1 && once == 1) }
+i index { ctrlValid (often[1] == 1 && once == 1 && often[2] == 1) }
 of index { rangeValid { 1..2 } }
 unused index { ctrlValid (unread == 1) }
 indexed rw { index { i } }
@@ -187,6 +187,19 @@ unread rw { }
     EXPECT_EQ(parm->indices->naming, c.naming);
     EXPECT_EQ(parm->hasDependents(), !c.naming.empty());
   }
+}
+
+TEST(Database, ListsWhoNamesAParameterOnceAndInNameOrder) {
+  Database database;
+  define(database, R"(
+i index { rangeValid { 1..2 } }
+q rw { index { i } }
+e rw { ctrlRO (q[1] == 1) }
+d rw { ctrlRO (q[1] == 1 && q[2] == 1) }
+)");
+  EXPECT_EQ(database.findParm("q")->dependents,
+            (std::vector<ParmEntry*>{database.findParm("d"), database.findParm("e")}));
+  EXPECT_TRUE(database.findParm("d")->dependents.empty());
 }
 
 TEST(Database, ForgetsTheWalksBeforeTheirNumberBeginsAnew) {

@@ -95,6 +95,7 @@ TEST(DependencyInstances, AreTheOneThatIsAskedForAndThoseAmongTheNames) {
       {"free", {}},
       {"left", {"right"}},
       {"both[1][a]", {"mode", "perIn[1]"}},
+      {"chain[3]", {"both[1][a]", "mode", "perIn[1]", "perIn[2]"}},
       {"sees[2]", {"both[2]", "mode", "perIn[2]"}},
       {"self[2]", {"mode", "self[0]", "self[2]"}},
       {"flat",
@@ -142,12 +143,15 @@ std::string manyNames(std::string_view between, std::string_view behind = "") {
   return text;
 }
 
-// `once` names each of them once, `figures` also by figures of the standards that they select.
+// `once` names each of them once, `figures` also by figures of the standards that they select,
+// `byIndex` by an index alone; `more` names a constant as well.
 std::string longText() {
-  return "any index { }\n" + manyNames("", " rw { index { any } }\n") +
-         "once rw { index { any } ctrlRO (" + manyNames(" == ") + ") }\n" +
-         "figures rw { index { any } ctrlRO (" + manyNames(" == ") +
-         " == vidStd::q10::spal == vidStd::q10::alpf) }\nalone rw { index { any } }\n";
+  return "any index { }\nnaming index { ctrlValid (" + manyNames(" == ") + ") }\n" +
+         manyNames("", " rw { index { any } }\n") + "once rw { index { any } ctrlRO (" +
+         manyNames(" == ") + ") }\n" + "figures rw { index { any } ctrlRO (" + manyNames(" == ") +
+         " == vidStd::q10::spal == vidStd::q10::alpf) }\nalone rw { index { any } }\n" +
+         "byIndex rw { index { any, naming } }\n" + "more rw { index { any } ctrlRO (" +
+         manyNames(" == ") + " == Z) }\n";
 }
 
 std::string longValue() {
@@ -157,7 +161,7 @@ std::string longValue() {
 
 TEST(Dependencies, AreNoLongerAllTogetherThanFitsIntoAMessage) {
   Database database;
-  define(database, longText());
+  define(database, longText(), {{"Z", "1"}});
   Names names;
   EXPECT_EQ(dependencies(database, "once[" + longValue() + "]", true, names), DEPENDENCIES_FOUND);
   EXPECT_EQ(names.size(), MANY);
@@ -165,11 +169,21 @@ TEST(Dependencies, AreNoLongerAllTogetherThanFitsIntoAMessage) {
   names.clear();
   EXPECT_EQ(dependencies(database, "once[x" + longValue() + "]", true, names),
             DEPENDENCIES_TOO_LARGE);
+  names.clear();
+  EXPECT_EQ(dependencies(database, "byIndex[" + longValue() + "][1]", true, names),
+            DEPENDENCIES_FOUND);
+  EXPECT_EQ(names.size(), MANY);
+  names.clear();
+  EXPECT_EQ(dependencies(database, "byIndex[x" + longValue() + "][1]", true, names),
+            DEPENDENCIES_TOO_LARGE);
+  names.clear();
+  EXPECT_EQ(dependencies(database, "more[" + longValue() + "]", true, names),
+            DEPENDENCIES_TOO_LARGE);
 }
 
 TEST(Dependencies, BoundRangeQueriesAndCountForThemOnceAndWithoutTheTarget) {
   Database database;
-  define(database, longText());
+  define(database, longText(), {{"Z", "1"}});
   const StagedValues staged;
   BoundsParm range;
   for (const char* name : {"once", "figures"}) {
@@ -181,11 +195,15 @@ TEST(Dependencies, BoundRangeQueriesAndCountForThemOnceAndWithoutTheTarget) {
     EXPECT_EQ(queryRange(database, staged, start + "x]", range), RANGE_FOUND);
   }
   EXPECT_EQ(queryRange(database, staged, "alone[x" + longValue() + "]", range), RANGE_FOUND);
+  // The constant's name has one byte.
+  EXPECT_EQ(queryRange(database, staged, "more[" + longValue().substr(1) + "]", range),
+            RANGE_FOUND);
+  EXPECT_EQ(queryRange(database, staged, "more[" + longValue() + "]", range), RANGE_TOO_LARGE);
 }
 
 TEST(Dependencies, OfANameWithAPartThatIsTooLongAreThoseOfNoParameter) {
   Database database;
-  define(database, longText());
+  define(database, longText(), {{"Z", "1"}});
   const std::string longest(MAX_VALUE_BYTES, 'x');
   const StagedValues staged;
   Names names;

@@ -24,11 +24,13 @@ narrow index { ctrlValid (perIn[2] != perIn + in + SIDE) }
 fixed index { ctrlValid (perIn[2] + LIMIT + mode) }
 self index { ctrlValid (self != 2) }
 byInstance index { ctrlValid (perIn) }
+figureOfIndex index { ctrlValid (vidStd::in::tlpf + perIn) }
 figureOfInstance index { ctrlValid (vidStd::perIn::tlpf) }
 narrowFirst rw { index { narrow, in } }
 narrowAfter rw { index { in, narrow } }
 behindSide rw { index { SIDE, narrow } }
 twice rw { index { self, self } }
+behindIn rw { index { in, figureOfIndex } }
 
 single rw { ctrlRO (mode == 1 && LIMIT == 2 && perIn == 3 && perIn[2] == 4) }
 ofIn rw { index { in } ctrlRO (mode + perIn + both + perOut + perIn[2] + in) }
@@ -148,6 +150,8 @@ TEST_F(GatherTest, ReadsTheNamesOfAnIndexAsTheInstanceSeesThem) {
       {"behindSide", {"b", "x"}, 1, {{"perIn[2]", "in2"}, {"perIn", ""}, {"SIDE", "b"}}},
       {"twice", {"1", "2"}, 0, {}},
       {"twice", {"1", "2"}, 1, {{"self", "1"}}},
+      // An index is no selector of a standard.
+      {"behindIn", {"1", "x"}, 1, {{"perIn", "in1"}}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
@@ -173,6 +177,7 @@ TEST_F(GatherTest, SharesIndicesByDefinition) {
   const ParmDef& both = database_.findParm("both")->parm;
   const ParmDef& swapped = database_.findParm("swapped")->parm;
   const ParmDef& mode = database_.findParm("mode")->parm;
+  const ParmDef& twice = database_.findParm("twice")->parm;
   struct Case {
     const char* what;
     const ParmDef& evaluated;
@@ -183,6 +188,7 @@ TEST_F(GatherTest, SharesIndicesByDefinition) {
   const Case cases[] = {
       {"the same list", both, {"1", "a"}, both, {"1", "a"}},
       {"the same list, whatever the number", both, {"1"}, both, {"1"}},
+      {"the same list, with an index twice", twice, {"1", "2"}, twice, {"1", "2"}},
       {"another order", both, {"1", "a"}, swapped, {"a", "1"}},
       {"another order, too few values", both, {"1"}, swapped, {"1"}},
       {"one of two", both, {"1", "a"}, perIn, {"1"}},

@@ -167,4 +167,16 @@ TEST(IndexRange, OfMoreThanFitsIntoAMessageIsTooMuch) {
   }
 }
 
+TEST(IndexRange, OfMoreSpansThanFitIntoAMessageIsTooMuch) {
+  DefinitionParts parts;
+  parts.name = "even";
+  constexpr int MANY = static_cast<int>(MAX_QUERY_BYTES / sizeof(Span)) + 2;
+  for (int i = 0; i < MANY; ++i) EXPECT_EQ(parts.baseBounds.integers().addSpan(2 * i, 2 * i), 0);
+  Database database;
+  EXPECT_EQ(database.registerIndex(std::make_unique<IndexDef>(std::move(parts))), 0);
+  std::vector<std::string> texts;
+  Spans spans;
+  EXPECT_EQ(indexRange(database, StagedValues(), "even", texts, spans), INDEX_RANGE_TOO_LARGE);
+}
+
 }  // namespace

@@ -68,4 +68,15 @@ TEST(LargestChange, IsTheOneThatTheLogTellsOf) {
   }
 }
 
+TEST(LargestChange, IsLookedForOnlyWhereAllTogetherAreTooMuch) {
+  const std::pair<const char*, bool> cases[] = {{"1..999999", false}, {"1..1000000", true}};
+  for (const auto& [range, isFound] : cases) {
+    SCOPED_TRACE(range);
+    Database database;
+    define(database, "i index { rangeValid { " + std::string(range) +
+                         " } }\na rw { ctrlRO (b == 1) }\nb rw { index { i } }\n");
+    EXPECT_EQ(findLargestChange(database).parm != nullptr, isFound);
+  }
+}
+
 }  // namespace

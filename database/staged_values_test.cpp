@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
+
 #include "database/test_database.h"
+#include "deflang/test_allocations.h"
 
 namespace {
 
@@ -104,17 +107,37 @@ TEST_F(StagedValuesTest, AreListedByFullNameAndCleared) {
   EXPECT_EQ(staged.find(*mode_, {}), nullptr);
 }
 
+TEST_F(StagedValuesTest, AreAsBeforeWhereMemoryIsExhausted) {
+  bool fails = true;
+  for (size_t allocations = 0; fails; ++allocations) {
+    SCOPED_TRACE(allocations);
+    StagedValues staged;
+    Allocations::left = allocations;
+    try {
+      staged.stage(*mode_, {}, false);
+      fails = false;
+    } catch (const std::bad_alloc&) {
+    }
+    Allocations::left = SIZE_MAX;
+    EXPECT_EQ(staged.empty(), fails);
+    EXPECT_EQ(staged.find(*mode_, {}) == nullptr, fails);
+    staged.stage(*mode_, {}, false);
+    EXPECT_EQ(staged.inNameOrder().size(), 1U);
+  }
+}
+
 TEST_F(StagedValuesTest, TellWhatMemoryTheyTake) {
   StagedValues staged;
   EXPECT_EQ(staged.bytes(), 0U);
   StagedEntry& entry = staged.stage(*mode_, {}, false);
   const size_t small = staged.bytes();
-  EXPECT_GE(small, sizeof(StagedEntry));
+  constexpr size_t OVERHEAD = 16;  // of an allocation
+  // Room for eight entries and sixteen places of the table to find them.
+  EXPECT_EQ(small, 8 * sizeof(StagedEntry) + OVERHEAD + 16 * 8 + OVERHEAD);
   entry.value.set("short");  // in the entry itself
   EXPECT_EQ(staged.bytes(), small);
   const std::string text(1000, 'x');
   entry.value.set(text);
-  constexpr size_t OVERHEAD = 16;  // of an allocation
   EXPECT_EQ(staged.bytes(), small + text.size() + OVERHEAD);
   const size_t withoutIndices = staged.bytes();
   staged.stage(*gain_, {text}, false);

@@ -75,11 +75,15 @@ TEST_F(WalkedAgainTest, AnotherFailureEndsTheWalks) {
 }
 
 TEST_F(WalkedAgainTest, ARangeQuerySettlesInTheSameWay) {
-  defineByHand({PULLED, {.common = {.name = "b"}, .rules = {{"a != 9", "sw::this == 0", "0"}}}});
+  defineByHand({PULLED,
+                {.common = {.name = "b"}, .rules = {{"a != 9", "sw::this == 0", "0"}}},
+                {.common = {.name = "above", .ranges = {{"1", {"0..(a)"}}}}}});
   stage("a", "1");
   stage("b", "1");
   BoundsParm range;
   EXPECT_EQ(queryRange(database_, transaction_.staged(), "a", range), RANGE_FOUND);
+  EXPECT_EQ(queryRange(database_, transaction_.staged(), "above", range), RANGE_FOUND);
+  EXPECT_EQ(range.integers().spans(), (Spans{{0, 5}}));
   EXPECT_EQ(value("a"), "1");
   EXPECT_EQ(value("b"), "1");
 }

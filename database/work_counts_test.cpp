@@ -23,6 +23,9 @@ crop rw { index { in } rangeValid { 0..(width) } }
 long rw { ctrlValid (text $ part) }
 text rw { }
 part rw { }
+named index { rangeValid { "ab", "c", 4 } rangeValid (only != 1) { "ab", "c", 4 } }
+only rw { }
+byName rw { index { named } }
 )";
 
 class WorkCounts : public testing::Test {
@@ -57,6 +60,8 @@ TEST_F(WorkCounts, OfACommitFollowFromItsPlanAndItsTexts) {
       // And "long", which looks for the one in the other.
       {{{"text", std::string(1000, 'x')}, {"part", "y"}},
        4316 + 320 + 100 + 4300 + 304 + 351 + 4000},
+      // And three instances of "byName", whose index is worked out once and asked for each.
+      {{{"only", "5"}}, 320 + 25 + 304 + 3 * (508 + 10) + 41},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.values.empty() ? "nothing" : c.values.front().first);
@@ -79,11 +84,24 @@ TEST_F(WorkCounts, OfQueriesFollowFromWhatTheyWalkOver) {
   Spans spans;
   EXPECT_EQ(indexRange(database_, staged, "in", texts, spans), INDEX_RANGE_FOUND);
   const uint64_t index = Work::done();
+  Work::begin(UNLIMITED);
+  EXPECT_EQ(indexRange(database_, staged, "named", texts, spans), INDEX_RANGE_FOUND);
+  const uint64_t indexOfTexts = Work::done();
   // Three references and two names; evaluated in the plan and by itself, and the range taken; what
   // applies, and one run.
   EXPECT_EQ(depending, 3 * uint64_t{300} + 20 + 16);
   EXPECT_EQ(range, depending + 2 * uint64_t{601} + 31 + 81);
   EXPECT_EQ(index, 3 * uint64_t{31} + 50);
+  // What applies; one run and two texts, each with the one conditional range; the texts' bytes.
+  EXPECT_EQ(indexOfTexts, 3 * uint64_t{41} + 3 * (50 + 10) + 4 * 3);
+}
+
+TEST_F(WorkCounts, OfAQueryAreOfTheParameterWhoseNamesItReads) {
+  std::set<std::string> names;
+  Work::begin(700);
+  EXPECT_THROW(static_cast<void>(dependencies(database_, "crop[1]", true, names)), WorkExceeded);
+  EXPECT_EQ(Work::exceededText(), R"(work: ERROR "width": 936 units of work, 700 allowed)");
+  Work::begin(UNLIMITED);
 }
 
 TEST_F(WorkCounts, OfALineInTheLogAreOfItsBytesAndAFixedPart) {

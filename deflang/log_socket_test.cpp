@@ -1,5 +1,6 @@
 #include "deflang/log_socket.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
@@ -228,14 +229,31 @@ TEST_F(LogSocketTest, TellsALogThatIsAbsentFromOneThatCannotBeReached) {
   }
 }
 
+bool isOpen(int descriptor) { return fcntl(descriptor, F_GETFD) != -1; }
+
+TEST_F(LogSocketTest, ClosesItsDescriptorAtItsEnd) {
+  startLog();
+  const int next = dup(STDIN_FILENO);
+  close(next);
+  {
+    LogSocket socket(path());
+    EXPECT_EQ(socket.send("one"), 0);
+    EXPECT_TRUE(isOpen(next));
+  }
+  EXPECT_FALSE(isOpen(next));
+}
+
 TEST_F(LogSocketTest, SendsAlsoWhereItsDescriptorIsTheFirst) {
   startLog();
   const int input = dup(STDIN_FILENO);
   close(STDIN_FILENO);
-  LogSocket socket(path());
-  EXPECT_EQ(socket.send("one"), 0);
-  EXPECT_EQ(socket.send("two"), 0);
-  EXPECT_EQ(entries().size(), 2U);
+  {
+    LogSocket socket(path());
+    EXPECT_EQ(socket.send("one"), 0);
+    EXPECT_EQ(socket.send("two"), 0);
+    EXPECT_EQ(entries().size(), 2U);
+  }
+  EXPECT_FALSE(isOpen(STDIN_FILENO));
   EXPECT_EQ(dup2(input, STDIN_FILENO), STDIN_FILENO);
   close(input);
 }

@@ -260,6 +260,15 @@ TEST(ExpressionTruth, IsANumberOtherThanZeroOrAnyText) {
   }
 }
 
+TEST(Program, HasNoValueWhereThatIsTooLong) {
+  const std::pair<size_t, bool> cases[] = {{MAX_VALUE_BYTES, true}, {MAX_VALUE_BYTES + 1, false}};
+  for (const auto& [bytes, isValue] : cases) {
+    SCOPED_TRACE(bytes);
+    EXPECT_EQ(Program::constant(std::string(bytes, 'x')).evaluate(SituationView()).valid(),
+              isValue);
+  }
+}
+
 TEST(Program, CompileTellsTheTokenAtWhichItFails) {
   struct FailureCase {
     std::string text;

@@ -2,7 +2,9 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/ioctl.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <array>
@@ -13,6 +15,19 @@
 #include <thread>
 #include <utility>
 #include <vector>
+
+namespace {
+
+// The descriptors that poll() was asked to wait for.
+std::vector<int> polled;
+
+}  // namespace
+
+// In the place of the C library's, to see what is waited for.
+extern "C" int poll(pollfd* descriptors, nfds_t count, int patience) {
+  for (nfds_t i = 0; i < count; ++i) polled.push_back(descriptors[i].fd);
+  return static_cast<int>(syscall(SYS_poll, descriptors, count, patience));
+}
 
 namespace {
 
@@ -249,9 +264,13 @@ TEST(ReadDefinitions, WaitsForANonBlockingStream) {
   SlowPipe slow(O_NONBLOCK);
   const File file(fdopen(slow.readEnd(), "r"), fclose);
   slow.write(SLOW_TEXT, [] {});
+  polled.clear();
   const Reading reading = readStream(file.get(), registry);
   EXPECT_EQ(reading.result, 0);
   EXPECT_EQ(reading.err, "");
+  // Once at most for each piece and for the end, not again and again.
+  EXPECT_LE(polled.size(), SLOW_TEXT.size() + 1);
+  EXPECT_EQ(polled, std::vector<int>(polled.size(), slow.readEnd()));
   EXPECT_EQ(registry.parmNames(), (std::vector<std::string>{"gain", "hue"}));
   // Its mode is not changed: others may share it.
   EXPECT_NE(fcntl(slow.readEnd(), F_GETFL) & O_NONBLOCK, 0);

@@ -202,6 +202,20 @@ d rw { ctrlRO (q[1] == 1 && q[2] == 1) }
   EXPECT_TRUE(database.findParm("d")->dependents.empty());
 }
 
+TEST(Database, KeepsNoMoreRoomThanForTheNamesThatAParameterUses) {
+  Database database;
+  define(database, R"(
+a rw { }
+b rw { }
+c rw { }
+d rw { }
+sum rw { ctrlRO (a == b + c + d + sw::this) }
+)");
+  const ParmEntry& sum = *database.findParm("sum");
+  EXPECT_EQ(sum.sources.size(), 5U);
+  EXPECT_EQ(sum.sources.capacity(), sum.sources.size());
+}
+
 TEST(Database, ForgetsTheWalksBeforeTheirNumberBeginsAnew) {
   Database database;
   EXPECT_EQ(database.registerParm(parmNamed("a")), 0);

@@ -287,6 +287,21 @@ TEST(Program, CompileTellsTheTokenAtWhichItFails) {
   }
 }
 
+TEST(Program, IsCompiledWithAsManyAllocationsHoweverLongItIs) {
+  const auto allocationsOf = [](const std::string& text) {
+    const Expression expression = readExpression(text);
+    Variables variables;
+    Program program;
+    const size_t before = Allocations::count;
+    EXPECT_EQ(Program::compile(expression, variables, program), 0) << text;
+    return Allocations::count - before;
+  };
+  std::string sum = "1 + 1";
+  const size_t few = allocationsOf(sum);
+  for (int i = 0; i < 100; ++i) sum += " + 1";
+  EXPECT_EQ(allocationsOf(sum), few);
+}
+
 TEST(Program, CompileReplacesWhatWasThere) {
   Variables variables;
   Program program = programOf("\"old\" + a", variables);

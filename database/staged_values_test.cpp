@@ -133,7 +133,7 @@ TEST_F(StagedValuesTest, TellWhatMemoryTheyTake) {
   const size_t small = staged.bytes();
   constexpr size_t OVERHEAD = 16;  // of an allocation
   // Room for eight entries and sixteen places of the table to find them.
-  EXPECT_EQ(small, 8 * sizeof(StagedEntry) + OVERHEAD + 16 * 8 + OVERHEAD);
+  EXPECT_EQ(small, 8 * sizeof(StagedEntry) + OVERHEAD + size_t{16} * 8 + OVERHEAD);
   entry.value.set("short");  // in the entry itself
   EXPECT_EQ(staged.bytes(), small);
   const std::string text(1000, 'x');

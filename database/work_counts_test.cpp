@@ -93,7 +93,7 @@ TEST_F(WorkCounts, OfQueriesFollowFromWhatTheyWalkOver) {
   EXPECT_EQ(range, depending + 2 * uint64_t{601} + 31 + 81);
   EXPECT_EQ(index, 3 * uint64_t{31} + 50);
   // What applies; one run and two texts, each with the one conditional range; the texts' bytes.
-  EXPECT_EQ(indexOfTexts, 3 * uint64_t{41} + 3 * (50 + 10) + 4 * 3);
+  EXPECT_EQ(indexOfTexts, 3 * uint64_t{41} + 3 * uint64_t{50 + 10} + uint64_t{4} * 3);
 }
 
 TEST_F(WorkCounts, OfAQueryAreOfTheParameterWhoseNamesItReads) {

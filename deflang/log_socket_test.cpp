@@ -34,6 +34,7 @@ ssize_t failOrCall(int& error, long number, long a, long b, long c) {
 extern "C" int socket(int domain, int type, int protocol) noexcept {
   return static_cast<int>(failOrCall(nextSocketError, SYS_socket, domain, type, protocol));
 }
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" ssize_t sendmsg(int descriptor, const msghdr* message, int flags) {
   return failOrCall(nextSendError, SYS_sendmsg, descriptor, reinterpret_cast<long>(message), flags);
 }

@@ -23,8 +23,10 @@ std::vector<int> polled;
 
 }  // namespace
 
-// In the place of the C library's, to see what is waited for.
-extern "C" int poll(pollfd* descriptors, nfds_t count, int patience) {
+// In the place of the C library's poll(), to see what is waited for. The library's headers may hold
+// a definition of that name.
+extern "C" int notedPoll(pollfd* descriptors, nfds_t count, int patience) __asm__("poll");
+int notedPoll(pollfd* descriptors, nfds_t count, int patience) {
   for (nfds_t i = 0; i < count; ++i) polled.push_back(descriptors[i].fd);
   return static_cast<int>(syscall(SYS_poll, descriptors, count, patience));
 }

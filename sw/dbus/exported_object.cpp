@@ -13,10 +13,6 @@ struct Export {
 
 Export exported;
 
-void forget(DBusConnection* connection, void* data) {
-  exported.binding->unregister_function(connection, data);
-}
-
 DBusHandlerResult handleMessage(DBusConnection* /*connection*/, DBusMessage* message,
                                 void* /*data*/) {
   if (dbus_message_get_type(message) != DBUS_MESSAGE_TYPE_METHOD_CALL) {
@@ -34,7 +30,6 @@ extern "C" dbus_bool_t dbus_connection_try_register_object_path(DBusConnection* 
                                                                 const DBusObjectPathVTable* vtable,
                                                                 void* data, DBusError* error) {
   DBusObjectPathVTable handlers = {};
-  handlers.unregister_function = forget;
   handlers.message_function = handleMessage;
   exported.binding = vtable;
   exported.data = data;

@@ -170,7 +170,6 @@ int getDependencies(Database& database, const char* name, char*** dependencyRepl
   std::set<std::string> names;
   int result = dependencies(database, name, true, names);
   if (result == DEPENDENCIES_INVALID_INDEX && strchr(name, '[') == nullptr) {
-    names.clear();
     result = dependencies(database, name, false, names);
   }
   if (result != DEPENDENCIES_FOUND) return result;

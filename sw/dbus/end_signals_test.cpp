@@ -71,7 +71,9 @@ TEST(EndSignalsDeathTest, WhatWasBeforeIsThereAgain) {
   {
     const EndSignals endSignals([] {});
   }
-  EXPECT_EXIT(raise(SIGINT), testing::KilledBySignal(SIGINT), "");
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+    EXPECT_EXIT(raise(signal), testing::KilledBySignal(signal), "");
+  }
 }
 
 }  // namespace

@@ -71,6 +71,17 @@ TEST(LastWordsDeathTest, AreSaidWhereThereIsNoMessage) {
   EXPECT_EXIT(afterPreparation(warnWithoutMessage), testing::ExitedWithCode(1), LAST_LINES);
 }
 
+TEST(LastWordsDeathTest, AreSaidOnce) {
+  const auto failOnTheWay = [] {
+    const LogRedirection log([](const std::string& line) {
+      fprintf(stderr, "%s\n", line.c_str());
+      endWithLastWords();
+    });
+    endWithLastWords();
+  };
+  EXPECT_EXIT(failOnTheWay(), testing::ExitedWithCode(1), std::string("^") + LAST_LINES + "$");
+}
+
 TEST(LastWordsDeathTest, AbortEndsTheProcessAlsoWhereItsSignalIsIgnored) {
   const auto abortUnheard = [] {
     std::signal(SIGABRT, SIG_IGN);

@@ -4,6 +4,7 @@
 
 #include "database/range_query.h"
 #include "database/test_database.h"
+#include "deflang/test_allocations.h"
 #include "deflang/value_limit.h"
 #include "deflang/work.h"
 #include "sw/dbus/errors.h"
@@ -86,6 +87,23 @@ TEST_F(RangeSetTest, EndsWhereTheReplyWouldTakeTooMuch) {
     EXPECT_EQ(result, base == "a" ? INTERNAL_ERROR : RANGE_FOUND);
     EXPECT_EQ(ranges.add(base + "[x"), INTERNAL_ERROR);
   }
+}
+
+TEST_F(RangeSetTest, PutsNoFullNameTogetherAgain) {
+  Database database;
+  define(database, "any index { }\np rw { index { any } }\n");
+  Transaction transaction(database);
+  RangeSet ranges(transaction);
+  const std::string value(1000, 'x');
+  const std::string names[] = {"p[first" + value + "]x", "p[" + value + "]",
+                               "p[other" + value + "]x"};
+  size_t taken[3] = {};
+  for (size_t i = 0; i < 3; ++i) {
+    const size_t before = Allocations::live;
+    EXPECT_EQ(ranges.add(names[i]), RANGE_FOUND);
+    taken[i] = Allocations::live - before;
+  }
+  EXPECT_LT(taken[1] + 1, taken[2]);  // neither a place in the table nor a text
 }
 
 // Texts take memory for each name that has them.

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <new>
 
 #include "sw/dbus/memory_reserve.h"
 #include "sw/dbus/test_mappings.h"
@@ -13,6 +14,7 @@ namespace {
 
 size_t keptWhileMending = 0;  // bytes of mappings
 int freedStructures = 0;
+bool hasMemory = true;  // for what GLib tries to have
 
 template <typename Function>
 Function* ofTheLibrary(Function* /*ours*/, const char* name) {
@@ -21,7 +23,9 @@ Function* ofTheLibrary(Function* /*ours*/, const char* name) {
 
 }  // namespace
 
-// Around those of GLib.
+// In the place of those of GLib, or around them.
+extern "C" gpointer g_try_malloc(gsize size) { return hasMemory ? malloc(size) : nullptr; }
+extern "C" gpointer g_try_malloc_n(gsize count, gsize size) { return g_try_malloc(count * size); }
 extern "C" gchar* g_utf8_make_valid(const gchar* text, gssize length) {
   keptWhileMending = Mappings::kept;
   return ofTheLibrary(g_utf8_make_valid, "g_utf8_make_valid")(text, length);
@@ -65,6 +69,15 @@ TEST(NewText, PutsItsPartsTogether) {
   EXPECT_STREQ(made.text, "gain=1\ufffd");
   EXPECT_EQ(made.length, 9U);
   g_free(made.text);
+}
+
+TEST(NewText, IsThereOnlyWhereThereIsMemoryForIt) {
+  hasMemory = false;
+  const NewText none = tryNewText({"gain"});
+  EXPECT_THROW(newText({"gain"}), std::bad_alloc);
+  hasMemory = true;
+  EXPECT_EQ(none.text, nullptr);
+  EXPECT_EQ(none.length, 0U);
 }
 
 TEST(NewText, IsMendedOnlyWhereThereIsMemoryForIt) {

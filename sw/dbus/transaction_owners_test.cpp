@@ -146,6 +146,12 @@ TEST_F(TransactionOwnersTest, OneOpenedForAClientThatHasLeftCountsBeforeItIsUsed
   EXPECT_EQ(owners_.leftBytes(), TransactionOwners::BYTES_OF_EMPTY);
 }
 
+TEST_F(TransactionOwnersTest, OneThatIsThereNoMoreTakesNothing) {
+  EXPECT_EQ(transactions_.end(open("a", 0)), 0);
+  owners_.left("a");
+  EXPECT_EQ(owners_.leftBytes(), 0U);
+}
+
 TEST_F(TransactionOwnersTest, WhatIsEndedLeavesNothing) {
   for (int round = 0; round < 3; ++round) {
     const uint32_t first = open("a", 1);

@@ -5,11 +5,15 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
 #include "deflang/system_log.h"
+
+// NOLINTNEXTLINE(readability-identifier-naming,bugprone-reserved-identifier)
+extern "C" int __vasprintf_chk(char** ptr, int flag, const char* fmt, va_list arg);
 
 namespace {
 
@@ -63,6 +67,20 @@ TEST(Texts, OfGLibAreAsLongAsTheyHaveToBe) {
     EXPECT_EQ(made, text);
     g_free(made);
   }
+}
+
+TEST(Texts, AreNoneWhereAFormatFails) {
+  const auto format = [](char** text, const char* pattern, ...) {
+    va_list arguments;
+    va_start(arguments, pattern);
+    const int length = __vasprintf_chk(text, 1, pattern, arguments);
+    va_end(arguments);
+    return length;
+  };
+  char empty = '\0';
+  char* text = &empty;
+  EXPECT_EQ(format(&text, "%ls", L"\u20ac"), -1);  // not in the C locale
+  EXPECT_EQ(text, nullptr);
 }
 
 // GLib has none for a message that cannot be put together.

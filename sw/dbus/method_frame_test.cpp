@@ -123,7 +123,9 @@ TEST(Serve, LooksForHeadroomWhereAMethodKeepsMemory) {
     EXPECT_EQ(succeeds(family), !keepsMemory(family));
     EXPECT_EQ(succeeds(family), !keepsMemory(family));  // it is not known yet that there is any
     Mappings::succeed = true;
+    Mappings::most = 0;
     EXPECT_TRUE(succeeds(family));
+    EXPECT_EQ(Mappings::most, keepsMemory(family) ? HEADROOM : 0);
     EXPECT_TRUE(succeeds(METHOD_SET));
     Mappings::succeed = false;
     EXPECT_TRUE(succeeds(family));

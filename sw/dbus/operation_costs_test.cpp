@@ -184,6 +184,35 @@ TEST_F(OperationCosts, LeaveNothingWhereThereIsNoMemoryForTheMessage) {
   }
 }
 
+TEST_F(OperationCosts, StageNothingWhereAllTogetherIsTooMuch) {
+  Transaction transaction(service_.database());
+  std::string name = "short";
+  std::string value = "y";
+  std::vector<char*> names(10, name.data());
+  std::vector<char*> values(10, value.data());
+  names.push_back(nullptr);
+  values.push_back(nullptr);
+  const struct {
+    const char* subject;
+    std::function<int()> operation;
+    uint64_t units;  // of each name
+  } cases[] = {
+      {"setting", [&] { return setTexts(transaction, names.data(), values.data(), false); }, 324},
+      {"resetting", [&] { return resetAll(transaction, names.data(), false); }, 320},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.subject);
+    Work::begin(10 * c.units - 1);
+    EXPECT_THROW(c.operation(), WorkExceeded);
+    EXPECT_TRUE(transaction.staged().empty());
+    Work::begin(10 * c.units);
+    EXPECT_EQ(c.operation(), STAGE_DONE);
+    EXPECT_FALSE(transaction.staged().empty());
+    transaction.staged().clear();
+  }
+  Work::begin();
+}
+
 TEST_F(OperationCosts, HaveMemoryGivenBackOnceForAll) {
   static_cast<void>(givesMemoryBack());  // which another test has asked for
   char* noNames[] = {nullptr};

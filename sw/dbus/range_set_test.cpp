@@ -106,6 +106,22 @@ TEST_F(RangeSetTest, PutsNoFullNameTogetherAgain) {
   EXPECT_LT(taken[1] + 1, taken[2]);  // neither a place in the table nor a text
 }
 
+TEST_F(RangeSetTest, CountsANameForEachOfItsSpans) {
+  constexpr size_t LENGTH = 1000;
+  constexpr size_t EACH = 256 + 2 * (STRUCT_MEMORY + LENGTH);  // beside the name, two spans
+  std::vector<std::string> names;
+  names.reserve(MAX_REPLY_MEMORY / EACH + 1);
+  int result = RANGE_FOUND;
+  while (result == RANGE_FOUND && names.size() < names.capacity()) {
+    std::string name = "a[" + std::to_string(names.size());
+    name.append(LENGTH - name.size(), 'x');
+    names.push_back(std::move(name));
+    result = ranges_.add(names.back());
+  }
+  EXPECT_EQ(result, INTERNAL_ERROR);
+  EXPECT_EQ(names.size(), MAX_REPLY_MEMORY / EACH + 1);
+}
+
 // Texts take memory for each name that has them.
 TEST_F(RangeSetTest, CountsTheTextsOfEachName) {
   Database database;

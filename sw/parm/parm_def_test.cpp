@@ -250,6 +250,9 @@ TEST(ParmDef, KnowsWhatItsEvaluationCosts) {
       {"a condition, and its name", {.common = {.validIf = {"a"}}}, 300 + 7 + 20},
       {"one for writing", {.readOnlyIf = {"a"}}, 300 + 7 + 20},
       {"a range", {.common = {.ranges = {{"a", {"0..9"}}}}}, 300 + 10 + 7 + 20},
+      {"a run-time range",
+       {.common = {.ranges = {{"1", {"(a)", "0..(a)"}}}}},
+       300 + 20 + 10 + 7 + 57 + 64},
       {"index values", {.indices = {&row, &row}}, 300 + 2 * (200 + 4 * 4)},
       // A level may be walked twice, and then once more with the correction.
       {"a rule",

@@ -11,6 +11,7 @@ itimerval lastTimer{};
 }  // namespace
 
 // Around that of the C library.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" int setitimer(__itimer_which_t which, const itimerval* timer,
                          itimerval* before) noexcept {
   lastTimer = *timer;

@@ -14,9 +14,9 @@ std::string registeredPath;
 // In the place of the bus library's.
 extern "C" dbus_bool_t dbus_connection_register_object_path(DBusConnection* /*connection*/,
                                                             const char* path,
-                                                            const DBusObjectPathVTable* handlers,
+                                                            const DBusObjectPathVTable* vtable,
                                                             void* /*data*/) {
-  EXPECT_NE(handlers->message_function, nullptr);
+  EXPECT_NE(vtable->message_function, nullptr);
   registeredPath = path;
   return hasMemory ? 1 : 0;
 }

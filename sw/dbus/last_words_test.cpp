@@ -12,7 +12,8 @@
 
 #include "deflang/system_log.h"
 
-// NOLINTNEXTLINE(readability-identifier-naming,bugprone-reserved-identifier)
+// Not every build has it from its header.
+// NOLINTNEXTLINE(readability-*,bugprone-reserved-identifier)
 extern "C" int __vasprintf_chk(char** ptr, int flag, const char* fmt, va_list arg);
 
 namespace {

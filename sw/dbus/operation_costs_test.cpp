@@ -119,7 +119,7 @@ TEST_F(OperationCosts, LookWhetherThereIsMemoryForTheMessage) {
   } const cases[] = {
       {"a text", [&] { return getText(transaction_, "note", &text); }, 3 * SHARE_LENGTH},
       {"a short text", [&] { return getText(transaction_, "short", &text); }, 0},
-      {"texts", [&] { return getNotes(20); }, 3 * 20 * MESSAGE_SHARE},
+      {"texts", [&] { return getNotes(20); }, 3 * (20 * MESSAGE_SHARE)},
       {"a range", [&] { return getRange(transaction_, "many", &texts, &structures); },
        SPANS * OF_SPAN + 3 * (8 * SPANS + TEXT_BYTES)},
       {"ranges", [&] { return getRanges(transaction_, names, &others, &structures); },

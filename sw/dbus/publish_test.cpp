@@ -125,9 +125,10 @@ TEST(SignalRoom, KeepsWhatTheSignalTakes) {
   };
   const Case cases[] = {
       {"5", 100, 0},  // little is always there
-      {"5", 10000, 2 * (4 + 48) + 3 * 12},
-      {std::string(1000, 'x'), 1000, 2 * (1003 + 48) + 3 * 1008},
-      {std::string(1000, '\xff'), 1000, 2 * (3003 + 48) + 3 * 3008},  // each byte becomes three
+      {"5", 10000, 2 * (size_t{4} + 48) + 3 * size_t{12}},
+      {std::string(1000, 'x'), 1000, 2 * (size_t{1003} + 48) + 3 * size_t{1008}},
+      {std::string(1000, '\xff'), 1000,
+       2 * (size_t{3003} + 48) + 3 * size_t{3008}},  // each byte becomes three
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.value.substr(0, 5));
@@ -149,8 +150,8 @@ TEST(SignalRoom, IsKeptToTheByte) {
     size_t bytes;
   };
   const Case cases[] = {
-      {std::string(100000, 'x'), 2 * (100003 + 48) + 3 * 100008},
-      {std::string(100000, '\xff'), 2 * (300003 + 48) + 3 * 300008},
+      {std::string(100000, 'x'), 2 * (size_t{100003} + 48) + 3 * size_t{100008}},
+      {std::string(100000, '\xff'), 2 * (size_t{300003} + 48) + 3 * size_t{300008}},
   };
   for (const Case& c : cases) {
     store(service.database(), {{"ab", c.value}});

@@ -26,10 +26,11 @@ Function* ofTheLibrary(Function* /*ours*/, const char* name) {
 // In the place of those of GLib, or around them.
 extern "C" gpointer g_try_malloc(gsize size) { return hasMemory ? malloc(size) : nullptr; }
 extern "C" gpointer g_try_malloc_n(gsize count, gsize size) { return g_try_malloc(count * size); }
-extern "C" gchar* g_utf8_make_valid(const gchar* text, gssize length) {
+extern "C" gchar* g_utf8_make_valid(const gchar* str, gssize len) {
   keptWhileMending = Mappings::kept;
-  return ofTheLibrary(g_utf8_make_valid, "g_utf8_make_valid")(text, length);
+  return ofTheLibrary(g_utf8_make_valid, "g_utf8_make_valid")(str, len);
 }
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" void g_boxed_free(GType type, gpointer boxed) {
   ++freedStructures;
   ofTheLibrary(g_boxed_free, "g_boxed_free")(type, boxed);

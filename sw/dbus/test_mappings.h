@@ -16,32 +16,34 @@ struct Mappings {
   inline static bool succeed = true;  ///< or there is no memory
 };
 
-extern "C" void* mmap(void* address, size_t size, int protection, int flags, int file,
-                      off_t offset) noexcept {
-  Mappings::most = std::max(Mappings::most, size);
+// NOLINTBEGIN(performance-no-int-to-ptr): the system gives addresses as numbers.
+extern "C" void* mmap(void* addr, size_t len, int prot, int flags, int fd, off_t offset) noexcept {
+  Mappings::most = std::max(Mappings::most, len);
   if (!Mappings::succeed) {
     errno = ENOMEM;
     return MAP_FAILED;
   }
   void* const memory =
-      reinterpret_cast<void*>(syscall(SYS_mmap, address, size, protection, flags, file, offset));
-  if (memory != MAP_FAILED) Mappings::kept += size;
+      reinterpret_cast<void*>(syscall(SYS_mmap, addr, len, prot, flags, fd, offset));
+  if (memory != MAP_FAILED) Mappings::kept += len;
   return memory;
 }
 
-extern "C" void* mremap(void* address, size_t before, size_t size, int flags, ...) noexcept {
-  Mappings::most = std::max(Mappings::most, size);
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
+extern "C" void* mremap(void* addr, size_t before, size_t len, int flags, ...) noexcept {
+  Mappings::most = std::max(Mappings::most, len);
   if (!Mappings::succeed) {
     errno = ENOMEM;
     return MAP_FAILED;
   }
-  void* const memory = reinterpret_cast<void*>(syscall(SYS_mremap, address, before, size, flags));
-  if (memory != MAP_FAILED) Mappings::kept += size - before;
+  void* const memory = reinterpret_cast<void*>(syscall(SYS_mremap, addr, before, len, flags));
+  if (memory != MAP_FAILED) Mappings::kept += len - before;
   return memory;
 }
+// NOLINTEND(performance-no-int-to-ptr)
 
-extern "C" int munmap(void* address, size_t size) noexcept {
-  const long result = syscall(SYS_munmap, address, size);
-  if (result == 0) Mappings::kept -= size;
+extern "C" int munmap(void* addr, size_t len) noexcept {
+  const long result = syscall(SYS_munmap, addr, len);
+  if (result == 0) Mappings::kept -= len;
   return static_cast<int>(result);
 }

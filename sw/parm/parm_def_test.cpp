@@ -253,12 +253,12 @@ TEST(ParmDef, KnowsWhatItsEvaluationCosts) {
       {"a run-time range",
        {.common = {.ranges = {{"1", {"(a)", "0..(a)"}}}}},
        300 + 20 + 10 + 7 + 57 + 64},
-      {"index values", {.indices = {&row, &row}}, 300 + 2 * (200 + 4 * 4)},
+      {"index values", {.indices = {&row, &row}}, 300 + 2 * uint64_t{200 + 16}},
       // A level may be walked twice, and then once more with the correction.
       {"a rule",
        {.rules = {{"a == 1", "sw::this + a < 3", "3"}}},
-       300 + 2 * 20 + 2 * (11 + 15) + 7},
-      {"rules", {.rules = {{"1", "1", "1"}, {"1", "1", "1"}}}, 300 + 2 * (2 * (7 + 7) + 7)},
+       300 + 40 + 2 * uint64_t{11 + 15} + 7},
+      {"rules", {.rules = {{"1", "1", "1"}, {"1", "1", "1"}}}, 300 + 2 * uint64_t{28 + 7}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.subject);

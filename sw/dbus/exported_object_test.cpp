@@ -20,11 +20,6 @@ extern "C" dbus_bool_t dbus_connection_register_object_path(DBusConnection* /*co
   registeredPath = path;
   return hasMemory ? 1 : 0;
 }
-// What the binding library calls.
-extern "C" dbus_bool_t dbus_connection_try_register_object_path(DBusConnection* connection,
-                                                                const char* path,
-                                                                const DBusObjectPathVTable* vtable,
-                                                                void* data, DBusError* error);
 
 namespace {
 

@@ -69,7 +69,7 @@ TEST(SortByName, OrdersAsComparingTheNamesDoes) {
 }
 
 TEST(SortByName, OrdersWithoutMemoryToo) {
-  for (const size_t allocations : {0, 1}) {
+  for (const size_t allocations : {size_t{0}, size_t{1}}) {
     SCOPED_TRACE(allocations);
     std::vector<Named> elements = namedAll({"p[10]", "p[1]", "p[2]", "p"});
     Allocations::left = allocations;

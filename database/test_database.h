@@ -17,13 +17,9 @@
 
 using Constants = std::map<std::string, std::string>;
 
-/// Fills `database` with the definitions of `text`. Whatever is wrong with the text fails the test.
-inline void define(Database& database, std::string_view text, const Constants& constants = {}) {
-  for (const auto& [name, value] : constants) {
-    ASSERT_EQ(database.defineConstant(name, value), 0) << name;
-  }
+/// Reads `text`; a line that is not accepted fails the test.
+inline void readText(std::string_view text, DefinitionText& definitions) {
   DefinitionParser parser;
-  DefinitionText definitions;
   uint32_t lineNumber = 1;
   while (!text.empty()) {
     const size_t end = text.find('\n');
@@ -31,6 +27,15 @@ inline void define(Database& database, std::string_view text, const Constants& c
     ASSERT_EQ(acceptLine(parser, definitions, line, lineNumber++), 0) << line;
     text.remove_prefix(line.size());
   }
+}
+
+/// Fills `database` with the definitions of `text`. Whatever is wrong with the text fails the test.
+inline void define(Database& database, std::string_view text, const Constants& constants = {}) {
+  for (const auto& [name, value] : constants) {
+    ASSERT_EQ(database.defineConstant(name, value), 0) << name;
+  }
+  DefinitionText definitions;
+  ASSERT_NO_FATAL_FAILURE(readText(text, definitions));
   DiagnosticCollector diagnostics;
   const int result =
       buildDefinitions(diagnostics, definitions.records, definitions.lines, false, database);

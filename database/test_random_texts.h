@@ -20,13 +20,8 @@ inline const Texts VALUES = {"",   "0",  "1",          "2", "5", "9",
 
 /// As define(), but what building says is returned: many random texts have a cycle of dependences.
 inline int defineOrRefuse(Database& database, std::string_view text) {
-  DefinitionParser parser;
   DefinitionText definitions;
-  for (uint32_t number = 1; !text.empty(); ++number) {
-    const std::string_view line = text.substr(0, text.find('\n') + 1);
-    EXPECT_EQ(acceptLine(parser, definitions, line, number), 0) << line;
-    text.remove_prefix(line.size());
-  }
+  readText(text, definitions);
   DiagnosticCollector diagnostics;
   return buildDefinitions(diagnostics, definitions.records, definitions.lines, false, database);
 }

@@ -152,8 +152,7 @@ class ExhaustedStartHeapTest : public testing::TestWithParam<Failures> {
         "Couldn\u2019t connect to session bus (Not enough memory available)\n",
         // The copy of the bus's address is missing, or the answer that came.
         "Couldn\u2019t connect to session bus (Unable to autolaunch a dbus-daemon without a "
-        "$DISPLAY "
-        "for X11)\n",
+        "$DISPLAY for X11)\n",
         "RequestName RPC failed (Did not receive a reply. Possible causes include: the remote "
         "application did not send a reply, the message bus security policy blocked the reply, the "
         "reply timeout expired, or the network connection was broken.)\n",

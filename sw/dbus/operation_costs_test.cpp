@@ -7,7 +7,6 @@
 #include <cstring>
 #include <functional>
 #include <new>
-#include <set>
 #include <utility>
 
 #include "database/commit.h"
@@ -16,6 +15,7 @@
 #include "sw/dbus/errors.h"
 #include "sw/dbus/reply.h"
 #include "sw/dbus/test_mappings.h"
+#include "sw/dbus/test_pieces.h"
 #include "sw/dbus/test_reply.h"
 #include "sw/dbus/test_service.h"
 
@@ -26,30 +26,15 @@ size_t largeTexts = 0;  // pieces of memory for texts of this size or more
 size_t timesTrimmed = 0;
 constexpr size_t LARGE = size_t{1} << 19U;
 
-std::set<gpointer> pieces;       // that were not given back
 size_t keptWhilePublishing = 0;  // bytes of mappings, when the last of them was asked for
-
-gpointer newPiece(gsize size) {
-  if (size >= LARGE) ++largeTexts;
-  keptWhilePublishing = Mappings::kept;
-  gpointer const piece = malloc(size);
-  pieces.insert(piece);
-  return piece;
-}
 
 }  // namespace
 
-// In the place of those of the libraries.
+// In the place of the C library's.
 extern "C" int malloc_trim(size_t /*pad*/) noexcept {
   ++timesTrimmed;
   return 1;
 }
-extern "C" void g_free(gpointer piece) {
-  pieces.erase(piece);
-  free(piece);
-}
-extern "C" gpointer g_try_malloc(gsize size) { return newPiece(size); }
-extern "C" gpointer g_try_malloc_n(gsize count, gsize size) { return newPiece(count * size); }
 
 namespace {
 
@@ -76,9 +61,34 @@ bool givesMemoryBack() {
   return timesTrimmed == 1;
 }
 
+void noteTexts() {
+  Pieces::whenTriedFor = [](gsize size) {
+    if (size >= LARGE) ++largeTexts;
+    keptWhilePublishing = Mappings::kept;
+  };
+}
+
+// What operations reply with.
+struct Reply {
+  char* text = nullptr;
+  char** texts = nullptr;
+  GPtrArray* spans = nullptr;
+  GPtrArray* namedTexts = nullptr;  // with these the spans have names, too
+
+  void free() {
+    g_free(std::exchange(text, nullptr));
+    g_strfreev(std::exchange(texts, nullptr));
+    if (spans != nullptr) {
+      taken(std::exchange(spans, nullptr), namedTexts != nullptr ? namedSpanType() : spanType());
+    }
+    if (namedTexts != nullptr) taken(std::exchange(namedTexts, nullptr), namedTextType());
+  }
+};
+
 class OperationCosts : public testing::Test {
  protected:
   OperationCosts() : transaction_(service_.database()) {
+    noteTexts();
     EXPECT_EQ(transaction_.set("note", std::string(SHARE_LENGTH, 'x'), false), STAGE_DONE);
     EXPECT_EQ(transaction_.set("short", "x", false), STAGE_DONE);
   }
@@ -106,10 +116,7 @@ TEST_F(OperationCosts, LookWhetherThereIsMemoryForTheMessage) {
   constexpr size_t OF_SPAN = 256;      // as a structure
   constexpr size_t NAME_BYTES = 12;    // of "many" in a message
   constexpr size_t TEXT_BYTES = 1008;  // of the text
-  char* text = nullptr;
-  char** texts = nullptr;
-  GPtrArray* structures = nullptr;
-  GPtrArray* others = nullptr;
+  Reply reply;
   std::string name = "many";
   char* names[] = {name.data(), nullptr};
   struct {
@@ -117,12 +124,12 @@ TEST_F(OperationCosts, LookWhetherThereIsMemoryForTheMessage) {
     std::function<int()> operation;
     size_t bytes;
   } const cases[] = {
-      {"a text", [&] { return getText(transaction_, "note", &text); }, 3 * SHARE_LENGTH},
-      {"a short text", [&] { return getText(transaction_, "short", &text); }, 0},
+      {"a text", [&] { return getText(transaction_, "note", &reply.text); }, 3 * SHARE_LENGTH},
+      {"a short text", [&] { return getText(transaction_, "short", &reply.text); }, 0},
       {"texts", [&] { return getNotes(20); }, 3 * (20 * MESSAGE_SHARE)},
-      {"a range", [&] { return getRange(transaction_, "many", &texts, &structures); },
+      {"a range", [&] { return getRange(transaction_, "many", &reply.texts, &reply.spans); },
        SPANS * OF_SPAN + 3 * (8 * SPANS + TEXT_BYTES)},
-      {"ranges", [&] { return getRanges(transaction_, names, &others, &structures); },
+      {"ranges", [&] { return getRanges(transaction_, names, &reply.namedTexts, &reply.spans); },
        (SPANS + 1) * (OF_SPAN + 4 * (NAME_BYTES + 16)) + 4 * TEXT_BYTES},
   };
   for (const auto& c : cases) {
@@ -130,11 +137,7 @@ TEST_F(OperationCosts, LookWhetherThereIsMemoryForTheMessage) {
     Mappings::most = 0;
     EXPECT_EQ(c.operation(), 0);
     EXPECT_EQ(Mappings::most, c.bytes);
-    g_free(std::exchange(text, nullptr));
-    g_strfreev(std::exchange(texts, nullptr));
-    if (structures != nullptr)
-      taken(std::exchange(structures, nullptr), others != nullptr ? namedSpanType() : spanType());
-    if (others != nullptr) taken(std::exchange(others, nullptr), namedTextType());
+    reply.free();
   }
 }
 
@@ -158,20 +161,17 @@ TEST_F(OperationCosts, GatherNoMoreThanOneTextBeyondWhatAMessageTakes) {
 }
 
 TEST_F(OperationCosts, LeaveNothingWhereThereIsNoMemoryForTheMessage) {
-  char* text = nullptr;
-  char** texts = nullptr;
-  GPtrArray* structures = nullptr;
-  GPtrArray* others = nullptr;
+  Reply reply;
   std::string name = "many";
   char* names[] = {name.data(), nullptr};
   const std::function<int()> operations[] = {
-      [&] { return getText(transaction_, "note", &text); },
+      [&] { return getText(transaction_, "note", &reply.text); },
       [&] { return getNotes(20); },
-      [&] { return getRange(transaction_, "many", &texts, &structures); },
-      [&] { return getRanges(transaction_, names, &others, &structures); },
+      [&] { return getRange(transaction_, "many", &reply.texts, &reply.spans); },
+      [&] { return getRanges(transaction_, names, &reply.namedTexts, &reply.spans); },
   };
   for (const auto& operation : operations) {
-    pieces.clear();
+    Pieces::kept.clear();
     int result = INTERNAL_ERROR;
     Mappings::succeed = false;
     try {
@@ -180,7 +180,7 @@ TEST_F(OperationCosts, LeaveNothingWhereThereIsNoMemoryForTheMessage) {
     }
     Mappings::succeed = true;
     EXPECT_EQ(result, INTERNAL_ERROR);
-    EXPECT_EQ(pieces.size(), 0U);
+    EXPECT_EQ(Pieces::kept.size(), 0U);
   }
 }
 
@@ -229,6 +229,7 @@ TEST_F(OperationCosts, HaveMemoryGivenBackOnceForAll) {
 
 // What is kept for a signal is there for it when it is made, however the commit ends.
 TEST(OperationCostsOfCommits, HaveTheRoomForTheirSignalsAtHand) {
+  noteTexts();
   const std::string value(MAX_VALUE_BYTES, 'x');
   for (const bool isEnded : {false, true}) {
     SCOPED_TRACE(isEnded);
@@ -272,6 +273,7 @@ TEST(OperationCostsOfManySpans, RefuseWhatTakesTooMuchAsStructures) {
 }
 
 TEST(OperationCostsOfLongNames, RefuseDependenciesThatFitIntoNoMessageTogether) {
+  noteTexts();
   std::string sum;
   for (size_t i = 0; i < MANY_TEXTS; ++i) {
     const std::string value =
@@ -296,10 +298,7 @@ TEST(OperationCostsOfLongNames, RefuseDependenciesThatFitIntoNoMessageTogether) 
 }
 
 TEST_F(OperationCosts, HaveMemoryGivenBackWhereTheyMayLeaveMuchOfIt) {
-  char* text = nullptr;
-  char** texts = nullptr;
-  GPtrArray* spans = nullptr;
-  GPtrArray* others = nullptr;
+  Reply reply;
   std::string name = "many";
   char* names[] = {name.data(), nullptr};
   char* noNames[] = {nullptr};
@@ -309,15 +308,18 @@ TEST_F(OperationCosts, HaveMemoryGivenBackWhereTheyMayLeaveMuchOfIt) {
     std::function<int()> operation;
     bool givesBack;
   } const cases[] = {
-      {"a text", [&] { return getText(transaction_, "short", &text); }, false},
+      {"a text", [&] { return getText(transaction_, "short", &reply.text); }, false},
       {"validation", [&] { return validate(transaction_, "note", "1", &valid); }, false},
       {"commit", [&] { return commitAndPublish(transaction_, service_.object()); }, true},
-      {"dependencies", [&] { return getDependencies(service_.database(), "many", &texts); }, true},
-      {"a range", [&] { return getRange(transaction_, "many", &texts, &spans); }, true},
-      {"ranges", [&] { return getRanges(transaction_, names, &others, &spans); }, true},
-      {"no ranges", [&] { return getRanges(transaction_, noNames, &others, &spans); }, true},
-      {"the values of an index", [&] { return getIndexRange(transaction_, "i", &texts, &spans); },
+      {"dependencies", [&] { return getDependencies(service_.database(), "many", &reply.texts); },
        true},
+      {"a range", [&] { return getRange(transaction_, "many", &reply.texts, &reply.spans); }, true},
+      {"ranges", [&] { return getRanges(transaction_, names, &reply.namedTexts, &reply.spans); },
+       true},
+      {"no ranges",
+       [&] { return getRanges(transaction_, noNames, &reply.namedTexts, &reply.spans); }, true},
+      {"the values of an index",
+       [&] { return getIndexRange(transaction_, "i", &reply.texts, &reply.spans); }, true},
   };
   static_cast<void>(givesMemoryBack());  // which another test has asked for
   for (const auto& c : cases) {
@@ -325,11 +327,7 @@ TEST_F(OperationCosts, HaveMemoryGivenBackWhereTheyMayLeaveMuchOfIt) {
     EXPECT_EQ(c.operation(), 0);
     EXPECT_EQ(givesMemoryBack(), c.givesBack);
     EXPECT_FALSE(givesMemoryBack());  // once
-    g_free(std::exchange(text, nullptr));
-    g_strfreev(std::exchange(texts, nullptr));
-    if (spans != nullptr)
-      taken(std::exchange(spans, nullptr), others != nullptr ? namedSpanType() : spanType());
-    if (others != nullptr) taken(std::exchange(others, nullptr), namedTextType());
+    reply.free();
   }
 }
 

@@ -2,33 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
-
 #include "database/commit.h"
 #include "sw/dbus/reply.h"
 #include "sw/dbus/test_mappings.h"
+#include "sw/dbus/test_pieces.h"
 #include "sw/dbus/test_service.h"
 #include "sw/parm/parm_name.h"
-
-namespace {
-
-std::set<gpointer> pieces;  // of memory, that were tried for and not given back
-
-gpointer newPiece(gsize size) {
-  gpointer const piece = malloc(size);
-  pieces.insert(piece);
-  return piece;
-}
-
-}  // namespace
-
-// In the place of those of GLib.
-extern "C" void g_free(gpointer piece) {
-  pieces.erase(piece);
-  free(piece);
-}
-extern "C" gpointer g_try_malloc(gsize size) { return newPiece(size); }
-extern "C" gpointer g_try_malloc_n(gsize count, gsize size) { return newPiece(count * size); }
 
 namespace {
 
@@ -112,7 +91,7 @@ TEST(Publish, LeavesOutWhatFitsIntoNoSignal) {
   changes[1].name += "b";
   publish(service.object(), changes);
   EXPECT_TRUE(service.newSignals() == (Signals{{"a=1", "c=3"}}));
-  EXPECT_EQ(pieces.size(), 0U);
+  EXPECT_EQ(Pieces::kept.size(), 0U);
 }
 
 // A text and its copy, 48 bytes beside each of them, and three times what it is in the message.

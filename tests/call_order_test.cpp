@@ -12,12 +12,9 @@ namespace {
 
 constexpr int INSTANCES = 100000;
 
-class PausedServiceTest : public ServiceTest {
+class PeakMemoryTest : public ServiceTest {
  protected:
   using ServiceTest::ServiceTest;
-  // The daemon stands still until resume(), so that all calls until then are there at once.
-  void pause() { ASSERT_EQ(kill(daemon().process().pid(), SIGSTOP), 0); }
-  void resume() { ASSERT_EQ(kill(daemon().process().pid(), SIGCONT), 0); }
   // The most memory that the daemon has had since then.
   void forgetPeak() {
     std::ofstream("/proc/" + std::to_string(daemon().process().pid()) + "/clear_refs") << 5;
@@ -25,7 +22,7 @@ class PausedServiceTest : public ServiceTest {
   size_t peakMemory() { return memoryOf(daemon().process().pid(), "VmHWM:"); }
 };
 
-class CallOrderTest : public PausedServiceTest {
+class CallOrderTest : public ServiceTest {
  protected:
   // A call that sets `limit` looks at all instances of `follower`, which takes a thousand times as
   // long as one that reads a value.
@@ -259,7 +256,7 @@ TEST_F(CallOrderTest, WhatIsNoneOfTheMethodsIsAnsweredInItsTurn) {
   EXPECT_EQ(properties.answer(), "");
 }
 
-using CallMemoryTest = PausedServiceTest;
+using CallMemoryTest = PeakMemoryTest;
 
 TEST_F(CallMemoryTest, WhatIsTakenAheadHasBounds) {
   serve("note rw { }");
@@ -292,9 +289,9 @@ TEST_F(CallMemoryTest, WhatIsTakenAheadHasBounds) {
 }
 
 // A bus that takes no more from the daemon while so many bytes of it are not delivered.
-class NarrowBusTest : public PausedServiceTest {
+class NarrowBusTest : public PeakMemoryTest {
  protected:
-  NarrowBusTest() : PausedServiceTest({.limits = {{"max_incoming_bytes", 4000000}}}) {}
+  NarrowBusTest() : PeakMemoryTest({.limits = {{"max_incoming_bytes", 4000000}}}) {}
 };
 
 TEST_F(NarrowBusTest, NothingIsServedWhileTheBusTakesNoReplies) {

@@ -64,10 +64,10 @@ TEST_F(SessionBusExample, OneThatNeverReadsCostsTheOthersNothingAndTheBusLittle)
 TEST_F(SessionBusExample, ABacklogIsRefusedByTheBus) {
   constexpr size_t LIMIT = 1000;
   serve("note rw { }");
-  ASSERT_EQ(kill(daemon().process().pid(), SIGSTOP), 0);
+  pause();
   for (size_t i = 0; i <= LIMIT; ++i) client().send("single_get('note')");
   waitForBus(client());
-  ASSERT_EQ(kill(daemon().process().pid(), SIGCONT), 0);
+  resume();
   const std::vector<std::string> answers = client().collectAnswers();
   for (size_t i = 0; i < LIMIT; ++i) EXPECT_EQ(answers[i], "''") << i;
   EXPECT_TRUE(answers[LIMIT].starts_with("org.freedesktop.DBus.Error.LimitsExceeded"))

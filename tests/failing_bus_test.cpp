@@ -286,11 +286,11 @@ TEST_F(RunningServiceTest, EndsWithTheBusAtRest) {
 }
 
 TEST_F(RunningServiceTest, EndsWithTheBusWhileCallsWait) {
-  ASSERT_EQ(kill(daemon().process().pid(), SIGSTOP), 0);
+  pause();
   DeafClient deaf(bus().address());
   for (int i = 0; i < 1000; ++i) deaf.send("single_get", "note");
   bus().stop();
-  ASSERT_EQ(kill(daemon().process().pid(), SIGCONT), 0);
+  resume();
   expectEnd();
 }
 

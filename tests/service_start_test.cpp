@@ -431,12 +431,10 @@ TEST_F(ServiceEndTest, OpenTransactionsDoNotKeepTheServiceFromEnding) {
 class EndSignalTest : public ServiceTest, public testing::WithParamInterface<int> {
  protected:
   void SetUp() override { ASSERT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0); }
-  // So that what is sent until then is there when the signal comes.
-  void pause() { ASSERT_EQ(kill(daemon().process().pid(), SIGSTOP), 0); }
   void endAndResume() {
     waitForBus(client());
     ASSERT_EQ(kill(daemon().process().pid(), GetParam()), 0);
-    ASSERT_EQ(kill(daemon().process().pid(), SIGCONT), 0);
+    resume();
   }
   void expectEnd() {
     const Ending ending = daemon().waitForEnd();

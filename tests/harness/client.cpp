@@ -187,15 +187,14 @@ void Client::send(const std::string& text) {
                          &Client::onAnswer, pending_.back().get());
 }
 
-std::vector<std::string> Client::collectAnswers() {
+std::vector<std::string> Client::collectAnswers(size_t count) {
   std::vector<std::string> answers;
-  for (const std::unique_ptr<Pending>& pending : pending_) {
-    while (!pending->done) {
+  for (; answers.size() < count; pending_.pop_front()) {
+    while (!pending_.front()->done) {
       g_main_context_iteration(nullptr, TRUE);
     }
-    answers.push_back(pending->answer);
+    answers.push_back(pending_.front()->answer);
   }
-  pending_.clear();
   return answers;
 }
 

@@ -3,6 +3,7 @@
 
 #include <gio/gio.h>
 
+#include <deque>
 #include <memory>
 #include <string>
 #include <vector>
@@ -47,7 +48,9 @@ class Client {
   /// A call that is not waited for; its answer, as of answer(), is given by a later
   /// collectAnswers(), in the order of the calls.
   void send(const std::string& text);
-  std::vector<std::string> collectAnswers();
+  std::vector<std::string> collectAnswers() { return collectAnswers(pending_.size()); }
+  /// Those to the first `count` calls that are not yet collected.
+  std::vector<std::string> collectAnswers(size_t count);
 
   /// The texts of each "transaction" signal that came since the last call.
   std::vector<std::vector<std::string>> newSignals();
@@ -69,7 +72,7 @@ class Client {
   std::string busName_ = INTERFACE_NAME;
   std::string objectPath_ = OBJECT_PATH;
   std::vector<std::vector<std::string>> signals_;
-  std::vector<std::unique_ptr<Pending>> pending_;
+  std::deque<std::unique_ptr<Pending>> pending_;
 };
 
 /// Waits until the bus has passed on what the client has sent.

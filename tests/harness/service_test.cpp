@@ -1,5 +1,7 @@
 #include "tests/harness/service_test.h"
 
+#include <csignal>
+
 ServiceTest::ServiceTest(const PrivateBus::Options& options)
     : bus_(options), client_(bus_.address()) {}
 
@@ -28,6 +30,10 @@ void ServiceTest::expectFacts(const std::vector<Fact>& facts) {
     EXPECT_EQ(daemon_->newLogLines(), fact.log);
   }
 }
+
+void ServiceTest::pause() { ASSERT_EQ(kill(daemon_->process().pid(), SIGSTOP), 0); }
+
+void ServiceTest::resume() { ASSERT_EQ(kill(daemon_->process().pid(), SIGCONT), 0); }
 
 void ServiceTest::expectOrderlyEnd() {
   EXPECT_EQ(client_.answer("die()"), "()");

@@ -32,6 +32,9 @@ class ServiceTest : public testing::Test {
   [[nodiscard]] PrivateBus& bus() { return bus_; }
   /// What the daemon shall have written to standard error at its end; by default nothing.
   void expectErrors(std::string errors) { expectedErrors_ = std::move(errors); }
+  /// The daemon does nothing until resume(), so that all that is sent until then is there at once.
+  void pause();
+  void resume();
   /// Ends the daemon with `die` and checks that it ends in order.
   void expectOrderlyEnd();
   /// For a daemon whose end the test has seen itself.

@@ -12,6 +12,7 @@
 #include "database/name_order.h"
 #include "database/plan.h"
 #include "deflang/system_log.h"
+#include "deflang/work.h"
 
 namespace {
 
@@ -106,8 +107,10 @@ int passLevel(std::span<const PlanStep> level, IndexSituations& situations, Repo
     if (code == WALK_AGAIN) {
       result = WALK_AGAIN;
     } else if (code != 0) {
-      std::for_each(std::next(step), level.end(),
-                    [&](const PlanStep& unwalked) { takeCommitted(*unwalked.entry, situations); });
+      std::for_each(std::next(step), level.end(), [&](const PlanStep& unwalked) {
+        Work::addSpent(WORK_PER_INSTANCE);  // for its place in the plan
+        takeCommitted(*unwalked.entry, situations);
+      });
       return code;
     }
   }

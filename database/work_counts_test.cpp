@@ -33,12 +33,13 @@ class WorkCounts : public testing::Test {
   void SetUp() override { define(database_, TEXT); }
 
   // Stages the values and commits them; what that costs together.
-  uint64_t commitOf(const std::vector<std::pair<std::string, std::string>>& values) {
+  uint64_t commitOf(const std::vector<std::pair<std::string, std::string>>& values,
+                    int result = COMMIT_DONE) {
     Work::begin(UNLIMITED);
     Transaction transaction(database_);
     for (const auto& [name, value] : values) EXPECT_EQ(transaction.set(name, value, false), 0);
     std::vector<Change> changes;
-    EXPECT_EQ(commit(transaction, changes), COMMIT_DONE);
+    EXPECT_EQ(commit(transaction, changes), result);
     return Work::done();
   }
 
@@ -67,6 +68,22 @@ TEST_F(WorkCounts, OfACommitFollowFromItsPlanAndItsTexts) {
     SCOPED_TRACE(c.values.empty() ? "nothing" : c.values.front().first);
     EXPECT_EQ(commitOf(c.values), c.units);
   }
+}
+
+// Each instance behind a refused one was planned, though it is not evaluated.
+TEST_F(WorkCounts, OfARefusedCommitAreAlsoOfWhatItLeavesUnwalked) {
+  uint64_t logged = 0;
+  const LogRedirection log(
+      [&](const std::string& line) { logged += WORK_PER_LOG_LINE + line.size(); });
+  static_cast<void>(commitOf({{"mode", "9"}}));  // "in" has no values
+  const auto unlogged = [&](const std::vector<std::pair<std::string, std::string>>& values) {
+    logged = 0;
+    const uint64_t units = commitOf(values, COMMIT_INVALID_INDEX);
+    return units - logged;
+  };
+  EXPECT_EQ(unlogged({{"crop[1]", "7"}}), 332 + 25 + 605 + 31);
+  EXPECT_EQ(unlogged({{"crop[1]", "7"}, {"crop[2]", "8"}, {"crop[3]", "9"}}),
+            3 * 332 + 2 * 3 * 25 + 605 + 31 + 2 * 300);
 }
 
 TEST_F(WorkCounts, OfQueriesFollowFromWhatTheyWalkOver) {

@@ -232,17 +232,6 @@ TEST(ServiceStart, ABusThatDeniesTheNameEndsTheStart) {
       << ending.err;
 }
 
-TEST_F(ServiceStartTest, AFailureToDetachAbortsTheProcess) {
-  Daemon daemon(
-      {.arguments = {}, .busAddress = bus().address(), .preload = DETACH_FAILURE_LIBRARY});
-  const Ending ending = daemon.waitForEnd();
-  EXPECT_EQ(ending.status, -SIGTRAP);  // as the log function aborts
-  EXPECT_EQ(ending.out, messagesOfStart("org.tavrel.transaction", "/transaction"));
-  EXPECT_NE(ending.err.find(" ERROR **: "), std::string::npos) << ending.err;
-  EXPECT_NE(ending.err.find(": Transaction server: Failed to daemonize.\n"), std::string::npos)
-      << ending.err;
-}
-
 TEST_F(ServiceStartTest, TheLongestNameIsServed) {
   // 255 characters are allowed in all.
   const std::string suffix(232, 'x');

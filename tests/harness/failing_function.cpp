@@ -1,0 +1,74 @@
+// Failing function: preloaded into the daemon, it makes the library function that FAILING_FUNCTION
+// names fail, as its page says that it can.
+#include <dbus/dbus-glib.h>
+#include <dlfcn.h>
+#include <fcntl.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+
+namespace {
+
+bool fails(const char* function) {
+  const char* failing = getenv("FAILING_FUNCTION");
+  return failing != nullptr && strcmp(failing, function) == 0;
+}
+
+// That of the library.
+template <typename Function>
+Function next(Function /*own*/, const char* name) {
+  return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
+}
+
+int failure(int number) {
+  errno = number;
+  return -1;
+}
+
+}  // namespace
+
+extern "C" {
+
+int daemon(int nochdir, int noclose) {
+  return fails("daemon") ? failure(EAGAIN) : next(daemon, "daemon")(nochdir, noclose);
+}
+
+int eventfd(unsigned count, int flags) {
+  return fails("eventfd") ? failure(EMFILE) : next(eventfd, "eventfd")(count, flags);
+}
+
+// Only of the null device: each process opens some files as it starts.
+int open(const char* path, int flags, ...) {
+  if (fails("open") && std::string_view(path) == "/dev/null") return failure(ENOENT);
+  va_list rest;
+  va_start(rest, flags);
+  const int descriptor = next(open, "open")(path, flags, va_arg(rest, mode_t));
+  va_end(rest);
+  return descriptor;
+}
+
+GMainLoop* g_main_loop_new(GMainContext* context, gboolean isRunning) {
+  return fails("g_main_loop_new") ? nullptr
+                                  : next(g_main_loop_new, "g_main_loop_new")(context, isRunning);
+}
+
+DBusGProxy* dbus_g_proxy_new_for_name(DBusGConnection* connection, const char* name,
+                                      const char* path, const char* interface) {
+  return fails("dbus_g_proxy_new_for_name")
+             ? nullptr
+             : next(dbus_g_proxy_new_for_name, "dbus_g_proxy_new_for_name")(connection, name, path,
+                                                                            interface);
+}
+
+// Only of an object without properties: the binding library makes others.
+gpointer g_object_new(GType type, const gchar* property, ...) {
+  if (fails("g_object_new") && property == nullptr) return nullptr;
+  va_list rest;
+  va_start(rest, property);
+  GObject* object = g_object_new_valist(type, property, rest);
+  va_end(rest);
+  return object;
+}
+}

@@ -78,6 +78,13 @@ TEST(Texts, OfGLibAreAsLongAsTheyHaveToBe) {
   return length;
 }
 
+TEST(Texts, AreThereAlsoWhereTheyAreEmpty) {
+  char* text = nullptr;
+  EXPECT_EQ(format(&text, "%s", ""), 0);
+  EXPECT_STREQ(text, "");
+  free(text);
+}
+
 TEST(Texts, AreNoneWhereAFormatFails) {
   char empty = '\0';
   char* text = &empty;

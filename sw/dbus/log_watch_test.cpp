@@ -102,6 +102,8 @@ TEST_F(LogWatchTest, TriesALastTimeAtItsEnd) {
   times.clear();
   logError("two");  // nobody watches any more
   EXPECT_EQ(times, Times{});
+  now += 2 * SECOND;
+  EXPECT_EQ(timesOfRound(), Times{});  // not for the first line either
   takesLines = true;
   EXPECT_FALSE(tellLostLines());
 }

@@ -51,6 +51,10 @@ TEST(LargestChange, IsTheOneThatTheLogTellsOf) {
       {"one that names itself",
        many + "a rw { ctrlRO (a == 1) }\nb rw { index { i, j } ctrlRO " + sumOf("a", 1000) + " }\n",
        R"(start: ERROR "a": 1000001 dependent instances, 1000000 allowed)"},
+      {"one that follows its own figure",
+       many + "a rw { rangeValid { (vidStd::a::spal) } }\nb rw { index { i, j } ctrlRO " +
+           sumOf("a", 1000) + " }\n",
+       R"(start: ERROR "a": 1000001 dependent instances, 1000000 allowed)"},
       {"too many instances",
        "i index { rangeValid { 1..1000001 } }\na rw { }\nb rw { index { i } ctrlRO (a == 1) }\n",
        R"(start: ERROR "a": 1000001 dependent instances, 1000000 allowed)"},

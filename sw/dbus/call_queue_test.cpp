@@ -4,6 +4,8 @@
 
 #include <vector>
 
+#include "deflang/test_allocations.h"
+
 namespace {
 
 // A call that can be told by its method.
@@ -90,6 +92,17 @@ TEST(CallQueue, OfSendersThatHaveLeftKeepsTheFirstCallAndWhatWantsNoReply) {
     EXPECT_EQ(call.hasLeft, e.hasLeft) << e.method;
   }
   EXPECT_TRUE(queue.empty());
+}
+
+TEST(CallQueue, DropsWhatIsLeftOfASenderWhereThereIsNoMemory) {
+  CallQueue queue;
+  for (const char* method : {"a1", "a2"}) queue.add("a", callOf(method));
+  queue.add("b", callOf("b1"));
+  Allocations::left = 0;
+  queue.leave("a");
+  Allocations::left = SIZE_MAX;
+  EXPECT_EQ(queue.count(), 1U);
+  EXPECT_EQ(turns(queue), std::vector<std::string>{"b1"});
 }
 
 TEST(CallQueue, KeepsTheNumbersOfTheCalls) {

@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
 #include <string>
 
 #include "database/range_query.h"
+#include "deflang/system_log.h"
 
 namespace {
 
@@ -72,6 +74,16 @@ TEST(FinishMethod, SucceedsWithZero) {
   GError* error = nullptr;
   EXPECT_EQ(finishMethod(&error, METHOD_SET, 0), TRUE);
   EXPECT_EQ(error, nullptr);
+}
+
+TEST(LogExceededWork, DoesWithoutTheLineWhereThereIsNoMemory) {
+  bool isTold = false;
+  const LogRedirection log([&](const std::string& /*line*/) {
+    isTold = true;
+    throw std::bad_alloc();
+  });
+  logExceededWork();
+  EXPECT_TRUE(isTold);
 }
 
 TEST(FinishMethod, KeepsTheFirstError) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 
 #include "database/transaction.h"
 #include "deflang/work.h"
@@ -72,20 +73,11 @@ gboolean inTransaction(const MethodCall& call, methodFamily_t family, uint32_t i
   });
 }
 
-/// Runs `operation`, which gives a result, in a transaction of its own. It takes an id as any
-/// other, but no call is served that could name it while this one lasts, so that it need not be
-/// found by it.
+/// Runs `operation`, which gives a result, in a transaction of its own.
 template <typename Operation>
 gboolean inOwnTransaction(const MethodCall& call, methodFamily_t family, Operation operation) {
   return serve(call, family, [&] {
-    ServiceState& state = ServiceState::current();
-    uint32_t id = 0;
-    int result = UNKNOWN_TRANSACTION;
-    if (state.transactions().useId(id) == 0) {
-      Transaction transaction(state.database());
-      result = operation(transaction);
-    }
-    return finishMethod(call.error, family, result);
+    return finishMethod(call.error, family, inNewTransaction(std::ref(operation)));
   });
 }
 

@@ -17,6 +17,7 @@
 #include "sw/dbus/publish.h"
 #include "sw/dbus/range_set.h"
 #include "sw/dbus/reply.h"
+#include "sw/dbus/service_state.h"
 #include "sw/dbus/spare_memory.h"
 #include "sw/parm/parm_name.h"
 
@@ -85,6 +86,14 @@ size_t memoryToPack(const RangeSet::NamedRange& range) {
 }
 
 }  // namespace
+
+int inNewTransaction(const std::function<int(Transaction&)>& operation) {
+  ServiceState& state = ServiceState::current();
+  uint32_t id = 0;
+  if (state.transactions().useId(id) != 0) return UNKNOWN_TRANSACTION;
+  Transaction transaction(state.database());
+  return operation(transaction);
+}
 
 int getText(Transaction& transaction, const char* name, char** value) {
   const NewText text = newText({orEmpty(transaction.find(name))});

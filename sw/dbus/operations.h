@@ -6,8 +6,15 @@
 
 #include <glib.h>
 
+#include <functional>
+
 #include "database/transaction.h"
 #include "sw/dbus/value_object.h"
+
+/// Runs `operation`, which gives a result, in a transaction that ends with it. It takes an id as
+/// any other, but no call is served that could name it while this one lasts, so that it need not be
+/// found by it.
+int inNewTransaction(const std::function<int(Transaction&)>& operation);
 
 int getText(Transaction& transaction, const char* name, char** value);
 /// Of the names up to the end of the list, at most `count`.

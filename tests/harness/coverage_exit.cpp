@@ -3,6 +3,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <utility>
 
 extern "C" {
@@ -10,9 +11,10 @@ extern "C" {
 void __gcov_dump();  // NOLINT(bugprone-reserved-identifier,readability-identifier-naming)
 
 [[noreturn]] void _exit(int status) {
-  // Without memory for it, it may lead here again.
+  // It needs memory, without which it may lead here again, or end by a signal.
   static bool isEnding = false;
-  if (!std::exchange(isEnding, true)) __gcov_dump();
+  const bool isShortOfMemory = getenv("ALLOCATION_FAILURE_FILE") != nullptr;
+  if (!std::exchange(isEnding, true) && !isShortOfMemory) __gcov_dump();
   for (;;) syscall(SYS_exit_group, status);
 }
 }

@@ -10,7 +10,7 @@ void LineTexts::add(uint32_t number, std::string_view text) {
     return;
   }
   const auto at = std::ranges::lower_bound(lines_, number, {}, &Line::number);
-  if (at != lines_.end() && at->number == number) {
+  if (at->number == number) {
     *at = line;
   } else {
     lines_.insert(at, line);

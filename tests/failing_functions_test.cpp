@@ -25,6 +25,8 @@ TEST_F(FailingFunctionTest, OfTheStartIsReported) {
   const Case cases[] = {
       {"g_main_loop_new", "Making parameter definitions.\n",
        "Couldn\xe2\x80\x99t create GMainLoop (Unknown (OOM ?))"},
+      {"g_try_malloc0", "Making parameter definitions.\n",
+       "Couldn\xe2\x80\x99t initialize server methods (Unknown (OOM ?))"},
       {"dbus_g_proxy_new_for_name",
        "Transaction server:main Registering the well-known name (org.tavrel.transaction)\n",
        "Failed to get a proxy for D-Bus (Unknown(dbus_g_proxy_new_for_name))"},
@@ -67,6 +69,17 @@ TEST_F(FailingFunctionTest, ThatSignalsAreTakenByDoesNotKeepDieFromEnding) {
   ASSERT_TRUE(client().waitForService(daemon.process()));
   EXPECT_EQ(client().answer("die()"), "()");
   EXPECT_EQ(daemon.waitForEnd().status, 1);
+}
+
+// Whether the bus has read the reply to die is not known then.
+TEST_F(FailingFunctionTest, ThatLooksAtTheSocketDoesNotKeepDieFromEnding) {
+  for (const char* function : {"dbus_connection_get_unix_fd", "ioctl"}) {
+    SCOPED_TRACE(function);
+    Daemon daemon = startWithout(function, {});
+    ASSERT_TRUE(client().waitForService(daemon.process()));
+    static_cast<void>(client().answer("die()"));
+    EXPECT_EQ(daemon.waitForEnd().status, 1);
+  }
 }
 
 TEST_F(FailingFunctionTest, ThatOpensTheNullDeviceLeavesAStreamClosed) {

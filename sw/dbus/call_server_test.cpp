@@ -41,7 +41,7 @@ FakeConnection bus;
 
 DBusMessage* callOf(const std::string& method, const char* sender = ":1.1") {
   DBusMessage* call = dbus_message_new_method_call(nullptr, "/", "a.b", method.c_str());
-  dbus_message_set_sender(call, sender);
+  if (sender != nullptr) dbus_message_set_sender(call, sender);
   dbus_message_set_serial(call, 1);
   return call;
 }
@@ -124,6 +124,21 @@ TEST_F(CallServerTest, AnswersACallThatWaitedAndThatNobodyServes) {
                             "exist\n"});
 }
 
+TEST_F(CallServerTest, AnswersACallWithoutAnInterfaceThatNobodyServes) {
+  bus.unknown = "none";
+  arrive({"one", "none", "two"});
+  dbus_message_set_interface(bus.arrived[1], nullptr);
+  run();
+  EXPECT_EQ(bus.sent, Names{"Method \"none\" with signature \"\" on interface \"(null)\" doesn't "
+                            "exist\n"});
+}
+
+TEST_F(CallServerTest, ServesCallsWithoutASender) {
+  bus.arrived = {callOf("one", nullptr), callOf("two", nullptr), callOf("three", ":1.1")};
+  run();
+  EXPECT_EQ(bus.served, (Names{"one", "three", "two"}));
+}
+
 TEST_F(CallServerTest, ServesAtMostAMillisecondBeforeItLooksForMessages) {
   arrive({"one", "long", "two"});
   while (!bus.arrived.empty()) dbus_connection_dispatch(nullptr);
@@ -144,6 +159,17 @@ TEST_F(CallServerTest, TakesNoMoreThanSoManyAhead) {
   EXPECT_EQ(bus.served, names);
 }
 
+TEST_F(CallServerTest, TakesMoreAheadRatherThanServeWhatCannotBeSent) {
+  const Names names = manyNames(CallServer::MAX_TAKEN + 2);
+  bus.unsent = CallServer::MAX_UNSENT_BYTES + 1;
+  arrive(names);
+  while (!bus.arrived.empty()) dbus_connection_dispatch(nullptr);
+  EXPECT_EQ(bus.served, Names{});
+  bus.unsent = 0;
+  run();
+  EXPECT_EQ(bus.served, names);
+}
+
 TEST_F(CallServerTest, ServesACallThatFindsNoMemoryToWaitBehindTheOthers) {
   arrive({"one", "two", "three"});
   dbus_connection_dispatch(nullptr);
@@ -154,8 +180,10 @@ TEST_F(CallServerTest, ServesACallThatFindsNoMemoryToWaitBehindTheOthers) {
 
 TEST_F(CallServerTest, ServesNothingWhileTooMuchIsNotSent) {
   bus.unsent = CallServer::MAX_UNSENT_BYTES + 1;
-  arrive({"one", "two"});
-  run();
+  for (const char* method : {"one", "two"}) {
+    arrive({method});
+    run();
+  }
   EXPECT_EQ(bus.served, Names{});
   bus.unsent = CallServer::MAX_UNSENT_BYTES;
   run();

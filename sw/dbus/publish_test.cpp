@@ -91,6 +91,8 @@ TEST(Publish, LeavesOutWhatFitsIntoNoSignal) {
   changes[1].name += "b";
   publish(service.object(), changes);
   EXPECT_TRUE(service.newSignals() == (Signals{{"a=1", "c=3"}}));
+  publish(service.object(), {changes[1]});
+  EXPECT_EQ(service.newSignals(), Signals{});
   EXPECT_EQ(Pieces::kept.size(), 0U);
 }
 

@@ -1,8 +1,10 @@
 // Failing function: preloaded into the daemon, it makes the library function that FAILING_FUNCTION
 // names fail, as its page says that it can.
 #include <dbus/dbus-glib.h>
+#include <dbus/dbus.h>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/ioctl.h>
 
 #include <cerrno>
 #include <cstdlib>
@@ -47,6 +49,27 @@ int open(const char* path, int flags, ...) {
   const int descriptor = next(open, "open")(path, flags, va_arg(rest, mode_t));
   va_end(rest);
   return descriptor;
+}
+
+int ioctl(int descriptor, unsigned long request, ...) noexcept {
+  if (fails("ioctl")) return failure(EBADF);
+  va_list rest;
+  va_start(rest, request);
+  const int result = next(ioctl, "ioctl")(descriptor, request, va_arg(rest, void*));
+  va_end(rest);
+  return result;
+}
+
+// What g_try_new0 becomes for a single piece.
+gpointer g_try_malloc0(gsize bytes) {
+  return fails("g_try_malloc0") ? nullptr : next(g_try_malloc0, "g_try_malloc0")(bytes);
+}
+
+dbus_bool_t dbus_connection_get_unix_fd(DBusConnection* connection, int* descriptor) {
+  return fails("dbus_connection_get_unix_fd")
+             ? FALSE
+             : next(dbus_connection_get_unix_fd, "dbus_connection_get_unix_fd")(connection,
+                                                                                descriptor);
 }
 
 GMainLoop* g_main_loop_new(GMainContext* context, gboolean isRunning) {

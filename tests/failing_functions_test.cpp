@@ -25,7 +25,7 @@ TEST_F(FailingFunctionTest, OfTheStartIsReported) {
   const Case cases[] = {
       {"g_main_loop_new", "Making parameter definitions.\n",
        "Couldn\xe2\x80\x99t create GMainLoop (Unknown (OOM ?))"},
-      {"g_try_malloc0", "Making parameter definitions.\n",
+      {"g_try_new0", "Making parameter definitions.\n",
        "Couldn\xe2\x80\x99t initialize server methods (Unknown (OOM ?))"},
       {"dbus_g_proxy_new_for_name",
        "Transaction server:main Registering the well-known name (org.tavrel.transaction)\n",

@@ -60,9 +60,13 @@ int ioctl(int descriptor, unsigned long request, ...) noexcept {
   return result;
 }
 
-// What g_try_new0 becomes for a single piece.
+// What g_try_new0 becomes for a single piece, without and with optimisation.
+gpointer g_try_malloc0_n(gsize pieces, gsize bytes) {
+  return fails("g_try_new0") ? nullptr : next(g_try_malloc0_n, "g_try_malloc0_n")(pieces, bytes);
+}
+
 gpointer g_try_malloc0(gsize bytes) {
-  return fails("g_try_malloc0") ? nullptr : next(g_try_malloc0, "g_try_malloc0")(bytes);
+  return fails("g_try_new0") ? nullptr : next(g_try_malloc0, "g_try_malloc0")(bytes);
 }
 
 dbus_bool_t dbus_connection_get_unix_fd(DBusConnection* connection, int* descriptor) {

@@ -3,8 +3,8 @@
 #include <cassert>
 #include <functional>
 
-#include "deflang/diagnostics.h"
-#include "sw/parm/builder.h"
+#include "deflang/text/diagnostics.h"
+#include "sw/parm/build/builder.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <cassert>
 #include <string>
 
-#include "deflang/cursor.h"
-#include "deflang/expression_reader.h"
-#include "deflang/program.h"
+#include "deflang/expression/program.h"
+#include "deflang/text/cursor.h"
+#include "deflang/text/expression_reader.h"
 
 namespace {
 

@@ -7,12 +7,12 @@
 #include <span>
 #include <utility>
 
+#include "base/system_log.h"
+#include "base/work.h"
 #include "database/evaluation.h"
 #include "database/gather.h"
 #include "database/name_order.h"
 #include "database/plan.h"
-#include "deflang/system_log.h"
-#include "deflang/work.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <new>
 #include <utility>
 
-#include "database/test_database.h"
-#include "deflang/system_log.h"
+#include "base/system_log.h"
+#include "tests/support/database.h"
 
 namespace {
 

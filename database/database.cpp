@@ -5,9 +5,9 @@
 #include <unordered_map>
 #include <utility>
 
+#include "base/put_in_order.h"
 #include "database/levels.h"
-#include "deflang/put_in_order.h"
-#include "deflang/vid_std_name.h"
+#include "deflang/expression/vid_std_name.h"
 #include "sw/parm/parm_name.h"
 
 namespace {

@@ -10,12 +10,12 @@
 #include <string_view>
 #include <vector>
 
-#include "deflang/name_table.h"
-#include "deflang/position_table.h"
-#include "deflang/seldom.h"
-#include "deflang/stable_list.h"
-#include "deflang/text_map.h"
-#include "sw/parm/definition_registry.h"
+#include "base/name_table.h"
+#include "base/position_table.h"
+#include "base/seldom.h"
+#include "base/stable_list.h"
+#include "base/text_map.h"
+#include "sw/parm/build/definition_registry.h"
 #include "sw/parm/index_tuple.h"
 #include "sw/parm/value_text.h"
 

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "database/test_database.h"
+#include "tests/support/database.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "base/work.h"
 #include "database/gather.h"
-#include "deflang/work.h"
 #include "sw/parm/parm_name.h"
 
 namespace {

@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include "base/value_limit.h"
 #include "database/range_query.h"
-#include "database/test_database.h"
-#include "deflang/value_limit.h"
 #include "sw/parm/parm_name.h"
+#include "tests/support/database.h"
 
 namespace {
 

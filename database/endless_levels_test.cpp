@@ -8,14 +8,14 @@
 
 #include <algorithm>
 
+#include "base/system_log.h"
 #include "database/commit.h"
 #include "database/index_query.h"
 #include "database/index_values.h"
 #include "database/range_query.h"
-#include "database/test_random_texts.h"
 #include "database/transaction.h"
-#include "deflang/system_log.h"
 #include "sw/parm/parm_name.h"
+#include "tests/support/random_texts.h"
 
 namespace {
 

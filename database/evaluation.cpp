@@ -3,8 +3,8 @@
 #include <string>
 #include <utility>
 
+#include "base/work.h"
 #include "database/gather.h"
-#include "deflang/work.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include "database/database.h"
 #include "database/staged_values.h"
-#include "deflang/variables.h"
+#include "deflang/expression/variables.h"
 #include "sw/parm/index_tuple.h"
 
 /// The index values that `referenced` takes from the instance `indices` of `evaluated`, in its own

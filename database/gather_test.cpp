@@ -4,7 +4,7 @@
 
 #include <map>
 
-#include "database/test_database.h"
+#include "tests/support/database.h"
 #include "vid_std.h"
 
 namespace {

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <optional>
 
+#include "base/number.h"
+#include "base/work.h"
 #include "database/gather.h"
-#include "deflang/number.h"
-#include "deflang/work.h"
 #include "sw/parm/present_bounds.h"
 
 namespace {

@@ -5,8 +5,8 @@
 #include <random>
 
 #include "database/gather.h"
-#include "database/test_database.h"
 #include "database/transaction.h"
+#include "tests/support/database.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "database/index_situations.h"
 
+#include "base/work.h"
 #include "database/gather.h"
-#include "deflang/work.h"
 
 PresentIndex& IndexSituations::at(const ParmEntry& parm, const IndexTuple& indices, size_t position,
                                   const Situation& own) {

@@ -8,7 +8,7 @@
 
 #include "database/database.h"
 #include "database/staged_values.h"
-#include "deflang/variables.h"
+#include "deflang/expression/variables.h"
 #include "sw/parm/index_tuple.h"
 #include "sw/parm/present_index.h"
 

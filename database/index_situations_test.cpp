@@ -4,11 +4,11 @@
 
 #include <utility>
 
+#include "base/system_log.h"
 #include "database/evaluation.h"
 #include "database/gather.h"
 #include "database/index_values.h"
-#include "database/test_random_texts.h"
-#include "deflang/system_log.h"
+#include "tests/support/random_texts.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "deflang/number.h"
+#include "base/number.h"
 
 namespace {
 

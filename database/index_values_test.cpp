@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "database/test_database.h"
+#include "tests/support/database.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <tuple>
 #include <vector>
 
-#include "deflang/system_log.h"
+#include "base/system_log.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "database/test_database.h"
-#include "deflang/system_log.h"
+#include "base/system_log.h"
+#include "tests/support/database.h"
 
 namespace {
 

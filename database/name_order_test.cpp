@@ -5,7 +5,7 @@
 #include <random>
 #include <string>
 
-#include "deflang/test_allocations.h"
+#include "tests/support/allocations.h"
 
 namespace {
 

@@ -4,10 +4,10 @@
 #include <tuple>
 #include <utility>
 
+#include "base/put_in_order.h"
+#include "base/system_log.h"
+#include "base/work.h"
 #include "database/index_values.h"
-#include "deflang/put_in_order.h"
-#include "deflang/system_log.h"
-#include "deflang/work.h"
 
 namespace {
 

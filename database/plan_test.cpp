@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "database/test_database.h"
 #include "sw/parm/parm_name.h"
+#include "tests/support/database.h"
 
 namespace {
 

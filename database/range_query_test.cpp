@@ -4,10 +4,10 @@
 
 #include <random>
 
+#include "base/system_log.h"
 #include "database/commit.h"
-#include "database/test_database.h"
 #include "database/transaction.h"
-#include "deflang/system_log.h"
+#include "tests/support/database.h"
 
 namespace {
 

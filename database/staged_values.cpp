@@ -5,7 +5,7 @@
 #include <functional>
 #include <utility>
 
-#include "deflang/work.h"
+#include "base/work.h"
 #include "sw/parm/parm_name.h"
 
 namespace {

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "base/position_table.h"
+#include "base/stable_list.h"
 #include "database/database.h"
-#include "deflang/position_table.h"
-#include "deflang/stable_list.h"
 #include "sw/parm/index_tuple.h"
 #include "sw/parm/value_text.h"
 

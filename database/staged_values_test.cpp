@@ -4,8 +4,8 @@
 
 #include <new>
 
-#include "database/test_database.h"
-#include "deflang/test_allocations.h"
+#include "tests/support/allocations.h"
+#include "tests/support/database.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "database/transaction.h"
 
-#include "deflang/work.h"
+#include "base/work.h"
 #include "sw/parm/parm_name.h"
 
 int Transaction::set(std::string_view name, const std::string& value, bool status) {

@@ -6,9 +6,9 @@
 #include <string>
 #include <string_view>
 
+#include "base/work.h"
 #include "database/database.h"
 #include "database/staged_values.h"
-#include "deflang/work.h"
 
 /// Results of set and reset.
 enum stageResult_t : int {

@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "database/commit.h"
-#include "database/test_database.h"
+#include "tests/support/database.h"
 
 namespace {
 

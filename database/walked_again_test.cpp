@@ -2,12 +2,12 @@
 // made by hand: no definition text leads to such a one.
 #include <gtest/gtest.h>
 
+#include "base/system_log.h"
 #include "database/commit.h"
 #include "database/range_query.h"
-#include "database/test_database.h"
 #include "database/transaction.h"
-#include "deflang/system_log.h"
-#include "sw/parm/test_definitions.h"
+#include "tests/support/database.h"
+#include "tests/support/definitions.h"
 
 namespace {
 

@@ -1,14 +1,14 @@
 // What requests cost, exactly: the counts are the same on every machine and in every build.
 #include <gtest/gtest.h>
 
+#include "base/system_log.h"
+#include "base/value_limit.h"
+#include "base/work.h"
 #include "database/commit.h"
 #include "database/dependencies.h"
 #include "database/index_query.h"
 #include "database/range_query.h"
-#include "database/test_database.h"
-#include "deflang/system_log.h"
-#include "deflang/value_limit.h"
-#include "deflang/work.h"
+#include "tests/support/database.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include "fuzz/captured_stderr.h"
 #include "fuzz/demand.h"
 #include "fuzz/pieces.h"
-#include "sw/parm/builder.h"
+#include "sw/parm/build/builder.h"
 #include "vid_std.h"
 
 namespace {

@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "database/database.h"
-#include "deflang/definition_parser.h"
-#include "deflang/diagnostics.h"
+#include "deflang/text/definition_parser.h"
+#include "deflang/text/diagnostics.h"
 
 /// The constants of every built text, as given on the command line.
 struct Constant {

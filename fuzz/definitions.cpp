@@ -10,13 +10,13 @@
 #include <string_view>
 #include <vector>
 
+#include "base/number.h"
+#include "base/system_log.h"
 #include "database/commit.h"
 #include "database/dependencies.h"
 #include "database/index_query.h"
 #include "database/range_query.h"
 #include "database/transaction.h"
-#include "deflang/number.h"
-#include "deflang/system_log.h"
 #include "fuzz/built_text.h"
 #include "fuzz/demand.h"
 #include "fuzz/fuzz_input.h"

@@ -5,10 +5,10 @@
 #include <string_view>
 #include <vector>
 
-#include "deflang/cursor.h"
-#include "deflang/expression_reader.h"
-#include "deflang/postfix.h"
-#include "deflang/program.h"
+#include "deflang/expression/postfix.h"
+#include "deflang/expression/program.h"
+#include "deflang/text/cursor.h"
+#include "deflang/text/expression_reader.h"
 #include "fuzz/demand.h"
 #include "fuzz/fuzz_input.h"
 #include "fuzz/fuzz_target.h"

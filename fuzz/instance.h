@@ -6,7 +6,7 @@
 
 #include "database/database.h"
 #include "database/dependencies.h"
-#include "deflang/variables.h"
+#include "deflang/expression/variables.h"
 #include "sw/parm/index_tuple.h"
 
 /// Instances by their full names.

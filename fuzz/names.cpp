@@ -7,12 +7,12 @@
 #include <utility>
 #include <vector>
 
+#include "base/number.h"
 #include "database/gather.h"
-#include "deflang/cursor.h"
-#include "deflang/expression_reader.h"
-#include "deflang/index_list_reader.h"
-#include "deflang/number.h"
-#include "deflang/vid_std_name.h"
+#include "deflang/expression/vid_std_name.h"
+#include "deflang/text/cursor.h"
+#include "deflang/text/expression_reader.h"
+#include "deflang/text/index_list_reader.h"
 #include "fuzz/demand.h"
 #include "fuzz/fuzz_input.h"
 #include "fuzz/fuzz_target.h"

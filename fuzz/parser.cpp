@@ -2,7 +2,7 @@
 #include <string>
 #include <vector>
 
-#include "deflang/definition_parser.h"
+#include "deflang/text/definition_parser.h"
 #include "fuzz/captured_stderr.h"
 #include "fuzz/demand.h"
 #include "fuzz/fuzz_input.h"

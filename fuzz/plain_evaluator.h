@@ -8,7 +8,7 @@
 #include <variant>
 #include <vector>
 
-#include "deflang/token.h"
+#include "deflang/expression/token.h"
 
 /// A number or a text; nothing for what has no value.
 using PlainValue = std::optional<std::variant<int32_t, std::string>>;

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "deflang/record.h"
+#include "deflang/text/record.h"
 
 /// Everything that the records say, positions included.
 std::string recordsText(const ParameterRecords& records);

@@ -10,12 +10,12 @@
 #include <string>
 #include <vector>
 
+#include "base/system_log.h"
 #include "database/commit.h"
 #include "database/dependencies.h"
 #include "database/index_query.h"
 #include "database/range_query.h"
 #include "database/transaction.h"
-#include "deflang/system_log.h"
 #include "fuzz/built_text.h"
 #include "fuzz/commit_watch.h"
 #include "fuzz/demand.h"

@@ -16,6 +16,9 @@
 #include <string_view>
 #include <vector>
 
+#include "base/system_log.h"
+#include "base/value_limit.h"
+#include "base/work.h"
 #include "database/commit.h"
 #include "database/dependencies.h"
 #include "database/index_query.h"
@@ -23,9 +26,6 @@
 #include "database/largest_change.h"
 #include "database/range_query.h"
 #include "database/transaction.h"
-#include "deflang/system_log.h"
-#include "deflang/value_limit.h"
-#include "deflang/work.h"
 #include "fuzz/built_text.h"
 #include "fuzz/demand.h"
 #include "fuzz/fuzz_input.h"

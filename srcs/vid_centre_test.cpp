@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "srcs/testing_assertion.h"
+#include "tests/support/assertion.h"
 
 namespace {
 

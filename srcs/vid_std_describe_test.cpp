@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "srcs/testing_assertion.h"
+#include "tests/support/assertion.h"
 #include "vid_std.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "srcs/testing_listing.h"
+#include "tests/support/listing.h"
 #include "vid_std.h"
 
 namespace {

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "srcs/testing_assertion.h"
-#include "srcs/testing_listing.h"
+#include "tests/support/assertion.h"
+#include "tests/support/listing.h"
 #include "vid_std.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "srcs/testing_assertion.h"
+#include "tests/support/assertion.h"
 
 namespace {
 

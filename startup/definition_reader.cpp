@@ -7,8 +7,8 @@
 #include <cstring>
 #include <string_view>
 
-#include "deflang/definition_parser.h"
-#include "sw/parm/make_definitions.h"
+#include "deflang/text/definition_parser.h"
+#include "sw/parm/build/make_definitions.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <string>
 
-#include "sw/parm/definition_registry.h"
+#include "sw/parm/build/definition_registry.h"
 
 /// The most bytes that one piece of the text has.
 constexpr size_t MAX_PIECE_LENGTH = 1024;

@@ -2,8 +2,8 @@
 // standard which a parameter selects.
 #include <algorithm>
 
-#include "srcs/testing_listing.h"
 #include "tests/harness/service_test.h"
+#include "tests/support/listing.h"
 
 namespace {
 

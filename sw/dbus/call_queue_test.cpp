@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "deflang/test_allocations.h"
+#include "tests/support/allocations.h"
 
 namespace {
 

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "deflang/test_allocations.h"
 #include "sw/dbus/bus_memory.h"
 #include "sw/dbus/exported_object.h"
+#include "tests/support/allocations.h"
 
 namespace {
 

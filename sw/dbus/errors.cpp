@@ -2,13 +2,13 @@
 
 #include <new>
 
+#include "base/system_log.h"
+#include "base/work.h"
 #include "database/commit.h"
 #include "database/dependencies.h"
 #include "database/index_query.h"
 #include "database/range_query.h"
 #include "database/transaction.h"
-#include "deflang/system_log.h"
-#include "deflang/work.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <new>
 #include <string>
 
+#include "base/system_log.h"
 #include "database/range_query.h"
-#include "deflang/system_log.h"
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include <cstring>
 #include <string>
 
-#include "deflang/system_log.h"
+#include "base/system_log.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "deflang/system_log.h"
+#include "base/system_log.h"
 
 // Not every build has it from its header.
 // NOLINTNEXTLINE(readability-*,bugprone-reserved-identifier)

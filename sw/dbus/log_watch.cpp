@@ -2,7 +2,7 @@
 
 #include <cassert>
 
-#include "deflang/system_log.h"
+#include "base/system_log.h"
 
 namespace {
 

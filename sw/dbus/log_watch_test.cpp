@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "deflang/system_log.h"
+#include "base/system_log.h"
 
 namespace {
 

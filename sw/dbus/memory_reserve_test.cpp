@@ -4,7 +4,7 @@
 
 #include <new>
 
-#include "sw/dbus/test_mappings.h"
+#include "tests/support/mappings.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <functional>
 
+#include "base/work.h"
 #include "database/transaction.h"
-#include "deflang/work.h"
 #include "sw/dbus/errors.h"
 #include "sw/dbus/memory_reserve.h"
 #include "sw/dbus/null_check.h"

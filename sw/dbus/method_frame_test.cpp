@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "deflang/system_log.h"
-#include "sw/dbus/test_mappings.h"
-#include "sw/dbus/test_service.h"
+#include "base/system_log.h"
+#include "tests/support/mappings.h"
+#include "tests/support/service.h"
 
 namespace {
 

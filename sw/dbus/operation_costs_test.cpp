@@ -9,15 +9,15 @@
 #include <new>
 #include <utility>
 
+#include "base/value_limit.h"
+#include "base/work.h"
 #include "database/commit.h"
-#include "deflang/value_limit.h"
-#include "deflang/work.h"
 #include "sw/dbus/errors.h"
 #include "sw/dbus/reply.h"
-#include "sw/dbus/test_mappings.h"
-#include "sw/dbus/test_pieces.h"
-#include "sw/dbus/test_reply.h"
-#include "sw/dbus/test_service.h"
+#include "tests/support/mappings.h"
+#include "tests/support/pieces.h"
+#include "tests/support/reply.h"
+#include "tests/support/service.h"
 
 namespace {
 

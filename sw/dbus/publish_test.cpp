@@ -4,10 +4,10 @@
 
 #include "database/commit.h"
 #include "sw/dbus/reply.h"
-#include "sw/dbus/test_mappings.h"
-#include "sw/dbus/test_pieces.h"
-#include "sw/dbus/test_service.h"
 #include "sw/parm/parm_name.h"
+#include "tests/support/mappings.h"
+#include "tests/support/pieces.h"
+#include "tests/support/service.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/stable_list.h"
 #include "database/transaction.h"
-#include "deflang/stable_list.h"
 #include "sw/parm/bounds.h"
 
 class RangeSet {

@@ -2,13 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "base/value_limit.h"
+#include "base/work.h"
 #include "database/range_query.h"
-#include "database/test_database.h"
-#include "deflang/test_allocations.h"
-#include "deflang/value_limit.h"
-#include "deflang/work.h"
 #include "sw/dbus/errors.h"
 #include "sw/dbus/reply.h"
+#include "tests/support/allocations.h"
+#include "tests/support/database.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <new>
 
 #include "sw/dbus/memory_reserve.h"
-#include "sw/dbus/test_mappings.h"
-#include "sw/dbus/test_reply.h"
+#include "tests/support/mappings.h"
+#include "tests/support/reply.h"
 
 namespace {
 

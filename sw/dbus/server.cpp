@@ -9,7 +9,7 @@
 #include <cassert>
 #include <cstdio>
 
-#include "deflang/system_log.h"
+#include "base/system_log.h"
 #include "sw/dbus/call_server.h"
 #include "sw/dbus/deadline.h"
 #include "sw/dbus/descriptors.h"

@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "deflang/system_log.h"
-#include "deflang/value_limit.h"
+#include "base/system_log.h"
+#include "base/value_limit.h"
 #include "sw/dbus/reply.h"
-#include "sw/dbus/test_reply.h"
-#include "sw/dbus/test_service.h"
+#include "tests/support/reply.h"
+#include "tests/support/service.h"
 
 namespace {
 

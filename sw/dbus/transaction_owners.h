@@ -7,8 +7,8 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "base/text_map.h"
 #include "database/transaction.h"
-#include "deflang/text_map.h"
 
 /// A transaction outlives its client, as others may know its id. But what those whose client has
 /// left hold together is bounded: beyond it they are ended, in the order in which the clients left.

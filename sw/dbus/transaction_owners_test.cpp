@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "database/test_database.h"
+#include "tests/support/database.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <iterator>
 #include <optional>
 
-#include "deflang/number.h"
+#include "base/number.h"
 
 namespace {
 

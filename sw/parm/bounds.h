@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-#include "deflang/program.h"
-#include "deflang/seldom.h"
+#include "base/seldom.h"
+#include "deflang/expression/program.h"
 
 /// What becomes of a number outside its range.
 enum overflow_t {

@@ -6,7 +6,7 @@
 #include <memory>
 #include <random>
 
-#include "deflang/test_expressions.h"
+#include "tests/support/expressions.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "sw/parm/test_definitions.h"
+#include "tests/support/definitions.h"
 
 namespace {
 

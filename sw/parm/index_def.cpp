@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "deflang/value_limit.h"
+#include "base/value_limit.h"
 #include "sw/parm/present_bounds.h"
 
 void noteKinds(std::span<ConditionalBounds> list) {

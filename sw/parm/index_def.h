@@ -9,11 +9,11 @@
 #include <utility>
 #include <vector>
 
-#include "deflang/fixed_list.h"
-#include "deflang/program.h"
-#include "deflang/seldom.h"
-#include "deflang/variables.h"
-#include "deflang/work.h"
+#include "base/fixed_list.h"
+#include "base/seldom.h"
+#include "base/work.h"
+#include "deflang/expression/program.h"
+#include "deflang/expression/variables.h"
 #include "sw/parm/bounds.h"
 
 /// Bounds that count while a condition is true: a BoundsParm, or a BoundsExpression for a run-time

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "deflang/value_limit.h"
-#include "sw/parm/test_definitions.h"
+#include "base/value_limit.h"
+#include "tests/support/definitions.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <utility>
 
-#include "deflang/value_limit.h"
+#include "base/value_limit.h"
 #include "sw/parm/parm_name.h"
 
 ParmDef::ParmDef(DefinitionParts parts, ParmParts parmParts)

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "deflang/name_table.h"
-#include "deflang/stable_list.h"
+#include "base/name_table.h"
+#include "base/stable_list.h"
 #include "sw/parm/index_def.h"
 #include "sw/parm/index_tuple.h"
 #include "sw/parm/value_text.h"

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "deflang/test_allocations.h"
-#include "deflang/work.h"
-#include "sw/parm/test_definitions.h"
+#include "base/work.h"
+#include "tests/support/allocations.h"
+#include "tests/support/definitions.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "deflang/value_limit.h"
+#include "base/value_limit.h"
 
 std::string_view baseName(std::string_view name) { return name.substr(0, name.find('[')); }
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "deflang/variables.h"
+#include "deflang/expression/variables.h"
 #include "sw/parm/index_def.h"
 #include "sw/parm/present_bounds.h"
 

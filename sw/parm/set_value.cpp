@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "deflang/system_log.h"
+#include "base/system_log.h"
 #include "sw/parm/constraints.h"
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "deflang/variables.h"
+#include "deflang/expression/variables.h"
 #include "sw/parm/index_tuple.h"
 #include "sw/parm/parm_def.h"
 #include "sw/parm/present_index.h"

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "deflang/system_log.h"
-#include "sw/parm/test_definitions.h"
+#include "base/system_log.h"
+#include "tests/support/definitions.h"
 
 namespace {
 

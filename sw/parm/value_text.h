@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "deflang/variables.h"
+#include "deflang/expression/variables.h"
 
 class ValueText {
  public:

@@ -1,5 +1,5 @@
-// In the place of the C library's _exit(), which writes no counts of what was reached: for the build
-// that measures coverage.
+// In the place of the C library's _exit(), which writes no counts of what was reached: for the
+// build that measures coverage.
 #include <sys/syscall.h>
 #include <unistd.h>
 

@@ -34,7 +34,7 @@ WORK = os.path.join(TOP, "build", "mutation")
 TREE, BUILD = os.path.join(WORK, "tree"), os.path.join(WORK, "build")
 EQUIVALENT = os.path.join(TOP, "tests", "mutation", "equivalent.txt")
 NO_PRODUCT = ("tests/", "fuzz/", "bench/", "examples/")
-TEST_SOURCE = re.compile(r"(.*_test\.cpp|test(ing)?_[^/]*\.h|[^/]*_testing\.h)$")
+TEST_SOURCE = re.compile(r".*_test\.cpp$")
 FILE_SHARE = 4000  # numbers that each file has for its mutants
 GENERATED = ("generated/commit_id.h", "sw/dbus/generated/transaction_binding.h")
 # What the sanitizers would notice of a place beyond an end ends the program here too.

@@ -1,0 +1,263 @@
+#include "deflang/expression/program.h"
+
+#include <algorithm>
+#include <forward_list>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "base/joined_text.h"
+#include "base/number.h"
+#include "base/value_limit.h"
+#include "deflang/expression/operations.h"
+#include "deflang/expression/operators.h"
+#include "deflang/expression/postfix.h"
+
+namespace {
+
+// Programs that hold no more operands at once do without an allocated stack; few texts have others.
+constexpr uint32_t SHALLOW_DEPTH = 16;
+
+// Whether a token by itself makes a program without further parts.
+bool isSingle(const Token& token) {
+  return token.kind == TOKEN_NUMBER || token.kind == TOKEN_VARIABLE;
+}
+
+// An operand on the stack. It has no initial values, because most of the stack stays unused.
+struct Held {
+  operandKind_t kind;
+  int32_t number;      // of a number
+  const char* text;    // of a string
+  size_t size;         // of its text
+  JoinedText* joined;  // of a string that an addition made: its text, else null
+
+  [[nodiscard]] std::string_view view() const { return {text, size}; }
+  [[nodiscard]] bool isNumber() const { return kind == OPERAND_NUMBER; }
+  [[nodiscard]] bool isInvalid() const { return kind == OPERAND_INVALID; }
+
+  void setNumber(int32_t value) {
+    kind = OPERAND_NUMBER;
+    number = value;
+  }
+  // Returns whether there is a number.
+  bool setNumber(std::optional<int32_t> value) {
+    if (!value) return false;
+    setNumber(*value);
+    return true;
+  }
+  void setText(std::string_view value, JoinedText* joinedText = nullptr) {
+    kind = OPERAND_STRING;
+    text = value.data();
+    size = value.size();
+    joined = joinedText;
+  }
+  void setOperand(const Operand& operand) {
+    if (operand.kind == OPERAND_STRING) {
+      setText(operand.text);
+    } else {
+      kind = operand.kind;
+      number = operand.number;
+    }
+  }
+};
+
+int32_t toNumber(const Held& held) {
+  if (held.isNumber()) return held.number;
+  Work::add(held.size);
+  return leadingNumber(held.view());
+}
+
+// The text of an operand; `digits` holds it where it is made of a number.
+std::string_view toText(const Held& held, std::string& digits) {
+  if (!held.isNumber()) return held.view();
+  digits = numberText(held.number);
+  return digits;
+}
+
+uint64_t comparisonWork(int32_t code, std::string_view left, std::string_view right) {
+  return code == OP_CONTAINS ? left.size() * WORK_PER_SEARCHED_BYTE
+                             : std::min(left.size(), right.size());
+}
+
+}  // namespace
+
+// One run of a program. The texts that additions make live as long as it does.
+class Program::Evaluation {
+ public:
+  Evaluation(const Program& program, const SituationView& situation)
+      : program_(program), situation_(situation) {
+    if (program.code_ == nullptr || program.code_->depth <= SHALLOW_DEPTH) {
+      run(shallow_);
+    } else {
+      deep_.resize(program.code_->depth);
+      run(deep_.data());
+    }
+  }
+
+  // The value; null for the invalid one.
+  [[nodiscard]] const Held* value() const { return value_; }
+
+ private:
+  void run(Held* stack) {
+    Held* top = stack;  // the first free place
+    for (const Step& step : program_.steps()) {
+      switch (step.kind) {
+        case TOKEN_NUMBER:
+          (top++)->setNumber(step.value);
+          break;
+        case TOKEN_STRING:
+          (top++)->setText(program_.code_->texts[static_cast<size_t>(step.value)]);
+          break;
+        case TOKEN_VARIABLE:
+          (top++)->setOperand(situation_[static_cast<uint32_t>(step.value)]);
+          break;
+        default:
+          --top;
+          if (!apply(step.kind, top[-1], *top)) return;
+      }
+    }
+    if (top != stack && !stack->isInvalid()) value_ = stack;
+  }
+
+  // Puts the result in the place of `left`. Returns whether there is one.
+  bool apply(int32_t code, Held& left, const Held& right) {
+    if (left.isNumber() && right.isNumber() && code != OP_CONTAINS) {
+      return left.setNumber(calculate(code, left.number, right.number));
+    }
+    if (left.isInvalid() || right.isInvalid()) return applyToOne(code, left, right);
+    if (code == OP_ADD) return join(left, right);
+    if (code == OP_CONTAINS || isComparison(code)) {
+      std::string leftDigits;
+      std::string rightDigits;
+      const std::string_view leftText = toText(left, leftDigits);
+      const std::string_view rightText = toText(right, rightDigits);
+      Work::add(comparisonWork(code, leftText, rightText));
+      return left.setNumber(compareTexts(code, leftText, rightText));
+    }
+    return left.setNumber(calculate(code, toNumber(left), toNumber(right)));
+  }
+
+  // At least one operand is an undefined variable.
+  static bool applyToOne(int32_t code, Held& left, const Held& right) {
+    const Held& defined = left.isInvalid() ? right : left;
+    return !defined.isInvalid() && left.setNumber(absorb(code, toNumber(defined)));
+  }
+
+  // An operand is used once, so a text that was made for it may go on growing. The shorter text
+  // joins the longer one.
+  bool join(Held& left, const Held& right) {
+    std::string leftDigits;
+    std::string rightDigits;
+    const std::string_view leftText = toText(left, leftDigits);
+    const std::string_view rightText = toText(right, rightDigits);
+    if (leftText.size() + rightText.size() > MAX_VALUE_BYTES) return false;
+    JoinedText* const leftJoined = left.isNumber() ? nullptr : left.joined;
+    JoinedText* const rightJoined = right.isNumber() ? nullptr : right.joined;
+    if (rightJoined != nullptr && (leftJoined == nullptr || leftText.size() < rightText.size())) {
+      Work::add(leftText.size());
+      rightJoined->prepend(leftText);
+      left.setText(rightJoined->view(), rightJoined);
+      return true;
+    }
+    Work::add((leftJoined != nullptr ? 0 : leftText.size()) + rightText.size());
+    JoinedText* const joined =
+        leftJoined != nullptr ? leftJoined : &joined_.emplace_front(leftText);
+    joined->append(rightText);
+    left.setText(joined->view(), joined);
+    return true;
+  }
+
+  const Program& program_;
+  const SituationView& situation_;
+  const Held* value_ = nullptr;
+  std::forward_list<JoinedText> joined_;
+  std::vector<Held> deep_;
+  Held shallow_[SHALLOW_DEPTH];
+};
+
+bool Value::isTrue() const { return isNumber() ? number != 0 : valid() && !text.empty(); }
+
+std::string Value::asText() const { return isNumber() ? numberText(number) : text; }
+
+int Program::compile(const Expression& expression, Variables& variables, Program& out) {
+  out = Program();
+  if (expression.tokens.size() == 1 && isSingle(expression.tokens.front())) {
+    std::vector<std::string> noTexts;
+    out.single_ = stepOf(expression.tokens.front(), noTexts, variables);
+    return 0;
+  }
+  std::vector<const Token*> order;
+  if (const int failed = postfixOrder(expression, order); failed != 0) return failed;
+  auto code = std::make_unique<Code>();
+  code->steps.reserve(order.size());
+  uint32_t held = 0;
+  for (const Token* token : order) {
+    held = isOperator(token->kind) ? held - 1 : held + 1;
+    code->depth = std::max(code->depth, held);
+    code->steps.push_back(stepOf(*token, code->texts, variables));
+  }
+  out.code_ = std::move(code);
+  return 0;
+}
+
+Program::Step Program::stepOf(const Token& token, std::vector<std::string>& texts,
+                              Variables& variables) {
+  switch (token.kind) {
+    case TOKEN_NUMBER:
+      return {TOKEN_NUMBER, token.number};
+    case TOKEN_STRING:
+      texts.emplace_back(token.text);
+      return {TOKEN_STRING, static_cast<int32_t>(texts.size() - 1)};
+    case TOKEN_VARIABLE:
+      return {TOKEN_VARIABLE, static_cast<int32_t>(variables.slot(token.text))};
+    default:
+      return {token.kind, 0};
+  }
+}
+
+void Program::rebase(const Variables& from, Variables& into) {
+  const std::span<Step> all = code_ != nullptr ? std::span(code_->steps) : std::span(&single_, 1);
+  for (Step& step : all) {
+    if (step.kind != TOKEN_VARIABLE) continue;
+    step.value = static_cast<int32_t>(into.slot(from.names()[static_cast<size_t>(step.value)]));
+  }
+}
+
+Program Program::constant(int32_t number) {
+  Program program;
+  program.single_ = {TOKEN_NUMBER, number};
+  return program;
+}
+
+Program Program::constant(std::string text) {
+  auto code = std::make_unique<Code>();
+  code->steps.push_back({TOKEN_STRING, 0});
+  code->texts.push_back(std::move(text));
+  code->depth = 1;
+  Program program;
+  program.code_ = std::move(code);
+  return program;
+}
+
+Value Program::evaluate(const SituationView& situation) const {
+  const Evaluation evaluation(*this, situation);
+  const Held* const held = evaluation.value();
+  if (held == nullptr) return {};
+  if (held->isNumber()) return {OPERAND_NUMBER, held->number, {}};
+  if (isTooLong(held->view())) return {};
+  Work::add(held->size);
+  return {OPERAND_STRING, 0, std::string(held->view())};
+}
+
+bool Program::isTrue(const SituationView& situation) const {
+  const Evaluation evaluation(*this, situation);
+  const Held* const held = evaluation.value();
+  if (held == nullptr) return false;
+  return held->isNumber() ? held->number != 0 : held->size != 0;
+}
+
+bool Program::usesVariables() const {
+  const std::span<const Step> all = steps();
+  return std::any_of(all.begin(), all.end(),
+                     [](const Step& step) { return step.kind == TOKEN_VARIABLE; });
+}

@@ -1,0 +1,102 @@
+// Parameter records: what the line parser makes of a definition text, one record for each name.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "base/position_table.h"
+#include "base/record_memory.h"
+#include "deflang/expression/token.h"
+#include "deflang/text/statement_list.h"
+
+/// The word after the name.
+enum accessCode_t : int {
+  ACCESS_NONE = -1,  ///< the text ended before the word; such a record is not built
+  ACCESS_INDEX = 0,
+  ACCESS_RO = 1,
+  ACCESS_ROSTRICT = 2,
+  ACCESS_WO = 3,
+  ACCESS_RW = 4,
+};
+
+/// One name of an `index` statement.
+struct IndexName {
+  std::string_view name;
+  Position at;
+};
+using IndexStatement = std::span<const IndexName>;
+
+/// One item of a range statement: a quoted text, or a value with an optional upper value. A bare
+/// number is an expression of one token.
+struct RangeItem {
+  Position at;
+  std::optional<std::string_view> text;
+  Expression lower;
+  std::optional<Expression> upper;
+};
+
+/// A `rangeValid` or `rangeDoc` statement. No condition and an empty one are the same.
+struct RangeStatement {
+  Expression condition;
+  std::span<const RangeItem> items;
+};
+
+/// A `default` statement: a quoted text or an expression (a bare number is one of one token).
+struct DefaultStatement {
+  Expression condition;
+  Position at;  ///< of the value
+  std::optional<std::string_view> text;
+  Expression value;
+};
+
+/// A `valueChange` statement; numbers stand in decimal.
+struct Translation {
+  Position at;  ///< of the source
+  std::string_view source;
+  std::string_view target;
+};
+
+/// Everything that the text says of one name, each kind of statement in statement order. What it
+/// refers to lives in the memory of its records.
+struct ParameterRecord {
+  std::string_view name;
+  uint32_t line = 0;  ///< where the name first stood
+  accessCode_t access = ACCESS_NONE;
+  StatementList<IndexStatement> indices;
+  StatementList<RangeStatement> rangeValid;
+  StatementList<RangeStatement> rangeDoc;
+  StatementList<Expression> ctrlRO;
+  StatementList<Expression> ctrlValid;
+  StatementList<DefaultStatement> defaults;
+  StatementList<Translation> valueChange;
+};
+
+/// The records of a text, by name. Records stay where they are while others are added.
+class ParameterRecords {
+ public:
+  ParameterRecords() = default;
+  ParameterRecords(ParameterRecords&&) = default;
+  ParameterRecords& operator=(ParameterRecords&&) = default;
+
+  /// The record of `name`, or null.
+  [[nodiscard]] const ParameterRecord* find(std::string_view name) const;
+  [[nodiscard]] ParameterRecord* find(std::string_view name);
+  /// The record of `name`; a new one with the given line when there is none.
+  ParameterRecord& findOrAdd(std::string_view name, uint32_t line);
+  /// All records, ascending by name in byte order.
+  [[nodiscard]] std::vector<const ParameterRecord*> inNameOrder() const;
+  [[nodiscard]] size_t size() const { return records_.size(); }
+  /// Where what the records refer to lives.
+  [[nodiscard]] RecordMemory& memory() { return memory_; }
+
+ private:
+  [[nodiscard]] std::optional<uint32_t> positionOf(std::string_view name) const;
+
+  RecordMemory memory_;
+  std::deque<ParameterRecord> records_;
+  PositionTable positions_;  // by name
+};

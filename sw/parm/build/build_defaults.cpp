@@ -1,0 +1,120 @@
+#include "sw/parm/build/build_defaults.h"
+
+#include <algorithm>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+
+#include "sw/parm/build/classify.h"
+
+namespace {
+
+bool isBefore(const Token& a, const Token& b) {
+  if (a.kind != b.kind) return a.kind < b.kind;
+  if (a.number != b.number) return a.number < b.number;
+  return a.text < b.text;
+}
+
+// An order in which expressions of the same tokens are the same, wherever they stand.
+struct TokenOrder {
+  bool operator()(const Expression* a, const Expression* b) const {
+    return std::lexicographical_compare(a->tokens.begin(), a->tokens.end(), b->tokens.begin(),
+                                        b->tokens.end(), isBefore);
+  }
+};
+
+class DefaultBuilder {
+ public:
+  explicit DefaultBuilder(DefinitionDraft& draft) : draft_(draft) {}
+
+  void build() {
+    for (const DefaultStatement& statement : draft_.record().defaults) add(statement);
+    if (!last_) return;
+    draft_.parm.defaults.push_back({Program::constant(1), *std::move(last_)});
+  }
+
+ private:
+  void add(const DefaultStatement& statement) {
+    Condition condition = classifyCondition(statement.condition, draft_);
+    switch (condition.kind) {
+      case CONDITION_RUN_TIME:
+        addConditional(statement, std::move(condition));
+        break;
+      case CONDITION_ALWAYS:
+        addAlways(statement, condition);
+        break;
+      case CONDITION_NEVER:
+        if (!condition.namesConstant) draft_.warn(DIAG_CONDITION_ZERO, placeOf(statement));
+        break;
+      case CONDITION_LEFT_OUT:
+        break;
+    }
+  }
+
+  void addConditional(const DefaultStatement& statement, Condition condition) {
+    if (!condition.namesConstant && !conditions_.insert(&statement.condition).second) {
+      draft_.error(DIAG_DUPLICATE_CONDITIONS, placeOf(statement));
+    }
+    Program program = draft_.keep(statement.condition, std::move(condition.compiled));
+    if (std::optional<Program> value = valueOf(statement)) {
+      draft_.parm.defaults.push_back({std::move(program), *std::move(value)});
+    }
+  }
+
+  void addAlways(const DefaultStatement& statement, const Condition& condition) {
+    if (condition.namesConstant) {
+      if (std::optional<Program> value = valueOf(statement)) {
+        draft_.parm.defaults.push_back({Program::constant(1), *std::move(value)});
+      }
+      return;
+    }
+    if (std::exchange(fallbackSeen_, true)) {
+      draft_.error(DIAG_CONDITIONS_NON_ZERO, placeOf(statement));
+    }
+    addFallback(statement);
+  }
+
+  void addFallback(const DefaultStatement& statement) {
+    std::optional<Program> value = valueOf(statement);
+    if (!value) return;
+    if (value->usesVariables()) {
+      last_ = std::move(value);
+    } else {
+      draft_.parm.fallbackDefault = value->evaluate(SituationView()).asText();
+    }
+  }
+
+  // The value of a default; nothing, and a report, where it never has one.
+  std::optional<Program> valueOf(const DefaultStatement& statement) {
+    if (statement.text) return Program::constant(std::string(*statement.text));
+    if (statement.value.empty()) {
+      draft_.error(DIAG_INVALID_EXPRESSION, statement.at);
+      return std::nullopt;
+    }
+    Classification value = classifyValue(statement.value, draft_);
+    switch (value.decision) {
+      case DECIDED:
+        return value.value.isNumber() ? Program::constant(value.value.number)
+                                      : Program::constant(std::move(value.value.text));
+      case RUN_TIME:
+        return draft_.keep(statement.value, std::move(value.compiled));
+      default:
+        return std::nullopt;
+    }
+  }
+
+  // Where a report about a statement's condition points: at the value where there is none.
+  static Position placeOf(const DefaultStatement& statement) {
+    return statement.condition.empty() ? statement.at : tokenPosition(statement.condition, 1);
+  }
+
+  DefinitionDraft& draft_;
+  std::set<const Expression*, TokenOrder> conditions_;  // run-time ones
+  bool fallbackSeen_ = false;
+  std::optional<Program> last_;
+};
+
+}  // namespace
+
+void buildDefaults(DefinitionDraft& draft) { DefaultBuilder(draft).build(); }

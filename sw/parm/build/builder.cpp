@@ -1,0 +1,118 @@
+#include "sw/parm/build/builder.h"
+
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "sw/parm/build/build_conditions.h"
+#include "sw/parm/build/build_context.h"
+#include "sw/parm/build/build_defaults.h"
+#include "sw/parm/build/build_indices.h"
+#include "sw/parm/build/build_ranges.h"
+#include "sw/parm/build/build_translations.h"
+#include "sw/parm/build/check_only_registry.h"
+#include "sw/parm/build/definition_draft.h"
+#include "sw/parm/build/reference_check.h"
+
+namespace {
+
+accessMode_t modeOf(accessCode_t access) {
+  switch (access) {
+    case ACCESS_WO:
+      return MODE_WRITE_ONLY;
+    case ACCESS_ROSTRICT:
+      return MODE_ROSTRICT;
+    default:
+      return MODE_NORMAL;
+  }
+}
+
+// The order of the steps is the order of the diagnostics. `own` takes what only a parameter has.
+void buildStatements(DefinitionDraft& common, DefinitionDraft& own) {
+  buildRangeValid(common);
+  buildRangeDoc(own);
+  buildReadOnlyConditions(own);
+  buildValidityConditions(common);
+  buildDefaults(own);
+  buildTranslations(common);
+}
+
+class Builder {
+ public:
+  explicit Builder(BuildContext& context) : context_(context) {}
+
+  void build() {
+    const std::vector<const ParameterRecord*> records = context_.records().inNameOrder();
+    for (const ParameterRecord* record : records) {
+      if (record->access == ACCESS_INDEX) buildIndex(*record);
+    }
+    checkIndexReferences();
+    for (const ParameterRecord* record : records) {
+      if (record->access != ACCESS_INDEX && record->access != ACCESS_NONE) buildParm(*record);
+    }
+    finish();
+  }
+
+ private:
+  // The expressions of an index, to be checked once every index is there.
+  struct IndexExpressions {
+    const ParameterRecord& record;
+    std::vector<const Expression*> expressions;
+  };
+
+  void buildIndex(const ParameterRecord& record) {
+    DefinitionDraft draft(context_, record);
+    // What only a parameter has is looked at for its mistakes alone, and its names are forgotten.
+    DefinitionDraft unused(context_, record);
+    warnAboutIndices(draft);
+    buildStatements(draft, unused);
+    IndexExpressions& index =
+        indexExpressions_.emplace_back(IndexExpressions{record, draft.kept()});
+    index.expressions.insert(index.expressions.end(), unused.kept().begin(), unused.kept().end());
+    // A name that is taken stays what it is.
+    static_cast<void>(
+        context_.registry().registerIndex(std::make_unique<IndexDef>(std::move(draft.parts))));
+  }
+
+  void checkIndexReferences() {
+    for (const IndexExpressions& index : indexExpressions_) {
+      checkReferences(index.record, index.expressions, context_);
+    }
+  }
+
+  void buildParm(const ParameterRecord& record) {
+    DefinitionDraft draft(context_, record);
+    draft.parm.mode = modeOf(record.access);
+    buildIndices(draft);
+    buildStatements(draft, draft);
+    checkReferences(record, draft.kept(), context_);
+    // A name that is taken stays what it is.
+    static_cast<void>(context_.registry().registerParm(
+        std::make_unique<ParmDef>(std::move(draft.parts), std::move(draft.parm))));
+  }
+
+  void finish() {
+    std::string name;
+    const int result = context_.registry().finish(name);
+    if (result != 0) {
+      fprintf(stderr, "Error creating parameter definitions: %s\n", name.c_str());
+    }
+    context_.note(result);
+  }
+
+  BuildContext& context_;
+  std::vector<IndexExpressions> indexExpressions_;
+};
+
+}  // namespace
+
+int buildDefinitions(DiagnosticCollector& diagnostics, const ParameterRecords& records,
+                     const LineTexts& lines, bool checkOnly, DefinitionRegistry& registry) {
+  CheckOnlyRegistry scratch(registry);
+  DefinitionRegistry& used = checkOnly ? scratch : registry;
+  BuildContext context(diagnostics, records, lines, used, checkOnly);
+  Builder(context).build();
+  return context.result();
+}

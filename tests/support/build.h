@@ -1,0 +1,156 @@
+// Built texts for tests: a definition text made into definitions, with everything it printed.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "deflang/text/definition_parser.h"
+#include "sw/parm/build/builder.h"
+#include "sw/parm/index_def.h"
+#include "sw/parm/parm_def.h"
+#include "tests/support/registry.h"
+
+/// The records of `text`, which has no syntax errors.
+inline DefinitionText parseText(std::string_view text) {
+  DefinitionText parsed;
+  DefinitionParser parser;
+  for (uint32_t number = 1; !text.empty(); ++number) {
+    const size_t newline = text.find('\n');
+    const std::string_view line = text.substr(0, newline == text.npos ? newline : newline + 1);
+    EXPECT_EQ(acceptLine(parser, parsed, line, number), PARSE_DONE);
+    text.remove_prefix(line.size());
+  }
+  return parsed;
+}
+
+/// The diagnostics as they are printed.
+inline std::string printed(const DiagnosticCollector& diagnostics) {
+  char* text = nullptr;
+  size_t size = 0;
+  FILE* const out = open_memstream(&text, &size);
+  diagnostics.print(out);
+  fclose(out);
+  std::string result(text, size);
+  free(text);
+  return result;
+}
+
+/// A text that has been built.
+struct BuiltText {
+  explicit BuiltText(std::string_view text, const TestRegistry::Constants& constants = {},
+                     bool checkOnly = false)
+      : parsed(parseText(text)), registry(constants) {
+    testing::internal::CaptureStderr();
+    DiagnosticCollector collected;
+    result = buildDefinitions(collected, parsed.records, parsed.lines, checkOnly, registry);
+    errors = testing::internal::GetCapturedStderr();
+    diagnostics = printed(collected);
+  }
+
+  /// The definition of a name, which exists.
+  [[nodiscard]] const ParmDef& parm(std::string_view name) const {
+    const ParmDef* const found = registry.findParm(name);
+    if (found == nullptr) throw std::runtime_error("no parameter " + std::string(name));
+    return *found;
+  }
+  [[nodiscard]] const IndexDef& index(std::string_view name) const {
+    const IndexDef* const found = registry.findIndex(name);
+    if (found == nullptr) throw std::runtime_error("no index " + std::string(name));
+    return *found;
+  }
+
+  DefinitionText parsed;
+  TestRegistry registry;
+  int result = 0;
+  std::string errors;       ///< what went to standard error
+  std::string diagnostics;  ///< what was collected, as it is printed
+};
+
+/// A text, the constants it is built with, and all that is said about it.
+struct ReportCase {
+  std::string_view text;
+  TestRegistry::Constants constants;
+  int result;
+  std::string_view diagnostics;
+  std::string_view errors = {};
+};
+
+/// Builds each text for good and for its diagnostics alone.
+inline void expectReports(const std::vector<ReportCase>& cases) {
+  for (const ReportCase& c : cases) {
+    SCOPED_TRACE(c.text);
+    const BuiltText built(c.text, c.constants);
+    EXPECT_EQ(built.result, c.result);
+    EXPECT_EQ(built.diagnostics, c.diagnostics);
+    EXPECT_EQ(built.errors, c.errors);
+    const BuiltText checked(c.text, c.constants, true);
+    EXPECT_EQ(checked.result, c.result);
+    EXPECT_EQ(checked.diagnostics, c.diagnostics);
+    EXPECT_EQ(checked.errors, "");
+    EXPECT_TRUE(checked.registry.registered.empty());
+  }
+}
+
+/// Names and value texts of a situation.
+using Texts = std::map<std::string, std::string>;
+
+/// The situation of a definition in which its variables hold `texts`, which outlive it. Names that
+/// the definition does not use are passed over.
+inline Situation situationOf(const IndexDef& definition, const Texts& texts) {
+  Situation situation(definition.variables().size());
+  for (const auto& [name, text] : texts) {
+    if (const auto slot = definition.variables().find(name)) situation.bind(*slot, operandOf(text));
+  }
+  return situation;
+}
+
+/// Bounds as a range statement's items: spans, then texts. The correction of the texts stands
+/// first.
+inline std::string itemsText(const BoundsParm& bounds) {
+  std::string text;
+  const auto add = [&text](const std::string& item) { text += (text.empty() ? "" : ", ") + item; };
+  for (const auto& [low, high] : bounds.integers().spans()) {
+    add(low == high ? std::to_string(low) : std::to_string(low) + ".." + std::to_string(high));
+  }
+  const std::string& correction = bounds.strings().correction();
+  if (!correction.empty()) add('"' + correction + '"');
+  for (const std::string& allowed : bounds.strings().texts()) {
+    if (allowed != correction) add('"' + allowed + '"');
+  }
+  return text;
+}
+
+/// What conditional bounds are in a situation: their items, "off" while they do not apply, a
+/// negative code while a run-time item has no value.
+inline std::string itemsText(const ConditionalBounds& bounds, const Situation& situation) {
+  if (!bounds.condition.isTrue(situation)) return "off";
+  if (bounds.computed == nullptr) return itemsText(dynamic_cast<BoundsParm&>(*bounds.bounds));
+  BoundsParm present;
+  const int code = bounds.computed->evaluate(present, situation);
+  return code == 0 ? itemsText(present) : std::to_string(code);
+}
+
+/// The conditional bounds of a definition in a situation, in order; run-time ranges begin with "=".
+inline std::vector<std::string> conditionalTexts(const IndexDef& definition, const Texts& texts) {
+  const Situation situation = situationOf(definition, texts);
+  std::vector<std::string> list;
+  for (const ConditionalBounds& bounds : definition.conditionalBounds()) {
+    list.push_back((bounds.computed == nullptr ? "" : "= ") + itemsText(bounds, situation));
+  }
+  return list;
+}
+
+/// The range that a range query finds in a situation.
+inline std::string rangeText(const ParmDef& parm, const Texts& texts) {
+  BoundsParm range;
+  const int code = parm.range(range, situationOf(parm, texts));
+  return code == 0 ? itemsText(range) : std::to_string(code);
+}

@@ -9,27 +9,7 @@
 #include "base/record_memory.h"
 #include "deflang/expression/token.h"
 #include "deflang/text/parse_result.h"
-
-/// White space as the C locale has it, whatever locale the program runs in: bytes from 0x80 up are
-/// none.
-constexpr bool isWhiteSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
-/// The characters that end a word: those given, and white space.
-class StopSet {
- public:
-  constexpr explicit StopSet(std::string_view characters) {
-    for (const char c : characters) stops_[static_cast<unsigned char>(c)] = true;
-    for (unsigned char c = 0; c < 0x80; ++c) {
-      if (isWhiteSpace(static_cast<char>(c))) stops_[c] = true;
-    }
-  }
-  [[nodiscard]] constexpr bool contains(char c) const {
-    return stops_[static_cast<unsigned char>(c)];
-  }
-
- private:
-  std::array<bool, 256> stops_{};
-};
+#include "deflang/text/text_cursor.h"
 
 /// Lives as long as the line that it reads. After a failed step it stands at the character at which
 /// that step started, or at the first one of a bare number that did not convert, for the caret.

@@ -6,15 +6,8 @@
 #include <memory>
 #include <string_view>
 
-#include "deflang/text/line_texts.h"
+#include "deflang/text/definition_text.h"
 #include "deflang/text/parse_result.h"
-#include "deflang/text/record.h"
-
-/// What the reading of a definition text gathers.
-struct DefinitionText {
-  ParameterRecords records;
-  LineTexts lines;
-};
 
 /// A resumable state machine: a definition may be spread over any number of lines, and the parser
 /// keeps its place in the grammar between calls.

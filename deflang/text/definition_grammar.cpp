@@ -1,0 +1,132 @@
+#include "deflang/text/definition_grammar.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <iterator>
+#include <utility>
+
+#include "deflang/text/caret_line.h"
+#include "deflang/text/expression_grammar.h"
+#include "deflang/text/statement_grammar.h"
+
+namespace {
+
+constexpr StopSet NAME_STOPS("[]");
+constexpr StopSet ACCESS_STOPS("{");
+constexpr StopSet KEYWORD_STOPS("({");
+
+struct AccessWord {
+  std::string_view word;
+  accessCode_t code;
+};
+
+constexpr AccessWord ACCESS_WORDS[] = {
+    {"index", ACCESS_INDEX}, {"ro", ACCESS_RO}, {"rostrict", ACCESS_ROSTRICT},
+    {"wo", ACCESS_WO},       {"rw", ACCESS_RW},
+};
+
+// Reads a statement by `READ`; a complete one goes to the end of the record's list.
+template <auto READ, auto LIST, typename Statement>
+bool readInto(TextCursor& cursor, Position /*keyword*/, ParameterRecord& record) {
+  Statement statement;
+  if (!READ(cursor, statement)) return false;
+  (record.*LIST).add(statement, cursor.memory());
+  return true;
+}
+
+bool readCtrlRO(TextCursor& cursor, Position keyword, ParameterRecord& record) {
+  Expression condition;
+  if (!readExpression(cursor, condition)) return false;
+  if (record.access == ACCESS_WO) return cursor.failAt(keyword, PARSE_INVALID_ACCESS);
+  record.ctrlRO.add(condition, cursor.memory());
+  return true;
+}
+
+struct Keyword {
+  std::string_view word;
+  bool (*read)(TextCursor& cursor, Position keyword, ParameterRecord& record);
+};
+
+constexpr Keyword KEYWORDS[] = {
+    {"rangeValid", readInto<readRange, &ParameterRecord::rangeValid, RangeStatement>},
+    {"rangeDoc", readInto<readRange, &ParameterRecord::rangeDoc, RangeStatement>},
+    {"ctrlRO", readCtrlRO},
+    {"ctrlValid", readInto<readExpression, &ParameterRecord::ctrlValid, Expression>},
+    {"default", readInto<readDefault, &ParameterRecord::defaults, DefaultStatement>},
+    {"valueChange", readInto<readTranslation, &ParameterRecord::valueChange, Translation>},
+    {"index", readInto<readIndexList, &ParameterRecord::indices, IndexStatement>},
+};
+
+// The row of `word`, or null.
+template <typename T, size_t N>
+const T* findWord(const T (&table)[N], std::string_view word) {
+  const T* const found = std::find_if(std::begin(table), std::end(table),
+                                      [word](const T& row) { return row.word == word; });
+  return found == std::end(table) ? nullptr : found;
+}
+
+bool readAccess(TextCursor& cursor, accessCode_t& access) {
+  if (!cursor.skipWhiteSpace()) return false;
+  const std::string_view word = cursor.word(ACCESS_STOPS);
+  const AccessWord* const found = findWord(ACCESS_WORDS, word);
+  if (found == nullptr) return cursor.fail(PARSE_INVALID_ACCESS);
+  access = found->code;
+  cursor.advance(word.size());
+  return true;
+}
+
+bool readStatement(TextCursor& cursor, ParameterRecord& record) {
+  const std::string_view word = cursor.word(KEYWORD_STOPS);
+  const Keyword* const keyword = findWord(KEYWORDS, word);
+  if (keyword == nullptr) return cursor.fail(PARSE_SYNTAX_ERROR);
+  const Position at = cursor.position();
+  cursor.advance(word.size());
+  return keyword->read(cursor, at, record);
+}
+
+bool readBody(TextCursor& cursor, ParameterRecord& record) {
+  while (cursor.skipWhiteSpace()) {
+    if (cursor.take("}")) return true;
+    if (!readStatement(cursor, record)) return false;
+  }
+  return false;
+}
+
+// A name may come again; what is said of it then is added to its record.
+bool readDefinition(TextCursor& cursor, ParameterRecords& records) {
+  const std::string_view name = cursor.word(NAME_STOPS);
+  ParameterRecord& record = records.findOrAdd(name, cursor.position().line);
+  cursor.advance(name.size());
+  return readAccess(cursor, record.access) && cursor.expect("{") && readBody(cursor, record);
+}
+
+// Whether a diagnostic may name something in a line that was accepted.
+bool hasWords(std::string_view line) {
+  const auto first = std::find_if_not(line.begin(), line.end(), isWhiteSpace);
+  return first != line.end() && *first != '#';
+}
+
+}  // namespace
+
+parseResult_t readDefinitions(TextCursor& cursor, ParameterRecords& records) {
+  while (cursor.skipWhiteSpace() && readDefinition(cursor, records)) {
+  }
+  return cursor.result();
+}
+
+parseResult_t readDefinitionText(TextCursor::NextLine nextLine, DefinitionText& text) {
+  uint32_t number = 0;
+  const auto nextKept = [&, nextLine = std::move(nextLine)](std::string_view& line) {
+    if (!nextLine(line)) return false;
+    ++number;
+    if (hasWords(line)) text.lines.add(number, line);
+    return true;
+  };
+  TextCursor cursor(nextKept, text.records.memory());
+  const parseResult_t result = readDefinitions(cursor, text.records);
+  if (result != PARSE_DONE) {
+    fprintf(stderr, "Error on line %u\n%s\n", number, parseResultMessage(result));
+    printCaretLine(stderr, cursor.line(), cursor.position().column);
+  }
+  return result;
+}

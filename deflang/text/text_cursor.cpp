@@ -1,0 +1,32 @@
+#include "deflang/text/text_cursor.h"
+
+#include <algorithm>
+
+namespace {
+
+size_t firstWord(std::string_view line) {
+  return static_cast<size_t>(std::find_if_not(line.begin(), line.end(), isWhiteSpace) -
+                             line.begin());
+}
+
+bool isComment(std::string_view line) { return line.substr(firstWord(line)).starts_with('#'); }
+
+}  // namespace
+
+bool TextCursor::pullLine() {
+  do {
+    column_ = 0;
+    line_ = {};
+    if (!nextLine_(line_)) return false;
+    ++number_;
+  } while (isComment(line_));
+  const size_t nul = line_.find('\0');
+  if (nul == std::string_view::npos) return true;
+  column_ = nul;
+  return fail(PARSE_SYNTAX_ERROR);
+}
+
+bool TextCursor::failAt(Position at, parseResult_t result) {
+  column_ = at.line == number_ ? at.column : firstWord(line_);
+  return fail(result);
+}

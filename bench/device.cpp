@@ -64,14 +64,9 @@ std::string indexText(int64_t count) {
 }
 
 DefinitionText read(std::string_view text) {
-  DefinitionParser parser;
   DefinitionText definitions;
-  for (uint32_t number = 1; !text.empty(); ++number) {
-    const std::string_view line = text.substr(0, text.find('\n') + 1);
-    const int result = acceptLine(parser, definitions, line, number);
-    assert(result == PARSE_DONE);
-    text.remove_prefix(line.size());
-  }
+  const int result = readDefinitionText(linesIn(text), definitions);
+  assert(result == PARSE_DONE);
   return definitions;
 }
 

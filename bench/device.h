@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "database/database.h"
-#include "deflang/text/definition_parser.h"
+#include "deflang/text/definition_text.h"
 
 /// `count` parameters of the kinds that devices have: texts, numbers, ranges and conditions that
 /// follow others, translations.

@@ -5,20 +5,19 @@
 #include <string>
 
 #include "deflang/expression/program.h"
-#include "deflang/text/cursor.h"
-#include "deflang/text/expression_reader.h"
+#include "deflang/text/expression_grammar.h"
 
 namespace {
 
 Program compiled(const std::string& text, Variables& variables) {
   const std::string line = "(" + text + ")";
   RecordMemory memory;
-  Cursor cursor(line, 1, memory);
-  ExpressionReader reader;
-  const int read = reader.read(cursor);
+  TextCursor cursor(linesIn(line), memory);
+  Expression expression;
+  const bool isRead = readExpression(cursor, expression);
   Program program;
-  const int failed = Program::compile(reader.take(), variables, program);
-  assert(read == PARSE_DONE && failed == 0);
+  const int failed = Program::compile(expression, variables, program);
+  assert(isRead && failed == 0);
   return program;
 }
 

@@ -9,12 +9,8 @@
 namespace {
 
 bool read(std::string_view text, DefinitionText& definitions) {
-  DefinitionParser parser;
-  uint32_t line = 1;
-  for (const std::string& piece : piecesOf(text)) {
-    if (acceptLine(parser, definitions, piece, line++) != PARSE_DONE) return false;
-  }
-  return true;
+  const std::vector<std::string> pieces = piecesOf(text);
+  return readDefinitionText(linesOf(pieces), definitions) == PARSE_DONE;
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "database/database.h"
-#include "deflang/text/definition_parser.h"
+#include "deflang/text/definition_grammar.h"
 #include "deflang/text/diagnostics.h"
 
 /// The constants of every built text, as given on the command line.

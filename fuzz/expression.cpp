@@ -7,8 +7,7 @@
 
 #include "deflang/expression/postfix.h"
 #include "deflang/expression/program.h"
-#include "deflang/text/cursor.h"
-#include "deflang/text/expression_reader.h"
+#include "deflang/text/expression_grammar.h"
 #include "fuzz/demand.h"
 #include "fuzz/fuzz_input.h"
 #include "fuzz/fuzz_target.h"
@@ -34,25 +33,14 @@ PlainVariables variablesOf(std::string_view bindings) {
   return variables;
 }
 
-// Reads the expression line by line; a last line closes it. False when it is not accepted.
+// Reads the expression; what it leaves open is closed by a last line. False when it is not
+// accepted.
 bool read(std::string_view text, RecordMemory& memory, Expression& expression) {
-  ExpressionReader reader;
-  int result = PARSE_CONTINUES;
-  std::string line = "(";
-  for (uint32_t number = 1; result == PARSE_CONTINUES && !text.empty(); ++number) {
-    line.append(takeUpTo(text, '\n')).append("\n");
-    Cursor cursor(line, number, memory);
-    result = reader.read(cursor);
-    demand(cursor.column() <= line.size(), "the caret stands behind the line");
-    line.clear();
-  }
-  if (result == PARSE_CONTINUES) {
-    line += ")";
-    Cursor cursor(line, 0, memory);
-    result = reader.read(cursor);
-  }
-  if (result == PARSE_DONE) expression = reader.take();
-  return result == PARSE_DONE;
+  const std::string lines = "(" + std::string(text) + "\n)";
+  TextCursor cursor(linesIn(lines), memory);
+  const bool isRead = readExpression(cursor, expression);
+  demand(cursor.position().column <= cursor.line().size(), "the caret is behind the line");
+  return isRead;
 }
 
 Situation situationOf(const Variables& names, const PlainVariables& variables) {

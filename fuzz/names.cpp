@@ -10,12 +10,12 @@
 #include "base/number.h"
 #include "database/gather.h"
 #include "deflang/expression/vid_std_name.h"
-#include "deflang/text/cursor.h"
-#include "deflang/text/expression_reader.h"
-#include "deflang/text/index_list_reader.h"
+#include "deflang/text/expression_grammar.h"
+#include "deflang/text/statement_grammar.h"
 #include "fuzz/demand.h"
 #include "fuzz/fuzz_input.h"
 #include "fuzz/fuzz_target.h"
+#include "fuzz/pieces.h"
 #include "srcs/vid_std_figures.h"
 #include "sw/parm/parm_def.h"
 #include "sw/parm/parm_name.h"
@@ -51,11 +51,13 @@ void expectVariable(std::string_view name) {
   if (parts.base.empty() || wholeNumber(parts.base)) return;
   if (holdsAny(parts.base, WORD_ENDS) || holdsAny(parts.base, WHITE_SPACE)) return;
   const std::string line = "(" + fullName(parts.base, parts.indices) + ")";
+  if (line.find('\0') != std::string::npos) return;  // no text has it
+  const std::vector<std::string> pieces = {line};
   RecordMemory memory;
-  Cursor cursor(line, 1, memory);
-  ExpressionReader reader;
-  demand(reader.read(cursor) == PARSE_DONE && cursor.atEnd(), "not read: ", line);
-  const std::span<const Token> tokens = reader.take().tokens;
+  TextCursor cursor(linesOf(pieces), memory);
+  Expression expression;
+  demand(readExpression(cursor, expression) && cursor.rest().empty(), "not read: ", line);
+  const std::span<const Token> tokens = expression.tokens;
   demand(tokens.size() == 1 && tokens.front().kind == TOKEN_VARIABLE, "no variable: ", line);
   const ParmName read = splitName(tokens.front().text);
   demand(read.base == parts.base && read.indices.size() == parts.indices.size(), "became ",
@@ -109,14 +111,15 @@ void expectIndexList(const std::vector<std::string>& names) {
   std::string line = "{";
   for (const std::string& name : names) line += (line.size() > 1 ? ", " : " ") + name;
   line += " }";
+  if (line.find('\0') != std::string::npos) return;
+  const std::vector<std::string> pieces = {line};
   RecordMemory memory;
-  Cursor cursor(line, 7, memory);
-  IndexListReader reader;
-  demand(reader.read(cursor) == PARSE_DONE && cursor.atEnd(), "not read: ", line);
-  const IndexStatement read = reader.take();
+  TextCursor cursor(linesOf(pieces), memory);
+  IndexStatement read;
+  demand(readIndexList(cursor, read) && cursor.rest().empty(), "not read: ", line);
   demand(read.size() == names.size(), "another number of indices: ", line);
   for (size_t i = 0; i < read.size(); ++i) {
-    demand(read[i].name == names[i] && read[i].at.line == 7, "another index: ", line);
+    demand(read[i].name == names[i] && read[i].at.line == 1, "another index: ", line);
     demand(line.substr(read[i].at.column, names[i].size()) == names[i], "stands elsewhere: ", line);
   }
 }

@@ -2,8 +2,10 @@
 
 namespace {
 
+uint32_t linesOfPiece = 1;
+
 std::string placeText(Position at) {
-  return "@" + std::to_string(at.line) + ":" + std::to_string(at.column) + " ";
+  return "@" + std::to_string(at.line / linesOfPiece) + ":" + std::to_string(at.column) + " ";
 }
 
 std::string quoted(std::string_view text) {
@@ -59,7 +61,8 @@ std::string recordText(const ParameterRecord& record) {
 
 }  // namespace
 
-std::string recordsText(const ParameterRecords& records) {
+std::string recordsText(const ParameterRecords& records, uint32_t lines) {
+  linesOfPiece = lines;
   std::string text;
   for (const ParameterRecord* record : records.inNameOrder()) text += recordText(*record);
   return text;

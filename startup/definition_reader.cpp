@@ -6,8 +6,9 @@
 #include <cerrno>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
-#include "deflang/text/definition_parser.h"
+#include "deflang/text/definition_grammar.h"
 #include "sw/parm/build/make_definitions.h"
 
 namespace {
@@ -51,13 +52,15 @@ bool readRest(FILE* in, std::string& piece) {
 }
 
 int parseText(FILE* in, DefinitionText& text) {
-  DefinitionParser parser;
   std::string piece;
-  bool isRead = readFirstPiece(in, piece);
-  for (uint32_t lineNumber = 1; isRead; ++lineNumber) {
-    if (acceptLine(parser, text, piece, lineNumber) != PARSE_DONE) return 1;
-    isRead = readPiece(in, piece);
-  }
+  bool isFirst = true;
+  const auto nextLine = [&](std::string_view& line) {
+    const bool isRead =
+        std::exchange(isFirst, false) ? readFirstPiece(in, piece) : readPiece(in, piece);
+    line = piece;
+    return isRead;
+  };
+  if (readDefinitionText(nextLine, text) != PARSE_DONE) return 1;
   if (ferror(in) == 0) return 0;
   fprintf(stderr, "Error reading parameter definitions: %s\n", strerror(errno));
   return 1;

@@ -1,4 +1,4 @@
-// Parameter records: what the line parser makes of a definition text, one record for each name.
+// Parameter records: what the grammar makes of a definition text, one record for each name.
 #pragma once
 
 #include <cstdint>

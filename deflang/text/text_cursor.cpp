@@ -16,8 +16,10 @@ bool isComment(std::string_view line) { return line.substr(firstWord(line)).star
 bool TextCursor::pullLine() {
   do {
     column_ = 0;
-    line_ = {};
-    if (!nextLine_(line_)) return false;
+    if (!nextLine_(line_)) {
+      line_ = {};
+      return false;
+    }
     ++number_;
   } while (isComment(line_));
   const size_t nul = line_.find('\0');
@@ -29,4 +31,13 @@ bool TextCursor::pullLine() {
 bool TextCursor::failAt(Position at, parseResult_t result) {
   column_ = at.line == number_ ? at.column : firstWord(line_);
   return fail(result);
+}
+
+TextCursor::NextLine linesIn(std::string_view text) {
+  return [text](std::string_view& line) mutable {
+    const size_t newline = text.find('\n');
+    line = text.substr(0, newline == std::string_view::npos ? newline : newline + 1);
+    text.remove_prefix(line.size());
+    return !line.empty();
+  };
 }

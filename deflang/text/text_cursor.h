@@ -100,3 +100,6 @@ class TextCursor {
   size_t column_ = 0;
   parseResult_t result_ = PARSE_DONE;
 };
+
+/// The lines of a text that is there as a whole, and that lives as long as they are asked for.
+TextCursor::NextLine linesIn(std::string_view text);

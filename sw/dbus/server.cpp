@@ -86,6 +86,7 @@ void requestName(DBusGConnection* bus, const std::string& name) {
                         NO_FLAGS, G_TYPE_INVALID, G_TYPE_UINT, &reply, G_TYPE_INVALID) == FALSE) {
     reportError("D-Bus. RequestName RPC failed", error->message, FATAL);
   }
+  g_object_unref(proxy);
   g_print("Transaction server:main RequestName returned %d.\n", reply);
   if (reply != DBUS_REQUEST_NAME_REPLY_PRIMARY_OWNER) {
     reportError("Failed to get the primary well-known name.", "RequestName result != 1", FATAL);

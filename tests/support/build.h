@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "deflang/text/definition_parser.h"
+#include "deflang/text/definition_grammar.h"
 #include "sw/parm/build/builder.h"
 #include "sw/parm/index_def.h"
 #include "sw/parm/parm_def.h"
@@ -21,13 +21,7 @@
 /// The records of `text`, which has no syntax errors.
 inline DefinitionText parseText(std::string_view text) {
   DefinitionText parsed;
-  DefinitionParser parser;
-  for (uint32_t number = 1; !text.empty(); ++number) {
-    const size_t newline = text.find('\n');
-    const std::string_view line = text.substr(0, newline == text.npos ? newline : newline + 1);
-    EXPECT_EQ(acceptLine(parser, parsed, line, number), PARSE_DONE);
-    text.remove_prefix(line.size());
-  }
+  EXPECT_EQ(readDefinitionText(linesIn(text), parsed), PARSE_DONE);
   return parsed;
 }
 

@@ -11,7 +11,7 @@
 
 #include "database/commit.h"
 #include "database/database.h"
-#include "deflang/text/definition_parser.h"
+#include "deflang/text/definition_grammar.h"
 #include "deflang/text/diagnostics.h"
 #include "sw/parm/build/builder.h"
 
@@ -19,14 +19,7 @@ using Constants = std::map<std::string, std::string>;
 
 /// Reads `text`; a line that is not accepted fails the test.
 inline void readText(std::string_view text, DefinitionText& definitions) {
-  DefinitionParser parser;
-  uint32_t lineNumber = 1;
-  while (!text.empty()) {
-    const size_t end = text.find('\n');
-    const std::string_view line = text.substr(0, end == std::string_view::npos ? end : end + 1);
-    ASSERT_EQ(acceptLine(parser, definitions, line, lineNumber++), 0) << line;
-    text.remove_prefix(line.size());
-  }
+  ASSERT_EQ(readDefinitionText(linesIn(text), definitions), PARSE_DONE);
 }
 
 /// Fills `database` with the definitions of `text`. Whatever is wrong with the text fails the test.

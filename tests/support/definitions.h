@@ -14,8 +14,7 @@
 #include "base/number.h"
 #include "deflang/expression/program.h"
 #include "deflang/expression/variables.h"
-#include "deflang/text/cursor.h"
-#include "deflang/text/expression_reader.h"
+#include "deflang/text/expression_grammar.h"
 #include "sw/parm/index_def.h"
 #include "sw/parm/parm_def.h"
 #include "sw/parm/present_index.h"
@@ -24,12 +23,12 @@
 inline Program makeProgram(Variables& variables, std::string_view text) {
   const std::string line = "(" + std::string(text) + ")";
   RecordMemory memory;
-  Cursor cursor(line, 1, memory);
-  ExpressionReader reader;
-  EXPECT_EQ(reader.read(cursor), PARSE_DONE) << text;
-  EXPECT_TRUE(cursor.atEnd()) << text;
+  TextCursor cursor(linesIn(line), memory);
+  Expression expression;
+  EXPECT_TRUE(readExpression(cursor, expression)) << text;
+  EXPECT_EQ(cursor.rest(), "") << text;
   Program program;
-  EXPECT_EQ(Program::compile(reader.take(), variables, program), 0) << text;
+  EXPECT_EQ(Program::compile(expression, variables, program), 0) << text;
   return program;
 }
 

@@ -6,17 +6,16 @@
 #include <string>
 
 #include "deflang/expression/program.h"
-#include "deflang/text/cursor.h"
-#include "deflang/text/expression_reader.h"
+#include "deflang/text/expression_grammar.h"
 #include "tests/support/reader.h"
 
 /// The tokens of `text`. They stay for good.
 inline Expression readExpression(const std::string& text) {
   const std::string line = "(" + text + ")";
-  Cursor cursor(line, 1, testMemory());
-  ExpressionReader reader;
-  EXPECT_EQ(reader.read(cursor), PARSE_DONE) << text;
-  return reader.take();
+  TextCursor cursor(linesIn(line), testMemory());
+  Expression expression;
+  EXPECT_TRUE(readExpression(cursor, expression)) << text;
+  return expression;
 }
 
 /// The program of `text`, which is well formed.

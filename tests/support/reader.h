@@ -8,8 +8,8 @@
 
 #include "base/number.h"
 #include "deflang/expression/token.h"
-#include "deflang/text/cursor.h"
 #include "deflang/text/record.h"
+#include "deflang/text/text_cursor.h"
 
 /// Where a reader stopped, and with which result.
 struct Stop {
@@ -42,17 +42,27 @@ inline RecordMemory& testMemory() {
   return memory;
 }
 
-/// Gives `read` one line after the other while it asks for more.
-template <typename Read>
-Stop feedLines(Read read, const std::vector<std::string_view>& lines) {
-  Stop stop = {PARSE_CONTINUES, 0, 0};
-  for (const std::string_view line : lines) {
-    Cursor cursor(line, ++stop.line, testMemory());
-    stop.result = read(cursor);
-    stop.column = cursor.column();
-    if (stop.result != PARSE_CONTINUES) break;
-  }
-  return stop;
+/// The result where the text ends before what is read is complete.
+constexpr int TEXT_ENDS = -100;
+
+/// What a function of the grammar reads from the lines of a text, which may be pieces of lines.
+template <typename Read, typename T>
+Stop readText(Read read, const std::vector<std::string_view>& lines, T& what) {
+  size_t next = 0;
+  const auto nextLine = [&](std::string_view& line) {
+    if (next == lines.size()) return false;
+    line = lines[next++];
+    return true;
+  };
+  TextCursor cursor(nextLine, testMemory());
+  const bool isRead = read(cursor, what);
+  const bool ends = !isRead && cursor.result() == PARSE_DONE;
+  return {ends ? TEXT_ENDS : cursor.result(), cursor.position().line, cursor.position().column};
+}
+
+template <typename Read, typename T>
+Stop readText(Read read, std::string_view text, T& what) {
+  return readText(read, linesOf(text), what);
 }
 
 /// A number and a variable as they are, a string in single quotes, operators and parentheses.

@@ -1,7 +1,7 @@
 // Making definitions: from the records of a definition text to registered definitions.
 #pragma once
 
-#include "deflang/text/definition_parser.h"
+#include "deflang/text/definition_text.h"
 #include "sw/parm/build/definition_registry.h"
 
 /// Builds the definitions of `text`, registers them and prints every diagnostic to standard error.

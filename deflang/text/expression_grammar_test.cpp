@@ -1,19 +1,87 @@
-#include "deflang/text/expression_reader.h"
+#include "deflang/text/expression_grammar.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
+#include "base/value_limit.h"
 #include "deflang/expression/operators.h"
 #include "tests/support/reader.h"
 
 namespace {
 
-Stop readText(ExpressionReader& reader, std::string_view text) {
-  return feedLines([&reader](Cursor& cursor) { return reader.read(cursor); }, linesOf(text));
+// A text in quotes, from the opening one on.
+bool readOpened(TextCursor& cursor, std::string_view& text) {
+  return cursor.expect("\"") && readQuoted(cursor, '"', text);
 }
 
-TEST(ExpressionReader, MakesTokens) {
+TEST(ReadQuoted, KeepsWhatIsBetweenTheSigns) {
+  struct Case {
+    std::vector<std::string_view> lines;
+    std::string_view text;
+    Stop stop;
+  };
+  const Case cases[] = {
+      {{"\"abc\"d"}, "abc", {PARSE_DONE, 1, 5}},
+      {{"\"\""}, "", {PARSE_DONE, 1, 2}},
+      {{"\" a \t b \""}, " a \t b ", {PARSE_DONE, 1, 9}},
+      {{"\"# {}()[],..->\\\""}, "# {}()[],..->\\", {PARSE_DONE, 1, 16}},
+      {{"\"one\n", "two\"\n"}, "onetwo", {PARSE_DONE, 2, 4}},
+      {{"\"one \n", "  two\""}, "one   two", {PARSE_DONE, 2, 6}},
+      {{"\"\n", "\n", "\""}, "", {PARSE_DONE, 3, 1}},
+      {{"\"one\r\n", "\""}, "one\r", {PARSE_DONE, 2, 1}},  // only the newline goes
+      {{"\"o", "ne", "\""}, "one", {PARSE_DONE, 3, 1}},    // the pieces of one long line
+      {{"\"one", "", "\""}, "one", {PARSE_DONE, 3, 1}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.lines.front());
+    std::string_view read;
+    EXPECT_EQ(readText(readOpened, c.lines, read), c.stop);
+    EXPECT_EQ(read, c.text);
+  }
+}
+
+TEST(ReadQuoted, EndsAtTheGivenSign) {
+  const auto read = [](TextCursor& cursor, std::string_view& text) {
+    return cursor.expect("[") && readQuoted(cursor, ']', text);
+  };
+  std::string_view text;
+  EXPECT_EQ(readText(read, "[a\"[b]]", text), (Stop{PARSE_DONE, 1, 6}));
+  EXPECT_EQ(text, "a\"[b");
+}
+
+TEST(ReadQuoted, IsNothingWhereTheTextEndsBefore) {
+  std::string_view read;
+  EXPECT_EQ(readText(readOpened, "\"one\ntwo", read), (Stop{TEXT_ENDS, 2, 0}));
+  EXPECT_EQ(read, "");
+}
+
+TEST(ReadQuoted, IsNoLongerThanAValueMayBe) {
+  const std::string longest(MAX_VALUE_BYTES, 'x');
+  const std::string fits = "\"" + longest + "\"";
+  const std::string half = longest.substr(longest.size() / 2);
+  struct Case {
+    const char* subject;
+    std::vector<std::string_view> lines;
+    Stop stop;
+  };
+  const std::string tooLong = "\"x" + longest + "\"";
+  const std::string neverClosed = "\"" + half;
+  const Case cases[] = {
+      {"longest", {fits}, {PARSE_DONE, 1, MAX_VALUE_BYTES + 2}},
+      {"longer by one", {tooLong}, {PARSE_SYNTAX_ERROR, 1, 1}},
+      {"two halves", {neverClosed, half, "\""}, {PARSE_DONE, 3, 1}},
+      {"two halves and one", {neverClosed, half, "x\""}, {PARSE_SYNTAX_ERROR, 3, 0}},
+      {"never closed", {neverClosed, half, "x"}, {PARSE_SYNTAX_ERROR, 3, 0}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.subject);
+    std::string_view read;
+    EXPECT_EQ(readText(readOpened, c.lines, read), c.stop);
+  }
+}
+
+TEST(ReadExpression, MakesTokens) {
   struct Case {
     std::string_view text;
     std::string_view tokens;
@@ -47,16 +115,14 @@ TEST(ExpressionReader, MakesTokens) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
-    ExpressionReader reader;
-    EXPECT_EQ(readText(reader, c.text).result, PARSE_DONE);
-    EXPECT_FALSE(reader.isOpen());
-    const Expression expression = reader.take();
-    EXPECT_EQ(textOf(expression), c.tokens);
-    EXPECT_EQ(placesOf(expression), c.places);
+    Expression read;
+    EXPECT_EQ(readText(readExpression, c.text, read).result, PARSE_DONE);
+    EXPECT_EQ(textOf(read), c.tokens);
+    EXPECT_EQ(placesOf(read), c.places);
   }
 }
 
-TEST(ExpressionReader, KnowsEveryOperator) {
+TEST(ReadExpression, KnowsEveryOperator) {
   struct Case {
     std::string_view text;
     int32_t kind;
@@ -72,15 +138,14 @@ TEST(ExpressionReader, KnowsEveryOperator) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
-    ExpressionReader reader;
-    EXPECT_EQ(readText(reader, "(a" + std::string(c.text) + "b)").result, PARSE_DONE);
-    const Expression expression = reader.take();
-    ASSERT_EQ(expression.tokens.size(), 3U);
-    EXPECT_EQ(expression.tokens[1].kind, c.kind);
+    Expression read;
+    EXPECT_EQ(readText(readExpression, "(a" + std::string(c.text) + "b)", read).result, PARSE_DONE);
+    ASSERT_EQ(read.tokens.size(), 3U);
+    EXPECT_EQ(read.tokens[1].kind, c.kind);
   }
 }
 
-TEST(ExpressionReader, AddsIndexSuffixesToAVariable) {
+TEST(ReadExpression, AddsIndexSuffixesToAVariable) {
   struct Case {
     std::string_view text;
     std::string_view tokens;
@@ -99,13 +164,13 @@ TEST(ExpressionReader, AddsIndexSuffixesToAVariable) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
-    ExpressionReader reader;
-    EXPECT_EQ(readText(reader, c.text).result, PARSE_DONE);
-    EXPECT_EQ(textOf(reader.take()), c.tokens);
+    Expression read;
+    EXPECT_EQ(readText(readExpression, c.text, read).result, PARSE_DONE);
+    EXPECT_EQ(textOf(read), c.tokens);
   }
 }
 
-TEST(ExpressionReader, AddsAFigureOnlyToAnIndexedStandard) {
+TEST(ReadExpression, AddsAFigureOnlyToAnIndexedStandard) {
   struct Case {
     std::string_view text;
     std::string_view tokens;
@@ -122,13 +187,13 @@ TEST(ExpressionReader, AddsAFigureOnlyToAnIndexedStandard) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
-    ExpressionReader reader;
-    EXPECT_EQ(readText(reader, c.text).result, PARSE_DONE);
-    EXPECT_EQ(textOf(reader.take()), c.tokens);
+    Expression read;
+    EXPECT_EQ(readText(readExpression, c.text, read).result, PARSE_DONE);
+    EXPECT_EQ(textOf(read), c.tokens);
   }
 }
 
-TEST(ExpressionReader, FoldsAMinusIntoItsNumber) {
+TEST(ReadExpression, FoldsAMinusIntoItsNumber) {
   struct Case {
     std::string_view text;
     std::string_view tokens;
@@ -158,15 +223,14 @@ TEST(ExpressionReader, FoldsAMinusIntoItsNumber) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
-    ExpressionReader reader;
-    EXPECT_EQ(readText(reader, c.text).result, PARSE_DONE);
-    const Expression expression = reader.take();
-    EXPECT_EQ(textOf(expression), c.tokens);
-    EXPECT_EQ(placesOf(expression), c.places);
+    Expression read;
+    EXPECT_EQ(readText(readExpression, c.text, read).result, PARSE_DONE);
+    EXPECT_EQ(textOf(read), c.tokens);
+    EXPECT_EQ(placesOf(read), c.places);
   }
 }
 
-TEST(ExpressionReader, FailsWhereNoElementStands) {
+TEST(ReadExpression, FailsWhereNoElementStands) {
   struct Case {
     std::string_view text;
     Stop stop;
@@ -181,69 +245,40 @@ TEST(ExpressionReader, FailsWhereNoElementStands) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
-    ExpressionReader reader;
-    EXPECT_EQ(readText(reader, c.text), c.stop);
+    Expression read;
+    EXPECT_EQ(readText(readExpression, c.text, read), c.stop);
   }
 }
 
-TEST(ExpressionReader, EndsAfterTheWhiteSpaceBehindItsLastParenthesis) {
+TEST(ReadExpression, EndsAfterItsLastParenthesis) {
   struct Case {
     std::string_view text;
     Stop stop;
   };
   const Case cases[] = {
-      {"(a) \t{", {PARSE_DONE, 1, 5}},      {"(a){", {PARSE_DONE, 1, 3}},
-      {"(a)\n{", {PARSE_DONE, 1, 4}},       {"((a) )) x", {PARSE_DONE, 1, 6}},
-      {"", {PARSE_CONTINUES, 0, 0}},        {"(a", {PARSE_CONTINUES, 1, 2}},
-      {"((a)\n", {PARSE_CONTINUES, 1, 5}},  {"(a [1)\n", {PARSE_CONTINUES, 1, 7}},
-      {"(\"a)\n", {PARSE_CONTINUES, 1, 5}},
+      {"(a) \t{", {PARSE_DONE, 1, 3}},   {"(a)\n{", {PARSE_DONE, 1, 3}},
+      {"((a) )) x", {PARSE_DONE, 1, 6}}, {"", {TEXT_ENDS, 0, 0}},
+      {"(a", {TEXT_ENDS, 1, 0}},         {"((a)\n", {TEXT_ENDS, 1, 0}},
+      {"(a [1)\n", {TEXT_ENDS, 1, 0}},   {"(\"a)\n", {TEXT_ENDS, 1, 0}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
-    ExpressionReader reader;
-    EXPECT_EQ(readText(reader, c.text), c.stop);
+    Expression read;
+    EXPECT_EQ(readText(readExpression, c.text, read), c.stop);
+    EXPECT_TRUE(c.stop.result == PARSE_DONE || read.empty());
   }
 }
 
-TEST(ExpressionReader, ForgetsAnUnfinishedExpressionOnReset) {
-  for (const std::string_view unfinished : {"((a + ", "(a \"b", "(a[1", "(a[1]", "(a[1][2"}) {
-    SCOPED_TRACE(unfinished);
-    ExpressionReader reader;
-    EXPECT_EQ(readText(reader, unfinished).result, PARSE_CONTINUES);
-    EXPECT_TRUE(reader.isOpen());
-    reader.reset();
-    EXPECT_FALSE(reader.isOpen());
-    EXPECT_EQ(readText(reader, "(c)").result, PARSE_DONE);
-    EXPECT_EQ(textOf(reader.take()), "c");
-  }
-}
-
-TEST(ExpressionReader, ForgetsAnExpressionThatNobodyTookOnReset) {
-  ExpressionReader reader;
-  readText(reader, "(a)");
-  reader.reset();
-  EXPECT_EQ(textOf(reader.take()), "");
-}
-
-TEST(ExpressionReader, ReadsOneExpressionAfterTheOther) {
-  ExpressionReader reader;
-  readText(reader, "(a)");
-  EXPECT_EQ(textOf(reader.take()), "a");
-  readText(reader, "(b)");
-  EXPECT_EQ(textOf(reader.take()), "b");
-}
-
-TEST(ExpressionReader, NeitherDepthNorLengthHasALimit) {
+TEST(ReadExpression, NeitherDepthNorLengthHasALimit) {
   constexpr size_t count = 100'000;
   const std::string open(count, '(');
   const std::string close(count, ')');
   std::string sum = "1";
   for (size_t i = 1; i < count; ++i) sum += "+-1";
-  ExpressionReader reader;
-  EXPECT_EQ(readText(reader, "(" + open + sum + close + ")").result, PARSE_DONE);
-  const Expression expression = reader.take();
-  ASSERT_EQ(expression.tokens.size(), 4 * count - 1);
-  EXPECT_EQ(expression.tokens[3 * count - 2].number, -1);
+  Expression read;
+  EXPECT_EQ(readText(readExpression, "(" + open + sum + close + ")", read).result, PARSE_DONE);
+  ASSERT_EQ(read.tokens.size(), 4 * count - 1);
+  EXPECT_EQ(read.tokens[3 * count - 2].number, -1);
 }
 
 }  // namespace

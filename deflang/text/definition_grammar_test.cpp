@@ -1,4 +1,4 @@
-#include "deflang/text/definition_parser.h"
+#include "deflang/text/definition_grammar.h"
 
 #include <gtest/gtest.h>
 
@@ -29,17 +29,22 @@ std::string textOf(const ParameterRecords& records) {
   return text;
 }
 
-// A text as it reaches the parser, up to the first error.
+// A text as it is read, up to the first error.
 struct Parsed {
-  DefinitionParser parser;
   ParameterRecords records;
   Stop stop = {PARSE_DONE, 0, 0};
 
   void parse(const std::vector<std::string_view>& lines) {
-    for (const std::string_view line : lines) {
-      stop.result = parser.parseLine(records, line, ++stop.line, stop.column);
-      if (stop.result != PARSE_DONE) return;
-    }
+    size_t next = 0;
+    const auto nextLine = [&](std::string_view& line) {
+      if (next == lines.size()) return false;
+      line = lines[next++];
+      return true;
+    };
+    TextCursor cursor(nextLine, records.memory());
+    stop.result = readDefinitions(cursor, records);
+    stop.line = cursor.position().line;
+    stop.column = cursor.position().column;
   }
 };
 
@@ -56,7 +61,7 @@ Stop failureOf(std::string_view text) {
   return parsed.stop;
 }
 
-TEST(DefinitionParser, ReadsADefinitionSpreadOverLines) {
+TEST(ReadDefinitions, ReadsADefinitionSpreadOverLines) {
   Parsed parsed;
   parsed.parse(
       linesOf("# picture controls\n"
@@ -83,7 +88,7 @@ TEST(DefinitionParser, ReadsADefinitionSpreadOverLines) {
   EXPECT_EQ(textOf(gain->defaults.front().at), "6:10");
 }
 
-TEST(DefinitionParser, KeepsEveryStatementInItsOrder) {
+TEST(ReadDefinitions, KeepsEveryStatementInItsOrder) {
   EXPECT_EQ(
       recordsOf("a rw {\n"
                 "  valueChange { 1 -> 2 } ctrlValid(x) rangeDoc { 1 } index{i,j} default{1}\n"
@@ -108,17 +113,17 @@ TEST(DefinitionParser, KeepsEveryStatementInItsOrder) {
       "}\n");
 }
 
-TEST(DefinitionParser, KnowsEveryAccessWord) {
+TEST(ReadDefinitions, KnowsEveryAccessWord) {
   EXPECT_EQ(recordsOf("e rw{}d wo {} c rostrict {} b ro { } a index {}"),
             "a 0 {\n}\nb 1 {\n}\nc 2 {\n}\nd 3 {\n}\ne 4 {\n}\n");
 }
 
-TEST(DefinitionParser, TakesNearlyAnyWordAsAName) {
+TEST(ReadDefinitions, TakesNearlyAnyWordAsAName) {
   EXPECT_EQ(recordsOf("a{b rw {}\n(c) rw {}\nd\xf6#\" rw {} } rw {} index index {}"),
             "(c) 4 {\n}\na{b 4 {\n}\nd\xf6#\" 4 {\n}\nindex 0 {\n}\n} 4 {\n}\n");
 }
 
-TEST(DefinitionParser, AcceptsLinesThatSayNothing) {
+TEST(ReadDefinitions, AcceptsLinesThatSayNothing) {
   struct Case {
     std::string_view text;
     std::string_view records;
@@ -139,7 +144,7 @@ TEST(DefinitionParser, AcceptsLinesThatSayNothing) {
   }
 }
 
-TEST(DefinitionParser, DropsACommentInsideAnOpenTextOrSuffixWhole) {
+TEST(ReadDefinitions, DropsACommentInsideAnOpenTextOrSuffixWhole) {
   EXPECT_EQ(recordsOf("a rw { default { \"one\n"
                       "  # not \" this\n"
                       " two # but this\" } }"),
@@ -147,19 +152,19 @@ TEST(DefinitionParser, DropsACommentInsideAnOpenTextOrSuffixWhole) {
   EXPECT_EQ(recordsOf("a rw { ctrlRO ( b[\n# ] )\n1] ) }"), "a 4 {\nctrlRO (b[1])\n}\n");
 }
 
-TEST(DefinitionParser, HasNoOtherUseForTheCommentSign) {
+TEST(ReadDefinitions, HasNoOtherUseForTheCommentSign) {
   EXPECT_EQ(recordsOf("a#b rw { } # rw { }"), "# 4 {\n}\na#b 4 {\n}\n");
   EXPECT_EQ(failureOf("a rw { # no comment\n"), (Stop{PARSE_SYNTAX_ERROR, 1, 7}));
 }
 
-TEST(DefinitionParser, JoinsAQuotedTextOverLines) {
+TEST(ReadDefinitions, JoinsAQuotedTextOverLines) {
   EXPECT_EQ(recordsOf("a rw { default { \"first \n"
                       "\n"
                       "  second\" } }"),
             "a 4 {\ndefault () { 'first   second' }\n}\n");
 }
 
-TEST(DefinitionParser, MergesDefinitionsOfOneName) {
+TEST(ReadDefinitions, MergesDefinitionsOfOneName) {
   Parsed parsed;
   parsed.parse(
       linesOf("\na rw { default { 1 } ctrlRO (x) }\n"
@@ -171,12 +176,12 @@ TEST(DefinitionParser, MergesDefinitionsOfOneName) {
   EXPECT_EQ(parsed.records.find("a")->line, 2U);
 }
 
-TEST(DefinitionParser, KeepsWhatAnUnfinishedTextSaidSoFar) {
+TEST(ReadDefinitions, KeepsWhatAnUnfinishedTextSaidSoFar) {
   EXPECT_EQ(recordsOf("a rw { default { 1 }\n ctrlRO ( x"), "a 4 {\ndefault () { [1] }\n}\n");
   EXPECT_EQ(recordsOf("a"), "a -1 {\n}\n");
 }
 
-TEST(DefinitionParser, FailsWithTheCaretAtTheFailingStep) {
+TEST(ReadDefinitions, FailsWithTheCaretAtTheFailingStep) {
   struct Case {
     std::string_view text;
     Stop stop;
@@ -218,12 +223,12 @@ TEST(DefinitionParser, FailsWithTheCaretAtTheFailingStep) {
   }
 }
 
-TEST(DefinitionParser, AcceptsTheParenthesisOfAConditionOnALaterLine) {
+TEST(ReadDefinitions, AcceptsTheParenthesisOfAConditionOnALaterLine) {
   EXPECT_EQ(recordsOf("a rw { ctrlRO\n\n(x)\nctrlValid\n# y\n( x ) }"),
             "a 4 {\nctrlRO (x)\nctrlValid (x)\n}\n");
 }
 
-TEST(DefinitionParser, RefusesAReadOnlyConditionOfAWriteOnlyParameterOnceItIsComplete) {
+TEST(ReadDefinitions, RefusesAReadOnlyConditionOfAWriteOnlyParameterOnceItIsComplete) {
   struct Case {
     std::string_view text;
     Stop stop;
@@ -247,7 +252,7 @@ TEST(DefinitionParser, RefusesAReadOnlyConditionOfAWriteOnlyParameterOnceItIsCom
             "a 4 {\nctrlRO (y)\nctrlValid (x)\n}\n");
 }
 
-TEST(DefinitionParser, RefusesANulByteOutsideComments) {
+TEST(ReadDefinitions, RefusesANulByteOutsideComments) {
   struct Case {
     std::string text;
     Stop stop;
@@ -266,7 +271,7 @@ TEST(DefinitionParser, RefusesANulByteOutsideComments) {
   }
 }
 
-TEST(DefinitionParser, EndsWordsAndSignsAtTheEndOfAPiece) {
+TEST(ReadDefinitions, EndsWordsAndSignsAtTheEndOfAPiece) {
   // A long line comes in pieces without newlines.
   Parsed parsed;
   parsed.parse({"gain", "rw { default { \"on", "e # ", "two\" } } h", "ue", " {"});
@@ -278,40 +283,8 @@ TEST(DefinitionParser, EndsWordsAndSignsAtTheEndOfAPiece) {
   EXPECT_EQ(dots.stop, (Stop{PARSE_SYNTAX_ERROR, 1, 21}));
 }
 
-TEST(DefinitionParser, ReportsARecordThatIsGone) {
-  Parsed parsed;
-  parsed.parse({"gain rw {\n"});
-  parsed.records = ParameterRecords();
-  parsed.parse({"\n"});
-  EXPECT_EQ(parsed.stop, (Stop{PARSE_INTERNAL_ERROR, 2, 0}));
-}
-
-TEST(DefinitionParser, StartsAnewAfterReset) {
-  const std::string_view unfinished[] = {
-      "a",
-      "a rw",
-      "a rw {",
-      "a rw { ctrlRO ( x[",
-      "a rw { rangeValid (m) { 0..",
-      "a rw { default { \"one",
-      "a rw { valueChange { \"one\" ->",
-      "a rw { index { i",
-      "a rw { unknown",
-  };
-  for (const std::string_view text : unfinished) {
-    SCOPED_TRACE(text);
-    Parsed parsed;
-    parsed.parse({text});
-    parsed.parser.reset();
-    parsed.records = ParameterRecords();
-    parsed.parse({"b wo { rangeValid { 1 } default { 2 } ctrlValid (x) }"});
-    EXPECT_EQ(textOf(parsed.records),
-              "b 3 {\nrangeValid () { [1] }\nctrlValid (x)\ndefault () { [2] }\n}\n");
-  }
-}
-
 // Texts cut at their blanks; those that stand within quotes are written as "_" in the table.
-TEST(DefinitionParser, ReadsTheSameRecordsWhereverATextIsCut) {
+TEST(ReadDefinitions, ReadsTheSameRecordsWhereverATextIsCut) {
   const std::string_view texts[] = {
       "gain rw { index { chan , out } rangeValid { 0 .. 255 } ctrlRO ( mode == 2 ) default { 128 } "
       "}",
@@ -339,16 +312,19 @@ TEST(DefinitionParser, ReadsTheSameRecordsWhereverATextIsCut) {
   }
 }
 
-TEST(DefinitionParser, TakesLongTextsInTheirStride) {
+TEST(ReadDefinitions, TakesLongTextsInTheirStride) {
   constexpr int count = 20'000;
-  Parsed parsed;
   const std::string name(1000, 'n');
+  std::vector<std::string> pieces;
   for (int i = 0; i < count; ++i) {
-    parsed.parse({name + std::to_string(i % 100), " rw { default { 1 } }\n"});
+    pieces.push_back(name + std::to_string(i % 100));
+    pieces.emplace_back(" rw { default { 1 } }\n");
   }
-  parsed.parse({"sum rw { ctrlRO ( 0 "});
-  for (int i = 0; i < count; ++i) parsed.parse({"+ x[\n", " 1 ] \n"});
-  parsed.parse({") }"});
+  pieces.emplace_back("sum rw { ctrlRO ( 0 ");
+  for (int i = 0; i < count; ++i) pieces.insert(pieces.end(), {"+ x[\n", " 1 ] \n"});
+  pieces.emplace_back(") }");
+  Parsed parsed;
+  parsed.parse({pieces.begin(), pieces.end()});
   EXPECT_EQ(parsed.stop.result, PARSE_DONE);
   EXPECT_EQ(parsed.records.size(), 101U);
   const ParameterRecord* const record = parsed.records.find(name + "0");
@@ -356,39 +332,33 @@ TEST(DefinitionParser, TakesLongTextsInTheirStride) {
   EXPECT_EQ(parsed.records.find("sum")->ctrlRO.front().tokens.size(), 2U * count + 1);
 }
 
-struct Accepted {
+struct ReadText {
   int result;
   std::string printed;
 };
 
-Accepted accept(DefinitionParser& parser, DefinitionText& text, std::string_view line,
-                uint32_t number) {
+ReadText readAll(std::string_view lines, DefinitionText& text) {
   testing::internal::CaptureStderr();
-  const int result = acceptLine(parser, text, line, number);
+  const int result = readDefinitionText(linesIn(lines), text);
   return {result, testing::internal::GetCapturedStderr()};
 }
 
-TEST(AcceptLine, PrintsNothingAndKeepsTheLineWhenItIsAccepted) {
-  DefinitionParser parser;
+TEST(ReadDefinitionText, PrintsNothingAndKeepsTheLinesWhenItIsAccepted) {
   DefinitionText text;
-  const Accepted first = accept(parser, text, "gain rw { default {\n", 1);
-  EXPECT_EQ(first.result, PARSE_DONE);
-  EXPECT_EQ(first.printed, "");
-  const Accepted second = accept(parser, text, "128 } }", 2);
-  EXPECT_EQ(second.result, PARSE_DONE);
-  EXPECT_EQ(second.printed, "");
+  const ReadText read = readAll("gain rw { default {\n128 } }", text);
+  EXPECT_EQ(read.result, PARSE_DONE);
+  EXPECT_EQ(read.printed, "");
   EXPECT_EQ(textOf(text.records), "gain 4 {\ndefault () { [128] }\n}\n");
   EXPECT_EQ(text.lines.find(1), "gain rw { default {\n");
   EXPECT_EQ(text.lines.find(2), "128 } }");
 }
 
-TEST(AcceptLine, KeepsNoLineThatHasNoWords) {
+TEST(ReadDefinitionText, KeepsNoLineThatHasNoWords) {
   struct Case {
     std::string line;
     bool isKept;
   };
   const Case cases[] = {
-      {"", false},
       {"\n", false},
       {" \t\v\f\r\n", false},
       {"# gain rw {}\n", false},
@@ -398,44 +368,37 @@ TEST(AcceptLine, KeepsNoLineThatHasNoWords) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.line);
-    DefinitionParser parser;
     DefinitionText text;
-    EXPECT_EQ(accept(parser, text, "gain rw {", 1).result, PARSE_DONE);
-    EXPECT_EQ(accept(parser, text, c.line, 2).result, PARSE_DONE);
+    EXPECT_EQ(readAll("gain rw {\n" + c.line, text).result, PARSE_DONE);
     EXPECT_EQ(text.lines.find(2).has_value(), c.isKept);
   }
 }
 
-TEST(AcceptLine, PrintsTheErrorWithTheLineAndACaret) {
+TEST(ReadDefinitionText, PrintsTheErrorWithTheLineAndACaret) {
   struct Case {
-    std::string_view line;
-    uint32_t number;
-    Accepted expected;
+    std::string text;
+    ReadText expected;
   };
   const Case cases[] = {
-      {"gain[2] rw {\n",
-       3,
+      {"\n\ngain[2] rw {\n",
        {PARSE_INVALID_ACCESS,
         "Error on line 3\n"
         "Invalid parameter access type\n"
         "gain[2] rw {\n"
         "    ^\n"}},
-      {"gain rw { ctrlRO x",
-       70000,
+      {std::string(69'999, '\n') + "gain rw { ctrlRO x",
        {PARSE_SYNTAX_ERROR,
         "Error on line 70000\n"
         "Syntax error\n"
         "gain rw { ctrlRO x\n"
         "                 ^\n"}},
-      {"{ rw }\n",
-       12,
+      {"{ rw }\ngain rw { }\n",
        {PARSE_SYNTAX_ERROR,
-        "Error on line 12\n"
+        "Error on line 1\n"
         "Syntax error\n"
         "{ rw }\n"
         "     ^\n"}},
-      {std::string_view("\0\n", 2),
-       1,
+      {std::string("\0\n", 2),
        {PARSE_SYNTAX_ERROR, std::string("Error on line 1\n"
                                         "Syntax error\n"
                                         "\0\n"
@@ -443,27 +406,26 @@ TEST(AcceptLine, PrintsTheErrorWithTheLineAndACaret) {
                                         33)}},
   };
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.line);
-    DefinitionParser parser;
+    SCOPED_TRACE(c.text);
     DefinitionText text;
-    const Accepted accepted = accept(parser, text, c.line, c.number);
-    EXPECT_EQ(accepted.result, c.expected.result);
-    EXPECT_EQ(accepted.printed, c.expected.printed);
+    const ReadText read = readAll(c.text, text);
+    EXPECT_EQ(read.result, c.expected.result);
+    EXPECT_EQ(read.printed, c.expected.printed);
   }
 }
 
-TEST(AcceptLine, ReportsARecordThatIsGoneAsAnInternalError) {
-  DefinitionParser parser;
+// What is wrong is told before the rest of the text is asked for.
+TEST(ReadDefinitionText, AsksForNoLineBehindTheWrongOne) {
+  int asked = 0;
   DefinitionText text;
-  EXPECT_EQ(accept(parser, text, "gain rw {\n", 1).result, PARSE_DONE);
-  DefinitionText other;
-  const Accepted accepted = accept(parser, other, " }\n", 2);
-  EXPECT_EQ(accepted.result, PARSE_INTERNAL_ERROR);
-  EXPECT_EQ(accepted.printed,
-            "Error on line 2\n"
-            "Internal error\n"
-            " }\n"
-            "^\n");
+  testing::internal::CaptureStderr();
+  const auto nextLine = [&asked](std::string_view& line) {
+    line = ++asked == 2 ? "}" : "gain rw\n";
+    return true;
+  };
+  EXPECT_EQ(readDefinitionText(nextLine, text), PARSE_SYNTAX_ERROR);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "Error on line 2\nSyntax error\n}\n^\n");
+  EXPECT_EQ(asked, 2);
 }
 
 }  // namespace

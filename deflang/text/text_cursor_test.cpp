@@ -1,0 +1,160 @@
+#include "deflang/text/text_cursor.h"
+
+#include <gtest/gtest.h>
+
+#include <cctype>
+#include <clocale>
+#include <string>
+
+#include "tests/support/reader.h"
+
+namespace {
+
+TEST(WhiteSpace, IsThatOfTheCLocale) {
+  ASSERT_STREQ(setlocale(LC_CTYPE, "C"), "C");
+  for (int c = 0; c < 256; ++c) {
+    SCOPED_TRACE(c);
+    EXPECT_EQ(isWhiteSpace(static_cast<char>(c)), isspace(c) != 0);
+  }
+}
+
+TEST(StopSet, HoldsTheGivenCharactersAndWhiteSpace) {
+  constexpr StopSet stops(",}");
+  const std::string expected = ",} \t\n\v\f\r";
+  for (int c = 0; c < 256; ++c) {
+    SCOPED_TRACE(c);
+    EXPECT_EQ(stops.contains(static_cast<char>(c)),
+              expected.find(static_cast<char>(c)) != std::string::npos);
+  }
+}
+
+// A cursor at the start of `text`.
+TextCursor cursorOf(std::string_view text) {
+  TextCursor cursor(linesIn(text), testMemory());
+  cursor.pullLine();
+  return cursor;
+}
+
+TEST(TextCursor, ReadsAWordWithoutGoingOn) {
+  constexpr StopSet stops(",");
+  struct Case {
+    std::string_view line;
+    std::string_view word;
+  };
+  const Case cases[] = {
+      {"gain,hue", "gain"},
+      {"gain", "gain"},  // the end of a line ends a word, with a
+                         // newline or without
+      {"gain\n", "gain"},
+      {",gain", ""},
+      {"", ""},
+      {"h\xf6he \x85", "h\xf6he"},  // bytes from 0x80 up belong to words
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.line);
+    const TextCursor cursor = cursorOf(c.line);
+    EXPECT_EQ(cursor.word(stops), c.word);
+    EXPECT_EQ(cursor.position().column, 0U);
+  }
+}
+
+TEST(TextCursor, SkipsWhiteSpaceToTheNextCharacterOnWhicheverLine) {
+  struct Case {
+    std::string_view text;
+    std::string_view rest;
+    std::string_view place;
+  };
+  const Case cases[] = {
+      {" \t\v\f\rx \n", "x \n", "1:5"}, {"x", "x", "1:0"},
+      {"\n\n  x", "x", "3:2"},          {"# a\n x", "x", "2:1"},
+      {" #\n#\n\n#x\ny", "y", "5:0"},   {" x # y", "x # y", "1:1"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.text);
+    TextCursor cursor(linesIn(c.text), testMemory());
+    EXPECT_TRUE(cursor.skipWhiteSpace());
+    EXPECT_EQ(cursor.rest(), c.rest);
+    EXPECT_EQ(textOf(cursor.position()), c.place);
+  }
+}
+
+TEST(TextCursor, ComesToTheEndOfTheTextWithoutAFault) {
+  for (const std::string_view text : {"", " ", "\n", "# x", " \n# x\n\t\n"}) {
+    SCOPED_TRACE(text);
+    TextCursor cursor(linesIn(text), testMemory());
+    EXPECT_FALSE(cursor.skipWhiteSpace());
+    EXPECT_FALSE(cursor.skipWhiteSpace());
+    EXPECT_FALSE(cursor.expect("x"));
+    EXPECT_EQ(cursor.result(), PARSE_DONE);
+    EXPECT_EQ(cursor.rest(), "");
+  }
+}
+
+TEST(TextCursor, ReadsNothingOfWhatTheLastLineWouldHaveBeen) {
+  const auto failsInTheMiddle = [](std::string_view& line) {
+    line = "half";
+    return false;
+  };
+  TextCursor cursor(failsInTheMiddle, testMemory());
+  EXPECT_FALSE(cursor.skipWhiteSpace());
+  EXPECT_EQ(cursor.rest(), "");
+}
+
+TEST(TextCursor, RefusesALineWithANul) {
+  using namespace std::string_literals;
+  TextCursor cursor(linesIn("# \0\n a\0\n"s), testMemory());
+  EXPECT_FALSE(cursor.skipWhiteSpace());
+  EXPECT_EQ(cursor.result(), PARSE_SYNTAX_ERROR);
+  EXPECT_EQ(textOf(cursor.position()), "2:2");
+  EXPECT_FALSE(cursor.skipWhiteSpace());  // nothing is read any more
+}
+
+TEST(TextCursor, TakesOnlyTheSignThatComesNext) {
+  TextCursor cursor = cursorOf("->x");
+  EXPECT_FALSE(cursor.take("x"));
+  EXPECT_EQ(cursor.rest(), "->x");
+  EXPECT_TRUE(cursor.take("->"));
+  EXPECT_EQ(cursor.rest(), "x");
+  EXPECT_FALSE(cursor.take("xy"));  // the line ends within the sign
+  EXPECT_EQ(cursor.rest(), "x");
+}
+
+TEST(TextCursor, ExpectsASignAfterWhiteSpace) {
+  struct Case {
+    std::string_view text;
+    bool isThere;
+    int result;
+    std::string_view place;
+  };
+  const Case cases[] = {
+      {"  {x", true, PARSE_DONE, "1:3"},
+      {"{", true, PARSE_DONE, "1:1"},
+      {"\n# x\n {", true, PARSE_DONE, "3:2"},
+      {"  x{", false, PARSE_SYNTAX_ERROR, "1:2"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.text);
+    TextCursor cursor(linesIn(c.text), testMemory());
+    EXPECT_EQ(cursor.expect("{"), c.isThere);
+    EXPECT_EQ(cursor.result(), c.result);
+    EXPECT_EQ(textOf(cursor.position()), c.place);
+  }
+}
+
+TEST(TextCursor, FailsAtAPlaceOfItsLineOrAtTheFirstWordOfIt) {
+  struct Case {
+    Position at;
+    std::string_view place;
+  };
+  const Case cases[] = {{{2, 5}, "2:5"}, {{1, 5}, "2:1"}};
+  for (const Case& c : cases) {
+    TextCursor cursor = cursorOf("gain wo\n gain wo");
+    cursor.pullLine();
+    cursor.advance(8);
+    EXPECT_FALSE(cursor.failAt(c.at, PARSE_INVALID_ACCESS));
+    EXPECT_EQ(cursor.result(), PARSE_INVALID_ACCESS);
+    EXPECT_EQ(textOf(cursor.position()), c.place);
+  }
+}
+
+}  // namespace

@@ -118,6 +118,16 @@ const vidStd_t* findVidStd(std::string_view text);
 /// The first picture format in table order whose name begins `text`, or null.
 const vidFormat_t* findVidFormat(std::string_view text);
 
+/// What a value selects; at most one of the two is set.
+struct vidSelection_t {
+  const vidStd_t* standard = nullptr;
+  const vidFormat_t* format = nullptr;
+};
+
+/// What `value` selects wherever figures follow it: the standard that findVidStd() finds, or, where
+/// it finds none, the picture format that findVidFormat() finds.
+vidSelection_t selectVid(std::string_view value);
+
 /// The raster line of a progressive line. A `line` outside 1..`tlpf` is a programming error and
 /// stops the program; so it does in all that follow.
 uint32_t progToIntLine(uint32_t line, uint32_t tlpf);

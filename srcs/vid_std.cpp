@@ -22,6 +22,11 @@ const vidStd_t* findVidStd(std::string_view text) { return findByName(vidStds(),
 
 const vidFormat_t* findVidFormat(std::string_view text) { return findByName(vidFormats(), text); }
 
+vidSelection_t selectVid(std::string_view value) {
+  if (const vidStd_t* const standard = findVidStd(value)) return {.standard = standard};
+  return {.format = findVidFormat(value)};
+}
+
 uint32_t progToIntLine(uint32_t line, uint32_t tlpf) {
   assert(1 <= line && line <= tlpf);
   const bool inField1 = line % 2 == 1;

@@ -43,8 +43,8 @@ const vidFigure_t* findVidFigure(std::string_view name) {
 }
 
 std::optional<uint32_t> vidStdFigure(std::string_view value, const vidFigure_t& figure) {
-  if (const vidStd_t* const standard = findVidStd(value)) return figure.ofStandard(*standard);
-  const vidFormat_t* const format = findVidFormat(value);
-  if (format == nullptr || figure.ofFormat == nullptr) return std::nullopt;
-  return figure.ofFormat(*format);
+  const vidSelection_t selected = selectVid(value);
+  if (selected.standard != nullptr) return figure.ofStandard(*selected.standard);
+  if (selected.format == nullptr || figure.ofFormat == nullptr) return std::nullopt;
+  return figure.ofFormat(*selected.format);
 }

@@ -18,7 +18,6 @@ struct vidFigure_t {
 /// The figure of that very name, or null.
 const vidFigure_t* findVidFigure(std::string_view name);
 
-/// The number of `figure` for what `value` names: the first standard whose name begins `value`, or
-/// when there is none, the first picture format whose name does. Nothing when there is neither, or
-/// when a picture format lacks the figure. Valid after initVidStdTables().
+/// The number of `figure` for what `value` selects, see selectVid(). No value when it selects
+/// nothing, or a picture format that lacks the figure. Valid after initVidStdTables().
 std::optional<uint32_t> vidStdFigure(std::string_view value, const vidFigure_t& figure);

@@ -323,6 +323,28 @@ TEST(VidStdLookup, FindsPictureFormatsByTheSameRule) {
   }
 }
 
+TEST(VidStdLookup, SelectsAStandardBeforeAPictureFormat) {
+  const struct {
+    const char* value;
+    const char* standard;  // null: none
+    const char* format;
+  } cases[] = {
+      {"720p/50", "720p/50", nullptr},
+      {"720p/50 wide", "720p/50", nullptr},
+      {"1080p/25sF", "1080p/25", nullptr},                  // listed before it
+      {"525i/59.94 - RP187(2004)", "525i/59.94", nullptr},  // also a format's whole name
+      {"1920x1080/60/P wide", nullptr, "1920x1080/60/P"},   //
+      {"720p/60", nullptr, nullptr},                        // shorter than "720p/60.00"
+      {"", nullptr, nullptr},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.value);
+    const vidSelection_t selected = selectVid(c.value);
+    EXPECT_STREQ(selected.standard == nullptr ? nullptr : selected.standard->name, c.standard);
+    EXPECT_STREQ(selected.format == nullptr ? nullptr : selected.format->name, c.format);
+  }
+}
+
 TEST(VidStdDeathTest, StopsTheProgramAtALineOutsideTheFrame) {
   const std::string toRaster = assertionPattern(
       "vid_std", "uint32_t progToIntLine(uint32_t, uint32_t)", "1 <= line && line <= tlpf");

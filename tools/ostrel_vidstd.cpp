@@ -1,14 +1,48 @@
 // ostrel-vidstd: lists the names of the video standards, or describes some of them.
 
+#include <argp.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <set>
+#include <span>
 #include <string_view>
 
+#include "startup/version.h"
 #include "vid_std.h"
 
+// Found by argp under this name.
+const char* argp_program_version = VERSION_TEXT;
+
 namespace {
+
+struct Arguments {
+  std::span<char*> names;
+};
+
+error_t takeArgument(int key, char* /*argument*/, argp_state* state) {
+  Arguments& arguments = *static_cast<Arguments*>(state->input);
+  if (key != ARGP_KEY_ARGS) return ARGP_ERR_UNKNOWN;
+  arguments.names = std::span(state->argv, static_cast<size_t>(state->argc))
+                        .subspan(static_cast<size_t>(state->next));
+  return 0;
+}
+
+// Ends the process after --help, --usage and --version, and for an unknown option.
+Arguments parseArguments(int argc, char** argv) {
+  Arguments arguments;
+  const argp parser = {nullptr,
+                       takeArgument,
+                       "[NAME...]",
+                       "ostrel-vidstd -- List the video standards that ostrel knows, or describe "
+                       "those of the NAMEs",
+                       nullptr,
+                       nullptr,
+                       nullptr};
+  argp_parse(&parser, argc, argv, 0, nullptr, &arguments);
+  return arguments;
+}
 
 // Some names stand in several rows; they are listed once, where they stand first.
 void listNames() {
@@ -36,16 +70,17 @@ int describe(std::string_view name, bool& first) {
 }  // namespace
 
 int main(int argc, char* argv[]) {
+  const Arguments arguments = parseArguments(argc, argv);
   initVidStdTables();
   int status = 0;
-  if (argc < 2) listNames();
+  if (arguments.names.empty()) listNames();
   bool first = true;
-  for (int i = 1; i < argc; i++) {
-    if (describe(argv[i], first) != 0) {
+  for (const char* const name : arguments.names) {
+    if (describe(name, first) != 0) {
       std::fprintf(stderr,
                    "ostrel-vidstd: there is no video standard \"%s\"; without arguments, all "
                    "names are listed\n",
-                   argv[i]);
+                   name);
       status = 1;
     }
   }

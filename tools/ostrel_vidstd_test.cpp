@@ -14,10 +14,10 @@ struct outcome_t {
   int status = -1;
 };
 
-// Runs the program in a shell with these arguments and redirections.
-outcome_t run(const std::string& arguments) {
+// Runs a program in a shell with these arguments and redirections.
+outcome_t runProgram(const char* program, const std::string& arguments) {
   outcome_t outcome;
-  std::FILE* const pipe = popen((std::string("'") + OSTREL_VIDSTD + "' " + arguments).c_str(), "r");
+  std::FILE* const pipe = popen((std::string("'") + program + "' " + arguments).c_str(), "r");
   EXPECT_NE(pipe, nullptr);
   if (pipe == nullptr) return outcome;
   char buffer[4096];
@@ -27,6 +27,8 @@ outcome_t run(const std::string& arguments) {
   outcome.status = WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
   return outcome;
 }
+
+outcome_t run(const std::string& arguments) { return runProgram(OSTREL_VIDSTD, arguments); }
 
 size_t countOf(const std::string& text, const std::string& part) {
   size_t count = 0;
@@ -107,10 +109,39 @@ TEST(OstrelVidstd, RefusesUnknownNamesAndDescribesTheOthers) {
   EXPECT_EQ(mixed.out, DESCRIPTION_625P);
   EXPECT_EQ(mixed.status, 1);
 
-  for (const char* const name : {"625p/50x", "625p", "1920x1080/60/P", "--help", "''"}) {
+  for (const char* const name : {"625p/50x", "625p", "1920x1080/60/P", "-- --help", "''"}) {
     SCOPED_TRACE(name);
     EXPECT_EQ(run(std::string(name) + " 2>/dev/null").status, 1);
   }
+}
+
+TEST(OstrelVidstd, DescribesItsOptions) {
+  for (const char* const option : {"--help", "-?", "--help 720p/50"}) {
+    SCOPED_TRACE(option);
+    const outcome_t help = run(std::string(option) + " 2>&1");
+    EXPECT_EQ(help.status, 0);
+    EXPECT_TRUE(help.out.starts_with("Usage: ostrel-vidstd [OPTION...] [NAME...]\n")) << help.out;
+    EXPECT_EQ(countOf(help.out, "-V, --version"), 1U);
+  }
+  const outcome_t usage = run("--usage 2>&1");
+  EXPECT_EQ(usage.status, 0);
+  EXPECT_TRUE(usage.out.starts_with("Usage: ostrel-vidstd [-?V] ")) << usage.out;
+}
+
+TEST(OstrelVidstd, HasTheVersionOfTheDaemon) {
+  for (const char* const option : {"--version", "-V"}) {
+    SCOPED_TRACE(option);
+    const outcome_t version = run(std::string(option) + " 2>&1");
+    EXPECT_EQ(version.status, 0);
+    EXPECT_TRUE(version.out.starts_with("ostrel Built on ")) << version.out;
+    EXPECT_EQ(version.out, runProgram(OSTREL, option).out);
+  }
+}
+
+TEST(OstrelVidstd, RefusesUnknownOptions) {
+  const outcome_t unknown = run("--what 2>&1 >/dev/null");
+  EXPECT_EQ(unknown.status, 64);  // as the daemon
+  EXPECT_EQ(countOf(unknown.out, "unrecognized option '--what'\n"), 1U) << unknown.out;
 }
 
 TEST(OstrelVidstd, ReportsThatItCannotWrite) {

@@ -1,4 +1,5 @@
-// ostrel-vidstd: lists the names of the video standards, or describes some of them.
+// ostrel-vidstd: lists the names of the video standards, describes some of them, or tells what
+// values select.
 
 #include <argp.h>
 
@@ -18,21 +19,35 @@ const char* argp_program_version = VERSION_TEXT;
 namespace {
 
 struct Arguments {
+  bool select = false;  ///< the names are values, and what they select is asked
   std::span<char*> names;
 };
 
+const argp_option OPTIONS[] = {
+    {"select", 's', nullptr, 0, "Tell what each NAME selects as the value of a parameter", 0}, {}};
+
 error_t takeArgument(int key, char* /*argument*/, argp_state* state) {
   Arguments& arguments = *static_cast<Arguments*>(state->input);
-  if (key != ARGP_KEY_ARGS) return ARGP_ERR_UNKNOWN;
-  arguments.names = std::span(state->argv, static_cast<size_t>(state->argc))
-                        .subspan(static_cast<size_t>(state->next));
-  return 0;
+  switch (key) {
+    case 's':
+      arguments.select = true;
+      return 0;
+    case ARGP_KEY_ARGS:
+      arguments.names = std::span(state->argv, static_cast<size_t>(state->argc))
+                            .subspan(static_cast<size_t>(state->next));
+      return 0;
+    case ARGP_KEY_END:
+      if (arguments.select && arguments.names.empty()) argp_usage(state);
+      return 0;
+    default:
+      return ARGP_ERR_UNKNOWN;
+  }
 }
 
-// Ends the process after --help, --usage and --version, and for an unknown option.
+// Ends the process after --help, --usage and --version, and for what it cannot use.
 Arguments parseArguments(int argc, char** argv) {
   Arguments arguments;
-  const argp parser = {nullptr,
+  const argp parser = {OPTIONS,
                        takeArgument,
                        "[NAME...]",
                        "ostrel-vidstd -- List the video standards that ostrel knows, or describe "
@@ -52,19 +67,73 @@ void listNames() {
   }
 }
 
+bool selectsItself(const vidStd_t& row) { return selectVid(row.name).standard == &row; }
+bool selectsItself(const vidFormat_t& row) { return selectVid(row.name).format == &row; }
+
+// Writes those names that begin with `start` and select their own row, `lead` before the first.
+// Returns what goes before the next.
+template <typename Row>
+const char* writeLonger(std::span<const Row> rows, std::string_view start, const char* lead,
+                        std::FILE* out) {
+  for (const Row& row : rows) {
+    if (!std::string_view(row.name).starts_with(start) || !selectsItself(row)) continue;
+    std::fprintf(out, "%s%s", lead, row.name);
+    lead = ", ";
+  }
+  return lead;
+}
+
+// Writes what `value` selects and, where that is nothing, which names it is the beginning of.
+// Returns 0, or 1 when it selects nothing.
+int tellSelected(const char* value, std::FILE* out) {
+  const vidSelection_t selected = selectVid(value);
+  if (selected.standard != nullptr) {
+    std::fprintf(out, "\"%s\" selects the standard %s\n", value, selected.standard->name);
+    return 0;
+  }
+  if (selected.format != nullptr) {
+    std::fprintf(out, "\"%s\" selects the picture format %s\n", value, selected.format->name);
+    return 0;
+  }
+  std::fprintf(out, "\"%s\" selects nothing", value);
+  if (*value != '\0') {
+    const char* const lead = writeLonger(vidStds(), value, "; names that begin with it: ", out);
+    writeLonger(vidFormats(), value, lead, out);
+  }
+  std::fprintf(out, "\n");
+  return 1;
+}
+
 // Describes every row of exactly that name, so that each row of the catalogue can be seen: by the
 // prefixes that definitions go by, most segmented-frame standards could not. Descriptions after
-// the first are set off by an empty line. Returns 0, or 1 when there is no such name.
-int describe(std::string_view name, bool& first) {
-  int result = 1;
+// the first are set off by an empty line. Returns the first of these rows, or null.
+const vidStd_t* describe(std::string_view name, bool& first) {
+  const vidStd_t* found = nullptr;
   for (const vidStd_t& standard : vidStds()) {
     if (standard.name != name) continue;
     if (!first) std::printf("\n");
     first = false;
     describeVidStd(standard);
-    result = 0;
+    if (found == nullptr) found = &standard;
   }
-  return result;
+  return found;
+}
+
+// Who looks up a name may be about to write it into a definition text, so this also says where
+// the name selects something else there. Returns 0, or 1 when there is no such name.
+int answer(const char* name, bool& first) {
+  const vidStd_t* const described = describe(name, first);
+  if (described == nullptr) {
+    std::fprintf(stderr,
+                 "ostrel-vidstd: there is no video standard \"%s\"; without arguments, all "
+                 "names are listed\n",
+                 name);
+  }
+  if (described == nullptr || !selectsItself(*described)) {
+    std::fprintf(stderr, "ostrel-vidstd: as a value, ");
+    static_cast<void>(tellSelected(name, stderr));
+  }
+  return described == nullptr ? 1 : 0;
 }
 
 }  // namespace
@@ -76,13 +145,8 @@ int main(int argc, char* argv[]) {
   if (arguments.names.empty()) listNames();
   bool first = true;
   for (const char* const name : arguments.names) {
-    if (describe(name, first) != 0) {
-      std::fprintf(stderr,
-                   "ostrel-vidstd: there is no video standard \"%s\"; without arguments, all "
-                   "names are listed\n",
-                   name);
-      status = 1;
-    }
+    const int result = arguments.select ? tellSelected(name, stdout) : answer(name, first);
+    if (result != 0) status = 1;
   }
   if (std::ferror(stdout) != 0 || std::fflush(stdout) != 0) {
     std::fprintf(stderr, "ostrel-vidstd: cannot write: %s\n", std::strerror(errno));

@@ -59,7 +59,8 @@ Switch point: 6
 )";
 
 const char* const NO_STANDARD_XYZ =
-    "ostrel-vidstd: there is no video standard \"xyz\"; without arguments, all names are listed\n";
+    "ostrel-vidstd: there is no video standard \"xyz\"; without arguments, all names are listed\n"
+    "ostrel-vidstd: as a value, \"xyz\" selects nothing\n";
 
 TEST(OstrelVidstd, ListsEachNameOnceInTableOrder) {
   const outcome_t list = run("2>&1");
@@ -77,7 +78,7 @@ TEST(OstrelVidstd, DescribesAStandard) {
 }
 
 TEST(OstrelVidstd, DescribesSeveralInTheOrderOfTheArguments) {
-  const outcome_t described = run("720p/50 625p/50 1080p/25sF 2>&1");
+  const outcome_t described = run("720p/50 625p/50 1080p/25sF 2>/dev/null");
   EXPECT_EQ(described.status, 0);
   EXPECT_TRUE(described.out.starts_with("720p/50\n1980 samples x 750 lines progressive\n"));
   EXPECT_EQ(countOf(described.out, std::string("\n\n") + DESCRIPTION_625P + "\n1080p/25sF\n"), 1U);
@@ -96,7 +97,7 @@ TEST(OstrelVidstd, DescribesEveryRowOfAName) {
 }
 
 TEST(OstrelVidstd, DescribesTheRowOfTheFullNameWhereAnEarlierOneBeginsIt) {
-  const outcome_t described = run("1080p/25sF 2>&1");
+  const outcome_t described = run("1080p/25sF 2>/dev/null");
   EXPECT_TRUE(described.out.starts_with("1080p/25sF\n2640 samples x 1125 lines p/sF\n"));
 }
 
@@ -115,17 +116,79 @@ TEST(OstrelVidstd, RefusesUnknownNamesAndDescribesTheOthers) {
   }
 }
 
+TEST(OstrelVidstd, TellsWhatASpellingSelects) {
+  const struct {
+    const char* spelling;
+    const char* answer;
+    int status;
+  } cases[] = {
+      {"720p/60.00", "the standard 720p/60.00", 0},
+      {"720p/60.00 wide", "the standard 720p/60.00", 0},
+      {"1080p/500", "the standard 1080p/50", 0},
+      {"1080p/25sF", "the standard 1080p/25", 0},  // listed before its own row
+      {"625i/50", "the standard 625i/50", 0},
+      {"525i/59.94 - RP187(2004)", "the standard 525i/59.94", 0},  // also a format's whole name
+      {"1920x1080/60/P wide", "the picture format 1920x1080/60/P", 0},
+      {"720p/60", "nothing; names that begin with it: 720p/60.00", 1},
+      {"720p/2", "nothing; names that begin with it: 720p/29.97, 720p/25, 720p/24.00, 720p/23.98",
+       1},
+      // Those of segmented frames begin with it, too, but select others.
+      {"1080p/2",
+       "nothing; names that begin with it: 1080p/29.97, 1080p/25, 1080p/24.00, "
+       "1080p/23.98",
+       1},
+      {"525i", "nothing; names that begin with it: 525i/59.94", 1},
+      {"1920x1035", "nothing; names that begin with it: 1920x1035/60/I, 1920x1035/59.94/I", 1},
+      {"720P/60.00", "nothing", 1},
+      {" 720p/50", "nothing", 1},
+      {"", "nothing", 1},  // every name begins with it
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.spelling);
+    const std::string quoted = std::string("'") + c.spelling + "'";
+    const outcome_t told = run("--select " + quoted + " 2>&1");
+    EXPECT_EQ(told.out, std::string("\"") + c.spelling + "\" selects " + c.answer + "\n");
+    EXPECT_EQ(told.status, c.status);
+  }
+}
+
+TEST(OstrelVidstd, TellsWhatSeveralSpellingsSelect) {
+  const outcome_t told = run("720p/60 -s 720p/50 xyz 2>&1");
+  EXPECT_EQ(told.out,
+            "\"720p/60\" selects nothing; names that begin with it: 720p/60.00\n"
+            "\"720p/50\" selects the standard 720p/50\n"
+            "\"xyz\" selects nothing\n");
+  EXPECT_EQ(told.status, 1);
+
+  EXPECT_EQ(run("--select 2>/dev/null").out, "");
+  EXPECT_EQ(run("--select 2>/dev/null").status, 64);
+}
+
+TEST(OstrelVidstd, SaysWhereANameSelectsSomethingElse) {
+  EXPECT_EQ(run("1080p/25sF 2>&1 >/dev/null").out,
+            "ostrel-vidstd: as a value, \"1080p/25sF\" selects the standard 1080p/25\n");
+  EXPECT_EQ(run("1080p/25sF 2>&1 >/dev/null").status, 0);
+  EXPECT_EQ(run("720p/60 2>&1 >/dev/null").out,
+            "ostrel-vidstd: there is no video standard \"720p/60\"; without arguments, all names "
+            "are listed\n"
+            "ostrel-vidstd: as a value, \"720p/60\" selects nothing; names that begin with it: "
+            "720p/60.00\n");
+  // The first of its rows is what it selects.
+  EXPECT_EQ(run("625i/50 2>&1 >/dev/null").out, "");
+}
+
 TEST(OstrelVidstd, DescribesItsOptions) {
   for (const char* const option : {"--help", "-?", "--help 720p/50"}) {
     SCOPED_TRACE(option);
     const outcome_t help = run(std::string(option) + " 2>&1");
     EXPECT_EQ(help.status, 0);
     EXPECT_TRUE(help.out.starts_with("Usage: ostrel-vidstd [OPTION...] [NAME...]\n")) << help.out;
+    EXPECT_EQ(countOf(help.out, "-s, --select"), 1U);
     EXPECT_EQ(countOf(help.out, "-V, --version"), 1U);
   }
   const outcome_t usage = run("--usage 2>&1");
   EXPECT_EQ(usage.status, 0);
-  EXPECT_TRUE(usage.out.starts_with("Usage: ostrel-vidstd [-?V] ")) << usage.out;
+  EXPECT_TRUE(usage.out.starts_with("Usage: ostrel-vidstd [-s?V] ")) << usage.out;
 }
 
 TEST(OstrelVidstd, HasTheVersionOfTheDaemon) {

@@ -339,6 +339,42 @@ trim rw { index { port, chan } }
   });
 }
 
+// What exists and what is available are two things.
+TEST_F(QueriesTest, InstancesThatDoNotExistAreRefusedParametersThatAreNotAvailablePassedOver) {
+  serve(R"(
+mode rw { rangeValid { 0..1 } }
+port index { ctrlValid ( mode == 1 ) rangeValid { "in", "out" } }
+trim rw { index { port } rangeValid { 0..9 } }
+tone rw { ctrlValid ( mode == 1 ) rangeValid { 0..9 } }
+)");
+  const char* const noInstance = "Commit failed because parameter index is invalid";
+  expectFacts({
+      {"start()", "0"},
+      {"single_set('mode', '1')", "()", {"mode=1", "tone=", "trim[in]=", "trim[out]="}},
+      {"get_parm_idx(0, 'trim')", "['port']"},
+      {"single_set('trim[in]', '5')", "()", {"trim[in]=5"}},
+      {"single_set('tone', '5')", "()", {"tone=5"}},
+      {"single_set('mode', '0')", "()", {"mode=0"}},
+      {"get_parm_idx(0, 'trim')", "[]"},  // left out, but still an index of it
+      {"get_idx_range(0, 'port')", "Get index range failed because index is not valid"},
+      {"single_set('trim[in]', '7')",
+       noInstance,
+       {},
+       {R"(set: ERROR "trim": Invalid index[port])", "Var list begin", R"(   "mode"="0")",
+        "Var list end", R"(commit: ERROR "trim[in]"="7": ret=-3)"}},
+      {"single_get('trim[in]')", "'5'"},
+      {"get_range(0, 'trim[in]')",
+       "Get range failed because of invalid bounds (-6)",
+       {},
+       {R"(set: ERROR "trim": Invalid index[port])", "Var list begin", R"(   "mode"="0")",
+        "Var list end"}},
+      {"single_set('tone', '7')", "()"},
+      {"single_set_status('tone', '7')", "()"},
+      {"single_get('tone')", "'5'"},
+      {"get_range(0, 'tone')", "([], [(0, 9)])"},
+  });
+}
+
 TEST_F(QueriesTest, IndexRangesHoldWhatTheIndexAcceptsNow) {
   serve(R"(
 mode rw { rangeValid { 0..3 } }

@@ -20,9 +20,7 @@ namespace {
 constexpr int WALK_AGAIN = SET_RULE_FAILS;
 
 void resolveResets(StagedValues& staged) {
-  if (!staged.hasResets()) {
-    return;
-  }
+  if (!staged.hasResets()) return;
   for (StagedEntry* entry : staged.inNameOrder()) {
     if (entry->reset) {
       std::string value;
@@ -166,9 +164,7 @@ int commit(Transaction& transaction, std::vector<Change>& changes, ChangeRoom* r
   const Emptying emptying(staged);
   resolveResets(staged);
   const std::optional<Plan> plan = planCommit(transaction.database(), staged);
-  if (!plan) {
-    return COMMIT_TOO_LARGE;
-  }
+  if (!plan) return COMMIT_TOO_LARGE;
   changes.reserve(changes.size() + plan->size());
   const Ordering ordering(changes);
   Report report(changes, room);

@@ -50,9 +50,7 @@ class NameGraph {
         bundle.names.push_back(static_cast<uint32_t>(nodeOf(source)));
       }
     }
-    if (bundle.names.empty() || index.dependents.empty()) {
-      return;
-    }
+    if (bundle.names.empty() || index.dependents.empty()) return;
     std::sort(bundle.names.begin(), bundle.names.end());
     dropRepetitions(bundle.names);
     for (const ParmEntry* dependent : index.dependents) {
@@ -63,9 +61,7 @@ class NameGraph {
   }
 
   size_t nodeOf(const VariableSource& source) {
-    if (source.parm != nullptr) {
-      return source.parm->rank;
-    }
+    if (source.parm != nullptr) return source.parm->rank;
     const auto [found, isNew] = others_.emplace(source.name, nodes_.size());
     if (isNew) {
       nodes_.emplace_back();
@@ -102,9 +98,7 @@ const IndexDef* Database::findIndex(std::string_view name) const {
 
 int Database::registerParm(std::unique_ptr<ParmDef> parm) {
   const size_t hash = TextHash{}(parm->name());
-  if (findParm(parm->name(), hash) != nullptr) {
-    return 1;
-  }
+  if (findParm(parm->name(), hash) != nullptr) return 1;
   parmPositions_.makeRoom();
   parms_.add({std::move(*parm), {}, {}, {}});
   parmPositions_.add(hash, static_cast<uint32_t>(parms_.size() - 1));
@@ -158,9 +152,7 @@ int Database::finish(std::string& name) {
   const std::vector<ParmEntry*> parms = parmsInNameOrder();
   bindSources(parms);
   linkIndices(parms);
-  if (firstUnknownName(name) != nullptr) {
-    return 3;
-  }
+  if (firstUnknownName(name) != nullptr) return 3;
   return assignLevels(parms, name);
 }
 
@@ -170,9 +162,7 @@ VariableSource Database::findSource(std::string_view variable) {
   if (const std::optional<VidStdName> standard = splitVidStdName(variable)) {
     source.figure = standard->figure;
   }
-  if (source.name == THIS_VALUE) {
-    return source;
-  }
+  if (source.name == THIS_VALUE) return source;
   ParmName parts = splitName(source.name);
   source.parm = findParm(parts.base);
   source.qualified = source.name.find('[') != std::string_view::npos;
@@ -186,9 +176,7 @@ VariableSource Database::findSource(std::string_view variable) {
 
 const VariableSource& Database::sourceOf(std::string_view variable) {
   const std::optional<uint32_t> known = sourceNames_.find(variable);
-  if (known) {
-    return sources_[*known];
-  }
+  if (known) return sources_[*known];
   sourceNames_.add(variable);
   return sources_.add(findSource(variable));
 }
@@ -225,9 +213,7 @@ void Database::linkIndices(const std::vector<ParmEntry*>& parms) {
 
 // Whether a name stands for the same in every instance.
 bool Database::isFixed(const VariableSource& source) const {
-  if (source.parm != nullptr) {
-    return source.qualified || source.parm->parm.indices().empty();
-  }
+  if (source.parm != nullptr) return source.qualified || source.parm->parm.indices().empty();
   return findIndex(source.name) == nullptr;
 }
 

@@ -21,9 +21,7 @@ struct Reader {
 
 // The index values with which `reader` reads `source`, a parameter that it names.
 IndexTuple readIndices(const VariableSource& source, const Reader& reader) {
-  if (source.qualified || reader.indices.empty()) {
-    return source.indices;
-  }
+  if (source.qualified || reader.indices.empty()) return source.indices;
   return sharedIndices(reader.parm->parm, reader.indices, source.parm->parm);
 }
 
@@ -64,15 +62,11 @@ class ReferenceWalk {
     while (!open_.empty()) {
       const auto [entry, reader] = open_.back();
       open_.pop_back();
-      if (!read(entry->sources, *entry, *reader, take)) {
-        return false;
-      }
+      if (!read(entry->sources, *entry, *reader, take)) return false;
       // The names of an index are the same whichever parameter leads to it.
       for (const IndexEntry* index : entry->indices->own) {
         const bool isNew = readIndices_.insert({index, reader, entry == start_}).second;
-        if (isNew && !read(index->sources, *entry, *reader, take)) {
-          return false;
-        }
+        if (isNew && !read(index->sources, *entry, *reader, take)) return false;
       }
     }
     return true;
@@ -90,9 +84,7 @@ class ReferenceWalk {
       if (source.name == THIS_VALUE || isStart || !read_.insert({&source, &reader}).second) {
         continue;
       }
-      if (!take(source, reader)) {
-        return false;
-      }
+      if (!take(source, reader)) return false;
       if (source.parm != nullptr) {
         go(*source.parm, readerBehind(source, reader));
       }
@@ -102,9 +94,7 @@ class ReferenceWalk {
 
   // What an instance that the text names refers to is read by that instance's own index values.
   const Reader& readerBehind(const VariableSource& source, const Reader& reader) {
-    if (asWritten_ || !source.qualified) {
-      return reader;
-    }
+    if (asWritten_ || !source.qualified) return reader;
     const Reader*& named = named_[source.name];
     if (named == nullptr) {
       named = &readers_.emplace_front(Reader{source.parm, source.indices});
@@ -131,13 +121,9 @@ class ReferenceWalk {
 };
 
 bool fits(const ParmDef& parm, const IndexTuple& indices) {
-  if (indices.size() != parm.indices().size()) {
-    return false;
-  }
+  if (indices.size() != parm.indices().size()) return false;
   for (size_t i = 0; i < indices.size(); ++i) {
-    if (!parm.indices()[i]->checkBase(indices[i])) {
-      return false;
-    }
+    if (!parm.indices()[i]->checkBase(indices[i])) return false;
   }
   return true;
 }
@@ -146,9 +132,7 @@ bool fits(const ParmDef& parm, const IndexTuple& indices) {
 int findStart(Database& database, std::string_view name, bool withIndices, Reader& start) {
   start = withIndices ? Reader{database.findNamed(name), splitName(name).indices}
                       : Reader{database.findParm(name), {}};
-  if (start.parm == nullptr) {
-    return DEPENDENCIES_NO_PARAMETER;
-  }
+  if (start.parm == nullptr) return DEPENDENCIES_NO_PARAMETER;
   const bool isInvalid = withIndices && !fits(start.parm->parm, start.indices);
   return isInvalid ? DEPENDENCIES_INVALID_INDEX : DEPENDENCIES_FOUND;
 }
@@ -186,9 +170,7 @@ int dependencies(Database& database, std::string_view name, bool withIndices,
 
 int dependencyInstances(Database& database, std::string_view name, std::vector<Instance>& out) {
   Reader start;
-  if (const int refused = findStart(database, name, true, start); refused != 0) {
-    return refused;
-  }
+  if (const int refused = findStart(database, name, true, start); refused != 0) return refused;
   const Instance target{start.parm, start.indices};
   std::set<Instance, InstanceOrder> instances = {target};
   std::set<std::string_view> others;  // the names of what is no parameter
@@ -202,9 +184,7 @@ int dependencyInstances(Database& database, std::string_view name, std::vector<I
     Work::add(WORK_PER_VALUE_BYTE * length);
     return bytes.add(instances.insert(instance).second ? length : 0);
   };
-  if (!ReferenceWalk(std::move(start), false).run(take)) {
-    return DEPENDENCIES_TOO_LARGE;
-  }
+  if (!ReferenceWalk(std::move(start), false).run(take)) return DEPENDENCIES_TOO_LARGE;
   out = {target};
   instances.erase(target);
   out.insert(out.end(), instances.begin(), instances.end());

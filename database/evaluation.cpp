@@ -25,12 +25,8 @@ class IndicesOfEntry final : public PresentIndices {
 // Whether the value of an entry has to be set to be `text`. What is remembered of indices may view
 // the value, which therefore stays where it is if it does not change.
 bool changes(const StagedEntry& entry, const std::string& text, IndexSituations& situations) {
-  if (!entry.parm->isNamedByIndices) {
-    return true;
-  }
-  if (entry.value.text() == text) {
-    return false;
-  }
+  if (!entry.parm->isNamedByIndices) return true;
+  if (entry.value.text() == text) return false;
   situations.forget(*entry.parm);
   return true;
 }

@@ -9,18 +9,14 @@ namespace {
 // The index values under which `source` is looked up for an instance of `evaluated`.
 IndexTuple sourceIndices(const VariableSource& source, const ParmDef& evaluated,
                          const IndexTuple& indices) {
-  if (source.qualified || indices.empty()) {
-    return source.indices;
-  }
+  if (source.qualified || indices.empty()) return source.indices;
   return sharedIndices(evaluated, indices, source.parm->parm);
 }
 
 // What a name stands for whose value, or whose P's value, is `value`. A figure that the value does
 // not have leaves the name undefined.
 Operand figureOrValue(const vidFigure_t* figure, const Operand& value) {
-  if (figure == nullptr) {
-    return value;
-  }
+  if (figure == nullptr) return value;
   const std::optional<uint32_t> number = vidStdFigure(value.text, *figure);
   return number ? Operand{OPERAND_NUMBER, static_cast<int32_t>(*number), {}} : Operand{};
 }
@@ -47,9 +43,7 @@ Situation gatherFrom(const VariableSources& sources, size_t slots, const StagedV
 IndexTuple sharedIndices(const ParmDef& evaluated, const IndexTuple& indices,
                          const ParmDef& referenced) {
   const std::vector<const IndexDef*>& own = evaluated.indices();
-  if (referenced.indices() == own) {
-    return own.empty() ? IndexTuple{} : indices;
-  }
+  if (referenced.indices() == own) return own.empty() ? IndexTuple{} : indices;
   IndexTuple shared;
   for (const IndexDef* index : referenced.indices()) {
     const auto position =
@@ -79,9 +73,7 @@ Situation gather(const IndexEntry& entry, const ParmEntry& evaluated, const Inde
       [&](const VariableSource& source) { return sourceIndices(source, evaluated.parm, indices); });
   for (uint32_t slot = 0; slot < entry.sources.size(); ++slot) {
     const VariableSource& source = entry.sources[slot];
-    if (source.parm != nullptr || source.figure != nullptr) {
-      continue;
-    }
+    if (source.parm != nullptr || source.figure != nullptr) continue;
     // An index, maybe one of the parameter's.
     const std::optional<uint32_t> bound = evaluated.parm.variables().find(source.name);
     if (bound && own[*bound].kind != OPERAND_INVALID) {

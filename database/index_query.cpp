@@ -107,17 +107,13 @@ std::vector<std::string> validIndices(Database& database, const StagedValues& st
 int indexRange(Database& database, const StagedValues& staged, const std::string& name,
                std::vector<std::string>& texts, Spans& spans) {
   const IndexEntry* entry = database.findIndexEntry(name);
-  if (entry == nullptr) {
-    return INDEX_RANGE_NO_INDEX;
-  }
+  if (entry == nullptr) return INDEX_RANGE_NO_INDEX;
   const IndexDef& index = *entry->index;
   Work::spendOn(index.name());
   // What applies is worked out to find the ends of runs, for the numbers and for the texts.
   Work::add(3 * index.situationWork());
   const Situation situation = gather(*entry, staged);
-  if (!index.isValid(situation)) {
-    return INDEX_RANGE_NOT_VALID;
-  }
+  if (!index.isValid(situation)) return INDEX_RANGE_NOT_VALID;
   spans = acceptedNumbers(index, situation);
   size_t bytes = bytesOf(spans);
   BoundsCheck check(index, situation);
@@ -127,9 +123,7 @@ int indexRange(Database& database, const StagedValues& staged, const std::string
       texts.push_back(text);
       bytes += text.size();
     }
-    if (bytes > MAX_QUERY_BYTES) {
-      return INDEX_RANGE_TOO_LARGE;
-    }
+    if (bytes > MAX_QUERY_BYTES) return INDEX_RANGE_TOO_LARGE;
   }
   return bytes > MAX_QUERY_BYTES ? INDEX_RANGE_TOO_LARGE : INDEX_RANGE_FOUND;
 }

@@ -12,9 +12,7 @@ PresentIndex& IndexSituations::at(const ParmEntry& parm, const IndexTuple& indic
     return ofInstance_.emplace(*entry.index, gather(entry, parm, indices, own, staged_));
   }
   std::optional<PresentIndex>& shared = shared_[&entry];
-  if (shared) {
-    return *shared;
-  }
+  if (shared) return *shared;
   Work::add(entry.index->situationWork());
   return shared.emplace(*entry.index, gather(entry, staged_));
 }

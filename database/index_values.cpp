@@ -35,9 +35,7 @@ bool hasInstances(const ParmDef& parm) {
 bool advance(std::vector<size_t>& places,
              const std::vector<const std::vector<std::string>*>& values) {
   for (size_t i = places.size(); i-- > 0;) {
-    if (++places[i] < values[i]->size()) {
-      return true;
-    }
+    if (++places[i] < values[i]->size()) return true;
     places[i] = 0;
   }
   return false;
@@ -53,18 +51,12 @@ const std::vector<std::string>& indexValues(IndexEntry& index) {
 }
 
 uint64_t countInstances(const ParmDef& parm) {
-  if (parm.indices().empty()) {
-    return 1;
-  }
+  if (parm.indices().empty()) return 1;
   // First: one index without values outweighs all the others.
-  if (!hasInstances(parm)) {
-    return 0;
-  }
+  if (!hasInstances(parm)) return 0;
   uint64_t count = 1;
   for (const IndexDef* index : parm.indices()) {
-    if (__builtin_mul_overflow(count, countValues(index->baseBounds()), &count)) {
-      return UINT64_MAX;
-    }
+    if (__builtin_mul_overflow(count, countValues(index->baseBounds()), &count)) return UINT64_MAX;
   }
   return count;
 }
@@ -76,9 +68,7 @@ void forEachInstance(Database& database, const ParmDef& parm,
     return;
   }
   // The values of an index are many, and they are not worked out for nothing.
-  if (!hasInstances(parm)) {
-    return;
-  }
+  if (!hasInstances(parm)) return;
   std::vector<const std::vector<std::string>*> values;
   for (const IndexDef* index : parm.indices()) {
     values.push_back(&indexValues(*database.findIndexEntry(index->name())));

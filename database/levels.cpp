@@ -23,9 +23,7 @@ class Graph {
  public:
   Graph(const DependentsGraph& dependents, const std::vector<Bundle>& bundles)
       : dependents_(dependents), bundles_(bundles) {
-    if (bundles.empty()) {
-      return;
-    }
+    if (bundles.empty()) return;
     naming_.resize(dependents.size());
     holding_.resize(dependents.size());
     for (uint32_t number = 0; number < bundles.size(); ++number) {
@@ -55,20 +53,14 @@ class Graph {
   // The node to which the edge `number` from a node leads, or nothing.
   [[nodiscard]] std::optional<uint32_t> next(uint32_t node, size_t number) const {
     const Nodes& own = isBundle(node) ? bundleOf(node).dependents : dependents_[node];
-    if (number < own.size()) {
-      return own[number];
-    }
-    if (isBundle(node) || number - own.size() >= naming(node).size()) {
-      return std::nullopt;
-    }
+    if (number < own.size()) return own[number];
+    if (isBundle(node) || number - own.size() >= naming(node).size()) return std::nullopt;
     return nodeOf(naming(node)[number - own.size()]);
   }
 
   // Whether `node` depends on `name`.
   [[nodiscard]] bool depends(uint32_t node, uint32_t name) const {
-    if (contains(dependents_[name], node)) {
-      return true;
-    }
+    if (contains(dependents_[name], node)) return true;
     const Nodes* few = &naming(name);
     const Nodes* many = &holding(node);
     if (few->size() > many->size()) {
@@ -344,9 +336,7 @@ class Descent {
     const auto look = [&](const Nodes& names, uint32_t dependent) {
       for (const uint32_t name : names) {
         const Edge edge{name, dependent};
-        if (first.comesBefore(edge)) {
-          return;
-        }
+        if (first.comesBefore(edge)) return;
         if (group_[name] != group_[dependent] || !graph_.depends(name, dependent)) {
           first = edge;
           return;

@@ -127,9 +127,7 @@ std::optional<Levels> bruteForceLevels(const DependentsGraph& graph) {
         }
       }
     }
-    if (next == levels) {
-      return levels;
-    }
+    if (next == levels) return levels;
     levels = next;
   }
   return std::nullopt;

@@ -85,9 +85,7 @@ std::vector<ParmEntry*> dependentsOf(Database& database, std::vector<ParmEntry*>
     const ParmEntry& parm = *open.back();
     open.pop_back();
     reach(parm.dependents);
-    if (!parm.isNamedByIndices) {
-      continue;
-    }
+    if (!parm.isNamedByIndices) continue;
     for (IndexEntry* index : parm.indices->naming) {
       if (std::exchange(index->walk, walk) != walk) {
         reach(index->dependents);

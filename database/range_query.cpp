@@ -83,9 +83,7 @@ int evaluatePlan(std::span<const PlanStep> plan, IndexSituations& situations) {
 // Evaluates the target itself, this time with a refusal logged, and takes its range.
 int rangeOfTarget(StagedEntry& target, IndexSituations& situations, BoundsParm& out) {
   target.generated = false;
-  if (evaluateEntry(target, situations) != RANGE_FOUND) {
-    return RANGE_REFUSED;
-  }
+  if (evaluateEntry(target, situations) != RANGE_FOUND) return RANGE_REFUSED;
   const ParmDef& parm = target.parm->parm;
   Situation situation = gather(*target.parm, target.indices, situations.staged());
   for (size_t i = 0; i < target.indices.size(); ++i) {

@@ -34,9 +34,7 @@ class RangeQueryTest : public testing::Test {
   std::string range(std::string_view name) {
     BoundsParm bounds;
     const int code = queryRange(database_, transaction_.staged(), name, bounds);
-    if (code != RANGE_FOUND) {
-      return "code " + std::to_string(code);
-    }
+    if (code != RANGE_FOUND) return "code " + std::to_string(code);
     std::string out;
     for (const Span& span : bounds.integers().spans()) {
       out += std::to_string(span.first) + ".." + std::to_string(span.second) + " ";

@@ -67,9 +67,7 @@ std::optional<uint32_t> StagedValues::positionOf(const ParmEntry& parm, const In
 const StagedEntry* StagedValues::find(const ParmEntry& parm, const IndexTuple& indices) const {
   if (!entries_.empty()) {
     const std::optional<uint32_t> here = positionOf(parm, indices, hashOf(parm, indices));
-    if (here) {
-      return &entries_[*here];
-    }
+    if (here) return &entries_[*here];
   }
   return below_ == nullptr ? nullptr : below_->find(parm, indices);
 }
@@ -122,9 +120,7 @@ std::vector<StagedEntry*> StagedValues::inNameOrder() {
 
 bool StagedValues::hasResets() const {
   for (size_t i = 0; i < entries_.size(); ++i) {
-    if (entries_[i].reset) {
-      return true;
-    }
+    if (entries_[i].reset) return true;
   }
   return false;
 }
@@ -149,9 +145,7 @@ void StagedValues::clear() {
 
 Operand StagedValues::value(const ParmEntry& parm, const IndexTuple& indices) const {
   const StagedEntry* staged = find(parm, indices);
-  if (staged != nullptr) {
-    return staged->value.operand();
-  }
+  if (staged != nullptr) return staged->value.operand();
   const CommittedValue* committed = parm.parm.committed(indices);
   return committed == nullptr ? operandOf("") : committed->value.operand();
 }

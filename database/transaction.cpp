@@ -6,12 +6,8 @@
 int Transaction::set(std::string_view name, const std::string& value, bool status) {
   Work::add(stagingWork(name, value));
   StagedEntry* entry = stage(name);
-  if (entry == nullptr) {
-    return STAGE_INVALID_NAME;
-  }
-  if (!entry->parm->parm.checkBase(value)) {
-    return STAGE_INVALID_VALUE;
-  }
+  if (entry == nullptr) return STAGE_INVALID_NAME;
+  if (!entry->parm->parm.checkBase(value)) return STAGE_INVALID_VALUE;
   entry->reset = false;
   entry->status = status;
   entry->value.set(value);
@@ -21,22 +17,16 @@ int Transaction::set(std::string_view name, const std::string& value, bool statu
 int Transaction::reset(std::string_view name, bool status) {
   Work::add(stagingWork(name, {}));
   StagedEntry* entry = stage(name);
-  if (entry == nullptr) {
-    return STAGE_INVALID_NAME;
-  }
+  if (entry == nullptr) return STAGE_INVALID_NAME;
   entry->reset = true;
   entry->status = status;
   return STAGE_DONE;
 }
 
 int Transaction::get(std::string_view name, std::string& value) const {
-  if (name == THIS_VALUE) {
-    return 2;
-  }
+  if (name == THIS_VALUE) return 2;
   const std::string* const found = find(name);
-  if (found == nullptr) {
-    return 1;
-  }
+  if (found == nullptr) return 1;
   value = *found;
   return 0;
 }
@@ -45,13 +35,9 @@ const std::string* Transaction::find(std::string_view name) const { return find(
 
 const std::string* Transaction::find(const PreparedName& name) const {
   Work::add(WORK_PER_REQUEST + name.name.size());
-  if (name.name == THIS_VALUE || hasTooLongPart(name.name)) {
-    return nullptr;
-  }
+  if (name.name == THIS_VALUE || hasTooLongPart(name.name)) return nullptr;
   const ParmEntry* const parm = database_.findParm(name.base, name.hash);
-  if (parm == nullptr) {
-    return database_.findConstant(name.name);
-  }
+  if (parm == nullptr) return database_.findConstant(name.name);
   const bool isBare = name.base.size() == name.name.size();
   return &staged_.text(*parm, isBare ? IndexTuple{} : splitName(name.name).indices);
 }
@@ -76,9 +62,7 @@ int Transactions::useId(uint32_t& id) {
   const uint32_t start = nextId_;
   do {
     id = nextId_++;
-    if (!open_.contains(id)) {
-      return 0;
-    }
+    if (!open_.contains(id)) return 0;
   } while (nextId_ != start);
   return 1;
 }

@@ -32,9 +32,7 @@ std::vector<std::filesystem::path> textsIn(const std::string& folder) {
 
 std::vector<std::string> constantsOf(const std::string& text) {
   const std::string mark = "# constants: ";
-  if (!text.starts_with(mark)) {
-    return {};
-  }
+  if (!text.starts_with(mark)) return {};
   std::istringstream words(text.substr(mark.size(), text.find('\n') - mark.size()));
   return {std::istream_iterator<std::string>(words), std::istream_iterator<std::string>()};
 }

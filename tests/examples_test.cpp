@@ -115,9 +115,7 @@ class FrameSynchroniserExample : public ServiceTest,
   // The values that an index can have now.
   std::vector<std::string> indexValues(const std::string& index) {
     const Reply reply = client().call("get_idx_range", g_variant_new("(us)", 0U, index.c_str()));
-    if (reply.value == nullptr) {
-      return {};
-    }
+    if (reply.value == nullptr) return {};
     std::vector<std::string> values =
         textsOf(VariantPointer(g_variant_get_child_value(reply.value.get(), 0)).get());
     for (const auto& [low, high] : spansOf(*reply.value)) {
@@ -201,12 +199,8 @@ class FrameSynchroniserExample : public ServiceTest,
     const std::vector<std::string> texts =
         textsOf(VariantPointer(g_variant_get_child_value(&range, 0)).get());
     const std::vector<std::pair<int, int>> spans = spansOf(range);
-    if (texts.empty() && spans.empty()) {
-      return true;
-    }
-    if (std::find(texts.begin(), texts.end(), text) != texts.end()) {
-      return true;
-    }
+    if (texts.empty() && spans.empty()) return true;
+    if (std::find(texts.begin(), texts.end(), text) != texts.end()) return true;
     const int number = std::stoi(text);
     return std::any_of(spans.begin(), spans.end(), [&](const std::pair<int, int>& span) {
       return span.first <= number && number <= span.second;

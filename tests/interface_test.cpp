@@ -16,9 +16,7 @@ DocumentPointer introspect(const Client& client, const char* path) {
       client.connection(), INTERFACE_NAME, path, "org.freedesktop.DBus.Introspectable",
       "Introspect", nullptr, G_VARIANT_TYPE("(s)"), G_DBUS_CALL_FLAGS_NONE, PATIENCE * 1000,
       nullptr, nullptr));
-  if (reply == nullptr) {
-    return nullptr;
-  }
+  if (reply == nullptr) return nullptr;
   const gchar* text = nullptr;
   g_variant_get(reply.get(), "(&s)", &text);
   return DocumentPointer(g_dbus_node_info_new_for_xml(text, nullptr));

@@ -49,9 +49,7 @@ bool Constraints::apply() const {
 int Constraints::correct(std::string& value) const {
   if (!parm_.constraintRules().empty()) {
     const int result = correctByRules(value);
-    if (result != 0) {
-      return result;
-    }
+    if (result != 0) return result;
   }
   if (ranges_.hasComputed()) {
     parm_.translateTwice(value);
@@ -66,9 +64,7 @@ int Constraints::correctByRules(std::string& value) const {
   situation.bind(value);
   bool changed = false;
   for (const ConstraintRule& rule : parm_.constraintRules()) {
-    if (!situation.violates(rule)) {
-      continue;
-    }
+    if (!situation.violates(rule)) continue;
     const Value correction = situation.correction(rule);
     if (!correction.valid()) {
       value.clear();

@@ -76,9 +76,7 @@ bool IndexDef::isValid(const SituationView& situation) const {
 }
 
 void IndexDef::translate(std::string& value) const {
-  if (translations().empty()) {
-    return;
-  }
+  if (translations().empty()) return;
   const auto found = translations().find(value);
   if (found != translations().end()) {
     value = found->second;
@@ -94,12 +92,8 @@ bool checkValue(const IndexDef& definition, std::string& value, const SituationV
                 bool fix) {
   definition.translateTwice(value);
   const bool inBase = definition.baseBounds().check(value, true);
-  if (!inBase && !fix) {
-    return false;
-  }
-  if (definition.conditionalBounds().empty()) {
-    return inBase;
-  }
+  if (!inBase && !fix) return false;
+  if (definition.conditionalBounds().empty()) return inBase;
   const PresentBounds bounds(definition.conditionalBounds(), situation, UNUSABLE_ACCEPTS);
   return bounds.judge(value) && inBase;
 }

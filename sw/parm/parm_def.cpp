@@ -81,9 +81,7 @@ int ParmDef::defaultValue(std::string& value, const IndexTuple& indices,
   }
   for (const ConditionalDefault& candidate : defaults_.all()) {
     Work::add(candidate.condition.work() + candidate.value.work());
-    if (!candidate.condition.isTrue(situation)) {
-      continue;
-    }
+    if (!candidate.condition.isTrue(situation)) continue;
     const Value result = candidate.value.evaluate(situation);
     if (result.valid()) {
       value = result.asText();
@@ -98,12 +96,8 @@ int ParmDef::range(BoundsParm& out, const SituationView& situation) const {
   for (const auto& list : {std::span(documentedRanges_.get()), conditionalBounds()}) {
     Work::add(workOf(list));
     for (const ConditionalBounds& candidate : list) {
-      if (!candidate.condition.isTrue(situation)) {
-        continue;
-      }
-      if (candidate.computed != nullptr) {
-        return candidate.computed->evaluate(out, situation);
-      }
+      if (!candidate.condition.isTrue(situation)) continue;
+      if (candidate.computed != nullptr) return candidate.computed->evaluate(out, situation);
       out = *candidate.constant;
       return 0;
     }
@@ -120,9 +114,7 @@ void ParmDef::bindIndex(Situation& situation, size_t position, std::string_view 
 }
 
 const CommittedValue* ParmDef::committed(const IndexTuple& indices) const {
-  if (indices.empty() && this->indices().empty()) {
-    return &single_;
-  }
+  if (indices.empty() && this->indices().empty()) return &single_;
   const std::optional<uint32_t> found = indexing_->suffixes.find(indexSuffix(indices));
   return found ? &indexing_->values[*found] : nullptr;
 }
@@ -132,13 +124,9 @@ CommittedValue* ParmDef::committed(const IndexTuple& indices) {
 }
 
 CommittedValue* ParmDef::committed(const IndexTuple& indices, size_t number) {
-  if (indices.empty()) {
-    return committed(indices);
-  }
+  if (indices.empty()) return committed(indices);
   std::vector<CommittedValue*>& numbered = indexing_.change().numbered;
-  if (number < numbered.size() && numbered[number] != nullptr) {
-    return numbered[number];
-  }
+  if (number < numbered.size() && numbered[number] != nullptr) return numbered[number];
   CommittedValue* const found = committed(indices);
   if (found != nullptr) {
     numbered.resize(std::max(numbered.size(), number + 1));
@@ -158,9 +146,7 @@ void ParmDef::store(const IndexTuple& indices, const std::string& value) {
 }
 
 CommittedValue& ParmDef::stored(const IndexTuple& indices) {
-  if (indices.empty() && this->indices().empty()) {
-    return single_;
-  }
+  if (indices.empty() && this->indices().empty()) return single_;
   const std::string suffix = indexSuffix(indices);
   Indexing& indexing = indexing_.change();
   if (const std::optional<uint32_t> known = indexing.suffixes.find(suffix)) {

@@ -11,9 +11,7 @@ ParmName splitName(std::string_view name) {
   size_t open = name.find('[');
   while (open != std::string_view::npos) {
     const size_t close = name.find(']', open + 1);
-    if (close == std::string_view::npos) {
-      break;
-    }
+    if (close == std::string_view::npos) break;
     parts.indices.emplace_back(name.substr(open + 1, close - open - 1));
     open = name.find('[', close + 1);
   }

@@ -17,9 +17,7 @@ PresentBounds::PresentBounds(std::span<const ConditionalBounds> bounds,
       bounds.begin(), bounds.end(),
       [](const ConditionalBounds& candidate) { return candidate.computed != nullptr; })));
   for (const ConditionalBounds& candidate : bounds) {
-    if (!candidate.condition.isTrue(situation)) {
-      continue;
-    }
+    if (!candidate.condition.isTrue(situation)) continue;
     if (candidate.computed == nullptr) {
       applying_.push_back(candidate.constant);
       continue;
@@ -34,13 +32,9 @@ PresentBounds::PresentBounds(std::span<const ConditionalBounds> bounds,
 }
 
 bool PresentBounds::judge(std::string& value) const {
-  if (applying_.empty()) {
-    return false;
-  }
+  if (applying_.empty()) return false;
   std::string corrected = value;
-  if (applying_.front()->check(corrected, true)) {
-    return true;
-  }
+  if (applying_.front()->check(corrected, true)) return true;
   const bool accepted =
       std::any_of(applying_.begin() + 1, applying_.end(),
                   [&](const BoundsParm* bounds) { return bounds->check(value, false); });
@@ -52,12 +46,8 @@ bool PresentBounds::judge(std::string& value) const {
 
 bool BoundsCheck::accepts(std::string value) {
   definition_.translateTwice(value);
-  if (!definition_.baseBounds().check(value, true)) {
-    return false;
-  }
-  if (definition_.conditionalBounds().empty()) {
-    return true;
-  }
+  if (!definition_.baseBounds().check(value, true)) return false;
+  if (definition_.conditionalBounds().empty()) return true;
   if (!present_) {
     present_.emplace(definition_.conditionalBounds(), situation_, UNUSABLE_ACCEPTS);
   }

@@ -96,9 +96,7 @@ setOutcome_t refuseIndices(const Setting& set, std::string& value, const IndexFa
 // bounds an error: without them the correction has brought it in.
 bool correctByBounds(const ParmDef& parm, std::string& value, const Situation& situation) {
   static_cast<void>(checkValue(parm, value, situation, true));
-  if (parm.conditionalBounds().empty() || parm.checkBase(value)) {
-    return true;
-  }
+  if (parm.conditionalBounds().empty() || parm.checkBase(value)) return true;
   logSetError(parm, "Invalid value " + quoted(value));
   return false;
 }
@@ -120,9 +118,7 @@ int correctByConstraints(const Setting& set, std::string& value, const Constrain
 int correct(const Setting& set, std::string& value) {
   if (set.parm.hasConstraints()) {
     const Constraints constraints(set.parm, set.situation);
-    if (constraints.apply()) {
-      return correctByConstraints(set, value, constraints);
-    }
+    if (constraints.apply()) return correctByConstraints(set, value, constraints);
   }
   return correctByBounds(set.parm, value, set.situation) ? SET_STORED : SET_INVALID_VALUE;
 }
@@ -131,24 +127,16 @@ int correct(const Setting& set, std::string& value) {
 
 setOutcome_t setValue(ParmDef& parm, std::string& value, const IndexTuple& indices,
                       Situation situation, PresentIndices& present, setMode_t mode) {
-  if (parm.mode() == MODE_NEVER || !parm.isValid(situation)) {
-    return refuse(value, SET_NOT_STORED);
-  }
+  if (parm.mode() == MODE_NEVER || !parm.isValid(situation)) return refuse(value, SET_NOT_STORED);
   const Setting set{parm, situation, present};
   IndexFault fault;
   if (!bindIndices(set, indices, mode.held != nullptr, mode.quietIndices ? nullptr : &fault)) {
     return mode.quietIndices ? refuse(value, SET_INVALID_INDEX) : refuseIndices(set, value, fault);
   }
-  if (!mode.force && parm.isReadOnly(situation)) {
-    return refuse(value, SET_NOT_STORED);
-  }
+  if (!mode.force && parm.isReadOnly(situation)) return refuse(value, SET_NOT_STORED);
   const int result = correct(set, value);
-  if (result == SET_RULE_FAILS) {
-    return {result, false};
-  }
-  if (result != SET_STORED) {
-    return refuse(value, result);
-  }
+  if (result == SET_RULE_FAILS) return {result, false};
+  if (result != SET_STORED) return refuse(value, result);
   CommittedValue* held = nullptr;
   if (!mode.dryRun) {
     held = mode.held != nullptr ? mode.held : &parm.stored(indices);

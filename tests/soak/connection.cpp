@@ -114,14 +114,10 @@ std::vector<std::string> textsOf(DBusMessage* message) {
 
 // Nothing for what the bus itself tells.
 std::optional<Incoming> incoming(DBusMessage* message) {
-  if (dbus_message_has_sender(message, DBUS_SERVICE_DBUS) != 0) {
-    return std::nullopt;
-  }
+  if (dbus_message_has_sender(message, DBUS_SERVICE_DBUS) != 0) return std::nullopt;
   const int type = dbus_message_get_type(message);
   if (type == DBUS_MESSAGE_TYPE_SIGNAL) {
-    if (!dbus_message_has_interface(message, INTERFACE_NAME)) {
-      return std::nullopt;
-    }
+    if (!dbus_message_has_interface(message, INTERFACE_NAME)) return std::nullopt;
     return Incoming{.isSignal = true, .texts = textsOf(message)};
   }
   return Incoming{

@@ -52,9 +52,7 @@ bool Crew::makeFromLoad(uint64_t calls) {
   const uint64_t upTo = calls_ + calls;
   while (calls_ < upTo) {
     fill(upTo);
-    if (!waitForMessages()) {
-      return false;
-    }
+    if (!waitForMessages()) return false;
   }
   return waitForAnswers();
 }
@@ -69,9 +67,7 @@ void Crew::fill(uint64_t upTo) {
   for (const std::unique_ptr<Member>& member : members_) {
     while (calls_ < upTo && member->sent.size() < IN_FLIGHT) {
       const std::optional<Call> call = member->load.next();
-      if (!call) {
-        break;
-      }
+      if (!call) break;
       send(*member, *call);
     }
   }
@@ -85,9 +81,7 @@ bool Crew::isQuiet() const {
 
 bool Crew::waitForAnswers() {
   while (!isQuiet()) {
-    if (!waitForMessages()) {
-      return false;
-    }
+    if (!waitForMessages()) return false;
   }
   return true;
 }
@@ -101,9 +95,7 @@ bool Crew::waitForMessages() {
   for (const std::unique_ptr<Member>& member : members_) {
     all.push_back(waiting(member->connection));
   }
-  if (poll(all.data(), all.size(), PATIENCE * 1000) <= 0) {
-    return false;
-  }
+  if (poll(all.data(), all.size(), PATIENCE * 1000) <= 0) return false;
   for (const Incoming& incoming : observer_.exchange()) {
     observe(incoming);
   }
@@ -198,9 +190,7 @@ void Crew::checkAtRest(const std::vector<std::string>& logLines) {
 }
 
 void Crew::expect(const std::string& what, const std::string& expected, const std::string& got) {
-  if (expected == got) {
-    return;
-  }
+  if (expected == got) return;
   if (++wrong_ <= MOST_SHOWN) {
     printf("WRONG: %s\n  expected %s\n  got      %s\n", what.c_str(), expected.c_str(),
            got.c_str());

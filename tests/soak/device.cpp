@@ -31,9 +31,7 @@ std::optional<Standard> standardOf(const std::string& value) {
       {"1920x1080/50/P", 1920, 1080, 50, std::nullopt},
   };
   for (const Standard& standard : STANDARDS) {
-    if (value.starts_with(standard.name)) {
-      return standard;
-    }
+    if (value.starts_with(standard.name)) return standard;
   }
   return std::nullopt;
 }
@@ -45,9 +43,7 @@ int number(const See& see, const std::string& name) {
 }
 
 Statement computed(int low, int high) {
-  if (low > high) {
-    return {true, UPSIDE_DOWN};
-  }
+  if (low > high) return {true, UPSIDE_DOWN};
   return {true, 0, {{{low, high}}, {}}};
 }
 
@@ -186,9 +182,7 @@ void addDelay(std::map<std::string, Parm>& parms) {
 
 std::vector<Statement> wipeStatements(const See& see, const Indices& /*at*/) {
   const std::optional<Standard> standard = standardOf(see("source"));
-  if (!standard) {
-    return {};
-  }
+  if (!standard) return {};
   std::vector<Statement> statements;
   if (standard->frames > 25) {
     statements.push_back(standard->allLines ? computed(0, *standard->allLines / 2)
@@ -211,12 +205,8 @@ void addSource(std::map<std::string, Parm>& parms) {
 
 std::vector<Statement> gainStatements(const See& see, const Indices& /*at*/) {
   const std::string sound = see("sound");
-  if (sound == "stereo") {
-    return {fixed({{{0, 40}, {60, 100}}, {}})};
-  }
-  if (sound == "mono") {
-    return {fixed({{{0, 50}}, {}})};
-  }
+  if (sound == "stereo") return {fixed({{{0, 40}, {60, 100}}, {}})};
+  if (sound == "mono") return {fixed({{{0, 50}}, {}})};
   return {};
 }
 
@@ -287,9 +277,7 @@ void addStatus(std::map<std::string, Parm>& parms) {
 
 std::vector<Statement> chainStatements(const See& see, const Indices& /*at*/) {
   const int b = number(see, "b");
-  if (b > 60) {
-    return {computed(0, b)};
-  }
+  if (b > 60) return {computed(0, b)};
   return {{true, 0, {{{100, 100 + number(see, "a")}}, {"auto"}}}};
 }
 
@@ -339,9 +327,7 @@ void addOddities(std::map<std::string, Parm>& parms) {
                      .constant = {{{0, 200}}, {}},
                      .kind = WITH_RUN_TIME,
                      .statements = [](const See& see, const Indices&) -> std::vector<Statement> {
-                       if (number(see, "low") < 10) {
-                         return {};
-                       }
+                       if (number(see, "low") < 10) return {};
                        return {computed(number(see, "low"), number(see, "high"))};
                      },
                      .fallback = always("150")};
@@ -352,9 +338,7 @@ void addOddities(std::map<std::string, Parm>& parms) {
                    .constant = {{{1, 8}, {32, 64}}, {}},
                    .kind = WITH_CONDITIONS,
                    .statements = [](const See& see, const Indices&) -> std::vector<Statement> {
-                     if (number(see, "page") == 3) {
-                       return {fixed({{{20, 30}}, {}})};
-                     }
+                     if (number(see, "page") == 3) return {fixed({{{20, 30}}, {}})};
                      return {fixed({{{1, 8}, {32, 40}}, {}})};
                    },
                    .fallback = always("1")};
@@ -391,8 +375,6 @@ std::optional<Range> presentValues(const std::string& index, const See& see) {
     return Range{{{1, channels == 0 ? 4 : channels}}, {}};
   }
   const std::string sound = see("sound");
-  if (sound == "off") {
-    return std::nullopt;
-  }
+  if (sound == "off") return std::nullopt;
   return sound == "mono" ? Range{{}, {"left"}} : constantValues(index);
 }

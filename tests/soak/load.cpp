@@ -122,9 +122,7 @@ constexpr std::array WEIGHTS = {Weight{"get", 10},
 
 const char* methodAt(uint32_t place) {
   for (const Weight& weight : WEIGHTS) {
-    if (place < weight.weight) {
-      return weight.method;
-    }
+    if (place < weight.weight) return weight.method;
     place -= weight.weight;
   }
   return WEIGHTS.front().method;
@@ -208,9 +206,7 @@ Call Load::named(const std::string& method) {
 }
 
 std::optional<Call> Load::next() {
-  if (isStarting_) {
-    return std::nullopt;
-  }
+  if (isStarting_) return std::nullopt;
   const std::string method = open_.empty() ? "start" : methodAt(below(totalWeight()));
   if (method == "start" && open_.size() < MOST_OPEN) {
     isStarting_ = true;

@@ -98,26 +98,18 @@ std::vector<Indices> instancesOf(const Parm& parm) {
 
 // Whether the instance can exist at all, whatever the situation.
 bool fits(const Parm& parm, const Indices& at) {
-  if (at.size() != parm.indices.size()) {
-    return false;
-  }
+  if (at.size() != parm.indices.size()) return false;
   for (size_t i = 0; i < at.size(); ++i) {
-    if (!constantValues(parm.indices[i]).takesWithoutCorrection(at[i])) {
-      return false;
-    }
+    if (!constantValues(parm.indices[i]).takesWithoutCorrection(at[i])) return false;
   }
   return true;
 }
 
 bool existsNow(const Parm& parm, const Indices& at, const See& see) {
-  if (!fits(parm, at)) {
-    return false;
-  }
+  if (!fits(parm, at)) return false;
   for (size_t i = 0; i < at.size(); ++i) {
     const std::optional<Range> values = presentValues(parm.indices[i], see);
-    if (!values || !values->takesWithoutCorrection(at[i])) {
-      return false;
-    }
+    if (!values || !values->takesWithoutCorrection(at[i])) return false;
   }
   return true;
 }
@@ -142,13 +134,9 @@ std::set<std::string> dependencies(const Parm& parm, const Indices& at) {
 }
 
 std::string getDependencies(const std::string& name, const Parm* parm, const Indices& at) {
-  if (parm == nullptr) {
-    return failed("Get deps", "of invalid parameter name");
-  }
+  if (parm == nullptr) return failed("Get deps", "of invalid parameter name");
   const bool isBaseName = name.find('[') == std::string::npos;
-  if (!isBaseName && !fits(*parm, at)) {
-    return failed("Get deps", "of invalid parameter index");
-  }
+  if (!isBaseName && !fits(*parm, at)) return failed("Get deps", "of invalid parameter index");
   std::vector<std::string> items;
   for (const std::string& dependency : dependencies(*parm, at)) {
     items.push_back(quoted(dependency));
@@ -159,9 +147,7 @@ std::string getDependencies(const std::string& name, const Parm* parm, const Ind
 // Accepted by any, or corrected by the first.
 void bringInto(const std::vector<const Range*>& ranges, std::string& value) {
   std::string corrected = value;
-  if (ranges.empty() || ranges.front()->takes(corrected)) {
-    return;
-  }
+  if (ranges.empty() || ranges.front()->takes(corrected)) return;
   if (std::none_of(ranges.begin() + 1, ranges.end(),
                    [&](const Range* range) { return range->takesWithoutCorrection(value); })) {
     value = corrected;
@@ -288,13 +274,9 @@ Model::Instance Model::instanceOf(const std::string& name) {
 See Model::seeing(const Staged& staged) const {
   return [this, &staged](const std::string& name) -> std::string {
     const auto entry = staged.find(name);
-    if (entry != staged.end()) {
-      return entry->second.value;
-    }
+    if (entry != staged.end()) return entry->second.value;
     const auto value = committed_.find(name);
-    if (value != committed_.end()) {
-      return value->second;
-    }
+    if (value != committed_.end()) return value->second;
     return name == CONSTANT_NAME ? CONSTANT_VALUE : "";
   };
 }
@@ -311,26 +293,16 @@ Model::Entry& Model::stage(Staged& staged, const std::string& name, bool generat
 }
 
 std::string Model::serve(const Call& call, std::vector<std::string>& signal) {
-  if (call.method == "start") {
-    return start();
-  }
-  if (call.method == "end") {
-    return end(call.id);
-  }
-  if (call.method == "die") {
-    return "";
-  }
+  if (call.method == "start") return start();
+  if (call.method == "end") return end(call.id);
+  if (call.method == "die") return "";
   if (call.method == "get_deps") {
     const Instance instance = instanceOf(call.names[0]);
     return getDependencies(call.names[0], instance.parm, instance.at);
   }
-  if (call.method.starts_with("single_")) {
-    return serveSingle(call, signal);
-  }
+  if (call.method.starts_with("single_")) return serveSingle(call, signal);
   const auto transaction = open_.find(call.id);
-  if (transaction == open_.end()) {
-    return failed(familyOf(call.method), INVALID_ID);
-  }
+  if (transaction == open_.end()) return failed(familyOf(call.method), INVALID_ID);
   return serveIn(transaction->second, call.method, call, signal);
 }
 
@@ -349,15 +321,9 @@ std::string Model::serveSingle(const Call& call, std::vector<std::string>& signa
 std::string Model::serveIn(Staged& staged, const std::string& operation, const Call& call,
                            std::vector<std::string>& signal) {
   const bool status = operation.find("_status") != std::string::npos;
-  if (operation == "commit") {
-    return commit(staged, signal);
-  }
-  if (operation == "get") {
-    return quoted(seeing(staged)(call.names[0]));
-  }
-  if (operation == "get_bulk") {
-    return getAll(staged, call);
-  }
+  if (operation == "commit") return commit(staged, signal);
+  if (operation == "get") return quoted(seeing(staged)(call.names[0]));
+  if (operation == "get_bulk") return getAll(staged, call);
   if (operation == "is_valid" || operation == "check_set") {
     const Instance instance = instanceOf(call.names[0]);
     const bool valid = instance.parm != nullptr && isAcceptable(*instance.parm, call.values[0]);
@@ -366,18 +332,10 @@ std::string Model::serveIn(Staged& staged, const std::string& operation, const C
     }
     return valid ? "true" : "false";
   }
-  if (operation.starts_with("set")) {
-    return setAll(staged, call, status);
-  }
-  if (operation.starts_with("reset")) {
-    return resetAll(staged, call, status);
-  }
-  if (operation == "get_range") {
-    return rangeAnswer(staged, call.names[0]);
-  }
-  if (operation == "get_range_bulk") {
-    return rangesAnswer(staged, call.names);
-  }
+  if (operation.starts_with("set")) return setAll(staged, call, status);
+  if (operation.starts_with("reset")) return resetAll(staged, call, status);
+  if (operation == "get_range") return rangeAnswer(staged, call.names[0]);
+  if (operation == "get_range_bulk") return rangesAnswer(staged, call.names);
   return operation == "get_parm_idx" ? indices(staged, call.names[0])
                                      : indexRange(staged, call.names[0]);
 }
@@ -426,13 +384,9 @@ std::string Model::set(Staged& staged, const std::string& name, const std::strin
                        bool status) const {
   const std::string family = status ? "Set status" : "Set";
   const Parm* parm = instanceOf(name).parm;
-  if (parm == nullptr) {
-    return failed(family, "parameter name is invalid");
-  }
+  if (parm == nullptr) return failed(family, "parameter name is invalid");
   Entry& entry = stage(staged, name, false);
-  if (!isAcceptable(*parm, value)) {
-    return failed(family, "parameter value is invalid");
-  }
+  if (!isAcceptable(*parm, value)) return failed(family, "parameter value is invalid");
   entry.reset = false;
   entry.force = status;
   entry.value = value;
@@ -442,15 +396,9 @@ std::string Model::set(Staged& staged, const std::string& name, const std::strin
 Model::verdict_t Model::judge(const Instance& instance, std::string& value, bool force,
                               const See& see) {
   const Parm& parm = *instance.parm;
-  if (parm.exists && !parm.exists(see)) {
-    return PASSED_OVER;
-  }
-  if (!existsNow(parm, instance.at, see)) {
-    return NO_INSTANCE;
-  }
-  if (!force && isReadOnly(parm, instance.at, see)) {
-    return PASSED_OVER;
-  }
+  if (parm.exists && !parm.exists(see)) return PASSED_OVER;
+  if (!existsNow(parm, instance.at, see)) return NO_INSTANCE;
+  if (!force && isReadOnly(parm, instance.at, see)) return PASSED_OVER;
   return correct(parm, statementsOf(parm, instance.at, see), value) ? STORED : REFUSED;
 }
 
@@ -509,9 +457,7 @@ Model::Plan Model::planCommit(Staged& staged) const {
 std::string Model::refusalCode(verdict_t verdict) { return verdict == NO_INSTANCE ? "-3" : "-2"; }
 
 bool Model::isReported(const Step& step, access_t access, const std::string& before) {
-  if (access == ACCESS_ROSTRICT) {
-    return false;
-  }
+  if (access == ACCESS_ROSTRICT) return false;
   const bool isFirst = announced_.insert(step.name).second;
   return isFirst || access == ACCESS_WO || get(step.name) != before;
 }
@@ -601,17 +547,13 @@ int Model::presentRange(const Instance& instance, const See& see, Range& out) {
 
 int Model::range(Staged scratch, const std::string& name, Range& out) {
   const Instance target = instanceOf(name);
-  if (target.parm == nullptr || !fits(*target.parm, target.at)) {
-    return INVALID_NAME;
-  }
+  if (target.parm == nullptr || !fits(*target.parm, target.at)) return INVALID_NAME;
   std::set<std::string> names = dependencies(*target.parm, target.at);
   names.insert(name);
   const int planned = evaluateQuery(planQuery(scratch, names, target.parm->level), scratch);
   Entry& entry = stage(scratch, name, true);
   entry.generated = false;
-  if (isRefusal(evaluate(entry, name, scratch, false))) {
-    return NOT_IN_RANGE;
-  }
+  if (isRefusal(evaluate(entry, name, scratch, false))) return NOT_IN_RANGE;
   const int code = presentRange(target, seeing(scratch), out);
   return code != 0 ? code : planned;
 }
@@ -625,9 +567,7 @@ std::string Model::rangeAnswer(const Staged& staged, const std::string& name) {
 std::string Model::rangesAnswer(const Staged& staged, const std::vector<std::string>& names) {
   std::map<std::string, Range> ranges;
   for (const std::string& name : names) {
-    if (const int code = range(staged, name, ranges[name]); code != 0) {
-      return rangeFailure(code);
-    }
+    if (const int code = range(staged, name, ranges[name]); code != 0) return rangeFailure(code);
   }
   std::vector<std::string> texts;
   std::vector<std::string> spans;
@@ -639,9 +579,7 @@ std::string Model::rangesAnswer(const Staged& staged, const std::vector<std::str
 
 std::string Model::indices(const Staged& staged, const std::string& name) const {
   const Parm* parm = instanceOf(name).parm;
-  if (parm == nullptr) {
-    return failed("Get parm index", "parm not found");
-  }
+  if (parm == nullptr) return failed("Get parm index", "parm not found");
   std::vector<std::string> items;
   for (const std::string& index : parm->indices) {
     if (presentValues(index, seeing(staged))) {
@@ -652,9 +590,7 @@ std::string Model::indices(const Staged& staged, const std::string& name) const 
 }
 
 std::string Model::indexRange(const Staged& staged, const std::string& index) const {
-  if (index != "channel" && index != "side") {
-    return failed("Get index range", "index not found");
-  }
+  if (index != "channel" && index != "side") return failed("Get index range", "index not found");
   const std::optional<Range> values = presentValues(index, seeing(staged));
   return values ? writtenRange(*values) : failed("Get index range", "index is not valid");
 }

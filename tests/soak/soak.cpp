@@ -53,9 +53,7 @@ const std::array<ErrorKind, 7> ERROR_KINDS = {
 size_t kindOf(const std::string& message) {
   for (size_t kind = 0; kind + 1 < ERROR_KINDS.size(); ++kind) {
     for (const char* ending : ERROR_KINDS[kind].endings) {
-      if (message.ends_with(ending)) {
-        return kind;
-      }
+      if (message.ends_with(ending)) return kind;
     }
   }
   return ERROR_KINDS.size() - 1;
@@ -141,9 +139,7 @@ bool soak(Crew& crew, Daemon& daemon, uint64_t calls) {
 bool endsInOrder(Crew& crew, Daemon& daemon) {
   const bool isAnswered = crew.make({.method = "die"});
   const Ending ending = daemon.waitForEnd();
-  if (isAnswered && ending.status == 1 && ending.err.empty()) {
-    return true;
-  }
+  if (isAnswered && ending.status == 1 && ending.err.empty()) return true;
   printf("The daemon did not end in order: status %d, standard error:\n%s\n", ending.status,
          ending.err.c_str());
   return false;

@@ -175,6 +175,11 @@ TEST_F(BringUpTest, GivesWhatExistsItsDefaults) {
        "high rw { rangeValid { (low + 1)..9 } default { 4 } }\n"
        "low rw { rangeValid { 0..(high - 1) } default { 3 } }\n",
        {"high=4", "low=3"}},
+      // Both defaults are there before either is judged; one after the other, both would become 0.
+      {"limits of each other that begin at 0",
+       "a rw { rangeValid { 0..(b) } default { 5 } }\nb rw { rangeValid { 0..(a) } default { 7 } "
+       "}\n",
+       {"a=5", "b=5"}},
       {"defaults of each other, against the order of names",
        "a rw { default { (b + 1) } }\nb rw { rangeValid { 3..5 } rangeValid ( a < 0 ) { 4 } "
        "default { 3 } }\n",

@@ -3,9 +3,11 @@
 #include <csignal>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <set>
 #include <sstream>
 
+#include "tests/harness/bus_device.h"
 #include "tests/harness/deaf_client.h"
 #include "tests/harness/service_test.h"
 
@@ -86,24 +88,50 @@ TEST_F(SessionBusExample, TheLargestReplyArrives) {
   static_cast<void>(client().newSignals());
 }
 
-class FrameSynchroniserExample : public ServiceTest,
-                                 public testing::WithParamInterface<std::vector<std::string>> {
+// A model of the frame synchroniser, with the default of `embed_groups`.
+struct Model {
+  std::vector<std::string> constants;
+  std::string embedGroups;
+  /// What a device that is up holds nothing for: what has no default, and what this model, or the
+  /// standard by default, does not have.
+  std::vector<std::string> empty;
+};
+
+class FrameSynchroniserExample : public ServiceTest, public testing::WithParamInterface<Model> {
  protected:
   void SetUp() override {
-    const std::string text = exampleText("frame-synchroniser.ostrel");
-    serve(text, GetParam());
+    std::string text = exampleText("frame-synchroniser.ostrel");
+    const std::string range = "  rangeValid { 1..4 }\n  default { ";
+    const size_t place = text.find(range + "4 }");
+    ASSERT_NE(place, std::string::npos);
+    text.replace(place + range.size(), 1, GetParam().embedGroups);
+    serve(text, GetParam().constants);
+    device_.emplace(client());
+    readDefinitions(text);
+    EXPECT_GE(known_.parms.size(), 60U);
+  }
+
+  // The definitions as they are laid out there: a line with name and access, and one with the
+  // indices. Before anything is set, the indices have their constant ranges.
+  void readDefinitions(const std::string& text) {
     const std::set<std::string> accessWords = {"ro", "rostrict", "rw", "wo"};
     std::istringstream lines(text);
+    std::string definition;
     for (std::string line; std::getline(lines, line);) {
+      std::replace(line.begin(), line.end(), ',', ' ');
       std::istringstream words(line);
       std::string name;
-      std::string access;
-      if (words >> name >> access && accessWords.contains(access)) {
-        parameters_.push_back(name);
+      std::string word;
+      words >> name >> word;
+      if (accessWords.contains(word)) {
+        definition = name;
+        known_.parms[name];
+      } else if (name == "index" && word == "{") {
+        while (words >> word && word != "}") known_.parms[definition].push_back(word);
+      } else if (word == "index") {
+        known_.indices[name] = device_->indexValues(name);
       }
     }
-    EXPECT_GE(parameters_.size(), 60U);
-    EXPECT_EQ(answer("start()"), "0");
   }
 
   std::string answer(const std::string& call) {
@@ -112,56 +140,31 @@ class FrameSynchroniserExample : public ServiceTest,
     return result;
   }
 
-  // The values that an index can have now.
-  std::vector<std::string> indexValues(const std::string& index) {
-    const Reply reply = client().call("get_idx_range", g_variant_new("(us)", 0U, index.c_str()));
-    if (reply.value == nullptr) return {};
-    std::vector<std::string> values =
-        textsOf(VariantPointer(g_variant_get_child_value(reply.value.get(), 0)).get());
-    for (const auto& [low, high] : spansOf(*reply.value)) {
-      for (int value = low; value <= high; ++value) {
-        values.push_back(std::to_string(value));
-      }
-    }
-    return values;
+  // Gives every instance its default, as a controller does at start.
+  void bringUp() {
+    BringUp recipe(*device_, known_);
+    recipe.run();
+    EXPECT_TRUE(recipe.restless().empty());
+    EXPECT_EQ(daemon().newLogLines(), std::vector<std::string>());
+    static_cast<void>(client().newSignals());
   }
 
   // The full names of all instances that exist now.
-  std::vector<std::string> instances() {
-    std::vector<std::string> names;
-    for (const std::string& parameter : parameters_) {
-      const Reply reply =
-          client().call("get_parm_idx", g_variant_new("(us)", 0U, parameter.c_str()));
-      EXPECT_NE(reply.value, nullptr) << reply.errorMessage;
-      std::vector<std::string> ofParameter = {parameter};
-      for (const std::string& index :
-           textsOf(VariantPointer(g_variant_get_child_value(reply.value.get(), 0)).get())) {
-        ofParameter = crossed(ofParameter, indexValues(index));
-      }
-      names.insert(names.end(), ofParameter.begin(), ofParameter.end());
-    }
-    return names;
-  }
+  std::vector<std::string> instances() { return BringUp(*device_, known_).instances(); }
 
-  // Gives every instance its default, as a controller does at start.
-  void boot() {
-    EXPECT_GT(instances().size(), parameters_.size());
-    std::string list;
-    for (const std::string& name : instances()) {
-      list += std::string(list.empty() ? "'" : ", '") + name + "'";
-    }
-    EXPECT_EQ(answer("reset_status_bulk(0, [" + list + "])"), "()");
-    EXPECT_EQ(answer("commit(0)"), "()");
-    EXPECT_EQ(client().newSignals().size(), 1U);
+  std::vector<std::string> emptyInstances() {
+    std::vector<std::string> names = instances();
+    std::erase_if(
+        names, [&](const std::string& name) { return !device_->values({name}).front().empty(); });
+    return names;
   }
 
   // All instances with their values.
   std::vector<std::string> allValues() {
-    std::vector<std::string> values;
-    for (const std::string& name : instances()) {
-      values.push_back(name + "=" + answer("single_get('" + name + "')"));
-    }
-    return values;
+    std::vector<std::string> names = instances();
+    const std::vector<std::string> values = device_->values(names);
+    for (size_t i = 0; i < names.size(); ++i) names[i] += "=" + values[i];
+    return names;
   }
 
   // Every value that is set lies in the range that the service gives for it.
@@ -183,22 +186,9 @@ class FrameSynchroniserExample : public ServiceTest,
   }
 
  private:
-  static std::vector<std::pair<int, int>> spansOf(GVariant& range) {
-    std::vector<std::pair<int, int>> spans;
-    const VariantPointer list(g_variant_get_child_value(&range, 1));
-    for (gsize i = 0; i < g_variant_n_children(list.get()); ++i) {
-      gint32 low = 0;
-      gint32 high = 0;
-      g_variant_get_child(list.get(), i, "(ii)", &low, &high);
-      spans.emplace_back(low, high);
-    }
-    return spans;
-  }
-
   static bool inRange(const std::string& text, GVariant& range) {
-    const std::vector<std::string> texts =
-        textsOf(VariantPointer(g_variant_get_child_value(&range, 0)).get());
-    const std::vector<std::pair<int, int>> spans = spansOf(range);
+    const std::vector<std::string> texts = rangeTexts(range);
+    const std::vector<std::pair<int, int>> spans = rangeSpans(range);
     if (texts.empty() && spans.empty()) return true;
     if (std::find(texts.begin(), texts.end(), text) != texts.end()) return true;
     const int number = std::stoi(text);
@@ -207,36 +197,27 @@ class FrameSynchroniserExample : public ServiceTest,
     });
   }
 
-  static std::vector<std::string> crossed(const std::vector<std::string>& names,
-                                          const std::vector<std::string>& values) {
-    std::vector<std::string> result;
-    for (const std::string& name : names) {
-      for (const std::string& value : values) {
-        result.push_back(std::string(name).append("[").append(value).append("]"));
-      }
-    }
-    return result;
-  }
-
-  std::vector<std::string> parameters_;
+  std::optional<BusDevice> device_;
+  KnownDevice known_;
 };
 
 TEST_P(FrameSynchroniserExample, StartsWithItsDefaults) {
-  boot();
+  bringUp();
   EXPECT_EQ(answer("single_get_bulk(4, ['output_standard', 'h_active', 'v_total', 'hue[1]'])"),
             "['1080i/50', '1920', '1125', '0']");
+  EXPECT_EQ(emptyInstances(), GetParam().empty);
   expectEverythingInRange();
 }
 
-TEST_P(FrameSynchroniserExample, HasItsDefaultsAfterOneCommit) {
-  boot();
+TEST_P(FrameSynchroniserExample, IsTheSameWhenItIsBroughtUpAgain) {
+  bringUp();
   const std::vector<std::string> values = allValues();
-  boot();
+  bringUp();
   EXPECT_EQ(allValues(), values);
 }
 
 TEST_P(FrameSynchroniserExample, KeepsInRangeInEveryStandard) {
-  boot();
+  bringUp();
   EXPECT_EQ(answer("single_set_bulk(['crop_left[1]', 'crop_right[1]', 'crop_top[1]', "
                    "'crop_bottom[1]', 'timing_lines'], ['900', '900', '500', '500', '500'])"),
             "()");
@@ -250,10 +231,24 @@ TEST_P(FrameSynchroniserExample, KeepsInRangeInEveryStandard) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Models, FrameSynchroniserExample,
-    testing::Values(std::vector<std::string>{"MODEL=pro", "CHANNELS=2", "AUDIO=1"},
-                    std::vector<std::string>{"MODEL=pro", "CHANNELS=4", "AUDIO=0"},
-                    std::vector<std::string>{"MODEL=basic", "CHANNELS=1", "AUDIO=1"}));
+const Model MODELS[] = {
+    {{"MODEL=pro", "CHANNELS=2", "AUDIO=1"},
+     "4",
+     {"firmware_version", "input_name[1]", "input_name[2]", "serial_number", "wss_mode"}},
+    // The default narrows the index of the audio groups.
+    {{"MODEL=pro", "CHANNELS=2", "AUDIO=1"},
+     "2",
+     {"firmware_version", "input_name[1]", "input_name[2]", "serial_number", "wss_mode"}},
+    {{"MODEL=pro", "CHANNELS=4", "AUDIO=0"},
+     "4",
+     {"audio_delay_mode", "audio_memory", "embed_groups", "firmware_version", "input_name[1]",
+      "input_name[2]", "input_name[3]", "input_name[4]", "serial_number", "tone_level",
+      "wss_mode"}},
+    {{"MODEL=basic", "CHANNELS=1", "AUDIO=1"},
+     "2",
+     {"firmware_version", "input_name[1]", "noise_reduction[1]", "rgb_gamma[1][blue]",
+      "rgb_gamma[1][green]", "rgb_gamma[1][red]", "serial_number", "wss_mode"}},
+};
+INSTANTIATE_TEST_SUITE_P(Models, FrameSynchroniserExample, testing::ValuesIn(MODELS));
 
 }  // namespace

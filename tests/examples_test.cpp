@@ -25,8 +25,12 @@ TEST_F(PictureExample, PlaysTheTour) {
   serve(exampleText("picture.ostrel"));
   expectFacts({
       {"start()", "0"},
-      {"reset_status_bulk(0, ['mode', 'position[1]', 'position[2]', 'blanking'])", "()"},
-      {"commit(0)", "()", {"blanking=10", "mode=1080i/50", "position[1]=960", "position[2]=960"}},
+      {"reset_status_bulk(0, ['mode'])", "()"},
+      {"commit(0)", "()", {"blanking=", "mode=1080i/50", "position[1]=", "position[2]="}},
+      {"reset_status_bulk(0, ['position[1]', 'position[2]'])", "()"},
+      {"commit(0)", "()", {"position[1]=960", "position[2]=960"}},
+      {"reset_status_bulk(0, ['blanking'])", "()"},
+      {"commit(0)", "()", {"blanking=10"}},
       {"single_set('position[1]', '1500')", "()", {"position[1]=1500"}},
       {"set(0, 'mode', '720p/50')", "()"},
       {"get_range(0, 'position[1]')", "([], [(0, 1279)])"},

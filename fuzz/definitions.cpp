@@ -120,8 +120,8 @@ void askAll(Database& database, const Transaction& transaction) {
   }
 }
 
-// Gives every parameter its default, as a device is brought up.
-void bringUp(Database& database, Transaction& transaction) {
+// Resets every parameter at once, as a hasty client does.
+void resetAll(Database& database, Transaction& transaction) {
   uint64_t instances = 0;
   for (const ParmEntry* entry : database.parmsInNameOrder()) {
     instances += instanceCount(entry->parm);
@@ -137,7 +137,7 @@ void serve(Database& database) {
   const LogRedirection silence([](const std::string&) {});
   Transaction transaction(database);
   askAll(database, transaction);
-  bringUp(database, transaction);
+  resetAll(database, transaction);
   askAll(database, transaction);
 }
 

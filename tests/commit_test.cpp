@@ -294,7 +294,7 @@ sel  rw { rangeValid ( mode == 1 ) { "on", "off" } rangeValid ( mode == 0 ) { "i
   });
 }
 
-TEST_F(CommitTest, AllDefaultsAtOnceStartADevice) {
+TEST_F(CommitTest, DefaultsThatDependOnNothingComeInOneCommit) {
   serve(R"(
 chan  index { rangeValid { 0..1 } }
 mode  rw { rangeValid { "film", "video" } default { "video" } }

@@ -5,17 +5,17 @@
 #include <iterator>
 #include <optional>
 
+#include "base/system_log.h"
 #include "database/commit.h"
 #include "database/dependencies.h"
 #include "database/index_query.h"
 #include "database/index_values.h"
 #include "database/plan.h"
 #include "database/range_query.h"
-#include "database/test_bring_up.h"
-#include "database/test_random_texts.h"
 #include "database/transaction.h"
-#include "deflang/system_log.h"
 #include "sw/parm/parm_name.h"
+#include "tests/support/bring_up.h"
+#include "tests/support/random_texts.h"
 
 namespace {
 
@@ -218,6 +218,20 @@ TEST_F(BringUpTest, GivesWhatExistsItsDefaults) {
     }
     EXPECT_EQ(log().empty(), example.isQuiet) << testing::PrintToString(log());
   }
+}
+
+TEST_F(BringUpTest, LetsTheLastValuesLeadToDefaultsOfTheirOwn) {
+  Device device(
+      "n rw { rangeValid { 1..3 } default { 2 } }\n"
+      "i index { rangeValid { 1..3 } rangeValid ( n == 0 ) { 1..3 } rangeValid ( n ) { 1..(n) } }\n"
+      "gain rw { index { i } default { 5 } ctrlRO ( i == 2 ) }\n",
+      {});
+  KnownDevice knownDevice = known(device.database);
+  knownDevice.lastValues = {{"gain[2]", "9"}, {"n", "3"}};
+  BringUp(device.client, knownDevice).run();
+  EXPECT_EQ(device.client.values({"gain[1]", "gain[2]", "gain[3]", "n"}),
+            (Texts{"5", "9", "5", "3"}));
+  EXPECT_EQ(log(), Texts());
 }
 
 TEST_F(BringUpTest, EndsWhereDefaultsNeverRest) {

@@ -44,7 +44,8 @@ struct KnownDevice {
   std::map<std::string, Names> indices;  ///< names, each with the values of its constant range
   /// The indices whose statements look at the index values of an instance.
   std::set<std::string> variedIndices;
-  std::set<std::string> replacingZero;  ///< the parameters with a valueChange of 0
+  std::set<std::string> replacingZero;            ///< the parameters with a valueChange of 0
+  std::map<std::string, std::string> lastValues;  ///< by full name: what is known from before
 };
 
 inline std::string baseNameOf(const std::string& name) { return name.substr(0, name.find('[')); }
@@ -73,6 +74,7 @@ class BringUp {
       resetStep(step);
       resetVaried(step);
       settleRings(step);
+      setLastValues(step);
     }
     fillZeros();
   }
@@ -171,6 +173,13 @@ class BringUp {
       before = std::move(after);
     }
     return isMoved;
+  }
+
+  void setLastValues(const Names& step) {
+    for (const auto& [name, value] : device_.lastValues) {
+      const bool isInStep = std::find(step.begin(), step.end(), baseNameOf(name)) != step.end();
+      if (isInStep) client_.set(name, value);
+    }
   }
 
   // The empty value counts as 0, and is left as it is where 0 is allowed.

@@ -56,8 +56,8 @@ Stop readText(Read read, const std::vector<std::string_view>& lines, T& what) {
   };
   TextCursor cursor(nextLine, testMemory());
   const bool isRead = read(cursor, what);
-  const bool ends = !isRead && cursor.result() == PARSE_DONE;
-  return {ends ? TEXT_ENDS : cursor.result(), cursor.position().line, cursor.position().column};
+  const int fault = cursor.result() == PARSE_DONE ? TEXT_ENDS : cursor.result();
+  return {isRead ? PARSE_DONE : fault, cursor.position().line, cursor.position().column};
 }
 
 template <typename Read, typename T>

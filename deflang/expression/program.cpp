@@ -9,7 +9,6 @@
 #include "base/joined_text.h"
 #include "base/number.h"
 #include "base/value_limit.h"
-#include "deflang/expression/operations.h"
 #include "deflang/expression/operators.h"
 #include "deflang/expression/postfix.h"
 

@@ -103,8 +103,8 @@ bool TokenReader::readIndexValue() {
 }
 
 bool TokenReader::readSign() {
-  const OperatorText* const sign = operatorAt(cursor_.rest());
-  if (sign == nullptr) return cursor_.fail(PARSE_SYNTAX_ERROR);
+  const std::optional<OperatorText> sign = operatorAt(cursor_.rest());
+  if (!sign) return cursor_.fail(PARSE_SYNTAX_ERROR);
   if (sign->code == TOKEN_OPEN) ++depth_;
   if (sign->code == TOKEN_CLOSE) --depth_;
   if (depth_ > 0) addToken(sign->code);

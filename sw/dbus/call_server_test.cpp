@@ -377,7 +377,9 @@ DBusDispatchStatus dbus_connection_dispatch(DBusConnection* connection) {
   DBusMessage* message = bus.arrived.front();
   bus.arrived.pop_front();
   EXPECT_EQ(bus.filter(connection, message, bus.filterData), DBUS_HANDLER_RESULT_NOT_YET_HANDLED);
-  if (dbus_message_get_type(message) == DBUS_MESSAGE_TYPE_METHOD_CALL) bus.server->take(message);
+  if (dbus_message_get_type(message) == DBUS_MESSAGE_TYPE_METHOD_CALL) {
+    EXPECT_EQ(bus.server->take(message), DBUS_HANDLER_RESULT_HANDLED);
+  }
   dbus_message_unref(message);
   return dbus_connection_get_dispatch_status(connection);
 }

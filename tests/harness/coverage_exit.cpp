@@ -10,7 +10,7 @@ extern "C" {
 
 void __gcov_dump();  // NOLINT(bugprone-reserved-identifier,readability-identifier-naming)
 
-[[noreturn]] void _exit(int status) {
+void _exit(int status) {
   // It needs memory, without which it may lead here again, or end by a signal.
   static bool isEnding = false;
   const bool isShortOfMemory = getenv("ALLOCATION_FAILURE_FILE") != nullptr;

@@ -31,6 +31,7 @@ int failure(int number) {
 
 }  // namespace
 
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
 extern "C" {
 
 int daemon(int nochdir, int noclose) {
@@ -99,3 +100,4 @@ gpointer g_object_new(GType type, const gchar* property, ...) {
   return object;
 }
 }
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)

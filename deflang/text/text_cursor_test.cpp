@@ -102,7 +102,8 @@ TEST(TextCursor, ReadsNothingOfWhatTheLastLineWouldHaveBeen) {
 
 TEST(TextCursor, RefusesALineWithANul) {
   using namespace std::string_literals;
-  TextCursor cursor(linesIn("# \0\n a\0\n"s), testMemory());
+  const std::string text = "# \0\n a\0\n"s;
+  TextCursor cursor(linesIn(text), testMemory());
   EXPECT_FALSE(cursor.skipWhiteSpace());
   EXPECT_EQ(cursor.result(), PARSE_SYNTAX_ERROR);
   EXPECT_EQ(textOf(cursor.position()), "2:2");

@@ -1,7 +1,6 @@
 #include "database/commit.h"
 
 #include <algorithm>
-#include <iterator>
 #include <new>
 #include <optional>
 #include <span>
@@ -11,13 +10,11 @@
 #include "base/work.h"
 #include "database/evaluation.h"
 #include "database/gather.h"
+#include "database/level_walk.h"
 #include "database/name_order.h"
 #include "database/plan.h"
 
 namespace {
-
-// A pass over a level that has to be walked again, where nothing else is wrong.
-constexpr int WALK_AGAIN = SET_RULE_FAILS;
 
 void resolveResets(StagedValues& staged) {
   if (!staged.hasResets()) return;
@@ -96,37 +93,15 @@ int commitEntry(StagedEntry& entry, IndexSituations& situations, Report& report)
   }
 }
 
-// Walks a level once. A refusal ends the walk; what it leaves unwalked is as if it had not been
-// staged.
-int passLevel(std::span<const PlanStep> level, IndexSituations& situations, Report& report) {
-  int result = 0;
-  for (auto step = level.begin(); step != level.end(); ++step) {
-    const int code = commitEntry(*step->entry, situations, report);
-    if (code == WALK_AGAIN) {
-      result = WALK_AGAIN;
-    } else if (code != 0) {
-      std::for_each(std::next(step), level.end(), [&](const PlanStep& unwalked) {
-        Work::addSpent(WORK_PER_INSTANCE);  // for its place in the plan
-        takeCommitted(*unwalked.entry, situations);
-      });
-      return code;
-    }
-  }
-  return result;
-}
-
+// A refusal leaves what is behind it in its level as if it had not been staged.
 int applyPlan(std::span<const PlanStep> plan, const StagedValues& staged, Report& report) {
-  int result = 0;
   IndexSituations situations(staged);
-  while (!plan.empty()) {
-    const std::span<const PlanStep> level = firstLevel(plan, plan);
-    int code = passLevel(level, situations, report);
-    while (code == WALK_AGAIN) {
-      code = passLevel(level, situations, report);
-    }
-    result = result == 0 ? code : result;
-  }
-  return result;
+  return walkLevels(
+      plan, [&](StagedEntry& entry) { return commitEntry(entry, situations, report); },
+      [&](StagedEntry& behind) {
+        Work::addSpent(WORK_PER_INSTANCE);  // for its place in the plan
+        takeCommitted(behind, situations);
+      });
 }
 
 // Leaves each name once, ascending, however a commit ends. An instance that was reported twice

@@ -2,19 +2,16 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <span>
 #include <vector>
 
 #include "database/dependencies.h"
 #include "database/evaluation.h"
 #include "database/gather.h"
+#include "database/level_walk.h"
 #include "database/plan.h"
 #include "sw/parm/set_value.h"
 
 namespace {
-
-// A pass over a level that has to be walked again, where nothing else is wrong.
-constexpr int WALK_AGAIN = 1;
 
 // The level at which evaluation starts: the target's, or a lower one where something is staged that
 // the target depends on, be it under a name that lacks index values.
@@ -41,6 +38,7 @@ Plan planQuery(const std::vector<Instance>& instances, uint32_t startLevel, Stag
   return plan;
 }
 
+// Returns RANGE_FOUND, RANGE_REFUSED or WALK_AGAIN.
 int evaluateEntry(StagedEntry& entry, IndexSituations& situations) {
   switch (evaluate(entry, situations, true).result) {
     case SET_STORED:
@@ -51,33 +49,6 @@ int evaluateEntry(StagedEntry& entry, IndexSituations& situations) {
     default:
       return RANGE_REFUSED;
   }
-}
-
-int passLevel(std::span<const PlanStep> level, IndexSituations& situations) {
-  int result = RANGE_FOUND;
-  for (const PlanStep& step : level) {
-    const int code = evaluateEntry(*step.entry, situations);
-    if (code == WALK_AGAIN) {
-      result = WALK_AGAIN;
-    } else if (code != RANGE_FOUND) {
-      return code;
-    }
-  }
-  return result;
-}
-
-// Evaluates the plan level by level. Returns the first failure.
-int evaluatePlan(std::span<const PlanStep> plan, IndexSituations& situations) {
-  int result = RANGE_FOUND;
-  while (!plan.empty()) {
-    const std::span<const PlanStep> level = firstLevel(plan, plan);
-    int code = passLevel(level, situations);
-    while (code == WALK_AGAIN) {
-      code = passLevel(level, situations);
-    }
-    result = result == RANGE_FOUND ? code : result;
-  }
-  return result;
 }
 
 // Evaluates the target itself, this time with a refusal logged, and takes its range.
@@ -105,7 +76,9 @@ int queryRange(Database& database, const StagedValues& staged, std::string_view 
   StagedValues scratch(&staged);
   const Plan plan = planQuery(instances, startLevel(*target.parm, instances, staged), scratch);
   IndexSituations situations(scratch);
-  const int planned = evaluatePlan(plan, situations);
+  const int planned = walkLevels(
+      plan, [&](StagedEntry& entry) { return evaluateEntry(entry, situations); },
+      [](const StagedEntry& /*behind*/) {});
   StagedEntry& entry = scratch.stage(*target.parm, target.indices, true);
   const int result = rangeOfTarget(entry, situations, out);
   return result != RANGE_FOUND ? result : planned;

@@ -228,6 +228,10 @@ Program Program::constant(int32_t number) {
   return program;
 }
 
+Program Program::constant(Value value) {
+  return value.isNumber() ? constant(value.number) : constant(std::move(value.text));
+}
+
 Program Program::constant(std::string text) {
   auto code = std::make_unique<Code>();
   code->steps.push_back({TOKEN_STRING, 0});

@@ -37,6 +37,8 @@ class Program {
   static Program constant(int32_t number);
   /// The program of the constant `text`.
   static Program constant(std::string text);
+  /// The program of the constant `value`, which is a number or a text.
+  static Program constant(Value value);
 
   /// The value in a situation; invalid for the empty program, for an undefined variable that no
   /// operator absorbs, and as soon as an operator has no result. A text that is too long for a

@@ -325,6 +325,9 @@ TEST(Program, ConstantsNeedNoSituation) {
   EXPECT_EQ(shown(Program::constant(-5).evaluate(SituationView())), "-5");
   EXPECT_EQ(shown(Program::constant(std::string("12")).evaluate(SituationView())), "\"12\"");
   EXPECT_EQ(shown(Program::constant(std::string()).evaluate(SituationView())), "\"\"");
+  for (const Value& value : {Value{OPERAND_NUMBER, 7, ""}, Value{OPERAND_STRING, 0, "7"}}) {
+    EXPECT_EQ(shown(Program::constant(value).evaluate(SituationView())), shown(value));
+  }
   EXPECT_FALSE(Program::constant(1).empty());
   EXPECT_FALSE(Program::constant(1).usesVariables());
 }

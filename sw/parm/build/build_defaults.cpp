@@ -95,8 +95,7 @@ class DefaultBuilder {
     Classification value = classifyValue(statement.value, draft_);
     switch (value.decision) {
       case DECIDED:
-        return value.value.isNumber() ? Program::constant(value.value.number)
-                                      : Program::constant(std::move(value.value.text));
+        return Program::constant(std::move(value.value));
       case RUN_TIME:
         return draft_.keep(statement.value, std::move(value.compiled));
       default:

@@ -62,9 +62,7 @@ class ItemReader {
       out_.runTime = true;
       return draft_.keep(expression, std::move(classified.compiled));
     }
-    Value& value = classified.value;
-    return value.isNumber() ? Program::constant(value.number)
-                            : Program::constant(std::move(value.text));
+    return Program::constant(std::move(classified.value));
   }
 
   void refuse(const RangeItem& item) {

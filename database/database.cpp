@@ -152,7 +152,10 @@ int Database::finish(std::string& name) {
   const std::vector<ParmEntry*> parms = parmsInNameOrder();
   bindSources(parms);
   linkIndices(parms);
-  if (firstUnknownName(name) != nullptr) return 3;
+  if (std::optional<std::string> unknown = firstUnknownName()) {
+    name = *std::move(unknown);
+    return 3;
+  }
   return assignLevels(parms, name);
 }
 
@@ -211,7 +214,7 @@ void Database::linkIndices(const std::vector<ParmEntry*>& parms) {
   }
 }
 
-// Whether a name stands for the same in every instance.
+// Whether a name means the same in every instance.
 bool Database::isFixed(const VariableSource& source) const {
   if (source.parm != nullptr) return source.qualified || source.parm->parm.indices().empty();
   return findIndex(source.name) == nullptr;
@@ -222,23 +225,16 @@ bool Database::isKnown(const VariableSource& source) const {
          findIndex(source.name) != nullptr;
 }
 
-const std::string* Database::firstUnknownName(std::string& name) {
-  const std::string* first = nullptr;
+std::optional<std::string> Database::firstUnknownName() const {
+  std::optional<std::string> first;
   const auto look = [&](const VariableSources& sources) {
     for (const VariableSource& source : sources) {
-      if (!isKnown(source) && (first == nullptr || source.name < *first)) {
-        name = source.name;
-        first = &name;
-      }
+      if (!isKnown(source) && (!first || source.name < *first)) first = source.name;
     }
   };
-  for (size_t i = 0; i < parms_.size(); ++i) {
-    look(parms_[i].sources);
-  }
+  for (size_t i = 0; i < parms_.size(); ++i) look(parms_[i].sources);
   for (const auto& [indexName, index] : indices_) {
-    if (!index.dependents.empty()) {
-      look(index.sources);
-    }
+    if (!index.dependents.empty()) look(index.sources);
   }
   return first;
 }

@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -110,7 +111,7 @@ class Database final : public DefinitionRegistry {
   [[nodiscard]] const VariableSource& sourceOf(std::string_view variable);
   [[nodiscard]] bool isKnown(const VariableSource& source) const;
   [[nodiscard]] bool isFixed(const VariableSource& source) const;
-  [[nodiscard]] const std::string* firstUnknownName(std::string& name);
+  [[nodiscard]] std::optional<std::string> firstUnknownName() const;
   void bindSources(const std::vector<ParmEntry*>& parms);
   void linkIndices(const std::vector<ParmEntry*>& parms);
   int assignLevels(const std::vector<ParmEntry*>& parms, std::string& name);

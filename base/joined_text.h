@@ -16,5 +16,5 @@ class JoinedText {
 
  private:
   std::string room_;
-  size_t begin_ = 0;  // of the text; what stands before it is free
+  size_t begin_ = 0;  // of the text; what is before it is free
 };

@@ -11,7 +11,7 @@
 #include "base/position_table.h"
 #include "base/text_map.h"
 
-/// The names stand behind one another, so that looking for one leaves everything else alone.
+/// The names are kept behind one another, so that looking for one leaves everything else alone.
 class NameTable {
  public:
   /// The number of `name`, or nothing.

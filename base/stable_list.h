@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-/// The elements stand in blocks of which each has room for twice as many as the one before it. So
+/// The elements are in blocks of which each has room for twice as many as the one before it. So
 /// the table of the blocks is short enough to be in the cache always, where that of a deque is one
 /// more wait for memory, and an empty list takes no memory. A list can be moved, not copied.
 template <typename T>

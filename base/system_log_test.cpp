@@ -36,7 +36,7 @@ class TestLog {
   TestLog(const TestLog&) = delete;
   TestLog& operator=(const TestLog&) = delete;
 
-  // The lines that came, without what stands before them.
+  // The lines that came, without what is before them.
   std::vector<std::string> lines() const {
     std::vector<std::string> lines;
     std::array<char, 1000> buffer = {};

@@ -12,7 +12,7 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-// One thing a client stages. "reset" stands for a reset.
+// One thing a client stages. "reset" is a reset.
 struct Staged {
   std::string name;
   std::string value;
@@ -143,7 +143,7 @@ z rw { rangeValid { 0..(m) } }
   EXPECT_EQ(value("m"), "5");
   EXPECT_EQ(value("z"), "3");
 
-  // What stands before the failure is committed, and its dependents follow in their level.
+  // What is before the failure is committed, and its dependents follow in their level.
   EXPECT_EQ(commitOf({{"m", "2"}, {"n[9]", "1"}}), COMMIT_INVALID_INDEX);
   EXPECT_EQ(changed_, (Texts{"m", "z"}));
   EXPECT_EQ(value("z"), "2");

@@ -51,7 +51,7 @@ class NameBytes {
 // depend on itself.
 class ReferenceWalk {
  public:
-  // `asWritten` asks for the names as they stand in the text; `start` has no index values then.
+  // `asWritten` asks for the names as the text has them; `start` has no index values then.
   ReferenceWalk(Reader start, bool asWritten) : asWritten_(asWritten), start_(start.parm) {
     go(*start_, readers_.emplace_front(std::move(start)));
   }

@@ -13,7 +13,7 @@ IndexTuple sourceIndices(const VariableSource& source, const ParmDef& evaluated,
   return sharedIndices(evaluated, indices, source.parm->parm);
 }
 
-// What a name stands for whose value, or whose P's value, is `value`. A figure that the value does
+// What a name means whose value, or whose P's value, is `value`. A figure that the value does
 // not have leaves the name undefined.
 Operand figureOrValue(const vidFigure_t* figure, const Operand& value) {
   if (figure == nullptr) return value;

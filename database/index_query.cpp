@@ -46,7 +46,7 @@ class TurningPoints {
       add(span.first, span.second);
     }
   }
-  // A text that is a number stands for that one number.
+  // A text that is a number means that one number.
   void addText(const std::string& text) {
     if (const std::optional<int32_t> number = wholeNumber(text)) {
       add(*number, *number);

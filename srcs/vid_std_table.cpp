@@ -275,7 +275,7 @@ void raise(vidDim_t& maximum, const vidDim_t& dim) {
 
 }  // namespace
 
-// All checks stand in this one function, whose name is then in every message. The messages show
+// All checks are in this one function, whose name is then in every message. The messages show
 // `__null` and the way over a row's place in its list, and they are known by that.
 // NOLINTBEGIN(modernize-use-nullptr, modernize-loop-convert)
 void initVidStdTables() {

@@ -278,7 +278,7 @@ TEST(VidStdLookup, FindsTheFirstRowWhoseNameBeginsTheText) {
     int row;  // from 1; 0: none
   } cases[] = {
       {"1080p/60.00", 1},
-      {"1080p/25sF", 9},     // "1080p/25" stands before it
+      {"1080p/25sF", 9},     // "1080p/25" comes before it
       {"1080p/30.00sF", 7},  //
       {"1080p/50xyz", 3},
       {"625i/50", 27},  // the second of that name is never found

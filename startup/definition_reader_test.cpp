@@ -208,7 +208,7 @@ File failingStream(std::string& text) {
 }
 
 TEST(ReadDefinitions, ReportsAStreamThatCannotBeReadToItsEnd) {
-  // What stands before the failure, of a line or of several, is not built.
+  // What is before the failure, of a line or of several, is not built.
   for (std::string text : {"", "gain rw {}\n", "gain rw {}\nhue no"}) {
     SCOPED_TRACE(text);
     const File file = failingStream(text);

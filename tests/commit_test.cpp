@@ -121,7 +121,7 @@ next rw { rangeValid ( mode == 1 ) { 1..2 } rangeValid ( a == 1 ) { 0..5 } range
   expectFacts({
       {"start()", "0"},
       {"single_set('next', '50')", "()", {"next=50"}},
-      // The first level in name order is a, gain, mode, z. What stands behind gain is not applied;
+      // The first level in name order is a, gain, mode, z. What is behind gain is not applied;
       // next, a level above, sees the a that was applied and the mode that was not.
       {"set_bulk(0, ['a', 'gain[9]', 'mode', 'z'], ['1', '1', '1', '1'])", "()"},
       {"commit(0)",
@@ -149,7 +149,7 @@ last rw { rangeValid ( bad == 5 ) { "five" } rangeValid ( bad != 5 ) { "other" }
       {"single_set('bad', '5')", "()", {"bad=5", "last=five"}},
       {"start()", "1"},
       {"set_bulk(1, ['mode', 'bad'], ['1', '7'])", "()"},
-      // bad fails with its level; good stands behind it in the same level; last, a level above,
+      // bad fails with its level; good is behind it in the same level; last, a level above,
       // sees the value that bad still holds.
       {"commit(1)",
        "Commit failed because parameter definition is invalid",
@@ -331,7 +331,7 @@ pair rw { index { chan, lane } }
       {"single_set('gain[3]', '6')", refusal, {}, log},
       {"single_set_bulk(['gain[3]', 'mode'], ['6', '0'])", "()", {"gain[3]=6", "mode=0"}},
       // The staged mode takes the instance away before it is committed, and its failure keeps the
-      // mode, which stands behind it, from being committed.
+      // mode, which is behind it, from being committed.
       {"single_set_bulk(['gain[3]', 'mode'], ['6', '1'])", refusal, {}, log},
       {"single_get_bulk(2, ['gain[3]', 'mode'])", "['6', '0']"},
   });

@@ -59,7 +59,7 @@ Arguments parseArguments(int argc, char** argv) {
   return arguments;
 }
 
-// Some names stand in several rows; they are listed once, where they stand first.
+// Some names are in several rows; they are listed once, where they come first.
 void listNames() {
   std::set<std::string_view> listed;
   for (const vidStd_t& standard : vidStds()) {

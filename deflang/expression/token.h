@@ -1,4 +1,4 @@
-// Tokens: an expression as it stands in the definition text, before it is checked.
+// Tokens: an expression as the definition text has it, before it is checked.
 #pragma once
 
 #include <cstdint>

@@ -35,7 +35,7 @@ TEST(VidStdName, IsTakenApartWhenItsFigureIsKnown) {
 TEST(VidStdName, IsAnOrdinaryNameOtherwise) {
   const std::string_view cases[] = {
       "mode",                   // no prefix
-      "avidStd::mode::spal",    // the prefix stands elsewhere
+      "avidStd::mode::spal",    // the prefix is elsewhere
       "vidStd::mode",           // no second "::"
       "vidStd::xspal",          // nor here, although a figure ends it
       "vidStd::mode::xyz",      // no such figure

@@ -283,7 +283,7 @@ TEST(ReadDefinitions, EndsWordsAndSignsAtTheEndOfAPiece) {
   EXPECT_EQ(dots.stop, (Stop{PARSE_SYNTAX_ERROR, 1, 21}));
 }
 
-// Texts cut at their blanks; those that stand within quotes are written as "_" in the table.
+// Texts cut at their blanks; those within quotes are written as "_" in the table.
 TEST(ReadDefinitions, ReadsTheSameRecordsWhereverATextIsCut) {
   const std::string_view texts[] = {
       "gain rw { index { chan , out } rangeValid { 0 .. 255 } ctrlRO ( mode == 2 ) default { 128 } "

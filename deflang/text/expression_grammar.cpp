@@ -23,7 +23,7 @@ std::string_view trimmed(std::string_view text) {
 // In 32 bits, where the least number is its own opposite.
 int32_t negated(int32_t number) { return static_cast<int32_t>(0U - static_cast<uint32_t>(number)); }
 
-// A minus sign before a number is the number's where an operand must stand: at the start and after
+// A minus sign before a number is the number's where an operand must be: at the start and after
 // an operator. After "(" it stays an operator without a left side, which the check refuses.
 void foldNegativeNumbers(std::vector<Token>& tokens) {
   size_t folded = 0;  // how many tokens are left so far
@@ -32,7 +32,7 @@ void foldNegativeNumbers(std::vector<Token>& tokens) {
                             tokens[folded - 1].kind == OP_SUBTRACT &&
                             (folded == 1 || isOperator(tokens[folded - 2].kind));
     if (isNegative) {
-      tokens[folded - 1].kind = TOKEN_NUMBER;  // where the sign stands
+      tokens[folded - 1].kind = TOKEN_NUMBER;  // where the sign is
       tokens[folded - 1].number = negated(token.number);
     } else {
       tokens[folded++] = token;
@@ -154,7 +154,7 @@ void TokenReader::endName() {
 }  // namespace
 
 bool readQuoted(TextCursor& cursor, char closing, std::string_view& text) {
-  std::string earlier;  // what stands on earlier lines
+  std::string earlier;  // what is on earlier lines
   for (;;) {
     std::string_view rest = cursor.rest();
     const size_t end = rest.find(closing);

@@ -1,4 +1,4 @@
-// Expression grammar: an expression in parentheses, and what stands in quotes.
+// Expression grammar: an expression in parentheses, and what is in quotes.
 #pragma once
 
 #include <string_view>
@@ -6,7 +6,7 @@
 #include "deflang/expression/token.h"
 #include "deflang/text/text_cursor.h"
 
-/// Reads what stands before `closing`, behind an opening sign that has been taken. It may go on
+/// Reads what is before `closing`, behind an opening sign that has been taken. It may go on
 /// over any number of lines; everything belongs to it as it stands, but for the newline at the end
 /// of a line on which it goes on. More than MAX_VALUE_BYTES are a syntax error.
 bool readQuoted(TextCursor& cursor, char closing, std::string_view& text);

@@ -53,7 +53,7 @@ struct DefaultStatement {
   Expression value;
 };
 
-/// A `valueChange` statement; numbers stand in decimal.
+/// A `valueChange` statement; numbers are in decimal.
 struct Translation {
   Position at;  ///< of the source
   std::string_view source;

@@ -14,7 +14,7 @@
 namespace {
 
 // The connection: what is read from it, and what it does. The functions of the bus library for
-// connections stand at the end of this file.
+// connections are at the end of this file.
 struct FakeConnection {
   std::deque<DBusMessage*> socket;   // not yet read
   std::deque<DBusMessage*> arrived;  // to be dispatched

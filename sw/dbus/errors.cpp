@@ -53,7 +53,7 @@ constexpr Cause CAUSES[] = {
     {METHOD_GET_INDEX_RANGE, INDEX_RANGE_NOT_VALID, "index is not valid"},
 };
 
-// What stands after "failed because".
+// What comes after "failed because".
 const char* cause(methodFamily_t family, int result) {
   if (result == UNKNOWN_TRANSACTION) return "of invalid transaction id";
   if (result == OUT_OF_MEMORY) return "of an \"out of memory\" condition";

@@ -1,4 +1,4 @@
-// Exporting an object: what stands between the bus library and the binding library's handler.
+// Exporting an object: what is between the bus library and the binding library's handler.
 #pragma once
 
 #include <dbus/dbus-glib.h>

@@ -15,7 +15,7 @@ namespace {
 gint64 now = 0;                  // in microseconds
 std::vector<gint64> times;       // for which the watch was set
 bool takesLines = true;          // the log
-std::vector<std::string> taken;  // by the log, without what stands before a line
+std::vector<std::string> taken;  // by the log, without what is before a line
 
 }  // namespace
 

@@ -20,7 +20,7 @@ size_t memoryOf(std::string_view name, const BoundsParm& bounds) {
   return memory;
 }
 
-// Whether `name` is the full name of its instance: nothing stands behind or between the brackets.
+// Whether `name` is the full name of its instance: nothing is behind or between the brackets.
 bool isFullName(std::string_view name) {
   size_t open = name.find('[');
   while (open < name.size()) {

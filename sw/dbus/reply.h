@@ -62,7 +62,7 @@ inline void requireMessageMemory(size_t bytes) { requireMemory(COPIES_IN_MESSAGE
 /// An array of texts. The array itself is waited for, see retried().
 class TextList {
  public:
-  /// With room for `capacity` texts; `what` stands for the list in messages.
+  /// With room for `capacity` texts; `what` is what messages call the list.
   TextList(const char* what, size_t capacity);
   ~TextList();
   TextList(const TextList&) = delete;

@@ -122,7 +122,7 @@ class BoundsExpression final : public Bounds {
   struct Item {
     Program lower;
     std::optional<Program> upper;
-    /// Whether a single text stands for itself, also one that could be a number.
+    /// Whether a single text means itself, also one that could be a number.
     bool quoted = false;
   };
   /// Judges in a situation without any variable; while an item has no value there, every value is

@@ -53,7 +53,7 @@ int Constraints::correct(std::string& value) const {
   }
   if (ranges_.hasComputed()) {
     parm_.translateTwice(value);
-    // A value that no range accepts is corrected; the correction stands.
+    // A value that no range accepts is corrected; the correction is final.
     static_cast<void>(ranges_.judge(value));
   }
   return 0;

@@ -109,7 +109,7 @@ class IndexDef {
   [[no_unique_address]] FixedList<ConditionalBounds> conditionalBounds_;
   uint32_t longestText_;
   Seldom<std::map<std::string, std::string>> translations_;
-  std::string name_;  // last, so that a parameter's value stands beside it
+  std::string name_;  // last, so that a parameter's value is beside it in memory
 };
 
 /// The full bounds check of one definition, by the rules of an index: translates `value`, corrects

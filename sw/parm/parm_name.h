@@ -12,7 +12,7 @@ struct ParmName {
   IndexTuple indices;
 };
 
-/// The base name in `name`: what stands before the first "[".
+/// The base name in `name`: what is before the first "[".
 std::string_view baseName(std::string_view name);
 
 /// Takes `name` apart: each text from a "[" to the next "]" is an index value; the walk ends where

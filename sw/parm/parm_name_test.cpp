@@ -19,7 +19,7 @@ TEST(ParmName, IsTakenApartAtItsBrackets) {
       {"a[1", "a", {}, "a"},                     // the bracket is never closed
       {"a[1][2", "a", {"1"}, "a[1]"},            // the second one neither
       {"a[[1]", "a", {"[1"}, "a[[1]"},           // an open bracket is part of the value
-      {"a[1]b[2]", "a", {"1", "2"}, "a[1][2]"},  // what stands between is dropped
+      {"a[1]b[2]", "a", {"1", "2"}, "a[1][2]"},  // what is between is dropped
       {"a]1[2]", "a]1", {"2"}, "a]1[2]"},
       {"[1]", "", {"1"}, "[1]"},
       {"", "", {}, ""},

@@ -16,7 +16,7 @@ bool isBefore(const Token& a, const Token& b) {
   return a.text < b.text;
 }
 
-// An order in which expressions of the same tokens are the same, wherever they stand.
+// An order in which expressions of the same tokens are the same, wherever they are.
 struct TokenOrder {
   bool operator()(const Expression* a, const Expression* b) const {
     return std::lexicographical_compare(a->tokens.begin(), a->tokens.end(), b->tokens.begin(),

@@ -27,7 +27,7 @@ TEST(BuildDefaults, FindsTheDefaultOfASituation) {
       {"default () { 7 }", {}, {}, "7", 1},   // an empty condition is none
       {"default (1) { 7 }", {}, {}, "7", 1},  // nor is one that is always true
       {"default (0 || 2) { 7 }", {}, {}, "7", 1},
-      // The one without a condition is what is left, wherever it stands.
+      // The one without a condition is what is left, wherever it is.
       {"default { 7 } default (mode == 1) { 8 }", {}, {{"mode", "1"}}, "8", 0, {"mode"}},
       {"default { 7 } default (mode == 1) { 8 }", {}, {{"mode", "2"}}, "7", 1, {"mode"}},
       {"default (mode) { 8 } default (lock) { 9 }",

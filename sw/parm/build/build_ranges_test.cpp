@@ -143,7 +143,7 @@ TEST(BuildRangeValid, JoinsTheStatementsWithoutACondition) {
        "\"b\"",
        {"= 3, 5, \"a\", \"b\", \"c\""},
        {"lo", "mode"}},
-      // Items stand in statement order: the first text corrects.
+      // Items are in statement order: the first text corrects.
       {"rangeValid { \"b\" } rangeValid { \"a\", (lo) }",
        {{"lo", "3"}},
        "\"b\"",
@@ -251,7 +251,7 @@ TEST(BuildRangeDoc, LeavesNothingInAnIndex) {
   EXPECT_TRUE(built.index("p").variables().names().empty());
 }
 
-// What a rangeValid statement reports, a rangeDoc statement reports alike: "@" stands for both.
+// What a rangeValid statement reports, a rangeDoc statement reports alike: "@" means either.
 void expectRangeReports(const std::vector<ReportCase>& cases) {
   const auto replaced = [](std::string_view text, std::string_view keyword) {
     std::string result(text);
@@ -261,7 +261,7 @@ void expectRangeReports(const std::vector<ReportCase>& cases) {
     return result;
   };
   for (const ReportCase& c : cases) {
-    // Both keywords and blanks to the same width, so that the caret stands right under both.
+    // Both keywords and blanks to the same width, so that the caret is right under both.
     for (const std::string_view keyword : {"rangeValid", "rangeDoc  "}) {
       const std::string text = replaced(c.text, keyword);
       const std::string diagnostics = replaced(c.diagnostics, keyword);

@@ -11,7 +11,7 @@
 /// `checkOnly` only the diagnostics are made. Returns 0, or the first non-zero result of a step: -1
 /// for what `diagnostics` or standard error tells, otherwise the registry's.
 ///
-/// The diagnostics stand in the order in which the records are built, those of one record by
+/// The diagnostics are in the order in which the records are built, those of one record by
 /// statement: index, rangeValid, rangeDoc, ctrlRO, ctrlValid, default, valueChange, each in the
 /// order of the text; at last the names in its expressions. The names of index records are reported
 /// after all index records.

@@ -50,7 +50,7 @@ class ReferenceCheck {
     if (named.access == ACCESS_INDEX) {
       return values.empty() && (mayNameEveryIndex_ || ownIndices_.contains(named.name));
     }
-    // A parameter's bare name stands for the instance that shares the index values.
+    // A parameter's bare name means the instance that shares the index values.
     return values.empty() || fitIndices(values, firstIndexStatement(named));
   }
 

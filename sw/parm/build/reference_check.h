@@ -1,4 +1,4 @@
-// The reference check: whether the names in a record's expressions stand for something.
+// The reference check: whether something has the names in a record's expressions.
 #pragma once
 
 #include <vector>

@@ -136,7 +136,7 @@ struct Scene {
   }
 };
 
-// An item as it stands in a definition text: a text in quotes.
+// An item as a definition text has it: a text in quotes.
 std::string definitionItem(const ItemText& item) {
   const std::string limit = limitsOf(item).first;
   const bool isText = !limit.starts_with("(") && !quotedText(item) && !wholeNumber(limit);

@@ -88,11 +88,9 @@ void IndexDef::translateTwice(std::string& value) const {
   translate(value);
 }
 
-bool checkValue(const IndexDef& definition, std::string& value, const SituationView& situation,
-                bool fix) {
+bool correctValue(const IndexDef& definition, std::string& value, const SituationView& situation) {
   definition.translateTwice(value);
   const bool inBase = definition.baseBounds().check(value, true);
-  if (!inBase && !fix) return false;
   if (definition.conditionalBounds().empty()) return inBase;
   const PresentBounds bounds(definition.conditionalBounds(), situation, UNUSABLE_ACCEPTS);
   return bounds.judge(value) && inBase;

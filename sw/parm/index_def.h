@@ -116,7 +116,6 @@ class IndexDef {
 /// it by the base bounds, then asks the conditional bounds whose condition is true. It is accepted
 /// when the base bounds took it and any of those accepts it (a run-time range that has no value
 /// here accepts everything); otherwise the first of them corrects it. With conditional bounds of
-/// which none applies it is refused. Without `fix` the walk ends where the base bounds refuse. To
-/// check many values in one situation, see BoundsCheck.
-bool checkValue(const IndexDef& definition, std::string& value, const SituationView& situation,
-                bool fix);
+/// which none applies it is refused. Returns whether `value` was accepted as it was. To check many
+/// values in one situation, see BoundsCheck.
+bool correctValue(const IndexDef& definition, std::string& value, const SituationView& situation);

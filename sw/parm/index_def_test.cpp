@@ -101,7 +101,7 @@ void expectWalk(const IndexDef& index, const WalkCase& c) {
   SCOPED_TRACE('"' + c.value + "\" in " + testing::PrintToString(c.situation));
   const TextSituation situation(index.variables(), c.situation);
   std::string value = c.value;
-  EXPECT_EQ(checkValue(index, value, situation, true), c.accepted);
+  EXPECT_EQ(correctValue(index, value, situation), c.accepted);
   EXPECT_EQ(value, c.corrected);
   EXPECT_EQ(index.checkValue(c.value, situation), c.accepted) << "without correction";
 }
@@ -148,24 +148,6 @@ TEST(FullCheck, RefusesWhatTheBaseBoundsRefused) {
       {"2", {{"a", "1"}}, true, "2"},
   };
   for (const WalkCase& c : cases) expectWalk(index, c);
-}
-
-TEST(FullCheck, EndsAtTheBaseBoundsWithoutCorrection) {
-  const IndexDef index = makeIndex({.base = {"0..9"}, .ranges = {{"1", {"5..20"}}}});
-  struct {
-    std::string value;
-    bool fix, accepted;
-    std::string left;
-  } const cases[] = {
-      {"-3", true, false, "5"}, {"-3", false, false, "0"},  // not seen by the conditional bounds
-      {"3", false, false, "5"}, {"15", false, false, "9"}, {"7", false, true, "7"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.value + (c.fix ? " corrected" : " as it is"));
-    std::string value = c.value;
-    EXPECT_EQ(checkValue(index, value, SituationView(), c.fix), c.accepted);
-    EXPECT_EQ(value, c.left);
-  }
 }
 
 TEST(FullCheck, TakesARunTimeRangeAsItIsInTheSituation) {

@@ -50,7 +50,7 @@ class BoundsCheck {
  public:
   BoundsCheck(const IndexDef& definition, const SituationView& situation)
       : definition_(definition), situation_(situation) {}
-  /// As ::checkValue().
+  /// Whether correctValue() would accept `value` as it is.
   [[nodiscard]] bool accepts(std::string value);
 
  private:

@@ -95,7 +95,7 @@ setOutcome_t refuseIndices(const Setting& set, std::string& value, const IndexFa
 // Corrects a value by the bounds. Only conditional bounds make a value that stays outside the base
 // bounds an error: without them the correction has brought it in.
 bool correctByBounds(const ParmDef& parm, std::string& value, const Situation& situation) {
-  static_cast<void>(checkValue(parm, value, situation, true));
+  static_cast<void>(correctValue(parm, value, situation));
   if (parm.conditionalBounds().empty() || parm.checkBase(value)) return true;
   logSetError(parm, "Invalid value " + quoted(value));
   return false;

@@ -54,6 +54,20 @@ class PlanTest : public testing::Test {
   Database database_;
 };
 
+TEST_F(PlanTest, FindsDependentsInItsOrder) {
+  Database database;
+  // The name "a" comes first, but its level is the highest.
+  define(database,
+         "m rw { }\nz rw { rangeValid { 0..(m) } }\n"
+         "a rw { rangeValid { 0..(m), (z) } }\nb rw { rangeValid { 0..(m) } }\n",
+         {});
+  Lines names;
+  for (const ParmEntry* entry : dependentsOf(database, {database.findNamed("m")})) {
+    names.push_back(entry->parm.name());
+  }
+  EXPECT_EQ(names, (Lines{"b", "z", "a"}));
+}
+
 TEST_F(PlanTest, HoldsWhatIsStagedAndEveryInstanceThatDependsOnIt) {
   EXPECT_EQ(planned({}), (Lines{}));
   EXPECT_EQ(planned({"alone"}), (Lines{"0 alone"}));

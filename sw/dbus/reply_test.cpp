@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <new>
+#include <vector>
 
 #include "sw/dbus/memory_reserve.h"
 #include "tests/support/mappings.h"
@@ -14,7 +15,8 @@ namespace {
 
 size_t keptWhileMending = 0;  // bytes of mappings
 int freedStructures = 0;
-bool hasMemory = true;  // for what GLib tries to have
+bool hasMemory = true;      // for what GLib tries to have
+std::vector<gulong> waits;  // in microseconds
 
 template <typename Function>
 Function* ofTheLibrary(Function* /*ours*/, const char* name) {
@@ -24,6 +26,7 @@ Function* ofTheLibrary(Function* /*ours*/, const char* name) {
 }  // namespace
 
 // In the place of those of GLib, or around them.
+extern "C" void g_usleep(gulong microseconds) { waits.push_back(microseconds); }
 extern "C" gpointer g_try_malloc(gsize size) { return hasMemory ? malloc(size) : nullptr; }
 extern "C" gpointer g_try_malloc_n(gsize count, gsize size) { return g_try_malloc(count * size); }
 extern "C" gchar* g_utf8_make_valid(const gchar* str, gssize len) {
@@ -207,6 +210,7 @@ TEST(Retried, SaysAndRepeatsUntilThereIsMemory) {
             "Transaction server: parmDep - out of memory\n"
             "Transaction server: parmDep - out of memory\n");
   EXPECT_EQ(result, &memory);
+  EXPECT_EQ(waits, (std::vector<gulong>{500, 500}));
 }
 
 }  // namespace

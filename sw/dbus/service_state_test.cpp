@@ -20,6 +20,12 @@ extern "C" gpointer g_try_malloc0_n(gsize count, gsize size) { return newZeros(c
 
 namespace {
 
+TEST(ServiceStateDeathTest, IsNoneWhenItHasEnded) {
+  Database database;
+  { const ServiceState state(database); }
+  EXPECT_DEATH(ServiceState::current(), "currentState != nullptr");
+}
+
 TEST(ServiceState, HasItsLockWhereThereIsMemoryForIt) {
   for (const bool memory : {false, true}) {
     Database database;

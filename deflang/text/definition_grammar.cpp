@@ -102,8 +102,8 @@ bool readDefinition(TextCursor& cursor, ParameterRecords& records) {
 
 // Whether a diagnostic may name something in a line that was accepted.
 bool hasWords(std::string_view line) {
-  const auto first = std::find_if_not(line.begin(), line.end(), isWhiteSpace);
-  return first != line.end() && *first != '#';
+  const size_t first = firstWord(line);
+  return first < line.size() && line[first] != '#';
 }
 
 }  // namespace

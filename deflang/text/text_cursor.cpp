@@ -4,11 +4,6 @@
 
 namespace {
 
-size_t firstWord(std::string_view line) {
-  return static_cast<size_t>(std::find_if_not(line.begin(), line.end(), isWhiteSpace) -
-                             line.begin());
-}
-
 bool isComment(std::string_view line) { return line.substr(firstWord(line)).starts_with('#'); }
 
 }  // namespace
@@ -31,6 +26,11 @@ bool TextCursor::pullLine() {
 bool TextCursor::failAt(Position at, parseResult_t result) {
   column_ = at.line == number_ ? at.column : firstWord(line_);
   return fail(result);
+}
+
+size_t firstWord(std::string_view line) {
+  return static_cast<size_t>(std::find_if_not(line.begin(), line.end(), isWhiteSpace) -
+                             line.begin());
 }
 
 TextCursor::NextLine linesIn(std::string_view text) {

@@ -101,5 +101,8 @@ class TextCursor {
   parseResult_t result_ = PARSE_DONE;
 };
 
+/// Where the first character of `line` that is no white space is; its length where there is none.
+size_t firstWord(std::string_view line);
+
 /// The lines of a text that is there as a whole, and that lives as long as they are asked for.
 TextCursor::NextLine linesIn(std::string_view text);

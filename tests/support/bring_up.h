@@ -202,12 +202,10 @@ class BringUp {
     Names all;
     for (const std::string& parm : parms) {
       const Names present = client_.presentIndices(parm);
-      Names names = {parm};
-      for (const std::string& index : device_.parms.at(parm)) {
+      addInstances(all, parm, [&](const std::string& index) {
         const bool isThere = std::find(present.begin(), present.end(), index) != present.end();
-        names = crossed(names, isThere ? client_.indexValues(index) : Names{});
-      }
-      all.insert(all.end(), names.begin(), names.end());
+        return isThere ? client_.indexValues(index) : Names{};
+      });
     }
     return all;
   }
@@ -216,13 +214,19 @@ class BringUp {
   [[nodiscard]] Names possibleInstancesOf(const Names& parms) const {
     Names all;
     for (const std::string& parm : parms) {
-      Names names = {parm};
-      for (const std::string& index : device_.parms.at(parm)) {
-        names = crossed(names, device_.indices.at(index));
-      }
-      all.insert(all.end(), names.begin(), names.end());
+      addInstances(all, parm, [&](const std::string& index) { return device_.indices.at(index); });
     }
     return all;
+  }
+
+  // The parameter with all combinations of its indices' values.
+  template <typename ValuesOf>
+  void addInstances(Names& all, const std::string& parm, ValuesOf valuesOf) const {
+    Names names = {parm};
+    for (const std::string& index : device_.parms.at(parm)) {
+      names = crossed(names, valuesOf(index));
+    }
+    all.insert(all.end(), names.begin(), names.end());
   }
 
   // Each name with each value in brackets behind it.

@@ -4,13 +4,14 @@
 #include "fuzz/demand.h"
 #include "fuzz/pieces.h"
 #include "sw/parm/build/builder.h"
+#include "tests/support/lines.h"
 #include "vid_std.h"
 
 namespace {
 
 bool read(std::string_view text, DefinitionText& definitions) {
   const std::vector<std::string> pieces = piecesOf(text);
-  return readDefinitionText(linesOf(pieces), definitions) == PARSE_DONE;
+  return readDefinitionText(pulledFrom(pieces), definitions) == PARSE_DONE;
 }
 
 }  // namespace

@@ -15,10 +15,10 @@
 #include "fuzz/demand.h"
 #include "fuzz/fuzz_input.h"
 #include "fuzz/fuzz_target.h"
-#include "fuzz/pieces.h"
 #include "srcs/vid_std_figures.h"
 #include "sw/parm/parm_def.h"
 #include "sw/parm/parm_name.h"
+#include "tests/support/lines.h"
 
 namespace {
 
@@ -54,7 +54,7 @@ void expectVariable(std::string_view name) {
   if (line.find('\0') != std::string::npos) return;  // no text has it
   const std::vector<std::string> pieces = {line};
   RecordMemory memory;
-  TextCursor cursor(linesOf(pieces), memory);
+  TextCursor cursor(pulledFrom(pieces), memory);
   Expression expression;
   demand(readExpression(cursor, expression) && cursor.rest().empty(), "not read: ", line);
   const std::span<const Token> tokens = expression.tokens;
@@ -114,7 +114,7 @@ void expectIndexList(const std::vector<std::string>& names) {
   if (line.find('\0') != std::string::npos) return;
   const std::vector<std::string> pieces = {line};
   RecordMemory memory;
-  TextCursor cursor(linesOf(pieces), memory);
+  TextCursor cursor(pulledFrom(pieces), memory);
   IndexStatement read;
   demand(readIndexList(cursor, read) && cursor.rest().empty(), "not read: ", line);
   demand(read.size() == names.size(), "another number of indices: ", line);

@@ -9,6 +9,7 @@
 #include "fuzz/fuzz_target.h"
 #include "fuzz/pieces.h"
 #include "fuzz/record_text.h"
+#include "tests/support/lines.h"
 
 namespace {
 
@@ -33,7 +34,7 @@ Reading read(const std::vector<std::string>& pieces, interleaved_t interleaved) 
     lines.push_back(piece);
   }
   ParameterRecords records;
-  TextCursor cursor(linesOf(lines), records.memory());
+  TextCursor cursor(pulledFrom(lines), records.memory());
   const int result = readDefinitions(cursor, records);
   demand(result == PARSE_DONE || result == PARSE_INVALID_ACCESS || result == PARSE_SYNTAX_ERROR,
          "the reading ended with ", std::to_string(result));
@@ -47,7 +48,7 @@ Reading read(const std::vector<std::string>& pieces, interleaved_t interleaved) 
 void expectReport(const std::vector<std::string>& pieces, const Reading& reading) {
   DefinitionText text;
   CapturedStderr captured;
-  const int result = readDefinitionText(linesOf(pieces), text);
+  const int result = readDefinitionText(pulledFrom(pieces), text);
   const std::string printed = captured.restore();
   demand(result == reading.result, "two readings differ");
   if (result == PARSE_DONE) {

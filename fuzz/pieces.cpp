@@ -15,11 +15,3 @@ std::vector<std::string> piecesOf(std::string_view text) {
   fclose(stream);
   return pieces;
 }
-
-TextCursor::NextLine linesOf(const std::vector<std::string>& pieces) {
-  return [&pieces, next = size_t{0}](std::string_view& line) mutable {
-    if (next == pieces.size()) return false;
-    line = pieces[next++];
-    return true;
-  };
-}

@@ -35,13 +35,7 @@ struct Parsed {
   Stop stop = {PARSE_DONE, 0, 0};
 
   void parse(const std::vector<std::string_view>& lines) {
-    size_t next = 0;
-    const auto nextLine = [&](std::string_view& line) {
-      if (next == lines.size()) return false;
-      line = lines[next++];
-      return true;
-    };
-    TextCursor cursor(nextLine, records.memory());
+    TextCursor cursor(pulledFrom(lines), records.memory());
     stop.result = readDefinitions(cursor, records);
     stop.line = cursor.position().line;
     stop.column = cursor.position().column;

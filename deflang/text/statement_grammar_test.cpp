@@ -8,6 +8,21 @@
 
 namespace {
 
+// A line may end at each blank of `text`.
+template <typename T>
+void expectGoesOn(bool (*readStatement)(TextCursor&, T&), std::string_view text,
+                  std::string_view statement) {
+  for (size_t at = 0; at < text.size(); ++at) {
+    if (text[at] != ' ') continue;
+    SCOPED_TRACE(text.substr(0, at));
+    T read;
+    EXPECT_EQ(readText(readStatement, text.substr(0, at), read).result, TEXT_ENDS);
+    EXPECT_EQ(readText(readStatement, {text.substr(0, at), text.substr(at)}, read).result,
+              PARSE_DONE);
+    EXPECT_EQ(textOf(read), statement);
+  }
+}
+
 // A number in braces, as a default has it.
 Stop readNumber(std::string_view word, DefaultStatement& read) {
   const std::string text = "{" + std::string(word);
@@ -106,24 +121,7 @@ TEST(ReadIndexList, FailsWithTheCaretAtTheFirstWrongCharacter) {
 }
 
 TEST(ReadIndexList, GoesOnWithTheNextLineAtEveryStep) {
-  struct Case {
-    std::string_view text;
-    std::string_view statement;
-  };
-  const Case cases[] = {
-      {" { a , b }", "{ a b }"},
-  };
-  for (const Case& c : cases) {
-    for (size_t at = 0; at < c.text.size(); ++at) {
-      if (c.text[at] != ' ') continue;
-      SCOPED_TRACE(c.text.substr(0, at));
-      IndexStatement read;
-      EXPECT_EQ(readText(readIndexList, c.text.substr(0, at), read).result, TEXT_ENDS);
-      EXPECT_EQ(readText(readIndexList, {c.text.substr(0, at), c.text.substr(at)}, read).result,
-                PARSE_DONE);
-      EXPECT_EQ(textOf(read), c.statement);
-    }
-  }
+  expectGoesOn<IndexStatement>(readIndexList, " { a , b }", "{ a b }");
 }
 
 TEST(ReadRange, ReadsEveryFormOfItem) {
@@ -213,24 +211,8 @@ TEST(ReadRange, FailsWithTheCaretAtTheFirstWrongCharacter) {
 }
 
 TEST(ReadRange, GoesOnWithTheNextLineAtEveryStep) {
-  struct Case {
-    std::string_view text;
-    std::string_view statement;
-  };
-  const Case cases[] = {
-      {"(m) { 0 .. (x) , \"a\" , 7 }", "(m) { [0]..[x] 'a' [7] }"},
-  };
-  for (const Case& c : cases) {
-    for (size_t at = 0; at < c.text.size(); ++at) {
-      if (c.text[at] != ' ') continue;
-      SCOPED_TRACE(c.text.substr(0, at));
-      RangeStatement read;
-      EXPECT_EQ(readText(readRange, c.text.substr(0, at), read).result, TEXT_ENDS);
-      EXPECT_EQ(readText(readRange, {c.text.substr(0, at), c.text.substr(at)}, read).result,
-                PARSE_DONE);
-      EXPECT_EQ(textOf(read), c.statement);
-    }
-  }
+  expectGoesOn<RangeStatement>(readRange, "(m) { 0 .. (x) , \"a\" , 7 }",
+                               "(m) { [0]..[x] 'a' [7] }");
 }
 
 TEST(ReadDefault, ReadsEveryFormOfValue) {
@@ -289,26 +271,9 @@ TEST(ReadDefault, FailsWithTheCaretAtTheFirstWrongCharacter) {
 }
 
 TEST(ReadDefault, GoesOnWithTheNextLineAtEveryStep) {
-  struct Case {
-    std::string_view text;
-    std::string_view statement;
-  };
-  const Case cases[] = {
-      {" ( m ) { \"a b\" }", "(m) { 'a b' }"},
-      {" { ( x + 1 ) }", "() { [x + 1] }"},
-      {" { 5 }", "() { [5] }"},
-  };
-  for (const Case& c : cases) {
-    for (size_t at = 0; at < c.text.size(); ++at) {
-      if (c.text[at] != ' ') continue;
-      SCOPED_TRACE(c.text.substr(0, at));
-      DefaultStatement read;
-      EXPECT_EQ(readText(readDefault, c.text.substr(0, at), read).result, TEXT_ENDS);
-      EXPECT_EQ(readText(readDefault, {c.text.substr(0, at), c.text.substr(at)}, read).result,
-                PARSE_DONE);
-      EXPECT_EQ(textOf(read), c.statement);
-    }
-  }
+  expectGoesOn<DefaultStatement>(readDefault, " ( m ) { \"a b\" }", "(m) { 'a b' }");
+  expectGoesOn<DefaultStatement>(readDefault, " { ( x + 1 ) }", "() { [x + 1] }");
+  expectGoesOn<DefaultStatement>(readDefault, " { 5 }", "() { [5] }");
 }
 
 TEST(ReadTranslation, ReadsTextsAndNumbers) {
@@ -373,25 +338,8 @@ TEST(ReadTranslation, FailsWithTheCaretAtTheFirstWrongCharacter) {
 }
 
 TEST(ReadTranslation, GoesOnWithTheNextLineAtEveryStep) {
-  struct Case {
-    std::string_view text;
-    std::string_view statement;
-  };
-  const Case cases[] = {
-      {" { \"a b\" -> 2 }", "'a b' -> '2'"},
-      {" { 1 -> \"c d\" }", "'1' -> 'c d'"},
-  };
-  for (const Case& c : cases) {
-    for (size_t at = 0; at < c.text.size(); ++at) {
-      if (c.text[at] != ' ') continue;
-      SCOPED_TRACE(c.text.substr(0, at));
-      Translation read;
-      EXPECT_EQ(readText(readTranslation, c.text.substr(0, at), read).result, TEXT_ENDS);
-      EXPECT_EQ(readText(readTranslation, {c.text.substr(0, at), c.text.substr(at)}, read).result,
-                PARSE_DONE);
-      EXPECT_EQ(textOf(read), c.statement);
-    }
-  }
+  expectGoesOn<Translation>(readTranslation, " { \"a b\" -> 2 }", "'a b' -> '2'");
+  expectGoesOn<Translation>(readTranslation, " { 1 -> \"c d\" }", "'1' -> 'c d'");
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "deflang/expression/token.h"
 #include "deflang/text/record.h"
 #include "deflang/text/text_cursor.h"
+#include "tests/support/lines.h"
 
 /// Where a reader stopped, and with which result.
 struct Stop {
@@ -27,12 +28,8 @@ inline std::ostream& operator<<(std::ostream& out, const Stop& stop) {
 /// The lines of `text`, each with its newline; the last may have none.
 inline std::vector<std::string_view> linesOf(std::string_view text) {
   std::vector<std::string_view> lines;
-  while (!text.empty()) {
-    const size_t newline = text.find('\n');
-    const size_t length = newline == std::string_view::npos ? text.size() : newline + 1;
-    lines.push_back(text.substr(0, length));
-    text.remove_prefix(length);
-  }
+  const TextCursor::NextLine nextLine = linesIn(text);
+  for (std::string_view line; nextLine(line);) lines.push_back(line);
   return lines;
 }
 
@@ -48,13 +45,7 @@ constexpr int TEXT_ENDS = -100;
 /// What a function of the grammar reads from the lines of a text, which may be pieces of lines.
 template <typename Read, typename T>
 Stop readText(Read read, const std::vector<std::string_view>& lines, T& what) {
-  size_t next = 0;
-  const auto nextLine = [&](std::string_view& line) {
-    if (next == lines.size()) return false;
-    line = lines[next++];
-    return true;
-  };
-  TextCursor cursor(nextLine, testMemory());
+  TextCursor cursor(pulledFrom(lines), testMemory());
   const bool isRead = read(cursor, what);
   const int fault = cursor.result() == PARSE_DONE ? TEXT_ENDS : cursor.result();
   return {isRead ? PARSE_DONE : fault, cursor.position().line, cursor.position().column};

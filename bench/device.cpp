@@ -3,6 +3,7 @@
 #include <cassert>
 #include <functional>
 
+#include "deflang/text/definition_grammar.h"
 #include "deflang/text/diagnostics.h"
 #include "sw/parm/build/builder.h"
 

@@ -11,7 +11,7 @@ namespace {
 
 Program compiled(const std::string& text, Variables& variables) {
   const std::string line = "(" + text + ")";
-  RecordMemory memory;
+  Arena memory;
   TextCursor cursor(linesIn(line), memory);
   Expression expression;
   const bool isRead = readExpression(cursor, expression);

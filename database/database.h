@@ -11,10 +11,10 @@
 #include <string_view>
 #include <vector>
 
-#include "base/name_table.h"
-#include "base/position_table.h"
-#include "base/seldom.h"
-#include "base/stable_list.h"
+#include "base/interner.h"
+#include "base/hash_index.h"
+#include "base/boxed.h"
+#include "base/segmented_list.h"
 #include "base/text_map.h"
 #include "sw/parm/build/definition_registry.h"
 #include "sw/parm/index_tuple.h"
@@ -49,7 +49,7 @@ struct ParmEntry {
   ParmDef parm;                        ///< in place: what is asked for by name is at hand at once
   VariableSources sources;             ///< of the names that its own expressions use
   std::vector<ParmEntry*> dependents;  ///< whose own expressions refer to it, in name order
-  Seldom<IndexLinks> indices;
+  Boxed<IndexLinks> indices;
   uint32_t level = 0;
   uint32_t rank = 0;              ///< its place in name order
   uint32_t walk = 0;              ///< the last walk over dependents that came here
@@ -118,9 +118,9 @@ class Database final : public DefinitionRegistry {
 
   std::map<std::string, ValueText, std::less<>> constants_;
   TextMap<IndexEntry> indices_;
-  StableList<ParmEntry> parms_;
-  PositionTable parmPositions_;         // by the hash of the name
-  StableList<VariableSource> sources_;  // of the distinct variables of all definitions
-  NameTable sourceNames_;
+  SegmentedList<ParmEntry> parms_;
+  HashIndex parmPositions_;         // by the hash of the name
+  SegmentedList<VariableSource> sources_;  // of the distinct variables of all definitions
+  Interner sourceNames_;
   uint32_t walks_ = 0;
 };

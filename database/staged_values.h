@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "base/position_table.h"
-#include "base/stable_list.h"
+#include "base/hash_index.h"
+#include "base/segmented_list.h"
 #include "database/database.h"
 #include "sw/parm/index_tuple.h"
 #include "sw/parm/value_text.h"
@@ -65,6 +65,6 @@ class StagedValues {
   StagedEntry& findOrAdd(const ParmEntry& parm, const IndexTuple& indices, const Make& make);
 
   const StagedValues* below_;
-  StableList<StagedEntry> entries_;
-  PositionTable positions_;
+  SegmentedList<StagedEntry> entries_;
+  HashIndex positions_;
 };

@@ -35,7 +35,7 @@ PlainVariables variablesOf(std::string_view bindings) {
 
 // Reads the expression; what it leaves open is closed by a last line. False when it is not
 // accepted.
-bool read(std::string_view text, RecordMemory& memory, Expression& expression) {
+bool read(std::string_view text, Arena& memory, Expression& expression) {
   const std::string lines = "(" + std::string(text) + "\n)";
   TextCursor cursor(linesIn(lines), memory);
   const bool isRead = readExpression(cursor, expression);
@@ -90,7 +90,7 @@ void expectSame(const Expression& expression, const PlainVariables& variables) {
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::string_view text = ::textOf(data, size);
   const PlainVariables variables = variablesOf(takeUpTo(text, '\n'));
-  RecordMemory memory;
+  Arena memory;
   Expression expression;
   if (read(text, memory, expression) && !nestsTooDeep(expression.tokens)) {
     expectSame(expression, variables);

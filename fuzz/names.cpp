@@ -53,7 +53,7 @@ void expectVariable(std::string_view name) {
   const std::string line = "(" + fullName(parts.base, parts.indices) + ")";
   if (line.find('\0') != std::string::npos) return;  // no text has it
   const std::vector<std::string> pieces = {line};
-  RecordMemory memory;
+  Arena memory;
   TextCursor cursor(pulledFrom(pieces), memory);
   Expression expression;
   demand(readExpression(cursor, expression) && cursor.rest().empty(), "not read: ", line);
@@ -113,7 +113,7 @@ void expectIndexList(const std::vector<std::string>& names) {
   line += " }";
   if (line.find('\0') != std::string::npos) return;
   const std::vector<std::string> pieces = {line};
-  RecordMemory memory;
+  Arena memory;
   TextCursor cursor(pulledFrom(pieces), memory);
   IndexStatement read;
   demand(readIndexList(cursor, read) && cursor.rest().empty(), "not read: ", line);

@@ -12,8 +12,8 @@
 #include <string_view>
 #include <vector>
 
-#include "base/position_table.h"
-#include "base/seldom.h"
+#include "base/hash_index.h"
+#include "base/boxed.h"
 
 /// What an operand is. The numbers are those of the tokens.
 enum operandKind_t : int32_t {
@@ -50,7 +50,7 @@ class Variables {
  private:
   std::vector<std::string> names_;
   // Only where there are so many names that a walk over them would show.
-  Seldom<PositionTable> table_;
+  Boxed<HashIndex> table_;
 };
 
 /// The values of a definition's variables at one moment, by slot. A fresh one holds none.

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-#include "base/record_memory.h"
+#include "base/arena.h"
 
 class LineTexts {
  public:
@@ -23,6 +23,6 @@ class LineTexts {
     const char* text;
   };
 
-  RecordMemory memory_;
+  Arena memory_;
   std::deque<Line> lines_;  // ascending by number
 };

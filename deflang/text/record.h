@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "base/position_table.h"
-#include "base/record_memory.h"
+#include "base/hash_index.h"
+#include "base/arena.h"
 #include "deflang/expression/token.h"
 #include "deflang/text/statement_list.h"
 
@@ -91,12 +91,12 @@ class ParameterRecords {
   [[nodiscard]] std::vector<const ParameterRecord*> inNameOrder() const;
   [[nodiscard]] size_t size() const { return records_.size(); }
   /// Where what the records refer to lives.
-  [[nodiscard]] RecordMemory& memory() { return memory_; }
+  [[nodiscard]] Arena& memory() { return memory_; }
 
  private:
   [[nodiscard]] std::optional<uint32_t> positionOf(std::string_view name) const;
 
-  RecordMemory memory_;
+  Arena memory_;
   std::deque<ParameterRecord> records_;
-  PositionTable positions_;  // by name
+  HashIndex positions_;  // by name
 };

@@ -5,7 +5,7 @@
 #include <iterator>
 #include <utility>
 
-#include "base/record_memory.h"
+#include "base/arena.h"
 
 template <typename T>
 class StatementList {
@@ -53,7 +53,7 @@ class StatementList {
   [[nodiscard]] Iterator begin() const { return empty() ? end() : Iterator(last_->next, last_); }
   [[nodiscard]] Iterator end() const { return Iterator(); }
   /// Adds a statement, which lives in `memory`, at the end.
-  void add(const T& statement, RecordMemory& memory) {
+  void add(const T& statement, Arena& memory) {
     Node* const node = memory.keepOne(Node{statement});
     node->next = empty() ? node : std::exchange(last_->next, node);
     last_ = node;

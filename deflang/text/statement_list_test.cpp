@@ -9,8 +9,8 @@
 
 namespace {
 
-TEST(RecordMemory, KeepsCopies) {
-  RecordMemory memory;
+TEST(Arena, KeepsCopies) {
+  Arena memory;
   std::string text = "gain";
   const std::string_view kept = memory.keepText(text);
   const std::string_view none = memory.keepText("");
@@ -19,7 +19,7 @@ TEST(RecordMemory, KeepsCopies) {
   int* const one = memory.keepOne(7);
   text = "none";
   numbers = {4, 5, 6};
-  RecordMemory owner = std::move(memory);  // what was kept stays where it is
+  Arena owner = std::move(memory);  // what was kept stays where it is
   EXPECT_EQ(kept, "gain");
   EXPECT_TRUE(none.empty());
   EXPECT_NE(none.data(), nullptr);
@@ -29,7 +29,7 @@ TEST(RecordMemory, KeepsCopies) {
 }
 
 TEST(StatementList, HoldsStatementsInOrder) {
-  RecordMemory memory;
+  Arena memory;
   StatementList<int> list;
   EXPECT_TRUE(list.empty());
   EXPECT_EQ(list.begin(), list.end());

@@ -7,7 +7,7 @@
 #include <functional>
 #include <string_view>
 
-#include "base/record_memory.h"
+#include "base/arena.h"
 #include "deflang/expression/token.h"
 #include "deflang/text/parse_result.h"
 
@@ -43,14 +43,14 @@ class TextCursor {
   using NextLine = std::function<bool(std::string_view& line)>;
 
   /// Before the first line, which is line 1. What is read is kept in `memory`.
-  TextCursor(NextLine nextLine, RecordMemory& memory)
+  TextCursor(NextLine nextLine, Arena& memory)
       : nextLine_(std::move(nextLine)), memory_(memory) {}
 
   /// PARSE_DONE until something is wrong; also where the text ends in the middle of a definition.
   [[nodiscard]] parseResult_t result() const { return result_; }
   [[nodiscard]] Position position() const { return {number_, static_cast<uint32_t>(column_)}; }
   [[nodiscard]] std::string_view line() const { return line_; }
-  [[nodiscard]] RecordMemory& memory() const { return memory_; }
+  [[nodiscard]] Arena& memory() const { return memory_; }
   /// What has not been read yet of the line.
   [[nodiscard]] std::string_view rest() const { return line_.substr(column_); }
   /// Whether `sign` comes next.
@@ -94,7 +94,7 @@ class TextCursor {
 
  private:
   NextLine nextLine_;
-  RecordMemory& memory_;
+  Arena& memory_;
   std::string_view line_;
   uint32_t number_ = 0;
   size_t column_ = 0;

@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "base/stable_list.h"
+#include "base/segmented_list.h"
 #include "database/transaction.h"
 #include "sw/parm/bounds.h"
 
@@ -39,7 +39,7 @@ class RangeSet {
   Transaction& transaction_;
   std::vector<NamedRange> ranges_;
   std::unordered_map<std::string_view, Known> known_;  // by spelling; full names are one
-  StableList<std::string> fullNames_;  // of the instances that were spelled in another way
-  StableList<BoundsParm> bounds_;
+  SegmentedList<std::string> fullNames_;  // of the instances that were spelled in another way
+  SegmentedList<BoundsParm> bounds_;
   size_t memory_ = 0;
 };

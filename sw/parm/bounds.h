@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "base/seldom.h"
+#include "base/boxed.h"
 #include "deflang/expression/program.h"
 
 /// What becomes of a number outside its range.
@@ -68,7 +68,7 @@ class BoundsString final : public Bounds {
     std::string correction;
     std::set<std::string> allowed;
   };
-  Seldom<Entries> entries_;
+  Boxed<Entries> entries_;
 };
 
 /// Integer spans, ascending, with at least one number left out between neighbours.

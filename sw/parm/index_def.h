@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "base/fixed_list.h"
-#include "base/seldom.h"
+#include "base/boxed.h"
 #include "base/work.h"
 #include "deflang/expression/program.h"
 #include "deflang/expression/variables.h"
@@ -108,7 +108,7 @@ class IndexDef {
   BoundsParm baseBounds_;
   [[no_unique_address]] FixedList<ConditionalBounds> conditionalBounds_;
   uint32_t longestText_;
-  Seldom<std::map<std::string, std::string>> translations_;
+  Boxed<std::map<std::string, std::string>> translations_;
   std::string name_;  // last, so that a parameter's value is beside it in memory
 };
 

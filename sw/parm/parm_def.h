@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "base/name_table.h"
-#include "base/stable_list.h"
+#include "base/interner.h"
+#include "base/segmented_list.h"
 #include "sw/parm/index_def.h"
 #include "sw/parm/index_tuple.h"
 #include "sw/parm/value_text.h"
@@ -118,13 +118,13 @@ class ParmDef final : public IndexDef {
     std::vector<const IndexDef*> indices;
     std::vector<uint32_t> nameSlots;        // by index: the slot of its name
     uint32_t usedNames = 0;                 // how many variables the expressions use
-    NameTable suffixes;                     // of the instances that hold a value
-    StableList<CommittedValue> values;      // by the number of the suffix
+    Interner suffixes;                     // of the instances that hold a value
+    SegmentedList<CommittedValue> values;      // by the number of the suffix
     std::vector<CommittedValue*> numbered;  // by the instance's number; null where not known
   };
 
   // First, beside the name: a value that is asked for by name is there with it.
-  Seldom<Indexing> indexing_;
+  Boxed<Indexing> indexing_;
   CommittedValue single_;  // of a parameter without indices
   accessMode_t mode_;
   bool hasRunTimeRanges_ = false;
@@ -132,6 +132,6 @@ class ParmDef final : public IndexDef {
   [[no_unique_address]] FixedList<ConditionalDefault> defaults_;  // leaves four bytes
   uint32_t evaluationWork_;
   FixedList<Program> readOnlyConditions_;
-  Seldom<std::vector<ConstraintRule>> constraintRules_;
-  Seldom<std::vector<ConditionalBounds>> documentedRanges_;
+  Boxed<std::vector<ConstraintRule>> constraintRules_;
+  Boxed<std::vector<ConditionalBounds>> documentedRanges_;
 };

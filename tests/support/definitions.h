@@ -22,7 +22,7 @@
 /// The program of an expression as a definition text has it, without the parentheses around it.
 inline Program makeProgram(Variables& variables, std::string_view text) {
   const std::string line = "(" + std::string(text) + ")";
-  RecordMemory memory;
+  Arena memory;
   TextCursor cursor(linesIn(line), memory);
   Expression expression;
   EXPECT_TRUE(readExpression(cursor, expression)) << text;

@@ -34,8 +34,8 @@ inline std::vector<std::string_view> linesOf(std::string_view text) {
 }
 
 /// Where what the tests read is kept.
-inline RecordMemory& testMemory() {
-  static RecordMemory memory;
+inline Arena& testMemory() {
+  static Arena memory;
   return memory;
 }
 

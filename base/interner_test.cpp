@@ -1,4 +1,4 @@
-#include "base/name_table.h"
+#include "base/interner.h"
 
 #include <gtest/gtest.h>
 
@@ -8,8 +8,8 @@
 
 namespace {
 
-TEST(NameTable, NumbersNamesInTheOrderInWhichTheyAreAdded) {
-  NameTable table;
+TEST(Interner, NumbersNamesInTheOrderInWhichTheyAreAdded) {
+  Interner table;
   EXPECT_EQ(table.find(""), std::nullopt);
   for (uint32_t i = 0; i < 1000; ++i) table.add("n" + std::to_string(i));
   table.add("");
@@ -25,14 +25,14 @@ TEST(NameTable, NumbersNamesInTheOrderInWhichTheyAreAdded) {
   EXPECT_EQ(table[1000], "");
 }
 
-TEST(NameTable, IsAsBeforeWhereMemoryIsExhausted) {
+TEST(Interner, IsAsBeforeWhereMemoryIsExhausted) {
   const std::string before(50, 'b');
   const std::string failed(500, 'f');
   const std::string after(60, 'a');
   bool fails = true;
   for (size_t allocations = 0; fails; ++allocations) {
     SCOPED_TRACE(allocations);
-    NameTable table;
+    Interner table;
     table.add(before);
     Allocations::left = allocations;
     try {

@@ -1,4 +1,4 @@
-#include "base/stable_list.h"
+#include "base/segmented_list.h"
 
 #include <gtest/gtest.h>
 
@@ -10,8 +10,8 @@
 
 namespace {
 
-TEST(StableList, HoldsItsElementsInOrder) {
-  StableList<std::string> list;
+TEST(SegmentedList, HoldsItsElementsInOrder) {
+  SegmentedList<std::string> list;
   EXPECT_TRUE(list.empty());
   for (size_t i = 0; i < 1000; ++i) {
     EXPECT_EQ(list.size(), i);
@@ -23,12 +23,12 @@ TEST(StableList, HoldsItsElementsInOrder) {
   EXPECT_EQ(std::as_const(list)[999], "last");
 }
 
-TEST(StableList, LeavesItsElementsWhereTheyAre) {
-  StableList<std::unique_ptr<int>> list;  // no copy
+TEST(SegmentedList, LeavesItsElementsWhereTheyAre) {
+  SegmentedList<std::unique_ptr<int>> list;  // no copy
   std::vector<const std::unique_ptr<int>*> places;
   places.reserve(1000);
   for (int i = 0; i < 1000; ++i) places.push_back(&list.add(std::make_unique<int>(i)));
-  StableList<std::unique_ptr<int>> moved = std::move(list);
+  SegmentedList<std::unique_ptr<int>> moved = std::move(list);
   for (int i = 0; i < 1000; ++i) {
     const auto position = static_cast<size_t>(i);
     EXPECT_EQ(&moved[position], places[position]);
@@ -49,8 +49,8 @@ class Reluctant {
   int copies_;
 };
 
-TEST(StableList, IsAsBeforeWhereAnElementCannotBeAdded) {
-  StableList<Reluctant> list;
+TEST(SegmentedList, IsAsBeforeWhereAnElementCannotBeAdded) {
+  SegmentedList<Reluctant> list;
   for (size_t i = 0; i < 200; ++i) {  // some of them begin a block
     EXPECT_THROW(list.add(Reluctant(1)), std::bad_alloc);
     ASSERT_EQ(list.size(), i);
@@ -59,8 +59,8 @@ TEST(StableList, IsAsBeforeWhereAnElementCannotBeAdded) {
   for (size_t i = 0; i < 200; ++i) EXPECT_EQ(list[i].copies(), static_cast<int>(i) + 999);
 }
 
-TEST(StableList, BeginsAgainWhenItIsReplaced) {
-  StableList<std::unique_ptr<int>> list;
+TEST(SegmentedList, BeginsAgainWhenItIsReplaced) {
+  SegmentedList<std::unique_ptr<int>> list;
   for (int i = 0; i < 100; ++i) list.add(std::make_unique<int>(i));
   list = {};
   EXPECT_TRUE(list.empty());

@@ -10,11 +10,11 @@
 /// the table of the blocks is short enough to be in the cache always, where that of a deque is one
 /// more wait for memory, and an empty list takes no memory. A list can be moved, not copied.
 template <typename T>
-class StableList {
+class SegmentedList {
  public:
-  StableList() = default;
-  StableList(StableList&&) noexcept = default;
-  StableList& operator=(StableList&&) noexcept = default;
+  SegmentedList() = default;
+  SegmentedList(SegmentedList&&) noexcept = default;
+  SegmentedList& operator=(SegmentedList&&) noexcept = default;
 
   [[nodiscard]] size_t size() const {
     return blocks_.empty() ? 0 : firstOf(blocks_.size() - 1) + blocks_.back().size();

@@ -10,7 +10,7 @@
 
 /// For each element its hash and its position, by open addressing: mostly one place to look at, and
 /// no element is looked at before its hash agrees.
-class PositionTable {
+class HashIndex {
  public:
   /// The position of the element with this hash for which `isIt` is true, or nothing.
   template <typename IsIt>

@@ -1,19 +1,19 @@
-// Seldom: a value that most of its owners do not have. Where it was never changed it takes the
+// Boxed: a value that most of its owners do not have. Where it was never changed it takes the
 // space of a pointer.
 #pragma once
 
 #include <memory>
 
 template <typename T>
-class Seldom {
+class Boxed {
  public:
-  Seldom() = default;
-  Seldom(const Seldom& other)
+  Boxed() = default;
+  Boxed(const Boxed& other)
       : value_(other.value_ ? std::make_unique<T>(*other.value_) : nullptr) {}
-  Seldom(Seldom&&) noexcept = default;
-  Seldom& operator=(const Seldom& other) { return *this = Seldom(other); }
-  Seldom& operator=(Seldom&&) noexcept = default;
-  ~Seldom() = default;
+  Boxed(Boxed&&) noexcept = default;
+  Boxed& operator=(const Boxed& other) { return *this = Boxed(other); }
+  Boxed& operator=(Boxed&&) noexcept = default;
+  ~Boxed() = default;
 
   /// The value, or a fresh one.
   [[nodiscard]] const T& get() const {

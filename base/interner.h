@@ -8,11 +8,11 @@
 #include <string_view>
 #include <vector>
 
-#include "base/position_table.h"
+#include "base/hash_index.h"
 #include "base/text_map.h"
 
 /// The names are kept behind one another, so that looking for one leaves everything else alone.
-class NameTable {
+class Interner {
  public:
   /// The number of `name`, or nothing.
   [[nodiscard]] std::optional<uint32_t> find(std::string_view name) const {
@@ -37,5 +37,5 @@ class NameTable {
  private:
   std::string text_;
   std::vector<size_t> ends_;  // of each name in text_
-  PositionTable numbers_;
+  HashIndex numbers_;
 };

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <type_traits>
 
-class RecordMemory {
+class Arena {
  public:
   /// A copy of `text`.
   std::string_view keepText(std::string_view text) {

@@ -8,8 +8,7 @@ template <typename T>
 class Boxed {
  public:
   Boxed() = default;
-  Boxed(const Boxed& other)
-      : value_(other.value_ ? std::make_unique<T>(*other.value_) : nullptr) {}
+  Boxed(const Boxed& other) : value_(other.value_ ? std::make_unique<T>(*other.value_) : nullptr) {}
   Boxed(Boxed&&) noexcept = default;
   Boxed& operator=(const Boxed& other) { return *this = Boxed(other); }
   Boxed& operator=(Boxed&&) noexcept = default;

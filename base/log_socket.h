@@ -4,7 +4,7 @@
 #include <cstddef>
 
 /// What became of an entry that was not sent.
-enum logFailure_t : int {
+enum LogFailure : int {
   LOG_LOST = 1,    ///< the log does not take it: it is full, too slow, or away for a while
   LOG_ABSENT = 2,  ///< no log is there, and none has been since the start
 };
@@ -20,7 +20,7 @@ class LogSocket {
   LogSocket(const LogSocket&) = delete;
   LogSocket& operator=(const LogSocket&) = delete;
 
-  /// Sends `line` as an entry at LOG_ERR of facility LOG_USER. Returns 0 or a logFailure_t. An
+  /// Sends `line` as an entry at LOG_ERR of facility LOG_USER. Returns 0 or a LogFailure. An
   /// entry that is longer than the socket takes at once (some 200 kB, by the system's default) is
   /// lost.
   int send(const char* line);

@@ -7,7 +7,7 @@
 #include "database/transaction.h"
 
 /// Results of commit.
-enum commitResult_t : int {
+enum CommitResult : int {
   COMMIT_DONE = 0,
   COMMIT_INVALID_VALUE = -2,  ///< a correction gave no value, or the base bounds refused a value
   COMMIT_INVALID_INDEX = -3,  ///< an instance that a client staged does not exist
@@ -36,7 +36,7 @@ class ChangeRoom {
 /// them, level by level. `changes` receives what to report, ascending by name: the values that
 /// changed or that are reported for the first time, and every write-only one. Values are stored as
 /// they are accepted; a failure ends its level, the later levels are still applied. The transaction
-/// is empty afterwards. Returns a commitResult_t, the first failure; a write that the parameter
+/// is empty afterwards. Returns a CommitResult, the first failure; a write that the parameter
 /// does not allow just now is no failure and changes nothing. Where memory is exhausted in between,
 /// or there is no `room` for a change, std::bad_alloc is raised and `changes` has what was stored
 /// until then; without `room` there is room for all.

@@ -11,9 +11,9 @@
 #include <string_view>
 #include <vector>
 
-#include "base/interner.h"
-#include "base/hash_index.h"
 #include "base/boxed.h"
+#include "base/hash_index.h"
+#include "base/interner.h"
 #include "base/segmented_list.h"
 #include "base/text_map.h"
 #include "sw/parm/build/definition_registry.h"
@@ -119,7 +119,7 @@ class Database final : public DefinitionRegistry {
   std::map<std::string, ValueText, std::less<>> constants_;
   TextMap<IndexEntry> indices_;
   SegmentedList<ParmEntry> parms_;
-  HashIndex parmPositions_;         // by the hash of the name
+  HashIndex parmPositions_;                // by the hash of the name
   SegmentedList<VariableSource> sources_;  // of the distinct variables of all definitions
   Interner sourceNames_;
   uint32_t walks_ = 0;

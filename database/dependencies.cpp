@@ -128,7 +128,7 @@ bool fits(const ParmDef& parm, const IndexTuple& indices) {
   return true;
 }
 
-// Finds the parameter that a walk starts from. Returns a dependenciesResult_t.
+// Finds the parameter that a walk starts from. Returns a DependenciesResult.
 int findStart(Database& database, std::string_view name, bool withIndices, Reader& start) {
   start = withIndices ? Reader{database.findNamed(name), splitName(name).indices}
                       : Reader{database.findParm(name), {}};

@@ -15,7 +15,7 @@ std::vector<std::string> validIndices(Database& database, const StagedValues& st
                                       const ParmDef& parm);
 
 /// Results of indexRange.
-enum indexRangeResult_t : int {
+enum IndexRangeResult : int {
   INDEX_RANGE_FOUND = 0,
   INDEX_RANGE_NO_INDEX = 1,
   INDEX_RANGE_NOT_VALID = 2,  ///< the index does not exist just now
@@ -23,6 +23,6 @@ enum indexRangeResult_t : int {
 };
 
 /// The values that an index takes just now: of the numbers and texts of its base bounds those that
-/// its full check accepts. Returns an indexRangeResult_t.
+/// its full check accepts. Returns an IndexRangeResult.
 int indexRange(Database& database, const StagedValues& staged, const std::string& name,
                std::vector<std::string>& texts, Spans& spans);

@@ -8,7 +8,7 @@
 #include "sw/parm/bounds.h"
 
 /// Results of queryRange besides those of BoundsExpression::evaluate (-5 to -1).
-enum rangeResult_t : int {
+enum RangeResult : int {
   RANGE_FOUND = 0,
   RANGE_INVALID_NAME = 1,  ///< no such parameter, or index values that do not fit
   RANGE_TOO_LARGE = 2,     ///< the names that it depends on are too long, as for dependencies
@@ -17,7 +17,7 @@ enum rangeResult_t : int {
 
 /// Finds the range of the instance `name` in the situation that a commit of what is staged would
 /// lead to: whatever the instance depends on, from the lowest level that a staged value touches, is
-/// evaluated on a scratch copy first. Nothing staged or committed changes. Returns a rangeResult_t
+/// evaluated on a scratch copy first. Nothing staged or committed changes. Returns a RangeResult
 /// or the code of the range that applies.
 int queryRange(Database& database, const StagedValues& staged, std::string_view name,
                BoundsParm& out);

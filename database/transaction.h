@@ -11,7 +11,7 @@
 #include "database/staged_values.h"
 
 /// Results of set and reset.
-enum stageResult_t : int {
+enum StageResult : int {
   STAGE_DONE = 0,
   STAGE_INVALID_NAME = 1,
   STAGE_INVALID_VALUE = 2,

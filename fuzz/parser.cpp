@@ -24,9 +24,9 @@ struct Reading {
 };
 
 // Where a line of no meaning is put in before each piece.
-enum interleaved_t { NOTHING, COMMENTS, EMPTY_LINES };
+enum Interleaved { NOTHING, COMMENTS, EMPTY_LINES };
 
-Reading read(const std::vector<std::string>& pieces, interleaved_t interleaved) {
+Reading read(const std::vector<std::string>& pieces, Interleaved interleaved) {
   std::vector<std::string> lines;
   for (const std::string& piece : pieces) {
     if (interleaved != NOTHING)

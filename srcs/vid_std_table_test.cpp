@@ -14,13 +14,13 @@
 namespace {
 
 // The catalogue as it was before any test completed it.
-struct catalogue_t {
+struct Catalogue {
   std::vector<vidStd_t> standards{vidStds().begin(), vidStds().end()};
   std::vector<vidExtent_t> prodAps{vidProdAps().begin(), vidProdAps().end()};
   std::vector<vidExtent_t> cleanAps{vidCleanAps().begin(), vidCleanAps().end()};
   vidMaxima_t maxima = vidMaxima();
 };
-const catalogue_t BEFORE;
+const Catalogue BEFORE;
 
 // One tab-separated line of the listing.
 template <typename... Fields>

@@ -74,12 +74,12 @@ class OddSocket {
 };
 
 // What a bus does with a call.
-enum failure_t { SILENCE, CLOSE, REFUSAL, WRONG_ANSWER };
+enum Failure { SILENCE, CLOSE, REFUSAL, WRONG_ANSWER };
 
 // A bus that answers its clients up to a certain call.
 class FailingBus {
  public:
-  FailingBus(std::string failingMethod, failure_t failure)
+  FailingBus(std::string failingMethod, Failure failure)
       : failingMethod_(std::move(failingMethod)),
         failure_(failure),
         listener_([this](int connection) { serve(connection); }) {}
@@ -149,7 +149,7 @@ class FailingBus {
   }
 
   std::string failingMethod_;
-  failure_t failure_;
+  Failure failure_;
   std::vector<GDBusConnection*> connections_;
   Listener listener_;  // the last one, so that its thread ends first
 };
@@ -221,7 +221,7 @@ TEST(BusFailure, OfASocketThatIsNoBusIsReported) {
 
 struct CallCase {
   const char* method;
-  failure_t failure;
+  Failure failure;
   std::string out;
   std::string err;
 };

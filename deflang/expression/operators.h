@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-enum operatorCode_t : int32_t {
+enum OperatorCode : int32_t {
   OP_LOGICAL_OR = 0,
   OP_LOGICAL_AND = 1,
   OP_BIT_OR = 2,
@@ -34,7 +34,7 @@ constexpr bool isComparison(int32_t kind) { return kind >= OP_EQUAL && kind <= O
 /// An operator or parenthesis at the start of a text.
 struct OperatorText {
   std::string_view text;
-  int32_t code;  ///< an operatorCode_t, TOKEN_OPEN or TOKEN_CLOSE
+  int32_t code;  ///< an OperatorCode, TOKEN_OPEN or TOKEN_CLOSE
 };
 
 /// The operator or parenthesis at the start of `rest`; the longer one where two fit. Nothing where

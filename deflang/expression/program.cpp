@@ -24,7 +24,7 @@ bool isSingle(const Token& token) {
 
 // An operand on the stack. It has no initial values, because most of the stack stays unused.
 struct Held {
-  operandKind_t kind;
+  OperandKind kind;
   int32_t number;      // of a number
   const char* text;    // of a string
   size_t size;         // of its text

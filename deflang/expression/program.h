@@ -13,7 +13,7 @@
 
 /// The result of an evaluation.
 struct Value {
-  operandKind_t kind = OPERAND_INVALID;
+  OperandKind kind = OPERAND_INVALID;
   int32_t number = 0;  ///< of a number
   std::string text;    ///< of a string
 

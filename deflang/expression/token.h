@@ -13,7 +13,7 @@ struct Position {
 
 /// What a token is, where it is no operator (operators.h has their codes, 0 to 18). The last three
 /// are also the kinds of an operand.
-enum tokenKind_t : int32_t {
+enum TokenKind : int32_t {
   TOKEN_OPEN = -3,
   TOKEN_CLOSE = -2,
   TOKEN_NUMBER = 19,
@@ -24,7 +24,7 @@ enum tokenKind_t : int32_t {
 /// One element of an expression, in source order.
 struct Token {
   Position at;
-  int32_t kind = TOKEN_NUMBER;  ///< a tokenKind_t or an operator's code
+  int32_t kind = TOKEN_NUMBER;  ///< a TokenKind or an operator's code
   int32_t number = 0;           ///< of a number
   std::string_view text;        ///< of a string; the name of a variable
 };

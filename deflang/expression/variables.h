@@ -12,11 +12,11 @@
 #include <string_view>
 #include <vector>
 
-#include "base/hash_index.h"
 #include "base/boxed.h"
+#include "base/hash_index.h"
 
 /// What an operand is. The numbers are those of the tokens.
-enum operandKind_t : int32_t {
+enum OperandKind : int32_t {
   OPERAND_INVALID = -1,  ///< an undefined variable, or an operator's result that does not exist
   OPERAND_NUMBER = 19,
   OPERAND_STRING = 20,
@@ -25,7 +25,7 @@ enum operandKind_t : int32_t {
 /// A value during evaluation. The text of a string is whoever's who bound it; a number that came
 /// from a text keeps a view of that text, which only printing uses.
 struct Operand {
-  operandKind_t kind = OPERAND_INVALID;
+  OperandKind kind = OPERAND_INVALID;
   int32_t number = 0;
   std::string_view text;
 };

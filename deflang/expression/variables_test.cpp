@@ -11,7 +11,7 @@ using namespace std::string_literals;
 TEST(OperandOf, IsANumberWhenAllOfTheTextIsOne) {
   struct Case {
     std::string text;
-    operandKind_t kind;
+    OperandKind kind;
     int32_t number;
   };
   const Case cases[] = {

@@ -17,7 +17,7 @@ constexpr StopSet KEYWORD_STOPS("({");
 
 struct AccessWord {
   std::string_view word;
-  accessCode_t code;
+  AccessCode code;
 };
 
 constexpr AccessWord ACCESS_WORDS[] = {
@@ -65,7 +65,7 @@ const T* findWord(const T (&table)[N], std::string_view word) {
   return found == std::end(table) ? nullptr : found;
 }
 
-bool readAccess(TextCursor& cursor, accessCode_t& access) {
+bool readAccess(TextCursor& cursor, AccessCode& access) {
   if (!cursor.skipWhiteSpace()) return false;
   const std::string_view word = cursor.word(ACCESS_STOPS);
   const AccessWord* const found = findWord(ACCESS_WORDS, word);
@@ -108,13 +108,13 @@ bool hasWords(std::string_view line) {
 
 }  // namespace
 
-parseResult_t readDefinitions(TextCursor& cursor, ParameterRecords& records) {
+ParseResult readDefinitions(TextCursor& cursor, ParameterRecords& records) {
   while (cursor.skipWhiteSpace() && readDefinition(cursor, records)) {
   }
   return cursor.result();
 }
 
-parseResult_t readDefinitionText(TextCursor::NextLine nextLine, DefinitionText& text) {
+ParseResult readDefinitionText(TextCursor::NextLine nextLine, DefinitionText& text) {
   uint32_t number = 0;
   const auto nextKept = [&, nextLine = std::move(nextLine)](std::string_view& line) {
     if (!nextLine(line)) return false;
@@ -123,7 +123,7 @@ parseResult_t readDefinitionText(TextCursor::NextLine nextLine, DefinitionText& 
     return true;
   };
   TextCursor cursor(nextKept, text.records.memory());
-  const parseResult_t result = readDefinitions(cursor, text.records);
+  const ParseResult result = readDefinitions(cursor, text.records);
   if (result != PARSE_DONE) {
     fprintf(stderr, "Error on line %u\n%s\n", number, parseResultMessage(result));
     printCaretLine(stderr, cursor.line(), cursor.position().column);

@@ -12,9 +12,9 @@
 /// memory is the cursor's. A definition that the text leaves unfinished keeps its complete
 /// statements. Returns the cursor's result: PARSE_DONE; PARSE_INVALID_ACCESS for an unknown word
 /// after a name or "ctrlRO" in a "wo" record; PARSE_SYNTAX_ERROR.
-parseResult_t readDefinitions(TextCursor& cursor, ParameterRecords& records);
+ParseResult readDefinitions(TextCursor& cursor, ParameterRecords& records);
 
 /// As readDefinitions(), from the lines that `nextLine` gives; keeps the text of the lines with
 /// words. Prints an error to standard error: the line's number, what is wrong, and the line with a
 /// caret under the column.
-parseResult_t readDefinitionText(TextCursor::NextLine nextLine, DefinitionText& text);
+ParseResult readDefinitionText(TextCursor::NextLine nextLine, DefinitionText& text);

@@ -9,7 +9,7 @@
 namespace {
 
 struct DiagnosticMessage {
-  diagnosticCode_t code;
+  DiagnosticCode code;
   const char* message;
 };
 
@@ -47,13 +47,13 @@ const char* diagnosticMessage(uint32_t code) {
   return "Unknown error.";
 }
 
-void DiagnosticCollector::add(severity_t severity, uint32_t code, const Expression& expression,
+void DiagnosticCollector::add(Severity severity, uint32_t code, const Expression& expression,
                               size_t position, const LineTexts& lines, std::string text) {
   add(severity, code, tokenPosition(expression, position), lines, std::move(text));
 }
 
-void DiagnosticCollector::add(severity_t severity, uint32_t code, Position at,
-                              const LineTexts& lines, std::string text) {
+void DiagnosticCollector::add(Severity severity, uint32_t code, Position at, const LineTexts& lines,
+                              std::string text) {
   diagnostics_.push_back({severity, code, at, std::move(text)});
   if (const std::optional<std::string_view> line = lines.find(at.line)) {
     lines_.try_emplace(at.line, *line);

@@ -11,7 +11,7 @@
 #include "deflang/text/line_texts.h"
 
 /// The codes that the builder raises.
-enum diagnosticCode_t : uint32_t {
+enum DiagnosticCode : uint32_t {
   DIAG_MULTIPLE_INDEX_STATEMENTS = 3,
   DIAG_UNDEFINED_INDEX = 4,
   DIAG_INVALID_INDEX = 5,
@@ -31,7 +31,7 @@ enum diagnosticCode_t : uint32_t {
 /// The message of a code; "Unknown error." for a code that is not in the table.
 const char* diagnosticMessage(uint32_t code);
 
-enum severity_t { SEVERITY_ERROR, SEVERITY_WARNING };
+enum Severity { SEVERITY_ERROR, SEVERITY_WARNING };
 
 /// Stands for a line or column that a diagnostic does not have.
 constexpr uint32_t NO_POSITION = UINT32_MAX;
@@ -41,7 +41,7 @@ constexpr uint32_t NO_POSITION = UINT32_MAX;
 Position tokenPosition(const Expression& expression, size_t position);
 
 struct Diagnostic {
-  severity_t severity;
+  Severity severity;
   uint32_t code;
   Position at;  ///< NO_POSITION twice for a report without a line
   std::string text;
@@ -51,10 +51,10 @@ struct Diagnostic {
 class DiagnosticCollector {
  public:
   /// Raises `code` at the token at `position` of `expression`, see tokenPosition().
-  void add(severity_t severity, uint32_t code, const Expression& expression, size_t position,
+  void add(Severity severity, uint32_t code, const Expression& expression, size_t position,
            const LineTexts& lines, std::string text = {});
   /// Raises `code` at a place in the text.
-  void add(severity_t severity, uint32_t code, Position at, const LineTexts& lines,
+  void add(Severity severity, uint32_t code, Position at, const LineTexts& lines,
            std::string text = {});
   [[nodiscard]] const std::vector<Diagnostic>& diagnostics() const { return diagnostics_; }
   /// Writes every diagnostic: severity and line, message and extra text, the line with a caret

@@ -1,7 +1,7 @@
 // Parse results: how the reading of a definition text ends.
 #pragma once
 
-enum parseResult_t : int {
+enum ParseResult : int {
   PARSE_DONE = 0,
   PARSE_INVALID_ACCESS = 1,
   PARSE_SYNTAX_ERROR = 2,

@@ -8,13 +8,13 @@
 #include <string_view>
 #include <vector>
 
-#include "base/hash_index.h"
 #include "base/arena.h"
+#include "base/hash_index.h"
 #include "deflang/expression/token.h"
 #include "deflang/text/statement_list.h"
 
 /// The word after the name.
-enum accessCode_t : int {
+enum AccessCode : int {
   ACCESS_NONE = -1,  ///< the text ended before the word; such a record is not built
   ACCESS_INDEX = 0,
   ACCESS_RO = 1,
@@ -65,7 +65,7 @@ struct Translation {
 struct ParameterRecord {
   std::string_view name;
   uint32_t line = 0;  ///< where the name first stood
-  accessCode_t access = ACCESS_NONE;
+  AccessCode access = ACCESS_NONE;
   StatementList<IndexStatement> indices;
   StatementList<RangeStatement> rangeValid;
   StatementList<RangeStatement> rangeDoc;

@@ -23,7 +23,7 @@ bool TextCursor::pullLine() {
   return fail(PARSE_SYNTAX_ERROR);
 }
 
-bool TextCursor::failAt(Position at, parseResult_t result) {
+bool TextCursor::failAt(Position at, ParseResult result) {
   column_ = at.line == number_ ? at.column : firstWord(line_);
   return fail(result);
 }

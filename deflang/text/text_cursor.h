@@ -43,11 +43,10 @@ class TextCursor {
   using NextLine = std::function<bool(std::string_view& line)>;
 
   /// Before the first line, which is line 1. What is read is kept in `memory`.
-  TextCursor(NextLine nextLine, Arena& memory)
-      : nextLine_(std::move(nextLine)), memory_(memory) {}
+  TextCursor(NextLine nextLine, Arena& memory) : nextLine_(std::move(nextLine)), memory_(memory) {}
 
   /// PARSE_DONE until something is wrong; also where the text ends in the middle of a definition.
-  [[nodiscard]] parseResult_t result() const { return result_; }
+  [[nodiscard]] ParseResult result() const { return result_; }
   [[nodiscard]] Position position() const { return {number_, static_cast<uint32_t>(column_)}; }
   [[nodiscard]] std::string_view line() const { return line_; }
   [[nodiscard]] Arena& memory() const { return memory_; }
@@ -85,12 +84,12 @@ class TextCursor {
     return skipWhiteSpace() && (take(sign) || fail(PARSE_SYNTAX_ERROR));
   }
   /// Ends the reading here. Returns false.
-  bool fail(parseResult_t result) {
+  bool fail(ParseResult result) {
     result_ = result;
     return false;
   }
   /// Ends the reading at `at`, or at the first word of the line where `at` is on an earlier one.
-  bool failAt(Position at, parseResult_t result);
+  bool failAt(Position at, ParseResult result);
 
  private:
   NextLine nextLine_;
@@ -98,7 +97,7 @@ class TextCursor {
   std::string_view line_;
   uint32_t number_ = 0;
   size_t column_ = 0;
-  parseResult_t result_ = PARSE_DONE;
+  ParseResult result_ = PARSE_DONE;
 };
 
 /// Where the first character of `line` that is no white space is; its length where there is none.

@@ -12,7 +12,7 @@
 
 namespace {
 
-const char* familyName(methodFamily_t family) {
+const char* familyName(MethodFamily family) {
   static const char* const NAMES[] = {"Start",
                                       "End",
                                       "Get",
@@ -31,7 +31,7 @@ const char* familyName(methodFamily_t family) {
 }
 
 struct Cause {
-  methodFamily_t family;
+  MethodFamily family;
   int result;
   const char* text;
 };
@@ -54,7 +54,7 @@ constexpr Cause CAUSES[] = {
 };
 
 // What comes after "failed because".
-const char* cause(methodFamily_t family, int result) {
+const char* cause(MethodFamily family, int result) {
   if (result == UNKNOWN_TRANSACTION) return "of invalid transaction id";
   if (result == OUT_OF_MEMORY) return "of an \"out of memory\" condition";
   for (const Cause& c : CAUSES) {
@@ -63,14 +63,14 @@ const char* cause(methodFamily_t family, int result) {
   return family == METHOD_GET_DEPS ? "of unknown error" : "of internal error";
 }
 
-bool isOfBounds(methodFamily_t family, int result) {
+bool isOfBounds(MethodFamily family, int result) {
   return family == METHOD_GET_RANGE && result != UNKNOWN_TRANSACTION && result != RANGE_TOO_LARGE &&
          result != INTERNAL_ERROR;
 }
 
 }  // namespace
 
-char* newErrorText(methodFamily_t family, int result) noexcept {
+char* newErrorText(MethodFamily family, int result) noexcept {
   const char* name = familyName(family);
   if (isOfBounds(family, result)) {
     return g_strdup_printf("dbus_tavrel_transaction: %s failed because of invalid bounds (%d)",
@@ -80,7 +80,7 @@ char* newErrorText(methodFamily_t family, int result) noexcept {
                          cause(family, result));
 }
 
-gboolean finishMethod(GError** error, methodFamily_t family, int result) noexcept {
+gboolean finishMethod(GError** error, MethodFamily family, int result) noexcept {
   if (result == 0) return TRUE;
   if (error != nullptr && *error == nullptr) {
     const GQuark domain = g_quark_from_static_string("dbus_tavrel_transaction");

@@ -6,7 +6,7 @@
 #include <climits>
 
 /// The families of methods whose errors read alike.
-enum methodFamily_t {
+enum MethodFamily {
   METHOD_START,
   METHOD_END,
   METHOD_GET,
@@ -31,11 +31,11 @@ constexpr int INTERNAL_ERROR = INT_MAX - 3;  ///< also a reply that is too large
 
 /// The message of a result other than 0, allocated by GLib. Raises no exception: it is what becomes
 /// of one.
-char* newErrorText(methodFamily_t family, int result) noexcept;
+char* newErrorText(MethodFamily family, int result) noexcept;
 
 /// Hands on the result of an operation: TRUE for 0, otherwise FALSE and the error in `error`. Of
 /// several errors of one call the first stays.
-gboolean finishMethod(GError** error, methodFamily_t family, int result) noexcept;
+gboolean finishMethod(GError** error, MethodFamily family, int result) noexcept;
 
 /// Tells the system log where a call passed its budget of work, and how much it wanted.
 void logExceededWork() noexcept;

@@ -12,7 +12,7 @@ namespace {
 
 TEST(ErrorText, TellsEachCauseOfEachFamily) {
   struct TextCase {
-    methodFamily_t family;
+    MethodFamily family;
     int result;
     const char* text;
   };

@@ -38,7 +38,7 @@ class ServiceLock {
 };
 
 /// Whether methods of a family leave something in a transaction.
-constexpr bool keepsMemory(methodFamily_t family) {
+constexpr bool keepsMemory(MethodFamily family) {
   return family == METHOD_START || (METHOD_VALIDATE <= family && family <= METHOD_RESET_STATUS);
 }
 
@@ -46,7 +46,7 @@ constexpr bool keepsMemory(methodFamily_t family) {
 /// only exhausted memory and a passed budget of work raise, becomes an error of the family instead
 /// of ending the program; start has a text for the former.
 template <typename Operation>
-gboolean serve(const MethodCall& call, methodFamily_t family, Operation operation) {
+gboolean serve(const MethodCall& call, MethodFamily family, Operation operation) {
   const ServiceLock lock;
   assertNotNull(call.object, "obj != NULL", call.method);
   Work::begin();
@@ -64,7 +64,7 @@ gboolean serve(const MethodCall& call, methodFamily_t family, Operation operatio
 
 /// Runs `operation`, which gives a result, in the client's transaction `id`.
 template <typename Operation>
-gboolean inTransaction(const MethodCall& call, methodFamily_t family, uint32_t id,
+gboolean inTransaction(const MethodCall& call, MethodFamily family, uint32_t id,
                        Operation operation) {
   return serve(call, family, [&] {
     Transaction* transaction = ServiceState::current().findTransaction(id);
@@ -75,7 +75,7 @@ gboolean inTransaction(const MethodCall& call, methodFamily_t family, uint32_t i
 
 /// Runs `operation`, which gives a result, in a transaction of its own.
 template <typename Operation>
-gboolean inOwnTransaction(const MethodCall& call, methodFamily_t family, Operation operation) {
+gboolean inOwnTransaction(const MethodCall& call, MethodFamily family, Operation operation) {
   return serve(call, family, [&] {
     return finishMethod(call.error, family, inNewTransaction(std::ref(operation)));
   });
@@ -83,7 +83,7 @@ gboolean inOwnTransaction(const MethodCall& call, methodFamily_t family, Operati
 
 /// As inOwnTransaction, then commits, also what is staged in spite of a failure.
 template <typename Operation>
-gboolean andCommit(const MethodCall& call, methodFamily_t family, Operation operation) {
+gboolean andCommit(const MethodCall& call, MethodFamily family, Operation operation) {
   return inOwnTransaction(call, family, [&](Transaction& transaction) {
     const int result = operation(transaction);
     finishMethod(call.error, family, result);

@@ -36,7 +36,7 @@ TEST(Serve, HoldsTheLockDuringTheOperation) {
 
 TEST(Serve, MakesAnErrorOfAnException) {
   struct ExceptionCase {
-    methodFamily_t family;
+    MethodFamily family;
     const char* message;
   };
   const ExceptionCase cases[] = {
@@ -109,14 +109,14 @@ TEST(InOwnTransaction, TakesAnIdAndOpensNothing) {
 // Where the heap has grown, and where it has not.
 TEST(Serve, LooksForHeadroomWhereAMethodKeepsMemory) {
   TestService service("");
-  const auto succeeds = [&](methodFamily_t family) {
+  const auto succeeds = [&](MethodFamily family) {
     GError* error = nullptr;
     const bool done =
         serve({"test", service.object(), &error}, family, [] { return TRUE; }) == TRUE;
     g_clear_error(&error);
     return done;
   };
-  for (const methodFamily_t family : {METHOD_START, METHOD_SET, METHOD_GET, METHOD_COMMIT}) {
+  for (const MethodFamily family : {METHOD_START, METHOD_SET, METHOD_GET, METHOD_COMMIT}) {
     SCOPED_TRACE(family);
     ++heapEnd;
     Mappings::succeed = false;
@@ -138,7 +138,7 @@ TEST(Serve, TakesTheMethodsThatKeepMemory) {
     const bool keeps = family == METHOD_START || family == METHOD_VALIDATE ||
                        family == METHOD_SET || family == METHOD_SET_STATUS ||
                        family == METHOD_RESET || family == METHOD_RESET_STATUS;
-    EXPECT_EQ(keepsMemory(static_cast<methodFamily_t>(family)), keeps) << family;
+    EXPECT_EQ(keepsMemory(static_cast<MethodFamily>(family)), keeps) << family;
   }
 }
 

@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "base/fixed_list.h"
 #include "base/boxed.h"
+#include "base/fixed_list.h"
 #include "base/work.h"
 #include "deflang/expression/program.h"
 #include "deflang/expression/variables.h"

@@ -15,7 +15,7 @@
 #include "sw/parm/value_text.h"
 
 /// Who may write, beside the read-only conditions.
-enum accessMode_t : int {
+enum AccessMode : int {
   MODE_NEVER = 0,     ///< nobody, ever
   MODE_NORMAL = 1,    ///< "ro" (which has an ever true read-only condition) and "rw"
   MODE_ROSTRICT = 2,  ///< as "ro"; a stored value is reported to nobody
@@ -45,7 +45,7 @@ struct CommittedValue {
 /// What a parameter has beyond an index.
 struct ParmParts {
   std::vector<const IndexDef*> indices;  ///< in the order of the index statement; not owned
-  accessMode_t mode = MODE_NORMAL;
+  AccessMode mode = MODE_NORMAL;
   std::string fallbackDefault;
   std::vector<ConditionalDefault> defaults;
   std::vector<ConstraintRule> constraintRules;
@@ -76,7 +76,7 @@ class ParmDef final : public IndexDef {
   /// of BoundsExpression::evaluate.
   int range(BoundsParm& out, const SituationView& situation) const;
 
-  [[nodiscard]] accessMode_t mode() const { return mode_; }
+  [[nodiscard]] AccessMode mode() const { return mode_; }
   [[nodiscard]] const std::vector<const IndexDef*>& indices() const { return indexing_->indices; }
   [[nodiscard]] const std::vector<ConstraintRule>& constraintRules() const {
     return constraintRules_.get();
@@ -118,15 +118,15 @@ class ParmDef final : public IndexDef {
     std::vector<const IndexDef*> indices;
     std::vector<uint32_t> nameSlots;        // by index: the slot of its name
     uint32_t usedNames = 0;                 // how many variables the expressions use
-    Interner suffixes;                     // of the instances that hold a value
-    SegmentedList<CommittedValue> values;      // by the number of the suffix
+    Interner suffixes;                      // of the instances that hold a value
+    SegmentedList<CommittedValue> values;   // by the number of the suffix
     std::vector<CommittedValue*> numbered;  // by the instance's number; null where not known
   };
 
   // First, beside the name: a value that is asked for by name is there with it.
   Boxed<Indexing> indexing_;
   CommittedValue single_;  // of a parameter without indices
-  accessMode_t mode_;
+  AccessMode mode_;
   bool hasRunTimeRanges_ = false;
   std::string fallbackDefault_;
   [[no_unique_address]] FixedList<ConditionalDefault> defaults_;  // leaves four bytes

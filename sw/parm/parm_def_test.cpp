@@ -12,7 +12,7 @@ using Texts = TextSituation::Texts;
 
 TEST(ParmDef, IsReadOnlyByModeAndConditions) {
   struct {
-    accessMode_t mode;
+    AccessMode mode;
     std::vector<std::string> conditions;
     bool readOnly;
   } const cases[] = {

@@ -11,7 +11,7 @@ const BoundsParm EVERYTHING;
 }  // namespace
 
 PresentBounds::PresentBounds(std::span<const ConditionalBounds> bounds,
-                             const SituationView& situation, unusable_t unusable) {
+                             const SituationView& situation, UnusableRange unusable) {
   applying_.reserve(bounds.size());
   computed_.reserve(static_cast<size_t>(std::count_if(
       bounds.begin(), bounds.end(),

@@ -14,7 +14,7 @@
 #include "sw/parm/index_def.h"
 
 /// What becomes of a run-time range whose items have no value in the situation.
-enum unusable_t {
+enum UnusableRange {
   UNUSABLE_DROPPED,  ///< it does not apply
   UNUSABLE_ACCEPTS,  ///< it applies and accepts every value
 };
@@ -22,7 +22,7 @@ enum unusable_t {
 class PresentBounds {
  public:
   PresentBounds(std::span<const ConditionalBounds> bounds, const SituationView& situation,
-                unusable_t unusable);
+                UnusableRange unusable);
   PresentBounds(const PresentBounds&) = delete;
   PresentBounds& operator=(const PresentBounds&) = delete;
 

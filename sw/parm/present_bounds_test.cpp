@@ -11,7 +11,7 @@ using Texts = TextSituation::Texts;
 // A definition with these conditional bounds, and the bounds as they are in a situation.
 class BoundsIn {
  public:
-  BoundsIn(const std::vector<RangeText>& ranges, const Texts& texts, unusable_t unusable)
+  BoundsIn(const std::vector<RangeText>& ranges, const Texts& texts, UnusableRange unusable)
       : index_(makeIndex({.ranges = ranges})),
         situation_(index_.variables(), texts),
         bounds_(index_.conditionalBounds(), situation_, unusable) {}

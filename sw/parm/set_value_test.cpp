@@ -96,7 +96,7 @@ TEST_F(SetValue, DoesNotWriteWhatIsNotValid) {
 
 TEST_F(SetValue, WritesByModeReadOnlyConditionsAndForce) {
   struct {
-    accessMode_t mode;
+    AccessMode mode;
     setMode_t how;
     std::string readOnlyIf;
     Expected expected;

@@ -31,6 +31,6 @@ class ValueText {
 
  private:
   std::string text_;
-  operandKind_t kind_ = OPERAND_INVALID;
+  OperandKind kind_ = OPERAND_INVALID;
   int32_t number_ = 0;
 };

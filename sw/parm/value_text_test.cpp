@@ -9,7 +9,7 @@ namespace {
 TEST(ValueText, KnowsWhatItIsAsAnOperand) {
   struct {
     std::string text;
-    operandKind_t kind;
+    OperandKind kind;
     int32_t number;
   } const cases[] = {
       {"7", OPERAND_NUMBER, 7},     {"-2147483648", OPERAND_NUMBER, INT32_MIN},

@@ -22,19 +22,19 @@ struct Statement {
   Range range = {};
 };
 
-enum access_t { ACCESS_RW, ACCESS_RO, ACCESS_ROSTRICT, ACCESS_WO };
+enum Access { ACCESS_RW, ACCESS_RO, ACCESS_ROSTRICT, ACCESS_WO };
 /// What a parameter has besides its constant range.
-enum statements_t { ONLY_CONSTANT, WITH_CONDITIONS, WITH_RUN_TIME };
+enum Statements { ONLY_CONSTANT, WITH_CONDITIONS, WITH_RUN_TIME };
 
 struct Parm {
-  access_t access = ACCESS_RW;
+  Access access = ACCESS_RW;
   Indices indices = {};              ///< the names of its indices
   int level = 0;                     ///< the longest way down to what depends on nothing
   std::set<std::string> names = {};  ///< the parameters that its text and its indices' name
   /// What get_deps answers, divided by blanks, with the names of indices for their values.
   std::string deps = {};
   Range constant = {};
-  statements_t kind = ONLY_CONSTANT;
+  Statements kind = ONLY_CONSTANT;
   std::map<std::string, std::string> translations = {};
   /// The statements whose conditions hold, in the order of the text; null when there are none.
   std::function<std::vector<Statement>(const See& see, const Indices& at)> statements = {};

@@ -393,8 +393,8 @@ std::string Model::set(Staged& staged, const std::string& name, const std::strin
   return "";
 }
 
-Model::verdict_t Model::judge(const Instance& instance, std::string& value, bool force,
-                              const See& see) {
+Model::Verdict Model::judge(const Instance& instance, std::string& value, bool force,
+                            const See& see) {
   const Parm& parm = *instance.parm;
   if (parm.exists && !parm.exists(see)) return PASSED_OVER;
   if (!existsNow(parm, instance.at, see)) return NO_INSTANCE;
@@ -402,10 +402,10 @@ Model::verdict_t Model::judge(const Instance& instance, std::string& value, bool
   return correct(parm, statementsOf(parm, instance.at, see), value) ? STORED : REFUSED;
 }
 
-Model::verdict_t Model::evaluate(Entry& entry, const std::string& name, const Staged& staged,
-                                 bool store) {
+Model::Verdict Model::evaluate(Entry& entry, const std::string& name, const Staged& staged,
+                               bool store) {
   std::string value = entry.value;
-  const verdict_t verdict = judge(entry.instance, value, entry.force, seeing(staged));
+  const Verdict verdict = judge(entry.instance, value, entry.force, seeing(staged));
   if (verdict == STORED) {
     entry.value = value;
     if (store) {
@@ -454,9 +454,9 @@ Model::Plan Model::planCommit(Staged& staged) const {
 }
 
 // The daemon's result code of a refusal.
-std::string Model::refusalCode(verdict_t verdict) { return verdict == NO_INSTANCE ? "-3" : "-2"; }
+std::string Model::refusalCode(Verdict verdict) { return verdict == NO_INSTANCE ? "-3" : "-2"; }
 
-bool Model::isReported(const Step& step, access_t access, const std::string& before) {
+bool Model::isReported(const Step& step, Access access, const std::string& before) {
   if (access == ACCESS_ROSTRICT) return false;
   const bool isFirst = announced_.insert(step.name).second;
   return isFirst || access == ACCESS_WO || get(step.name) != before;
@@ -476,7 +476,7 @@ std::string Model::commit(Staged& staged, std::vector<std::string>& signal) {
       takeCommitted(entry, step.name);
       continue;
     }
-    const verdict_t verdict = evaluate(entry, step.name, staged, true);
+    const Verdict verdict = evaluate(entry, step.name, staged, true);
     if (isRefusal(verdict)) {
       endedLevel = step.level;
       log_.push_back("commit: ERROR " + inDoubleQuotes(step.name) + "=" + inDoubleQuotes(wanted) +
@@ -493,7 +493,7 @@ std::string Model::commit(Staged& staged, std::vector<std::string>& signal) {
   return answer;
 }
 
-std::string Model::commitFailure(verdict_t verdict) {
+std::string Model::commitFailure(Verdict verdict) {
   return failed("Commit", verdict == NO_INSTANCE ? "parameter index is invalid"
                                                  : "parameter definition is invalid");
 }

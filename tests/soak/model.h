@@ -39,7 +39,7 @@ class Model {
     bool generated = false;  ///< by a commit or a range query, not by a client
   };
   using Staged = std::map<std::string, Entry>;
-  enum verdict_t { STORED, PASSED_OVER, NO_INSTANCE, REFUSED };
+  enum Verdict { STORED, PASSED_OVER, NO_INSTANCE, REFUSED };
   struct Step;
   using Plan = std::set<Step>;
 
@@ -60,15 +60,15 @@ class Model {
   std::string set(Staged& staged, const std::string& name, const std::string& value,
                   bool status) const;
 
-  static verdict_t judge(const Instance& instance, std::string& value, bool force, const See& see);
+  static Verdict judge(const Instance& instance, std::string& value, bool force, const See& see);
   /// Judges an entry and leaves in it what its parameter holds afterwards.
-  verdict_t evaluate(Entry& entry, const std::string& name, const Staged& staged, bool store);
+  Verdict evaluate(Entry& entry, const std::string& name, const Staged& staged, bool store);
   void takeCommitted(Entry& entry, const std::string& name) const;
-  static bool isRefusal(verdict_t verdict) { return verdict == NO_INSTANCE || verdict == REFUSED; }
-  static std::string refusalCode(verdict_t verdict);
-  static std::string commitFailure(verdict_t verdict);
+  static bool isRefusal(Verdict verdict) { return verdict == NO_INSTANCE || verdict == REFUSED; }
+  static std::string refusalCode(Verdict verdict);
+  static std::string commitFailure(Verdict verdict);
 
-  bool isReported(const Step& step, access_t access, const std::string& before);
+  bool isReported(const Step& step, Access access, const std::string& before);
   std::string commit(Staged& staged, std::vector<std::string>& signal);
   [[nodiscard]] Plan planCommit(Staged& staged) const;
   void resolveResets(Staged& staged) const;

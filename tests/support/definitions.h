@@ -208,7 +208,7 @@ struct RuleText {
 struct ParmText {
   IndexText common = {.name = "gain"};
   std::vector<const IndexDef*> indices = {};
-  accessMode_t mode = MODE_NORMAL;
+  AccessMode mode = MODE_NORMAL;
   std::vector<std::string> readOnlyIf = {};
   std::vector<RuleText> rules = {};
   std::vector<DefaultText> defaults = {};

@@ -42,7 +42,7 @@ void neverValid(const Expression& expression, const Condition& condition, Defini
 
 void buildReadOnlyConditions(DefinitionDraft& draft) {
   std::vector<Program>& conditions = draft.parm.readOnlyConditions;
-  const accessCode_t access = draft.record().access;
+  const AccessCode access = draft.record().access;
   if (access == ACCESS_RO || access == ACCESS_ROSTRICT) conditions.push_back(Program::constant(1));
   ConstantConditions constants(draft);
   for (const Expression& expression : draft.record().ctrlRO) {

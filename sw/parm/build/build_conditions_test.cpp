@@ -8,7 +8,7 @@ namespace {
 
 struct AccessCase {
   std::string_view access;
-  accessMode_t mode;
+  AccessMode mode;
   bool readOnly;
 };
 

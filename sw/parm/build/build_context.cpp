@@ -16,7 +16,7 @@ const std::string* BuildContext::findConstant(std::string_view name) const {
   return isTaken ? nullptr : registry_.findConstant(name);
 }
 
-void BuildContext::report(severity_t severity, uint32_t code, Position at, std::string text) {
+void BuildContext::report(Severity severity, uint32_t code, Position at, std::string text) {
   diagnostics_.add(severity, code, at, lines_, std::move(text));
   if (severity == SEVERITY_ERROR) note(-1);
 }

@@ -32,7 +32,7 @@ class BuildContext {
   [[nodiscard]] const std::string* findConstant(std::string_view name) const;
 
   /// Raises a diagnostic; an error is also a failed step.
-  void report(severity_t severity, uint32_t code, Position at, std::string text);
+  void report(Severity severity, uint32_t code, Position at, std::string text);
   /// Notes the result of a step.
   void note(int stepResult) {
     if (result_ == 0) result_ = stepResult;

@@ -18,7 +18,7 @@
 
 namespace {
 
-accessMode_t modeOf(accessCode_t access) {
+AccessMode modeOf(AccessCode access) {
   switch (access) {
     case ACCESS_WO:
       return MODE_WRITE_ONLY;

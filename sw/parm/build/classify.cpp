@@ -41,9 +41,9 @@ Classification leaveOut(const Expression& expression, size_t position, Definitio
 }
 
 // What a name that is no constant leaves open. A condition may be decided without it.
-enum purpose_t { AS_VALUE, AS_CONDITION };
+enum Purpose { AS_VALUE, AS_CONDITION };
 
-Classification classify(const Expression& expression, purpose_t purpose, DefinitionDraft& draft) {
+Classification classify(const Expression& expression, Purpose purpose, DefinitionDraft& draft) {
   if (std::optional<Value> literal = literalValue(expression)) {
     return {DECIDED, *std::move(literal)};
   }

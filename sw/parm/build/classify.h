@@ -6,14 +6,14 @@
 #include "sw/parm/build/definition_draft.h"
 
 /// When an expression gets its value.
-enum decision_t {
+enum Decision {
   DECIDED,   ///< now, and for good
   RUN_TIME,  ///< in each situation anew
   LEFT_OUT,  ///< never: it is no expression, or has no result; reported as an error
 };
 
 struct Classification {
-  decision_t decision;
+  Decision decision;
   Value value = {};            ///< of a decided expression
   bool namesConstant = false;  ///< whether a command-line constant is among its names
   Compiled compiled = {};      ///< of a run-time expression
@@ -26,7 +26,7 @@ Classification classifyValue(const Expression& expression, DefinitionDraft& draf
 
 /// When a condition is true. Where the constants decide it alone, it does not wait for the other
 /// names.
-enum conditionKind_t {
+enum ConditionKind {
   CONDITION_ALWAYS,
   CONDITION_NEVER,
   CONDITION_RUN_TIME,
@@ -34,7 +34,7 @@ enum conditionKind_t {
 };
 
 struct Condition {
-  conditionKind_t kind;
+  ConditionKind kind;
   /// Whether a command-line constant is among its names; it then tells product variants apart.
   bool namesConstant = false;
   Compiled compiled = {};  ///< of a run-time condition

@@ -141,7 +141,7 @@ TEST(ClassifyValue, ReportsWhatNeverHasAValue) {
 TEST(ClassifyCondition, TellsWhenItIsTrue) {
   struct Case {
     const char* text;
-    conditionKind_t kind;
+    ConditionKind kind;
     bool namesConstant;
   };
   const Case cases[] = {

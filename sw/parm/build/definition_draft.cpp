@@ -17,7 +17,7 @@ Program DefinitionDraft::keep(const Expression& expression, Compiled compiled) {
   return std::move(compiled.program);
 }
 
-void DefinitionDraft::report(severity_t severity, uint32_t code, Position at, std::string text) {
+void DefinitionDraft::report(Severity severity, uint32_t code, Position at, std::string text) {
   if (at.line == NO_POSITION) text = recordText();
   context_.report(severity, code, at, std::move(text));
 }

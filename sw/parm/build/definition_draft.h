@@ -38,7 +38,7 @@ class DefinitionDraft {
   ParmParts parm;
 
  private:
-  void report(severity_t severity, uint32_t code, Position at, std::string text);
+  void report(Severity severity, uint32_t code, Position at, std::string text);
 
   BuildContext& context_;
   const ParameterRecord& record_;

@@ -1,23 +1,27 @@
-// Record memory: what the records of a text are made of. It is taken piece by piece and given back
-// all at once, which costs a fraction of an allocation for each piece.
+// Arena: memory that is taken piece by piece and given back all at once.
 #pragma once
 
 #include <memory>
 #include <memory_resource>
-#include <new>
 #include <span>
 #include <string_view>
 #include <type_traits>
 
+/// Holds what the reading of a definition text keeps: names, texts, lists. A piece costs a fraction
+/// of an allocation of its own, and all of it goes in one step once the definitions are built.
+///
+/// What is kept stays where it is for as long as the arena lives, also where the arena is moved.
+/// Nothing in it is ever destroyed, so only trivially copyable types are taken. Where memory runs
+/// out, std::bad_alloc is raised and what was kept before is as it was.
 class Arena {
  public:
-  /// A copy of `text`.
+  /// Keeps a copy of `text`, without a NUL behind it. An empty text takes no memory.
   std::string_view keepText(std::string_view text) {
     if (text.empty()) return "";
     const std::span<const char> kept = keepList(std::span(text.data(), text.size()));
     return {kept.data(), kept.size()};
   }
-  /// A copy of `elements`.
+  /// Keeps a copy of `elements`. An empty list takes no memory.
   template <typename T>
   std::span<const T> keepList(std::span<const T> elements) {
     static_assert(std::is_trivially_copyable_v<T>, "what is kept is never destroyed");
@@ -26,15 +30,9 @@ class Arena {
     std::uninitialized_copy(elements.begin(), elements.end(), kept);
     return {kept, elements.size()};
   }
-  /// A copy of `element`, which may be changed.
-  template <typename T>
-  T* keepOne(const T& element) {
-    static_assert(std::is_trivially_copyable_v<T>, "what is kept is never destroyed");
-    return new (memory_->allocate(sizeof(T), alignof(T))) T(element);
-  }
 
  private:
-  // In a place of its own, so that what was kept stays where it is when its owner is moved.
+  // In a place of its own: a std::pmr resource cannot be moved.
   std::unique_ptr<std::pmr::monotonic_buffer_resource> memory_ =
       std::make_unique<std::pmr::monotonic_buffer_resource>();
 };

@@ -1,4 +1,4 @@
-// Name tables: numbers for names, in the order in which they are added.
+// Interner: numbers for distinct names, and the names of the numbers.
 #pragma once
 
 #include <cstddef>
@@ -11,30 +11,66 @@
 #include "base/hash_index.h"
 #include "base/text_map.h"
 
-/// The names are kept behind one another, so that looking for one leaves everything else alone.
+/// Gives each distinct name a number, from 0 in the order in which the names come. Used for the
+/// variables of a definition (few names), for all names that a text refers to, and for the
+/// instances of a parameter that hold a value (up to a million).
+///
+/// Invariants:
+/// 1. The names have the numbers 0 to size() - 1, and a name keeps its number.
+/// 2. No name is there twice.
+/// 3. The texts lie behind one another: a search touches nothing of what the names stand for.
+/// 4. Up to FEW names there is no hash index; the search is a walk, which is as fast.
+/// 5. Where memory runs out (std::bad_alloc), everything is as before the call.
+///
+/// Measured against absl::flat_hash_map<std::string, uint32_t> with a vector of the names
+/// (bench/containers.cpp): see docs/performance.md, "Containers".
 class Interner {
  public:
-  /// The number of `name`, or nothing.
+  /// The number of `name`, or nullopt.
   [[nodiscard]] std::optional<uint32_t> find(std::string_view name) const {
+    if (size() <= FEW) return walk(name);
     return numbers_.find(TextHash{}(name),
                          [&](uint32_t number) { return (*this)[number] == name; });
   }
-  /// Adds a name that is not there yet. Its number is the count of those before it. Where memory is
-  /// exhausted, the table is as before.
-  void add(std::string_view name) {
-    numbers_.makeRoom();
-    text_.resize(ends_.empty() ? 0 : ends_.back());
-    text_.append(name);
-    ends_.push_back(text_.size());
-    numbers_.add(TextHash{}(name), static_cast<uint32_t>(ends_.size() - 1));
+  /// The number of `name`, which is added where it is new. At most 2^32 - 1 names.
+  uint32_t intern(std::string_view name) {
+    const std::optional<uint32_t> known = find(name);
+    return known ? *known : add(name);
   }
+  /// How many names there are.
   [[nodiscard]] size_t size() const { return ends_.size(); }
+  [[nodiscard]] bool empty() const { return ends_.empty(); }
+  /// The name of `number`, which is less than size(). The view holds until a name is added or the
+  /// interner is moved.
   [[nodiscard]] std::string_view operator[](uint32_t number) const {
     const size_t begin = number == 0 ? 0 : ends_[number - 1];
     return std::string_view(text_).substr(begin, ends_[number] - begin);
   }
 
  private:
+  static constexpr size_t FEW = 8;
+
+  [[nodiscard]] std::optional<uint32_t> walk(std::string_view name) const {
+    for (uint32_t number = 0; number < size(); ++number) {
+      if ((*this)[number] == name) return number;
+    }
+    return std::nullopt;
+  }
+  uint32_t add(std::string_view name) {
+    const auto number = static_cast<uint32_t>(size());
+    if (number >= FEW) numbers_.makeRoom(number == FEW ? FEW + 1 : 1);
+    text_.resize(ends_.empty() ? 0 : ends_.back());  // a call that failed may have left some
+    text_.append(name);
+    ends_.push_back(text_.size());
+    // From here on nothing can fail.
+    if (number == FEW) {
+      for (uint32_t earlier = 0; earlier < number; ++earlier) index(earlier);
+    }
+    if (number >= FEW) index(number);
+    return number;
+  }
+  void index(uint32_t number) { numbers_.add(TextHash{}((*this)[number]), number); }
+
   std::string text_;
   std::vector<size_t> ends_;  // of each name in text_
   HashIndex numbers_;

@@ -3,50 +3,88 @@
 #include <gtest/gtest.h>
 
 #include <new>
+#include <utility>
 
 #include "tests/support/allocations.h"
+#include "tests/support/names.h"
 
 namespace {
 
-TEST(Interner, NumbersNamesInTheOrderInWhichTheyAreAdded) {
-  Interner table;
-  EXPECT_EQ(table.find(""), std::nullopt);
-  for (uint32_t i = 0; i < 1000; ++i) table.add("n" + std::to_string(i));
-  table.add("");
-  EXPECT_EQ(table.size(), 1001U);
-  EXPECT_EQ(table.find("n0"), 0U);
-  EXPECT_EQ(table.find("n999"), 999U);
-  EXPECT_EQ(table.find(""), 1000U);
-  EXPECT_EQ(table.find("n1000"), std::nullopt);
-  EXPECT_EQ(table.find("n99 "), std::nullopt);
-  EXPECT_EQ(table[0], "n0");
-  EXPECT_EQ(table[500], "n500");
-  EXPECT_EQ(table[999], "n999");
-  EXPECT_EQ(table[1000], "");
+// Counts on both sides of that from which on a hash index is kept.
+constexpr uint32_t COUNTS[] = {0, 1, 7, 8, 9, 10, 1000};
+
+std::string nameOf(uint32_t number) { return "n" + std::to_string(number); }
+
+Interner internerOf(uint32_t count) {
+  Interner names;
+  for (uint32_t number = 0; number < count; ++number) names.intern(nameOf(number));
+  return names;
 }
 
-TEST(Interner, IsAsBeforeWhereMemoryIsExhausted) {
-  const std::string before(50, 'b');
+TEST(Interner, NumbersNamesInTheOrderInWhichTheyCome) {
+  Interner names;
+  EXPECT_TRUE(names.empty());
+  EXPECT_EQ(names.intern("mode"), 0U);
+  EXPECT_EQ(names.intern("gain[1]"), 1U);
+  EXPECT_EQ(names.intern("mode"), 0U);
+  EXPECT_EQ(names.intern(""), 2U);
+  EXPECT_FALSE(names.empty());
+  EXPECT_EQ(namesOf(names), (std::vector<std::string>{"mode", "gain[1]", ""}));
+  EXPECT_EQ(names.find("gain[1]"), 1U);
+  EXPECT_EQ(names.find("gain"), std::nullopt);
+}
+
+// Invariants 1, 2 and 4.
+TEST(Interner, ManyNamesAreFoundLikeFew) {
+  for (const uint32_t count : COUNTS) {
+    SCOPED_TRACE(count);
+    Interner names = internerOf(count);
+    EXPECT_EQ(names.size(), count);
+    for (uint32_t number = 0; number < count; ++number) {
+      EXPECT_EQ(names[number], nameOf(number));
+      EXPECT_EQ(names.find(nameOf(number)), number);
+      EXPECT_EQ(names.intern(nameOf(number)), number);
+    }
+    EXPECT_EQ(names.size(), count);
+    EXPECT_EQ(names.find(nameOf(count)), std::nullopt);
+    EXPECT_EQ(names.find("n"), std::nullopt);
+    EXPECT_EQ(names.intern(""), count);
+    EXPECT_EQ(names.find(""), count);
+  }
+}
+
+TEST(Interner, MovesWithItsNumbers) {
+  for (const uint32_t count : COUNTS) {
+    Interner names = internerOf(count);
+    const Interner moved = std::move(names);
+    EXPECT_EQ(moved.size(), count);
+    for (uint32_t number = 0; number < count; ++number) EXPECT_EQ(moved[number], nameOf(number));
+  }
+}
+
+// Invariant 5, at each allocation that a new name takes.
+TEST(Interner, IsAsBeforeWhereMemoryRunsOut) {
   const std::string failed(500, 'f');
   const std::string after(60, 'a');
-  bool fails = true;
-  for (size_t allocations = 0; fails; ++allocations) {
-    SCOPED_TRACE(allocations);
-    Interner table;
-    table.add(before);
-    Allocations::left = allocations;
-    try {
-      table.add(failed);
-      fails = false;
-    } catch (const std::bad_alloc&) {
+  for (const uint32_t count : COUNTS) {
+    SCOPED_TRACE(count);
+    bool fails = true;
+    for (size_t allocations = 0; fails; ++allocations) {
+      SCOPED_TRACE(allocations);
+      Interner names = internerOf(count);
+      Allocations::left = allocations;
+      try {
+        names.intern(failed);
+        fails = false;
+      } catch (const std::bad_alloc&) {
+      }
+      Allocations::left = SIZE_MAX;
+      EXPECT_EQ(names.size(), fails ? count : count + 1);
+      EXPECT_EQ(names.find(failed).has_value(), !fails);
+      EXPECT_EQ(names.intern(after), fails ? count : count + 1);
+      for (uint32_t number = 0; number < count; ++number) EXPECT_EQ(names[number], nameOf(number));
+      EXPECT_EQ(names[static_cast<uint32_t>(names.size() - 1)], after);
     }
-    Allocations::left = SIZE_MAX;
-    EXPECT_EQ(table.size(), fails ? 1U : 2U);
-    EXPECT_EQ(table.find(failed).has_value(), !fails);
-    table.add(after);
-    EXPECT_EQ(table[0], before);
-    EXPECT_EQ(table[static_cast<uint32_t>(table.size() - 1)], after);
-    EXPECT_EQ(table.find(after), table.size() - 1);
   }
 }
 

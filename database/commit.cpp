@@ -22,8 +22,8 @@ void resolveResets(StagedValues& staged) {
     if (entry->reset) {
       std::string value;
       // Without a default that applies, the value is the fallback: both serve.
-      static_cast<void>(entry->parm->parm.defaultValue(
-          value, entry->indices, gather(*entry->parm, entry->indices, staged)));
+      static_cast<void>(
+          entry->parm->parm.defaultValue(value, gatherBound(*entry->parm, entry->indices, staged)));
       entry->value.set(std::move(value));
     }
   }
@@ -76,20 +76,21 @@ int commitEntry(StagedEntry& entry, IndexSituations& situations, Report& report)
   std::string name = fullName(entry);
   ValueText before = committedValue(entry);
   const std::string wanted = entry.value.text();
-  const setOutcome_t outcome = evaluate(entry, situations, false);
-  switch (outcome.result) {
+  const SetCode code = evaluate(entry, situations, false);
+  switch (code) {
     case SET_STORED:
-      if (outcome.stored && isReported(entry, before.text())) {
+      if (isReported(entry, before.text())) {
         report.add(*entry.held, std::move(name), std::move(before));
       }
       return 0;
     case SET_NOT_STORED:
+    case SET_STORED_UNREPORTED:
       return 0;
     case SET_RULE_FAILS:
       return WALK_AGAIN;
     default:
-      logRefusal(entry, wanted, outcome.result);
-      return outcome.result;
+      logRefusal(entry, wanted, code);
+      return code;
   }
 }
 

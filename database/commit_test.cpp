@@ -16,7 +16,7 @@ using Texts = std::vector<std::string>;
 struct Staged {
   std::string name;
   std::string value;
-  bool status = false;
+  bool force = false;
 };
 
 class CommitTest : public testing::Test {
@@ -32,9 +32,9 @@ class CommitTest : public testing::Test {
     Transaction transaction(database_);
     for (const Staged& entry : staged) {
       if (entry.value == "reset") {
-        EXPECT_EQ(transaction.reset(entry.name, entry.status), STAGE_DONE) << entry.name;
+        EXPECT_EQ(transaction.reset(entry.name, entry.force), STAGE_DONE) << entry.name;
       } else {
-        EXPECT_EQ(transaction.set(entry.name, entry.value, entry.status), STAGE_DONE) << entry.name;
+        EXPECT_EQ(transaction.set(entry.name, entry.value, entry.force), STAGE_DONE) << entry.name;
       }
     }
     changed_.clear();

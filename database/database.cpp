@@ -1,6 +1,8 @@
 #include "database/database.h"
 
 #include <algorithm>
+#include <array>
+#include <cassert>
 #include <optional>
 #include <unordered_map>
 #include <utility>
@@ -99,18 +101,28 @@ const IndexDef* Database::findIndex(std::string_view name) const {
 int Database::registerParm(std::unique_ptr<ParmDef> parm) {
   const size_t hash = TextHash{}(parm->name());
   if (findParm(parm->name(), hash) != nullptr) return 1;
-  parmPositions_.makeRoom();
+  parmPlaces_.makeRoom();
   parms_.add({std::move(*parm), {}, {}, {}});
-  parmPositions_.add(hash, static_cast<uint32_t>(parms_.size() - 1));
+  parmPlaces_.add(hash, static_cast<uint32_t>(parms_.size() - 1));
   return 0;
 }
 
 ParmEntry* Database::findParm(std::string_view base) { return findParm(base, TextHash{}(base)); }
 
 ParmEntry* Database::findParm(std::string_view base, size_t hash) {
-  const std::optional<uint32_t> found = parmPositions_.find(
-      hash, [&](uint32_t position) { return parms_[position].parm.name() == base; });
+  const std::optional<uint32_t> found =
+      parmPlaces_.find(hash, [&](uint32_t place) { return parms_[place].parm.name() == base; });
   return found ? &parms_[*found] : nullptr;
+}
+
+void Database::findAll(std::span<const std::string_view> bases, std::span<ParmEntry*> found) {
+  std::array<size_t, NAMES_TOGETHER> hashes;
+  assert(bases.size() <= NAMES_TOGETHER);
+  for (size_t i = 0; i < bases.size(); ++i) {
+    hashes[i] = TextHash{}(bases[i]);
+    parmPlaces_.prefetch(hashes[i]);
+  }
+  for (size_t i = 0; i < bases.size(); ++i) found[i] = findParm(bases[i], hashes[i]);
 }
 
 ParmEntry* Database::findNamed(std::string_view name) {
@@ -178,24 +190,22 @@ VariableSource Database::findSource(std::string_view variable) {
 }
 
 const VariableSource& Database::sourceOf(std::string_view variable) {
-  const std::optional<uint32_t> known = sourceNames_.find(variable);
-  if (known) return sources_[*known];
-  sourceNames_.add(variable);
-  return sources_.add(findSource(variable));
+  const uint32_t number = sourceNames_.intern(variable);
+  return number < sources_.size() ? sources_[number] : sources_.add(findSource(variable));
 }
 
 void Database::bindSources(const std::vector<ParmEntry*>& parms) {
   uint32_t rank = 0;
   for (ParmEntry* entry : parms) {
     entry->rank = rank++;
-    entry->sources.reserve(entry->parm.usedNames().size());
-    for (const std::string& name : entry->parm.usedNames()) {
-      entry->sources.push_back(sourceOf(name));
+    entry->sources.reserve(entry->parm.usedNames());
+    for (uint32_t slot = 0; slot < entry->parm.usedNames(); ++slot) {
+      entry->sources.push_back(sourceOf(entry->parm.variables()[slot]));
     }
   }
   for (auto& [indexName, entry] : indices_) {
-    for (const std::string& name : entry.index->variables().names()) {
-      const VariableSource& source = sourceOf(name);
+    for (uint32_t slot = 0; slot < entry.index->variables().size(); ++slot) {
+      const VariableSource& source = sourceOf(entry.index->variables()[slot]);
       entry.sources.push_back(source);
       entry.isShared = entry.isShared && isFixed(source);
     }

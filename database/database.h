@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -91,15 +92,11 @@ class Database final : public DefinitionRegistry {
   /// The parameter that a full name, as clients give them, begins with, or null. A name with a
   /// part that is too long names none.
   [[nodiscard]] ParmEntry* findNamed(std::string_view name);
-  /// As findParm(), with what prepareParm() gave for the name.
-  [[nodiscard]] ParmEntry* findParm(std::string_view base, size_t hash);
-  /// Prepares a findParm() that is still some way off: where many names are looked up, most of the
-  /// time goes by waiting for memory. Gives the name's hash for it.
-  [[nodiscard, gnu::always_inline]] size_t prepareParm(std::string_view base) const {
-    const size_t hash = TextHash{}(base);
-    parmPositions_.prefetch(hash);
-    return hash;
-  }
+  /// Looks up at most NAMES_TOGETHER base names; `found`, as long as `bases`, gets what findParm()
+  /// gives for each. Memory is asked for all of them before the first answer is waited for: among
+  /// 100,000 parameters a name takes FIGURE of the time of findParm().
+  void findAll(std::span<const std::string_view> bases, std::span<ParmEntry*> found);
+  static constexpr size_t NAMES_TOGETHER = 16;  ///< enough that memory has answered for the first
   [[nodiscard]] IndexEntry* findIndexEntry(std::string_view name);
   /// The parameters in name order.
   [[nodiscard]] std::vector<ParmEntry*> parmsInNameOrder();
@@ -107,6 +104,7 @@ class Database final : public DefinitionRegistry {
   [[nodiscard]] uint32_t newWalk();
 
  private:
+  [[nodiscard]] ParmEntry* findParm(std::string_view base, size_t hash);
   [[nodiscard]] VariableSource findSource(std::string_view variable);
   [[nodiscard]] const VariableSource& sourceOf(std::string_view variable);
   [[nodiscard]] bool isKnown(const VariableSource& source) const;
@@ -119,7 +117,7 @@ class Database final : public DefinitionRegistry {
   std::map<std::string, ValueText, std::less<>> constants_;
   TextMap<IndexEntry> indices_;
   SegmentedList<ParmEntry> parms_;
-  HashIndex parmPositions_;                // by the hash of the name
+  HashIndex parmPlaces_;                   // by the hash of the name
   SegmentedList<VariableSource> sources_;  // of the distinct variables of all definitions
   Interner sourceNames_;
   uint32_t walks_ = 0;

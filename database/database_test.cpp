@@ -20,7 +20,7 @@ std::unique_ptr<ParmDef> parmNamed(const std::string& name, const std::string& r
   DefinitionParts parts;
   parts.name = name;
   if (!refersTo.empty()) {
-    parts.variables.slot(refersTo);
+    parts.variables.intern(refersTo);
   }
   return std::make_unique<ParmDef>(std::move(parts), ParmParts{});
 }
@@ -53,7 +53,7 @@ TEST(Database, KeepsTheFirstOfTwoDefinitions) {
   EXPECT_EQ(database.registerIndex(std::move(index)), 0);
   EXPECT_EQ(database.registerIndex(indexNamed("i")), 1);
   ASSERT_NE(database.findParm("a"), nullptr);
-  EXPECT_EQ(database.findParm("a")->parm.usedNames().size(), 1U);
+  EXPECT_EQ(database.findParm("a")->parm.usedNames(), 1U);
   EXPECT_EQ(database.findIndex("i"), firstIndex);
   EXPECT_EQ(database.findParm("i"), nullptr);
   EXPECT_EQ(database.findIndex("a"), nullptr);
@@ -95,16 +95,22 @@ TEST(Database, FinishesWhenEveryNameIsKnown) {
   }
 }
 
-TEST(Database, FindsWhatWasPrepared) {
+TEST(Database, FindsManyNamesAsOne) {
   Database database;
-  const size_t early = database.prepareParm("gain");
-  EXPECT_EQ(database.findParm("gain", early), nullptr);
+  const auto expectFound = [&](std::vector<std::string_view> names) {
+    std::vector<ParmEntry*> found(names.size());
+    database.findAll(names, found);
+    for (size_t i = 0; i < names.size(); ++i) {
+      EXPECT_EQ(found[i], database.findParm(names[i])) << names[i];
+    }
+  };
+  expectFound({"gain", "mode"});  // while there is no parameter at all
   EXPECT_EQ(database.registerParm(parmNamed("gain", "gain")), 0);
-  ParmEntry* const gain = database.findParm("gain", early);  // the hash is the name's own
-  ASSERT_NE(gain, nullptr);
-  EXPECT_EQ(gain->parm.name(), "gain");
-  EXPECT_EQ(database.findParm("mode", database.prepareParm("mode")), nullptr);
-  EXPECT_EQ(database.findParm("mode", early), nullptr);  // a hash alone is no name
+  EXPECT_EQ(database.registerParm(parmNamed("mode")), 0);
+  ASSERT_NE(database.findParm("gain"), nullptr);
+  expectFound({});
+  expectFound({"gain", "mode", "gain", "nobody", ""});
+  expectFound(std::vector<std::string_view>(Database::NAMES_TOGETHER, "mode"));
 }
 
 TEST(Database, NamesTheFirstUnknownName) {

@@ -20,16 +20,15 @@ struct Reader {
 };
 
 // The index values with which `reader` reads `source`, a parameter that it names.
-IndexTuple readIndices(const VariableSource& source, const Reader& reader) {
-  if (source.qualified || reader.indices.empty()) return source.indices;
-  return sharedIndices(reader.parm->parm, reader.indices, source.parm->parm);
+IndexTuple indicesOf(const VariableSource& source, const Reader& reader) {
+  return indicesOf(source, reader.parm->parm, reader.indices);
 }
 
 // The name of `source` as `reader` reads it.
 std::string qualifiedName(const VariableSource& source, const Reader& reader) {
   std::string name = source.parm == nullptr || source.qualified
                          ? std::string(source.name)
-                         : fullName(source.name, readIndices(source, reader));
+                         : fullName(source.name, indicesOf(source, reader));
   Work::add(WORK_PER_VALUE_BYTE * name.size());
   return name;
 }
@@ -120,20 +119,12 @@ class ReferenceWalk {
   std::vector<std::pair<const ParmEntry*, const Reader*>> open_;
 };
 
-bool fits(const ParmDef& parm, const IndexTuple& indices) {
-  if (indices.size() != parm.indices().size()) return false;
-  for (size_t i = 0; i < indices.size(); ++i) {
-    if (!parm.indices()[i]->checkBase(indices[i])) return false;
-  }
-  return true;
-}
-
 // Finds the parameter that a walk starts from. Returns a DependenciesResult.
 int findStart(Database& database, std::string_view name, bool withIndices, Reader& start) {
   start = withIndices ? Reader{database.findNamed(name), splitName(name).indices}
                       : Reader{database.findParm(name), {}};
   if (start.parm == nullptr) return DEPENDENCIES_NO_PARAMETER;
-  const bool isInvalid = withIndices && !fits(start.parm->parm, start.indices);
+  const bool isInvalid = withIndices && !fitIndices(start.parm->parm.indices(), start.indices);
   return isInvalid ? DEPENDENCIES_INVALID_INDEX : DEPENDENCIES_FOUND;
 }
 
@@ -179,7 +170,7 @@ int dependencyInstances(Database& database, std::string_view name, std::vector<I
     if (source.parm == nullptr) {
       return bytes.add(others.insert(source.name).second ? source.name.size() : 0);
     }
-    const Instance instance{source.parm, readIndices(source, reader)};
+    const Instance instance{source.parm, indicesOf(source, reader)};
     const size_t length = nameBytes(instance);
     Work::add(WORK_PER_VALUE_BYTE * length);
     return bytes.add(instances.insert(instance).second ? length : 0);

@@ -52,8 +52,8 @@ class Device {
     });
   }
 
-  void set(const std::string& name, const std::string& value, bool status) {
-    static_cast<void>(transaction_.set(name, value, status));
+  void set(const std::string& name, const std::string& value, bool force) {
+    static_cast<void>(transaction_.set(name, value, force));
   }
   void reset(const std::string& name) { static_cast<void>(transaction_.reset(name, true)); }
 

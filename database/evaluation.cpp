@@ -13,8 +13,8 @@ class IndicesOfEntry final : public PresentIndices {
  public:
   IndicesOfEntry(const StagedEntry& entry, IndexSituations& situations)
       : entry_(entry), situations_(situations) {}
-  [[nodiscard]] PresentIndex& at(size_t position, const Situation& own) override {
-    return situations_.at(*entry_.parm, entry_.indices, position, own);
+  [[nodiscard]] PresentIndex& at(size_t place, const Situation& own) override {
+    return situations_.at(*entry_.parm, entry_.indices, place, own);
   }
 
  private:
@@ -31,31 +31,33 @@ bool changes(const StagedEntry& entry, const std::string& text, IndexSituations&
   return true;
 }
 
+// What a stored value is as an operand need not be worked out again.
+void takeValue(ValueText& value, SetResult result) {
+  if (result.held != nullptr) {
+    value.set(std::move(result.value), result.held->value);
+  } else {
+    value.set(std::move(result.value));
+  }
+}
+
 }  // namespace
 
-setOutcome_t evaluate(StagedEntry& entry, IndexSituations& situations, bool dryRun) {
+SetCode evaluate(StagedEntry& entry, IndexSituations& situations, bool dryRun) {
   Work::spendOn(entry.parm->parm.name());
   Work::add(entry.parm->parm.evaluationWork() + WORK_PER_VALUE_BYTE * entry.value.text().size());
-  std::string value = entry.value.text();
-  const setMode_t mode{entry.status, dryRun, entry.generated, entry.held};
+  const SetOptions options{entry.force, dryRun, entry.generated, entry.held};
   IndicesOfEntry indices(entry, situations);
-  const setOutcome_t outcome =
-      setValue(entry.parm->parm, value, entry.indices,
-               gather(*entry.parm, entry.indices, situations.staged()), indices, mode);
-  if (outcome.held != nullptr) {
-    entry.held = outcome.held;
-  }
-  if (!outcome.stored && outcome.result != SET_RULE_FAILS) {
+  SetResult result =
+      setValue(entry.parm->parm, entry.value.text(), entry.indices,
+               gather(*entry.parm, entry.indices, situations.staged()), indices, options);
+  if (result.held != nullptr) entry.held = result.held;
+  if (!result.isAccepted() && result.code != SET_RULE_FAILS) {
     takeCommitted(entry, situations);
-  } else if (changes(entry, value, situations)) {
-    if (outcome.held != nullptr) {
-      entry.value.set(std::move(value), outcome.held->value);
-    } else {
-      entry.value.set(std::move(value));
-    }
+  } else if (changes(entry, result.value, situations)) {
+    takeValue(entry.value, std::move(result));
   }
-  const bool passedOver = entry.generated && outcome.result == SET_INVALID_INDEX;
-  return passedOver ? setOutcome_t{SET_STORED, false} : outcome;
+  const bool isPassedOver = entry.generated && result.code == SET_INVALID_INDEX;
+  return isPassedOver ? SET_NOT_STORED : result.code;
 }
 
 void takeCommitted(StagedEntry& entry, IndexSituations& situations) {
@@ -63,5 +65,5 @@ void takeCommitted(StagedEntry& entry, IndexSituations& situations) {
   if (changes(entry, committed, situations)) {
     entry.value.set(committed);
   }
-  entry.status = true;
+  entry.force = true;
 }

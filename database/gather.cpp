@@ -6,13 +6,6 @@
 
 namespace {
 
-// The index values under which `source` is looked up for an instance of `evaluated`.
-IndexTuple sourceIndices(const VariableSource& source, const ParmDef& evaluated,
-                         const IndexTuple& indices) {
-  if (source.qualified || indices.empty()) return source.indices;
-  return sharedIndices(evaluated, indices, source.parm->parm);
-}
-
 // What a name means whose value, or whose P's value, is `value`. A figure that the value does
 // not have leaves the name undefined.
 Operand figureOrValue(const vidFigure_t* figure, const Operand& value) {
@@ -21,15 +14,15 @@ Operand figureOrValue(const vidFigure_t* figure, const Operand& value) {
   return number ? Operand{OPERAND_NUMBER, static_cast<int32_t>(*number), {}} : Operand{};
 }
 
-// Binds what each source holds; `indicesOf` tells under which index values a parameter is read.
-template <typename IndicesOf>
+// Binds what each source holds; `readWith` tells with which index values a parameter is read.
+template <typename ReadWith>
 Situation gatherFrom(const VariableSources& sources, size_t slots, const StagedValues& staged,
-                     const IndicesOf& indicesOf) {
+                     const ReadWith& readWith) {
   Situation situation(slots);
   for (uint32_t slot = 0; slot < sources.size(); ++slot) {
     const VariableSource& source = sources[slot];
     if (source.parm != nullptr) {
-      const Operand value = staged.value(*source.parm, indicesOf(source));
+      const Operand value = staged.value(*source.parm, readWith(source));
       situation.bind(slot, figureOrValue(source.figure, value));
     } else if (source.constant != nullptr) {
       situation.bind(slot, figureOrValue(source.figure, source.constant->operand()));
@@ -46,19 +39,29 @@ IndexTuple sharedIndices(const ParmDef& evaluated, const IndexTuple& indices,
   if (referenced.indices() == own) return own.empty() ? IndexTuple{} : indices;
   IndexTuple shared;
   for (const IndexDef* index : referenced.indices()) {
-    const auto position =
-        static_cast<size_t>(std::find(own.begin(), own.end(), index) - own.begin());
-    if (position < std::min(own.size(), indices.size())) {
-      shared.push_back(indices[position]);
-    }
+    const auto place = static_cast<size_t>(std::find(own.begin(), own.end(), index) - own.begin());
+    if (place < std::min(own.size(), indices.size())) shared.push_back(indices[place]);
   }
   return shared;
+}
+
+IndexTuple indicesOf(const VariableSource& source, const ParmDef& evaluated,
+                     const IndexTuple& indices) {
+  if (source.qualified || indices.empty()) return source.indices;
+  return sharedIndices(evaluated, indices, source.parm->parm);
 }
 
 Situation gather(const ParmEntry& entry, const IndexTuple& indices, const StagedValues& staged) {
   return gatherFrom(
       entry.sources, entry.parm.variables().size(), staged,
-      [&](const VariableSource& source) { return sourceIndices(source, entry.parm, indices); });
+      [&](const VariableSource& source) { return indicesOf(source, entry.parm, indices); });
+}
+
+Situation gatherBound(const ParmEntry& entry, const IndexTuple& indices,
+                      const StagedValues& staged) {
+  Situation situation = gather(entry, indices, staged);
+  entry.parm.bindIndices(situation, indices);
+  return situation;
 }
 
 Situation gather(const IndexEntry& entry, const StagedValues& staged) {
@@ -70,7 +73,7 @@ Situation gather(const IndexEntry& entry, const ParmEntry& evaluated, const Inde
                  const Situation& own, const StagedValues& staged) {
   Situation situation = gatherFrom(
       entry.sources, entry.index->variables().size(), staged,
-      [&](const VariableSource& source) { return sourceIndices(source, evaluated.parm, indices); });
+      [&](const VariableSource& source) { return indicesOf(source, evaluated.parm, indices); });
   for (uint32_t slot = 0; slot < entry.sources.size(); ++slot) {
     const VariableSource& source = entry.sources[slot];
     if (source.parm != nullptr || source.figure != nullptr) continue;

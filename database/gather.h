@@ -7,14 +7,25 @@
 #include "deflang/expression/variables.h"
 #include "sw/parm/index_tuple.h"
 
-/// The index values that `referenced` takes from the instance `indices` of `evaluated`, in its own
-/// index order: those of the index definitions that both have.
+/// The values of the instance `indices` of `evaluated` for those index definitions that
+/// `referenced` has as well, in the index order of `referenced`.
 IndexTuple sharedIndices(const ParmDef& evaluated, const IndexTuple& indices,
                          const ParmDef& referenced);
 
-/// The situation of one instance of a parameter, as its own expressions see it. Its views hold
-/// while the staged and committed values stay as they are.
+/// The index values with which the instance `indices` of `evaluated` reads the parameter `source`:
+/// those that the name in the text carries; where it carries none, those that both parameters
+/// share.
+IndexTuple indicesOf(const VariableSource& source, const ParmDef& evaluated,
+                     const IndexTuple& indices);
+
+/// The situation of one instance of a parameter, as its own expressions see it before its index
+/// values are bound. Its views hold while the staged and committed values stay as they are.
 Situation gather(const ParmEntry& entry, const IndexTuple& indices, const StagedValues& staged);
+
+/// The same with the index values bound, in which defaults and ranges are evaluated. Its views hold
+/// no longer than `indices`.
+Situation gatherBound(const ParmEntry& entry, const IndexTuple& indices,
+                      const StagedValues& staged);
 
 /// The situation in which an index by itself is judged; if it is shared, the one of every instance.
 Situation gather(const IndexEntry& entry, const StagedValues& staged);

@@ -65,11 +65,11 @@ class GatherTest : public testing::Test {
 
   // The same of one of its indices, where the values of those before it are bound.
   std::map<std::string, std::string> gatheredOfIndex(const char* name, const IndexTuple& indices,
-                                                     size_t position) {
+                                                     size_t place) {
     const ParmEntry& entry = *database_.findParm(name);
     Situation own = gather(entry, indices, staged_);
-    for (size_t i = 0; i < position; ++i) entry.parm.bindIndex(own, i, indices[i]);
-    const IndexEntry& index = *entry.indices->own[position];
+    for (size_t i = 0; i < place; ++i) entry.parm.bindIndex(own, i, indices[i]);
+    const IndexEntry& index = *entry.indices->own[place];
     return named(index.index->variables(), gather(index, entry, indices, own, staged_));
   }
 
@@ -78,7 +78,7 @@ class GatherTest : public testing::Test {
     std::map<std::string, std::string> values;
     for (uint32_t slot = 0; slot < situation.size(); ++slot) {
       if (situation[slot].kind != OPERAND_INVALID) {
-        values[variables.names()[slot]] = operandText(situation[slot]);
+        values[std::string(variables[slot])] = operandText(situation[slot]);
       }
     }
     return values;
@@ -137,7 +137,7 @@ TEST_F(GatherTest, ReadsTheNamesOfAnIndexAsTheInstanceSeesThem) {
   struct Case {
     const char* name;
     IndexTuple indices;
-    size_t position;
+    size_t place;
     Values values;
   };
   const Case cases[] = {
@@ -155,7 +155,7 @@ TEST_F(GatherTest, ReadsTheNamesOfAnIndexAsTheInstanceSeesThem) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    EXPECT_EQ(gatheredOfIndex(c.name, c.indices, c.position), c.values);
+    EXPECT_EQ(gatheredOfIndex(c.name, c.indices, c.place), c.values);
   }
 }
 

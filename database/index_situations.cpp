@@ -3,9 +3,9 @@
 #include "base/work.h"
 #include "database/gather.h"
 
-PresentIndex& IndexSituations::at(const ParmEntry& parm, const IndexTuple& indices, size_t position,
+PresentIndex& IndexSituations::at(const ParmEntry& parm, const IndexTuple& indices, size_t place,
                                   const Situation& own) {
-  const IndexEntry& entry = *parm.indices->own[position];
+  const IndexEntry& entry = *parm.indices->own[place];
   Work::add(entry.index->askingWork());
   if (!entry.isShared) {
     Work::add(entry.index->situationWork());

@@ -21,9 +21,9 @@ class IndexSituations {
   IndexSituations& operator=(const IndexSituations&) = delete;
 
   [[nodiscard]] const StagedValues& staged() const { return staged_; }
-  /// The index at `position` of the instance `indices` of `parm`, up to the next call. `own` is the
+  /// The index at `place` of the instance `indices` of `parm`, up to the next call. `own` is the
   /// instance's situation, in which the values of the indices before it are bound. Counts the work.
-  [[nodiscard]] PresentIndex& at(const ParmEntry& parm, const IndexTuple& indices, size_t position,
+  [[nodiscard]] PresentIndex& at(const ParmEntry& parm, const IndexTuple& indices, size_t place,
                                  const Situation& own);
   /// Forgets what depends on the values of `parm`, one of which is about to change or to move.
   void forget(const ParmEntry& parm);

@@ -37,11 +37,11 @@ class IndexSituationsTest : public testing::Test {
     staged_.stage(parm(name), indices, false).value.set(value);
   }
 
-  /// The index at `position` of an instance, with the values of those before it bound.
-  PresentIndex& at(const char* name, const IndexTuple& indices, size_t position = 0) {
+  /// The index at `place` of an instance, with the values of those before it bound.
+  PresentIndex& at(const char* name, const IndexTuple& indices, size_t place = 0) {
     own_ = gather(parm(name), indices, staged_);
-    for (size_t i = 0; i < position; ++i) parm(name).parm.bindIndex(own_, i, indices[i]);
-    return situations_.at(parm(name), indices, position, own_);
+    for (size_t i = 0; i < place; ++i) parm(name).parm.bindIndex(own_, i, indices[i]);
+    return situations_.at(parm(name), indices, place, own_);
   }
 
   Database database_;

@@ -40,9 +40,10 @@ Plan planQuery(const std::vector<Instance>& instances, uint32_t startLevel, Stag
 
 // Returns RANGE_FOUND, RANGE_REFUSED or WALK_AGAIN.
 int evaluateEntry(StagedEntry& entry, IndexSituations& situations) {
-  switch (evaluate(entry, situations, true).result) {
+  switch (evaluate(entry, situations, true)) {
     case SET_STORED:
     case SET_NOT_STORED:
+    case SET_STORED_UNREPORTED:
       return RANGE_FOUND;
     case SET_RULE_FAILS:
       return WALK_AGAIN;
@@ -55,12 +56,8 @@ int evaluateEntry(StagedEntry& entry, IndexSituations& situations) {
 int rangeOfTarget(StagedEntry& target, IndexSituations& situations, BoundsParm& out) {
   target.generated = false;
   if (evaluateEntry(target, situations) != RANGE_FOUND) return RANGE_REFUSED;
-  const ParmDef& parm = target.parm->parm;
-  Situation situation = gather(*target.parm, target.indices, situations.staged());
-  for (size_t i = 0; i < target.indices.size(); ++i) {
-    parm.bindIndex(situation, i, target.indices[i]);
-  }
-  return parm.range(out, situation);
+  return target.parm->parm.range(out,
+                                 gatherBound(*target.parm, target.indices, situations.staged()));
 }
 
 }  // namespace

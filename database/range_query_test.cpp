@@ -21,8 +21,8 @@ class RangeQueryTest : public testing::Test {
     define(database_, definitions, constants);
   }
 
-  void stage(const std::string& name, const std::string& value, bool status = false) {
-    EXPECT_EQ(transaction_.set(name, value, status), STAGE_DONE) << name;
+  void stage(const std::string& name, const std::string& value, bool force = false) {
+    EXPECT_EQ(transaction_.set(name, value, force), STAGE_DONE) << name;
   }
 
   void commitAll() {
@@ -229,8 +229,7 @@ std::string stateOf(Database& database, const Transaction& transaction) {
     for (const IndexTuple& indices : {IndexTuple{}, {"0"}, {"1"}, {"2"}}) {
       const StagedEntry* staged = transaction.staged().find(parm, indices);
       state += parm.parm.committedText(indices) + "/" +
-               (staged == nullptr ? "-" : staged->value.text() + (staged->status ? "s" : "c")) +
-               " ";
+               (staged == nullptr ? "-" : staged->value.text() + (staged->force ? "s" : "c")) + " ";
     }
   }
   return state;

@@ -56,17 +56,17 @@ const std::string& committedText(const StagedEntry& entry) {
                                : entry.parm->parm.committedText(entry.indices);
 }
 
-std::optional<uint32_t> StagedValues::positionOf(const ParmEntry& parm, const IndexTuple& indices,
-                                                 size_t hash) const {
-  return positions_.find(hash, [&](uint32_t position) {
-    const StagedEntry& entry = entries_[position];
+std::optional<uint32_t> StagedValues::placeOf(const ParmEntry& parm, const IndexTuple& indices,
+                                              size_t hash) const {
+  return places_.find(hash, [&](uint32_t place) {
+    const StagedEntry& entry = entries_[place];
     return entry.parm == &parm && entry.indices == indices;
   });
 }
 
 const StagedEntry* StagedValues::find(const ParmEntry& parm, const IndexTuple& indices) const {
   if (!entries_.empty()) {
-    const std::optional<uint32_t> here = positionOf(parm, indices, hashOf(parm, indices));
+    const std::optional<uint32_t> here = placeOf(parm, indices, hashOf(parm, indices));
     if (here) return &entries_[*here];
   }
   return below_ == nullptr ? nullptr : below_->find(parm, indices);
@@ -76,13 +76,11 @@ template <typename Make>
 StagedEntry& StagedValues::findOrAdd(const ParmEntry& parm, const IndexTuple& indices,
                                      const Make& make) {
   const size_t hash = hashOf(parm, indices);
-  if (const std::optional<uint32_t> known = positionOf(parm, indices, hash)) {
-    return entries_[*known];
-  }
+  if (const std::optional<uint32_t> known = placeOf(parm, indices, hash)) return entries_[*known];
   // Where memory is exhausted, half an entry must not stay.
-  positions_.makeRoom();
+  places_.makeRoom();
   StagedEntry& entry = entries_.add(make());
-  positions_.add(hash, static_cast<uint32_t>(entries_.size() - 1));
+  places_.add(hash, static_cast<uint32_t>(entries_.size() - 1));
   return entry;
 }
 
@@ -126,7 +124,7 @@ bool StagedValues::hasResets() const {
 }
 
 size_t StagedValues::bytes() const {
-  size_t bytes = allocated(entries_.bytes()) + allocated(positions_.bytes());
+  size_t bytes = allocated(entries_.bytes()) + allocated(places_.bytes());
   for (size_t i = 0; i < entries_.size(); ++i) {
     const StagedEntry& entry = entries_[i];
     bytes += textBytes(entry.value.text()) +
@@ -140,7 +138,7 @@ size_t StagedValues::bytes() const {
 
 void StagedValues::clear() {
   entries_ = {};
-  positions_ = {};
+  places_ = {};
 }
 
 Operand StagedValues::value(const ParmEntry& parm, const IndexTuple& indices) const {

@@ -19,7 +19,7 @@ struct StagedEntry {
   ValueText value;
   CommittedValue* held = nullptr;  ///< where the committed value is; null while none was known
   bool reset = false;              ///< to be replaced by the default at commit
-  bool status = true;              ///< the force argument of setValue
+  bool force = true;               ///< the read-only conditions are not asked
   bool generated = false;          ///< made by a commit or a range query, not by a client
 };
 
@@ -37,14 +37,14 @@ class StagedValues {
   /// The entry of an instance, here or below, or null.
   [[nodiscard]] const StagedEntry* find(const ParmEntry& parm, const IndexTuple& indices) const;
   /// The entry of an instance here. A new one is a copy of the one below, or else holds the
-  /// committed value, with the reset flag clear and the status flag set; `generated` marks a new
+  /// committed value, with the reset flag clear and the force flag set; `generated` marks a new
   /// one that is no copy. Entries stay where they are until clear().
   StagedEntry& stage(ParmEntry& parm, const IndexTuple& indices, bool generated);
   /// The same for the commit's own use, where nothing is below: a new entry is a generated one.
   /// `number` is the instance's place in forEachInstance().
   StagedEntry& stageNumbered(ParmEntry& parm, const IndexTuple& indices, size_t number);
   /// Makes room for `more` entries.
-  void makeRoom(size_t more) { positions_.makeRoom(more); }
+  void makeRoom(size_t more) { places_.makeRoom(more); }
   /// The entries here, ascending by full name. Counts the work.
   [[nodiscard]] std::vector<StagedEntry*> inNameOrder();
   /// Whether an entry here is to be replaced by its default.
@@ -59,12 +59,12 @@ class StagedValues {
   [[nodiscard]] const std::string& text(const ParmEntry& parm, const IndexTuple& indices) const;
 
  private:
-  [[nodiscard]] std::optional<uint32_t> positionOf(const ParmEntry& parm, const IndexTuple& indices,
-                                                   size_t hash) const;
+  [[nodiscard]] std::optional<uint32_t> placeOf(const ParmEntry& parm, const IndexTuple& indices,
+                                                size_t hash) const;
   template <typename Make>
   StagedEntry& findOrAdd(const ParmEntry& parm, const IndexTuple& indices, const Make& make);
 
   const StagedValues* below_;
   SegmentedList<StagedEntry> entries_;
-  HashIndex positions_;
+  HashIndex places_;
 };

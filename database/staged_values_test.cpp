@@ -38,7 +38,7 @@ TEST_F(StagedValuesTest, StartAnEntryWithTheCommittedValue) {
   EXPECT_EQ(entry.indices, IndexTuple{"1"});
   EXPECT_EQ(entry.value.text(), "7");
   EXPECT_FALSE(entry.reset);
-  EXPECT_TRUE(entry.status);
+  EXPECT_TRUE(entry.force);
   EXPECT_FALSE(entry.generated);
   EXPECT_EQ(fullName(entry), "gain[1]");
   EXPECT_EQ(staged.find(*gain_, {"1"}), &entry);
@@ -54,7 +54,7 @@ TEST_F(StagedValuesTest, StageAnInstanceByItsNumber) {
   EXPECT_FALSE(client.generated);
   StagedEntry& entry = staged.stageNumbered(*gain_, {"1"}, 1);
   EXPECT_TRUE(entry.generated);
-  EXPECT_TRUE(entry.status);
+  EXPECT_TRUE(entry.force);
   EXPECT_EQ(fullName(entry), "gain[1]");
   EXPECT_EQ(entry.value.text(), "7");
   EXPECT_EQ(entry.held, gain_->parm.committed({"1"}));
@@ -77,7 +77,7 @@ TEST_F(StagedValuesTest, ShowWhatIsBelowAndLeaveItAlone) {
   StagedValues below;
   StagedEntry& original = below.stage(*gain_, {"1"}, false);
   original.value.set("8");
-  original.status = false;
+  original.force = false;
   StagedValues above(&below);
   EXPECT_EQ(above.text(*gain_, {"1"}), "8");
   EXPECT_EQ(above.find(*gain_, {"1"}), &original);
@@ -85,7 +85,7 @@ TEST_F(StagedValuesTest, ShowWhatIsBelowAndLeaveItAlone) {
   StagedEntry& copy = above.stage(*gain_, {"1"}, true);
   EXPECT_NE(&copy, &original);
   EXPECT_EQ(copy.value.text(), "8");
-  EXPECT_FALSE(copy.status);
+  EXPECT_FALSE(copy.force);
   EXPECT_FALSE(copy.generated);
   copy.value.set("9");
   EXPECT_EQ(above.text(*gain_, {"1"}), "9");

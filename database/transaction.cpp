@@ -1,25 +1,27 @@
 #include "database/transaction.h"
 
+#include <array>
+
 #include "base/work.h"
 #include "sw/parm/parm_name.h"
 
-int Transaction::set(std::string_view name, const std::string& value, bool status) {
+int Transaction::set(std::string_view name, const std::string& value, bool force) {
   Work::add(stagingWork(name, value));
   StagedEntry* entry = stage(name);
   if (entry == nullptr) return STAGE_INVALID_NAME;
   if (!entry->parm->parm.checkBase(value)) return STAGE_INVALID_VALUE;
   entry->reset = false;
-  entry->status = status;
+  entry->force = force;
   entry->value.set(value);
   return STAGE_DONE;
 }
 
-int Transaction::reset(std::string_view name, bool status) {
+int Transaction::reset(std::string_view name, bool force) {
   Work::add(stagingWork(name, {}));
   StagedEntry* entry = stage(name);
   if (entry == nullptr) return STAGE_INVALID_NAME;
   entry->reset = true;
-  entry->status = status;
+  entry->force = force;
   return STAGE_DONE;
 }
 
@@ -31,20 +33,25 @@ int Transaction::get(std::string_view name, std::string& value) const {
   return 0;
 }
 
-const std::string* Transaction::find(std::string_view name) const { return find(prepare(name)); }
-
-const std::string* Transaction::find(const PreparedName& name) const {
-  Work::add(WORK_PER_REQUEST + name.name.size());
-  if (name.name == THIS_VALUE || hasTooLongPart(name.name)) return nullptr;
-  const ParmEntry* const parm = database_.findParm(name.base, name.hash);
-  if (parm == nullptr) return database_.findConstant(name.name);
-  const bool isBare = name.base.size() == name.name.size();
-  return &staged_.text(*parm, isBare ? IndexTuple{} : splitName(name.name).indices);
+const std::string* Transaction::find(std::string_view name) const {
+  return valueOf(name, database_.findParm(baseName(name)));
 }
 
-PreparedName Transaction::prepare(std::string_view name) const {
-  const std::string_view base = baseName(name);
-  return {name, base, database_.prepareParm(base)};
+void Transaction::findAll(std::span<char* const> names, std::span<const std::string*> found) const {
+  std::array<std::string_view, Database::NAMES_TOGETHER> bases;
+  std::array<ParmEntry*, Database::NAMES_TOGETHER> parms;
+  for (size_t i = 0; i < names.size(); ++i) bases[i] = baseName(names[i]);
+  database_.findAll(std::span(bases).first(names.size()), parms);
+  for (size_t i = 0; i < names.size(); ++i) found[i] = valueOf(names[i], parms[i]);
+}
+
+// `parm` is the parameter of the name's base name, or null.
+const std::string* Transaction::valueOf(std::string_view name, const ParmEntry* parm) const {
+  Work::add(WORK_PER_REQUEST + name.size());
+  if (name == THIS_VALUE || hasTooLongPart(name)) return nullptr;
+  if (parm == nullptr) return database_.findConstant(name);
+  const bool isBare = name.size() == parm->parm.name().size();
+  return &staged_.text(*parm, isBare ? IndexTuple{} : splitName(name).indices);
 }
 
 bool Transaction::validate(std::string_view name, const std::string& value) const {

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <map>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -17,13 +18,6 @@ enum StageResult : int {
   STAGE_INVALID_VALUE = 2,
 };
 
-/// A name that is about to be looked up.
-struct PreparedName {
-  std::string_view name;
-  std::string_view base;
-  size_t hash;  ///< of the base name
-};
-
 /// What it costs to stage `value` for the instance `name`, in units of work.
 constexpr uint64_t stagingWork(std::string_view name, std::string_view value) {
   return WORK_PER_REQUEST + WORK_PER_VALUE_BYTE * (name.size() + value.size());
@@ -33,22 +27,23 @@ class Transaction {
  public:
   explicit Transaction(Database& database) : database_(database) {}
 
-  /// Stages `value` for the instance `name`. `status` is what commit passes on as force. Returns
-  /// STAGE_DONE; STAGE_INVALID_NAME where no such parameter is defined; STAGE_INVALID_VALUE where
-  /// the base bounds refuse the value: the instance is then staged with what it held before.
-  int set(std::string_view name, const std::string& value, bool status);
+  /// Stages `value` for the instance `name`. `force` has commit write it also where it is
+  /// read-only. Returns STAGE_DONE; STAGE_INVALID_NAME where no such parameter is defined;
+  /// STAGE_INVALID_VALUE where the base bounds refuse the value: the instance is then staged with
+  /// what it held before.
+  int set(std::string_view name, const std::string& value, bool force);
   /// Stages the default for the instance `name`; it is worked out at commit. Returns STAGE_DONE or
   /// STAGE_INVALID_NAME.
-  int reset(std::string_view name, bool status);
+  int reset(std::string_view name, bool force);
   /// The value of `name` as the transaction sees it: staged, else committed, else a constant's.
   /// Returns 0, 1 for a name that is neither, or 2 for "sw::this", which is never looked up;
   /// `value` is then left alone.
   int get(std::string_view name, std::string& value) const;
   /// The same value where it is, or null. It holds until something is staged or stored.
   [[nodiscard]] const std::string* find(std::string_view name) const;
-  [[nodiscard]] const std::string* find(const PreparedName& name) const;
-  /// Prepares a find() that is still some way off.
-  [[nodiscard]] PreparedName prepare(std::string_view name) const;
+  /// Looks up at most Database::NAMES_TOGETHER names at once; `found`, as long as `names`, gets
+  /// what find() gives for each.
+  void findAll(std::span<char* const> names, std::span<const std::string*> found) const;
   /// Whether the base bounds of the parameter `name` accept `value`; false without such a
   /// parameter.
   [[nodiscard]] bool validate(std::string_view name, const std::string& value) const;
@@ -61,6 +56,7 @@ class Transaction {
   [[nodiscard]] const StagedValues& staged() const { return staged_; }
 
  private:
+  [[nodiscard]] const std::string* valueOf(std::string_view name, const ParmEntry* parm) const;
   StagedEntry* stage(std::string_view name);
 
   Database& database_;

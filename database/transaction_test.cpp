@@ -93,24 +93,27 @@ TEST_F(TransactionTest, TellsWhyItReadsNothing) {
   EXPECT_EQ(value, "untouched");
 }
 
-TEST_F(TransactionTest, FindsWhatWasPreparedBefore) {
+TEST_F(TransactionTest, FindsManyNamesAsOne) {
   struct {
-    const char* name;
+    std::string name;
     const char* text;  // null where nothing is found
   } const cases[] = {
       {"mode", "off"},       {"gain[1]", "7"}, {"gain[2]", ""},       {"gain[", ""},
       {"gain[1][2]", ""},    {"MODEL", "7"},   {"MODEL[1]", nullptr}, {"nobody", nullptr},
       {"sw::this", nullptr}, {"", nullptr},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    const PreparedName prepared = transaction_.prepare(c.name);
-    ASSERT_EQ(transaction_.set("gain[1]", "7", false), STAGE_DONE);
-    ASSERT_EQ(transaction_.set("mode", "off", false), STAGE_DONE);
-    const std::string* const found = transaction_.find(prepared);
-    EXPECT_EQ(found == nullptr, c.text == nullptr);
-    if (found != nullptr && c.text != nullptr) {
-      EXPECT_EQ(*found, c.text);
+  ASSERT_EQ(transaction_.set("gain[1]", "7", false), STAGE_DONE);
+  ASSERT_EQ(transaction_.set("mode", "off", false), STAGE_DONE);
+  std::vector<char*> names;
+  for (const auto& c : cases) names.push_back(const_cast<char*>(c.name.c_str()));
+  std::vector<const std::string*> found(names.size());
+  transaction_.findAll(names, found);
+  for (size_t i = 0; i < names.size(); ++i) {
+    SCOPED_TRACE(names[i]);
+    EXPECT_EQ(found[i], transaction_.find(names[i]));
+    ASSERT_EQ(found[i] == nullptr, cases[i].text == nullptr);
+    if (found[i] != nullptr) {
+      EXPECT_EQ(*found[i], cases[i].text);
     }
   }
 }
@@ -122,14 +125,14 @@ TEST_F(TransactionTest, MarksAnEntryAsResetUntilItIsSetAgain) {
   const std::vector<StagedEntry*> entries = transaction_.staged().inNameOrder();
   ASSERT_EQ(entries.size(), 1U);
   EXPECT_TRUE(entries[0]->reset);
-  EXPECT_TRUE(entries[0]->status);
+  EXPECT_TRUE(entries[0]->force);
   EXPECT_EQ(get(transaction_, "gain[1]"), "5");  // the default is worked out at commit
 
   EXPECT_EQ(transaction_.set("gain[1]", "300", true), STAGE_INVALID_VALUE);
   EXPECT_TRUE(entries[0]->reset);  // a refused value changes nothing
   EXPECT_EQ(transaction_.set("gain[1]", "6", false), STAGE_DONE);
   EXPECT_FALSE(entries[0]->reset);
-  EXPECT_FALSE(entries[0]->status);
+  EXPECT_FALSE(entries[0]->force);
 }
 
 TEST_F(TransactionTest, LeavesTheEntryOfARefusedValueInPlace) {
@@ -137,7 +140,7 @@ TEST_F(TransactionTest, LeavesTheEntryOfARefusedValueInPlace) {
   const std::vector<StagedEntry*> entries = transaction_.staged().inNameOrder();
   ASSERT_EQ(entries.size(), 1U);
   EXPECT_EQ(entries[0]->value.text(), "");
-  EXPECT_TRUE(entries[0]->status);
+  EXPECT_TRUE(entries[0]->force);
   EXPECT_FALSE(entries[0]->reset);
 }
 

@@ -54,7 +54,7 @@ CommitWatch::CommitWatch(Database& database, StagedValues& staged, const Instanc
   for (const auto& [name, instance] : all) before_.emplace(name, committedText(instance));
   for (const StagedEntry* entry : staged.inNameOrder()) {
     const std::string name = fullName(*entry);
-    statusOfStaged_.emplace(name, entry->status);
+    isForced_.emplace(name, entry->force);
     stagedParms_.insert(entry->parm);
     addInstance(evaluated_, *entry->parm, entry->indices);
   }
@@ -113,8 +113,8 @@ bool CommitWatch::isExempt(const std::string& name, const Instance& instance) co
 // written in its place: the parameter keeps what it holds, also when its range moves in the same
 // commit.
 bool CommitWatch::wasRefusedToClient(const std::string& name, const Instance& instance) const {
-  const auto staged = statusOfStaged_.find(name);
-  return staged != statusOfStaged_.end() && !staged->second &&
+  const auto staged = isForced_.find(name);
+  return staged != isForced_.end() && !staged->second &&
          instance.parm->parm.isReadOnly(committedSituation(instance));
 }
 

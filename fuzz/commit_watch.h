@@ -26,9 +26,7 @@ class CommitWatch {
   void expectSettled() const;
 
   /// Whether a client had staged the instance.
-  [[nodiscard]] bool isStaged(const std::string& name) const {
-    return statusOfStaged_.contains(name);
-  }
+  [[nodiscard]] bool isStaged(const std::string& name) const { return isForced_.contains(name); }
   /// What one of the instances held before the commit.
   [[nodiscard]] const std::string& before(const std::string& name) const {
     return before_.at(name);
@@ -41,7 +39,7 @@ class CommitWatch {
   [[nodiscard]] bool hasMovingPartner(const Instance& instance) const;
   [[nodiscard]] bool isBeyondThePlan(const std::string& name, const Instance& instance) const;
 
-  std::map<std::string, bool> statusOfStaged_;  // by full name
+  std::map<std::string, bool> isForced_;  // by full name
   std::set<const ParmEntry*> stagedParms_;
   Instances evaluated_;
   Instances enumerated_;

@@ -46,7 +46,7 @@ bool read(std::string_view text, Arena& memory, Expression& expression) {
 Situation situationOf(const Variables& names, const PlainVariables& variables) {
   Situation situation(names.size());
   for (uint32_t slot = 0; slot < names.size(); ++slot) {
-    const auto found = variables.find(names.names()[slot]);
+    const auto found = variables.find(names[slot]);
     if (found != variables.end()) situation.bind(slot, operandOf(found->second));
   }
   return situation;

@@ -57,11 +57,7 @@ const std::string& committedText(const Instance& instance) {
 }
 
 Situation committedSituation(const Instance& instance) {
-  const ParmDef& parm = instance.parm->parm;
-  Situation situation = gather(*instance.parm, instance.indices, NOTHING_STAGED);
-  const size_t pairs = std::min(instance.indices.size(), parm.indices().size());
-  for (size_t i = 0; i < pairs; ++i) parm.bindIndex(situation, i, instance.indices[i]);
-  return situation;
+  return gatherBound(*instance.parm, instance.indices, NOTHING_STAGED);
 }
 
 bool isWithinBounds(const Instance& instance) {
@@ -83,12 +79,12 @@ bool isSettled(const Instance& instance) {
   entry.generated = true;
   entry.value.set(committedText(instance));
   IndexSituations situations(NOTHING_STAGED);
-  const setOutcome_t outcome = evaluate(entry, situations, true);
-  if (outcome.stored) {
+  const SetCode code = evaluate(entry, situations, true);
+  if (code == SET_STORED || code == SET_STORED_UNREPORTED) {
     return entry.value.text() == committedText(instance) && isWithinBounds(instance);
   }
   // Not valid, never writable, or not existing in this situation; a refused value is none of them.
-  return outcome.result == SET_STORED || outcome.result == SET_NOT_STORED;
+  return code == SET_NOT_STORED;
 }
 
 VariableSources allSources(const ParmEntry& parm) {

@@ -34,7 +34,7 @@ Reading read(const std::vector<std::string>& pieces, Interleaved interleaved) {
     lines.push_back(piece);
   }
   ParameterRecords records;
-  TextCursor cursor(pulledFrom(lines), records.memory());
+  TextCursor cursor(pulledFrom(lines), records.arena());
   const int result = readDefinitions(cursor, records);
   demand(result == PARSE_DONE || result == PARSE_INVALID_ACCESS || result == PARSE_SYNTAX_ERROR,
          "the reading ended with ", std::to_string(result));

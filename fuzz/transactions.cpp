@@ -40,7 +40,7 @@ const char* const TEXT_INDICES[] = {"a", "b", "a", "b", "a", "b", "c"};
 
 std::string stagedText(const StagedEntry& entry) {
   return fullName(entry) + "=" + entry.value.text() + (entry.reset ? " reset" : "") +
-         (entry.status ? " status" : "") + (entry.generated ? " generated" : "") + "\n";
+         (entry.force ? " force" : "") + (entry.generated ? " generated" : "") + "\n";
 }
 
 class Script {
@@ -110,13 +110,13 @@ class Script {
     return value;
   }
 
-  void runSet(Transaction& transaction, bool status) {
+  void runSet(Transaction& transaction, bool force) {
     const std::string name = pickName();
     const std::string value = input_.pick(VALUES);
     const std::string before = valueOf(transaction, name);
     const bool valid = transaction.validate(name, value);
-    const int result = transaction.set(name, value, status);
-    trace(status ? "set_status " : "set ", name, " ", value, " -> ", std::to_string(result));
+    const int result = transaction.set(name, value, force);
+    trace(force ? "set_status " : "set ", name, " ", value, " -> ", std::to_string(result));
     demand(result == (valid ? STAGE_DONE : STAGE_INVALID_VALUE), "set is not as validated");
     demand(valueOf(transaction, name) == (valid ? value : before), name, " shows another value");
   }

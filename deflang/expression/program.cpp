@@ -8,14 +8,15 @@
 
 #include "base/joined_text.h"
 #include "base/number.h"
+#include "base/small_vector.h"
 #include "base/value_limit.h"
 #include "deflang/expression/operators.h"
 #include "deflang/expression/postfix.h"
 
 namespace {
 
-// Programs that hold no more operands at once do without an allocated stack; few texts have others.
-constexpr uint32_t SHALLOW_DEPTH = 16;
+// Few texts have expressions that hold more operands at once.
+constexpr size_t FEW_OPERANDS = 16;
 
 // Whether a token by itself makes a program without further parts.
 bool isSingle(const Token& token) {
@@ -84,13 +85,10 @@ uint64_t comparisonWork(int32_t code, std::string_view left, std::string_view ri
 class Program::Evaluation {
  public:
   Evaluation(const Program& program, const SituationView& situation)
-      : program_(program), situation_(situation) {
-    if (program.code_ == nullptr || program.code_->depth <= SHALLOW_DEPTH) {
-      run(shallow_);
-    } else {
-      deep_.resize(program.code_->depth);
-      run(deep_.data());
-    }
+      : program_(program),
+        situation_(situation),
+        stack_(program.depth(), boost::container::default_init) {
+    run(stack_.data());
   }
 
   // The value; null for the invalid one.
@@ -170,8 +168,7 @@ class Program::Evaluation {
   const SituationView& situation_;
   const Held* value_ = nullptr;
   std::forward_list<JoinedText> joined_;
-  std::vector<Held> deep_;
-  Held shallow_[SHALLOW_DEPTH];
+  SmallVector<Held, FEW_OPERANDS> stack_;
 };
 
 bool Value::isTrue() const { return isNumber() ? number != 0 : valid() && !text.empty(); }
@@ -208,7 +205,7 @@ Program::Step Program::stepOf(const Token& token, std::vector<std::string>& text
       texts.emplace_back(token.text);
       return {TOKEN_STRING, static_cast<int32_t>(texts.size() - 1)};
     case TOKEN_VARIABLE:
-      return {TOKEN_VARIABLE, static_cast<int32_t>(variables.slot(token.text))};
+      return {TOKEN_VARIABLE, static_cast<int32_t>(variables.intern(token.text))};
     default:
       return {token.kind, 0};
   }
@@ -218,7 +215,7 @@ void Program::rebase(const Variables& from, Variables& into) {
   const std::span<Step> all = code_ != nullptr ? std::span(code_->steps) : std::span(&single_, 1);
   for (Step& step : all) {
     if (step.kind != TOKEN_VARIABLE) continue;
-    step.value = static_cast<int32_t>(into.slot(from.names()[static_cast<size_t>(step.value)]));
+    step.value = static_cast<int32_t>(into.intern(from[static_cast<uint32_t>(step.value)]));
   }
 }
 

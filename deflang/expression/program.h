@@ -69,6 +69,7 @@ class Program {
 
   // The step of `token`; a string's text is kept in `texts`, a variable gets its slot.
   static Step stepOf(const Token& token, std::vector<std::string>& texts, Variables& variables);
+  [[nodiscard]] size_t depth() const { return code_ != nullptr ? code_->depth : 1; }
   [[nodiscard]] std::span<const Step> steps() const {
     if (code_ != nullptr) return code_->steps;
     return {&single_, empty() ? 0U : 1U};

@@ -9,6 +9,7 @@
 #include "base/work.h"
 #include "tests/support/allocations.h"
 #include "tests/support/expressions.h"
+#include "tests/support/names.h"
 
 namespace {
 
@@ -306,7 +307,7 @@ TEST(Program, CompileReplacesWhatWasThere) {
   Variables variables;
   Program program = programOf("\"old\" + a", variables);
   EXPECT_EQ(Program::compile(readExpression("2 + b"), variables, program), 0);
-  EXPECT_EQ(variables.names(), (std::vector<std::string>{"a", "b"}));
+  EXPECT_EQ(namesOf(variables), (std::vector<std::string>{"a", "b"}));
   EXPECT_EQ(shown(program.evaluate(situationOf(variables, {{"b", "5"}}))), "7");
 }
 
@@ -314,7 +315,7 @@ TEST(Program, VariablesShareTheSlotsOfTheirDefinition) {
   Variables variables;
   const Program first = programOf("a + b", variables);
   const Program second = programOf("b * c * b", variables);
-  EXPECT_EQ(variables.names(), (std::vector<std::string>{"a", "b", "c"}));
+  EXPECT_EQ(namesOf(variables), (std::vector<std::string>{"a", "b", "c"}));
   const Bindings bindings = {{"a", "1"}, {"b", "2"}, {"c", "3"}};
   const Situation situation = situationOf(variables, bindings);
   EXPECT_EQ(shown(first.evaluate(situation)), "3");
@@ -451,12 +452,12 @@ TEST(Program, TakesTheSlotsOfOtherVariables) {
   for (const std::string text : {"b", "b + 1", "1 + b"}) {
     SCOPED_TRACE(text);
     Variables own;
-    own.slot("a");
+    own.intern("a");
     Program program = programOf(text, own);
     Variables others;
-    for (const char* name : {"x", "y", "z"}) others.slot(name);
+    for (const char* name : {"x", "y", "z"}) others.intern(name);
     program.rebase(own, others);
-    EXPECT_EQ(others.names(), (std::vector<std::string>{"x", "y", "z", "b"}));
+    EXPECT_EQ(namesOf(others), (std::vector<std::string>{"x", "y", "z", "b"}));
     Situation situation(others.size());
     situation.bind(3, operandOf("7"));
     EXPECT_EQ(shown(program.evaluate(situation)), text == "b" ? "7" : "8");

@@ -4,16 +4,14 @@
 // number, its slot. A situation is one value for each slot.
 #pragma once
 
-#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <map>
-#include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
-#include "base/boxed.h"
-#include "base/hash_index.h"
+#include "base/interner.h"
+#include "base/small_vector.h"
 
 /// What an operand is. The numbers are those of the tokens.
 enum OperandKind : int32_t {
@@ -37,41 +35,23 @@ Operand operandOf(std::string_view text);
 /// The value text of a bound operand: the text that it came from, or its number in decimal.
 std::string operandText(const Operand& operand);
 
-/// The distinct names of one definition, numbered in the order of their first use.
-class Variables {
- public:
-  /// The slot of `name`, a new one for a new name.
-  uint32_t slot(std::string_view name);
-  /// The slot of `name`, or nothing.
-  [[nodiscard]] std::optional<uint32_t> find(std::string_view name) const;
-  [[nodiscard]] const std::vector<std::string>& names() const { return names_; }
-  [[nodiscard]] size_t size() const { return names_.size(); }
+/// The distinct names of one definition, numbered in the order of their first use. The number of a
+/// name is its slot.
+using Variables = Interner;
 
- private:
-  std::vector<std::string> names_;
-  // Only where there are so many names that a walk over them would show.
-  Boxed<HashIndex> table_;
-};
-
-/// The values of a definition's variables at one moment, by slot. A fresh one holds none.
+/// The values of a definition's variables at one moment, by slot. A fresh one holds none: each of
+/// its operands is invalid. Its texts are views; who binds them keeps them as long.
 class Situation {
  public:
-  explicit Situation(size_t slots) : size_(slots), many_(slots > FEW ? slots : 0) {}
-  void bind(uint32_t slot, const Operand& value) {
-    (size_ > FEW ? many_.data() : few_.data())[slot] = value;
-  }
-  [[nodiscard]] const Operand& operator[](uint32_t slot) const {
-    return (size_ > FEW ? many_.data() : few_.data())[slot];
-  }
-  [[nodiscard]] size_t size() const { return size_; }
+  /// For `slots` variables, the size of the definition's Variables.
+  explicit Situation(size_t slots) : operands_(slots) {}
+  /// Gives the variable of `slot`, which is less than size(), its value.
+  void bind(uint32_t slot, const Operand& value) { operands_[slot] = value; }
+  [[nodiscard]] const Operand& operator[](uint32_t slot) const { return operands_[slot]; }
+  [[nodiscard]] size_t size() const { return operands_.size(); }
 
  private:
-  // Few definitions use more names; they do without an allocation.
-  static constexpr size_t FEW = 4;
-
-  size_t size_;
-  std::array<Operand, FEW> few_;
-  std::vector<Operand> many_;
+  SmallVector<Operand, 4> operands_;  // few definitions use more names
 };
 
 /// A situation as expressions see it, also where there is none.

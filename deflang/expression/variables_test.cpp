@@ -39,41 +39,6 @@ TEST(OperandText, IsTheDecimalNumberWithoutAText) {
   EXPECT_EQ(operandText({OPERAND_NUMBER, -1080, {}}), "-1080");
 }
 
-TEST(Variables, AreNumberedInTheOrderOfTheirFirstUse) {
-  Variables variables;
-  EXPECT_EQ(variables.size(), 0U);
-  EXPECT_EQ(variables.slot("mode"), 0U);
-  EXPECT_EQ(variables.slot("gain[1]"), 1U);
-  EXPECT_EQ(variables.slot("mode"), 0U);
-  EXPECT_EQ(variables.slot(""), 2U);
-  EXPECT_EQ(variables.names(), (std::vector<std::string>{"mode", "gain[1]", ""}));
-  EXPECT_EQ(variables.find("gain[1]"), 1U);
-  EXPECT_EQ(variables.find("gain"), std::nullopt);
-  EXPECT_EQ(variables.size(), 3U);
-}
-
-TEST(Variables, ManyAreFoundLikeFew) {
-  // 16 names are walked, more are looked up.
-  for (const uint32_t count : {1U, 15U, 16U, 17U, 18U, 1000U}) {
-    SCOPED_TRACE(count);
-    Variables variables;
-    for (uint32_t i = 0; i < count; ++i) EXPECT_EQ(variables.slot("v" + std::to_string(i)), i);
-    for (uint32_t i = 0; i < count; ++i) {
-      EXPECT_EQ(variables.slot("v" + std::to_string(i)), i);
-      EXPECT_EQ(variables.find("v" + std::to_string(i)), i);
-    }
-    EXPECT_EQ(variables.find("v" + std::to_string(count)), std::nullopt);
-    EXPECT_EQ(variables.size(), count);
-  }
-}
-
-TEST(Variables, MoveWithTheirNumbers) {
-  Variables variables;
-  for (int i = 0; i < 20; ++i) variables.slot("v" + std::to_string(i));
-  const Variables moved = std::move(variables);
-  EXPECT_EQ(moved.find("v19"), 19U);
-}
-
 TEST(Situation, HoldsWhatIsBound) {
   Situation situation(3);
   EXPECT_EQ(situation.size(), 3U);
@@ -125,7 +90,7 @@ class BoundVariablesTest : public testing::Test {
     return lines;
   }
   void bind(const std::string& name, const Operand& value) {
-    situation_.bind(variables_.slot(name), value);
+    situation_.bind(variables_.intern(name), value);
   }
 
   Variables variables_;
@@ -133,7 +98,7 @@ class BoundVariablesTest : public testing::Test {
 };
 
 TEST_F(BoundVariablesTest, AreDumpedAsNothingBetweenTheEndsWhenNothingIsBound) {
-  variables_.slot("unset");
+  variables_.intern("unset");
   EXPECT_EQ(dump(), (std::vector<std::string>{"Var list begin", "Var list end"}));
 }
 
@@ -141,7 +106,7 @@ TEST_F(BoundVariablesTest, AreDumpedInByteOrder) {
   bind("sw::this", operandOf("0x10"));
   bind("gain[2]", operandOf("-3"));
   bind("gain", operandOf(""));
-  variables_.slot("lost");
+  variables_.intern("lost");
   bind("\x80", operandOf("high byte"));
   bind("Zoom", operandOf("a \"b\" %s"));
   bind("frames", {OPERAND_NUMBER, 25, {}});  // a number without a text
@@ -161,10 +126,10 @@ TEST(BoundVariablesOfSeveral, AreDumpedOnceAsTheyCameFirst) {
   Variables variables[2];
   Situation situations[2] = {Situation(3), Situation(3)};
   const auto bind = [&](size_t number, const char* name, const char* value) {
-    situations[number].bind(variables[number].slot(name), operandOf(value));
+    situations[number].bind(variables[number].intern(name), operandOf(value));
   };
   bind(0, "row", "1");
-  variables[0].slot("mode");  // not bound here
+  variables[0].intern("mode");  // not bound here
   bind(1, "mode", "2");
   bind(1, "row", "3");
   std::vector<std::string> lines;

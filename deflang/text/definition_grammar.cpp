@@ -30,7 +30,7 @@ template <auto READ, auto LIST, typename Statement>
 bool readInto(TextCursor& cursor, Position /*keyword*/, ParameterRecord& record) {
   Statement statement;
   if (!READ(cursor, statement)) return false;
-  (record.*LIST).add(statement, cursor.memory());
+  (record.*LIST).push_back(statement);
   return true;
 }
 
@@ -38,7 +38,7 @@ bool readCtrlRO(TextCursor& cursor, Position keyword, ParameterRecord& record) {
   Expression condition;
   if (!readExpression(cursor, condition)) return false;
   if (record.access == ACCESS_WO) return cursor.failAt(keyword, PARSE_INVALID_ACCESS);
-  record.ctrlRO.add(condition, cursor.memory());
+  record.ctrlRO.push_back(condition);
   return true;
 }
 
@@ -122,7 +122,7 @@ ParseResult readDefinitionText(TextCursor::NextLine nextLine, DefinitionText& te
     if (hasWords(line)) text.lines.add(number, line);
     return true;
   };
-  TextCursor cursor(nextKept, text.records.memory());
+  TextCursor cursor(nextKept, text.records.arena());
   const ParseResult result = readDefinitions(cursor, text.records);
   if (result != PARSE_DONE) {
     fprintf(stderr, "Error on line %u\n%s\n", number, parseResultMessage(result));

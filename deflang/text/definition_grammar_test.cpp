@@ -35,7 +35,7 @@ struct Parsed {
   Stop stop = {PARSE_DONE, 0, 0};
 
   void parse(const std::vector<std::string_view>& lines) {
-    TextCursor cursor(pulledFrom(lines), records.memory());
+    TextCursor cursor(pulledFrom(lines), records.arena());
     stop.result = readDefinitions(cursor, records);
     stop.line = cursor.position().line;
     stop.column = cursor.position().column;

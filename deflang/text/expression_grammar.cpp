@@ -71,7 +71,7 @@ bool TokenReader::read(Expression& expression) {
   }
   endName();
   foldNegativeNumbers(tokens_);
-  expression.tokens = cursor_.memory().keepList<Token>(tokens_);
+  expression.tokens = cursor_.arena().keepList<Token>(tokens_);
   return true;
 }
 
@@ -118,7 +118,7 @@ void TokenReader::readOperand(std::string_view word) {
   } else if (const std::optional<int32_t> number = wholeNumber(word)) {
     addToken(TOKEN_NUMBER).number = *number;
   } else {
-    addToken(TOKEN_VARIABLE).text = cursor_.memory().keepText(word);
+    addToken(TOKEN_VARIABLE).text = cursor_.arena().keepText(word);
   }
   cursor_.advance(word.size());
 }
@@ -147,7 +147,7 @@ void TokenReader::growName(std::initializer_list<std::string_view> parts) {
 
 void TokenReader::endName() {
   if (grownName_.empty()) return;
-  tokens_.back().text = cursor_.memory().keepText(grownName_);
+  tokens_.back().text = cursor_.arena().keepText(grownName_);
   grownName_.clear();
 }
 
@@ -163,7 +163,7 @@ bool readQuoted(TextCursor& cursor, char closing, std::string_view& text) {
     }
     if (end != std::string_view::npos) {
       rest = rest.substr(0, end);
-      text = cursor.memory().keepText(earlier.empty() ? rest : earlier += rest);
+      text = cursor.arena().keepText(earlier.empty() ? rest : earlier += rest);
       cursor.advance(end + 1);
       return true;
     }

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 void LineTexts::add(uint32_t number, std::string_view text) {
-  const std::string_view kept = memory_.keepText(text);
+  const std::string_view kept = arena_.keepText(text);
   const Line line = {number, static_cast<uint32_t>(kept.size()), kept.data()};
   if (lines_.empty() || lines_.back().number < number) {  // they mostly come in order
     lines_.push_back(line);

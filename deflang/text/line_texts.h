@@ -23,6 +23,6 @@ class LineTexts {
     const char* text;
   };
 
-  Arena memory_;
+  Arena arena_;
   std::deque<Line> lines_;  // ascending by number
 };

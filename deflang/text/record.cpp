@@ -3,29 +3,29 @@
 #include "base/put_in_order.h"
 #include "base/text_map.h"
 
-std::optional<uint32_t> ParameterRecords::positionOf(std::string_view name) const {
-  return positions_.find(TextHash{}(name),
-                         [&](uint32_t position) { return records_[position].name == name; });
+std::optional<uint32_t> ParameterRecords::placeOf(std::string_view name) const {
+  return places_.find(TextHash{}(name),
+                      [&](uint32_t place) { return records_[place].name == name; });
 }
 
 const ParameterRecord* ParameterRecords::find(std::string_view name) const {
-  const std::optional<uint32_t> found = positionOf(name);
+  const std::optional<uint32_t> found = placeOf(name);
   return found ? &records_[*found] : nullptr;
 }
 
 ParameterRecord* ParameterRecords::find(std::string_view name) {
   // Mostly it is asked for the record that is being read, line after line.
   if (!records_.empty() && records_.back().name == name) return &records_.back();
-  const std::optional<uint32_t> found = positionOf(name);
+  const std::optional<uint32_t> found = placeOf(name);
   return found ? &records_[*found] : nullptr;
 }
 
 ParameterRecord& ParameterRecords::findOrAdd(std::string_view name, uint32_t line) {
   if (ParameterRecord* const known = find(name)) return *known;
   ParameterRecord& record = records_.emplace_back();
-  record.name = memory_.keepText(name);
+  record.name = arena_.keepText(name);
   record.line = line;
-  positions_.add(TextHash{}(name), static_cast<uint32_t>(records_.size() - 1));
+  places_.add(TextHash{}(name), static_cast<uint32_t>(records_.size() - 1));
   return record;
 }
 

@@ -11,7 +11,6 @@
 #include "base/arena.h"
 #include "base/hash_index.h"
 #include "deflang/expression/token.h"
-#include "deflang/text/statement_list.h"
 
 /// The word after the name.
 enum AccessCode : int {
@@ -61,18 +60,18 @@ struct Translation {
 };
 
 /// Everything that the text says of one name, each kind of statement in statement order. What it
-/// refers to lives in the memory of its records.
+/// refers to lives in the arena of its records.
 struct ParameterRecord {
   std::string_view name;
-  uint32_t line = 0;  ///< where the name first stood
+  uint32_t line = 0;  ///< where the name first is, from 1
   AccessCode access = ACCESS_NONE;
-  StatementList<IndexStatement> indices;
-  StatementList<RangeStatement> rangeValid;
-  StatementList<RangeStatement> rangeDoc;
-  StatementList<Expression> ctrlRO;
-  StatementList<Expression> ctrlValid;
-  StatementList<DefaultStatement> defaults;
-  StatementList<Translation> valueChange;
+  std::vector<IndexStatement> indices;
+  std::vector<RangeStatement> rangeValid;
+  std::vector<RangeStatement> rangeDoc;
+  std::vector<Expression> ctrlRO;
+  std::vector<Expression> ctrlValid;
+  std::vector<DefaultStatement> defaults;
+  std::vector<Translation> valueChange;
 };
 
 /// The records of a text, by name. Records stay where they are while others are added.
@@ -91,12 +90,12 @@ class ParameterRecords {
   [[nodiscard]] std::vector<const ParameterRecord*> inNameOrder() const;
   [[nodiscard]] size_t size() const { return records_.size(); }
   /// Where what the records refer to lives.
-  [[nodiscard]] Arena& memory() { return memory_; }
+  [[nodiscard]] Arena& arena() { return arena_; }
 
  private:
-  [[nodiscard]] std::optional<uint32_t> positionOf(std::string_view name) const;
+  [[nodiscard]] std::optional<uint32_t> placeOf(std::string_view name) const;
 
-  Arena memory_;
+  Arena arena_;
   std::deque<ParameterRecord> records_;
-  HashIndex positions_;  // by name
+  HashIndex places_;  // by name
 };

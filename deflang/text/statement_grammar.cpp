@@ -36,7 +36,7 @@ bool readValue(TextCursor& cursor, const StopSet& stops, Expression& value) {
   if (cursor.at("(")) return readExpression(cursor, value);
   Token token = {cursor.position(), TOKEN_NUMBER, 0, {}};
   if (!readBareNumber(cursor, stops, token.number)) return false;
-  value.tokens = cursor.memory().keepList(std::span<const Token>(&token, 1));
+  value.tokens = cursor.arena().keepList(std::span<const Token>(&token, 1));
   return true;
 }
 
@@ -61,7 +61,7 @@ bool readTranslated(TextCursor& cursor, std::string_view& value) {
   if (cursor.take("\"")) return readQuoted(cursor, '"', value);
   int32_t number = 0;
   if (!readBareNumber(cursor, TRANSLATED_STOPS, number)) return false;
-  value = cursor.memory().keepText(numberText(number));
+  value = cursor.arena().keepText(numberText(number));
   return true;
 }
 
@@ -73,7 +73,7 @@ bool readList(TextCursor& cursor, std::span<const T>& list, Read readElement) {
     if (!readElement(cursor, elements.emplace_back()) || !cursor.skipWhiteSpace()) return false;
   } while (cursor.take(","));
   if (!cursor.expect("}")) return false;
-  list = cursor.memory().keepList<T>(elements);
+  list = cursor.arena().keepList<T>(elements);
   return true;
 }
 
@@ -81,7 +81,7 @@ bool readIndexName(TextCursor& cursor, IndexName& name) {
   if (!cursor.skipWhiteSpace()) return false;
   const std::string_view word = cursor.word(INDEX_NAME_STOPS);
   if (word.empty()) return cursor.fail(PARSE_SYNTAX_ERROR);
-  name = {cursor.memory().keepText(word), cursor.position()};
+  name = {cursor.arena().keepText(word), cursor.position()};
   cursor.advance(word.size());
   return true;
 }

@@ -42,14 +42,14 @@ class TextCursor {
   /// where there is none.
   using NextLine = std::function<bool(std::string_view& line)>;
 
-  /// Before the first line, which is line 1. What is read is kept in `memory`.
-  TextCursor(NextLine nextLine, Arena& memory) : nextLine_(std::move(nextLine)), memory_(memory) {}
+  /// Before the first line, which is line 1. What is read is kept in `arena`.
+  TextCursor(NextLine nextLine, Arena& arena) : nextLine_(std::move(nextLine)), arena_(arena) {}
 
   /// PARSE_DONE until something is wrong; also where the text ends in the middle of a definition.
   [[nodiscard]] ParseResult result() const { return result_; }
   [[nodiscard]] Position position() const { return {number_, static_cast<uint32_t>(column_)}; }
   [[nodiscard]] std::string_view line() const { return line_; }
-  [[nodiscard]] Arena& memory() const { return memory_; }
+  [[nodiscard]] Arena& arena() const { return arena_; }
   /// What has not been read yet of the line.
   [[nodiscard]] std::string_view rest() const { return line_.substr(column_); }
   /// Whether `sign` comes next.
@@ -93,7 +93,7 @@ class TextCursor {
 
  private:
   NextLine nextLine_;
-  Arena& memory_;
+  Arena& arena_;
   std::string_view line_;
   uint32_t number_ = 0;
   size_t column_ = 0;

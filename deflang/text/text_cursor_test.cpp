@@ -30,7 +30,7 @@ TEST(StopSet, HoldsTheGivenCharactersAndWhiteSpace) {
 
 // A cursor at the start of `text`.
 TextCursor cursorOf(std::string_view text) {
-  TextCursor cursor(linesIn(text), testMemory());
+  TextCursor cursor(linesIn(text), testArena());
   cursor.pullLine();
   return cursor;
 }
@@ -71,7 +71,7 @@ TEST(TextCursor, SkipsWhiteSpaceToTheNextCharacterOnWhicheverLine) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
-    TextCursor cursor(linesIn(c.text), testMemory());
+    TextCursor cursor(linesIn(c.text), testArena());
     EXPECT_TRUE(cursor.skipWhiteSpace());
     EXPECT_EQ(cursor.rest(), c.rest);
     EXPECT_EQ(textOf(cursor.position()), c.place);
@@ -81,7 +81,7 @@ TEST(TextCursor, SkipsWhiteSpaceToTheNextCharacterOnWhicheverLine) {
 TEST(TextCursor, ComesToTheEndOfTheTextWithoutAFault) {
   for (const std::string_view text : {"", " ", "\n", "# x", " \n# x\n\t\n"}) {
     SCOPED_TRACE(text);
-    TextCursor cursor(linesIn(text), testMemory());
+    TextCursor cursor(linesIn(text), testArena());
     EXPECT_FALSE(cursor.skipWhiteSpace());
     EXPECT_FALSE(cursor.skipWhiteSpace());
     EXPECT_FALSE(cursor.expect("x"));
@@ -95,7 +95,7 @@ TEST(TextCursor, ReadsNothingOfWhatTheLastLineWouldHaveBeen) {
     line = "half";
     return false;
   };
-  TextCursor cursor(failsInTheMiddle, testMemory());
+  TextCursor cursor(failsInTheMiddle, testArena());
   EXPECT_FALSE(cursor.skipWhiteSpace());
   EXPECT_EQ(cursor.rest(), "");
 }
@@ -103,7 +103,7 @@ TEST(TextCursor, ReadsNothingOfWhatTheLastLineWouldHaveBeen) {
 TEST(TextCursor, RefusesALineWithANul) {
   using namespace std::string_literals;
   const std::string text = "# \0\n a\0\n"s;
-  TextCursor cursor(linesIn(text), testMemory());
+  TextCursor cursor(linesIn(text), testArena());
   EXPECT_FALSE(cursor.skipWhiteSpace());
   EXPECT_EQ(cursor.result(), PARSE_SYNTAX_ERROR);
   EXPECT_EQ(textOf(cursor.position()), "2:2");
@@ -135,7 +135,7 @@ TEST(TextCursor, ExpectsASignAfterWhiteSpace) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
-    TextCursor cursor(linesIn(c.text), testMemory());
+    TextCursor cursor(linesIn(c.text), testArena());
     EXPECT_EQ(cursor.expect("{"), c.isThere);
     EXPECT_EQ(cursor.result(), c.result);
     EXPECT_EQ(textOf(cursor.position()), c.place);

@@ -28,21 +28,16 @@ const char* const VALUES = "parmValue";
 const char* const TEXT_RANGE = "idxStrRange";
 const char* const DEPENDENCIES = "parmDep";
 
-// So many names are looked up together: enough that memory has answered for the first when the last
-// is prepared.
-constexpr size_t NAMES_TOGETHER = 16;
-
 // An unknown name reads as the empty text.
 std::string_view orEmpty(const std::string* text) {
   return text == nullptr ? std::string_view("") : *text;
 }
 
-// Adds the values of at most NAMES_TOGETHER names, up to the first that is too much for a message.
+// Adds the values of names that are looked up together, up to the first that is too much for a
+// message.
 void addTexts(const Transaction& transaction, std::span<char* const> names, TextList& list) {
-  std::array<PreparedName, NAMES_TOGETHER> prepared;
-  std::array<const std::string*, NAMES_TOGETHER> texts;
-  for (size_t i = 0; i < names.size(); ++i) prepared[i] = transaction.prepare(names[i]);
-  for (size_t i = 0; i < names.size(); ++i) texts[i] = transaction.find(prepared[i]);
+  std::array<const std::string*, Database::NAMES_TOGETHER> texts;
+  transaction.findAll(names, texts);
   for (size_t i = 0; i < names.size() && list.bytes() <= MAX_MESSAGE_BYTES; ++i) {
     list.add(orEmpty(texts[i]));
   }
@@ -110,7 +105,7 @@ int getTexts(Transaction& transaction, uint32_t count, char** names, char*** val
   std::span<char* const> open(names, std::min(count, g_strv_length(names)));
   TextList list(VALUES, open.size());
   while (!open.empty()) {
-    const size_t together = std::min(open.size(), NAMES_TOGETHER);
+    const size_t together = std::min(open.size(), Database::NAMES_TOGETHER);
     addTexts(transaction, open.first(together), list);
     if (list.bytes() > MAX_MESSAGE_BYTES) return INTERNAL_ERROR;
     open = open.subspan(together);

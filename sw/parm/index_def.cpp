@@ -43,13 +43,13 @@ uint32_t longestOf(const std::set<std::string>& texts) {
 }  // namespace
 
 IndexDef::IndexDef(DefinitionParts parts)
-    : variables_(std::move(parts.variables)),
+    : name_(std::move(parts.name)),
+      variables_(std::move(parts.variables)),
       validityConditions_(std::move(parts.validityConditions)),
       baseBounds_(std::move(parts.baseBounds)),
-      conditionalBounds_(std::move(parts.conditionalBounds)),
-      name_(std::move(parts.name)) {
-  noteKinds(conditionalBounds_.all());
-  judgingWork_ = fittingWork(workOf(validityConditions_.all()) + workOf(conditionalBounds()));
+      conditionalBounds_(std::move(parts.conditionalBounds)) {
+  noteKinds(conditionalBounds_);
+  judgingWork_ = fittingWork(workOf(validityConditions_) + workOf(conditionalBounds()));
   longestText_ = longestOf(baseBounds_.strings().texts());
   if (!parts.translations.empty()) translations_.change() = std::move(parts.translations);
 }
@@ -70,8 +70,7 @@ bool IndexDef::checkValue(std::string value, BoundsCheck& check) const {
 }
 
 bool IndexDef::isValid(const SituationView& situation) const {
-  const std::span<const Program> conditions = validityConditions_.all();
-  return std::all_of(conditions.begin(), conditions.end(),
+  return std::all_of(validityConditions_.begin(), validityConditions_.end(),
                      [&](const Program& condition) { return condition.isTrue(situation); });
 }
 
@@ -94,4 +93,11 @@ bool correctValue(const IndexDef& definition, std::string& value, const Situatio
   if (definition.conditionalBounds().empty()) return inBase;
   const PresentBounds bounds(definition.conditionalBounds(), situation, UNUSABLE_ACCEPTS);
   return bounds.judge(value) && inBase;
+}
+
+bool fitIndices(std::span<const IndexDef* const> indices, const IndexTuple& values) {
+  return std::equal(indices.begin(), indices.end(), values.begin(), values.end(),
+                    [](const IndexDef* index, const std::string& value) {
+                      return index == nullptr || index->checkBase(value);
+                    });
 }

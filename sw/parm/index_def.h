@@ -10,11 +10,11 @@
 #include <vector>
 
 #include "base/boxed.h"
-#include "base/fixed_list.h"
 #include "base/work.h"
 #include "deflang/expression/program.h"
 #include "deflang/expression/variables.h"
 #include "sw/parm/bounds.h"
+#include "sw/parm/index_tuple.h"
 
 /// Bounds that count while a condition is true: a BoundsParm, or a BoundsExpression for a run-time
 /// range.
@@ -75,7 +75,7 @@ class IndexDef {
   }
   [[nodiscard]] const BoundsParm& baseBounds() const { return baseBounds_; }
   [[nodiscard]] std::span<const ConditionalBounds> conditionalBounds() const {
-    return conditionalBounds_.all();
+    return conditionalBounds_;
   }
   /// What it costs, in units of work, beside what is done to texts: to tell in a situation which
   /// bounds apply and whether the definition is valid;
@@ -93,23 +93,21 @@ class IndexDef {
   /// Whether the base bounds alone tell which values there are, whatever the situation: no
   /// conditions, no translations.
   [[nodiscard]] bool isPlain() const {
-    return validityConditions_.all().empty() && conditionalBounds().empty() &&
-           translations().empty();
+    return validityConditions_.empty() && conditionalBounds().empty() && translations().empty();
   }
 
  protected:
   [[nodiscard]] Variables& ownVariables() { return variables_; }
 
  private:
+  std::string name_;
   Variables variables_;
-  // Each list leaves four bytes to the next member: there are many definitions.
-  [[no_unique_address]] FixedList<Program> validityConditions_;
-  uint32_t judgingWork_;
+  std::vector<Program> validityConditions_;
   BoundsParm baseBounds_;
-  [[no_unique_address]] FixedList<ConditionalBounds> conditionalBounds_;
-  uint32_t longestText_;
+  std::vector<ConditionalBounds> conditionalBounds_;
   Boxed<std::map<std::string, std::string>> translations_;
-  std::string name_;  // last, so that a parameter's value is beside it in memory
+  uint32_t judgingWork_;
+  uint32_t longestText_;  // of the base bounds, in bytes
 };
 
 /// The full bounds check of one definition, by the rules of an index: translates `value`, corrects
@@ -119,3 +117,7 @@ class IndexDef {
 /// which none applies it is refused. Returns whether `value` was accepted as it was. To check many
 /// values in one situation, see BoundsCheck.
 bool correctValue(const IndexDef& definition, std::string& value, const SituationView& situation);
+
+/// Whether there are as many index values as indices, and the base bounds of each index accept its
+/// value. A null index accepts every value.
+bool fitIndices(std::span<const IndexDef* const> indices, const IndexTuple& values);

@@ -12,17 +12,11 @@ ParmDef::ParmDef(DefinitionParts parts, ParmParts parmParts)
       mode_(parmParts.mode),
       fallbackDefault_(std::move(parmParts.fallbackDefault)),
       defaults_(std::move(parmParts.defaults)),
-      readOnlyConditions_(std::move(parmParts.readOnlyConditions)) {
-  if (!parmParts.constraintRules.empty()) {
-    constraintRules_.change() = std::move(parmParts.constraintRules);
-  }
-  if (!parmParts.documentedRanges.empty()) {
-    documentedRanges_.change() = std::move(parmParts.documentedRanges);
-    noteKinds(documentedRanges_.change());
-  }
-  if (!parmParts.indices.empty()) {
-    takeIndices(std::move(parmParts.indices));
-  }
+      readOnlyConditions_(std::move(parmParts.readOnlyConditions)),
+      constraintRules_(std::move(parmParts.constraintRules)),
+      documentedRanges_(std::move(parmParts.documentedRanges)) {
+  noteKinds(documentedRanges_);
+  if (!parmParts.indices.empty()) takeIndices(std::move(parmParts.indices));
   hasRunTimeRanges_ =
       std::any_of(conditionalBounds().begin(), conditionalBounds().end(),
                   [](const ConditionalBounds& bounds) { return bounds.computed != nullptr; });
@@ -30,8 +24,8 @@ ParmDef::ParmDef(DefinitionParts parts, ParmParts parmParts)
 }
 
 uint64_t ParmDef::countEvaluationWork() const {
-  uint64_t units = WORK_PER_INSTANCE + judgingWork() + usedNames().size() * WORK_PER_NAME +
-                   workOf(readOnlyConditions_.all());
+  uint64_t units =
+      WORK_PER_INSTANCE + judgingWork() + usedNames() * WORK_PER_NAME + workOf(readOnlyConditions_);
   for (const IndexDef* index : indices()) units += WORK_PER_INDEX + index->textWork();
   for (const ConstraintRule& rule : constraintRules()) {
     units += 2 * (rule.condition.work() + rule.test.work()) + rule.correction.work();
@@ -44,7 +38,7 @@ void ParmDef::takeIndices(std::vector<const IndexDef*> indices) {
   indexing.indices = std::move(indices);
   indexing.usedNames = static_cast<uint32_t>(variables().size());
   for (const IndexDef* index : indexing.indices) {
-    indexing.nameSlots.push_back(ownVariables().slot(index->name()));
+    indexing.nameSlots.push_back(ownVariables().intern(index->name()));
   }
 }
 
@@ -68,18 +62,12 @@ bool ParmDef::isReadOnly(const SituationView& situation) const {
     default:
       break;
   }
-  const std::span<const Program> conditions = readOnlyConditions_.all();
-  return std::any_of(conditions.begin(), conditions.end(),
+  return std::any_of(readOnlyConditions_.begin(), readOnlyConditions_.end(),
                      [&](const Program& condition) { return condition.isTrue(situation); });
 }
 
-int ParmDef::defaultValue(std::string& value, const IndexTuple& indices,
-                          Situation situation) const {
-  const size_t pairs = std::min(indices.size(), this->indices().size());
-  for (size_t i = 0; i < pairs; ++i) {
-    bindIndex(situation, i, indices[i]);
-  }
-  for (const ConditionalDefault& candidate : defaults_.all()) {
+int ParmDef::defaultValue(std::string& value, const SituationView& situation) const {
+  for (const ConditionalDefault& candidate : defaults_) {
     Work::add(candidate.condition.work() + candidate.value.work());
     if (!candidate.condition.isTrue(situation)) continue;
     const Value result = candidate.value.evaluate(situation);
@@ -93,7 +81,7 @@ int ParmDef::defaultValue(std::string& value, const IndexTuple& indices,
 }
 
 int ParmDef::range(BoundsParm& out, const SituationView& situation) const {
-  for (const auto& list : {std::span(documentedRanges_.get()), conditionalBounds()}) {
+  for (const auto& list : {std::span(documentedRanges_), conditionalBounds()}) {
     Work::add(workOf(list));
     for (const ConditionalBounds& candidate : list) {
       if (!candidate.condition.isTrue(situation)) continue;
@@ -106,11 +94,16 @@ int ParmDef::range(BoundsParm& out, const SituationView& situation) const {
   return 0;
 }
 
-void ParmDef::bindIndex(Situation& situation, size_t position, std::string_view value) const {
-  const uint32_t slot = indexing_->nameSlots[position];
+void ParmDef::bindIndex(Situation& situation, size_t place, std::string_view value) const {
+  const uint32_t slot = indexing_->nameSlots[place];
   // What no expression uses is only printed.
   const bool isUsed = slot < indexing_->usedNames;
   situation.bind(slot, isUsed ? operandOf(value) : Operand{OPERAND_STRING, 0, value});
+}
+
+void ParmDef::bindIndices(Situation& situation, const IndexTuple& indices) const {
+  const size_t pairs = std::min(indices.size(), this->indices().size());
+  for (size_t i = 0; i < pairs; ++i) bindIndex(situation, i, indices[i]);
 }
 
 const CommittedValue* ParmDef::committed(const IndexTuple& indices) const {
@@ -157,6 +150,5 @@ CommittedValue& ParmDef::stored(const IndexTuple& indices) {
   if (indexing.values.size() == number) {
     indexing.values.add({});
   }
-  indexing.suffixes.add(suffix);
-  return indexing.values[number];
+  return indexing.values[indexing.suffixes.intern(suffix)];
 }

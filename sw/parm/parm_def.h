@@ -68,9 +68,9 @@ class ParmDef final : public IndexDef {
   [[nodiscard]] bool hasConstraints() const;
   [[nodiscard]] bool hasRunTimeRanges() const { return hasRunTimeRanges_; }
   [[nodiscard]] bool isReadOnly(const SituationView& situation) const;
-  /// Finds the default of the instance `indices` in a situation (its index values need not be
-  /// bound). Returns 0, or 1 when no default applied and `value` is the fallback.
-  int defaultValue(std::string& value, const IndexTuple& indices, Situation situation) const;
+  /// Finds the default of an instance in a situation with its index values bound. Returns 0, or 1
+  /// when no default applied and `value` is the fallback.
+  int defaultValue(std::string& value, const SituationView& situation) const;
   /// The range that holds in a situation with the index values bound: the first that applies of
   /// the documented ranges and the conditional bounds, else the base bounds. Returns 0 or the code
   /// of BoundsExpression::evaluate.
@@ -79,21 +79,22 @@ class ParmDef final : public IndexDef {
   [[nodiscard]] AccessMode mode() const { return mode_; }
   [[nodiscard]] const std::vector<const IndexDef*>& indices() const { return indexing_->indices; }
   [[nodiscard]] const std::vector<ConstraintRule>& constraintRules() const {
-    return constraintRules_.get();
+    return constraintRules_;
   }
-  /// The names that the expressions of the parameter itself use; sw::this is among them where it is
-  /// used. Those of its indices stay with the indices.
-  [[nodiscard]] std::span<const std::string> usedNames() const {
-    const std::span<const std::string> names = variables().names();
-    return indices().empty() ? names : names.first(indexing_->usedNames);
+  /// How many names the expressions of the parameter itself use: those of the first slots. sw::this
+  /// is among them where it is used. The names that its indices use stay with the indices.
+  [[nodiscard]] size_t usedNames() const {
+    return indices().empty() ? variables().size() : indexing_->usedNames;
   }
 
   /// What it costs to evaluate one instance, in units of work, beside what is done to its texts and
   /// what its indices are: at most, because where one condition decides the others are not asked.
   [[nodiscard]] uint64_t evaluationWork() const { return evaluationWork_; }
 
-  /// Binds the value of the index at `position` under the index's name.
-  void bindIndex(Situation& situation, size_t position, std::string_view value) const;
+  /// Binds the value of the index at `place`, in index order from 0, under the index's name.
+  void bindIndex(Situation& situation, size_t place, std::string_view value) const;
+  /// Binds each value of an instance; those beyond the number of indices are left out.
+  void bindIndices(Situation& situation, const IndexTuple& indices) const;
 
   /// The committed value of an instance; null while it was never stored, but for a parameter
   /// without indices, whose one instance then holds the empty text.
@@ -123,15 +124,14 @@ class ParmDef final : public IndexDef {
     std::vector<CommittedValue*> numbered;  // by the instance's number; null where not known
   };
 
-  // First, beside the name: a value that is asked for by name is there with it.
   Boxed<Indexing> indexing_;
   CommittedValue single_;  // of a parameter without indices
   AccessMode mode_;
   bool hasRunTimeRanges_ = false;
-  std::string fallbackDefault_;
-  [[no_unique_address]] FixedList<ConditionalDefault> defaults_;  // leaves four bytes
   uint32_t evaluationWork_;
-  FixedList<Program> readOnlyConditions_;
-  Boxed<std::vector<ConstraintRule>> constraintRules_;
-  Boxed<std::vector<ConditionalBounds>> documentedRanges_;
+  std::string fallbackDefault_;
+  std::vector<ConditionalDefault> defaults_;
+  std::vector<Program> readOnlyConditions_;
+  std::vector<ConstraintRule> constraintRules_;
+  std::vector<ConditionalBounds> documentedRanges_;
 };

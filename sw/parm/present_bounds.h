@@ -2,14 +2,11 @@
 // run-time ranges among them worked out, and the check of values by them.
 #pragma once
 
-#include <array>
-#include <cstddef>
-#include <memory_resource>
 #include <optional>
 #include <span>
 #include <string>
-#include <vector>
 
+#include "base/small_vector.h"
 #include "sw/parm/bounds.h"
 #include "sw/parm/index_def.h"
 
@@ -29,19 +26,16 @@ class PresentBounds {
   /// Whether one of the applying bounds is a run-time range.
   [[nodiscard]] bool hasComputed() const { return !computed_.empty(); }
   /// The bounds that apply, in statement order.
-  [[nodiscard]] std::span<const BoundsParm* const> applying() const { return applying_; }
+  [[nodiscard]] std::span<const BoundsParm* const> applying() const {
+    return {applying_.data(), applying_.size()};
+  }
   /// Whether any of the applying bounds accepts `value`; a value that none accepts is corrected by
   /// the first of them. Without applying bounds the value is refused and left unchanged.
   bool judge(std::string& value) const;
 
  private:
-  static constexpr size_t FEW_BYTES = 256;  // enough for most definitions, without an allocation
-
-  std::array<std::byte, FEW_BYTES> few_;
-  std::pmr::monotonic_buffer_resource memory_{few_.data(), few_.size()};
-  std::pmr::vector<const BoundsParm*> applying_{&memory_};  // in statement order
-  // Never grows beyond what was reserved for it.
-  std::pmr::vector<BoundsParm> computed_{&memory_};
+  SmallVector<const BoundsParm*, 8> applying_;  // in statement order
+  SmallVector<BoundsParm, 2> computed_;         // never grows beyond what was reserved for it
 };
 
 /// The full bounds check of one definition, without correction, in one situation; both stay as they

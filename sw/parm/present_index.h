@@ -38,7 +38,7 @@ class PresentIndex {
 class PresentIndices {
  public:
   virtual ~PresentIndices() = default;
-  /// The index at `position`, up to the next call. `own` is the parameter's situation, in which the
+  /// The index at `place`, up to the next call. `own` is the parameter's situation, in which the
   /// values of the indices before it are bound.
-  [[nodiscard]] virtual PresentIndex& at(size_t position, const Situation& own) = 0;
+  [[nodiscard]] virtual PresentIndex& at(size_t place, const Situation& own) = 0;
 };

@@ -1,6 +1,7 @@
 #include "sw/parm/set_value.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/system_log.h"
 #include "sw/parm/constraints.h"
@@ -79,17 +80,9 @@ void dumpVariables(const Setting& set) {
   bound.dump();
 }
 
-setOutcome_t refuse(std::string& value, int result) {
-  value.clear();
-  return {result, false};
-}
-
-setOutcome_t refuseIndices(const Setting& set, std::string& value, const IndexFault& fault) {
+void logIndexFault(const Setting& set, const IndexFault& fault) {
   logSetError(set.parm, fault.text);
-  if (fault.withVariables) {
-    dumpVariables(set);
-  }
-  return refuse(value, SET_INVALID_INDEX);
+  if (fault.withVariables) dumpVariables(set);
 }
 
 // Corrects a value by the bounds. Only conditional bounds make a value that stays outside the base
@@ -101,7 +94,8 @@ bool correctByBounds(const ParmDef& parm, std::string& value, const Situation& s
   return false;
 }
 
-int correctByConstraints(const Setting& set, std::string& value, const Constraints& constraints) {
+SetCode correctByConstraints(const Setting& set, std::string& value,
+                             const Constraints& constraints) {
   switch (constraints.correct(value)) {
     case 0:
       return SET_STORED;
@@ -115,7 +109,7 @@ int correctByConstraints(const Setting& set, std::string& value, const Constrain
 }
 
 // Brings a value that may be written into what the parameter takes.
-int correct(const Setting& set, std::string& value) {
+SetCode correct(const Setting& set, std::string& value) {
   if (set.parm.hasConstraints()) {
     const Constraints constraints(set.parm, set.situation);
     if (constraints.apply()) return correctByConstraints(set, value, constraints);
@@ -123,24 +117,32 @@ int correct(const Setting& set, std::string& value) {
   return correctByBounds(set.parm, value, set.situation) ? SET_STORED : SET_INVALID_VALUE;
 }
 
+// Stores a corrected value where it is not there yet.
+CommittedValue& store(ParmDef& parm, const IndexTuple& indices, const std::string& value,
+                      CommittedValue* held) {
+  CommittedValue& place = held != nullptr ? *held : parm.stored(indices);
+  if (place.value.text() != value) place.value.set(value);
+  return place;
+}
+
 }  // namespace
 
-setOutcome_t setValue(ParmDef& parm, std::string& value, const IndexTuple& indices,
-                      Situation situation, PresentIndices& present, setMode_t mode) {
-  if (parm.mode() == MODE_NEVER || !parm.isValid(situation)) return refuse(value, SET_NOT_STORED);
+SetResult setValue(ParmDef& parm, std::string value, const IndexTuple& indices, Situation situation,
+                   PresentIndices& present, SetOptions options) {
+  if (parm.mode() == MODE_NEVER || !parm.isValid(situation)) return {SET_NOT_STORED, {}};
   const Setting set{parm, situation, present};
   IndexFault fault;
-  if (!bindIndices(set, indices, mode.held != nullptr, mode.quietIndices ? nullptr : &fault)) {
-    return mode.quietIndices ? refuse(value, SET_INVALID_INDEX) : refuseIndices(set, value, fault);
+  IndexFault* const wanted = options.quietIndices ? nullptr : &fault;
+  if (!bindIndices(set, indices, options.held != nullptr, wanted)) {
+    if (wanted != nullptr) logIndexFault(set, fault);
+    return {SET_INVALID_INDEX, {}};
   }
-  if (!mode.force && parm.isReadOnly(situation)) return refuse(value, SET_NOT_STORED);
-  const int result = correct(set, value);
-  if (result == SET_RULE_FAILS) return {result, false};
-  if (result != SET_STORED) return refuse(value, result);
-  CommittedValue* held = nullptr;
-  if (!mode.dryRun) {
-    held = mode.held != nullptr ? mode.held : &parm.stored(indices);
-    if (held->value.text() != value) held->value.set(value);
-  }
-  return {parm.mode() == MODE_ROSTRICT ? SET_NOT_STORED : SET_STORED, true, held};
+  if (!options.force && parm.isReadOnly(situation)) return {SET_NOT_STORED, {}};
+  const SetCode code = correct(set, value);
+  if (code == SET_RULE_FAILS) return {code, std::move(value)};
+  if (code != SET_STORED) return {code, {}};
+  CommittedValue* const held =
+      options.dryRun ? nullptr : &store(parm, indices, value, options.held);
+  return {parm.mode() == MODE_ROSTRICT ? SET_STORED_UNREPORTED : SET_STORED, std::move(value),
+          held};
 }

@@ -9,33 +9,38 @@
 #include "sw/parm/present_index.h"
 
 /// How a value is set.
-struct setMode_t {
+struct SetOptions {
   bool force = false;              ///< the read-only conditions are not asked
   bool dryRun = false;             ///< nothing is stored
   bool quietIndices = false;       ///< a refusal because of the indices is not logged
   CommittedValue* held = nullptr;  ///< where the instance's value is, if that is known
 };
 
-/// Results of setValue. After a refusal other than SET_RULE_FAILS the value is empty.
-enum setResult_t : int {
-  SET_STORED = 0,  ///< stored, or in a dry run acceptable; the value as stored
-  /// Not stored: the parameter can never be written, is not valid, or is read-only and not forced.
-  /// A "rostrict" parameter also answers this when it was stored; mode and value tell them apart.
-  SET_NOT_STORED = 1,
-  SET_RULE_FAILS = -1,     ///< a constraint rule still fails; the value as last corrected
-  SET_INVALID_VALUE = -2,  ///< a correction gave no value, or the base bounds refuse the value
-  SET_INVALID_INDEX = -3,  ///< an index is not valid, or its value, or their number
+/// What becomes of a value that is set. The negative codes go to the system log as they are.
+enum SetCode : int {
+  SET_STORED = 0,             ///< stored, or in a dry run acceptable
+  SET_NOT_STORED = 1,         ///< never writable, not available, or read-only and not forced
+  SET_STORED_UNREPORTED = 2,  ///< as SET_STORED, of a "rostrict" parameter: nobody is told
+  SET_RULE_FAILS = -1,        ///< a constraint rule still fails after all corrections
+  SET_INVALID_VALUE = -2,     ///< a correction gave no value, or the base bounds refuse the value
+  SET_INVALID_INDEX = -3,     ///< an index is not available, or its value, or their number
 };
 
-/// What setValue did, where its result alone does not tell.
-struct setOutcome_t {
-  int result;                      ///< a setResult_t
-  bool stored;                     ///< the value was accepted and, but for a dry run, stored
-  CommittedValue* held = nullptr;  ///< where it was stored
+struct SetResult {
+  SetCode code;
+  std::string value;  ///< as accepted, or where a rule fails as last corrected; or empty
+  CommittedValue* held = nullptr;  ///< where the value is stored now; null where it is not
+
+  /// Whether the value, as corrected, is one that the parameter takes.
+  [[nodiscard]] bool isAccepted() const {
+    return code == SET_STORED || code == SET_STORED_UNREPORTED;
+  }
 };
 
 /// Checks `value` for the instance `indices` in a situation, corrects and stores it. `situation` is
-/// the call's own; the index values are bound in it here. `present` gives the parameter's indices
-/// as they are for the instance.
-setOutcome_t setValue(ParmDef& parm, std::string& value, const IndexTuple& indices,
-                      Situation situation, PresentIndices& present, setMode_t mode);
+/// the call's own; the index values are bound in it here, one by one, because each index sees those
+/// before it and the parameter's own conditions see none. `present` gives the parameter's indices
+/// as they are for the instance. A refusal is logged but for the silent codes SET_NOT_STORED and
+/// SET_RULE_FAILS. Where memory runs out (std::bad_alloc), the instance holds what it held.
+SetResult setValue(ParmDef& parm, std::string value, const IndexTuple& indices, Situation situation,
+                   PresentIndices& present, SetOptions options);

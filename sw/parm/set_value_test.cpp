@@ -17,29 +17,28 @@ class SetValue : public testing::Test {
  protected:
   SetValue() : redirection_([this](const std::string& line) { log_.push_back(line); }) {}
 
-  /// Sets `value` and compares the result, the value afterwards, the lines of the log, and whether
-  /// the instance now holds the value, or what it held before.
+  /// Sets `value` and compares the result and the lines of the log, and whether the instance now
+  /// holds the value, or what it held before.
   struct Expected {
-    int result;
+    SetCode code;
     std::string value;
-    bool stored;
     Lines log = {};
   };
   void expectSet(ParmDef& parm, const std::string& given, const IndexTuple& indices,
-                 const Texts& texts, setMode_t mode, const Expected& expected) {
+                 const Texts& texts, SetOptions options, const Expected& expected) {
     SCOPED_TRACE('"' + given + "\" to " + testing::PrintToString(indices) + " in " +
                  testing::PrintToString(texts));
     log_.clear();
     const std::string before = parm.committedText(indices);
-    std::string value = given;
     TextIndices present(parm, texts);
-    const setOutcome_t outcome =
-        setValue(parm, value, indices, ownSituation(parm, texts), present, mode);
-    EXPECT_EQ(outcome.result, expected.result);
-    EXPECT_EQ(value, expected.value);
-    EXPECT_EQ(outcome.stored, expected.stored);
+    const SetResult result =
+        setValue(parm, given, indices, ownSituation(parm, texts), present, options);
+    EXPECT_EQ(result.code, expected.code);
+    EXPECT_EQ(result.value, expected.value);
     EXPECT_EQ(log_, expected.log);
-    EXPECT_EQ(parm.committedText(indices), expected.stored && !mode.dryRun ? value : before);
+    const bool isStored = result.isAccepted() && !options.dryRun;
+    EXPECT_EQ(parm.committedText(indices), isStored ? result.value : before);
+    EXPECT_EQ(result.held, isStored ? parm.committed(indices) : nullptr);
   }
   void expectSet(ParmDef& parm, const std::string& given, const Texts& texts,
                  const Expected& expected) {
@@ -67,17 +66,17 @@ class SetValue : public testing::Test {
   LogRedirection redirection_;
 };
 
-constexpr setMode_t FORCED = {.force = true};
-constexpr setMode_t DRY = {.dryRun = true};
+constexpr SetOptions FORCED = {.force = true};
+constexpr SetOptions DRY = {.dryRun = true};
 
 TEST_F(SetValue, NeverWritesModeNever) {
   // What its indices are is not even asked.
   const IndexDef row = makeIndex({.name = "row", .base = {"0..1"}});
   ParmDef parm = makeParm({.indices = {&row}, .mode = MODE_NEVER});
   for (const std::string value : {"5", "auto", ""}) {
-    expectSet(parm, value, {"0"}, {}, {}, {SET_NOT_STORED, "", false});
-    expectSet(parm, value, {"0"}, {}, FORCED, {SET_NOT_STORED, "", false});
-    expectSet(parm, value, {"7", "8"}, {}, DRY, {SET_NOT_STORED, "", false});
+    expectSet(parm, value, {"0"}, {}, {}, {SET_NOT_STORED, ""});
+    expectSet(parm, value, {"0"}, {}, FORCED, {SET_NOT_STORED, ""});
+    expectSet(parm, value, {"7", "8"}, {}, DRY, {SET_NOT_STORED, ""});
   }
 }
 
@@ -86,33 +85,32 @@ TEST_F(SetValue, DoesNotWriteWhatIsNotValid) {
   ParmText text = {.indices = {&row}, .mode = MODE_ROSTRICT};
   text.common.validIf = {"on", "row || on == 2"};
   ParmDef parm = makeParm(text);
-  expectSet(parm, "5", {"1"}, {{"on", "0"}}, FORCED, {SET_NOT_STORED, "", false});
-  expectSet(parm, "5", {"9"}, {}, {},
-            {SET_NOT_STORED, "", false});  // before its index is looked at
+  expectSet(parm, "5", {"1"}, {{"on", "0"}}, FORCED, {SET_NOT_STORED, ""});
+  expectSet(parm, "5", {"9"}, {}, {}, {SET_NOT_STORED, ""});  // before its index is looked at
   // The parameter's own conditions come before its indices are bound.
-  expectSet(parm, "5", {"1"}, {{"on", "1"}}, {}, {SET_NOT_STORED, "", false});
-  expectSet(parm, "5", {"1"}, {{"on", "2"}}, {}, {SET_NOT_STORED, "5", true});
+  expectSet(parm, "5", {"1"}, {{"on", "1"}}, {}, {SET_NOT_STORED, ""});
+  expectSet(parm, "5", {"1"}, {{"on", "2"}}, {}, {SET_STORED_UNREPORTED, "5"});
 }
 
 TEST_F(SetValue, WritesByModeReadOnlyConditionsAndForce) {
   struct {
     AccessMode mode;
-    setMode_t how;
+    SetOptions how;
     std::string readOnlyIf;
     Expected expected;
   } const cases[] = {
-      {MODE_NORMAL, {}, "0", {SET_STORED, "5", true}},
-      {MODE_NORMAL, {}, "1", {SET_NOT_STORED, "", false}},
-      {MODE_NORMAL, FORCED, "1", {SET_STORED, "5", true}},
-      {MODE_NORMAL, DRY, "0", {SET_STORED, "5", true}},
-      {MODE_NORMAL, DRY, "1", {SET_NOT_STORED, "", false}},
-      {MODE_WRITE_ONLY, {}, "1", {SET_STORED, "5", true}},
-      {MODE_WRITE_ONLY, FORCED, "1", {SET_STORED, "5", true}},
+      {MODE_NORMAL, {}, "0", {SET_STORED, "5"}},
+      {MODE_NORMAL, {}, "1", {SET_NOT_STORED, ""}},
+      {MODE_NORMAL, FORCED, "1", {SET_STORED, "5"}},
+      {MODE_NORMAL, DRY, "0", {SET_STORED, "5"}},
+      {MODE_NORMAL, DRY, "1", {SET_NOT_STORED, ""}},
+      {MODE_WRITE_ONLY, {}, "1", {SET_STORED, "5"}},
+      {MODE_WRITE_ONLY, FORCED, "1", {SET_STORED, "5"}},
       // The same code whether it was stored or refused.
-      {MODE_ROSTRICT, {}, "0", {SET_NOT_STORED, "5", true}},
-      {MODE_ROSTRICT, {}, "1", {SET_NOT_STORED, "", false}},
-      {MODE_ROSTRICT, FORCED, "1", {SET_NOT_STORED, "5", true}},
-      {MODE_ROSTRICT, DRY, "0", {SET_NOT_STORED, "5", true}},
+      {MODE_ROSTRICT, {}, "0", {SET_STORED_UNREPORTED, "5"}},
+      {MODE_ROSTRICT, {}, "1", {SET_NOT_STORED, ""}},
+      {MODE_ROSTRICT, FORCED, "1", {SET_STORED_UNREPORTED, "5"}},
+      {MODE_ROSTRICT, DRY, "0", {SET_STORED_UNREPORTED, "5"}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(std::to_string(c.mode) + " read-only if " + c.readOnlyIf);
@@ -124,14 +122,13 @@ TEST_F(SetValue, WritesByModeReadOnlyConditionsAndForce) {
 TEST_F(SetValue, AsksTheReadOnlyConditionsWithTheIndicesBound) {
   const IndexDef row = makeIndex({.name = "row", .base = {"0..1"}});
   ParmDef parm = makeParm({.indices = {&row}, .readOnlyIf = {"row == 1"}});
-  expectSet(parm, "5", {"0"}, {}, {}, {SET_STORED, "5", true});
-  expectSet(parm, "5", {"1"}, {}, {}, {SET_NOT_STORED, "", false});
-  expectSet(parm, "5", {"1"}, {}, FORCED, {SET_STORED, "5", true});
+  expectSet(parm, "5", {"0"}, {}, {}, {SET_STORED, "5"});
+  expectSet(parm, "5", {"1"}, {}, {}, {SET_NOT_STORED, ""});
+  expectSet(parm, "5", {"1"}, {}, FORCED, {SET_STORED, "5"});
   // A refused index comes first.
   expectSet(parm, "5", {"2"}, {}, {},
             {SET_INVALID_INDEX,
              "",
-             false,
              {"set: ERROR \"gain\": Invalid index value[\"row\"=\"2\"]", "Var list begin",
               "Var list end"}});
 }
@@ -153,9 +150,9 @@ class SetValueOfInstances : public SetValue {
 
 TEST_F(SetValueOfInstances, StoresUnderTheTuple) {
   const Texts texts = {{"rows", "1"}};
-  expectSet(parm_, "5", {"0", "3"}, texts, {}, {SET_STORED, "5", true});
-  expectSet(parm_, "6", {"1", "a"}, texts, {}, {SET_STORED, "6", true});
-  expectSet(parm_, "7", {"0", "3"}, texts, {}, {SET_STORED, "7", true});
+  expectSet(parm_, "5", {"0", "3"}, texts, {}, {SET_STORED, "5"});
+  expectSet(parm_, "6", {"1", "a"}, texts, {}, {SET_STORED, "6"});
+  expectSet(parm_, "7", {"0", "3"}, texts, {}, {SET_STORED, "7"});
   EXPECT_EQ(parm_.committedText({"0", "3"}), "7");
   EXPECT_EQ(parm_.committedText({"1", "a"}), "6");
   EXPECT_EQ(parm_.committed({"0", "2"}), nullptr);
@@ -165,14 +162,12 @@ TEST_F(SetValueOfInstances, RefusesAnIndexThatIsNotValid) {
   expectSet(parm_, "5", {"0", "3"}, {{"rows", "0"}, {"mode", "pal"}}, {},
             {SET_INVALID_INDEX,
              "",
-             false,
              {"set: ERROR \"gain\": Invalid index[row]", "Var list begin", "   \"mode\"=\"pal\"",
               "   \"rows\"=\"0\"", "Var list end"}});
   // The second index sees the first one's value.
   expectSet(parm_, "5", {"5", "3"}, {{"rows", "1"}}, FORCED,
             {SET_INVALID_INDEX,
              "",
-             false,
              {"set: ERROR \"gain\": Invalid index[column]", "Var list begin", "   \"row\"=\"5\"",
               "   \"rows\"=\"1\"", "Var list end"}});
 }
@@ -181,7 +176,7 @@ TEST_F(SetValueOfInstances, RefusesAnIndexValue) {
   const Lines withoutRow = {"Var list begin", "   \"rows\"=\"0x1\"", "Var list end"};
   const auto expectRefused = [&](const IndexTuple& indices, const std::string& error, Lines dump) {
     dump.insert(dump.begin(), "set: ERROR \"gain\": " + error);
-    expectSet(parm_, "5", indices, {{"rows", "0x1"}}, {}, {SET_INVALID_INDEX, "", false, dump});
+    expectSet(parm_, "5", indices, {{"rows", "0x1"}}, {}, {SET_INVALID_INDEX, "", dump});
   };
   // Outside the base bounds; nothing is corrected.
   expectRefused({"10", "0"}, "Invalid index value[\"row\"=\"10\"]", withoutRow);
@@ -201,13 +196,12 @@ TEST_F(SetValueOfInstances, RefusesAnIndexValue) {
 
 TEST_F(SetValueOfInstances, TakesIndexValuesAsTheyAreWritten) {
   const Texts texts = {{"rows", "1"}};
-  expectSet(parm_, "5", {"0x0", "0x3"}, texts, {}, {SET_STORED, "5", true});
+  expectSet(parm_, "5", {"0x0", "0x3"}, texts, {}, {SET_STORED, "5"});
   EXPECT_EQ(parm_.committed({"0", "3"}), nullptr);
   // A translated index value is accepted, and bound as it was given.
   expectSet(parm_, "5", {"top", "0"}, texts, {},
             {SET_INVALID_INDEX,
              "",
-             false,
              {"set: ERROR \"gain\": Invalid index value[\"column\"=\"0\"]", "Var list begin",
               "   \"row\"=\"top\"", "   \"rows\"=\"1\"", "Var list end"}});
 }
@@ -215,9 +209,8 @@ TEST_F(SetValueOfInstances, TakesIndexValuesAsTheyAreWritten) {
 TEST_F(SetValueOfInstances, RefusesAnotherNumberOfIndices) {
   const Texts texts = {{"rows", "1"}};
   const auto expectCount = [&](const IndexTuple& indices, const std::string& figures) {
-    expectSet(
-        parm_, "5", indices, texts, {},
-        {SET_INVALID_INDEX, "", false, {"set: ERROR \"gain\": Not enough indices " + figures}});
+    expectSet(parm_, "5", indices, texts, {},
+              {SET_INVALID_INDEX, "", {"set: ERROR \"gain\": Not enough indices " + figures}});
   };
   expectCount({}, "2>0");
   expectCount({"0"}, "2>1");
@@ -226,28 +219,27 @@ TEST_F(SetValueOfInstances, RefusesAnotherNumberOfIndices) {
   expectSet(parm_, "5", {"10"}, texts, {},
             {SET_INVALID_INDEX,
              "",
-             false,
              {"set: ERROR \"gain\": Invalid index value[\"row\"=\"10\"]", "Var list begin",
               "   \"rows\"=\"1\"", "Var list end"}});
 }
 
 TEST_F(SetValueOfInstances, IsQuietAboutIndicesOnRequest) {
-  const setMode_t quiet = {.quietIndices = true};
-  const Expected refused = {SET_INVALID_INDEX, "", false};
+  const SetOptions quiet = {.quietIndices = true};
+  const Expected refused = {SET_INVALID_INDEX, ""};
   expectSet(parm_, "5", {"0", "0"}, {{"rows", "0"}}, quiet, refused);
   expectSet(parm_, "5", {"10", "0"}, {{"rows", "1"}}, quiet, refused);
   expectSet(parm_, "5", {"0"}, {{"rows", "1"}}, quiet, refused);
-  expectSet(parm_, "5", {"0", "0"}, {{"rows", "1"}}, quiet, {SET_STORED, "5", true});
+  expectSet(parm_, "5", {"0", "0"}, {{"rows", "1"}}, quiet, {SET_STORED, "5"});
 }
 
 TEST_F(SetValue, NamesOneIndexTooMany) {
   const IndexDef row = makeIndex({.name = "row"});
   ParmDef indexed = makeParm({.indices = {&row}});
   expectSet(indexed, "5", {"0", "0"}, {}, {},
-            {SET_INVALID_INDEX, "", false, {"set: ERROR \"gain\": Not enough indices 1>2"}});
+            {SET_INVALID_INDEX, "", {"set: ERROR \"gain\": Not enough indices 1>2"}});
   ParmDef plain = makeParm({});
   expectSet(plain, "5", {"0"}, {}, {},
-            {SET_INVALID_INDEX, "", false, {"set: ERROR \"gain\": Not enough indices 0>1"}});
+            {SET_INVALID_INDEX, "", {"set: ERROR \"gain\": Not enough indices 0>1"}});
 }
 
 TEST_F(SetValue, ChecksAnIndexByItsOverride) {
@@ -255,7 +247,7 @@ TEST_F(SetValue, ChecksAnIndexByItsOverride) {
   const ParmDef row =
       makeParm({.common = {.name = "row", .base = {"0..1"}}, .rules = {{"0", "0", "0"}}});
   ParmDef parm = makeParm({.indices = {&row}});
-  expectSet(parm, "5", {"7"}, {}, {}, {SET_STORED, "5", true});
+  expectSet(parm, "5", {"7"}, {}, {}, {SET_STORED, "5"});
 }
 
 TEST_F(SetValue, CorrectsByTheBaseBounds) {
@@ -271,50 +263,50 @@ TEST_F(SetValue, CorrectsByTheBaseBounds) {
       {"max", "9"},    {"peak", "9"},  // a target that is a source is followed
   };
   // Without conditional bounds there is no invalid value.
-  for (const auto& c : cases) expectSet(parm, c.given, {}, {SET_STORED, c.stored, true});
+  for (const auto& c : cases) expectSet(parm, c.given, {}, {SET_STORED, c.stored});
 }
 
 TEST_F(SetValue, CorrectsTheEmptyValueBySpans) {
   ParmDef withZero = makeParm({.common = {.base = {"0..9"}}});
-  expectSet(withZero, "", {}, {SET_STORED, "", true});
+  expectSet(withZero, "", {}, {SET_STORED, ""});
   ParmDef withoutZero = makeParm({.common = {.base = {"3..9"}}});
-  expectSet(withoutZero, "", {}, {SET_STORED, "3", true});
+  expectSet(withoutZero, "", {}, {SET_STORED, "3"});
   ParmDef free = makeParm({});
-  expectSet(free, "", {}, {SET_STORED, "", true});
-  expectSet(free, "auto", {}, {SET_STORED, "auto", true});
+  expectSet(free, "", {}, {SET_STORED, ""});
+  expectSet(free, "auto", {}, {SET_STORED, "auto"});
 }
 
 TEST_F(SetValue, CorrectsByTheConditionalBoundsThatApply) {
   ParmDef parm = makeParm({.common = {.ranges = {{"a", {"0..9"}}, {"b", {"20..29"}}}}});
   const Texts both = {{"a", "1"}, {"b", "1"}};
-  expectSet(parm, "5", both, {SET_STORED, "5", true});
-  expectSet(parm, "25", both, {SET_STORED, "25", true});
-  expectSet(parm, "30", both, {SET_STORED, "9", true});
-  expectSet(parm, "5", {{"b", "1"}}, {SET_STORED, "20", true});
+  expectSet(parm, "5", both, {SET_STORED, "5"});
+  expectSet(parm, "25", both, {SET_STORED, "25"});
+  expectSet(parm, "30", both, {SET_STORED, "9"});
+  expectSet(parm, "5", {{"b", "1"}}, {SET_STORED, "20"});
   // Where none applies, every value stays as it is.
-  expectSet(parm, "77", {}, {SET_STORED, "77", true});
+  expectSet(parm, "77", {}, {SET_STORED, "77"});
 }
 
 TEST_F(SetValue, AsksTheBaseBoundsAgainAfterConditionalOnes) {
   ParmDef parm = makeParm({.common = {.base = {"0..9"},
                                       .ranges = {{"a", {"20..29"}}, {"b", {"5..7"}}},
                                       .translations = {{"20", "2"}, {"-5", "50"}}}});
-  expectSet(parm, "15", {}, {SET_STORED, "9", true});
-  expectSet(parm, "8", {{"b", "1"}}, {SET_STORED, "7", true});
+  expectSet(parm, "15", {}, {SET_STORED, "9"});
+  expectSet(parm, "8", {{"b", "1"}}, {SET_STORED, "7"});
   // The base bounds are asked for the translated value, but the value itself is stored.
-  expectSet(parm, "5", {{"a", "1"}}, {SET_STORED, "20", true});
-  expectSet(parm, "-5", {{"a", "1"}}, {SET_STORED, "20", true});
+  expectSet(parm, "5", {{"a", "1"}}, {SET_STORED, "20"});
+  expectSet(parm, "-5", {{"a", "1"}}, {SET_STORED, "20"});
 }
 
 TEST_F(SetValue, RefusesWhatConditionalBoundsBringOutOfTheBase) {
   ParmDef parm =
       makeParm({.common = {.name = "level", .base = {"0..9"}, .ranges = {{"a", {"20..29"}}}}});
-  expectSet(parm, "5", {}, {SET_STORED, "5", true});
+  expectSet(parm, "5", {}, {SET_STORED, "5"});
   // The log shows the value as corrected, and no variables.
   expectSet(parm, "5", {{"a", "1"}},
-            {SET_INVALID_VALUE, "", false, {"set: ERROR \"level\": Invalid value \"20\""}});
+            {SET_INVALID_VALUE, "", {"set: ERROR \"level\": Invalid value \"20\""}});
   expectSet(parm, "25", {{"a", "1"}},
-            {SET_INVALID_VALUE, "", false, {"set: ERROR \"level\": Invalid value \"20\""}});
+            {SET_INVALID_VALUE, "", {"set: ERROR \"level\": Invalid value \"20\""}});
 }
 
 TEST_F(SetValue, ChecksBoundsWithTheIndicesBound) {
@@ -322,9 +314,9 @@ TEST_F(SetValue, ChecksBoundsWithTheIndicesBound) {
   ParmDef parm =
       makeParm({.common = {.ranges = {{"row == 1", {"0..9"}}, {"row == 2", {"0..(row * 10)"}}}},
                 .indices = {&row}});
-  expectSet(parm, "50", {"1"}, {}, {}, {SET_STORED, "9", true});
-  expectSet(parm, "50", {"2"}, {}, {}, {SET_STORED, "20", true});
-  expectSet(parm, "50", {"3"}, {}, {}, {SET_STORED, "50", true});
+  expectSet(parm, "50", {"1"}, {}, {}, {SET_STORED, "9"});
+  expectSet(parm, "50", {"2"}, {}, {}, {SET_STORED, "20"});
+  expectSet(parm, "50", {"3"}, {}, {}, {SET_STORED, "50"});
 }
 
 TEST_F(SetValue, LetsTheRulesDecideWhileOneApplies) {
@@ -332,28 +324,27 @@ TEST_F(SetValue, LetsTheRulesDecideWhileOneApplies) {
       makeParm({.common = {.base = {"0..9"}, .translations = {{"max", "9"}}},
                 .rules = {{"on", "sw::this < 100", "100"}, {"on", "sw::this != 7", "8"}}});
   // No bounds are checked, and nothing is translated.
-  expectSet(parm, "50", {{"on", "1"}}, {SET_STORED, "50", true});
-  expectSet(parm, "7", {{"on", "1"}}, {SET_STORED, "8", true});
-  expectSet(parm, "50", {{"on", "0"}}, {SET_STORED, "9", true});
-  expectSet(parm, "max", {{"on", "0"}}, {SET_STORED, "9", true});
-  expectSet(parm, "7", {}, {SET_STORED, "7", true});
+  expectSet(parm, "50", {{"on", "1"}}, {SET_STORED, "50"});
+  expectSet(parm, "7", {{"on", "1"}}, {SET_STORED, "8"});
+  expectSet(parm, "50", {{"on", "0"}}, {SET_STORED, "9"});
+  expectSet(parm, "max", {{"on", "0"}}, {SET_STORED, "9"});
+  expectSet(parm, "7", {}, {SET_STORED, "7"});
 }
 
 TEST_F(SetValue, IsQuietAboutARuleThatStillFails) {
   ParmDef parm = makeParm({.rules = {{"1", "sw::this >= 10", "10"}, {"1", "sw::this <= 5", "5"}}});
-  expectSet(parm, "7", {}, {SET_RULE_FAILS, "5", false});
-  expectSet(parm, "7", {}, {}, DRY, {SET_RULE_FAILS, "5", false});
+  expectSet(parm, "7", {}, {SET_RULE_FAILS, "5"});
+  expectSet(parm, "7", {}, {}, DRY, {SET_RULE_FAILS, "5"});
 }
 
 TEST_F(SetValue, RefusesAValueWhoseCorrectionGivesNone) {
   const IndexDef row = makeIndex({.name = "row"});
   ParmDef parm = makeParm({.indices = {&row}, .rules = {{"on", "sw::this != 1", "limit / 0"}}});
-  expectSet(parm, "2", {"3"}, {{"on", "1"}}, {}, {SET_STORED, "2", true});
+  expectSet(parm, "2", {"3"}, {{"on", "1"}}, {}, {SET_STORED, "2"});
   // The value under test is not among the variables; the index is.
   expectSet(parm, "1", {"3"}, {{"on", "1"}, {"limit", "9"}}, {},
             {SET_INVALID_VALUE,
              "",
-             false,
              {"set: ERROR \"gain\": Constraints failed \"\"", "Var list begin",
               "   \"limit\"=\"9\"", "   \"on\"=\"1\"", "   \"row\"=\"3\"", "Var list end"}});
 }
@@ -362,7 +353,7 @@ TEST_F(SetValue, SkipsTheBaseCheckOfAParameterWithRules) {
   // No rule applies, so the bounds correct, out of the base; a parameter with rules accepts that.
   ParmDef parm = makeParm(
       {.common = {.base = {"0..9"}, .ranges = {{"1", {"20..29"}}}}, .rules = {{"0", "0", "0"}}});
-  expectSet(parm, "5", {}, {SET_STORED, "20", true});
+  expectSet(parm, "5", {}, {SET_STORED, "20"});
 }
 
 TEST_F(SetValue, KeepsToRunTimeRangesWhileTheyHaveValues) {
@@ -370,29 +361,29 @@ TEST_F(SetValue, KeepsToRunTimeRangesWhileTheyHaveValues) {
                                       .ranges = {{"1", {"(lo)..(hi)"}}, {"a", {"50"}}},
                                       .translations = {{"max", "99"}}}});
   const Texts range = {{"lo", "20"}, {"hi", "29"}};
-  expectSet(parm, "25", range, {SET_STORED, "25", true});
-  expectSet(parm, "max", range, {SET_STORED, "29", true});
-  expectSet(parm, "50", {{"lo", "20"}, {"hi", "29"}, {"a", "1"}}, {SET_STORED, "50", true});
+  expectSet(parm, "25", range, {SET_STORED, "25"});
+  expectSet(parm, "max", range, {SET_STORED, "29"});
+  expectSet(parm, "50", {{"lo", "20"}, {"hi", "29"}, {"a", "1"}}, {SET_STORED, "50"});
   // Without its values the ordinary bounds remain, in which the range accepts everything.
-  expectSet(parm, "25", {{"lo", "20"}}, {SET_STORED, "9", true});
-  expectSet(parm, "25", {{"lo", "29"}, {"hi", "20"}}, {SET_STORED, "9", true});
+  expectSet(parm, "25", {{"lo", "20"}}, {SET_STORED, "9"});
+  expectSet(parm, "25", {{"lo", "29"}, {"hi", "20"}}, {SET_STORED, "9"});
 }
 
 TEST_F(SetValue, SetsADefinitionThatNamesTheValueUnderTestOutsideRules) {
   // Nothing but rules knows the value; elsewhere it is an undefined variable.
   ParmDef parm =
       makeParm({.common = {.ranges = {{"1", {"0..(sw::this)"}}}}, .readOnlyIf = {"sw::this == 5"}});
-  expectSet(parm, "5", {}, {SET_STORED, "5", true});
+  expectSet(parm, "5", {}, {SET_STORED, "5"});
 }
 
 TEST_F(SetValue, LeavesTheStoredValuesAloneInADryRun) {
   ParmDef parm = makeParm({.common = {.base = {"0..9"}}});
-  expectSet(parm, "4", {}, {SET_STORED, "4", true});
-  expectSet(parm, "15", {}, {}, DRY, {SET_STORED, "9", true});
+  expectSet(parm, "4", {}, {SET_STORED, "4"});
+  expectSet(parm, "15", {}, {}, DRY, {SET_STORED, "9"});
   EXPECT_EQ(parm.committedText({}), "4");
   const IndexDef row = makeIndex({.name = "row"});
   ParmDef indexed = makeParm({.indices = {&row}});
-  expectSet(indexed, "4", {"1"}, {}, DRY, {SET_STORED, "4", true});
+  expectSet(indexed, "4", {"1"}, {}, DRY, {SET_STORED, "4"});
   EXPECT_EQ(indexed.committed({"1"}), nullptr);
 }
 
@@ -400,11 +391,9 @@ TEST_F(SetValue, LeavesTheCallersSituationAlone) {
   const IndexDef row = makeIndex({.name = "row"});
   ParmDef parm = makeParm({.indices = {&row}, .rules = {{"1", "sw::this != 1", "2"}}});
   const TextSituation situation(parm.variables(), {{"row", "9"}});
-  std::string value = "1";
   const Texts none;
   TextIndices present(parm, none);
-  EXPECT_EQ(setValue(parm, value, {"3"}, situation, present, {}).result, SET_STORED);
-  EXPECT_EQ(value, "2");
+  EXPECT_EQ(setValue(parm, "1", {"3"}, situation, present, {}).value, "2");
   EXPECT_EQ(situation[*parm.variables().find("row")].number, 9);
   EXPECT_EQ(situation[*parm.variables().find("sw::this")].kind, OPERAND_INVALID);
 }
@@ -413,13 +402,12 @@ TEST_F(SetValue, LeavesTheCallersSituationAlone) {
 TEST_F(SetValue, ChecksTheIndexValuesOfWhatLooksLikeAStoredInstance) {
   const IndexDef row = makeIndex({.name = "row", .base = {"\"a][b\""}});
   ParmDef parm = makeParm({.indices = {&row}});
-  expectSet(parm, "5", {"a][b"}, {}, {}, {SET_STORED, "5", true});
+  expectSet(parm, "5", {"a][b"}, {}, {}, {SET_STORED, "5"});
   CommittedValue* const held = parm.committed({"a", "b"});
   ASSERT_NE(held, nullptr);
   expectSet(parm, "6", {"a", "b"}, {}, {.held = held},
             {SET_INVALID_INDEX,
              "",
-             false,
              {"set: ERROR \"gain\": Invalid index value[\"row\"=\"a\"]", "Var list begin",
               "Var list end"}});
 }

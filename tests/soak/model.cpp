@@ -320,7 +320,7 @@ std::string Model::serveSingle(const Call& call, std::vector<std::string>& signa
 
 std::string Model::serveIn(Staged& staged, const std::string& operation, const Call& call,
                            std::vector<std::string>& signal) {
-  const bool status = operation.find("_status") != std::string::npos;
+  const bool force = operation.find("_status") != std::string::npos;
   if (operation == "commit") return commit(staged, signal);
   if (operation == "get") return quoted(seeing(staged)(call.names[0]));
   if (operation == "get_bulk") return getAll(staged, call);
@@ -332,8 +332,8 @@ std::string Model::serveIn(Staged& staged, const std::string& operation, const C
     }
     return valid ? "true" : "false";
   }
-  if (operation.starts_with("set")) return setAll(staged, call, status);
-  if (operation.starts_with("reset")) return resetAll(staged, call, status);
+  if (operation.starts_with("set")) return setAll(staged, call, force);
+  if (operation.starts_with("reset")) return resetAll(staged, call, force);
   if (operation == "get_range") return rangeAnswer(staged, call.names[0]);
   if (operation == "get_range_bulk") return rangesAnswer(staged, call.names);
   return operation == "get_parm_idx" ? indices(staged, call.names[0])
@@ -357,38 +357,38 @@ std::string Model::getAll(const Staged& staged, const Call& call) const {
   return listed(items);
 }
 
-std::string Model::setAll(Staged& staged, const Call& call, bool status) const {
+std::string Model::setAll(Staged& staged, const Call& call, bool force) const {
   std::string first;
   for (size_t i = 0; i < std::min(call.names.size(), call.values.size()); ++i) {
-    const std::string answer = set(staged, call.names[i], call.values[i], status);
+    const std::string answer = set(staged, call.names[i], call.values[i], force);
     first = first.empty() ? answer : first;
   }
   return first;
 }
 
-std::string Model::resetAll(Staged& staged, const Call& call, bool status) const {
+std::string Model::resetAll(Staged& staged, const Call& call, bool force) const {
   std::string first;
   for (const std::string& name : call.names) {
     if (instanceOf(name).parm == nullptr) {
-      first = failed(status ? "Reset status" : "Reset", "parameter name is invalid");
+      first = failed(force ? "Reset status" : "Reset", "parameter name is invalid");
     } else {
       Entry& entry = stage(staged, name, false);
       entry.reset = true;
-      entry.force = status;
+      entry.force = force;
     }
   }
   return first;
 }
 
 std::string Model::set(Staged& staged, const std::string& name, const std::string& value,
-                       bool status) const {
-  const std::string family = status ? "Set status" : "Set";
+                       bool force) const {
+  const std::string family = force ? "Set status" : "Set";
   const Parm* parm = instanceOf(name).parm;
   if (parm == nullptr) return failed(family, "parameter name is invalid");
   Entry& entry = stage(staged, name, false);
   if (!isAcceptable(*parm, value)) return failed(family, "parameter value is invalid");
   entry.reset = false;
-  entry.force = status;
+  entry.force = force;
   entry.value = value;
   return "";
 }
@@ -456,10 +456,9 @@ Model::Plan Model::planCommit(Staged& staged) const {
 // The daemon's result code of a refusal.
 std::string Model::refusalCode(Verdict verdict) { return verdict == NO_INSTANCE ? "-3" : "-2"; }
 
-bool Model::isReported(const Step& step, Access access, const std::string& before) {
+bool Model::isReported(const Step& step, Access access, const std::string& before) const {
   if (access == ACCESS_ROSTRICT) return false;
-  const bool isFirst = announced_.insert(step.name).second;
-  return isFirst || access == ACCESS_WO || get(step.name) != before;
+  return !announced_.contains(step.name) || access == ACCESS_WO || get(step.name) != before;
 }
 
 // A refusal ends its level; what the level has left is as if it had not been staged.
@@ -483,6 +482,7 @@ std::string Model::commit(Staged& staged, std::vector<std::string>& signal) {
                      ": ret=" + refusalCode(verdict));
       answer = answer.empty() ? commitFailure(verdict) : answer;
     } else if (verdict == STORED && isReported(step, entry.instance.parm->access, before)) {
+      announced_.insert(step.name);
       changed.insert(step.name);
     }
   }

@@ -55,10 +55,10 @@ class Model {
   std::string end(uint32_t id);
 
   [[nodiscard]] std::string getAll(const Staged& staged, const Call& call) const;
-  std::string setAll(Staged& staged, const Call& call, bool status) const;
-  std::string resetAll(Staged& staged, const Call& call, bool status) const;
+  std::string setAll(Staged& staged, const Call& call, bool force) const;
+  std::string resetAll(Staged& staged, const Call& call, bool force) const;
   std::string set(Staged& staged, const std::string& name, const std::string& value,
-                  bool status) const;
+                  bool force) const;
 
   static Verdict judge(const Instance& instance, std::string& value, bool force, const See& see);
   /// Judges an entry and leaves in it what its parameter holds afterwards.
@@ -68,7 +68,7 @@ class Model {
   static std::string refusalCode(Verdict verdict);
   static std::string commitFailure(Verdict verdict);
 
-  bool isReported(const Step& step, Access access, const std::string& before);
+  [[nodiscard]] bool isReported(const Step& step, Access access, const std::string& before) const;
   std::string commit(Staged& staged, std::vector<std::string>& signal);
   [[nodiscard]] Plan planCommit(Staged& staged) const;
   void resolveResets(Staged& staged) const;

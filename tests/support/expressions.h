@@ -12,7 +12,7 @@
 /// The tokens of `text`. They stay for good.
 inline Expression readExpression(const std::string& text) {
   const std::string line = "(" + text + ")";
-  TextCursor cursor(linesIn(line), testMemory());
+  TextCursor cursor(linesIn(line), testArena());
   Expression expression;
   EXPECT_TRUE(readExpression(cursor, expression)) << text;
   return expression;

@@ -34,9 +34,9 @@ inline std::vector<std::string_view> linesOf(std::string_view text) {
 }
 
 /// Where what the tests read is kept.
-inline Arena& testMemory() {
-  static Arena memory;
-  return memory;
+inline Arena& testArena() {
+  static Arena arena;
+  return arena;
 }
 
 /// The result where the text ends before what is read is complete.
@@ -45,7 +45,7 @@ constexpr int TEXT_ENDS = -100;
 /// What a function of the grammar reads from the lines of a text, which may be pieces of lines.
 template <typename Read, typename T>
 Stop readText(Read read, const std::vector<std::string_view>& lines, T& what) {
-  TextCursor cursor(pulledFrom(lines), testMemory());
+  TextCursor cursor(pulledFrom(lines), testArena());
   const bool isRead = read(cursor, what);
   const int fault = cursor.result() == PARSE_DONE ? TEXT_ENDS : cursor.result();
   return {isRead ? PARSE_DONE : fault, cursor.position().line, cursor.position().column};

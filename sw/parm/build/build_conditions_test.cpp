@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/build.h"
+#include "tests/support/names.h"
 
 namespace {
 
@@ -27,7 +28,7 @@ TEST(BuildConditions, GivesTheModeAndReadOnlynessOfTheAccessWord) {
     EXPECT_EQ(built.parm("p").mode(), c.mode);
     EXPECT_EQ(built.parm("p").isReadOnly(situationOf(built.parm("p"), {})), c.readOnly);
     EXPECT_TRUE(built.parm("p").isValid(situationOf(built.parm("p"), {})));
-    EXPECT_TRUE(built.parm("p").variables().names().empty());
+    EXPECT_TRUE(built.parm("p").variables().empty());
   }
 }
 
@@ -63,7 +64,7 @@ TEST(BuildConditions, KeepsReadOnlyConditions) {
     EXPECT_EQ(built.diagnostics, "");
     const ParmDef& parm = built.parm("p");
     EXPECT_EQ(parm.isReadOnly(situationOf(parm, c.situation)), c.holds);
-    EXPECT_EQ(parm.variables().names(), c.variables);
+    EXPECT_EQ(namesOf(parm.variables()), c.variables);
     EXPECT_EQ(parm.mode(), MODE_NORMAL);
   }
 }
@@ -91,7 +92,7 @@ TEST(BuildConditions, KeepsValidityConditions) {
       const IndexDef& definition =
           access[0] == 'i' ? built.index("p") : static_cast<const IndexDef&>(built.parm("p"));
       EXPECT_EQ(definition.isValid(situationOf(definition, c.situation)), c.holds);
-      EXPECT_EQ(definition.variables().names(), c.variables);
+      EXPECT_EQ(namesOf(definition.variables()), c.variables);
     }
   }
 }

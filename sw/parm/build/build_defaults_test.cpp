@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/build.h"
+#include "tests/support/names.h"
 
 namespace {
 
@@ -92,9 +93,9 @@ TEST(BuildDefaults, FindsTheDefaultOfASituation) {
     EXPECT_EQ(built.diagnostics, "");
     const ParmDef& parm = built.parm("p");
     std::string value = "unset";
-    EXPECT_EQ(parm.defaultValue(value, {}, situationOf(parm, c.situation)), c.result);
+    EXPECT_EQ(parm.defaultValue(value, situationOf(parm, c.situation)), c.result);
     EXPECT_EQ(value, c.value);
-    EXPECT_EQ(parm.variables().names(), c.variables);
+    EXPECT_EQ(namesOf(parm.variables()), c.variables);
   }
 }
 
@@ -113,7 +114,7 @@ TEST(BuildDefaults, WarnsAboutAConditionThatIsAlwaysZero) {
                   "           ^\n"}});
   const BuiltText built(text);
   std::string value;
-  EXPECT_EQ(built.parm("p").defaultValue(value, {}, situationOf(built.parm("p"), {})), 1);
+  EXPECT_EQ(built.parm("p").defaultValue(value, situationOf(built.parm("p"), {})), 1);
   EXPECT_EQ(value, "7");
 }
 

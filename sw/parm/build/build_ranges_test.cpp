@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/build.h"
+#include "tests/support/names.h"
 
 namespace {
 
@@ -36,7 +37,7 @@ void expectRanges(const std::vector<RangeCase>& cases) {
           access == "rw" ? static_cast<const IndexDef&>(built.parm("p")) : built.index("p");
       EXPECT_EQ(itemsText(definition.baseBounds()), c.base);
       EXPECT_EQ(conditionalTexts(definition, c.situation), c.conditional);
-      EXPECT_EQ(definition.variables().names(), c.variables);
+      EXPECT_EQ(namesOf(definition.variables()), c.variables);
     }
   }
 }
@@ -231,7 +232,7 @@ TEST(BuildRangeDoc, AnswersRangeQueriesFirst) {
     EXPECT_EQ(built.result, 0);
     EXPECT_EQ(built.diagnostics, "");
     EXPECT_EQ(rangeText(built.parm("p"), c.situation), c.range);
-    EXPECT_EQ(built.parm("p").variables().names(), c.variables);
+    EXPECT_EQ(namesOf(built.parm("p").variables()), c.variables);
   }
 }
 
@@ -248,7 +249,7 @@ TEST(BuildRangeDoc, LeavesNothingInAnIndex) {
       "index", "rangeDoc (mode) { (lo) } ctrlRO (mode) default (mode) { (lo) } default { (lo) }");
   EXPECT_EQ(built.result, 0);
   EXPECT_EQ(built.diagnostics, "");
-  EXPECT_TRUE(built.index("p").variables().names().empty());
+  EXPECT_TRUE(built.index("p").variables().empty());
 }
 
 // What a rangeValid statement reports, a rangeDoc statement reports alike: "@" means either.
@@ -404,7 +405,7 @@ TEST(BuildRanges, ReportWhatIsNoExpression) {
 
 TEST(BuildRanges, KeepNoNamesOfASpanThatIsRefused) {
   const BuiltText built("p rw { rangeValid { (lo)..(\"a\"), (lo)..(1 / 0) } } lo rw { }\n");
-  EXPECT_TRUE(built.parm("p").variables().names().empty());
+  EXPECT_TRUE(built.parm("p").variables().empty());
   EXPECT_TRUE(built.parm("p").conditionalBounds().empty());
 }
 

@@ -27,7 +27,7 @@ size_t bindConstants(const Variables& variables, const BuildContext& context,
                      Situation& situation) {
   size_t constants = 0;
   for (uint32_t slot = 0; slot < variables.size(); ++slot) {
-    const std::string* const value = context.findConstant(variables.names()[slot]);
+    const std::string* const value = context.findConstant(variables[slot]);
     if (value == nullptr) continue;
     situation.bind(slot, operandOf(*value));
     ++constants;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/build.h"
+#include "tests/support/names.h"
 
 namespace {
 
@@ -30,7 +31,7 @@ TEST_F(DefinitionDraftTest, NumbersTheNamesOfWhatIsKept) {
   const Expression& second = *std::next(draft_.record().ctrlRO.begin());
   const Program sum = keep(first);
   const Program single = keep(second);
-  EXPECT_EQ(draft_.parts.variables.names(), (std::vector<std::string>{"b", "a"}));
+  EXPECT_EQ(namesOf(draft_.parts.variables), (std::vector<std::string>{"b", "a"}));
   EXPECT_EQ(draft_.kept(), (std::vector<const Expression*>{&first, &second}));
   Situation situation(2);
   situation.bind(0, operandOf("3"));

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string_view>
 #include <unordered_set>
+#include <vector>
 
 #include "deflang/expression/variables.h"
 #include "deflang/expression/vid_std_name.h"
@@ -22,7 +23,7 @@ class ReferenceCheck {
     for (const Token& token : expression.tokens) {
       if (token.kind != TOKEN_VARIABLE) continue;
       const size_t before = seen.size();
-      seen.slot(token.text);
+      seen.intern(token.text);
       if (seen.size() > before) checkName(token);
     }
   }
@@ -51,17 +52,16 @@ class ReferenceCheck {
       return values.empty() && (mayNameEveryIndex_ || ownIndices_.contains(named.name));
     }
     // A parameter's bare name means the instance that shares the index values.
-    return values.empty() || fitIndices(values, firstIndexStatement(named));
+    return values.empty() || fitIndices(indicesOf(named), values);
   }
 
-  bool fitIndices(const IndexTuple& values, const IndexStatement& indices) {
-    if (values.size() != indices.size()) return false;
-    for (size_t i = 0; i < values.size(); ++i) {
-      // An index that is missing has been reported where it is listed.
-      const IndexDef* const index = context_.registry().findIndex(indices[i].name);
-      if (index != nullptr && !index->checkBase(values[i])) return false;
+  // An index that is missing has been reported where it is listed; here it is null.
+  [[nodiscard]] std::vector<const IndexDef*> indicesOf(const ParameterRecord& record) const {
+    std::vector<const IndexDef*> indices;
+    for (const IndexName& index : firstIndexStatement(record)) {
+      indices.push_back(context_.registry().findIndex(index.name));
     }
-    return true;
+    return indices;
   }
 
   BuildContext& context_;

@@ -227,11 +227,11 @@ class Definition {
   Definition(const ParmText& text, const Texts& texts) : parm_(makeParm(text)), texts_(texts) {
     std::erase_if(texts_, [this](const auto& v) { return !parm_.variables().find(v.first); });
   }
-  Outcome set(std::string value) {
+  Outcome set(const std::string& value) {
     const TextSituation situation(parm_.variables(), texts_);
     TextIndices none(parm_, texts_);
-    const int result = setValue(parm_, value, {}, situation, none, {}).result;
-    return {result, value, parm_.committedText({})};
+    const SetResult result = setValue(parm_, value, {}, situation, none, {});
+    return {result.code, result.value, parm_.committedText({})};
   }
 
  private:

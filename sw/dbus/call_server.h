@@ -1,4 +1,8 @@
 // The call server: takes the messages off the connection and has the calls among them served.
+//
+// All of it runs in the main loop's thread, in three sources of the loop by priority: first the
+// messages that were read are taken, then the binding library reads the socket, last the calls that
+// wait are served.
 #pragma once
 
 #include <dbus/dbus.h>
@@ -11,36 +15,46 @@
 #include "sw/dbus/call_queue.h"
 #include "sw/dbus/service_state.h"
 
-/// A call behind which nothing waits is served as it comes. Others are taken off the connection
-/// first, as far as they are there, and then served in turns of their senders; most of those of a
-/// sender that has left the bus are dropped. So a sender with many long calls
-/// keeps another waiting for one of them, as long as the other's call is among those that are taken
-/// ahead: these are MAX_TAKEN at most, and MAX_TAKEN_BYTES with one message more. What is behind
-/// them is in the order in which the bus gives it out.
+/// A call is served as it comes where no other call waits and no other message is there. Otherwise
+/// all messages that are there are taken off the connection first, and the calls among them are
+/// then served in turns of their senders (call_queue.h). So a sender with many long calls keeps
+/// another waiting for one of them, as long as the other's call is among those that are taken
+/// ahead: MAX_TAKEN calls, or MAX_TAKEN_BYTES and one message more. The calls behind them come in
+/// the order in which the bus gives them out. org.tavrel.transaction(7) promises this under Order.
 class CallServer {
  public:
+  /// Where so many calls wait, the next one is taken only as another is served; while none may be
+  /// served (MAX_UNSENT_BYTES), MAX_TAKEN_BYTES alone is the bound.
   static constexpr size_t MAX_TAKEN = 4096;
+  /// From this many bytes of messages in memory on, the bus library reads no more: 16 MiB.
   static constexpr long MAX_TAKEN_BYTES = 16L << 20U;
 
-  /// Nothing is served while more than this is not sent: where the bus takes nothing more from the
-  /// daemon, replies would fill the memory.
+  /// No call is served while more than these bytes (32 MiB) are not sent: where the bus takes
+  /// nothing more from the daemon, replies would fill the memory.
   static constexpr long MAX_UNSENT_BYTES = 32L << 20U;
 
   /// From here on the main loop takes messages off `connection`, and serves calls for the exported
-  /// object that are given to take(). To be made before the service has its name, or the end of a
-  /// client could be missed.
+  /// object that are given to take(). `connection` and `state`, which has its main loop, outlive
+  /// the server. To be made before the service has its name, or a client that leaves could be
+  /// missed. Raises std::bad_alloc where the bus library has no memory for it.
   CallServer(DBusConnection* connection, ServiceState& state);
+  /// Drops the calls that still wait.
   ~CallServer();
   CallServer(const CallServer&) = delete;
   CallServer& operator=(const CallServer&) = delete;
 
-  /// Serves a call, or keeps it until it is its turn.
+  /// Serves a call, or keeps it with a reference of its own until it is its turn. Where there is no
+  /// memory to keep it, all that wait are served first, and then this one. Returns what
+  /// serveExported() gives for a call that is served at once, otherwise
+  /// DBUS_HANDLER_RESULT_HANDLED. A call that comes after the end of the main loop is dropped: the
+  /// bus answers it when the connection ends.
   DBusHandlerResult take(DBusMessage* call) noexcept;
-  /// Ends the main loop. What has come in until now is still taken, as far as its number is
-  /// bounded.
+  /// Ends the main loop, from within it. What has come in until now is still taken, up
+  /// to some MAX_TAKEN calls; serveEarlier() serves them.
   void end();
-  /// After the main loop has ended: serves what was taken before the call that has ended it, or
-  /// what was taken at all where end() has. Gives up where the bus takes nothing for two seconds.
+  /// To be called once the main loop has ended. Where a call (die) has ended it, serves the waiting
+  /// calls that came in before that one; where end() has, all that wait. Gives up where more
+  /// than MAX_UNSENT_BYTES stay unsent for two seconds before a call, or the bus ends meanwhile.
   void serveEarlier();
 
  private:

@@ -7,15 +7,18 @@
 #include <csignal>
 #include <string>
 
-/// Takes the process's real-time timer and its alarm signal while it lives, of which there is one:
-/// so there is one deadline at a time. It is no thread, because a process that ever had a second
-/// one pays for locks in every allocation from then on.
+/// Ends the process unless it is destroyed in time. Takes the process's real-time timer and SIGALRM
+/// while it lives; as there is one of each, a second deadline at the same time is a programming
+/// error and stops the program. It is no thread: a process that ever had a second thread pays for
+/// locks in every allocation from then on (docs/design.md).
 class Deadline {
  public:
-  /// Writes `lastWords` to standard error and ends the process with status 1, unless the deadline
-  /// is gone within `milliseconds`.
+  /// Unless the deadline is destroyed within `milliseconds` (1 or more), writes `lastWords` to
+  /// standard error and ends the process with status 1. That happens in a signal handler: no
+  /// destructor runs, and what is in the buffers of streams is lost.
   Deadline(long milliseconds, std::string lastWords);
-  /// In time: timer and signal are as they were before.
+  /// In time: the signal's action, the signal mask and the timer are as they were before; the time
+  /// in between does not count for a timer that was running.
   ~Deadline();
   Deadline(const Deadline&) = delete;
   Deadline& operator=(const Deadline&) = delete;

@@ -1,14 +1,15 @@
-// File descriptors: the service takes none, and the bus keeps back messages that bring some.
+// File descriptors: the service receives none, and the bus keeps back messages that bring some.
 #pragma once
 
-/// While it lives, connections to a bus are made without the ability to receive descriptors. A bus
-/// then answers a call that brings some with the error org.freedesktop.DBus.Error.NotSupported, and
-/// drops other messages with them.
+/// While it lives, connections to a bus are made without the ability to receive descriptors; one
+/// that was made so stays so. A bus answers a call that brings some to such a connection with the
+/// error org.freedesktop.DBus.Error.NotSupported, and drops other messages that bring some.
 ///
-/// A connection that can receive them ends where the process has no room for more, and for a
-/// message with more than the bus library takes, which is 16, where session buses allow 4096. The
+/// A connection that can receive descriptors ends where the process has no room for more, and for a
+/// message with more than the 16 that the bus library takes, where session buses allow 4096. The
 /// library has no setting for it: it takes descriptors on every socket that says that it is a Unix
-/// socket. So the program has a getsockname() of its own, which names no kind of socket meanwhile.
+/// socket. So the program has a getsockname() of its own, which names no kind of socket meanwhile,
+/// to whoever asks: keep it to the few lines that connect. One lives at a time.
 class WithoutDescriptors {
  public:
   WithoutDescriptors();

@@ -3,12 +3,13 @@
 
 #include <string>
 
-/// Makes what GLib prints come out byte by byte, in every locale; by itself it would put "?" for
-/// what the locale's character set lacks.
+/// Makes whatever GLib prints come out byte by byte, in every locale. By itself GLib would put "?"
+/// for a character that the locale's character set lacks. Called once, before the first message.
 void printRawBytes();
 
-/// "Transaction server: ERROR: MESSAGE (DETAIL)\n".
+/// Returns "Transaction server: ERROR: MESSAGE (DETAIL)\n".
 std::string errorText(const std::string& message, const std::string& detail);
 
-/// Writes the text of an error to standard error; a fatal report ends the process with status 1.
+/// Writes errorText() to standard error. A `fatal` report ends the process with status 1 by exit(),
+/// so what is in the buffers of streams is written; otherwise it returns.
 void reportError(const char* message, const char* detail, bool fatal);

@@ -1,4 +1,7 @@
 // Extents of lines or samples: their centre, and the placing of one in the middle of another.
+//
+// Plain arithmetic on uint32_t: no function allocates or raises. Programming errors stop the
+// program by assertions, in every build.
 #pragma once
 
 #include <cstdint>
@@ -12,22 +15,24 @@ struct vidRange_t {
 };
 
 /// The middle of an extent: the two neighbours between which it falls, or twice the one line or
-/// sample on which it falls. In raster numbering the low one can have the higher number, as the
-/// neighbours then are of different fields. 0 and 0 mean unset.
+/// sample on which it falls. Both names say pixel, for lines too. Low is the neighbour that comes
+/// first in the picture; in raster numbering it can have the higher number, as the neighbours are
+/// then of different fields. 0 and 0 mean unset.
 struct vidCentre_t {
   uint32_t pixelHigh = 0;
   uint32_t pixelLow = 0;
   bool operator==(const vidCentre_t&) const = default;
 };
 
-/// How many lines or samples stand before `rangeSize` of them centred in `fullSize`. Of an odd
-/// surplus, the odd one stands before the range when `roundUp` is set, else behind it.
+/// How many of `fullSize` lines or samples are before `rangeSize` of them in the middle: half of
+/// those left over. Where that is an odd number, the odd one is before the range when `roundUp` is
+/// set, else behind it: 2 for 1017 of 1020 rounded up, else 1.
 /// `rangeSize` > `fullSize` is a programming error and stops the program.
 uint32_t calcCentreRangeOffset(uint32_t rangeSize, uint32_t fullSize, bool roundUp);
 
-/// The extent of `size` (at least 1) lines or samples centred in `e`, as above: 1062 in 42..1121,
-/// rounded up, is 51..1112. `e.stop` < `e.start` or a `size` above that of `e` is a programming
-/// error and stops the program.
+/// The extent of `size` (at least 1) lines or samples in the middle of `e`, whose start is
+/// calcCentreRangeOffset() behind that of `e`: 1062 in 42..1121, rounded up, is 51..1112. `e.stop`
+/// < `e.start` or a `size` above that of `e` is a programming error and stops the program.
 vidRange_t calcCentreRange(uint32_t size, const vidRange_t& e, bool roundUp);
 
 /// The middle of `e`: between 959 and 960 for 0..1919, on 7 for 7..7. `e.stop` < `e.start` is a

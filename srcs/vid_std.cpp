@@ -5,10 +5,10 @@
 
 namespace {
 
-// The number of lines of field 1, which is the longer one of an odd total.
+// The number of lines of field 1, which has the odd line of an odd total.
 uint32_t field1Lines(uint32_t tlpf) { return tlpf / 2 + tlpf % 2; }
 
-// The row whose name is a prefix of `text`, by the rule that the earlier row wins.
+// The first row whose name is a prefix of `text`, or null.
 template <typename Row>
 const Row* findByName(std::span<const Row> rows, std::string_view text) {
   const auto row = std::find_if(rows.begin(), rows.end(),

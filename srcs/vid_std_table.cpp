@@ -221,7 +221,7 @@ constexpr std::array STANDARD_LIST = pointersTo(STANDARDS);
 
 vidMaxima_t maxima;
 
-// The place of an aperture in its list, or null.
+// Where `list` has `aperture`, or null.
 template <size_t N>
 vidExtent_t* const* findAperture(const std::array<vidExtent_t*, N>& list,
                                  const vidExtent_t* aperture) {
@@ -236,7 +236,8 @@ bool isUnset(const T& value) {
 
 uint32_t sizeOf(const vidRange_t& e) { return e.stop - e.start + 1; }
 
-// Splits a single extent of a two-field standard into the fields, and takes the height.
+// Splits a single extent of a two-field standard into the fields, and sets the height from the
+// lines.
 void completeLines(vidExtent_t& aperture, const vidStd_t& standard) {
   const bool singleRange = isUnset(aperture.v[1]);
   if (standard.scan != SCAN_PROGRESSIVE && singleRange) {
@@ -246,8 +247,8 @@ void completeLines(vidExtent_t& aperture, const vidStd_t& standard) {
   aperture.dim.line = sizeOf(aperture.v[0]) + (twoFields ? sizeOf(aperture.v[1]) : 0);
 }
 
-// The raster lines of an aperture that is `height` lines high, centred in the production aperture;
-// those of a two-field standard are not split yet.
+// The raster lines of an aperture that is `height` lines high, centred in the production aperture.
+// For a two-field standard they are one extent, not yet split into fields.
 vidRange_t centredLines(uint32_t height, const vidStd_t& standard) {
   const vidRangePair_t& within = standard.prodAp->v;
   if (standard.scan == SCAN_PROGRESSIVE) return calcCentreRange(height, within[0], true);
@@ -275,8 +276,8 @@ void raise(vidDim_t& maximum, const vidDim_t& dim) {
 
 }  // namespace
 
-// All checks are in this one function, whose name is then in every message. The messages show
-// `__null` and the way over a row's place in its list, and they are known by that.
+// All checks are in this one function, so that every message of a failed assertion names it. The
+// messages also show `__null` and the way from a list to its row; the tests compare them.
 // NOLINTBEGIN(modernize-use-nullptr, modernize-loop-convert)
 void initVidStdTables() {
   maxima = {};

@@ -15,13 +15,13 @@ namespace {
 
 constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
 
-// Whether reading goes on after an error. The mode of a descriptor is that of all who share it, so
-// a non-blocking one stays as it is.
+// Whether reading goes on after an end or an error; waits where a descriptor that does not block
+// has no bytes yet. Whoever shares a descriptor shares its mode, so the mode is left as it is.
 bool goesOn(FILE* in) {
   if (ferror(in) == 0) return false;
   if (errno == EAGAIN) {
     pollfd waiting = {.fd = fileno(in), .events = POLLIN, .revents = 0};
-    // An error of it comes back from the next attempt to read.
+    // Where poll() fails, the next attempt to read tells why.
     static_cast<void>(poll(&waiting, 1, -1));
   } else if (errno != EINTR) {
     return false;
@@ -36,7 +36,8 @@ int nextCharacter(FILE* in) {
   return character;
 }
 
-// Reads on to the end of the piece that `piece` is the beginning of.
+// Reads the rest of a piece of which `piece` has the beginning, which may be empty. Returns false
+// where the piece is empty or the stream cannot be read.
 bool readRest(FILE* in, std::string& piece) {
   std::array<char, MAX_PIECE_LENGTH> buffer;
   const size_t room = buffer.size() - piece.size();

@@ -8,7 +8,7 @@
 
 #include "startup/version.h"
 
-// Found by argp under these names. The empty address leaves an empty line for it in the help.
+// argp finds both under these names. The empty address leaves an empty line in the help.
 const char* argp_program_version = VERSION_TEXT;
 const char* argp_program_bug_address = "";
 

@@ -1,4 +1,4 @@
-// The program: the order of start-up, nothing else.
+// The program: the order of start-up.
 #include <malloc.h>
 
 #include <cstdio>
@@ -26,7 +26,7 @@ int start(int argc, char** argv) {
   const int result = readDefinitions(stdin, database);
   if (result != 0) return result;
   reportLargestChange(database);
-  malloc_trim(0);  // what reading took goes back to the system, or it would stay for good
+  malloc_trim(0);  // gives back the memory that reading took, which the heap would keep for ever
   return runService(database, commandLine.busSuffix, commandLine.daemonize, commandLine.pathSuffix);
 }
 

@@ -8,6 +8,6 @@ void openStandardStreams() {
   do {
     descriptor = open("/dev/null", O_WRONLY);
   } while (0 <= descriptor && descriptor <= STDERR_FILENO);
-  // Without a null device it was never open.
+  // Negative where the null device cannot be opened.
   if (descriptor >= 0) close(descriptor);
 }

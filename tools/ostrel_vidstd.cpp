@@ -13,7 +13,7 @@
 #include "startup/version.h"
 #include "vid_std.h"
 
-// Found by argp under this name.
+// argp finds it under this name.
 const char* argp_program_version = VERSION_TEXT;
 
 namespace {
@@ -44,7 +44,8 @@ error_t takeArgument(int key, char* /*argument*/, argp_state* state) {
   }
 }
 
-// Ends the process after --help, --usage and --version, and for what it cannot use.
+// Reads the arguments. Ends the process after --help, --usage and --version, for an unknown option,
+// and for --select without a name.
 Arguments parseArguments(int argc, char** argv) {
   Arguments arguments;
   const argp parser = {OPTIONS,
@@ -70,8 +71,8 @@ void listNames() {
 bool selectsItself(const vidStd_t& row) { return selectVid(row.name).standard == &row; }
 bool selectsItself(const vidFormat_t& row) { return selectVid(row.name).format == &row; }
 
-// Writes those names that begin with `start` and select their own row, `lead` before the first.
-// Returns what goes before the next.
+// Writes the names that begin with `start` and select their own row: `lead` before the first, a
+// comma before each other. Returns what has to be written before a further name.
 template <typename Row>
 const char* writeLonger(std::span<const Row> rows, std::string_view start, const char* lead,
                         std::FILE* out) {
@@ -83,8 +84,8 @@ const char* writeLonger(std::span<const Row> rows, std::string_view start, const
   return lead;
 }
 
-// Writes what `value` selects and, where that is nothing, which names it is the beginning of.
-// Returns 0, or 1 when it selects nothing.
+// Writes which row `value` selects, or that it selects no row and which names begin with it.
+// Returns 0, or 1 when it selects no row.
 int tellSelected(const char* value, std::FILE* out) {
   const vidSelection_t selected = selectVid(value);
   if (selected.standard != nullptr) {
@@ -104,9 +105,9 @@ int tellSelected(const char* value, std::FILE* out) {
   return 1;
 }
 
-// Describes every row of exactly that name, so that each row of the catalogue can be seen: by the
-// prefixes that definitions go by, most segmented-frame standards could not. Descriptions after
-// the first are set off by an empty line. Returns the first of these rows, or null.
+// Describes every standard of exactly this name. So each row can be seen; by the rule for values,
+// where a name that begins the value selects, most segmented-frame standards could not. An empty
+// line comes before each description but the `first`. Returns the first row described, or null.
 const vidStd_t* describe(std::string_view name, bool& first) {
   const vidStd_t* found = nullptr;
   for (const vidStd_t& standard : vidStds()) {
@@ -119,8 +120,9 @@ const vidStd_t* describe(std::string_view name, bool& first) {
   return found;
 }
 
-// Who looks up a name may be about to write it into a definition text, so this also says where
-// the name selects something else there. Returns 0, or 1 when there is no such name.
+// Describes the standards of that name. Whoever looks up a name may be about to write it into a
+// definition text, so this also says where the name selects another row there. Returns 0, or 1 when
+// there is no such name.
 int answer(const char* name, bool& first) {
   const vidStd_t* const described = describe(name, first);
   if (described == nullptr) {

@@ -7,7 +7,7 @@
 
 namespace {
 
-// In the place of the names of all senders that have left.
+// The name in the queue for all senders that have left; no client has the empty name.
 constexpr std::string_view HAVE_LEFT;
 
 }  // namespace
@@ -61,7 +61,7 @@ void CallQueue::leave(std::string_view sender) noexcept {
     count_ += calls.size();
     all.splice(all.end(), calls);
   } catch (const std::exception&) {
-    // Without memory they are dropped, too.
+    // There is no memory for the place of these calls, so they are dropped, too.
   }
 }
 

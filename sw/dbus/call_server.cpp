@@ -18,7 +18,8 @@ constexpr const char* DEPARTURES =
     "type='signal',sender='" DBUS_SERVICE_DBUS "',interface='" DBUS_INTERFACE_DBUS
     "',member='NameOwnerChanged',arg2=''";
 
-// The name that has left the bus by `message`, or the empty text. Only the bus itself knows it.
+// The name that has left the bus, where `message` says so, or the empty text. Only a message of the
+// bus itself is believed.
 std::string_view departed(DBusMessage* message) {
   const char* name = nullptr;
   const char* oldOwner = nullptr;
@@ -33,8 +34,8 @@ std::string_view departed(DBusMessage* message) {
   return name;
 }
 
-// Whether the bus library says by `message` that the connection is gone. What comes from the bus
-// has a sender.
+// Whether `message` is the bus library's own, which says that the connection is gone. A message
+// that comes over the bus has a sender.
 bool isDisconnection(DBusMessage* message) {
   return dbus_message_is_signal(message, DBUS_INTERFACE_LOCAL, "Disconnected") != 0 &&
          dbus_message_get_sender(message) == nullptr;
@@ -45,7 +46,7 @@ std::string_view senderOf(DBusMessage* message) {
   return sender == nullptr ? std::string_view() : sender;
 }
 
-// As the bus library answers what no handler takes.
+// Answers a call as the bus library answers one that no handler takes.
 void refuse(DBusConnection* connection, DBusMessage* call) {
   constexpr const char* ERROR = "error";  // what messages call it
   const char* interface = dbus_message_get_interface(call);
@@ -66,8 +67,9 @@ void require(dbus_bool_t hasMemory) {
   if (hasMemory == 0) throw std::bad_alloc();
 }
 
-// As dbus_bus_add_match() does where no error is asked for, which waits for no answer either; but
-// that says nothing where it finds no memory, and clients that leave would never be noticed.
+// Does what dbus_bus_add_match() does without an error argument: neither waits for an answer. But
+// that function does not tell when it finds no memory, and then no client that leaves would ever be
+// noticed.
 void addMatch(DBusConnection* connection, const char* rule) {
   const MessagePointer call(dbus_message_new_method_call(DBUS_SERVICE_DBUS, DBUS_PATH_DBUS,
                                                          DBUS_INTERFACE_DBUS, "AddMatch"));
@@ -88,8 +90,8 @@ struct CallServer::Source {
 
 GSource* CallServer::addSource(int priority, bool (CallServer::*isReady)() const,
                                void (CallServer::*act)()) {
-  // What makes a source ready happens in other sources, never while the loop waits; but that there
-  // is memory for a message again is seen only when it is asked.
+  // A source becomes ready by what other sources do, never while the loop waits; so it needs no
+  // timeout. But only a new attempt shows whether there is memory for a message again.
   static GSourceFuncs functions = {
       [](GSource* source, gint* timeout) -> gboolean {
         const auto* self = reinterpret_cast<Source*>(source);
@@ -116,8 +118,8 @@ GSource* CallServer::addSource(int priority, bool (CallServer::*isReady)() const
   return source;
 }
 
-// Messages that are there are taken before the socket is read again, by a source of the binding
-// library, and calls are served when nothing is left to read.
+// The priorities: messages that are there are taken before a source of the binding library reads
+// the socket again, and calls are served when no message is left to read.
 CallServer::CallServer(DBusConnection* connection, ServiceState& state)
     : connection_(connection),
       state_(state),
@@ -172,8 +174,8 @@ void CallServer::takeMessages() {
   }
 }
 
-// What waits holds memory, and for as long as the bus library tries to read, nothing would be
-// served.
+// The calls that wait hold memory. As long as the bus library tries to read a message, the loop
+// would not come to serve them.
 bool CallServer::mustFreeMemory() const { return isBusShortOfMemory() && hasCall(); }
 
 void CallServer::takeOrFree() {
@@ -189,7 +191,7 @@ DBusHandlerResult CallServer::take(DBusMessage* call) noexcept {
   try {
     queue_.add(senderOf(call), {MessagePointer(dbus_message_ref(call)), number, false});
   } catch (const std::exception&) {
-    // Without memory to wait in, it is its turn after all those before it.
+    // There is no memory to keep the call, so those that wait are served first and then this one.
     while (!queue_.empty()) serveNext();
     return serve(call, number, senderOf(call));
   }
@@ -215,8 +217,8 @@ void CallServer::serveNext() {
 }
 
 // Several at a time, as each round of the main loop costs some system calls, but not for long:
-// meanwhile nobody else's call is taken. What made the source ready may be served by another by the
-// time that it is its turn.
+// meanwhile nobody else's call is taken. By the time that this source has its turn, another one may
+// have served the call that made it ready.
 void CallServer::serveBatch() {
   constexpr gint64 LONG = 1000;  // in microseconds
   const gint64 end = g_get_monotonic_time() + LONG;

@@ -27,7 +27,7 @@ bool isBusShortOfMemory() { return shortSince.has_value(); }
 
 void noteMessage() { shortSince.reset(); }
 
-// In the place of the bus library's own, which it calls itself.
+// These replace the bus library's own functions, also where it calls them itself.
 // NOLINTBEGIN(readability-identifier-naming)
 extern "C" {
 
@@ -39,9 +39,10 @@ void* dbus_realloc(void* memory, size_t bytes) {
   return nullptr;
 }
 
-// The blocks of which lists and tables are made. The bus library doubles the size of a block before
-// it has the memory, and keeps the new size without it (dbus-mempool.c, _dbus_mem_pool_alloc): the
-// next elements would lie beyond the end of the last block. So there is no going on.
+// The bus library makes its lists and tables of such blocks. It doubles the size of a block before
+// it has the memory, and keeps the new size also without the memory (dbus-mempool.c,
+// _dbus_mem_pool_alloc): the next elements would lie beyond the end of the last block. So the
+// process cannot go on.
 void* dbus_malloc0(size_t bytes) {
   if (bytes == 0) return nullptr;
   void* memory = calloc(1, bytes);

@@ -14,7 +14,7 @@ WithoutDescriptors::WithoutDescriptors() { isHidden = true; }
 
 WithoutDescriptors::~WithoutDescriptors() { isHidden = false; }
 
-// In the place of the C library's, also for the libraries.
+// This replaces the C library's function, also where other libraries call it.
 extern "C" int getsockname(int fd, sockaddr* addr, socklen_t* len) noexcept {
   const auto result = static_cast<int>(syscall(SYS_getsockname, fd, addr, len));
   if (result == 0 && isHidden) addr->sa_family = AF_UNSPEC;

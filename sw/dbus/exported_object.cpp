@@ -23,8 +23,8 @@ DBusHandlerResult handleMessage(DBusConnection* /*connection*/, DBusMessage* mes
 
 }  // namespace
 
-// In the place of the bus library's own: the binding library calls it for the object that it is to
-// export, and there is no other way to come before its handler.
+// This replaces the bus library's own function. The binding library calls it for the object that it
+// is to export, and there is no other way to come before the binding library's handler.
 extern "C" dbus_bool_t dbus_connection_try_register_object_path(DBusConnection* connection,
                                                                 const char* path,
                                                                 const DBusObjectPathVTable* vtable,

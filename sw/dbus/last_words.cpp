@@ -16,12 +16,13 @@
 
 namespace {
 
-// There is no memory for it when it is needed.
+// Made at the start, as there is no memory for it when it is needed.
 const std::string LOG_LINE = "service: ERROR: out of memory, ended";
 
-// Errors are those of GLib ("failed to allocate 24 bytes") and of the binding library ("Out of
-// memory", "dbus_connection_send failed: out of memory?"). The others are what becomes of a message
-// that could not be put together: the binding library drops it and goes on. Nobody would learn of a
+// Whether GLib or the binding library says with `message` that there is no memory. Both say so in
+// errors: GLib in "failed to allocate 24 bytes", the binding library in "Out of memory" and
+// "dbus_connection_send failed: out of memory?". The texts of DROPPED are others of the binding
+// library: it drops a message that could not be put together and goes on. Nobody would learn of a
 // value, or a client would wait for ever.
 bool isOfMemory(GLogLevelFlags level, const char* message) {
   if (message == nullptr) return true;
@@ -53,8 +54,9 @@ void endWithLastWords() {
   _exit(1);
 }
 
-// In the place of the C library's own: with it GLib makes the text of each message, also of the one
-// that a text could not be made, and so on until the stack has no room.
+// This replaces the C library's function, with which GLib makes the text of each message. Without
+// memory for one, GLib would make a message that says so, then one for that message, and so on
+// until the stack has no room.
 // NOLINTNEXTLINE(readability-identifier-naming,bugprone-reserved-identifier)
 extern "C" int __vasprintf_chk(char** ptr, int /*flag*/, const char* fmt, va_list arg) {
   va_list again;
@@ -70,8 +72,8 @@ extern "C" int __vasprintf_chk(char** ptr, int /*flag*/, const char* fmt, va_lis
   return length;
 }
 
-// In the place of the C library's own, for the libraries: where GLib has no memory for a lock or
-// for its pools of small pieces, it says so and comes here. Our own assertions end as ever.
+// This replaces the C library's function for GLib, which says so and calls it where it has no
+// memory for a lock or for its pools of small pieces. Our own assertions end by SIGABRT as ever.
 extern "C" void abort() noexcept {
   if (errno == ENOMEM) endWithLastWords();
   raise(SIGABRT);

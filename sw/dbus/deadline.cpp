@@ -10,7 +10,7 @@ namespace {
 
 std::atomic<const std::string*> currentLastWords = nullptr;
 
-// Only what a signal handler may call.
+// A signal handler: it calls only functions that are safe in one.
 void endProcess(int /*signal*/) {
   const std::string& words = *currentLastWords;
   static_cast<void>(!write(STDERR_FILENO, words.data(), words.size()));

@@ -11,10 +11,11 @@
 
 namespace {
 
-// Written to by the handler, waited for by the main loop.
+// The descriptor that the handler writes to and the main loop waits for. It is -1 while no object
+// lives, or where none could be had.
 std::atomic<int> event = -1;
 
-// Only what a signal handler may call.
+// A signal handler: it calls only functions that are safe in one.
 void noteSignal(int /*signal*/) {
   constexpr uint64_t ONE = 1;
   static_cast<void>(!write(event, &ONE, sizeof ONE));

@@ -8,7 +8,8 @@ namespace {
 
 constexpr gint64 NEVER = -1;
 
-// It is there from the start, as setting its time takes no memory.
+// The source of the LogWatch that lives. It is never removed meanwhile, because setting its time
+// takes no memory and adding a source would.
 GSource* watch = nullptr;
 
 void tryInASecond() {
@@ -34,7 +35,7 @@ LogWatch::LogWatch() : source_(g_source_new(&functions, sizeof(GSource))) {
 }
 
 LogWatch::~LogWatch() {
-  // What the log does not take now stays untold.
+  // Where the log does not take the line now, the loss stays untold.
   static_cast<void>(tellLostLines());
   whenLinesAreLost(nullptr);
   g_source_destroy(source_);

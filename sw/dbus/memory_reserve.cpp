@@ -11,7 +11,7 @@ void requireMemory(size_t bytes) {
   if (!reserve.grow(bytes)) throw std::bad_alloc();
 }
 
-// The heap grows in large steps, so that there is seldom anything to ask the system.
+// The heap grows in large steps, so the system is seldom asked.
 void requireHeadroom() {
   static const void* knownEnd = nullptr;
   if (sbrk(0) == knownEnd) return;
@@ -19,7 +19,8 @@ void requireHeadroom() {
   knownEnd = sbrk(0);
 }
 
-// To twice the size, so that it grows seldom, but for the last bytes that there are.
+// Grows to twice the size, so that it grows seldom; or, where memory does not suffice for that, to
+// what is needed.
 bool MemoryReserve::extend(size_t bytes) {
   for (const size_t size : {std::max(bytes, 2 * size_), bytes}) {
     void* const memory = memory_ == nullptr ? mmap(nullptr, size, PROT_READ | PROT_WRITE,

@@ -11,8 +11,8 @@ void emit(ValueObject* object, TextList& portion) {
   portion.clear();
 }
 
-// A text and its copy for those who listen, each with what the allocator and a list take for it,
-// and what they are in the message.
+// Each text is in memory twice, as the signal's emission copies it. Beside each are the bytes of
+// the allocator and of the list that holds it.
 constexpr size_t TEXTS = 2;
 constexpr size_t MEMORY_BESIDE_TEXT = 48;
 

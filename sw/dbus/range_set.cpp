@@ -10,17 +10,18 @@
 
 namespace {
 
-// What a name takes beside its range: its places in the tables, and bounds.
+// What a name takes beside its range, in bytes: its places in the tables, and an empty BoundsParm.
 constexpr size_t NAME_MEMORY = 256;
 
-// What the range of a name takes in a reply.
+// What a name and its range take in tables and reply, in bytes.
 size_t memoryOf(std::string_view name, const BoundsParm& bounds) {
   size_t memory = NAME_MEMORY + bounds.count() * (STRUCT_MEMORY + name.size());
   for (const std::string& text : bounds.strings().texts()) memory += text.size();
   return memory;
 }
 
-// Whether `name` is the full name of its instance: nothing is behind or between the brackets.
+// Whether `name` is the full name of its instance: its base name and index values in brackets, and
+// no byte between or behind the brackets.
 bool isFullName(std::string_view name) {
   size_t open = name.find('[');
   while (open < name.size()) {

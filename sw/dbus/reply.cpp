@@ -10,8 +10,8 @@
 
 namespace {
 
-// Sizes in a message: a text has its length before it and a NUL behind it, and what follows starts
-// at a multiple of its alignment.
+// Sizes in a message, in bytes. A text has its length, a number, before it and a NUL behind it.
+// Numbers and structures start at multiples of their alignment.
 constexpr size_t NUMBER_BYTES = 4;
 constexpr size_t STRUCT_ALIGNMENT = 8;
 
@@ -19,7 +19,7 @@ size_t aligned(size_t bytes, size_t alignment) {
   return (bytes + alignment - 1) / alignment * alignment;
 }
 
-// Returns how much of a message the text takes.
+// Gives `member` a copy of `text`. Returns how many bytes of a message the text takes.
 size_t setText(GValue& member, std::string_view text) {
   const NewText made = newText({text});
   g_value_take_string(&member, made.text);
@@ -27,10 +27,10 @@ size_t setText(GValue& member, std::string_view text) {
   return bytesInMessage(made.length);
 }
 
-// A text as it can go out, in the place of one that cannot; a null pointer where memory is
+// Frees `text`, which is not valid UTF-8, and returns one that is; a null pointer where memory is
 // exhausted.
 NewText mended(const NewText& text) {
-  // Each byte can become three, and GLib puts them together as the bus library does a message.
+  // Each byte can become three, and GLib's buffer grows twofold as that of a message does.
   constexpr size_t COPIES = 3 * COPIES_IN_MESSAGE;
   MemoryReserve reserve;
   char* valid = nullptr;
@@ -96,7 +96,7 @@ char** TextList::release() {
   return list;
 }
 
-// A kind of structure for the binding library, and an empty one to be copied.
+// The binding library's type of a structure, and an empty structure of that type to be copied.
 struct StructArray::StructType {
   explicit StructType(GType structType)
       : type(structType), empty(dbus_g_type_specialized_construct(structType)) {}
@@ -139,9 +139,10 @@ void StructArray::addText(std::string_view name, std::string_view text) {
 
 GPtrArray* StructArray::release() { return std::exchange(array_, nullptr); }
 
-// A structure is such an array for the binding library, and a new one has members of its types. The
-// library's functions that make or fill one ask GLib for their types over and over, under a lock,
-// which takes most of the time of a large reply; so each is a copy of an empty one.
+// For the binding library a structure is a GValueArray whose members have the structure's types.
+// The library's functions that make or fill a structure ask GLib for the types over and over, under
+// a lock, which takes most of the time of a large reply; so each structure is a copy of an empty
+// one.
 GValue* StructArray::add(const StructType& type) {
   type_ = type.type;
   auto* const structure = static_cast<GValueArray*>(g_boxed_copy(type.type, type.empty));

@@ -38,22 +38,22 @@ void createMainLoopAndLock(ServiceState& state) {
 
 DBusGConnection* connectToBus() {
   g_print("Transaction server:main Connecting to the Session D-Bus.\n");
-  // The bus library has a limit for each call, but none for what goes before the first.
+  // The bus library limits the time of each call, but not that of connecting and authenticating.
   constexpr int LIMIT = 60000;  // in milliseconds; that of a call is 25 seconds
   const Deadline deadline(LIMIT, errorText(NO_CONNECTION, "The bus does not answer"));
   const WithoutDescriptors withoutDescriptors;
   GError* error = nullptr;
-  // A connection that others in the process could share would be put into a table, which the bus
-  // library does not miss where there was no memory for it.
+  // A private connection: a shared one is put into a table, and where there is no memory for the
+  // table, the bus library does not notice.
   DBusGConnection* bus = dbus_g_bus_get_private(DBUS_BUS_SESSION, nullptr, &error);
   if (error != nullptr) reportError(NO_CONNECTION, error->message, FATAL);
   DBusConnection* connection = dbus_g_connection_get_connection(bus);
   assert(dbus_connection_can_send_type(connection, DBUS_TYPE_UNIX_FD) == 0);
   // The binding library has the main loop woken for each message that comes, as another thread may
-  // wait in it. Here the loop's own thread does all that is done, and looks at the connection
-  // before it waits: each message takes one system call less.
+  // wait in it. Here there is the loop's thread only, which looks at the connection before it
+  // waits. So the waking is left out, and each message takes one system call less.
   dbus_connection_set_wakeup_main_function(connection, nullptr, nullptr, nullptr);
-  // The bus library would end the process without a word.
+  // Otherwise the bus library would end the process without a word when the bus is lost.
   dbus_connection_set_exit_on_disconnect(connection, FALSE);
   return bus;
 }
@@ -70,7 +70,8 @@ void requireValid(Validation validate, const std::string& text, const char* repo
   if (validate(text.c_str(), &error) == 0) reportError(report, error.message, FATAL);
 }
 
-// Queueing and replacement are not asked for: a second service under one name ends here.
+// Asks for neither queueing nor replacement: where another service has the name, this one ends
+// here.
 void requestName(DBusGConnection* bus, const std::string& name) {
   g_print("Transaction server:main Registering the well-known name (%s)\n", name.c_str());
   DBusGProxy* proxy =
@@ -110,7 +111,7 @@ void detach(bool daemonize) {
     g_print("Transaction server: Not daemonizing\n");
     return;
   }
-  // What is still in the buffers would be lost with the streams.
+  // daemon() redirects the streams, and text that is still in their buffers would be lost.
   fflush(nullptr);
   if (daemon(0, 0) != 0) {
     g_log(G_LOG_DOMAIN, G_LOG_LEVEL_ERROR, "Transaction server: Failed to daemonize.\n");
@@ -131,9 +132,9 @@ bool isUnread(DBusConnection* connection) {
          ioctl(socket, SIOCOUTQ, &bytes) == 0 && bytes > 0;
 }
 
-// Sends what is still on its way, as long as the clients take it in soon enough: one that does not
-// read must not keep the process alive. A bus that is about to send something itself finds the
-// connection gone where it ends too early, and then drops what it has not read.
+// Sends what is still to be sent, and waits until the bus has read it, two seconds at most: a
+// client that does not read must not keep the process alive. Without the wait, a bus that wants to
+// write to the connection would find it gone, and drop what it has not read from it.
 void sendRest(DBusConnection* connection) {
   constexpr int STEP = 10;  // in milliseconds
   const gint64 deadline = g_get_monotonic_time() + 2 * G_TIME_SPAN_SECOND;
@@ -167,7 +168,7 @@ int runService(Database& database, const std::string& busSuffix, bool daemonize,
     return 1;
   }
   calls.serveEarlier();
-  // The reply to die is still on its way.
+  // The reply to die may not be sent yet.
   sendRest(connection);
   return 1;
 }

@@ -7,7 +7,8 @@
 gboolean value_object_start(ValueObject* obj, guint32* id, GError** error) {
   return serve({__func__, obj, error}, METHOD_START, [&] {
     assertNotNull(id, "id != NULL", "value_object_start");
-    // Where every id is in use, the id that is given stays unknown.
+    // That every id is in use cannot come about: 2^32 transactions take a terabyte. The method
+    // would give the id of another one.
     static_cast<void>(ServiceState::current().openTransaction(*id));
     return TRUE;
   });
@@ -213,7 +214,7 @@ gboolean value_object_get_idx_range(ValueObject* obj, guint32 id, const char* na
       [&](Transaction& transaction) { return getIndexRange(transaction, name, texts, spans); });
 }
 
-// Takes no lock: it gives up the lock, and only this thread serves.
+// Holds no lock, as it frees the lock; no other thread could be serving.
 gboolean value_object_die(ValueObject* obj, GError** /*error*/) {
   assertNotNull(obj, "obj != NULL", __func__);
   ServiceState::current().stop();

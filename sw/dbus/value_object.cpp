@@ -3,7 +3,7 @@
 #include "sw/dbus/null_check.h"
 #include "sw/dbus/server_methods.h"
 
-// Generated; refers to the methods.
+// Generated from transaction_interface.xml: the table of the methods, which it names.
 #include <transaction_binding.h>
 
 namespace {

@@ -53,7 +53,7 @@ constexpr Cause CAUSES[] = {
     {METHOD_GET_INDEX_RANGE, INDEX_RANGE_NOT_VALID, "index is not valid"},
 };
 
-// What comes after "failed because".
+// The end of the message, after "failed because".
 const char* cause(MethodFamily family, int result) {
   if (result == UNKNOWN_TRANSACTION) return "of invalid transaction id";
   if (result == OUT_OF_MEMORY) return "of an \"out of memory\" condition";
@@ -95,6 +95,6 @@ void logExceededWork() noexcept {
   try {
     logError(Work::exceededText());
   } catch (const std::bad_alloc&) {
-    // The client gets its error all the same.
+    // The line is lost; the client still gets its error.
   }
 }

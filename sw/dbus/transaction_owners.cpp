@@ -64,7 +64,7 @@ void TransactionOwners::endOldest() noexcept {
   do {
     const uint32_t id = left_.front();
     ended(id);
-    static_cast<void>(transactions_.end(id));  // it is open, or nothing is to be ended
+    static_cast<void>(transactions_.end(id));  // one that is not open need not be ended
   } while (leftBytes_ > MAX_LEFT_BYTES);
   returnSpareMemorySoon();
 }

@@ -25,9 +25,9 @@ struct vidCentre_t {
 };
 
 /// How many of `fullSize` lines or samples are before `rangeSize` of them in the middle: half of
-/// those left over. Where that is an odd number, the odd one is before the range when `roundUp` is
-/// set, else behind it: 2 for 1017 of 1020 rounded up, else 1.
-/// `rangeSize` > `fullSize` is a programming error and stops the program.
+/// the surplus. Of an odd surplus, the odd line or sample is before the range when `roundUp` is
+/// set, else behind it: 2 for 1017 of 1020 rounded up, else 1. `rangeSize` > `fullSize` is a
+/// programming error and stops the program.
 uint32_t calcCentreRangeOffset(uint32_t rangeSize, uint32_t fullSize, bool roundUp);
 
 /// The extent of `size` (at least 1) lines or samples in the middle of `e`, whose start is

@@ -67,12 +67,12 @@ struct vidStd_t {
   const char* name;  ///< not unique: lookups see the first row of a name only
   vidDim_t total;    ///< the whole raster, blanking included
   vidScan_t scan;
-  const vidExtent_t* prodAp;
-  const vidExtent_t* cleanAp;  ///< null: the standard defines none
-  vidRatio_t pixelAspect;
+  const vidExtent_t* prodAp;   ///< the production aperture, never null
+  const vidExtent_t* cleanAp;  ///< the clean aperture; null: the standard defines none
+  vidRatio_t pixelAspect;      ///< width of a pixel to its height
   bool prodCentre;  ///< the picture's centre is the production aperture's, else the clean one's
   uint32_t rate;    ///< frames per second in whole hertz
-  bool rate1001;    ///< the true rate and fs are 1/1.001 of those given
+  bool rate1001;    ///< the true rate and fs are 1/1.001 of `rate` and `fs`
   uint32_t fs;      ///< sampling frequency in units of 10 kHz
   bool sdFlag;      ///< interlaced standard definition
   vidTiming_t timing;

@@ -31,6 +31,7 @@ void requireHeadroom();
 class MemoryReserve {
  public:
   MemoryReserve() = default;
+  /// Gives all of it back.
   ~MemoryReserve() { release(); }
   MemoryReserve(const MemoryReserve&) = delete;
   MemoryReserve& operator=(const MemoryReserve&) = delete;

@@ -43,6 +43,7 @@ class ServiceLock {
   ServiceLock() : lock_(ServiceState::current().lock()) {
     if (lock_ != nullptr) g_mutex_lock(lock_);
   }
+  /// Unlocks the lock that was there at first; the operation may not have freed it.
   ~ServiceLock() {
     if (lock_ != nullptr) g_mutex_unlock(lock_);
   }

@@ -4,8 +4,9 @@
 // prefix value_object_, gboolean and the types of GLib. The binding library finds the methods in
 // the generated table (value_object.cpp), and calls them in the main loop's thread, one at a time.
 //
-// Each method returns TRUE, or FALSE with the error in `error`, for the binding library to free;
-// its texts and their causes are those of its family, see errors.h. No exception leaves a method.
+// Each method returns TRUE, or FALSE with a new error in `error`, which the binding library frees.
+// errors.h tells the methods' families and the results that become errors. No exception leaves a
+// method.
 //
 // In: `obj` is the service object, and null stops the program. `id` is a transaction's, any number.
 // Names and values are texts in valid UTF-8, never null; lists of them end with a null pointer. All

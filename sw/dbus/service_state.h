@@ -20,6 +20,8 @@ class ServiceState {
  public:
   /// The current state from now on, with neither main loop nor lock. `database` outlives it.
   explicit ServiceState(Database& database);
+  /// Drops the open transactions, gives up the lock and frees the main loop. There is no current
+  /// state then.
   ~ServiceState();
   ServiceState(const ServiceState&) = delete;
   ServiceState& operator=(const ServiceState&) = delete;
@@ -31,7 +33,7 @@ class ServiceState {
   int createMainLoop();
   /// Makes the lock. Returns 0, or 1 when it cannot be had.
   int createLock();
-  /// Gives up the lock, which nobody may hold, and ends the main loop, where there are such. Calls
+  /// Frees the lock, which nobody may hold, and ends the main loop, as far as they were made. Calls
   /// that are served afterwards find no lock.
   void stop();
 

@@ -58,7 +58,7 @@ class TransactionOwners {
   void endOldest() noexcept;
 
   Transactions& transactions_;
-  Clients clients_;  // with the transactions of each; those that have opened none are not in it
+  Clients clients_;  // each with its transactions; only clients that have some
   Ids left_;         // transactions whose client has left, oldest first
   size_t leftBytes_ = 0;
   std::unordered_map<uint32_t, Owned> owned_;

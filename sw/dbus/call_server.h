@@ -49,12 +49,12 @@ class CallServer {
   /// DBUS_HANDLER_RESULT_HANDLED. A call that comes after the end of the main loop is dropped: the
   /// bus answers it when the connection ends.
   DBusHandlerResult take(DBusMessage* call) noexcept;
-  /// Ends the main loop, from within it. What has come in until now is still taken, up
-  /// to some MAX_TAKEN calls; serveEarlier() serves them.
+  /// Ends the main loop, from within it. What has come in until now is still taken, up to
+  /// some MAX_TAKEN calls; serveEarlier() serves them.
   void end();
   /// To be called once the main loop has ended. Where a call (die) has ended it, serves the waiting
-  /// calls that came in before that one; where end() has, all that wait. Gives up where more
-  /// than MAX_UNSENT_BYTES stay unsent for two seconds before a call, or the bus ends meanwhile.
+  /// calls that came in before that one; where end() has, all that wait. Gives up where more than
+  /// MAX_UNSENT_BYTES stay unsent for two seconds before a call, or where the bus ends meanwhile.
   void serveEarlier();
 
  private:

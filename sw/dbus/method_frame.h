@@ -67,8 +67,8 @@ constexpr bool keepsMemory(MethodFamily family) {
 /// An exception becomes an error of `family` instead of ending the program. Only two are raised:
 /// std::bad_alloc where memory is exhausted (OUT_OF_MEMORY for start, otherwise INTERNAL_ERROR),
 /// and WorkExceeded where the budget is passed (INTERNAL_ERROR, and a line in the system log). What
-/// was staged or stored until then stays. For a family that keepsMemory() the operation does not
-/// even start without HEADROOM.
+/// `operation` has staged or stored until then is not undone. For a family that keepsMemory() it
+/// does not even start without HEADROOM.
 template <typename Operation>
 gboolean serve(const MethodCall& call, MethodFamily family, Operation operation) {
   const ServiceLock lock;

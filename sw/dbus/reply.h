@@ -54,8 +54,8 @@ struct NewText {
 };
 
 /// Joins `parts` to a text as it goes out: what is not valid UTF-8 in it is replaced by U+FFFD,
-/// because the bus library ends the process for such a text. Returns a null pointer and 0
-/// where memory is exhausted.
+/// because the bus library ends the process for such a text. Returns a null pointer and 0 where
+/// memory is exhausted.
 NewText tryNewText(std::initializer_list<std::string_view> parts) noexcept;
 /// As tryNewText(), but raises std::bad_alloc where memory is exhausted.
 NewText newText(std::initializer_list<std::string_view> parts);

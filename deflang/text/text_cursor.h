@@ -1,4 +1,15 @@
 // Text cursor: a place in a definition text, and the reading of words and signs from there.
+//
+// How a reading function uses it, for the list "{ left, right }":
+//
+//   if (!cursor.expect("{")) return false;
+//   do {
+//     if (!cursor.skipWhiteSpace()) return false;
+//     const std::string_view name = cursor.word(StopSet(",}"));  // keep it before going on
+//     cursor.advance(name.size());
+//     if (!cursor.skipWhiteSpace()) return false;
+//   } while (cursor.take(","));
+//   return cursor.expect("}");
 #pragma once
 
 #include <array>
@@ -11,11 +22,12 @@
 #include "deflang/expression/token.h"
 #include "deflang/text/parse_result.h"
 
-/// White space as the C locale has it, whatever locale the program runs in: bytes from 0x80 up are
-/// none.
+/// Whether `c` is white space of the C locale (blank, \t, \n, \v, \f, \r), whatever locale the
+/// program runs in. Bytes from 0x80 up are not.
 constexpr bool isWhiteSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
-/// The characters that end a word: those given, and white space.
+/// The characters that end a word: those given, and white space. A table with an entry for each
+/// byte, made when the program is compiled.
 class StopSet {
  public:
   constexpr explicit StopSet(std::string_view characters) {
@@ -24,6 +36,7 @@ class StopSet {
       if (isWhiteSpace(static_cast<char>(c))) stops_[c] = true;
     }
   }
+  /// Whether `c` ends a word.
   [[nodiscard]] constexpr bool contains(char c) const {
     return stops_[static_cast<unsigned char>(c)];
   }
@@ -32,63 +45,79 @@ class StopSet {
   std::array<bool, 256> stops_{};
 };
 
-/// Pulls the lines of the text as it comes to them, and passes over those of comments. What reads
-/// from it returns false as soon as there is nothing more to read: the text has ended, or something
-/// is wrong, which result() tells. The cursor is then at the character where the failing step
-/// started, or at the first one of a bare number that does not convert, for the caret.
+/// Pulls each line of the text when it comes to it, and passes over lines that are comments. A
+/// function that reads from it returns false when there is no more to read: either the text has
+/// ended, with result() still PARSE_DONE, or something is wrong and result() says what. After an
+/// error the cursor is at the character for the caret: where the failing step started, or the first
+/// character of a bare number that belongs to no number. Nothing is read after that.
+///
+/// Every view of the line is valid until the next line is pulled. What outlives it has to be kept
+/// in memory(). Exhausted memory raises std::bad_alloc.
 class TextCursor {
  public:
-  /// Gives the next line of the text, which is valid until the one after it is asked for; false
-  /// where there is none.
+  /// Gives the next line of the text, with its newline if it has one; returns false where the text
+  /// has ended, also when asked again. The line has to be valid until the next call. A long line
+  /// may come in pieces without newlines: each piece counts as a line, and its end ends a word.
   using NextLine = std::function<bool(std::string_view& line)>;
 
-  /// Before the first line, which is line 1. What is read is kept in `arena`.
+  /// A cursor before the first line, which is line 1. `arena` has to outlive the cursor and what
+  /// is read.
   TextCursor(NextLine nextLine, Arena& arena) : nextLine_(std::move(nextLine)), arena_(arena) {}
 
   /// PARSE_DONE until something is wrong; also where the text ends in the middle of a definition.
   [[nodiscard]] ParseResult result() const { return result_; }
+  /// The line, from 1 (0 before the first), and the byte in it, from 0. At the end of the text:
+  /// the last line's number, and 0.
   [[nodiscard]] Position position() const { return {number_, static_cast<uint32_t>(column_)}; }
+  /// The whole line, for reports; empty before the first line and at the end of the text.
   [[nodiscard]] std::string_view line() const { return line_; }
+  /// Where a reading function keeps what it has read.
   [[nodiscard]] Arena& arena() const { return arena_; }
   /// What has not been read yet of the line.
   [[nodiscard]] std::string_view rest() const { return line_.substr(column_); }
-  /// Whether `sign` comes next.
+  /// Whether `sign` comes next, all of it on this line. White space is not skipped.
   [[nodiscard]] bool at(std::string_view sign) const { return rest().starts_with(sign); }
-  /// The characters before the next stop or the end of the line; they stay unread.
+  /// The characters before the next stop or the end of the line; empty where a stop comes next.
+  /// They stay unread.
   [[nodiscard]] std::string_view word(const StopSet& stops) const {
     size_t end = column_;
     while (end < line_.size() && !stops.contains(line_[end])) ++end;
     return line_.substr(column_, end - column_);
   }
 
-  /// Goes on by `count` characters of the rest of the line.
+  /// Goes on by `count` bytes, at most to the end of the line.
   void advance(size_t count) { column_ += count; }
-  /// Goes past `sign`. Returns false, without going on, when it does not come next.
+  /// Goes past `sign`. Returns false when it does not come next; the cursor then stays, and that
+  /// is no error.
   bool take(std::string_view sign) {
     if (!at(sign)) return false;
     advance(sign.size());
     return true;
   }
-  /// Goes to the beginning of the next line. Returns false where the text ends, and for a line with
-  /// a NUL.
+  /// Goes to the beginning of the next line that is no comment. Returns false where the text ends,
+  /// and for a line with a NUL byte, which is a syntax error at that byte.
   bool pullLine();
-  /// Goes to the next character that is no white space. Returns false as pullLine() does.
+  /// Goes to the next character that is no white space, on this line or a later one. Returns false
+  /// as pullLine() does.
   bool skipWhiteSpace() {
     do {
       while (column_ < line_.size() && isWhiteSpace(line_[column_])) ++column_;
     } while (column_ == line_.size() && pullLine());
     return column_ < line_.size() && result_ == PARSE_DONE;
   }
-  /// Goes past `sign` and the white space before it. Something else there is a syntax error.
+  /// Goes past `sign` and the white space before it. Returns false where the text ends, and where
+  /// something else comes next, which is a syntax error.
   bool expect(std::string_view sign) {
     return skipWhiteSpace() && (take(sign) || fail(PARSE_SYNTAX_ERROR));
   }
-  /// Ends the reading here. Returns false.
+  /// Ends the reading with an error here. Returns false, so that a reading function can end with
+  /// `return cursor.fail(...)`.
   bool fail(ParseResult result) {
     result_ = result;
     return false;
   }
-  /// Ends the reading at `at`, or at the first word of the line where `at` is on an earlier one.
+  /// Ends the reading with an error at `at`; where that is on an earlier line, at the first word of
+  /// this one, because only this line can be shown. Returns false.
   bool failAt(Position at, ParseResult result);
 
  private:
@@ -100,8 +129,10 @@ class TextCursor {
   ParseResult result_ = PARSE_DONE;
 };
 
-/// Where the first character of `line` that is no white space is; its length where there is none.
+/// The byte offset of the first character of `line` that is no white space; the length of `line`
+/// where there is no such character.
 size_t firstWord(std::string_view line);
 
-/// The lines of a text that is there as a whole, and that lives as long as they are asked for.
+/// Gives the lines of `text`, each with its newline but perhaps the last. `text` has to outlive the
+/// function that is returned. For callers that have all of a text: tests, benchmarks, fuzz targets.
 TextCursor::NextLine linesIn(std::string_view text);

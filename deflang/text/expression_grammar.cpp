@@ -23,8 +23,9 @@ std::string_view trimmed(std::string_view text) {
 // In 32 bits, where the least number is its own opposite.
 int32_t negated(int32_t number) { return static_cast<int32_t>(0U - static_cast<uint32_t>(number)); }
 
-// A minus sign before a number is the number's where an operand must be: at the start and after
-// an operator. After "(" it stays an operator without a left side, which the check refuses.
+// Makes a minus sign and the number after it one token where an operand has to be: at the start and
+// after an operator. After "(" the sign stays an operator without a left side, which compiling
+// refuses.
 void foldNegativeNumbers(std::vector<Token>& tokens) {
   size_t folded = 0;  // how many tokens are left so far
   for (const Token& token : tokens) {
@@ -41,7 +42,7 @@ void foldNegativeNumbers(std::vector<Token>& tokens) {
   tokens.resize(folded);
 }
 
-// The tokens between a parenthesis and its partner.
+// Reads the tokens between a parenthesis, which has been taken, and its partner.
 class TokenReader {
  public:
   explicit TokenReader(TextCursor& cursor) : cursor_(cursor) {}
@@ -61,8 +62,8 @@ class TokenReader {
 
   TextCursor& cursor_;
   std::vector<Token> tokens_;
-  std::string grownName_;  // of the last token, a variable with index values
-  size_t depth_ = 1;       // parentheses that are open
+  std::string grownName_;  // of the last token where that is a variable with index values
+  size_t depth_ = 1;       // how many parentheses are open
 };
 
 bool TokenReader::read(Expression& expression) {
@@ -138,8 +139,8 @@ std::string_view TokenReader::lastName() const {
   return grownName_.empty() ? tokens_.back().text : grownName_;
 }
 
-// A name is kept when it is complete: one that took up memory with each index value would take the
-// square of its length.
+// A name grows here and is kept once it is complete. Kept after each index value, it would take
+// memory by the square of its length.
 void TokenReader::growName(std::initializer_list<std::string_view> parts) {
   if (grownName_.empty()) grownName_ = tokens_.back().text;
   for (const std::string_view part : parts) grownName_ += part;

@@ -16,8 +16,8 @@ constexpr StopSet DEFAULT_STOPS("}");
 // "1->2" needs no blanks; a negative number can only be written as a quoted text.
 constexpr StopSet TRANSLATED_STOPS("-}");
 
-// A number without parentheses, up to the next stop. The caret is at the first character that
-// belongs to no number: where a number is missing, at the one in its place.
+// Reads a number without parentheses, up to the next stop. On failure the caret is at the first
+// character that belongs to no number: in "12ab" at the "a", in "}" at the brace.
 bool readBareNumber(TextCursor& cursor, const StopSet& stops, int32_t& number) {
   const std::string_view word = cursor.word(stops);
   const std::optional<int32_t> whole = wholeNumber(word);
@@ -30,7 +30,8 @@ bool readBareNumber(TextCursor& cursor, const StopSet& stops, int32_t& number) {
   return true;
 }
 
-// A bare number, which ends at one of `stops`, or an expression, which does not.
+// Reads a bare number, which ends at one of `stops`, or an expression, which ends at its
+// parenthesis.
 bool readValue(TextCursor& cursor, const StopSet& stops, Expression& value) {
   if (!cursor.skipWhiteSpace()) return false;
   if (cursor.at("(")) return readExpression(cursor, value);
@@ -40,7 +41,7 @@ bool readValue(TextCursor& cursor, const StopSet& stops, Expression& value) {
   return true;
 }
 
-// An optional condition, and the opening brace.
+// Reads an optional condition, and the opening brace.
 bool readCondition(TextCursor& cursor, Expression& condition) {
   if (!cursor.skipWhiteSpace()) return false;
   if (cursor.at("(") && !readExpression(cursor, condition)) return false;
@@ -55,7 +56,7 @@ bool readItem(TextCursor& cursor, RangeItem& item) {
   return !cursor.take("..") || readValue(cursor, UPPER_STOPS, item.upper.emplace());
 }
 
-// A number in decimal, or a quoted text.
+// Reads a quoted text, or a bare number, which becomes its text in decimal.
 bool readTranslated(TextCursor& cursor, std::string_view& value) {
   if (!cursor.skipWhiteSpace()) return false;
   if (cursor.take("\"")) return readQuoted(cursor, '"', value);
@@ -65,7 +66,7 @@ bool readTranslated(TextCursor& cursor, std::string_view& value) {
   return true;
 }
 
-// Elements with commas between them, up to the closing brace.
+// Reads elements with commas between them, and the closing brace.
 template <typename T, typename Read>
 bool readList(TextCursor& cursor, std::span<const T>& list, Read readElement) {
   std::vector<T> elements;

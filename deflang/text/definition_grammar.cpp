@@ -25,7 +25,8 @@ constexpr AccessWord ACCESS_WORDS[] = {
     {"wo", ACCESS_WO},       {"rw", ACCESS_RW},
 };
 
-// Reads a statement by `READ`; a complete one goes to the end of the record's list.
+// Reads a statement by `READ` and adds it to `LIST` of the record. A statement that is not complete
+// is dropped.
 template <auto READ, auto LIST, typename Statement>
 bool readInto(TextCursor& cursor, Position /*keyword*/, ParameterRecord& record) {
   Statement statement;
@@ -34,6 +35,8 @@ bool readInto(TextCursor& cursor, Position /*keyword*/, ParameterRecord& record)
   return true;
 }
 
+// As readInto() for ctrlRO. A "wo" record is refused only once its condition is complete, so that a
+// fault in the condition is told first.
 bool readCtrlRO(TextCursor& cursor, Position keyword, ParameterRecord& record) {
   Expression condition;
   if (!readExpression(cursor, condition)) return false;
@@ -57,7 +60,7 @@ constexpr Keyword KEYWORDS[] = {
     {"index", readInto<readIndexList, &ParameterRecord::indices, IndexStatement>},
 };
 
-// The row of `word`, or null.
+// The row of `table` for `word`, or null.
 template <typename T, size_t N>
 const T* findWord(const T (&table)[N], std::string_view word) {
   const T* const found = std::find_if(std::begin(table), std::end(table),
@@ -92,7 +95,8 @@ bool readBody(TextCursor& cursor, ParameterRecord& record) {
   return false;
 }
 
-// A name may come again; what is said of it then is added to its record.
+// A name may come again: its statements are then added to its record, and the later access word
+// counts.
 bool readDefinition(TextCursor& cursor, ParameterRecords& records) {
   const std::string_view name = cursor.word(NAME_STOPS);
   ParameterRecord& record = records.findOrAdd(name, cursor.position().line);

@@ -8,13 +8,17 @@
 #include "deflang/text/definition_text.h"
 #include "deflang/text/text_cursor.h"
 
-/// Reads definitions up to the end of the text, or up to what is wrong, into `records`, whose
-/// memory is the cursor's. A definition that the text leaves unfinished keeps its complete
-/// statements. Returns the cursor's result: PARSE_DONE; PARSE_INVALID_ACCESS for an unknown word
-/// after a name or "ctrlRO" in a "wo" record; PARSE_SYNTAX_ERROR.
+/// Reads definitions up to the end of the text, or up to the first error, into `records`. The
+/// cursor has to be one on `records.memory()`. A definition that the text leaves unfinished keeps
+/// its complete statements: from `gain rw { default { 1 } ctrlRO ( x` comes a record with the
+/// default alone.
+/// Returns the cursor's result: PARSE_DONE at the end of the text, also within a definition;
+/// PARSE_INVALID_ACCESS for an unknown word after a name, and for "ctrlRO" in a "wo" record;
+/// PARSE_SYNTAX_ERROR for everything else. After an error the cursor is where the caret belongs.
 ParseResult readDefinitions(TextCursor& cursor, ParameterRecords& records);
 
-/// As readDefinitions(), from the lines that `nextLine` gives; keeps the text of the lines with
-/// words. Prints an error to standard error: the line's number, what is wrong, and the line with a
-/// caret under the column.
+/// As readDefinitions(), from the lines that `nextLine` gives, into `text`, which is empty before.
+/// Keeps the texts of the lines with words (not those that are blank or a comment). No line behind
+/// the one with the error is asked for. Prints an error to standard error: the line's number, the
+/// message, and the line with a caret under the column.
 ParseResult readDefinitionText(TextCursor::NextLine nextLine, DefinitionText& text);

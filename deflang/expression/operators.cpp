@@ -44,7 +44,7 @@ struct Operator {
   Number (*calculate)(int32_t left, int32_t right);
 };
 
-// Each at its code.
+// The row of an operator is at the place that its code says.
 constexpr std::array<Operator, OPERATOR_COUNT> OPERATORS = {{
     {"||", 10, [](int32_t a, int32_t b) -> Number { return a != 0 || b != 0; }},
     {"&&", 9, [](int32_t a, int32_t b) -> Number { return a != 0 && b != 0; }},

@@ -8,13 +8,14 @@ namespace {
 
 constexpr int LOOSEST_LEVEL = 10;
 
-// Operators wait on a stack until one that binds less tightly, or the end of their group, shows
-// that their right operand is complete.
+// Operators wait on a stack until their right operand is complete: until an operator comes that
+// binds no more tightly, or their group ends. A group is what is between two parentheses, or the
+// whole expression.
 class Conversion {
  public:
   explicit Conversion(std::vector<const Token*>& order) : order_(order) {}
 
-  // Takes in the next token; false when the expression fails at it.
+  // Takes in the next token. Returns false when the expression fails at that token.
   bool take(const Token& token) {
     switch (token.kind) {
       case TOKEN_NUMBER:
@@ -33,12 +34,13 @@ class Conversion {
     }
   }
 
+  // Takes the end of the expression. Returns false when something is missing there.
   bool finish() { return unwind(LOOSEST_LEVEL) && waiting_.empty() && operands_ == 1; }
 
  private:
   struct Waiting {
     const Token* token;    // an operator or "("
-    size_t outerOperands;  // of a "(": the operands before it
+    size_t outerOperands;  // of a "(": how many operands its outer group has before it
   };
 
   bool closeGroup() {
@@ -55,8 +57,8 @@ class Conversion {
     return true;
   }
 
-  // Puts out the operators of the innermost group that bind at least as tightly as `level`. False
-  // when one of them lacks an operand.
+  // Puts out the waiting operators of the innermost group that bind at least as tightly as `level`.
+  // Returns false when one of them lacks an operand.
   bool unwind(int level) {
     while (!waiting_.empty()) {
       const Token& last = *waiting_.back().token;
@@ -71,7 +73,7 @@ class Conversion {
 
   std::vector<const Token*>& order_;
   std::vector<Waiting> waiting_;
-  size_t operands_ = 0;  // of the innermost group
+  size_t operands_ = 0;  // how many the innermost group has; an operator makes one of two
 };
 
 }  // namespace

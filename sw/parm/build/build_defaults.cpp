@@ -16,7 +16,8 @@ bool isBefore(const Token& a, const Token& b) {
   return a.text < b.text;
 }
 
-// An order in which expressions of the same tokens are the same, wherever they are.
+// Orders expressions by their tokens, so that two of equal tokens count as equal wherever in the
+// text they are.
 struct TokenOrder {
   bool operator()(const Expression* a, const Expression* b) const {
     return std::lexicographical_compare(a->tokens.begin(), a->tokens.end(), b->tokens.begin(),
@@ -85,7 +86,7 @@ class DefaultBuilder {
     }
   }
 
-  // The value of a default; nothing, and a report, where it never has one.
+  // The program of a default's value. Returns nullopt, after a report, where it never has a value.
   std::optional<Program> valueOf(const DefaultStatement& statement) {
     if (statement.text) return Program::constant(std::string(*statement.text));
     if (statement.value.empty()) {
@@ -103,7 +104,8 @@ class DefaultBuilder {
     }
   }
 
-  // Where a report about a statement's condition points: at the value where there is none.
+  // Where a report about the condition of a statement points: at its first token, or at the value
+  // of a statement without a condition.
   static Position placeOf(const DefaultStatement& statement) {
     return statement.condition.empty() ? statement.at : tokenPosition(statement.condition, 1);
   }
@@ -111,7 +113,7 @@ class DefaultBuilder {
   DefinitionDraft& draft_;
   std::set<const Expression*, TokenOrder> conditions_;  // run-time ones
   bool fallbackSeen_ = false;
-  std::optional<Program> last_;
+  std::optional<Program> last_;  // the run-time value of the statement without a condition
 };
 
 }  // namespace

@@ -13,11 +13,11 @@ namespace {
 
 // A statement that counts in some situation.
 struct Range {
-  std::optional<Program> condition;  // nothing where it always counts
+  std::optional<Program> condition;  // nullopt where it always counts
   RangeItems items;
 };
 
-// Whether a statement counts in any situation. What else it holds is only looked at if it does.
+// Whether a statement counts in any situation. If it does not, its items are not looked at.
 bool canApply(const RangeStatement& statement, const Condition& condition, DefinitionDraft& draft) {
   if (condition.kind == CONDITION_NEVER && !condition.namesConstant) {
     draft.warn(DIAG_CONDITION_ZERO, tokenPosition(statement.condition, 1));

@@ -6,8 +6,8 @@
 
 namespace {
 
-// Compares the constant conditions among the statements of one kind; reports the later of two. A
-// condition that names a command-line constant tells product variants apart and takes no part.
+// Compares the constant conditions among the statements of one kind, and reports the later of two.
+// A condition that names a command-line constant is not compared: it tells product variants apart.
 class ConstantConditions {
  public:
   explicit ConstantConditions(DefinitionDraft& draft) : draft_(draft) {}

@@ -9,9 +9,12 @@
 #include "deflang/text/record.h"
 #include "sw/parm/build/definition_registry.h"
 
+/// One for each run of buildDefinitions(). It owns none of what it is given; all of that has to
+/// outlive it.
 class BuildContext {
  public:
-  /// `checkOnly` tells that the definitions are made for their diagnostics alone.
+  /// `checkOnly` tells that the definitions are made for their diagnostics alone; `registry` is
+  /// then a CheckOnlyRegistry.
   BuildContext(DiagnosticCollector& diagnostics, const ParameterRecords& records,
                const LineTexts& lines, DefinitionRegistry& registry, bool checkOnly)
       : diagnostics_(diagnostics),
@@ -20,24 +23,30 @@ class BuildContext {
         registry_(registry),
         checkOnly_(checkOnly) {}
 
+  /// The records of the text; they do not change while definitions are built.
   [[nodiscard]] const ParameterRecords& records() const { return records_; }
+  /// What the definitions are registered with.
   [[nodiscard]] DefinitionRegistry& registry() { return registry_; }
+  /// Whether only the diagnostics are wanted.
   [[nodiscard]] bool checkOnly() const { return checkOnly_; }
 
-  /// The record that defines `name`, or null. A record that never got its access word defines
-  /// nothing.
+  /// The record that defines the base name `name`, or null. A record without an access word, which
+  /// only the end of a text leaves behind, defines no name and is not found.
   [[nodiscard]] const ParameterRecord* findRecord(std::string_view name) const;
-  /// The value of a name that is a command-line constant, or null. A name that the text defines,
-  /// with or without index values, is none, nor is a video standard name or the value under test.
+  /// The value of the command-line constant `name`, valid as long as the registry; or null where
+  /// `name` is no constant. The text wins over the command line: a name that the text defines, with
+  /// index values or without, is no constant. Neither is a video standard name or sw::this.
   [[nodiscard]] const std::string* findConstant(std::string_view name) const;
 
-  /// Raises a diagnostic; an error is also a failed step.
+  /// Raises a diagnostic at a place in the text (NO_POSITION as line and column for none). An error
+  /// is also noted as the result -1.
   void report(Severity severity, uint32_t code, Position at, std::string text);
-  /// Notes the result of a step.
+  /// Notes the result of a step: 0, or why it failed. Later steps are done all the same, so that
+  /// one run reports everything that is wrong; only the first failure is kept.
   void note(int stepResult) {
     if (result_ == 0) result_ = stepResult;
   }
-  /// The first result of a step that was not 0, or 0.
+  /// The first result that was noted and was not 0; 0 where all steps succeeded.
   [[nodiscard]] int result() const { return result_; }
 
  private:

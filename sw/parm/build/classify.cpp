@@ -40,7 +40,8 @@ Classification leaveOut(const Expression& expression, size_t position, Definitio
   return {LEFT_OUT};
 }
 
-// What a name that is no constant leaves open. A condition may be decided without it.
+// What an expression is for. A name that is no constant leaves every value open; a condition may be
+// decided without it.
 enum Purpose { AS_VALUE, AS_CONDITION };
 
 Classification classify(const Expression& expression, Purpose purpose, DefinitionDraft& draft) {

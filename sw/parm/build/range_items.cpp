@@ -8,7 +8,7 @@
 
 namespace {
 
-// What makes one item, each end of it classified.
+// Makes items of bounds from range items, and adds them to `out`.
 class ItemReader {
  public:
   ItemReader(DefinitionDraft& draft, RangeItems& out) : draft_(draft), out_(out) {}

@@ -29,7 +29,8 @@ AccessMode modeOf(AccessCode access) {
   }
 }
 
-// The order of the steps is the order of the diagnostics. `own` takes what only a parameter has.
+// The order of the steps is the order of the diagnostics. `common` takes what an index and a
+// parameter have, `own` what only a parameter has; of a parameter they are one draft.
 void buildStatements(DefinitionDraft& common, DefinitionDraft& own) {
   buildRangeValid(common);
   buildRangeDoc(own);
@@ -64,14 +65,15 @@ class Builder {
 
   void buildIndex(const ParameterRecord& record) {
     DefinitionDraft draft(context_, record);
-    // What only a parameter has is looked at for its mistakes alone, and its names are forgotten.
+    // Statements that only a parameter uses are built for their diagnostics alone, in a draft that
+    // is dropped: its names do not become variables of the index.
     DefinitionDraft unused(context_, record);
     warnAboutIndices(draft);
     buildStatements(draft, unused);
     IndexExpressions& index =
         indexExpressions_.emplace_back(IndexExpressions{record, draft.kept()});
     index.expressions.insert(index.expressions.end(), unused.kept().begin(), unused.kept().end());
-    // A name that is taken stays what it is.
+    // A definition whose name is taken is dropped.
     static_cast<void>(
         context_.registry().registerIndex(std::make_unique<IndexDef>(std::move(draft.parts))));
   }
@@ -88,7 +90,7 @@ class Builder {
     buildIndices(draft);
     buildStatements(draft, draft);
     checkReferences(record, draft.kept(), context_);
-    // A name that is taken stays what it is.
+    // A definition whose name is taken is dropped.
     static_cast<void>(context_.registry().registerParm(
         std::make_unique<ParmDef>(std::move(draft.parts), std::move(draft.parm))));
   }

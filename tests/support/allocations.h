@@ -1,4 +1,9 @@
-// Allocations, counted and failing at will, for tests. To be included by one source of a program.
+// Allocations, counted and failing at will, for tests. To be included by one source of a program:
+// it replaces operator new and delete of the whole program.
+//
+//   Allocations::left = 3;         // the fourth allocation from here raises std::bad_alloc
+//   ...
+//   Allocations::left = SIZE_MAX;  // before the test framework allocates again
 #pragma once
 
 #include <cstddef>
@@ -6,13 +11,15 @@
 #include <cstdlib>
 #include <new>
 
-/// What operator new was asked for, and what it gives.
+/// What operator new has been asked for, and what it will give. What malloc is asked for directly,
+/// as by GLib, is not counted.
 struct Allocations {
-  inline static size_t count = 0;        ///< so far
-  inline static size_t live = 0;         ///< that were not given back
-  inline static size_t left = SIZE_MAX;  ///< how many more succeed
-  inline static size_t most = SIZE_MAX;  ///< how many bytes one may have
+  inline static size_t count = 0;        ///< attempts so far, failed ones included
+  inline static size_t live = 0;         ///< allocations that have not been given back
+  inline static size_t left = SIZE_MAX;  ///< how many more succeed; SIZE_MAX: all
+  inline static size_t most = SIZE_MAX;  ///< how many bytes one may have; a larger one fails
 
+  /// What operator new does: memory of `size` bytes, or std::bad_alloc.
   static void* allocate(size_t size) {
     ++count;
     if (left == 0 || size > most) throw std::bad_alloc();
@@ -22,6 +29,7 @@ struct Allocations {
     ++live;
     return memory;
   }
+  /// What operator delete does; `memory` may be null.
   static void giveBack(void* memory) noexcept {
     if (memory != nullptr) --live;
     free(memory);

@@ -1,5 +1,6 @@
-// The mappings of memory that the program makes, for tests. To be included by one source of a
-// program. The C library's own are not among them.
+// The mappings of memory that the program makes, counted and failing at will, for tests. To be
+// included by one source of a program: it replaces mmap, mremap and munmap of the program. Mappings
+// that the C library makes for itself are not counted.
 #pragma once
 
 #include <sys/mman.h>
@@ -10,10 +11,11 @@
 #include <cerrno>
 #include <cstddef>
 
+/// What has been asked for, and whether it will be given.
 struct Mappings {
-  inline static size_t most = 0;      ///< the bytes of the largest one that was asked for
+  inline static size_t most = 0;      ///< the bytes of the largest mapping that was asked for
   inline static size_t kept = 0;      ///< the bytes that are mapped now
-  inline static bool succeed = true;  ///< or there is no memory
+  inline static bool succeed = true;  ///< false: attempts fail with ENOMEM
 };
 
 // What a sanitizer maps before the program begins is not the program's.

@@ -1,5 +1,5 @@
 // The pieces of memory that texts of replies and signals are made in, for tests. To be included by
-// one source of a program.
+// one source of a program: it replaces g_try_malloc, g_try_malloc_n and g_free.
 #pragma once
 
 #include <glib.h>
@@ -7,10 +7,13 @@
 #include <cstdlib>
 #include <set>
 
+/// What is asked for by g_try_malloc; what g_malloc gives is not counted.
 struct Pieces {
-  inline static std::set<gpointer> kept;  ///< that were tried for and not given back
+  inline static std::set<gpointer> kept;  ///< the pieces that have not been given back
+  /// Called before each piece is made, with its bytes.
   inline static void (*whenTriedFor)(gsize size) = [](gsize) {};
 
+  /// A new piece of `size` bytes, or null.
   static gpointer make(gsize size) {
     whenTriedFor(size);
     gpointer const piece = malloc(size);
@@ -19,7 +22,7 @@ struct Pieces {
   }
 };
 
-// In the place of those of GLib.
+// These take the place of GLib's own.
 extern "C" void g_free(gpointer piece) {
   Pieces::kept.erase(piece);
   free(piece);

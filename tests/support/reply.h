@@ -1,5 +1,5 @@
 // What replies hold, for the tests: reads a reply as texts and frees it, as the binding library
-// does.
+// does. `taken` in a name means that: what is passed in is freed.
 #pragma once
 
 #include <dbus/dbus-glib.h>
@@ -10,25 +10,28 @@
 
 using Texts = std::vector<std::string>;
 
+/// The texts of a list that ends with a null pointer.
 inline Texts taken(char** list) {
   Texts texts(list, list + g_strv_length(list));
   g_strfreev(list);
   return texts;
 }
 
-/// The kinds of structures.
+/// The type of a structure of the lowest and the highest number of a span.
 inline GType spanType() {
   return dbus_g_type_get_struct("GValueArray", G_TYPE_INT, G_TYPE_INT, G_TYPE_INVALID);
 }
+/// The type of a structure of a name and a span.
 inline GType namedSpanType() {
   return dbus_g_type_get_struct("GValueArray", G_TYPE_STRING, G_TYPE_INT, G_TYPE_INT,
                                 G_TYPE_INVALID);
 }
+/// The type of a structure of a name and a text.
 inline GType namedTextType() {
   return dbus_g_type_get_struct("GValueArray", G_TYPE_STRING, G_TYPE_STRING, G_TYPE_INVALID);
 }
 
-/// One structure, its members joined by commas.
+/// One structure of `type`, its members joined by commas: "gain,0,9".
 inline std::string takenStructure(gpointer structure, GType type) {
   GValue holder = G_VALUE_INIT;
   g_value_init(&holder, type);
@@ -47,6 +50,7 @@ inline std::string takenStructure(gpointer structure, GType type) {
   return text;
 }
 
+/// The structures of `type` in an array, each as takenStructure() gives it.
 inline Texts taken(GPtrArray* structures, GType type) {
   Texts texts;
   for (guint i = 0; i < structures->len; ++i) {

@@ -12,8 +12,10 @@
 #include "sw/dbus/value_object.h"
 #include "tests/support/database.h"
 
+/// Methods called while it lives find its state as the present one.
 class TestService {
  public:
+  /// Builds the service on `definitions`. A text whose build fails also fails the test.
   explicit TestService(std::string_view definitions, const Constants& constants = {})
       : object_(static_cast<ValueObject*>(g_object_new(value_object_get_type(), nullptr))) {
     define(database_, definitions, constants);
@@ -24,10 +26,11 @@ class TestService {
   TestService(const TestService&) = delete;
   TestService& operator=(const TestService&) = delete;
 
+  /// The parts of the service, valid as long as it.
   Database& database() { return database_; }
   ServiceState& state() { return state_; }
   ValueObject* object() { return object_; }
-  /// The signals since the last call, each with its texts.
+  /// The signals since the last call of this function, in their order, each with its texts.
   std::vector<std::vector<std::string>> newSignals() { return std::exchange(signals_, {}); }
 
  private:

@@ -1,5 +1,10 @@
 // The recipe that brings a device up, as ostrel(1) tells it, for tests. It sees the device only
-// through what a client of the bus can ask and do.
+// through what a client of the bus can ask and do, so that one recipe serves the tests with a bus
+// and those without.
+//
+//   BringUp recipe(client, known);  // asks for the dependencies
+//   recipe.run();                   // writes
+//   EXPECT_TRUE(recipe.restless().empty());
 #pragma once
 
 #include <algorithm>
@@ -21,19 +26,19 @@ class DeviceClient {
   DeviceClient(const DeviceClient&) = delete;
   DeviceClient& operator=(const DeviceClient&) = delete;
 
-  /// get_deps of a base name.
+  /// get_deps of a base name: all names that it depends on, also through others.
   virtual Names dependencies(const std::string& parm) = 0;
-  /// get_parm_idx of a base name.
+  /// get_parm_idx of a base name: its indices that are valid now.
   virtual Names presentIndices(const std::string& parm) = 0;
-  /// get_idx_range, with its numbers one by one.
+  /// get_idx_range of an index: its present values, each number of a span by itself.
   virtual Names indexValues(const std::string& index) = 0;
   /// reset_status_bulk and commit. Returns whether the commit succeeded.
   virtual bool reset(const Names& names) = 0;
-  /// set_status and commit; neither has to succeed.
+  /// set_status and commit. Whether they succeed is not told: the recipe goes on either way.
   virtual void set(const std::string& name, const std::string& value) = 0;
-  /// get_bulk: the values in the order of `names`.
+  /// get_bulk: the values in the order of `names`, as many as these.
   virtual Names values(const Names& names) = 0;
-  /// Whether get_range answers with the number 0 and nothing else.
+  /// Whether get_range answers with the number 0 and no other value.
   virtual bool allowsOnlyZero(const std::string& name) = 0;
 };
 
@@ -48,16 +53,20 @@ struct KnownDevice {
   std::map<std::string, std::string> lastValues;  ///< by full name: what is known from before
 };
 
+/// What is before the first "[" of a name.
 inline std::string baseNameOf(const std::string& name) { return name.substr(0, name.find('[')); }
 
-/// Brings one device up.
+/// Brings one device up, once: first the parameters that depend on no others, then step by step
+/// those whose dependencies are done. Parameters that depend on each other are a ring: they are
+/// done in one step, and again until a round changes no value.
 class BringUp {
  public:
   using Names = DeviceClient::Names;
 
-  /// After as many rounds, a ring is taken to be one that never comes to rest.
+  /// After that many rounds, a ring is taken to be one that never comes to rest.
   static constexpr size_t MOST_ROUNDS = 10;
 
+  /// Asks `client`, which has to outlive the recipe, for the dependencies of all parameters.
   BringUp(DeviceClient& client, KnownDevice device) : client_(client), device_(std::move(device)) {
     for (const auto& [parm, indices] : device_.parms) parms_.push_back(parm);
     for (const std::string& parm : parms_) {
@@ -65,6 +74,7 @@ class BringUp {
     }
   }
 
+  /// Does all steps: resets, settles rings, sets the last values, and fills zeros at the end.
   void run() {
     std::set<std::string> done;
     while (done.size() < parms_.size()) {
@@ -82,8 +92,10 @@ class BringUp {
   /// The full names of all instances that exist now, as the index queries tell.
   Names instances() { return instancesOf(parms_); }
 
+  /// How many steps run() took.
   [[nodiscard]] size_t steps() const { return steps_; }
-  /// The most rounds that a ring took, the last of which changed nothing; 0 without rings.
+  /// The most rounds that a step took for its rings, the round that changed no value included; 0
+  /// without rings.
   [[nodiscard]] size_t rounds() const { return rounds_; }
   /// The parameters of rings that did not come to rest.
   [[nodiscard]] const std::set<std::string>& restless() const { return restless_; }
@@ -97,7 +109,7 @@ class BringUp {
     return parms;
   }
 
-  // Whether `parm`, which depends on `other`, is the same or in a ring with it.
+  // Whether `parm`, which depends on `other`, is `other` itself or in a ring with it.
   [[nodiscard]] bool isRing(const std::string& parm, const std::string& other) const {
     return other == parm || dependencies_.at(other).contains(parm);
   }
@@ -108,7 +120,7 @@ class BringUp {
                        [&](const std::string& other) { return isRing(parm, other); });
   }
 
-  // The parameters that depend on nothing but what is done, or on their ring.
+  // The parameters whose dependencies are all done, or in a ring with them.
   [[nodiscard]] Names nextStep(const std::set<std::string>& done) const {
     Names step;
     for (const auto& [parm, others] : dependencies_) {
@@ -122,7 +134,8 @@ class BringUp {
     return step;
   }
 
-  // All at once; where that fails, each name alone, so that none keeps another from being done.
+  // Resets all instances at once. Where that fails, resets each alone, so that no instance keeps
+  // another from its default.
   void resetStep(const Names& step) {
     const Names names = instancesOf(step);
     if (!names.empty() && !client_.reset(names)) resetAlone(names);
@@ -132,8 +145,8 @@ class BringUp {
     for (const std::string& name : names) client_.reset({name});
   }
 
-  // Whether one of its indices looks at index values. The index queries judge each index without
-  // the values of others, so what they say of the instances may be wrong either way.
+  // Whether one of the parameter's indices looks at index values. The index queries judge each
+  // index without the values of others, so they may list too many instances of `parm`, or too few.
   [[nodiscard]] bool isVaried(const std::string& parm) const {
     const Names& indices = device_.parms.at(parm);
     return std::any_of(indices.begin(), indices.end(), [&](const std::string& index) {
@@ -147,7 +160,8 @@ class BringUp {
     }
   }
 
-  // In a ring, each was judged while the others had not followed yet.
+  // Resets the rings of a step until they rest: the first reset judged each parameter of a ring
+  // while the others had not followed yet.
   void settleRings(const Names& step) {
     Names ring;
     std::copy_if(step.begin(), step.end(), std::back_inserter(ring),
@@ -160,8 +174,9 @@ class BringUp {
     restless_.insert(ring.begin(), ring.end());
   }
 
-  // Resets each instance alone and looks after each, as one may take back what another did. What a
-  // ring holds may decide which of its instances exist, so all are named.
+  // Resets each instance alone, and compares all values after each reset, because one reset may
+  // take back what another did. What a ring holds may decide which of its instances exist, so all
+  // that may ever exist are named.
   bool resetMovesAny(const Names& ring) {
     const Names names = possibleInstancesOf(ring);
     bool isMoved = false;
@@ -182,7 +197,8 @@ class BringUp {
     }
   }
 
-  // The empty value counts as 0, and is left as it is where 0 is allowed.
+  // Sets 0 where a value is still empty and 0 is all that is allowed: a reset leaves the empty
+  // value, which counts as 0, as it is.
   void fillZeros() {
     for (const std::string& parm : parms_) {
       const bool isForeseeable = !isVaried(parm) && !isInRing(parm);
@@ -210,7 +226,7 @@ class BringUp {
     return all;
   }
 
-  // Those that may exist at one time or another.
+  // The full names of all instances that may exist at one time or another.
   [[nodiscard]] Names possibleInstancesOf(const Names& parms) const {
     Names all;
     for (const std::string& parm : parms) {
@@ -219,7 +235,7 @@ class BringUp {
     return all;
   }
 
-  // The parameter with all combinations of its indices' values.
+  // Adds the full names of a parameter, with all combinations of the values of its indices.
   template <typename ValuesOf>
   void addInstances(Names& all, const std::string& parm, ValuesOf valuesOf) const {
     Names names = {parm};
@@ -229,7 +245,7 @@ class BringUp {
     all.insert(all.end(), names.begin(), names.end());
   }
 
-  // Each name with each value in brackets behind it.
+  // Each of `names` with each of `values` in brackets behind it.
   static Names crossed(const Names& names, const Names& values) {
     Names result;
     for (const std::string& name : names) {
@@ -243,7 +259,7 @@ class BringUp {
   DeviceClient& client_;
   KnownDevice device_;
   Names parms_;
-  std::map<std::string, std::set<std::string>> dependencies_;  // of each parameter, parameters
+  std::map<std::string, std::set<std::string>> dependencies_;  // by base name, base names
   size_t steps_ = 0;
   size_t rounds_ = 0;
   std::set<std::string> restless_;

@@ -18,14 +18,14 @@
 #include "sw/parm/parm_def.h"
 #include "tests/support/registry.h"
 
-/// The records of `text`, which has no syntax errors.
+/// The records of `text`. A text that cannot be read fails the test.
 inline DefinitionText parseText(std::string_view text) {
   DefinitionText parsed;
   EXPECT_EQ(readDefinitionText(linesIn(text), parsed), PARSE_DONE);
   return parsed;
 }
 
-/// The diagnostics as they are printed.
+/// What `diagnostics` prints.
 inline std::string printed(const DiagnosticCollector& diagnostics) {
   char* text = nullptr;
   size_t size = 0;
@@ -37,8 +37,13 @@ inline std::string printed(const DiagnosticCollector& diagnostics) {
   return result;
 }
 
-/// A text that has been built.
+/// A text that has been built, with everything that the build said:
+///
+///   const BuiltText built("p rw { rangeValid { 1..2 } }");
+///   EXPECT_EQ(built.diagnostics, "");
+///   EXPECT_EQ(itemsText(built.parm("p").baseBounds()), "1..2");
 struct BuiltText {
+  /// Reads and builds `text` with the command-line constants `constants`.
   explicit BuiltText(std::string_view text, const TestRegistry::Constants& constants = {},
                      bool checkOnly = false)
       : parsed(parseText(text)), registry(constants) {
@@ -49,12 +54,13 @@ struct BuiltText {
     diagnostics = printed(collected);
   }
 
-  /// The definition of a name, which exists.
+  /// The definition of a parameter. A name that is none raises std::runtime_error.
   [[nodiscard]] const ParmDef& parm(std::string_view name) const {
     const ParmDef* const found = registry.findParm(name);
     if (found == nullptr) throw std::runtime_error("no parameter " + std::string(name));
     return *found;
   }
+  /// The definition of an index. A name that is none raises std::runtime_error.
   [[nodiscard]] const IndexDef& index(std::string_view name) const {
     const IndexDef* const found = registry.findIndex(name);
     if (found == nullptr) throw std::runtime_error("no index " + std::string(name));
@@ -63,12 +69,13 @@ struct BuiltText {
 
   DefinitionText parsed;
   TestRegistry registry;
-  int result = 0;
+  int result = 0;           ///< of buildDefinitions()
   std::string errors;       ///< what went to standard error
   std::string diagnostics;  ///< what was collected, as it is printed
 };
 
-/// A text, the constants it is built with, and all that is said about it.
+/// A text, the constants that it is built with, and what the build is to say: its result, the
+/// diagnostics and, of a build for good, standard error.
 struct ReportCase {
   std::string_view text;
   TestRegistry::Constants constants;
@@ -77,7 +84,9 @@ struct ReportCase {
   std::string_view errors = {};
 };
 
-/// Builds each text for good and for its diagnostics alone.
+/// Builds each text for good and expects what its case says. Then builds each for its diagnostics
+/// alone and expects the same of it, but for standard error and registered definitions: there are
+/// none.
 inline void expectReports(const std::vector<ReportCase>& cases) {
   for (const ReportCase& c : cases) {
     SCOPED_TRACE(c.text);
@@ -93,7 +102,7 @@ inline void expectReports(const std::vector<ReportCase>& cases) {
   }
 }
 
-/// Names and value texts of a situation.
+/// The value texts of a situation, by name.
 using Texts = std::map<std::string, std::string>;
 
 /// The situation of a definition in which its variables hold `texts`, which outlive it. Names that
@@ -106,8 +115,8 @@ inline Situation situationOf(const IndexDef& definition, const Texts& texts) {
   return situation;
 }
 
-/// Bounds as a range statement's items: spans, then texts. The correction of the texts stands
-/// first.
+/// Bounds as the items of a range statement: spans, then texts in quotes, of which the correction
+/// is the first: `1..2, 7, "off", "auto"`.
 inline std::string itemsText(const BoundsParm& bounds) {
   std::string text;
   const auto add = [&text](const std::string& item) { text += (text.empty() ? "" : ", ") + item; };
@@ -122,8 +131,8 @@ inline std::string itemsText(const BoundsParm& bounds) {
   return text;
 }
 
-/// What conditional bounds are in a situation: their items, "off" while they do not apply, a
-/// negative code while a run-time item has no value.
+/// What conditional bounds are in a situation: their items; "off" while they do not apply; the
+/// negative code of BoundsExpression::evaluate() while a run-time item has no value.
 inline std::string itemsText(const ConditionalBounds& bounds, const Situation& situation) {
   if (!bounds.condition.isTrue(situation)) return "off";
   if (bounds.computed == nullptr) return itemsText(dynamic_cast<BoundsParm&>(*bounds.bounds));
@@ -132,7 +141,8 @@ inline std::string itemsText(const ConditionalBounds& bounds, const Situation& s
   return code == 0 ? itemsText(present) : std::to_string(code);
 }
 
-/// The conditional bounds of a definition in a situation, in order; run-time ranges begin with "=".
+/// The conditional bounds of a definition in a situation, in their order, each as itemsText() gives
+/// it. Run-time ranges begin with "= ".
 inline std::vector<std::string> conditionalTexts(const IndexDef& definition, const Texts& texts) {
   const Situation situation = situationOf(definition, texts);
   std::vector<std::string> list;
@@ -142,7 +152,7 @@ inline std::vector<std::string> conditionalTexts(const IndexDef& definition, con
   return list;
 }
 
-/// The range that a range query finds in a situation.
+/// The items of the range that a range query finds in a situation, or its negative code.
 inline std::string rangeText(const ParmDef& parm, const Texts& texts) {
   BoundsParm range;
   const int code = parm.range(range, situationOf(parm, texts));

@@ -1,4 +1,10 @@
-// Test definitions: programs, situations and definitions for the tests, written as text.
+// Test definitions: programs, situations and definitions for the tests, written as text, without
+// the grammar of definitions and the builder:
+//
+//   const ParmDef gain = makeParm({.common = {.name = "gain", .base = {"0..9", "auto"}}});
+//   const TextSituation situation(gain.variables(), {});
+//
+// An expression that is wrong fails the test.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -19,7 +25,8 @@
 #include "sw/parm/parm_def.h"
 #include "sw/parm/present_index.h"
 
-/// The program of an expression as a definition text has it, without the parentheses around it.
+/// The program of an expression as a definition text has it, without the parentheses around it; its
+/// names get slots in `variables`.
 inline Program makeProgram(Variables& variables, std::string_view text) {
   const std::string line = "(" + std::string(text) + ")";
   Arena memory;
@@ -32,6 +39,7 @@ inline Program makeProgram(Variables& variables, std::string_view text) {
   return program;
 }
 
+/// The programs of `texts`, in their order; see makeProgram().
 inline std::vector<Program> makePrograms(Variables& variables,
                                          const std::vector<std::string>& texts) {
   std::vector<Program> programs;
@@ -40,7 +48,8 @@ inline std::vector<Program> makePrograms(Variables& variables,
   return programs;
 }
 
-/// A situation given by the names and value texts of its variables, which it keeps.
+/// A situation given by the names and value texts of its variables, which it keeps. A name that is
+/// used nowhere fails the test.
 class TextSituation : public Situation {
  public:
   using Texts = std::map<std::string, std::string>;
@@ -60,12 +69,13 @@ class TextSituation : public Situation {
   Texts texts_;
 };
 
-/// The indices of an instance in a situation that is given by names and value texts, which have to
-/// outlive it. Names that an index does not use are passed over.
+/// The indices of an instance of a parameter in a situation that is given by names and value texts.
+/// Both have to outlive it. Names that an index does not use are passed over.
 class TextIndices final : public PresentIndices {
  public:
   TextIndices(const ParmDef& parm, const TextSituation::Texts& texts)
       : parm_(parm), texts_(texts) {}
+  /// The index at `position` (from 0) of the parameter's list; valid until the next call.
   [[nodiscard]] PresentIndex& at(size_t position, const Situation& own) override {
     const IndexDef& index = *parm_.indices()[position];
     Situation situation(index.variables().size());
@@ -87,12 +97,17 @@ class TextIndices final : public PresentIndices {
   std::optional<PresentIndex> present_;
 };
 
-/// One range item: a number "7", a span "0..9" or a text "auto"; a text in quotes is none but that
-/// text, also where it could be a number. A limit in parentheses, "(lo)" or "(lo)..(hi + 1)", is
-/// computed at run time.
+/// One range item:
+///
+///   7                a number
+///   0..9             a span
+///   auto             a text
+///   "7"              the text 7, which is no number
+///   (lo)             computed at run time
+///   (lo)..(hi + 1)   a span of computed limits
 using ItemText = std::string;
 
-/// The text of an item in quotes; nothing for any other item.
+/// The text of an item in quotes, without these; nullopt for any other item.
 inline std::optional<std::string> quotedText(const ItemText& item) {
   if (!item.starts_with("\"")) return std::nullopt;
   return item.substr(1, item.size() - 2);
@@ -105,6 +120,7 @@ struct RangeText {
   std::vector<ItemText> items = {};
 };
 
+/// Whether one of `items` has a limit that is computed at run time.
 inline bool isComputed(const std::vector<ItemText>& items) {
   for (const ItemText& item : items) {
     if (item.find('(') != std::string::npos) return true;
@@ -112,13 +128,15 @@ inline bool isComputed(const std::vector<ItemText>& items) {
   return false;
 }
 
-/// The limits of an item; the upper one is empty where there is none.
+/// The lower and the upper limit of an item; a single value is the lower one, and the upper one is
+/// then empty.
 inline std::pair<std::string, std::string> limitsOf(const ItemText& item) {
   const size_t dots = item.find("..");
   if (dots == std::string::npos) return {item, {}};
   return {item.substr(0, dots), item.substr(dots + 2)};
 }
 
+/// The bounds of items that are not computed.
 inline BoundsParm makeBounds(const std::vector<ItemText>& items) {
   BoundsParm bounds;
   for (const ItemText& item : items) {
@@ -141,6 +159,7 @@ inline Program makeLimit(Variables& variables, const std::string& limit) {
   return number ? Program::constant(*number) : Program::constant(limit);
 }
 
+/// The bounds of `items` as the items of one run-time range, those included that are constant.
 inline std::unique_ptr<BoundsExpression> makeComputedBounds(Variables& variables,
                                                             const std::vector<ItemText>& items) {
   auto bounds = std::make_unique<BoundsExpression>();
@@ -157,6 +176,7 @@ inline std::unique_ptr<BoundsExpression> makeComputedBounds(Variables& variables
   return bounds;
 }
 
+/// The conditional bounds of `ranges`, in their order.
 inline std::vector<ConditionalBounds> makeConditionalBounds(Variables& variables,
                                                             const std::vector<RangeText>& ranges) {
   std::vector<ConditionalBounds> list;
@@ -172,15 +192,16 @@ inline std::vector<ConditionalBounds> makeConditionalBounds(Variables& variables
   return list;
 }
 
-/// An index definition as text.
+/// An index definition as text: conditions are expressions.
 struct IndexText {
   std::string name = "channel";
   std::vector<std::string> validIf = {};
   std::vector<ItemText> base = {};
   std::vector<RangeText> ranges = {};
-  std::map<std::string, std::string> translations = {};
+  std::map<std::string, std::string> translations = {};  ///< source to target
 };
 
+/// What an index and a parameter have in common, made of `text`.
 inline DefinitionParts makeParts(const IndexText& text) {
   DefinitionParts parts;
   parts.name = text.name;
@@ -191,13 +212,16 @@ inline DefinitionParts makeParts(const IndexText& text) {
   return parts;
 }
 
+/// The index definition of `text`.
 inline IndexDef makeIndex(const IndexText& text) { return IndexDef(makeParts(text)); }
 
+/// A conditional default: two expressions.
 struct DefaultText {
   std::string condition;
   std::string value;
 };
 
+/// A constraint rule: three expressions.
 struct RuleText {
   std::string condition;
   std::string test;
@@ -216,6 +240,7 @@ struct ParmText {
   std::vector<RangeText> documented = {};
 };
 
+/// The parameter definition of `text`, whose indices have to outlive it.
 inline ParmDef makeParm(const ParmText& text) {
   DefinitionParts parts = makeParts(text.common);
   Variables& variables = parts.variables;

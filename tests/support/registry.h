@@ -10,6 +10,7 @@
 
 #include "sw/parm/build/definition_registry.h"
 
+/// A registry without a database: see DefinitionRegistry for what each function promises.
 class TestRegistry final : public DefinitionRegistry {
  public:
   using Constants = std::map<std::string, std::string, std::less<>>;
@@ -40,14 +41,15 @@ class TestRegistry final : public DefinitionRegistry {
     return finishResult;
   }
 
+  /// The parameter definition of a name, or null.
   [[nodiscard]] const ParmDef* findParm(std::string_view name) const {
     const auto found = parms_.find(name);
     return found == parms_.end() ? nullptr : found->second.get();
   }
 
   std::vector<std::string> registered;  ///< every call that changes something, in order
-  int finishResult = 0;
-  std::string finishName;
+  int finishResult = 0;                 ///< what finish() returns
+  std::string finishName;               ///< the name that finish() gives
 
  private:
   Constants constants_;

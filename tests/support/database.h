@@ -15,14 +15,16 @@
 #include "deflang/text/diagnostics.h"
 #include "sw/parm/build/builder.h"
 
+/// Command-line constants: value texts by name.
 using Constants = std::map<std::string, std::string>;
 
-/// Reads `text`; a line that is not accepted fails the test.
+/// Reads `text` into `definitions`. A text that cannot be read fails the test.
 inline void readText(std::string_view text, DefinitionText& definitions) {
   ASSERT_EQ(readDefinitionText(linesIn(text), definitions), PARSE_DONE);
 }
 
-/// Fills `database` with the definitions of `text`. Whatever is wrong with the text fails the test.
+/// Fills `database`, which is empty, with the constants and the definitions of `text`. A text whose
+/// build fails also fails the test; warnings do not.
 inline void define(Database& database, std::string_view text, const Constants& constants = {}) {
   for (const auto& [name, value] : constants) {
     ASSERT_EQ(database.defineConstant(name, value), 0) << name;
@@ -38,7 +40,8 @@ inline void define(Database& database, std::string_view text, const Constants& c
                                : diagnostics.diagnostics().front().code);
 }
 
-/// Commits, and adds the names of what is to be reported to `names`.
+/// Commits `transaction`, and adds the names of what the commit reports to `names`. Returns the
+/// CommitResult.
 inline int commitNames(Transaction& transaction, std::vector<std::string>& names) {
   std::vector<Change> changes;
   const int result = commit(transaction, changes);

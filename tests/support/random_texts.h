@@ -1,4 +1,12 @@
-// Random definition texts, for tests.
+// Random definition texts, for tests: the same for the same seed.
+//
+// A text has two indices, i (0 and 1, with statements at random) and j (0 and "a"), and the
+// parameters a, b, c and d:
+//
+//   i index { rangeValid { 0..1 } ctrlValid ( b[0] > 2 ) }
+//   j index { rangeValid { 0, "a" } }
+//   a rw { index { i } default { (i + c) } ctrlRO ( d ) }
+//   ...
 #pragma once
 
 #include <algorithm>
@@ -14,11 +22,12 @@
 
 using Texts = std::vector<std::string>;
 
-/// Numbers on both sides of the ranges' ends, and texts.
+/// Values to set: numbers on both sides of the ranges' ends, and texts.
 inline const Texts VALUES = {"",   "0",  "1",          "2", "5", "9",
                              "10", "-1", "2147483647", "a", "b", "abc"};
 
-/// As define(), but what building says is returned: many random texts have a cycle of dependences.
+/// As define() without constants, but returns the result of buildDefinitions() instead of expecting
+/// 0: many random texts have a cycle of dependencies, and are refused.
 inline int defineOrRefuse(Database& database, std::string_view text) {
   DefinitionText definitions;
   readText(text, definitions);
@@ -26,14 +35,17 @@ inline int defineOrRefuse(Database& database, std::string_view text) {
   return buildDefinitions(diagnostics, definitions.records, definitions.lines, false, database);
 }
 
-/// Makes definition texts that a parser takes, of names that refer to one another at random.
+/// Makes definition texts without syntax errors, whose names refer to one another at random.
 class RandomTexts {
  public:
   explicit RandomTexts(uint32_t seed) : random_(seed) {}
 
+  /// A number from 0 to `end` - 1; `end` is at least 1.
   size_t below(size_t end) { return random_() % end; }
+  /// One of `texts`, of which there is at least one.
   std::string oneOf(const Texts& texts) { return texts[below(texts.size())]; }
 
+  /// The next text.
   std::string text() {
     for (Texts& indices : indices_) {
       indices = INDEX_LISTS[below(std::size(INDEX_LISTS))];
@@ -53,7 +65,7 @@ class RandomTexts {
     std::string text = " " + access + " { " + indexList();
     for (size_t count = below(4); count > 0; --count) {
       text += statement();
-      // The others say by themselves when they are read-only.
+      // "ro" and "rostrict" always are read-only, and "wo" may not have the statement.
       if (access == "rw" && below(4) == 0) text += "ctrlRO ( " + expression() + " ) ";
     }
     return text + "}\n";
@@ -67,8 +79,8 @@ class RandomTexts {
     return list.empty() ? "" : "index { " + list + " } ";
   }
 
-  // Without index values a name stands for the instance with those of the definition that it is in,
-  // which must have them.
+  // A name without index values is the instance with the index values of the definition that names
+  // it, so that definition must have all of the indices.
   std::string reference(char name) {
     const Texts& indices = indicesOf(name);
     std::string text(1, name);
@@ -143,6 +155,6 @@ class RandomTexts {
   inline static const Texts INDEX_LISTS[] = {{}, {}, {"i"}, {"j"}, {"i", "j"}};
 
   std::mt19937 random_;
-  Texts indices_[NAMES.size()];  // of each name
-  Texts own_;                    // of the definition that is made
+  Texts indices_[NAMES.size()];  // the index list of each name
+  Texts own_;                    // the index list of the definition that is being made
 };

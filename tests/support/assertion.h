@@ -1,11 +1,12 @@
-// For tests: what a failed assertion prints.
+// Assertions, for death tests: what a failed one prints.
 #pragma once
 
 #include <string>
 #include <string_view>
 
-/// The pattern of the message with which `expression` fails in the function of that signature in
-/// the source `source`.cpp. The texts themselves are taken literally.
+/// The regular expression of the message of a failed assert(`expression`) in the function
+/// `signature`, as the compiler spells it, of the source `source`.cpp. It accepts any line number;
+/// in the three texts every character means itself.
 inline std::string assertionPattern(std::string_view source, std::string_view signature,
                                     std::string_view expression) {
   const auto literal = [](std::string_view text) {

@@ -1,4 +1,5 @@
-// For tests: the listings of the catalogue in testdata/.
+// Listings, for tests: the tables of the catalogue in testdata/, one row a line, with tabs between
+// the cells.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -11,7 +12,7 @@
 #include <string>
 #include <vector>
 
-/// The cells of a line.
+/// The cells of a line: what is between its tabs. An empty cell behind the last tab is left out.
 inline std::vector<std::string> cellsOf(const std::string& line) {
   std::istringstream rest(line);
   std::vector<std::string> cells;
@@ -19,7 +20,8 @@ inline std::vector<std::string> cellsOf(const std::string& line) {
   return cells;
 }
 
-/// The names of the figures: the titles of the columns behind the row's number and name.
+/// The names of the 14 figures: the titles of the columns behind the row's number and name. Another
+/// number of columns fails the test.
 inline std::vector<std::string> figureNames() {
   std::ifstream file(std::string(TESTDATA_DIR) + "/figures_of_standards.tsv");
   std::string titles;
@@ -30,7 +32,8 @@ inline std::vector<std::string> figureNames() {
   return names;
 }
 
-/// The lines of a listing without its column titles. An unreadable or empty one fails the test.
+/// The lines of the listing in the file `name`, without its column titles. A listing that cannot be
+/// read, or is empty, fails the test.
 inline std::vector<std::string> readListing(const std::string& name) {
   std::ifstream file(std::string(TESTDATA_DIR) + "/" + name);
   std::vector<std::string> lines;

@@ -1,11 +1,12 @@
-// For the tests of what is printed: everything that a function writes to a stream.
+// Printed texts, for tests: everything that a function writes to a stream.
 #pragma once
 
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
-/// What `print` writes to the stream that it is given.
+/// What `print`, a function of a FILE*, writes to the stream that it is given. The stream is in
+/// memory and closed afterwards.
 template <typename Print>
 std::string printed(Print print) {
   char* data = nullptr;

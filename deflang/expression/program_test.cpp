@@ -24,7 +24,7 @@ Situation situationOf(const Variables& variables, const Bindings& bindings) {
   return situation;
 }
 
-// A number as it is printed, a text between quotes, nothing for the invalid value.
+// A number as it is printed, a text between quotes, nullopt for the invalid value.
 std::optional<std::string> shown(const Value& value) {
   if (!value.valid()) return std::nullopt;
   return value.isNumber() ? value.asText() : "\"" + value.asText() + "\"";

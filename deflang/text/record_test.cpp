@@ -14,7 +14,7 @@ TEST(ParameterRecords, AddsANameOnce) {
   EXPECT_EQ(gain.line, 3U);
   EXPECT_EQ(gain.access, ACCESS_NONE);
   EXPECT_EQ(&records.findOrAdd("gain", 9), &gain);
-  EXPECT_EQ(gain.line, 3U);  // where the name first stood
+  EXPECT_EQ(gain.line, 3U);  // where the name was first
   EXPECT_EQ(records.find("gain"), &gain);
   EXPECT_EQ(std::as_const(records).find("gain"), &gain);
   EXPECT_EQ(std::as_const(records).find("gai"), nullptr);

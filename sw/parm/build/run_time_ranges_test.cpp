@@ -24,7 +24,7 @@ struct Limit {
     if (variable.empty()) return constant;
     return added == 0 ? "(" + variable + ")" : "(" + variable + " + " + std::to_string(added) + ")";
   }
-  // The limit with the present value written in; nothing where there is none.
+  // The limit with the present value written in; nullopt where the variable has no value.
   [[nodiscard]] std::optional<std::string> present(const Texts& texts) const {
     if (variable.empty()) return constant;
     const auto value = texts.find(variable);
@@ -68,7 +68,7 @@ struct Statement {
     for (const Item& item : items) list.push_back(item.text());
     return list;
   }
-  // The items with the present values written in; nothing where one of them has none.
+  // The items with the present values written in; nullopt where an item has no value.
   [[nodiscard]] std::optional<std::vector<ItemText>> present(const Texts& texts) const {
     std::vector<ItemText> list;
     for (const Item& item : items) {
@@ -198,7 +198,8 @@ ParmText writtenIn(const Scene& scene) {
   return text;
 }
 
-// The same for unconditional statements that all have their values: there are base bounds alone.
+// As writtenIn(), for a scene of unconditional statements whose items all have values: the
+// definition has base bounds alone.
 ParmText asBaseBounds(const Scene& scene) {
   ParmText text;
   text.common.translations = scene.translations;

@@ -18,13 +18,13 @@ bool readQuoted(TextCursor& cursor, char closing, std::string_view& text);
 /// Reads from the opening parenthesis to its partner; white space may come before it. Whether the
 /// operators and operands make an expression is not looked at: Program::compile() does that.
 ///
-///   (mode == -3)          three tokens: mode, ==, -3
-///   (x - 3)               three tokens: x, -, 3
-///   (gain[ 2 ] * (a + 1)) the tokens gain[2], *, (, a, +, 1 and ); the outer pair is left out
+///   (mode == -3)           the tokens mode, == and -3
+///   (x - 3)                the tokens x, - and 3
+///   (gain[ 2 ] * (a + 1))  the tokens gain[2], *, (, a, +, 1 and ); the outer pair is left out
 ///
 /// A minus sign is part of the number behind it at the start and after an operator.
 /// Returns true with `expression` in the cursor's memory. Returns false where the text ends before,
-/// with the cursor's result PARSE_DONE; and with PARSE_SYNTAX_ERROR where no parenthesis opens, or
-/// something is neither operator nor operand. Neither length nor depth has a limit; the time is
-/// linear in the length.
+/// with the cursor's result PARSE_DONE; and with PARSE_SYNTAX_ERROR where no parenthesis opens,
+/// something is neither operator nor operand, or a quoted text or an index value has more than
+/// MAX_VALUE_BYTES. The expression has no limit of length or depth; the time is linear.
 bool readExpression(TextCursor& cursor, Expression& expression);

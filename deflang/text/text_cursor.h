@@ -5,7 +5,8 @@
 //   if (!cursor.expect("{")) return false;
 //   do {
 //     if (!cursor.skipWhiteSpace()) return false;
-//     const std::string_view name = cursor.word(StopSet(",}"));  // keep it before going on
+//     const std::string_view name = cursor.word(STOPS);  // constexpr StopSet STOPS(",}")
+//     names.push_back(cursor.memory().keepText(name));   // the line goes with the next one
 //     cursor.advance(name.size());
 //     if (!cursor.skipWhiteSpace()) return false;
 //   } while (cursor.take(","));
@@ -30,6 +31,7 @@ constexpr bool isWhiteSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'
 /// byte, made when the program is compiled.
 class StopSet {
  public:
+  /// A word ends at each of `characters`, and at white space.
   constexpr explicit StopSet(std::string_view characters) {
     for (const char c : characters) stops_[static_cast<unsigned char>(c)] = true;
     for (unsigned char c = 0; c < 0x80; ++c) {
@@ -85,7 +87,7 @@ class TextCursor {
     return line_.substr(column_, end - column_);
   }
 
-  /// Goes on by `count` bytes, at most to the end of the line.
+  /// Goes on by `count` bytes, which is at most the size of rest().
   void advance(size_t count) { column_ += count; }
   /// Goes past `sign`. Returns false when it does not come next; the cursor then stays, and that
   /// is no error.

@@ -7,6 +7,6 @@
 /// readDefinitionText() fills it, makeDefinitions() builds definitions from it. These keep no view
 /// of it, so it goes when they are built.
 struct DefinitionText {
-  ParameterRecords records;
-  LineTexts lines;  ///< the lines with words, for the carets of diagnostics
+  ParameterRecords records;  ///< one for each name
+  LineTexts lines;           ///< the lines with words, for the carets of diagnostics
 };

@@ -9,7 +9,8 @@
 #include "base/arena.h"
 
 /// Lines by number, from 1 as the text counts them; any number is accepted. Lines that are never
-/// added take no memory.
+/// added take no memory. readDefinitionText() adds them; a DiagnosticCollector asks for those that
+/// its reports name.
 class LineTexts {
  public:
   /// Keeps a copy of `text` as line `number`, with its newline if it has one. A later text of that

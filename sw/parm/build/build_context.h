@@ -9,8 +9,8 @@
 #include "deflang/text/record.h"
 #include "sw/parm/build/definition_registry.h"
 
-/// One for each run of buildDefinitions(). It owns none of what it is given; all of that has to
-/// outlive it.
+/// One for each run of buildDefinitions(). The steps reach it through DefinitionDraft::context().
+/// It owns none of what it is given; all of that has to outlive it.
 class BuildContext {
  public:
   /// `checkOnly` tells that the definitions are made for their diagnostics alone; `registry` is
@@ -38,8 +38,9 @@ class BuildContext {
   /// index values or without, is no constant. Neither is a video standard name or sw::this.
   [[nodiscard]] const std::string* findConstant(std::string_view name) const;
 
-  /// Raises a diagnostic at a place in the text (NO_POSITION as line and column for none). An error
-  /// is also noted as the result -1.
+  /// Raises a diagnostic at a place in the text (NO_POSITION as line and column for none); `text`
+  /// is printed behind the message of `code`. An error is also noted as the result -1. A step that
+  /// has a draft calls DefinitionDraft::warn() or error() instead.
   void report(Severity severity, uint32_t code, Position at, std::string text);
   /// Notes the result of a step: 0, or why it failed. Later steps are done all the same, so that
   /// one run reports everything that is wrong; only the first failure is kept.

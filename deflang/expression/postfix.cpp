@@ -34,7 +34,7 @@ class Conversion {
     }
   }
 
-  // Takes the end of the expression. Returns false when something is missing there.
+  // Takes the end of the expression. Returns false when the expression fails there.
   bool finish() { return unwind(LOOSEST_LEVEL) && waiting_.empty() && operands_ == 1; }
 
  private:

@@ -5,8 +5,8 @@
 //   if (!cursor.expect("{")) return false;
 //   do {
 //     if (!cursor.skipWhiteSpace()) return false;
-//     const std::string_view name = cursor.word(STOPS);  // constexpr StopSet STOPS(",}")
-//     names.push_back(cursor.memory().keepText(name));   // the line goes with the next one
+//     const std::string_view name = cursor.word(STOPS);   // constexpr StopSet STOPS(",}")
+//     names.push_back(cursor.memory().keepText(name));    // a view is valid for this line only
 //     cursor.advance(name.size());
 //     if (!cursor.skipWhiteSpace()) return false;
 //   } while (cursor.take(","));

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <memory_resource>
+#include <new>
 #include <span>
 #include <string_view>
 #include <type_traits>
@@ -11,8 +12,8 @@
 /// of an allocation of its own, and all of it goes in one step once the definitions are built.
 ///
 /// What is kept stays where it is for as long as the arena lives, also where the arena is moved.
-/// Nothing in it is ever destroyed, so only trivially copyable types are taken. Where memory runs
-/// out, std::bad_alloc is raised and what was kept before is as it was.
+/// Nothing in it is ever destroyed. Where memory
+/// runs out, std::bad_alloc is raised and what was kept before is as it was.
 class Arena {
  public:
   /// Keeps a copy of `text`, without a NUL behind it. An empty text takes no memory.
@@ -29,6 +30,12 @@ class Arena {
     T* const kept = static_cast<T*>(memory_->allocate(elements.size_bytes(), alignof(T)));
     std::uninitialized_copy(elements.begin(), elements.end(), kept);
     return {kept, elements.size()};
+  }
+  /// Keeps a copy of `element`, which may be changed. Its destructor, never called, has nothing to
+  /// give back.
+  template <typename T>
+  T& keep(const T& element) {
+    return *new (memory_->allocate(sizeof(T), alignof(T))) T(element);
   }
 
  private:

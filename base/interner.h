@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/boxed.h"
 #include "base/hash_index.h"
 #include "base/text_map.h"
 
@@ -29,8 +30,8 @@ class Interner {
   /// The number of `name`, or nullopt.
   [[nodiscard]] std::optional<uint32_t> find(std::string_view name) const {
     if (size() <= FEW) return walk(name);
-    return numbers_.find(TextHash{}(name),
-                         [&](uint32_t number) { return (*this)[number] == name; });
+    return numbers_->find(TextHash{}(name),
+                          [&](uint32_t number) { return (*this)[number] == name; });
   }
   /// The number of `name`, which is added where it is new. At most 2^32 - 1 names.
   uint32_t intern(std::string_view name) {
@@ -58,7 +59,7 @@ class Interner {
   }
   uint32_t add(std::string_view name) {
     const auto number = static_cast<uint32_t>(size());
-    if (number >= FEW) numbers_.makeRoom(number == FEW ? FEW + 1 : 1);
+    if (number >= FEW) numbers_.change().makeRoom(number == FEW ? FEW + 1 : 1);
     text_.resize(ends_.empty() ? 0 : ends_.back());  // a call that failed may have left some
     text_.append(name);
     ends_.push_back(text_.size());
@@ -69,9 +70,9 @@ class Interner {
     if (number >= FEW) index(number);
     return number;
   }
-  void index(uint32_t number) { numbers_.add(TextHash{}((*this)[number]), number); }
+  void index(uint32_t number) { numbers_.change().add(TextHash{}((*this)[number]), number); }
 
   std::string text_;
   std::vector<size_t> ends_;  // of each name in text_
-  HashIndex numbers_;
+  Boxed<HashIndex> numbers_;
 };

@@ -31,7 +31,7 @@ template <auto READ, auto LIST, typename Statement>
 bool readInto(TextCursor& cursor, Position /*keyword*/, ParameterRecord& record) {
   Statement statement;
   if (!READ(cursor, statement)) return false;
-  (record.*LIST).push_back(statement);
+  (record.*LIST).push_back(cursor.arena().keep(Listed<Statement>(statement)));
   return true;
 }
 
@@ -41,7 +41,7 @@ bool readCtrlRO(TextCursor& cursor, Position keyword, ParameterRecord& record) {
   Expression condition;
   if (!readExpression(cursor, condition)) return false;
   if (record.access == ACCESS_WO) return cursor.failAt(keyword, PARSE_INVALID_ACCESS);
-  record.ctrlRO.push_back(condition);
+  record.ctrlRO.push_back(cursor.arena().keep(Listed<Expression>(condition)));
   return true;
 }
 

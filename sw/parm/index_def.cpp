@@ -43,11 +43,11 @@ uint32_t longestOf(const std::set<std::string>& texts) {
 }  // namespace
 
 IndexDef::IndexDef(DefinitionParts parts)
-    : name_(std::move(parts.name)),
-      variables_(std::move(parts.variables)),
+    : variables_(std::move(parts.variables)),
       validityConditions_(std::move(parts.validityConditions)),
       baseBounds_(std::move(parts.baseBounds)),
-      conditionalBounds_(std::move(parts.conditionalBounds)) {
+      conditionalBounds_(std::move(parts.conditionalBounds)),
+      name_(std::move(parts.name)) {
   noteKinds(conditionalBounds_);
   judgingWork_ = fittingWork(workOf(validityConditions_) + workOf(conditionalBounds()));
   longestText_ = longestOf(baseBounds_.strings().texts());

@@ -100,7 +100,6 @@ class IndexDef {
   [[nodiscard]] Variables& ownVariables() { return variables_; }
 
  private:
-  std::string name_;
   Variables variables_;
   std::vector<Program> validityConditions_;
   BoundsParm baseBounds_;
@@ -108,6 +107,7 @@ class IndexDef {
   Boxed<std::map<std::string, std::string>> translations_;
   uint32_t judgingWork_;
   uint32_t longestText_;  // of the base bounds, in bytes
+  std::string name_;      // last: ParmDef's constructor asserts that its value is beside it
 };
 
 /// The full bounds check of one definition, by the rules of an index: translates `value`, corrects

@@ -1,11 +1,25 @@
 #include "sw/parm/parm_def.h"
 
 #include <algorithm>
+#include <cassert>
+#include <cstddef>
 #include <optional>
 #include <utility>
 
 #include "base/value_limit.h"
 #include "sw/parm/parm_name.h"
+
+namespace {
+
+// Whether a name and a value are in two lines of the cache at most.
+[[maybe_unused]] bool areNeighbours(const std::string& name, const CommittedValue& value) {
+  constexpr std::ptrdiff_t CACHE_LINE = 64;
+  const auto* const begin = reinterpret_cast<const char*>(&name);
+  const auto* const end = reinterpret_cast<const char*>(&value + 1);
+  return begin < end && end - begin <= 2 * CACHE_LINE;
+}
+
+}  // namespace
 
 ParmDef::ParmDef(DefinitionParts parts, ParmParts parmParts)
     : IndexDef(std::move(parts)),
@@ -15,6 +29,7 @@ ParmDef::ParmDef(DefinitionParts parts, ParmParts parmParts)
       readOnlyConditions_(std::move(parmParts.readOnlyConditions)),
       constraintRules_(std::move(parmParts.constraintRules)),
       documentedRanges_(std::move(parmParts.documentedRanges)) {
+  assert(areNeighbours(name(), single_));
   noteKinds(documentedRanges_);
   if (!parmParts.indices.empty()) takeIndices(std::move(parmParts.indices));
   hasRunTimeRanges_ =

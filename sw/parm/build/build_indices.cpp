@@ -28,7 +28,7 @@ void reportMissing(const IndexName& index, BuildContext& context) {
 }  // namespace
 
 void buildIndices(DefinitionDraft& draft) {
-  const std::vector<IndexStatement>& statements = draft.record().indices;
+  const StatementList<IndexStatement>& statements = draft.record().indices;
   if (statements.empty()) return;
   for (const IndexName& index : statements.front()) {
     const IndexDef* const definition = resolve(index, draft);
@@ -45,6 +45,6 @@ void buildIndices(DefinitionDraft& draft) {
 }
 
 void warnAboutIndices(DefinitionDraft& draft) {
-  const std::vector<IndexStatement>& statements = draft.record().indices;
+  const StatementList<IndexStatement>& statements = draft.record().indices;
   if (!statements.empty()) draft.warn(DIAG_INDEX_WITH_INDICES, statements.front().front().at);
 }

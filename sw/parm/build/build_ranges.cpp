@@ -26,7 +26,7 @@ bool canApply(const RangeStatement& statement, const Condition& condition, Defin
   return condition.kind == CONDITION_ALWAYS || condition.kind == CONDITION_RUN_TIME;
 }
 
-std::vector<Range> classifyStatements(const std::vector<RangeStatement>& statements,
+std::vector<Range> classifyStatements(const StatementList<RangeStatement>& statements,
                                       DefinitionDraft& draft) {
   std::vector<Range> ranges;
   for (const RangeStatement& statement : statements) {

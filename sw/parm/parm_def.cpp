@@ -26,11 +26,15 @@ ParmDef::ParmDef(DefinitionParts parts, ParmParts parmParts)
       mode_(parmParts.mode),
       fallbackDefault_(std::move(parmParts.fallbackDefault)),
       defaults_(std::move(parmParts.defaults)),
-      readOnlyConditions_(std::move(parmParts.readOnlyConditions)),
-      constraintRules_(std::move(parmParts.constraintRules)),
-      documentedRanges_(std::move(parmParts.documentedRanges)) {
+      readOnlyConditions_(std::move(parmParts.readOnlyConditions)) {
   assert(areNeighbours(name(), single_));
-  noteKinds(documentedRanges_);
+  if (!parmParts.constraintRules.empty()) {
+    constraintRules_.change() = std::move(parmParts.constraintRules);
+  }
+  if (!parmParts.documentedRanges.empty()) {
+    documentedRanges_.change() = std::move(parmParts.documentedRanges);
+    noteKinds(documentedRanges_.change());
+  }
   if (!parmParts.indices.empty()) takeIndices(std::move(parmParts.indices));
   hasRunTimeRanges_ =
       std::any_of(conditionalBounds().begin(), conditionalBounds().end(),
@@ -96,7 +100,7 @@ int ParmDef::defaultValue(std::string& value, const SituationView& situation) co
 }
 
 int ParmDef::range(BoundsParm& out, const SituationView& situation) const {
-  for (const auto& list : {std::span(documentedRanges_), conditionalBounds()}) {
+  for (const auto& list : {std::span(documentedRanges_.get()), conditionalBounds()}) {
     Work::add(workOf(list));
     for (const ConditionalBounds& candidate : list) {
       if (!candidate.condition.isTrue(situation)) continue;

@@ -79,7 +79,7 @@ class ParmDef final : public IndexDef {
   [[nodiscard]] AccessMode mode() const { return mode_; }
   [[nodiscard]] const std::vector<const IndexDef*>& indices() const { return indexing_->indices; }
   [[nodiscard]] const std::vector<ConstraintRule>& constraintRules() const {
-    return constraintRules_;
+    return constraintRules_.get();
   }
   /// How many names the expressions of the parameter itself use: those of the first slots. sw::this
   /// is among them where it is used. The names that its indices use stay with the indices.
@@ -134,6 +134,6 @@ class ParmDef final : public IndexDef {
   std::string fallbackDefault_;
   std::vector<ConditionalDefault> defaults_;
   std::vector<Program> readOnlyConditions_;
-  std::vector<ConstraintRule> constraintRules_;
-  std::vector<ConditionalBounds> documentedRanges_;
+  Boxed<std::vector<ConstraintRule>> constraintRules_;
+  Boxed<std::vector<ConditionalBounds>> documentedRanges_;
 };

@@ -56,6 +56,23 @@ class CommitTest : public testing::Test {
   LogRedirection redirection_;
 };
 
+TEST_F(CommitTest, OfTheExampleInTheHeader) {
+  text(
+      "mode rw { rangeValid { \"slow\", \"fast\" } }\n"
+      "rate rw { rangeValid (mode == \"slow\") { 1..10 } rangeValid (mode == \"fast\") { 1..100 } "
+      "}\n");
+  Transaction transaction(database_);
+  EXPECT_EQ(transaction.set("mode", "slow", false), STAGE_DONE);
+  EXPECT_EQ(transaction.set("rate", "50", false), STAGE_DONE);
+  EXPECT_EQ(*transaction.find("rate"), "50");
+  EXPECT_EQ(value("rate"), "");
+  std::vector<Change> changes;
+  EXPECT_EQ(commit(transaction, changes), COMMIT_DONE);
+  ASSERT_EQ(changes.size(), 2U);
+  EXPECT_EQ(changes[0].name + "=" + changes[0].held->value.text(), "mode=slow");
+  EXPECT_EQ(changes[1].name + "=" + changes[1].held->value.text(), "rate=10");
+}
+
 TEST_F(CommitTest, OfNothingReportsNothing) {
   text("a rw { }\n");
   EXPECT_EQ(commitOf({}), COMMIT_DONE);

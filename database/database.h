@@ -72,13 +72,17 @@ struct IndexEntry {
   bool isShared = true;
 };
 
+/// Holds a device for the life of the process. It is filled once, in this order: constants, the
+/// indices and parameters that the builder registers, finish(). From then on no name and no
+/// dependence changes; only values do, through commit().
 class Database final : public DefinitionRegistry {
  public:
   Database() = default;
   Database(const Database&) = delete;
   Database& operator=(const Database&) = delete;
 
-  /// Returns 0, or 1 for a constant that is already defined and keeps its value.
+  /// Defines a constant of the command line (-D name=value). Returns 0, or 1 for a name that is
+  /// defined already and keeps its value.
   int defineConstant(const std::string& name, const std::string& value);
 
   [[nodiscard]] const std::string* findConstant(std::string_view name) const override;
@@ -87,20 +91,22 @@ class Database final : public DefinitionRegistry {
   int registerParm(std::unique_ptr<ParmDef> parm) override;
   int finish(std::string& name) override;
 
-  /// The parameter of a base name, or null.
+  /// The parameter of a base name, or null. Parameters stay where they are.
   [[nodiscard]] ParmEntry* findParm(std::string_view base);
   /// The parameter that a full name, as clients give them, begins with, or null. A name with a
   /// part that is too long names none.
   [[nodiscard]] ParmEntry* findNamed(std::string_view name);
   /// Looks up at most NAMES_TOGETHER base names; `found`, as long as `bases`, gets what findParm()
   /// gives for each. Memory is asked for all of them before the first answer is waited for: among
-  /// 100,000 parameters a name takes FIGURE of the time of findParm().
+  /// 100,000 parameters a name takes FIGURE of the time of findParm() (bench/names.cpp).
   void findAll(std::span<const std::string_view> bases, std::span<ParmEntry*> found);
   static constexpr size_t NAMES_TOGETHER = 16;  ///< enough that memory has answered for the first
+  /// The index of a name, or null.
   [[nodiscard]] IndexEntry* findIndexEntry(std::string_view name);
   /// The parameters in name order.
   [[nodiscard]] std::vector<ParmEntry*> parmsInNameOrder();
-  /// Begins a walk over dependents: no parameter and no index has this number yet.
+  /// Begins a walk over dependents, and gives its number: no parameter and no index has it yet as
+  /// the last walk that came there. So a walk marks what it has reached without a table of its own.
   [[nodiscard]] uint32_t newWalk();
 
  private:

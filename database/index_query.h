@@ -10,7 +10,9 @@
 #include "database/staged_values.h"
 #include "sw/parm/bounds.h"
 
-/// The names of those indices of `parm` whose validity conditions hold, in index order.
+/// The names of those indices of `parm` that are available just now, in index order; empty for a
+/// parameter without indices, and where none of its indices is available. Raises WorkExceeded where
+/// the conditions pass the budget of the request.
 std::vector<std::string> validIndices(Database& database, const StagedValues& staged,
                                       const ParmDef& parm);
 
@@ -22,7 +24,10 @@ enum IndexRangeResult : int {
   INDEX_RANGE_TOO_LARGE = 3,  ///< what it takes has more than MAX_QUERY_BYTES
 };
 
-/// The values that an index takes just now: of the numbers and texts of its base bounds those that
-/// its full check accepts. Returns an IndexRangeResult.
+/// The values that the index `name` takes just now: of the numbers and texts of its base bounds
+/// those that its full check accepts. `texts` gets the texts, ascending in byte order; `spans` the
+/// numbers, ascending, each span as long as it can be. An index whose base bounds have a million
+/// numbers costs no more than one with two, unless its conditions break them up. Both are of use
+/// only with INDEX_RANGE_FOUND. Returns an IndexRangeResult; raises WorkExceeded.
 int indexRange(Database& database, const StagedValues& staged, const std::string& name,
                std::vector<std::string>& texts, Spans& spans);

@@ -1,4 +1,5 @@
-// The walk over the levels of a plan, which commit and a range query share.
+// Level walk: how the steps of a plan are gone through. A commit and a range query share it, so
+// that a range is the one that the commit would find.
 #pragma once
 
 #include <span>
@@ -6,12 +7,14 @@
 #include "database/plan.h"
 #include "sw/parm/set_value.h"
 
-/// What a step comes to where a constraint rule still fails: its level is walked once more.
+/// What a step answers where a constraint rule still fails after its corrections: its whole level
+/// is walked once more, because what the rule reads may be corrected later in the same level.
 constexpr int WALK_AGAIN = SET_RULE_FAILS;
 
-/// Walks a level once by `evaluate`, which is given each entry and returns 0, WALK_AGAIN or the
-/// code of a refusal. A refusal ends the walk; `passOver` is given each entry behind it. Returns
-/// the refusal, or else WALK_AGAIN where a step came to that.
+/// Walks the steps of one level once. `evaluate(entry)` returns 0, WALK_AGAIN, or the code of a
+/// refusal, which is any other number. A refusal ends the walk of this level: the entries behind it
+/// are given to `passOver(entry)` instead, in the same order.
+/// Returns the refusal; otherwise WALK_AGAIN where any step answered so; otherwise 0.
 template <typename Evaluate, typename PassOver>
 int walkLevel(std::span<const PlanStep> level, Evaluate& evaluate, PassOver& passOver) {
   int result = 0;
@@ -27,12 +30,16 @@ int walkLevel(std::span<const PlanStep> level, Evaluate& evaluate, PassOver& pas
   return result;
 }
 
-/// Walks the levels of a plan, the lowest first, each until no rule fails any more; a refusal does
-/// not keep the levels behind its own from being walked. Returns the first refusal, or 0.
+/// Walks the levels of a plan, the lowest first, each until no step answers WALK_AGAIN. A level
+/// whose rules never agree would never end by itself; the evaluation counts its work, and raises
+/// WorkExceeded where the request has used up its budget (base/work.h).
+/// A refusal ends its own level only, the higher levels are walked all the same.
+/// Returns the first refusal, or 0.
 template <typename Evaluate, typename PassOver>
 int walkLevels(std::span<const PlanStep> plan, Evaluate evaluate, PassOver passOver) {
   int result = 0;
   while (!plan.empty()) {
+    // What a level corrects, the levels above it read; so each is settled before the next one.
     const std::span<const PlanStep> level = firstLevel(plan, plan);
     int code = WALK_AGAIN;
     while (code == WALK_AGAIN) code = walkLevel(level, evaluate, passOver);

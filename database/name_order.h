@@ -1,4 +1,5 @@
-// Name order: sorting by names, most of which begin alike.
+// Name order: sorting by names, most of which begin alike. The order is that of the bytes, as in
+// std::string: "p[10]" comes before "p[2]".
 #pragma once
 
 #include <algorithm>
@@ -9,8 +10,9 @@
 #include <utility>
 #include <vector>
 
-/// The next eight bytes of `name` behind `start`, as a number that is ordered as they are; zeros
-/// behind its end.
+/// The eight bytes of `name` from the byte `start` on, as a number: the first is its highest byte,
+/// so two such numbers are in the order of the bytes. Behind the end of the name there are zeros,
+/// so equal numbers do not mean equal names.
 inline uint64_t bytesAt(std::string_view name, size_t start) {
   uint64_t bytes = 0;
   for (size_t i = 0; i < sizeof bytes; ++i) {
@@ -27,9 +29,13 @@ inline size_t commonStart(std::string_view name, std::string_view other) {
   return static_cast<size_t>(std::mismatch(name.begin(), end, other.begin()).first - name.begin());
 }
 
-/// Sorts `elements` by their member `name`, ascending in byte order. The names of the instances of
-/// one parameter differ late and in few bytes, so that comparing these as one number decides nearly
-/// everything. Raises no exception: where memory is exhausted, the names are compared as they are.
+/// Sorts `elements` by their member `name`, a std::string, ascending; equal names come in any
+/// order. Used for the changes of a commit, most of which are instances of one parameter: their
+/// names differ late and in few bytes, so one comparison of eight bytes decides nearly everything.
+/// What is in order already costs one look at each element.
+///
+/// Needs room for the elements a second time. Raises no exception, because it also runs while
+/// another one travels: where memory is exhausted, the elements are sorted in place, name by name.
 template <typename T>
 void sortByName(std::vector<T>& elements) noexcept {
   const auto comesBefore = [](const T& a, const T& b) { return a.name < b.name; };

@@ -12,7 +12,7 @@
 #include "sw/parm/index_tuple.h"
 #include "sw/parm/value_text.h"
 
-/// The staged value of one instance.
+/// The staged value of one instance, and how it is to be written.
 struct StagedEntry {
   ParmEntry* parm = nullptr;
   IndexTuple indices;
@@ -23,12 +23,15 @@ struct StagedEntry {
   bool generated = false;          ///< made by a commit or a range query, not by a client
 };
 
-/// The full name of a staged entry.
+/// The full name of a staged entry, as it is announced: "gain[1]".
 std::string fullName(const StagedEntry& entry);
 
 /// What the instance of a staged entry holds, the empty text where it was never stored.
 const std::string& committedText(const StagedEntry& entry);
 
+/// What a transaction has staged, one entry for each instance. A commit adds the instances that
+/// depend on them. A range query works on a scratch copy of its own, which only holds what differs:
+/// everything else shows through from the transaction below.
 class StagedValues {
  public:
   /// `below` is what shows through where nothing is staged here; it is never changed.
@@ -43,18 +46,23 @@ class StagedValues {
   /// The same for the commit's own use, where nothing is below: a new entry is a generated one.
   /// `number` is the instance's place in forEachInstance().
   StagedEntry& stageNumbered(ParmEntry& parm, const IndexTuple& indices, size_t number);
-  /// Makes room for `more` entries.
+  /// Makes room for `more` entries, so that finding them later is not slowed down by growing.
   void makeRoom(size_t more) { places_.makeRoom(more); }
-  /// The entries here, ascending by full name. Counts the work.
+  /// The entries here, ascending by full name in byte order. Counts the work, and raises
+  /// WorkExceeded. The pointers hold until clear().
   [[nodiscard]] std::vector<StagedEntry*> inNameOrder();
   /// Whether an entry here is to be replaced by its default.
   [[nodiscard]] bool hasResets() const;
   [[nodiscard]] bool empty() const { return entries_.empty(); }
-  /// The memory that the entries take, with what the allocator needs for itself.
+  /// The memory that the entries take, in bytes, with what the allocator needs for itself. It is
+  /// what a client's share is measured by.
   [[nodiscard]] size_t bytes() const;
+  /// Drops all entries here.
   void clear();
 
-  /// What an instance holds as seen from here: its staged value, else its committed one.
+  /// What an instance holds as seen from here: its staged value, else the one below, else the
+  /// committed one, else the empty text. The view and the reference hold until the instance is
+  /// staged or stored anew.
   [[nodiscard]] Operand value(const ParmEntry& parm, const IndexTuple& indices) const;
   [[nodiscard]] const std::string& text(const ParmEntry& parm, const IndexTuple& indices) const;
 

@@ -1,4 +1,19 @@
 // Transactions: a client's own view of the parameters, with the values it has staged.
+//
+// With these definitions,
+//
+//   mode rw { rangeValid { "slow", "fast" } }
+//   rate rw { rangeValid (mode == "slow") { 1..10 } rangeValid (mode == "fast") { 1..100 } }
+//
+// a value is staged, seen by its transaction alone, and committed (commit.h) so:
+//
+//   Transaction transaction(database);
+//   transaction.set("mode", "slow", false);  // STAGE_DONE
+//   transaction.set("rate", "50", false);    // STAGE_DONE: in some mode it is valid
+//   *transaction.find("rate");               // "50"
+//   std::vector<Change> changes;
+//   commit(transaction, changes);            // COMMIT_DONE, and rate has followed the mode:
+//                                            // changes are mode with "slow", rate with "10"
 #pragma once
 
 #include <cstdint>
@@ -14,8 +29,8 @@
 /// Results of set and reset.
 enum StageResult : int {
   STAGE_DONE = 0,
-  STAGE_INVALID_NAME = 1,
-  STAGE_INVALID_VALUE = 2,
+  STAGE_INVALID_NAME = 1,   ///< no such parameter, or a part of the name is too long
+  STAGE_INVALID_VALUE = 2,  ///< the base bounds refuse the value, or it is too long
 };
 
 /// What it costs to stage `value` for the instance `name`, in units of work.
@@ -23,8 +38,11 @@ constexpr uint64_t stagingWork(std::string_view name, std::string_view value) {
   return WORK_PER_REQUEST + WORK_PER_VALUE_BYTE * (name.size() + value.size());
 }
 
+/// Each call counts its work, and raises WorkExceeded where the request passes its budget
+/// (base/work.h). Where memory is exhausted (std::bad_alloc), what was staged before stays.
 class Transaction {
  public:
+  /// An empty transaction of `database`, which has to live as long.
   explicit Transaction(Database& database) : database_(database) {}
 
   /// Stages `value` for the instance `name`. `force` has commit write it also where it is
@@ -48,7 +66,7 @@ class Transaction {
   /// parameter.
   [[nodiscard]] bool validate(std::string_view name, const std::string& value) const;
 
-  /// The memory that is taken by what is staged.
+  /// The memory that is taken by what is staged, in bytes.
   [[nodiscard]] size_t bytes() const { return staged_.bytes(); }
 
   [[nodiscard]] Database& database() const { return database_; }

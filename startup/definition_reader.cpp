@@ -81,7 +81,7 @@ bool readFirstPiece(FILE* in, std::string& piece) {
   return piece.ends_with('\n') || readRest(in, piece);
 }
 
-int readDefinitions(FILE* in, DefinitionRegistry& registry) {
+int loadDefinitions(FILE* in, DefinitionRegistry& registry) {
   DefinitionText text;
   printf("Parsing file.\n");
   const int result = parseText(in, text);

@@ -28,4 +28,4 @@ bool readFirstPiece(FILE* in, std::string& piece);
 /// 1 for a text that is refused or cannot be read to its end, or whose definitions cannot be built;
 /// the report is then on standard error. `in` stays open. Raises std::bad_alloc where memory is
 /// exhausted.
-int readDefinitions(FILE* in, DefinitionRegistry& registry);
+int loadDefinitions(FILE* in, DefinitionRegistry& registry);

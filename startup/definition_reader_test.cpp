@@ -153,7 +153,7 @@ struct Reading {
 Reading readStream(FILE* in, Registry& registry) {
   testing::internal::CaptureStdout();
   testing::internal::CaptureStderr();
-  const int result = readDefinitions(in, registry);
+  const int result = loadDefinitions(in, registry);
   return {result, testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
 }
 

@@ -23,7 +23,7 @@ int start(int argc, char** argv) {
   defineConstants(commandLine, [&](const std::string& name, const std::string& value) {
     return database.defineConstant(name, value);
   });
-  const int result = readDefinitions(stdin, database);
+  const int result = loadDefinitions(stdin, database);
   if (result != 0) return result;
   reportLargestChange(database);
   malloc_trim(0);  // gives back the memory that reading took, which the heap would keep for ever

@@ -35,8 +35,8 @@ constexpr Position NOWHERE = {NO_POSITION, NO_POSITION};
 
 }  // namespace
 
-Position tokenPosition(const Expression& expression, size_t position) {
-  const size_t token = std::max<size_t>(position, 1) - 1;
+Position tokenPosition(const Expression& expression, size_t number) {
+  const size_t token = std::max<size_t>(number, 1) - 1;
   return token < expression.tokens.size() ? expression.tokens[token].at : NOWHERE;
 }
 
@@ -48,8 +48,8 @@ const char* diagnosticMessage(uint32_t code) {
 }
 
 void DiagnosticCollector::add(Severity severity, uint32_t code, const Expression& expression,
-                              size_t position, const LineTexts& lines, std::string text) {
-  add(severity, code, tokenPosition(expression, position), lines, std::move(text));
+                              size_t number, const LineTexts& lines, std::string text) {
+  add(severity, code, tokenPosition(expression, number), lines, std::move(text));
 }
 
 void DiagnosticCollector::add(Severity severity, uint32_t code, Position at, const LineTexts& lines,

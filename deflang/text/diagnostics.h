@@ -40,10 +40,10 @@ enum Severity { SEVERITY_ERROR, SEVERITY_WARNING };
 /// The line and the column of a diagnostic that has no place in the text.
 constexpr uint32_t NO_POSITION = UINT32_MAX;
 
-/// Where the token number `position` of `expression` is in the text. Tokens count from 1, as
+/// Where the token `number` of `expression` is in the text. Tokens count from 1, as
 /// Program::compile() counts them; 0 means the first one. NO_POSITION as line and column where
 /// there is no such token, as in an empty expression.
-Position tokenPosition(const Expression& expression, size_t position);
+Position tokenPosition(const Expression& expression, size_t number);
 
 /// One report about a text.
 struct Diagnostic {
@@ -63,8 +63,8 @@ struct Diagnostic {
 ///             ^
 class DiagnosticCollector {
  public:
-  /// Raises `code` at the token number `position` of `expression`, see tokenPosition().
-  void add(Severity severity, uint32_t code, const Expression& expression, size_t position,
+  /// Raises `code` at the token `number` of `expression`, see tokenPosition().
+  void add(Severity severity, uint32_t code, const Expression& expression, size_t number,
            const LineTexts& lines, std::string text = {});
   /// Raises `code` at a place in the text, or without one (NO_POSITION as line and column).
   /// `lines` gives the text of that line; where it has none, no line and no caret are printed.

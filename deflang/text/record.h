@@ -15,15 +15,15 @@
 
 /// The word after the name.
 enum AccessCode : int {
-  ACCESS_NONE = -1,  ///< the text ended before the word; such a record is not built
-  ACCESS_INDEX = 0,
-  ACCESS_RO = 1,
-  ACCESS_ROSTRICT = 2,
-  ACCESS_WO = 3,
-  ACCESS_RW = 4,
+  ACCESS_NONE = -1,     ///< the text ended before the word; such a record is not built
+  ACCESS_INDEX = 0,     ///< an index, no parameter
+  ACCESS_RO = 1,        ///< read-only, but for a forced write
+  ACCESS_ROSTRICT = 2,  ///< as "ro", and never announced
+  ACCESS_WO = 3,        ///< always writable, and always announced
+  ACCESS_RW = 4,        ///< writable, unless a ctrlRO is true
 };
 
-/// One name of an `index` statement.
+/// One name of an `index` statement, and where it is in the text.
 struct IndexName {
   std::string_view name;
   Position at;
@@ -31,7 +31,8 @@ struct IndexName {
 using IndexStatement = std::span<const IndexName>;
 
 /// One item of a range statement: a quoted text, or a value with an optional upper value. A bare
-/// number is an expression of one token.
+/// number is an expression of one token. Of `{ "off", 1..(max), 7 }`, the items have the text off,
+/// the lower and upper values 1 and max, and the lower value 7.
 struct RangeItem {
   Position at;
   std::optional<std::string_view> text;
@@ -39,7 +40,8 @@ struct RangeItem {
   std::optional<Expression> upper;
 };
 
-/// A `rangeValid` or `rangeDoc` statement. No condition and an empty one are the same.
+/// A `rangeValid` or `rangeDoc` statement. No condition and an empty one, `()`, are the same: the
+/// expression without tokens. So in every statement that has a condition.
 struct RangeStatement {
   Expression condition;
   std::span<const RangeItem> items;
@@ -60,7 +62,8 @@ struct Translation {
   std::string_view target;
 };
 
-/// A statement in the list of those of its kind.
+/// A statement in the list of those of its kind. The link is the library's; a normal_link has
+/// nothing to give back, so the arena may drop it without a destructor.
 template <typename T>
 struct Listed : T,
                 boost::intrusive::slist_base_hook<
@@ -75,35 +78,41 @@ template <typename T>
 using StatementList = boost::intrusive::slist<Listed<T>, boost::intrusive::cache_last<true>,
                                               boost::intrusive::constant_time_size<false>>;
 
-/// Everything that the text says of one name, each kind of statement in statement order. What it
-/// refers to lives in the arena of its records.
+/// Everything that the text says of one name, in one definition or in several, each kind of
+/// statement in statement order. What it refers to lives in the arena of its records.
 struct ParameterRecord {
   std::string_view name;
   uint32_t line = 0;  ///< where the name first is, from 1
   AccessCode access = ACCESS_NONE;
-  StatementList<IndexStatement> indices;
-  StatementList<RangeStatement> rangeValid;
-  StatementList<RangeStatement> rangeDoc;
-  StatementList<Expression> ctrlRO;
-  StatementList<Expression> ctrlValid;
-  StatementList<DefaultStatement> defaults;
-  StatementList<Translation> valueChange;
+  StatementList<IndexStatement> indices;     ///< `index`: the first counts, a further one is wrong
+  StatementList<RangeStatement> rangeValid;  ///< the values that are accepted
+  StatementList<RangeStatement> rangeDoc;    ///< the values that are told in their place
+  StatementList<Expression> ctrlRO;          ///< read-only while one of them is true
+  StatementList<Expression> ctrlValid;       ///< available while all of them are true
+  StatementList<DefaultStatement> defaults;  ///< the first whose condition is true counts
+  StatementList<Translation> valueChange;    ///< the values that are replaced before a check
 };
 
-/// The records of a text, by name. Records stay where they are while others are added.
+/// The records of a text, by name, while it is read and built; up to 2^32 - 2 of them. Records stay
+/// where they are while others are added. Where memory is exhausted, std::bad_alloc is raised, and
+/// what was read so far is of no use.
 class ParameterRecords {
  public:
   ParameterRecords() = default;
   ParameterRecords(ParameterRecords&&) = default;
   ParameterRecords& operator=(ParameterRecords&&) = default;
 
-  /// The record of `name`, or null.
+  /// The record of `name`, or null. The one added last is found at once: a text mostly goes on with
+  /// the record that it is in.
   [[nodiscard]] const ParameterRecord* find(std::string_view name) const;
   [[nodiscard]] ParameterRecord* find(std::string_view name);
-  /// The record of `name`; a new one with the given line when there is none.
+  /// The record of `name`; a new one without statements, first found on `line` (from 1), when there
+  /// is none.
   ParameterRecord& findOrAdd(std::string_view name, uint32_t line);
-  /// All records, ascending by name in byte order.
+  /// All records, ascending by name in byte order: the order in which they are built and their
+  /// diagnostics are printed.
   [[nodiscard]] std::vector<const ParameterRecord*> inNameOrder() const;
+  /// How many names the text defines.
   [[nodiscard]] size_t size() const { return records_.size(); }
   /// Where what the records refer to lives.
   [[nodiscard]] Arena& arena() { return arena_; }

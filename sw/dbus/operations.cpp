@@ -125,7 +125,7 @@ int checkSet(Transaction& transaction, const char* name, const char* value, gboo
   return *valid == TRUE ? transaction.set(name, value, false) : 0;
 }
 
-int setTexts(Transaction& transaction, char** names, char** values, bool status) {
+int setTexts(Transaction& transaction, char** names, char** values, bool force) {
   uint64_t work = 0;
   for (size_t i = 0; names[i] != nullptr && values[i] != nullptr; ++i) {
     work += stagingWork(names[i], values[i]);
@@ -133,19 +133,19 @@ int setTexts(Transaction& transaction, char** names, char** values, bool status)
   Work::require(work);
   int first = 0;
   for (; *names != nullptr && *values != nullptr; ++names, ++values) {
-    const int result = transaction.set(*names, *values, status);
+    const int result = transaction.set(*names, *values, force);
     if (first == 0) first = result;
   }
   return first;
 }
 
-int resetAll(Transaction& transaction, char** names, bool status) {
+int resetAll(Transaction& transaction, char** names, bool force) {
   uint64_t work = 0;
   for (size_t i = 0; names[i] != nullptr; ++i) work += stagingWork(names[i], {});
   Work::require(work);
   int first = 0;
   for (; *names != nullptr; ++names) {
-    const int result = transaction.reset(*names, status);
+    const int result = transaction.reset(*names, force);
     if (first == 0) first = result;
   }
   return first;

@@ -23,9 +23,9 @@ int validate(Transaction& transaction, const char* name, const char* value, gboo
 /// Sets a value that validates; another one is only reported in `valid`.
 int checkSet(Transaction& transaction, const char* name, const char* value, gboolean* valid);
 /// Sets every pair, up to the end of the shorter list. Returns the first failure.
-int setTexts(Transaction& transaction, char** names, char** values, bool status);
+int setTexts(Transaction& transaction, char** names, char** values, bool force);
 /// Resets every name. Returns the first failure.
-int resetAll(Transaction& transaction, char** names, bool status);
+int resetAll(Transaction& transaction, char** names, bool force);
 
 /// Commits and, whatever comes of it, announces what has changed as a signal of `object`.
 int commitAndPublish(Transaction& transaction, ValueObject* object);

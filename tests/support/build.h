@@ -16,6 +16,7 @@
 #include "sw/parm/build/builder.h"
 #include "sw/parm/index_def.h"
 #include "sw/parm/parm_def.h"
+#include "tests/support/print.h"
 #include "tests/support/registry.h"
 
 /// The records of `text`. A text that cannot be read fails the test.
@@ -27,14 +28,7 @@ inline DefinitionText parseText(std::string_view text) {
 
 /// What `diagnostics` prints.
 inline std::string printed(const DiagnosticCollector& diagnostics) {
-  char* text = nullptr;
-  size_t size = 0;
-  FILE* const out = open_memstream(&text, &size);
-  diagnostics.print(out);
-  fclose(out);
-  std::string result(text, size);
-  free(text);
-  return result;
+  return printed([&diagnostics](FILE* out) { diagnostics.print(out); });
 }
 
 /// A text that has been built, with everything that the build said:

@@ -75,9 +75,9 @@ class TextIndices final : public PresentIndices {
  public:
   TextIndices(const ParmDef& parm, const TextSituation::Texts& texts)
       : parm_(parm), texts_(texts) {}
-  /// The index at `position` (from 0) of the parameter's list; valid until the next call.
-  [[nodiscard]] PresentIndex& at(size_t position, const Situation& own) override {
-    const IndexDef& index = *parm_.indices()[position];
+  /// The index at `place` (from 0) of the parameter's list; valid until the next call.
+  [[nodiscard]] PresentIndex& at(size_t place, const Situation& own) override {
+    const IndexDef& index = *parm_.indices()[place];
     Situation situation(index.variables().size());
     for (const auto& [name, text] : texts_) {
       const std::optional<uint32_t> slot = index.variables().find(name);

@@ -35,8 +35,8 @@ size_t bindConstants(const Variables& variables, const BuildContext& context,
   return constants;
 }
 
-Classification leaveOut(const Expression& expression, size_t position, DefinitionDraft& draft) {
-  draft.error(DIAG_INVALID_EXPRESSION, tokenPosition(expression, position));
+Classification leaveOut(const Expression& expression, size_t token, DefinitionDraft& draft) {
+  draft.error(DIAG_INVALID_EXPRESSION, tokenPosition(expression, token));
   return {LEFT_OUT};
 }
 

@@ -39,6 +39,7 @@ TEST(Levels, AreTheLongestChainsOfDependence) {
       {"what depends on one of a pair", {{1, 2}, {0}, {}}, {0, 0, 1}},
       {"three that all depend on one another", {{1, 2}, {0, 2}, {0, 1}}, {0, 0, 0}},
       {"a node that depends on itself", {{0, 1}, {}}, {0, 1}},
+      {"the example of the header", {{1}, {2}, {3}, {2}, {}}, {0, 1, 2, 2, 0}},
       // 1 and 2 are a pair; 3 raises 2, so 1 comes along.
       {"a pair raised on one side", {{4}, {0, 2}, {1}, {2}, {}}, {2, 1, 1, 0, 3}},
   };

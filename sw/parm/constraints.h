@@ -1,4 +1,8 @@
 // Constraints: the rules that judge and correct a parameter's values in place of its bounds.
+//
+// There are two kinds: constraint rules, and ranges that are computed at run time. No statement of
+// a definition text makes a constraint rule (see ConstraintRule), so in the daemon only the
+// run-time ranges are at work here, and correct() returns 0.
 #pragma once
 
 #include <string>
@@ -7,17 +11,34 @@
 #include "sw/parm/parm_def.h"
 #include "sw/parm/present_bounds.h"
 
-/// The rules of one parameter in one situation with its index values bound.
+/// The rules of one parameter in one situation with its index values bound. setValue() makes one
+/// for each value of a parameter that has rules, see ParmDef::hasConstraints():
+///
+///   const Constraints constraints(parm, situation);
+///   if (constraints.apply()) result = constraints.correct(value);  // otherwise the bounds decide
+///
+/// `parm` and the situation have to outlive it and must not change: the run-time ranges are worked
+/// out once, when it is made. They do not read the value under test, so its correction lies in
+/// them. Everything here may raise std::bad_alloc or WorkExceeded. Only the work on texts is
+/// counted here; ParmDef::evaluationWork() contains the rest.
 class Constraints {
  public:
+  /// The rules of `parm`; `situation` has a slot for each of its variables.
   Constraints(const ParmDef& parm, const Situation& situation);
 
-  /// Whether any rule's condition is true, the value under test being unknown, or a run-time range
-  /// has its values: only then do the rules decide, otherwise the bounds.
+  /// Whether the rules decide, and not the bounds: either the condition of a constraint rule is
+  /// true, with the value under test still unknown, or a run-time range applies and has its values.
   [[nodiscard]] bool apply() const;
-  /// Corrects `value` by the constraint rules in order, then by the run-time ranges, whose
-  /// correction needs no second look. Returns 0; 1 when a rule still fails after the corrections;
-  /// 2 when a correction gave no value, and `value` is empty.
+  /// Corrects `value` by the constraint rules in order, each of which sees the corrections before
+  /// it, then by the run-time ranges that have values: `value` is translated twice; one that no
+  /// range or constant bounds accept becomes the correction by the first that applies. With the
+  /// range 20..29, "max" that translates to "99" becomes "29".
+  ///
+  /// Returns
+  ///   0  `value` is what the rules made of it;
+  ///   1  a constraint rule still fails after the corrections: `value` is as last corrected, and
+  ///      the ranges were not asked;
+  ///   2  a correction gave no value: `value` is empty.
   int correct(std::string& value) const;
 
  private:

@@ -10,10 +10,12 @@
 
 /// How a value is set.
 struct SetOptions {
-  bool force = false;              ///< the read-only conditions are not asked
-  bool dryRun = false;             ///< nothing is stored
-  bool quietIndices = false;       ///< a refusal because of the indices is not logged
-  CommittedValue* held = nullptr;  ///< where the instance's value is, if that is known
+  bool force = false;         ///< the read-only conditions are not asked
+  bool dryRun = false;        ///< nothing is stored: a range query
+  bool quietIndices = false;  ///< a refusal because of the indices is not logged
+  /// The committed value of the instance where the caller knows it, so that it is not looked for;
+  /// else null.
+  CommittedValue* held = nullptr;
 };
 
 /// What becomes of a value that is set. The negative codes go to the system log as they are.
@@ -26,9 +28,12 @@ enum SetCode : int {
   SET_INVALID_INDEX = -3,     ///< an index is not available, or its value, or their number
 };
 
+/// What setValue() returns.
 struct SetResult {
   SetCode code;
-  std::string value;  ///< as accepted, or where a rule fails as last corrected; or empty
+  /// With SET_STORED and SET_STORED_UNREPORTED the value as accepted, with SET_RULE_FAILS as last
+  /// corrected, otherwise empty.
+  std::string value;
   CommittedValue* held = nullptr;  ///< where the value is stored now; null where it is not
 
   /// Whether the value, as corrected, is one that the parameter takes.
@@ -37,10 +42,24 @@ struct SetResult {
   }
 };
 
-/// Checks `value` for the instance `indices` in a situation, corrects and stores it. `situation` is
-/// the call's own; the index values are bound in it here, one by one, because each index sees those
-/// before it and the parameter's own conditions see none. `present` gives the parameter's indices
-/// as they are for the instance. A refusal is logged but for the silent codes SET_NOT_STORED and
-/// SET_RULE_FAILS. Where memory runs out (std::bad_alloc), the instance holds what it held.
+/// Checks `value` for the instance `indices` in a situation, corrects and stores it. The steps, of
+/// which the first that refuses ends the call:
+///
+///   1. The parameter is writable at all and its validity conditions are true: else SET_NOT_STORED.
+///   2. Each index is valid and takes its value, and there are as many values as indices: else
+///      SET_INVALID_INDEX.
+///   3. No read-only condition is true, or `options.force`: else SET_NOT_STORED.
+///   4. The value is corrected, by the constraints where they apply, otherwise by the bounds. With
+///      the range 0..9, "15" becomes "9". SET_RULE_FAILS and SET_INVALID_VALUE come from here.
+///   5. The value is stored, except in a dry run.
+///
+/// `situation` is the call's own copy, with a slot for each variable of `parm`. The index values
+/// are bound in it in step 2, one by one: each index sees the values before its own, and the
+/// validity conditions in step 1 see none. `present` gives the parameter's indices as they are for
+/// the instance. The pointer in the result is valid as long as `parm` stays where it is.
+///
+/// SET_INVALID_INDEX (unless `options.quietIndices`) and SET_INVALID_VALUE write to the system log
+/// why. Where memory runs out (std::bad_alloc) or the budget of work is passed (WorkExceeded), the
+/// instance holds what it held. The caller counts ParmDef::evaluationWork() first.
 SetResult setValue(ParmDef& parm, std::string value, const IndexTuple& indices, Situation situation,
                    PresentIndices& present, SetOptions options);

@@ -11,7 +11,7 @@
 
 namespace {
 
-// Whether a name and a value are in two lines of the cache at most.
+// Whether a name and a value behind it take two lines of the cache at most: see ParmDef::indexing_.
 [[maybe_unused]] bool areNeighbours(const std::string& name, const CommittedValue& value) {
   constexpr std::ptrdiff_t CACHE_LINE = 64;
   const auto* const begin = reinterpret_cast<const char*>(&name);
@@ -115,7 +115,7 @@ int ParmDef::range(BoundsParm& out, const SituationView& situation) const {
 
 void ParmDef::bindIndex(Situation& situation, size_t place, std::string_view value) const {
   const uint32_t slot = indexing_->nameSlots[place];
-  // What no expression uses is only printed.
+  // An index value that no expression uses is only printed, so it need not be converted.
   const bool isUsed = slot < indexing_->usedNames;
   situation.bind(slot, isUsed ? operandOf(value) : Operand{OPERAND_STRING, 0, value});
 }
@@ -164,7 +164,8 @@ CommittedValue& ParmDef::stored(const IndexTuple& indices) {
   if (const std::optional<uint32_t> known = indexing.suffixes.find(suffix)) {
     return indexing.values[*known];
   }
-  // The value comes first: where memory is exhausted in between, the next one takes its place.
+  // The value is added first, the suffix second. Where memory runs out in between, the value stays
+  // without a suffix, and the next new instance takes it.
   const size_t number = indexing.suffixes.size();
   if (indexing.values.size() == number) {
     indexing.values.add({});

@@ -5,7 +5,8 @@
 
 namespace {
 
-// What an unusable run-time range is judged by where it accepts: no entries, so every value.
+// Bounds without entries, which accept every value: they take the place of a run-time range that
+// has no values and is to accept.
 const BoundsParm EVERYTHING;
 
 }  // namespace

@@ -8,10 +8,10 @@
 
 namespace {
 
-// What is wrong with an instance's index values: nothing, or a text for the log.
+// What is wrong with an instance's index values.
 struct IndexFault {
-  std::string text;
-  bool withVariables = false;
+  std::string text;            // for the log; empty while no fault was found
+  bool withVariables = false;  // whether the log shows the variables too
 };
 
 std::string quoted(const std::string& text) { return '"' + text + '"'; }
@@ -25,7 +25,8 @@ std::string countFault(const ParmDef& parm, const IndexTuple& indices) {
          std::to_string(indices.size());
 }
 
-// Whether an index takes a value. The fault's text is only made where somebody will read it.
+// Whether an index takes a value. If not, the reason goes to `fault`; null where nobody will read
+// it.
 bool takesValue(PresentIndex& index, const std::string& value, IndexFault* fault) {
   if (!index.isValid()) {
     if (fault != nullptr) {
@@ -42,7 +43,8 @@ bool takesValue(PresentIndex& index, const std::string& value, IndexFault* fault
   return true;
 }
 
-// One set: the parameter and its indices as they are for the instance.
+// One call of setValue(): the parameter, the situation, and the indices as they are for the
+// instance.
 struct Setting {
   const ParmDef& parm;
   Situation& situation;
@@ -50,9 +52,12 @@ struct Setting {
 };
 
 // Binds the index values one by one, so that each index sees those before it, up to the first that
-// is refused. `isStored` tells that the instance has a stored value: its index values were accepted
-// then, and a plain index accepts them in every situation. Only where their number is right: values
-// with brackets in them can make a name that looks like another instance's.
+// is refused. Returns whether all are bound and none is missing or left over.
+//
+// `isStored` tells that the instance has a stored value. Its index values were accepted when it was
+// stored, and a plain index accepts the same values in every situation, so they are not checked
+// again. That holds only where their number is right: values with brackets in them can make a name
+// that looks like another instance's.
 bool bindIndices(const Setting& set, const IndexTuple& indices, bool isStored, IndexFault* fault) {
   const ParmDef& parm = set.parm;
   const size_t pairs = std::min(indices.size(), parm.indices().size());
@@ -70,7 +75,7 @@ bool bindIndices(const Setting& set, const IndexTuple& indices, bool isStored, I
   return isComplete;
 }
 
-// Writes what the parameter's expressions and those of its indices see.
+// Writes the variables that the expressions of the parameter and of its indices see to the log.
 void dumpVariables(const Setting& set) {
   BoundVariables bound;
   bound.add(set.parm.variables(), set.situation);
@@ -85,8 +90,9 @@ void logIndexFault(const Setting& set, const IndexFault& fault) {
   if (fault.withVariables) dumpVariables(set);
 }
 
-// Corrects a value by the bounds. Only conditional bounds make a value that stays outside the base
-// bounds an error: without them the correction has brought it in.
+// Corrects a value by the bounds. Returns false, after a line in the log, where conditional bounds
+// have brought the value out of the base bounds. Without conditional bounds that cannot happen: the
+// base bounds correct last.
 bool correctByBounds(const ParmDef& parm, std::string& value, const Situation& situation) {
   static_cast<void>(correctValue(parm, value, situation));
   if (parm.conditionalBounds().empty() || parm.checkBase(value)) return true;
@@ -117,7 +123,8 @@ SetCode correct(const Setting& set, std::string& value) {
   return correctByBounds(set.parm, value, set.situation) ? SET_STORED : SET_INVALID_VALUE;
 }
 
-// Stores a corrected value where it is not there yet.
+// Stores a corrected value, unless the instance holds that text already. `held` is where the value
+// of the instance is, or null where that has to be looked up.
 CommittedValue& store(ParmDef& parm, const IndexTuple& indices, const std::string& value,
                       CommittedValue* held) {
   CommittedValue& place = held != nullptr ? *held : parm.stored(indices);

@@ -11,19 +11,20 @@
 
 namespace {
 
-// Whether a number is left out between two spans. In 64 bits, where no end has a neighbour that
-// does not exist.
+// Whether `upper` begins behind `lower` with at least one number left out between them. In 64 bits,
+// where the difference of any two ends fits.
 bool isApart(const Span& lower, const Span& upper) {
   return static_cast<int64_t>(upper.first) - lower.second >= 2;
 }
 
+// Adds one item as it is in the situation. Returns 0 or a code of BoundsExpression::evaluate().
 int addPresent(BoundsParm& out, const BoundsExpression::Item& item,
                const SituationView& situation) {
   if (item.lower.empty() || (item.upper && item.upper->empty())) return -1;
   const Value lower = item.lower.evaluate(situation);
   if (!lower.valid()) return -2;
   if (!item.upper) {
-    // The empty text adds nothing when it is quoted and counts as 0 otherwise.
+    // A quoted empty text adds no entry; any other empty text counts as 0.
     static_cast<void>(item.quoted ? out.strings().addText(lower.asText())
                                   : out.addValue(lower.asText()));
     return 0;
@@ -103,8 +104,8 @@ int BoundsInteger::addSpan(int low, int high) {
   return 0;
 }
 
-// The spans are sorted once for all that were added since the last question, so that their number
-// costs the same in whichever order a text lists them.
+// All spans that were added since the last call are sorted at once: so n spans cost the same in
+// whichever order a text lists them.
 const Spans& BoundsInteger::spans() const {
   if (inOrder_) return spans_;
   std::sort(spans_.begin(), spans_.end());
@@ -131,7 +132,7 @@ bool BoundsParm::check(std::string& value, bool fix) const {
   const bool hasTexts = strings_.count() > 0;
   const std::optional<int32_t> number = wholeNumber(value);
   if (value.empty() && !hasTexts) {
-    // The empty value is no number, but it is corrected as the number 0 would be.
+    // The empty value is refused, but it is corrected as the number 0 would be.
     integers_.check(value, number, fix);
     return false;
   }

@@ -11,7 +11,8 @@
 
 namespace {
 
-// Whether a name and a value behind it take two lines of the cache at most: see ParmDef::indexing_.
+// Whether a name and a value behind it take the space of two lines of the cache at most: see
+// ParmDef::indexing_.
 [[maybe_unused]] bool areNeighbours(const std::string& name, const CommittedValue& value) {
   constexpr std::ptrdiff_t CACHE_LINE = 64;
   const auto* const begin = reinterpret_cast<const char*>(&name);

@@ -91,8 +91,8 @@ void logIndexFault(const Setting& set, const IndexFault& fault) {
 }
 
 // Corrects a value by the bounds. Returns false, after a line in the log, where conditional bounds
-// have brought the value out of the base bounds. Without conditional bounds that cannot happen: the
-// base bounds correct last.
+// have brought the value out of the base bounds. Without conditional bounds that cannot happen,
+// because only the base bounds correct.
 bool correctByBounds(const ParmDef& parm, std::string& value, const Situation& situation) {
   static_cast<void>(correctValue(parm, value, situation));
   if (parm.conditionalBounds().empty() || parm.checkBase(value)) return true;

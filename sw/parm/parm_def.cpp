@@ -132,6 +132,8 @@ const CommittedValue* ParmDef::committed(const IndexTuple& indices) const {
   return found ? &indexing_->values[*found] : nullptr;
 }
 
+// The object is not constant here, so its values are not either: the cast only takes back what
+// as_const() has added.
 CommittedValue* ParmDef::committed(const IndexTuple& indices) {
   return const_cast<CommittedValue*>(std::as_const(*this).committed(indices));
 }

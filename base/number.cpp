@@ -13,7 +13,8 @@ struct Conversion {
   size_t length;
 };
 
-// strtol wants a terminated text, and it ends at a NUL byte inside the text by itself.
+// strtol wants a text that ends with a NUL byte, so it is given a copy. It also ends at a NUL byte
+// within the text.
 Conversion convert(std::string_view text) {
   const std::string copy(text);
   char* end = nullptr;
@@ -23,7 +24,8 @@ Conversion convert(std::string_view text) {
 
 bool isDigit(char c) { return '0' <= c && c <= '9'; }
 
-// The number of a text in the form that this system writes itself; nothing for any other form.
+// The number of a text in plain decimal, which most numbers are: maybe a minus sign, then one to
+// nine digits without leading zeros. nullopt for any other form.
 std::optional<int32_t> plainNumber(std::string_view text) {
   const bool negative = text.starts_with('-');
   const std::string_view digits = text.substr(negative ? 1 : 0);

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr int BROKEN = -1;  // the connection has come to its end
+constexpr int BROKEN = -1;  // the log has ended the connection
 
 using Header = std::array<char, 512>;
 
@@ -34,9 +34,10 @@ size_t writeHeader(Header& header) {
   return static_cast<size_t>(size);
 }
 
+// sendmsg() only reads the data; the library's type serves reading and writing.
 iovec piece(const char* data, size_t size) { return {const_cast<char*>(data), size}; }
 
-// Whether the log is there, but takes nothing now, or not this entry.
+// Whether the log is there, but takes no entry now, or not this one.
 bool isRefusal(int error) {
   return error == EAGAIN || error == EMSGSIZE || error == ENOBUFS || error == ENOMEM;
 }
@@ -80,10 +81,10 @@ int LogSocket::connectAs(int type) {
   return 0;
 }
 
-// Returns 0, LOG_LOST or BROKEN; the socket is closed for the last.
+// Returns 0, LOG_LOST or BROKEN; with BROKEN the socket is closed.
 int LogSocket::transmit(const char* line) {
   Header header;
-  // Where entries are not kept apart by themselves, each ends with a NUL.
+  // A stream does not keep entries apart, so there each ends with a NUL.
   std::array<iovec, 2> pieces = {piece(header.data(), writeHeader(header)),
                                  piece(line, strlen(line) + (isStream_ ? 1 : 0))};
   msghdr message = {};
@@ -93,10 +94,12 @@ int LogSocket::transmit(const char* line) {
   return judge(sent, pieces[0].iov_len + pieces[1].iov_len);
 }
 
+// What became of an entry of `size` bytes. `sent` is the result of sendmsg(): how many of them it
+// has taken, or -1. Returns as transmit().
 int LogSocket::judge(long sent, size_t size) {
   if (sent == static_cast<long>(size)) return 0;
   if (sent < 0 && isRefusal(errno)) return LOG_LOST;
-  // Of a stream that has taken the beginning of an entry nothing else can follow.
+  // A stream that has taken only the beginning of an entry cannot take another entry behind it.
   close();
   return sent < 0 ? BROKEN : LOG_LOST;
 }

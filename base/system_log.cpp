@@ -22,7 +22,7 @@ void (*actOnLoss)() = nullptr;
 int write(const char* line) {
   const int result = systemLog.send(line);
   if (result != LOG_ABSENT) return result;
-  // It does not find a log that it could wait for.
+  // syslog(3) may wait for a log; here it finds none.
   syslog(LOG_ERR, "%s", line);
   return 0;
 }

@@ -9,20 +9,26 @@
 #include <type_traits>
 
 /// Holds what the reading of a definition text keeps: names, texts, lists. A piece costs a fraction
-/// of an allocation of its own, and all of it goes in one step once the definitions are built.
+/// of an allocation of its own, and all of it goes in one step once the definitions are built. The
+/// records and the texts of the lines have an arena each.
 ///
-/// What is kept stays where it is for as long as the arena lives, also where the arena is moved.
-/// Nothing in it is ever destroyed. Where memory
-/// runs out, std::bad_alloc is raised and what was kept before is as it was.
+///   Arena arena;
+///   const std::string_view name = arena.keepText(line.substr(0, 4));
+///   // `line` may end; `name` is valid as long as the arena
+///
+/// What is kept stays where it is for as long as the arena lives, also where the arena is moved; an
+/// arena that was moved from is not used any more. No destructor is called for what it keeps. Where
+/// memory runs out, std::bad_alloc is raised and what was kept before is as it was.
 class Arena {
  public:
-  /// Keeps a copy of `text`, without a NUL behind it. An empty text takes no memory.
+  /// Keeps a copy of `text`, without a NUL behind it. An empty text takes no memory; its view is
+  /// not null.
   std::string_view keepText(std::string_view text) {
     if (text.empty()) return "";
     const std::span<const char> kept = keepList(std::span(text.data(), text.size()));
     return {kept.data(), kept.size()};
   }
-  /// Keeps a copy of `elements`. An empty list takes no memory.
+  /// Keeps a copy of `elements`, aligned for T. An empty list takes no memory.
   template <typename T>
   std::span<const T> keepList(std::span<const T> elements) {
     static_assert(std::is_trivially_copyable_v<T>, "what is kept is never destroyed");
@@ -31,8 +37,8 @@ class Arena {
     std::uninitialized_copy(elements.begin(), elements.end(), kept);
     return {kept, elements.size()};
   }
-  /// Keeps a copy of `element`, which may be changed. Its destructor, never called, has nothing to
-  /// give back.
+  /// Keeps a copy of `element`, aligned for T; the copy may be changed. T must own nothing outside
+  /// the arena, because its destructor is never called.
   template <typename T>
   T& keep(const T& element) {
     return *new (memory_->allocate(sizeof(T), alignof(T))) T(element);

@@ -15,10 +15,11 @@
 
 namespace {
 
-// Few texts have expressions that hold more operands at once.
+// How many operands an evaluation holds without an allocation; few expressions hold more at once.
 constexpr size_t FEW_OPERANDS = 16;
 
-// Whether a token by itself makes a program without further parts.
+// Whether a program of this one token is a single step: a string is not, because its text needs
+// Code.
 bool isSingle(const Token& token) {
   return token.kind == TOKEN_NUMBER || token.kind == TOKEN_VARIABLE;
 }
@@ -27,9 +28,9 @@ bool isSingle(const Token& token) {
 struct Held {
   OperandKind kind;
   int32_t number;      // of a number
-  const char* text;    // of a string
-  size_t size;         // of its text
-  JoinedText* joined;  // of a string that an addition made: its text, else null
+  const char* text;    // of a string; not owned
+  size_t size;         // of that text, in bytes
+  JoinedText* joined;  // of a string that an addition made, what owns its text; else null
 
   [[nodiscard]] std::string_view view() const { return {text, size}; }
   [[nodiscard]] bool isNumber() const { return kind == OPERAND_NUMBER; }
@@ -39,7 +40,7 @@ struct Held {
     kind = OPERAND_NUMBER;
     number = value;
   }
-  // Returns whether there is a number.
+  // Takes the result of an operator. Returns false where there is none.
   bool setNumber(std::optional<int32_t> value) {
     if (!value) return false;
     setNumber(*value);
@@ -61,19 +62,22 @@ struct Held {
   }
 };
 
+// The number of an operand; of a string, the number at its start.
 int32_t toNumber(const Held& held) {
   if (held.isNumber()) return held.number;
   Work::add(held.size);
   return leadingNumber(held.view());
 }
 
-// The text of an operand; `digits` holds it where it is made of a number.
+// The text of an operand. `digits` holds the text of a number, and has to live as long as the
+// result.
 std::string_view toText(const Held& held, std::string& digits) {
   if (!held.isNumber()) return held.view();
   digits = numberText(held.number);
   return digits;
 }
 
+// What the operator `code`, a comparison or OP_CONTAINS, costs at most for two texts.
 uint64_t comparisonWork(int32_t code, std::string_view left, std::string_view right) {
   return code == OP_CONTAINS ? left.size() * WORK_PER_SEARCHED_BYTE
                              : std::min(left.size(), right.size());
@@ -81,7 +85,8 @@ uint64_t comparisonWork(int32_t code, std::string_view left, std::string_view ri
 
 }  // namespace
 
-// One run of a program. The texts that additions make live as long as it does.
+// One run of a program. It owns the texts that additions make; other texts are the program's or the
+// situation's. So its value() is valid as long as all three.
 class Program::Evaluation {
  public:
   Evaluation(const Program& program, const SituationView& situation)
@@ -91,7 +96,7 @@ class Program::Evaluation {
     run(stack_.data());
   }
 
-  // The value; null for the invalid one.
+  // The value, or null where there is none.
   [[nodiscard]] const Held* value() const { return value_; }
 
  private:
@@ -116,7 +121,8 @@ class Program::Evaluation {
     if (top != stack && !stack->isInvalid()) value_ = stack;
   }
 
-  // Puts the result in the place of `left`. Returns whether there is one.
+  // Applies an operator to two operands, and puts its result in the place of `left`. Returns false
+  // where there is no result; `left` is then of no use.
   bool apply(int32_t code, Held& left, const Held& right) {
     if (left.isNumber() && right.isNumber() && code != OP_CONTAINS) {
       return left.setNumber(calculate(code, left.number, right.number));
@@ -134,14 +140,15 @@ class Program::Evaluation {
     return left.setNumber(calculate(code, toNumber(left), toNumber(right)));
   }
 
-  // At least one operand is an undefined variable.
+  // As apply(), where at least one operand is an undefined variable.
   static bool applyToOne(int32_t code, Held& left, const Held& right) {
     const Held& defined = left.isInvalid() ? right : left;
     return !defined.isInvalid() && left.setNumber(absorb(code, toNumber(defined)));
   }
 
-  // An operand is used once, so a text that was made for it may go on growing. The shorter text
-  // joins the longer one.
+  // As apply(), for an addition of texts. Each operand is used once, so a text that an earlier
+  // addition made may go on growing instead of being copied. Where both sides are such texts, the
+  // shorter one is added to the longer one.
   bool join(Held& left, const Held& right) {
     std::string leftDigits;
     std::string rightDigits;

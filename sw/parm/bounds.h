@@ -120,6 +120,7 @@ class BoundsInteger final : public Bounds {
   [[nodiscard]] bool isConsistent() const override { return areOrdered(spans()); }
   /// How many spans there are once all that touch are joined.
   [[nodiscard]] size_t count() const override { return spans().size(); }
+  /// Removes all spans; what becomes of a number beyond both ends stays.
   void clear() override;
   /// Adds the span [low, high], both inclusive, joined with every span that it overlaps or
   /// touches: [4, 9] added to {[0, 3]} gives {[0, 9]}.
@@ -155,6 +156,7 @@ class BoundsParm final : public Bounds {
   [[nodiscard]] bool isConsistent() const override;
   /// How many texts and spans there are together.
   [[nodiscard]] size_t count() const override { return strings_.count() + integers_.count(); }
+  /// Removes all texts and spans; the correction of the texts stays.
   void clear() override;
   /// Adds what `text` means: the span [n, n] for a number text (the empty text counts as 0), else
   /// the text. "0x10" adds [16, 16], "auto" adds the text. Returns 0: neither can be refused.
@@ -191,7 +193,9 @@ class BoundsExpression final : public Bounds {
   /// False when an item that uses no variables can never be evaluated. Items that use variables
   /// are passed over.
   [[nodiscard]] bool isConsistent() const override;
+  /// How many items there are.
   [[nodiscard]] size_t count() const override { return items_.size(); }
+  /// Removes all items.
   void clear() override { items_.clear(); }
   /// Adds an item behind the others. Its programs have the slots of the definition's variables.
   void addItem(Item item) { items_.push_back(std::move(item)); }

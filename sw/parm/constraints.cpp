@@ -8,12 +8,13 @@
 
 namespace {
 
-// The situation of the rules: the parameter's, with the value under test.
+// The situation of the rules: a copy of the parameter's, with the value under test.
 class RuleSituation {
  public:
   RuleSituation(const ParmDef& parm, const Situation& situation)
       : situation_(situation), slot_(parm.variables().find(THIS_VALUE)) {}
 
+  // Makes `value` the value under test; it has to stay unchanged until the next call.
   void bind(const std::string& value) {
     if (slot_) {
       situation_.bind(*slot_, operandOf(value));
@@ -53,7 +54,7 @@ int Constraints::correct(std::string& value) const {
   }
   if (ranges_.hasComputed()) {
     parm_.translateTwice(value);
-    // A value that no range accepts is corrected; the correction is final.
+    // The result is ignored: a value that no range accepts is corrected, and that is final.
     static_cast<void>(ranges_.judge(value));
   }
   return 0;

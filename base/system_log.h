@@ -15,13 +15,14 @@
 /// exhausted; only a LogRedirection may raise what its sink raises.
 void logError(const std::string& line);
 
-/// Writes how many lines were lost since that was last told, as "log: ERROR: lines lost: COUNT";
-/// writes nothing where none was. Returns true where the log does not take that line either, so
-/// that it is still to be written; false where nothing is left to tell.
+/// Writes how many lines were lost since that was last told, as "log: ERROR: lines lost: COUNT".
+/// Where none was lost, no line is written. Returns true where the log does not take that line
+/// either, so that the caller has to try again later; false where all losses are told.
 bool tellLostLines();
 
-/// Has `act` called whenever a line is lost, in place of any before; null: nothing is called. It
-/// must neither write to the log nor throw. The main loop uses it to try tellLostLines() later.
+/// Has `act` called whenever a line is lost, in place of the function before. With null, none is
+/// called. `act` must neither write to the log nor throw. The service uses it to try
+/// tellLostLines() a second later.
 void whenLinesAreLost(void (*act)());
 
 /// Where logError's lines go while it lives, instead of the system log; for tests. One made while

@@ -6,7 +6,7 @@
 //   do {
 //     if (!cursor.skipWhiteSpace()) return false;
 //     const std::string_view name = cursor.word(STOPS);   // constexpr StopSet STOPS(",}")
-//     names.push_back(cursor.memory().keepText(name));    // a view is valid for this line only
+//     names.push_back(cursor.arena().keepText(name));     // a view is valid for this line only
 //     cursor.advance(name.size());
 //     if (!cursor.skipWhiteSpace()) return false;
 //   } while (cursor.take(","));

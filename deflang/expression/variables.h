@@ -47,7 +47,9 @@ using Variables = Interner;
 
 /// The values of a definition's variables at one moment, by slot. A new one holds no value: each of
 /// its operands is OPERAND_INVALID. Its texts are views: whoever binds an operand keeps the text as
-/// long as the situation is used. A copy views the same texts. Slots are not checked.
+/// long as the situation is used. A copy views the same texts. A slot that is none is a fault of
+/// the program and stops it.
+// NOLINTNEXTLINE(bugprone-exception-escape): moving operands, which are plain data, raises nothing.
 class Situation {
  public:
   /// For `slots` variables, the size of the definition's Variables. Up to four take no allocation;

@@ -108,7 +108,7 @@ class PlacesInSet {
   void add(uint32_t place) { set_.insert(place); }
   [[nodiscard]] bool has(std::string_view text) const { return set_.find(text) != set_.end(); }
   // Nothing is brought into the cache ahead of use: boost has no call for it, and absl's computes
-  // each hash once more, which costs as much as it gains.
+  // each hash once more, which costs at least what it gains.
   void findAll(std::span<const std::string, TOGETHER> names) const {
     for (const std::string& name : names) benchmark::DoNotOptimize(has(name));
   }

@@ -12,7 +12,8 @@
 /// 2. A copy has a value of its own; a move leaves a fresh one.
 /// 3. Where memory runs out (std::bad_alloc), the value is as before.
 ///
-/// Measured against T in place and std::optional<T>: see docs/performance.md, "Containers".
+/// Library / this, building 100,000 definitions: T in place 1.2, std::optional<T> 1.2
+/// (docs/performance.md, "Containers").
 template <typename T>
 class Boxed {
  public:

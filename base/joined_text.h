@@ -6,6 +6,9 @@
 
 /// A text that grows at both ends. Its room at least doubles each time that it runs out, so a long
 /// chain of additions costs about its length, whichever way it is grouped.
+///
+/// Library / this, 1,000 additions: std::deque<char> 3.5, std::string 3.7, absl::Cord 9
+/// (docs/performance.md, "Containers").
 class JoinedText {
  public:
   explicit JoinedText(std::string_view text) : room_(text) {}

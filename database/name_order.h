@@ -36,6 +36,9 @@ inline size_t commonStart(std::string_view name, std::string_view other) {
 ///
 /// Needs room for the elements a second time. Raises no exception, because it also runs while
 /// another one travels: where memory is exhausted, the elements are sorted in place, name by name.
+///
+/// std::sort / this, instances of one parameter: 1,000 of them 4.5, 100,000 of them 1.9
+/// (docs/performance.md, "Containers").
 template <typename T>
 void sortByName(std::vector<T>& elements) noexcept {
   const auto comesBefore = [](const T& a, const T& b) { return a.name < b.name; };

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 
 /// A T that takes the space of a pointer until it is changed for the first time, and reads as a
 /// fresh T until then. There are as many definitions as a text likes, and most have neither
@@ -18,6 +19,9 @@ template <typename T>
 class Boxed {
  public:
   Boxed() = default;
+  /// Takes a list or map; an empty one takes no memory.
+  explicit Boxed(T&& value)
+      : value_(value.empty() ? nullptr : std::make_unique<T>(std::move(value))) {}
   Boxed(const Boxed& other) : value_(other.value_ ? std::make_unique<T>(*other.value_) : nullptr) {}
   Boxed(Boxed&&) noexcept = default;
   Boxed& operator=(const Boxed& other) { return *this = Boxed(other); }

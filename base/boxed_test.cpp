@@ -37,6 +37,14 @@ TEST(Boxed, HoldsWhatItWasChangedTo) {
   EXPECT_EQ(*box.operator->(), "ab");
 }
 
+TEST(Boxed, TakesAValue) {
+  EXPECT_EQ(BoxedText(std::string("a")).get(), "a");
+  Allocations::left = 0;
+  const BoxedText box{std::string()};
+  Allocations::left = SIZE_MAX;
+  EXPECT_EQ(box.get(), "");
+}
+
 // Invariant 2.
 TEST(Boxed, ACopyIsItsOwn) {
   BoxedText box = boxed("a");

@@ -1,8 +1,6 @@
 #include "database/database.h"
 
 #include <algorithm>
-#include <array>
-#include <cassert>
 #include <optional>
 #include <unordered_map>
 #include <utility>
@@ -113,16 +111,6 @@ ParmEntry* Database::findParm(std::string_view base, size_t hash) {
   const std::optional<uint32_t> found =
       parmPlaces_.find(hash, [&](uint32_t place) { return parms_[place].parm.name() == base; });
   return found ? &parms_[*found] : nullptr;
-}
-
-void Database::findAll(std::span<const std::string_view> bases, std::span<ParmEntry*> found) {
-  std::array<size_t, NAMES_TOGETHER> hashes;
-  assert(bases.size() <= NAMES_TOGETHER);
-  for (size_t i = 0; i < bases.size(); ++i) {
-    hashes[i] = TextHash{}(bases[i]);
-    parmPlaces_.prefetch(hashes[i]);
-  }
-  for (size_t i = 0; i < bases.size(); ++i) found[i] = findParm(bases[i], hashes[i]);
 }
 
 ParmEntry* Database::findNamed(std::string_view name) {

@@ -98,11 +98,13 @@ TEST(Database, FinishesWhenEveryNameIsKnown) {
 TEST(Database, FindsManyNamesAsOne) {
   Database database;
   const auto expectFound = [&](std::vector<std::string_view> names) {
-    std::vector<ParmEntry*> found(names.size());
-    database.findAll(names, found);
-    for (size_t i = 0; i < names.size(); ++i) {
-      EXPECT_EQ(found[i], database.findParm(names[i])) << names[i];
+    std::vector<std::pair<size_t, ParmEntry*>> found;
+    std::vector<std::pair<size_t, ParmEntry*>> expected;
+    database.findAll(names, [&](size_t i, ParmEntry* parm) { found.emplace_back(i, parm); });
+    for (const std::string_view name : names) {
+      expected.emplace_back(expected.size(), database.findParm(name));
     }
+    EXPECT_EQ(found, expected);
   };
   expectFound({"gain", "mode"});  // while there is no parameter at all
   EXPECT_EQ(database.registerParm(parmNamed("gain", "gain")), 0);

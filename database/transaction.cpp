@@ -39,10 +39,9 @@ const std::string* Transaction::find(std::string_view name) const {
 
 void Transaction::findAll(std::span<char* const> names, std::span<const std::string*> found) const {
   std::array<std::string_view, Database::NAMES_TOGETHER> bases;
-  std::array<ParmEntry*, Database::NAMES_TOGETHER> parms;
   for (size_t i = 0; i < names.size(); ++i) bases[i] = baseName(names[i]);
-  database_.findAll(std::span(bases).first(names.size()), parms);
-  for (size_t i = 0; i < names.size(); ++i) found[i] = valueOf(names[i], parms[i]);
+  database_.findAll(std::span(bases).first(names.size()),
+                    [&](size_t i, const ParmEntry* parm) { found[i] = valueOf(names[i], parm); });
 }
 
 // `parm` is the parameter of the name's base name, or null.

@@ -47,11 +47,11 @@ IndexDef::IndexDef(DefinitionParts parts)
       validityConditions_(std::move(parts.validityConditions)),
       baseBounds_(std::move(parts.baseBounds)),
       conditionalBounds_(std::move(parts.conditionalBounds)),
+      translations_(std::move(parts.translations)),
       name_(std::move(parts.name)) {
   noteKinds(conditionalBounds_);
-  judgingWork_ = fittingWork(workOf(validityConditions_) + workOf(conditionalBounds()));
+  judgingWork_ = fittingWork(workOf(validityConditions_.get()) + workOf(conditionalBounds()));
   longestText_ = longestOf(baseBounds_.strings().texts());
-  if (!parts.translations.empty()) translations_.change() = std::move(parts.translations);
 }
 
 bool IndexDef::checkBase(std::string value) const {
@@ -70,7 +70,7 @@ bool IndexDef::checkValue(std::string value, BoundsCheck& check) const {
 }
 
 bool IndexDef::isValid(const SituationView& situation) const {
-  return std::all_of(validityConditions_.begin(), validityConditions_.end(),
+  return std::all_of(validityConditions_->begin(), validityConditions_->end(),
                      [&](const Program& condition) { return condition.isTrue(situation); });
 }
 

@@ -96,7 +96,7 @@ class IndexDef {
   /// The base name.
   [[nodiscard]] const std::string& name() const { return name_; }
   /// The names that its expressions use; their numbers are the slots of its situations.
-  [[nodiscard]] const Variables& variables() const { return variables_; }
+  [[nodiscard]] const Variables& variables() const { return variables_.get(); }
   /// The targets of the translations, by source.
   [[nodiscard]] const std::map<std::string, std::string>& translations() const {
     return translations_.get();
@@ -113,7 +113,7 @@ class IndexDef {
   [[nodiscard]] uint64_t judgingWork() const { return judgingWork_; }
   /// What it costs to give all of its variables their values, and then judgingWork().
   [[nodiscard]] uint64_t situationWork() const {
-    return judgingWork_ + variables_.size() * WORK_PER_NAME;
+    return judgingWork_ + variables().size() * WORK_PER_NAME;
   }
   /// What it costs to ask the bounds that apply about one value, at most.
   [[nodiscard]] uint64_t askingWork() const {
@@ -125,16 +125,16 @@ class IndexDef {
   /// Whether the base bounds alone tell which values there are, whatever the situation: no
   /// conditions, no translations.
   [[nodiscard]] bool isPlain() const {
-    return validityConditions_.empty() && conditionalBounds().empty() && translations().empty();
+    return validityConditions_->empty() && conditionalBounds().empty() && translations().empty();
   }
 
  protected:
   /// For ParmDef's constructor, which adds the names of its indices.
-  [[nodiscard]] Variables& ownVariables() { return variables_; }
+  [[nodiscard]] Variables& ownVariables() { return variables_.change(); }
 
  private:
-  Variables variables_;
-  std::vector<Program> validityConditions_;
+  Boxed<Variables> variables_;
+  Boxed<std::vector<Program>> validityConditions_;
   BoundsParm baseBounds_;
   std::vector<ConditionalBounds> conditionalBounds_;
   Boxed<std::map<std::string, std::string>> translations_;

@@ -27,15 +27,11 @@ ParmDef::ParmDef(DefinitionParts parts, ParmParts parmParts)
       mode_(parmParts.mode),
       fallbackDefault_(std::move(parmParts.fallbackDefault)),
       defaults_(std::move(parmParts.defaults)),
-      readOnlyConditions_(std::move(parmParts.readOnlyConditions)) {
+      readOnlyConditions_(std::move(parmParts.readOnlyConditions)),
+      constraintRules_(std::move(parmParts.constraintRules)),
+      documentedRanges_(std::move(parmParts.documentedRanges)) {
   assert(areNeighbours(name(), single_));
-  if (!parmParts.constraintRules.empty()) {
-    constraintRules_.change() = std::move(parmParts.constraintRules);
-  }
-  if (!parmParts.documentedRanges.empty()) {
-    documentedRanges_.change() = std::move(parmParts.documentedRanges);
-    noteKinds(documentedRanges_.change());
-  }
+  if (!documentedRanges_->empty()) noteKinds(documentedRanges_.change());
   if (!parmParts.indices.empty()) takeIndices(std::move(parmParts.indices));
   hasRunTimeRanges_ =
       std::any_of(conditionalBounds().begin(), conditionalBounds().end(),
@@ -44,8 +40,8 @@ ParmDef::ParmDef(DefinitionParts parts, ParmParts parmParts)
 }
 
 uint64_t ParmDef::countEvaluationWork() const {
-  uint64_t units =
-      WORK_PER_INSTANCE + judgingWork() + usedNames() * WORK_PER_NAME + workOf(readOnlyConditions_);
+  uint64_t units = WORK_PER_INSTANCE + judgingWork() + usedNames() * WORK_PER_NAME +
+                   workOf(readOnlyConditions_.get());
   for (const IndexDef* index : indices()) units += WORK_PER_INDEX + index->textWork();
   for (const ConstraintRule& rule : constraintRules()) {
     units += 2 * (rule.condition.work() + rule.test.work()) + rule.correction.work();
@@ -82,7 +78,7 @@ bool ParmDef::isReadOnly(const SituationView& situation) const {
     default:
       break;
   }
-  return std::any_of(readOnlyConditions_.begin(), readOnlyConditions_.end(),
+  return std::any_of(readOnlyConditions_->begin(), readOnlyConditions_->end(),
                      [&](const Program& condition) { return condition.isTrue(situation); });
 }
 

@@ -175,7 +175,7 @@ class ParmDef final : public IndexDef {
   uint32_t evaluationWork_;
   std::string fallbackDefault_;
   std::vector<ConditionalDefault> defaults_;
-  std::vector<Program> readOnlyConditions_;
+  Boxed<std::vector<Program>> readOnlyConditions_;
   Boxed<std::vector<ConstraintRule>> constraintRules_;
   Boxed<std::vector<ConditionalBounds>> documentedRanges_;
 };

@@ -100,6 +100,7 @@ TEST(Database, FindsManyNamesAsOne) {
   const auto expectFound = [&](std::vector<std::string_view> names) {
     std::vector<std::pair<size_t, ParmEntry*>> found;
     std::vector<std::pair<size_t, ParmEntry*>> expected;
+    expected.reserve(names.size());
     database.findAll(names, [&](size_t i, ParmEntry* parm) { found.emplace_back(i, parm); });
     for (const std::string_view name : names) {
       expected.emplace_back(expected.size(), database.findParm(name));

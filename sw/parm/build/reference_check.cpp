@@ -52,7 +52,10 @@ class ReferenceCheck {
       return values.empty() && (mayNameEveryIndex_ || ownIndices_.contains(named.name));
     }
     // A parameter's bare name means the instance that shares the index values.
-    return values.empty() || fitIndices(indicesOf(named), values);
+    if (values.empty()) return true;
+    // A wrong number of them is told without a look at the indices, of which there may be many.
+    return values.size() == firstIndexStatement(named).size() &&
+           fitIndices(indicesOf(named), values);
   }
 
   // An index that is missing has been reported where it is listed; here it is null.

@@ -1,6 +1,7 @@
 #include "database/transaction.h"
 
 #include <array>
+#include <cassert>
 
 #include "base/work.h"
 #include "sw/parm/parm_name.h"
@@ -38,6 +39,7 @@ const std::string* Transaction::find(std::string_view name) const {
 }
 
 void Transaction::findAll(std::span<char* const> names, std::span<const std::string*> found) const {
+  assert(names.size() <= Database::NAMES_TOGETHER && found.size() >= names.size());
   std::array<std::string_view, Database::NAMES_TOGETHER> bases;
   for (size_t i = 0; i < names.size(); ++i) bases[i] = baseName(names[i]);
   database_.findAll(std::span(bases).first(names.size()),

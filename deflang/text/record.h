@@ -7,6 +7,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "base/arena.h"
@@ -68,6 +69,7 @@ template <typename T>
 struct Listed : T,
                 boost::intrusive::slist_base_hook<
                     boost::intrusive::link_mode<boost::intrusive::normal_link>> {
+  static_assert(std::is_trivially_copyable_v<T>, "the arena destroys nothing");
   explicit Listed(const T& statement) : T(statement) {}
 };
 

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -19,6 +21,32 @@ TEST(ParameterRecords, AddsANameOnce) {
   EXPECT_EQ(std::as_const(records).find("gain"), &gain);
   EXPECT_EQ(std::as_const(records).find("gai"), nullptr);
   EXPECT_EQ(records.size(), 1U);
+}
+
+// A list's last statement is linked to the list itself.
+TEST(ParameterRecords, MoveWithTheirStatements) {
+  const auto filled = [](const std::string& name) {
+    ParameterRecords records;
+    ParameterRecord& record = records.findOrAdd(name, 1);
+    for (const uint32_t line : {2U, 3U}) {
+      Translation translation;
+      translation.at.line = line;
+      record.valueChange.push_back(records.arena().keep(Listed<Translation>(translation)));
+    }
+    return records;
+  };
+  const auto linesOf = [](const ParameterRecords& records, const std::string& name) {
+    std::vector<uint32_t> lines;
+    for (const Translation& each : records.find(name)->valueChange) lines.push_back(each.at.line);
+    return lines;
+  };
+  ParameterRecords gain = filled("gain");
+  const ParameterRecords moved = std::move(gain);
+  EXPECT_EQ(linesOf(moved, "gain"), (std::vector<uint32_t>{2, 3}));
+  ParameterRecords mode = filled("mode");
+  mode = filled("gain");
+  EXPECT_EQ(linesOf(mode, "gain"), (std::vector<uint32_t>{2, 3}));
+  EXPECT_EQ(mode.find("mode"), nullptr);
 }
 
 TEST(ParameterRecords, KeepsRecordsInPlaceAndOrdersThemByBytes) {

@@ -24,11 +24,13 @@ class IndicesOfEntry final : public PresentIndices {
 
 // Whether the value of an entry has to be set to be `text`. What is remembered of indices may view
 // the value, which therefore stays where it is if it does not change.
-bool changes(const StagedEntry& entry, const std::string& text, IndexSituations& situations) {
-  if (!entry.parm->isNamedByIndices) return true;
-  if (entry.value.text() == text) return false;
-  situations.forget(*entry.parm);
-  return true;
+bool isToBeSet(const StagedEntry& entry, const std::string& text) {
+  return !entry.parm->isNamedByIndices || entry.value.text() != text;
+}
+
+// Drops what is remembered of indices before the value of an entry changes.
+void forgetIndices(const StagedEntry& entry, IndexSituations& situations) {
+  if (entry.parm->isNamedByIndices) situations.forget(*entry.parm);
 }
 
 // What a stored value is as an operand need not be worked out again.
@@ -53,7 +55,8 @@ SetCode evaluate(StagedEntry& entry, IndexSituations& situations, bool dryRun) {
   if (result.held != nullptr) entry.held = result.held;
   if (!result.isAccepted() && result.code != SET_RULE_FAILS) {
     takeCommitted(entry, situations);
-  } else if (changes(entry, result.value, situations)) {
+  } else if (isToBeSet(entry, result.value)) {
+    forgetIndices(entry, situations);
     takeValue(entry.value, result);
   }
   const bool isPassedOver = entry.generated && result.code == SET_INVALID_INDEX;
@@ -62,7 +65,8 @@ SetCode evaluate(StagedEntry& entry, IndexSituations& situations, bool dryRun) {
 
 void takeCommitted(StagedEntry& entry, IndexSituations& situations) {
   const std::string& committed = committedText(entry);
-  if (changes(entry, committed, situations)) {
+  if (isToBeSet(entry, committed)) {
+    forgetIndices(entry, situations);
     entry.value.set(committed);
   }
   entry.force = true;

@@ -47,20 +47,20 @@ bool Constraints::apply() const {
                      [&](const ConstraintRule& rule) { return rule.condition.isTrue(situation_); });
 }
 
-int Constraints::correct(std::string& value) const {
+ConstraintsResult Constraints::correct(std::string& value) const {
   if (!parm_.constraintRules().empty()) {
-    const int result = correctByRules(value);
-    if (result != 0) return result;
+    const ConstraintsResult result = correctByRules(value);
+    if (result != CONSTRAINTS_MET) return result;
   }
   if (ranges_.hasComputed()) {
     parm_.translateTwice(value);
     // The result is ignored: a value that no range accepts is corrected, and that is final.
     static_cast<void>(ranges_.judge(value));
   }
-  return 0;
+  return CONSTRAINTS_MET;
 }
 
-int Constraints::correctByRules(std::string& value) const {
+ConstraintsResult Constraints::correctByRules(std::string& value) const {
   RuleSituation situation(parm_, situation_);
   situation.bind(value);
   bool changed = false;
@@ -69,7 +69,7 @@ int Constraints::correctByRules(std::string& value) const {
     const Value correction = situation.correction(rule);
     if (!correction.valid()) {
       value.clear();
-      return 2;
+      return CONSTRAINTS_NO_VALUE;
     }
     std::string corrected = correction.asText();
     if (corrected != value) {
@@ -81,5 +81,5 @@ int Constraints::correctByRules(std::string& value) const {
   const bool stillFails =
       changed && std::any_of(parm_.constraintRules().begin(), parm_.constraintRules().end(),
                              [&](const ConstraintRule& rule) { return situation.violates(rule); });
-  return stillFails ? 1 : 0;
+  return stillFails ? CONSTRAINTS_FAIL : CONSTRAINTS_MET;
 }

@@ -11,6 +11,13 @@
 #include "sw/parm/parm_def.h"
 #include "sw/parm/present_bounds.h"
 
+/// What the rules make of a value.
+enum ConstraintsResult : int {
+  CONSTRAINTS_MET = 0,   ///< the value is what the rules made of it
+  CONSTRAINTS_FAIL = 1,  ///< a rule still fails: as last corrected, and the ranges were not asked
+  CONSTRAINTS_NO_VALUE = 2,  ///< a correction gave no value: it is empty
+};
+
 /// The rules of one parameter in one situation with its index values bound. setValue() makes one
 /// for each value of a parameter that has rules, see ParmDef::hasConstraints():
 ///
@@ -33,16 +40,10 @@ class Constraints {
   /// it, then by the run-time ranges that have values: `value` is translated twice; one that no
   /// range or constant bounds accept becomes the correction by the first that applies. With the
   /// range 20..29, "max" that translates to "99" becomes "29".
-  ///
-  /// Returns
-  ///   0  `value` is what the rules made of it;
-  ///   1  a constraint rule still fails after the corrections: `value` is as last corrected, and
-  ///      the ranges were not asked;
-  ///   2  a correction gave no value: `value` is empty.
-  int correct(std::string& value) const;
+  [[nodiscard]] ConstraintsResult correct(std::string& value) const;
 
  private:
-  [[nodiscard]] int correctByRules(std::string& value) const;
+  [[nodiscard]] ConstraintsResult correctByRules(std::string& value) const;
 
   const ParmDef& parm_;
   const Situation& situation_;

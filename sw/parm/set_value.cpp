@@ -103,9 +103,9 @@ bool correctByBounds(const ParmDef& parm, std::string& value, const Situation& s
 SetCode correctByConstraints(const Setting& set, std::string& value,
                              const Constraints& constraints) {
   switch (constraints.correct(value)) {
-    case 0:
+    case CONSTRAINTS_MET:
       return SET_STORED;
-    case 1:
+    case CONSTRAINTS_FAIL:
       return SET_RULE_FAILS;
     default:
       logSetError(set.parm, "Constraints failed " + quoted(value));

@@ -60,11 +60,6 @@ bool IndexDef::checkBase(std::string value) const {
   return baseBounds_.check(value, true);
 }
 
-bool IndexDef::checkValue(std::string value, const SituationView& situation) const {
-  BoundsCheck check(*this, situation);
-  return checkValue(std::move(value), check);
-}
-
 bool IndexDef::checkValue(std::string value, BoundsCheck& check) const {
   return check.accepts(std::move(value));
 }

@@ -1,5 +1,5 @@
 // Index definitions: an index's name, the values it may take and the conditions under which it
-// exists. A parameter definition is one with more to it.
+// is available. A parameter definition is one with more to it.
 //
 // A value is judged in this order:
 //
@@ -77,10 +77,8 @@ class IndexDef {
   /// Whether the base bounds accept `value`, once translated. This needs no situation, so `set`
   /// refuses by it what is wrong in every one. A value of more than MAX_VALUE_BYTES is refused.
   [[nodiscard]] virtual bool checkBase(std::string value) const;
-  /// Whether all bounds accept `value` in a situation, once translated; `value` is not corrected.
-  [[nodiscard]] bool checkValue(std::string value, const SituationView& situation) const;
-  /// As the other checkValue(), for many values in one situation: `check` was made for this
-  /// definition and the situation.
+  /// Whether all bounds accept `value`, once translated; `value` is not corrected. `check` was made
+  /// for this definition and the situation, and serves for many values.
   [[nodiscard]] virtual bool checkValue(std::string value, BoundsCheck& check) const;
 
   /// Whether every validity condition is true; also where there is none. A condition without a

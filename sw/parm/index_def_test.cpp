@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "base/value_limit.h"
+#include "sw/parm/present_bounds.h"
 #include "tests/support/definitions.h"
 
 namespace {
@@ -85,7 +86,8 @@ TEST(IndexDef, AcceptsEveryBaseValueWithoutBaseBounds) {
   for (const std::string value : {"", "7", "auto"}) {
     SCOPED_TRACE(value);
     EXPECT_TRUE(index.checkBase(value));
-    EXPECT_TRUE(index.checkValue(value, SituationView()));
+    BoundsCheck check(index, SituationView());
+    EXPECT_TRUE(index.checkValue(value, check));
   }
 }
 
@@ -103,7 +105,8 @@ void expectWalk(const IndexDef& index, const WalkCase& c) {
   std::string value = c.value;
   EXPECT_EQ(correctValue(index, value, situation), c.accepted);
   EXPECT_EQ(value, c.corrected);
-  EXPECT_EQ(index.checkValue(c.value, situation), c.accepted) << "without correction";
+  BoundsCheck check(index, situation);
+  EXPECT_EQ(index.checkValue(c.value, check), c.accepted) << "without correction";
 }
 
 TEST(FullCheck, CorrectsByTheBaseBoundsAlone) {

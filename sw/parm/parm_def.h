@@ -79,7 +79,6 @@ class ParmDef final : public IndexDef {
   [[nodiscard]] bool checkBase(std::string value) const override;
   /// As of an index, but a parameter with constraints accepts every value.
   [[nodiscard]] bool checkValue(std::string value, BoundsCheck& check) const override;
-  using IndexDef::checkValue;
 
   /// Whether values are judged by constraints: constraint rules, or ranges computed at run time.
   [[nodiscard]] bool hasConstraints() const;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "base/work.h"
+#include "sw/parm/present_bounds.h"
 #include "tests/support/allocations.h"
 #include "tests/support/definitions.h"
 #include "tests/support/names.h"
@@ -45,7 +46,8 @@ TEST(ParmDef, IsReadOnlyByModeAndConditions) {
 // What the two checks say of a value, asked as of any definition.
 std::pair<bool, bool> checks(const IndexDef& definition, const std::string& value) {
   const Situation situation(definition.variables().size());
-  return {definition.checkBase(value), definition.checkValue(value, situation)};
+  BoundsCheck check(definition, situation);
+  return {definition.checkBase(value), definition.checkValue(value, check)};
 }
 
 TEST(ParmDef, ChecksAsAnIndexWithoutConstraints) {

@@ -16,9 +16,14 @@
 ///   const std::string_view name = arena.keepText(line.substr(0, 4));
 ///   // `line` may end; `name` is valid as long as the arena
 ///
-/// What is kept stays where it is for as long as the arena lives, also where the arena is moved; an
-/// arena that was moved from is not used any more. No destructor is called for what it keeps. Where
-/// memory runs out, std::bad_alloc is raised and what was kept before is as it was.
+/// Invariants:
+/// 1. What is kept stays where it is for as long as the arena lives, also where the arena is moved.
+///    An arena that was moved from is not used any more.
+/// 2. Each piece is aligned for its type.
+/// 3. No destructor is called for what it keeps.
+/// 4. Where memory runs out, std::bad_alloc is raised and what was kept before is as it was.
+///
+/// It is the library's std::pmr::monotonic_buffer_resource, made movable.
 class Arena {
  public:
   /// Keeps a copy of `text`, without a NUL behind it. An empty text takes no memory; its view is

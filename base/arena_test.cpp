@@ -28,6 +28,7 @@ TEST(Arena, KeepsWhatIsEmpty) {
   EXPECT_TRUE(arena.keepList(std::span<const int>()).empty());
 }
 
+// Invariant 1.
 TEST(Arena, LeavesEverythingWhereItIs) {
   Arena arena;
   std::vector<std::string_view> kept;
@@ -37,6 +38,7 @@ TEST(Arena, LeavesEverythingWhereItIs) {
   for (int i = 0; i < 1000; ++i) EXPECT_EQ(kept[static_cast<size_t>(i)], std::to_string(i));
 }
 
+// Invariant 2.
 TEST(Arena, AlignsEachList) {
   Arena arena;
   for (int i = 0; i < 10; ++i) {

@@ -13,7 +13,8 @@
 /// 2. A copy has a value of its own; a move leaves a fresh one.
 /// 3. Where memory runs out (std::bad_alloc), the value is as before.
 ///
-/// Library / this, building 100,000 definitions: T in place 1.2, std::optional<T> 1.2
+/// Library / this: T in place 1.1 to 1.2 building definitions, 1.0 to 1.6 finding by name;
+/// std::optional<T> 1.0 to 1.2, 1.05 to 1.5, and 0.93 in a commit that moves nothing else
 /// (docs/performance.md, "Containers").
 template <typename T>
 class Boxed {

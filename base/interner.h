@@ -19,7 +19,7 @@
 /// Invariants:
 /// 1. The names have the numbers 0 to size() - 1, and a name keeps its number.
 /// 2. No name is there twice.
-/// 3. The texts lie behind one another: a search touches nothing of what the names stand for.
+/// 3. The texts lie behind one another: a search touches nothing of what has the names.
 /// 4. Up to FEW names there is no hash index; the search is a walk, which is as fast.
 /// 5. Where memory runs out (std::bad_alloc), everything is as before the call.
 ///

@@ -12,7 +12,8 @@
 ///    end at least doubles each time that it runs out.
 /// 3. The text is in one piece, without a copy for whoever looks at it.
 ///
-/// Library / this, 1,000 additions: std::deque<char> 3.5, std::string 3.7, absl::Cord 9
+/// Library / this, for 2 and for 1,000 additions: std::string 0.5 and 3.7 (with the square for
+/// more), std::deque<char> 4.4 and 3.5, absl::Cord 0.7 and 9
 /// (docs/performance.md, "Containers").
 class JoinedText {
  public:

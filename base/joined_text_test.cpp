@@ -27,6 +27,7 @@ TEST(JoinedText, StartsEmptyWhereItMust) {
   EXPECT_EQ(text.view(), "ab");
 }
 
+// Invariants 1 and 3.
 TEST(JoinedText, EveryOrderOfGrowthGivesTheSameText) {
   // Bit n says whether step n puts its letter in front.
   for (unsigned order = 0; order < 1024; ++order) {
@@ -48,6 +49,7 @@ TEST(JoinedText, EveryOrderOfGrowthGivesTheSameText) {
   }
 }
 
+// Invariant 2.
 TEST(JoinedText, ALongChainInFrontCostsAboutItsLength) {
   JoinedText text("");
   for (int i = 0; i < 1'000'000; ++i) text.prepend("x");

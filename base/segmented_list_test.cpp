@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <memory>
 #include <new>
 #include <string>
@@ -23,6 +24,18 @@ TEST(SegmentedList, HoldsItsElementsInOrder) {
   EXPECT_EQ(std::as_const(list)[999], "last");
 }
 
+// Invariants 2 and 3.
+TEST(SegmentedList, HasBlocksOfDoubleSize) {
+  SegmentedList<uint64_t> list;
+  EXPECT_EQ(list.bytes(), 0U);
+  for (const auto& [count, elements] :
+       {std::pair{1U, 8U}, {8U, 8U}, {9U, 24U}, {24U, 24U}, {25U, 56U}, {57U, 120U}}) {
+    while (list.size() < count) list.add(0);
+    EXPECT_EQ(list.bytes(), elements * sizeof(uint64_t)) << count;
+  }
+}
+
+// Invariant 1.
 TEST(SegmentedList, LeavesItsElementsWhereTheyAre) {
   SegmentedList<std::unique_ptr<int>> list;  // no copy
   std::vector<const std::unique_ptr<int>*> places;
@@ -30,9 +43,9 @@ TEST(SegmentedList, LeavesItsElementsWhereTheyAre) {
   for (int i = 0; i < 1000; ++i) places.push_back(&list.add(std::make_unique<int>(i)));
   SegmentedList<std::unique_ptr<int>> moved = std::move(list);
   for (int i = 0; i < 1000; ++i) {
-    const auto position = static_cast<size_t>(i);
-    EXPECT_EQ(&moved[position], places[position]);
-    EXPECT_EQ(*moved[position], i);
+    const auto place = static_cast<size_t>(i);
+    EXPECT_EQ(&moved[place], places[place]);
+    EXPECT_EQ(*moved[place], i);
   }
 }
 
@@ -49,6 +62,7 @@ class Reluctant {
   int copies_;
 };
 
+// Invariant 4.
 TEST(SegmentedList, IsAsBeforeWhereAnElementCannotBeAdded) {
   SegmentedList<Reluctant> list;
   for (size_t i = 0; i < 200; ++i) {  // some of them begin a block

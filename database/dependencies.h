@@ -36,6 +36,6 @@ struct Instance {
   [[nodiscard]] bool isComplete() const { return indices.size() == parm->parm.indices().size(); }
 };
 
-/// The same with index values: first what `name` says, then the other names of parameters, complete
-/// or not.
+/// As dependencies() with index values, but as instances: first the one that `name` says, then
+/// those that the other names of parameters make, complete or not. Returns a DependenciesResult.
 int dependencyInstances(Database& database, std::string_view name, std::vector<Instance>& out);

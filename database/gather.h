@@ -19,11 +19,13 @@ IndexTuple indicesOf(const VariableSource& source, const ParmDef& evaluated,
                      const IndexTuple& indices);
 
 /// The situation of one instance of a parameter, as its own expressions see it before its index
-/// values are bound. Its views hold while the staged and committed values stay as they are.
+/// values are bound. A set begins with it: the parameter's own conditions see no index value, and
+/// setValue() binds them one by one, because each index sees only those before it. Its views hold
+/// while the staged and committed values stay as they are.
 Situation gather(const ParmEntry& entry, const IndexTuple& indices, const StagedValues& staged);
 
-/// The same with the index values bound, in which defaults and ranges are evaluated. Its views hold
-/// no longer than `indices`.
+/// As gather() of the instance, with all index values bound: in it defaults and ranges are
+/// evaluated. Its views hold no longer than `indices`.
 Situation gatherBound(const ParmEntry& entry, const IndexTuple& indices,
                       const StagedValues& staged);
 

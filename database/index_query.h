@@ -1,5 +1,5 @@
-// Index queries: which of a parameter's indices exist, and which values an index takes, as a
-// transaction sees things.
+// Index queries: which of a parameter's indices are available, and which values an index takes, as
+// a transaction sees things.
 #pragma once
 
 #include <string>
@@ -20,7 +20,7 @@ std::vector<std::string> validIndices(Database& database, const StagedValues& st
 enum IndexRangeResult : int {
   INDEX_RANGE_FOUND = 0,
   INDEX_RANGE_NO_INDEX = 1,
-  INDEX_RANGE_NOT_VALID = 2,  ///< the index does not exist just now
+  INDEX_RANGE_NOT_VALID = 2,  ///< the index is not available just now
   INDEX_RANGE_TOO_LARGE = 3,  ///< what it takes has more than MAX_QUERY_BYTES
 };
 

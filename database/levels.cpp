@@ -50,7 +50,7 @@ class Graph {
   [[nodiscard]] const Nodes& naming(uint32_t node) const { return listed(naming_, node); }
   [[nodiscard]] const Nodes& holding(uint32_t node) const { return listed(holding_, node); }
 
-  // The node to which the edge `number` from a node leads, or nothing.
+  // The node to which the edge `number` from a node leads, or nullopt.
   [[nodiscard]] std::optional<uint32_t> next(uint32_t node, size_t number) const {
     const Nodes& own = isBundle(node) ? bundleOf(node).dependents : dependents_[node];
     if (number < own.size()) return own[number];
@@ -361,7 +361,7 @@ class Descent {
   std::vector<uint32_t> group_;    // by node
 };
 
-// The components that are not made of pairs; nothing where there is none.
+// The components that are not made of pairs; nullopt where there is none.
 std::optional<std::vector<bool>> findCycles(const Graph& graph, const Components& components) {
   PairCheck check(graph, components);
   std::vector<bool> cycles;

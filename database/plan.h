@@ -45,6 +45,6 @@ std::vector<ParmEntry*> dependentsOf(Database& database, std::vector<ParmEntry*>
 /// Plans the commit of what is staged: each staged entry at its parameter's level, or at level 0
 /// when nothing depends on the parameter, and every instance of every parameter that depends on a
 /// staged one, directly or through others, at its level. Instances that nobody staged are staged
-/// with their committed value. Nothing when that passes a limit; nobody is staged then, and the
+/// with their committed value. nullopt when that passes a limit; nobody is staged then, and the
 /// system log says why.
 std::optional<Plan> planCommit(Database& database, StagedValues& staged);

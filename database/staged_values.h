@@ -43,7 +43,7 @@ class StagedValues {
   /// committed value, with the reset flag clear and the force flag set; `generated` marks a new
   /// one that is no copy. Entries stay where they are until clear().
   StagedEntry& stage(ParmEntry& parm, const IndexTuple& indices, bool generated);
-  /// The same for the commit's own use, where nothing is below: a new entry is a generated one.
+  /// As stage(), for the commit's own use, where nothing is below: a new entry is a generated one.
   /// `number` is the instance's place in forEachInstance().
   StagedEntry& stageNumbered(ParmEntry& parm, const IndexTuple& indices, size_t number);
   /// Makes room for `more` entries, so that finding them later is not slowed down by growing.

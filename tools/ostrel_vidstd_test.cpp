@@ -9,14 +9,14 @@
 
 namespace {
 
-struct outcome_t {
+struct Outcome {
   std::string out;
   int status = -1;
 };
 
 // Runs a program in a shell with these arguments and redirections.
-outcome_t runProgram(const char* program, const std::string& arguments) {
-  outcome_t outcome;
+Outcome runProgram(const char* program, const std::string& arguments) {
+  Outcome outcome;
   std::FILE* const pipe = popen((std::string("'") + program + "' " + arguments).c_str(), "r");
   EXPECT_NE(pipe, nullptr);
   if (pipe == nullptr) return outcome;
@@ -28,7 +28,7 @@ outcome_t runProgram(const char* program, const std::string& arguments) {
   return outcome;
 }
 
-outcome_t run(const std::string& arguments) { return runProgram(OSTREL_VIDSTD, arguments); }
+Outcome run(const std::string& arguments) { return runProgram(OSTREL_VIDSTD, arguments); }
 
 size_t countOf(const std::string& text, const std::string& part) {
   size_t count = 0;
@@ -63,7 +63,7 @@ const char* const NO_STANDARD_XYZ =
     "ostrel-vidstd: as a value, \"xyz\" selects nothing\n";
 
 TEST(OstrelVidstd, ListsEachNameOnceInTableOrder) {
-  const outcome_t list = run("2>&1");
+  const Outcome list = run("2>&1");
   EXPECT_EQ(list.status, 0);
   EXPECT_EQ(std::count(list.out.begin(), list.out.end(), '\n'), 74);  // of 78 rows
   EXPECT_TRUE(list.out.starts_with("1080p/60.00\n1080p/59.94\n1080p/50\n")) << list.out;
@@ -72,13 +72,13 @@ TEST(OstrelVidstd, ListsEachNameOnceInTableOrder) {
 }
 
 TEST(OstrelVidstd, DescribesAStandard) {
-  const outcome_t described = run("625p/50 2>&1");
+  const Outcome described = run("625p/50 2>&1");
   EXPECT_EQ(described.status, 0);
   EXPECT_EQ(described.out, DESCRIPTION_625P);
 }
 
 TEST(OstrelVidstd, DescribesSeveralInTheOrderOfTheArguments) {
-  const outcome_t described = run("720p/50 625p/50 1080p/25sF 2>/dev/null");
+  const Outcome described = run("720p/50 625p/50 1080p/25sF 2>/dev/null");
   EXPECT_EQ(described.status, 0);
   EXPECT_TRUE(described.out.starts_with("720p/50\n1980 samples x 750 lines progressive\n"));
   EXPECT_EQ(countOf(described.out, std::string("\n\n") + DESCRIPTION_625P + "\n1080p/25sF\n"), 1U);
@@ -86,7 +86,7 @@ TEST(OstrelVidstd, DescribesSeveralInTheOrderOfTheArguments) {
 }
 
 TEST(OstrelVidstd, DescribesEveryRowOfAName) {
-  const outcome_t described = run("525i/59.94 2>&1");
+  const Outcome described = run("525i/59.94 2>&1");
   EXPECT_EQ(described.status, 0);
   EXPECT_EQ(countOf("\n\n" + described.out, "\n\n525i/59.94\n858 samples x 525 lines interlaced\n"),
             4U);
@@ -97,7 +97,7 @@ TEST(OstrelVidstd, DescribesEveryRowOfAName) {
 }
 
 TEST(OstrelVidstd, DescribesTheRowOfTheFullNameWhereAnEarlierOneBeginsIt) {
-  const outcome_t described = run("1080p/25sF 2>/dev/null");
+  const Outcome described = run("1080p/25sF 2>/dev/null");
   EXPECT_TRUE(described.out.starts_with("1080p/25sF\n2640 samples x 1125 lines p/sF\n"));
 }
 
@@ -106,7 +106,7 @@ TEST(OstrelVidstd, RefusesUnknownNamesAndDescribesTheOthers) {
   EXPECT_EQ(run("xyz 2>/dev/null").out, "");
   EXPECT_EQ(run("xyz 2>/dev/null").status, 1);
 
-  const outcome_t mixed = run("xyz 625p/50 '' 2>/dev/null");
+  const Outcome mixed = run("xyz 625p/50 '' 2>/dev/null");
   EXPECT_EQ(mixed.out, DESCRIPTION_625P);
   EXPECT_EQ(mixed.status, 1);
 
@@ -146,14 +146,14 @@ TEST(OstrelVidstd, TellsWhatASpellingSelects) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.spelling);
     const std::string quoted = std::string("'") + c.spelling + "'";
-    const outcome_t told = run("--select " + quoted + " 2>&1");
+    const Outcome told = run("--select " + quoted + " 2>&1");
     EXPECT_EQ(told.out, std::string("\"") + c.spelling + "\" selects " + c.answer + "\n");
     EXPECT_EQ(told.status, c.status);
   }
 }
 
 TEST(OstrelVidstd, TellsWhatSeveralSpellingsSelect) {
-  const outcome_t told = run("720p/60 -s 720p/50 xyz 2>&1");
+  const Outcome told = run("720p/60 -s 720p/50 xyz 2>&1");
   EXPECT_EQ(told.out,
             "\"720p/60\" selects nothing; names that begin with it: 720p/60.00\n"
             "\"720p/50\" selects the standard 720p/50\n"
@@ -180,13 +180,13 @@ TEST(OstrelVidstd, SaysWhereANameSelectsSomethingElse) {
 TEST(OstrelVidstd, DescribesItsOptions) {
   for (const char* const option : {"--help", "-?", "--help 720p/50"}) {
     SCOPED_TRACE(option);
-    const outcome_t help = run(std::string(option) + " 2>&1");
+    const Outcome help = run(std::string(option) + " 2>&1");
     EXPECT_EQ(help.status, 0);
     EXPECT_TRUE(help.out.starts_with("Usage: ostrel-vidstd [OPTION...] [NAME...]\n")) << help.out;
     EXPECT_EQ(countOf(help.out, "-s, --select"), 1U);
     EXPECT_EQ(countOf(help.out, "-V, --version"), 1U);
   }
-  const outcome_t usage = run("--usage 2>&1");
+  const Outcome usage = run("--usage 2>&1");
   EXPECT_EQ(usage.status, 0);
   EXPECT_TRUE(usage.out.starts_with("Usage: ostrel-vidstd [-s?V] ")) << usage.out;
 }
@@ -194,7 +194,7 @@ TEST(OstrelVidstd, DescribesItsOptions) {
 TEST(OstrelVidstd, HasTheVersionOfTheDaemon) {
   for (const char* const option : {"--version", "-V"}) {
     SCOPED_TRACE(option);
-    const outcome_t version = run(std::string(option) + " 2>&1");
+    const Outcome version = run(std::string(option) + " 2>&1");
     EXPECT_EQ(version.status, 0);
     EXPECT_TRUE(version.out.starts_with("ostrel Built on ")) << version.out;
     EXPECT_EQ(version.out, runProgram(OSTREL, option).out);
@@ -202,13 +202,13 @@ TEST(OstrelVidstd, HasTheVersionOfTheDaemon) {
 }
 
 TEST(OstrelVidstd, RefusesUnknownOptions) {
-  const outcome_t unknown = run("--what 2>&1 >/dev/null");
+  const Outcome unknown = run("--what 2>&1 >/dev/null");
   EXPECT_EQ(unknown.status, 64);  // as the daemon
   EXPECT_EQ(countOf(unknown.out, "unrecognized option '--what'\n"), 1U) << unknown.out;
 }
 
 TEST(OstrelVidstd, ReportsThatItCannotWrite) {
-  const outcome_t full = run("2>&1 >/dev/full");
+  const Outcome full = run("2>&1 >/dev/full");
   EXPECT_EQ(full.out, "ostrel-vidstd: cannot write: No space left on device\n");
   EXPECT_EQ(full.status, 1);
 }

@@ -37,7 +37,7 @@ struct Token {
 };
 
 /// An expression as it was read, without the parentheses around it. It owns none of its tokens and
-/// texts: they are in the arena that it was read into (ParameterRecords::memory() for a definition
+/// texts: they are in the arena that it was read into (ParameterRecords::arena() for a definition
 /// text), and valid as long as that. To copy it is cheap.
 struct Expression {
   std::span<const Token> tokens;

@@ -9,7 +9,7 @@
 #include "deflang/text/text_cursor.h"
 
 /// Reads definitions up to the end of the text, or up to the first error, into `records`. The
-/// cursor has to be one on `records.memory()`. A definition that the text leaves unfinished keeps
+/// cursor has to be one on `records.arena()`. A definition that the text leaves unfinished keeps
 /// its complete statements: from `gain rw { default { 1 } ctrlRO ( x` comes a record with the
 /// default alone.
 /// Returns the cursor's result: PARSE_DONE at the end of the text, also within a definition;

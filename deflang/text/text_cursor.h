@@ -54,7 +54,7 @@ class StopSet {
 /// character of a bare number that belongs to no number. Nothing is read after that.
 ///
 /// Every view of the line is valid until the next line is pulled. What outlives it has to be kept
-/// in memory(). Exhausted memory raises std::bad_alloc.
+/// in arena(). Exhausted memory raises std::bad_alloc.
 class TextCursor {
  public:
   /// Gives the next line of the text, with its newline if it has one; returns false where the text

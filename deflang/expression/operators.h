@@ -8,7 +8,7 @@
 #include <optional>
 #include <string_view>
 
-/// The codes number the rows of the operator table, so they have no gaps.
+/// The codes share one range with the token kinds (see token.h).
 enum OperatorCode : int32_t {
   OP_LOGICAL_OR = 0,      ///< ||, the loosest
   OP_LOGICAL_AND = 1,     ///< &&
@@ -30,12 +30,12 @@ enum OperatorCode : int32_t {
   OP_REMAINDER = 17,      ///< %, with the sign of the left operand
   OP_CONTAINS = 18,       ///< $, whether the left text contains the right one
 };
-constexpr int32_t OPERATOR_COUNT = 19;
 
-/// Whether `kind` is an OperatorCode and not a TokenKind.
-constexpr bool isOperator(int32_t kind) { return kind >= 0 && kind < OPERATOR_COUNT; }
-/// Whether `kind` is one of == != < > <= >=, which also compare texts.
-constexpr bool isComparison(int32_t kind) { return kind >= OP_EQUAL && kind <= OP_GREATER_EQUAL; }
+/// Whether `kind` is the code of an operator and not a TokenKind.
+bool isOperator(int32_t kind);
+/// Whether the operator has a result for texts, other than the one of the numbers at their starts:
+/// == != < > <= >= and $.
+bool comparesTexts(int32_t code);
 
 /// An operator or parenthesis at the start of a text.
 struct OperatorText {

@@ -22,7 +22,6 @@ const OperatorRow ROWS[] = {
 };
 
 TEST(Operators, HaveATextACodeAndALevel) {
-  ASSERT_EQ(std::size(ROWS), static_cast<size_t>(OPERATOR_COUNT));
   for (const OperatorRow& row : ROWS) {
     SCOPED_TRACE(row.text);
     for (const char* after : {"", " ", "1", "a", "(", "\""}) {
@@ -35,7 +34,7 @@ TEST(Operators, HaveATextACodeAndALevel) {
     }
     EXPECT_EQ(precedence(row.code), row.level);
     EXPECT_TRUE(isOperator(row.code));
-    EXPECT_EQ(isComparison(row.code), row.level == 4 || row.level == 5);
+    EXPECT_EQ(comparesTexts(row.code), row.level == 4 || row.level == 5 || row.text == "$");
   }
 }
 
@@ -71,11 +70,11 @@ TEST(Operators, NothingElseIsOne) {
 }
 
 TEST(Operators, WhatIsNoneHasNoLevel) {
-  for (const int32_t kind : {19, 20, 21, -1, -2, -3, INT32_MAX, INT32_MIN}) {
+  for (const int32_t kind : {19, 20, 21, 22, -1, -2, -3, INT32_MAX, INT32_MIN}) {
     SCOPED_TRACE(kind);
     EXPECT_EQ(precedence(kind), -1);
     EXPECT_FALSE(isOperator(kind));
-    EXPECT_FALSE(isComparison(kind));
+    EXPECT_FALSE(comparesTexts(kind));
   }
 }
 
@@ -192,7 +191,7 @@ TEST(Calculate, ComparesWithSign) {
 }
 
 TEST(Calculate, KnowsNoOtherOperator) {
-  for (const int32_t code : {static_cast<int32_t>(OP_CONTAINS), OPERATOR_COUNT, -1}) {
+  for (const int32_t code : {static_cast<int32_t>(OP_CONTAINS), 19, 22, -1}) {
     SCOPED_TRACE(code);
     EXPECT_EQ(calculate(code, 1, 1), std::nullopt);
   }
@@ -218,7 +217,7 @@ TEST(Absorb, TheDefinedSideDecidesWhereTheOtherOneCannot) {
 }
 
 TEST(Absorb, NoOtherOperatorDoesWithOneOperand) {
-  for (int32_t code = OP_EQUAL; code < OPERATOR_COUNT; ++code) {
+  for (int32_t code = OP_EQUAL; code <= OP_CONTAINS; ++code) {
     for (const int32_t defined : {0, 1, -1, 5}) {
       SCOPED_TRACE(std::to_string(code) + " " + std::to_string(defined));
       EXPECT_EQ(absorb(code, defined), std::nullopt);

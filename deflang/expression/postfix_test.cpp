@@ -164,7 +164,7 @@ TEST(Postfix, RefusesWhatNoReaderMakes) {
        ofKinds({TOKEN_NUMBER, OP_ADD, TOKEN_NUMBER, TOKEN_OPEN}), 4},
       {"an operator with one operand in an open group",
        ofKinds({TOKEN_NUMBER, TOKEN_OPEN, TOKEN_NUMBER, OP_ADD}), 4},
-      {"an unknown operator", ofKinds({TOKEN_NUMBER, OPERATOR_COUNT + 3, TOKEN_NUMBER}), 2},
+      {"an unknown operator", ofKinds({TOKEN_NUMBER, 22, TOKEN_NUMBER}), 2},
       {"a code below the operators", ofKinds({TOKEN_NUMBER, -1, TOKEN_NUMBER}), 2},
   };
   for (const KindsCase& c : cases) {

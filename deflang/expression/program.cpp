@@ -129,7 +129,7 @@ class Program::Evaluation {
     }
     if (left.isInvalid() || right.isInvalid()) return applyToOne(code, left, right);
     if (code == OP_ADD) return join(left, right);
-    if (code == OP_CONTAINS || isComparison(code)) {
+    if (comparesTexts(code)) {
       std::string leftDigits;
       std::string rightDigits;
       const std::string_view leftText = toText(left, leftDigits);

@@ -18,7 +18,7 @@ struct Position {
 };
 
 /// What a token is, where it is no operator. The numbers share one range with the codes of the
-/// operators, 0 to 18 (see operators.h), so that a token and a step of a program each need only
+/// operators (see operators.h), so that a token and a step of a program each need only
 /// one. -1 is left out: it is the kind of an undefined operand.
 enum TokenKind : int32_t {
   TOKEN_OPEN = -3,      ///< "("

@@ -20,9 +20,7 @@ std::string operandText(const Operand& operand) {
 
 void BoundVariables::add(const Variables& variables, const Situation& situation) {
   for (uint32_t slot = 0; slot < variables.size(); ++slot) {
-    if (situation[slot].kind != OPERAND_INVALID) {
-      values_.emplace(variables[slot], situation[slot]);
-    }
+    if (situation[slot].kind != OPERAND_INVALID) values_.emplace(variables[slot], situation[slot]);
   }
 }
 

@@ -28,8 +28,9 @@ TEST(LineTexts, ReplacesALineThatIsKeptAgain) {
 
 TEST(LineTexts, TakesLinesInAnyOrder) {
   LineTexts lines;
-  for (const uint32_t number : {7U, 3U, UINT32_MAX, 0U, 5U})
+  for (const uint32_t number : {7U, 3U, UINT32_MAX, 0U, 5U}) {
     lines.add(number, std::to_string(number));
+  }
   for (const uint32_t number : {7U, 3U, UINT32_MAX, 0U, 5U}) {
     EXPECT_EQ(lines.find(number), std::to_string(number));
   }

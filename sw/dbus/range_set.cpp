@@ -35,9 +35,7 @@ bool isFullName(std::string_view name) {
 }  // namespace
 
 int RangeSet::findBounds(std::string_view name, const BoundsParm*& bounds) {
-  if (!isFullName(name)) {
-    name = fullNames_.add(fullName(baseName(name), splitName(name).indices));
-  }
+  if (!isFullName(name)) name = fullNames_.add(fullName(baseName(name), splitName(name).indices));
   Known& instance = known_[name];
   if (instance.bounds == nullptr) {
     BoundsParm& found = bounds_.add({});

@@ -16,9 +16,7 @@ class RuleSituation {
 
   // Makes `value` the value under test; it has to stay unchanged until the next call.
   void bind(const std::string& value) {
-    if (slot_) {
-      situation_.bind(*slot_, operandOf(value));
-    }
+    if (slot_) situation_.bind(*slot_, operandOf(value));
   }
   [[nodiscard]] bool violates(const ConstraintRule& rule) const {
     return rule.condition.isTrue(situation_) && !rule.test.isTrue(situation_);

@@ -72,9 +72,7 @@ bool IndexDef::isValid(const SituationView& situation) const {
 void IndexDef::translate(std::string& value) const {
   if (translations().empty()) return;
   const auto found = translations().find(value);
-  if (found != translations().end()) {
-    value = found->second;
-  }
+  if (found != translations().end()) value = found->second;
 }
 
 void IndexDef::translateTwice(std::string& value) const {

@@ -166,8 +166,6 @@ CommittedValue& ParmDef::stored(const IndexTuple& indices) {
   // The value is added first, the suffix second. Where memory runs out in between, the value stays
   // without a suffix, and the next new instance takes it.
   const size_t number = indexing.suffixes.size();
-  if (indexing.values.size() == number) {
-    indexing.values.add({});
-  }
+  if (indexing.values.size() == number) indexing.values.add({});
   return indexing.values[indexing.suffixes.intern(suffix)];
 }

@@ -39,9 +39,7 @@ bool PresentBounds::judge(std::string& value) const {
   const bool accepted =
       std::any_of(applying_.begin() + 1, applying_.end(),
                   [&](const BoundsParm* bounds) { return bounds->check(value, false); });
-  if (!accepted) {
-    value = std::move(corrected);
-  }
+  if (!accepted) value = std::move(corrected);
   return accepted;
 }
 
@@ -49,8 +47,6 @@ bool BoundsCheck::accepts(std::string value) {
   definition_.translateTwice(value);
   if (!definition_.baseBounds().check(value, true)) return false;
   if (definition_.conditionalBounds().empty()) return true;
-  if (!present_) {
-    present_.emplace(definition_.conditionalBounds(), situation_, UNUSABLE_ACCEPTS);
-  }
+  if (!present_) present_.emplace(definition_.conditionalBounds(), situation_, UNUSABLE_ACCEPTS);
   return present_->judge(value);
 }

@@ -29,9 +29,7 @@ std::string countFault(const ParmDef& parm, const IndexTuple& indices) {
 // it.
 bool takesValue(PresentIndex& index, const std::string& value, IndexFault* fault) {
   if (!index.isValid()) {
-    if (fault != nullptr) {
-      *fault = {"Invalid index[" + index.name() + "]", true};
-    }
+    if (fault != nullptr) *fault = {"Invalid index[" + index.name() + "]", true};
     return false;
   }
   if (!index.takes(value)) {
@@ -69,9 +67,7 @@ bool bindIndices(const Setting& set, const IndexTuple& indices, bool isStored, I
     }
     parm.bindIndex(set.situation, i, indices[i]);
   }
-  if (!isComplete && fault != nullptr) {
-    *fault = {countFault(parm, indices), false};
-  }
+  if (!isComplete && fault != nullptr) *fault = {countFault(parm, indices), false};
   return isComplete;
 }
 

@@ -39,9 +39,7 @@ void buildIndices(DefinitionDraft& draft) {
     }
   }
   const auto second = std::next(statements.begin());
-  if (second != statements.end()) {
-    draft.warn(DIAG_MULTIPLE_INDEX_STATEMENTS, second->front().at);
-  }
+  if (second != statements.end()) draft.warn(DIAG_MULTIPLE_INDEX_STATEMENTS, second->front().at);
 }
 
 void warnAboutIndices(DefinitionDraft& draft) {

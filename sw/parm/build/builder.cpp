@@ -98,9 +98,7 @@ class Builder {
   void finish() {
     std::string name;
     const int result = context_.registry().finish(name);
-    if (result != 0) {
-      fprintf(stderr, "Error creating parameter definitions: %s\n", name.c_str());
-    }
+    if (result != 0) fprintf(stderr, "Error creating parameter definitions: %s\n", name.c_str());
     context_.note(result);
   }
 

@@ -272,8 +272,9 @@ class Dice {
     for (const char* const name : CONDITIONS) {
       if (roll(8) != 0) scene.texts[name] = roll(4) != 0 ? "1" : "0";
     }
-    if (roll(4) == 0)
+    if (roll(4) == 0) {
       scene.translations = {{"auto", number()}, {"off", "auto"}, {number(), value()}};
+    }
     return scene;
   }
 

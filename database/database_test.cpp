@@ -19,9 +19,7 @@ template struct LastWalk<&Database::walks_>;
 std::unique_ptr<ParmDef> parmNamed(const std::string& name, const std::string& refersTo = "") {
   DefinitionParts parts;
   parts.name = name;
-  if (!refersTo.empty()) {
-    parts.variables.intern(refersTo);
-  }
+  if (!refersTo.empty()) parts.variables.intern(refersTo);
   return std::make_unique<ParmDef>(std::move(parts), ParmParts{});
 }
 
@@ -247,9 +245,7 @@ TEST(Database, ListsItsParametersInNameOrder) {
   for (const char* name : {"b", "a1", "a"}) EXPECT_EQ(database.registerParm(parmNamed(name)), 0);
   EXPECT_EQ(database.registerIndex(indexNamed("i")), 0);
   std::vector<std::string> names;
-  for (const ParmEntry* entry : database.parmsInNameOrder()) {
-    names.push_back(entry->parm.name());
-  }
+  for (const ParmEntry* entry : database.parmsInNameOrder()) names.push_back(entry->parm.name());
   EXPECT_EQ(names, (std::vector<std::string>{"a", "a1", "b"}));
 }
 

@@ -96,9 +96,7 @@ std::string randomIndex(std::mt19937& random) {
   for (size_t count = random() % 3; count > 0; --count) {
     text += "rangeValid (mode != " + number() + ") { " + item() + ", " + item() + " }\n";
   }
-  if (random() % 2 == 0) {
-    text += "valueChange { \"" + number() + "\" -> \"" + number() + "\" }\n";
-  }
+  if (random() % 2 == 0) text += "valueChange { \"" + number() + "\" -> \"" + number() + "\" }\n";
   return text + "}\nmode rw { }\nlow rw { }\n";
 }
 

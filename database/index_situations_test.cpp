@@ -84,12 +84,8 @@ TEST_F(IndexSituationsTest, AreThoseOfEachInstanceWhereANameDependsOnIt) {
 }
 
 TEST_F(IndexSituationsTest, DependOnTheParametersThatAnIndexInUseNames) {
-  for (const char* name : {"mode", "other", "q"}) {
-    EXPECT_TRUE(parm(name).isNamedByIndices) << name;
-  }
-  for (const char* name : {"p", "r", "alone"}) {
-    EXPECT_FALSE(parm(name).isNamedByIndices) << name;
-  }
+  for (const char* name : {"mode", "other", "q"}) EXPECT_TRUE(parm(name).isNamedByIndices) << name;
+  for (const char* name : {"p", "r", "alone"}) EXPECT_FALSE(parm(name).isNamedByIndices) << name;
 }
 
 // A transaction in a random device, in which values change one after the other as in a commit.

@@ -123,9 +123,7 @@ std::optional<Levels> bruteForceLevels(const DependentsGraph& graph) {
       for (const uint32_t dependent : graph[node]) {
         const bool isPair = depends(node, dependent);
         next[dependent] = std::max(next[dependent], next[node] + (isPair ? 0 : 1));
-        if (isPair) {
-          next[node] = std::max(next[node], next[dependent]);
-        }
+        if (isPair) next[node] = std::max(next[node], next[dependent]);
       }
     }
     if (next == levels) return levels;
@@ -143,9 +141,7 @@ TEST(Levels, AgreeWithBruteForceOnRandomGraphs) {
     const uint32_t density = 3 + random() % 8;
     for (uint32_t node = 0; node < graph.size(); ++node) {
       for (uint32_t dependent = 0; dependent < graph.size(); ++dependent) {
-        if (random() % density == 0) {
-          graph[node].push_back(dependent);
-        }
+        if (random() % density == 0) graph[node].push_back(dependent);
       }
     }
     const std::optional<Levels> expected = bruteForceLevels(graph);
@@ -313,9 +309,7 @@ TEST(Levels, TakeLongChainsAndManyPairsWithoutRecursion) {
   DependentsGraph chain(nodes);
   DependentsGraph pairs(nodes);
   for (uint32_t node = 0; node < nodes; ++node) {
-    if (node + 1 < nodes) {
-      chain[node] = {node + 1};
-    }
+    if (node + 1 < nodes) chain[node] = {node + 1};
     pairs[node] = {node ^ 1U};
   }
   EXPECT_EQ(levelsOf(chain).back(), nodes - 1);

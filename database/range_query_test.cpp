@@ -39,9 +39,7 @@ class RangeQueryTest : public testing::Test {
     for (const Span& span : bounds.integers().spans()) {
       out += std::to_string(span.first) + ".." + std::to_string(span.second) + " ";
     }
-    for (const std::string& allowed : bounds.strings().texts()) {
-      out += allowed + " ";
-    }
+    for (const std::string& allowed : bounds.strings().texts()) out += allowed + " ";
     return out;
   }
 

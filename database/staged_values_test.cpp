@@ -98,9 +98,7 @@ TEST_F(StagedValuesTest, AreListedByFullNameAndCleared) {
   staged.stage(*gain_, {"2"}, false);
   staged.stage(*gain_, {"10"}, false);
   std::vector<std::string> names;
-  for (const StagedEntry* entry : staged.inNameOrder()) {
-    names.push_back(fullName(*entry));
-  }
+  for (const StagedEntry* entry : staged.inNameOrder()) names.push_back(fullName(*entry));
   EXPECT_EQ(names, (std::vector<std::string>{"gain[10]", "gain[2]", "mode"}));
   staged.clear();
   EXPECT_TRUE(staged.empty());

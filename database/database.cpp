@@ -21,17 +21,11 @@ class NameGraph {
       : nodes_(parms.size()) {
     for (const ParmEntry* parm : parms) {
       for (const VariableSource& source : parm->sources) {
-        if (source.name != THIS_VALUE) {
-          nodes_[nodeOf(source)].push_back(parm->rank);
-        }
+        if (source.name != THIS_VALUE) nodes_[nodeOf(source)].push_back(parm->rank);
       }
     }
-    for (std::vector<uint32_t>& dependents : nodes_) {
-      dropRepetitions(dependents);
-    }
-    for (auto& [name, index] : indices) {
-      addBundle(index);
-    }
+    for (std::vector<uint32_t>& dependents : nodes_) dropRepetitions(dependents);
+    for (auto& [name, index] : indices) addBundle(index);
   }
   [[nodiscard]] const DependentsGraph& dependents() const { return nodes_; }
   [[nodiscard]] const std::vector<Bundle>& bundles() const { return bundles_; }
@@ -46,9 +40,7 @@ class NameGraph {
   void addBundle(IndexEntry& index) {
     Bundle bundle;
     for (const VariableSource& source : index.sources) {
-      if (source.name != THIS_VALUE) {
-        bundle.names.push_back(static_cast<uint32_t>(nodeOf(source)));
-      }
+      if (source.name != THIS_VALUE) bundle.names.push_back(static_cast<uint32_t>(nodeOf(source)));
     }
     if (bundle.names.empty() || index.dependents.empty()) return;
     std::sort(bundle.names.begin(), bundle.names.end());
@@ -63,9 +55,7 @@ class NameGraph {
   size_t nodeOf(const VariableSource& source) {
     if (source.parm != nullptr) return source.parm->rank;
     const auto [found, isNew] = others_.emplace(source.name, nodes_.size());
-    if (isNew) {
-      nodes_.emplace_back();
-    }
+    if (isNew) nodes_.emplace_back();
     return found->second;
   }
 
@@ -125,9 +115,7 @@ IndexEntry* Database::findIndexEntry(std::string_view name) {
 std::vector<ParmEntry*> Database::parmsInNameOrder() {
   std::vector<ParmEntry*> parms;
   parms.reserve(parms_.size());
-  for (size_t i = 0; i < parms_.size(); ++i) {
-    parms.push_back(&parms_[i]);
-  }
+  for (size_t i = 0; i < parms_.size(); ++i) parms.push_back(&parms_[i]);
   const auto comesBefore = [](const ParmEntry* a, const ParmEntry* b) {
     return a->parm.name() < b->parm.name();
   };
@@ -137,12 +125,8 @@ std::vector<ParmEntry*> Database::parmsInNameOrder() {
 
 uint32_t Database::newWalk() {
   if (++walks_ == 0) {
-    for (size_t i = 0; i < parms_.size(); ++i) {
-      parms_[i].walk = 0;
-    }
-    for (auto& [name, index] : indices_) {
-      index.walk = 0;
-    }
+    for (size_t i = 0; i < parms_.size(); ++i) parms_[i].walk = 0;
+    for (auto& [name, index] : indices_) index.walk = 0;
     ++walks_;
   }
   return walks_;
@@ -171,9 +155,7 @@ VariableSource Database::findSource(std::string_view variable) {
   source.qualified = source.name.find('[') != std::string_view::npos;
   source.indices = std::move(parts.indices);
   const auto constant = constants_.find(source.name);
-  if (source.parm == nullptr && constant != constants_.end()) {
-    source.constant = &constant->second;
-  }
+  if (source.parm == nullptr && constant != constants_.end()) source.constant = &constant->second;
   return source;
 }
 
@@ -205,9 +187,7 @@ void Database::linkIndices(const std::vector<ParmEntry*>& parms) {
     for (const IndexDef* index : entry->parm.indices()) {
       IndexEntry& own = *findIndexEntry(index->name());
       entry->indices.change().own.push_back(&own);
-      if (own.dependents.empty() || own.dependents.back() != entry) {
-        own.dependents.push_back(entry);
-      }
+      if (own.dependents.empty() || own.dependents.back() != entry) own.dependents.push_back(entry);
     }
   }
 }

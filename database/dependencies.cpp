@@ -84,9 +84,7 @@ class ReferenceWalk {
         continue;
       }
       if (!take(source, reader)) return false;
-      if (source.parm != nullptr) {
-        go(*source.parm, readerBehind(source, reader));
-      }
+      if (source.parm != nullptr) go(*source.parm, readerBehind(source, reader));
     }
     return true;
   }
@@ -95,16 +93,12 @@ class ReferenceWalk {
   const Reader& readerBehind(const VariableSource& source, const Reader& reader) {
     if (asWritten_ || !source.qualified) return reader;
     const Reader*& named = named_[source.name];
-    if (named == nullptr) {
-      named = &readers_.emplace_front(Reader{source.parm, source.indices});
-    }
+    if (named == nullptr) named = &readers_.emplace_front(Reader{source.parm, source.indices});
     return *named;
   }
 
   void go(const ParmEntry& entry, const Reader& reader) {
-    if (reached_.insert({&entry, &reader}).second) {
-      open_.emplace_back(&entry, &reader);
-    }
+    if (reached_.insert({&entry, &reader}).second) open_.emplace_back(&entry, &reader);
   }
 
   const bool asWritten_;

@@ -20,13 +20,9 @@ class TurningPoints {
     const PresentBounds present(index.conditionalBounds(), situation, UNUSABLE_ACCEPTS);
     for (const BoundsParm* bounds : present.applying()) {
       addSpans(*bounds);
-      for (const std::string& text : bounds->strings().texts()) {
-        addText(text);
-      }
+      for (const std::string& text : bounds->strings().texts()) addText(text);
     }
-    for (const auto& [source, target] : index.translations()) {
-      addText(source);
-    }
+    for (const auto& [source, target] : index.translations()) addText(source);
     std::sort(points_.begin(), points_.end());
   }
 
@@ -42,15 +38,11 @@ class TurningPoints {
     points_.push_back(high + 1);
   }
   void addSpans(const BoundsParm& bounds) {
-    for (const Span& span : bounds.integers().spans()) {
-      add(span.first, span.second);
-    }
+    for (const Span& span : bounds.integers().spans()) add(span.first, span.second);
   }
   // A text that is a number means that one number.
   void addText(const std::string& text) {
-    if (const std::optional<int32_t> number = wholeNumber(text)) {
-      add(*number, *number);
-    }
+    if (const std::optional<int32_t> number = wholeNumber(text)) add(*number, *number);
   }
 
   std::vector<int64_t> points_;  // ascending

@@ -20,8 +20,6 @@ PresentIndex& IndexSituations::at(const ParmEntry& parm, const IndexTuple& indic
 void IndexSituations::forget(const ParmEntry& parm) {
   for (const IndexEntry* index : parm.indices->naming) {
     const auto known = shared_.find(index);
-    if (known != shared_.end()) {
-      known->second.reset();
-    }
+    if (known != shared_.end()) known->second.reset();
   }
 }

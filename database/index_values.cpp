@@ -44,9 +44,7 @@ bool advance(std::vector<size_t>& places,
 }  // namespace
 
 const std::vector<std::string>& indexValues(IndexEntry& index) {
-  if (index.values.empty()) {
-    index.values = valuesOf(index.index->baseBounds());
-  }
+  if (index.values.empty()) index.values = valuesOf(index.index->baseBounds());
   return index.values;
 }
 
@@ -76,9 +74,7 @@ void forEachInstance(Database& database, const ParmDef& parm,
   std::vector<size_t> places(values.size(), 0);
   IndexTuple indices(values.size());
   do {
-    for (size_t i = 0; i < values.size(); ++i) {
-      indices[i] = (*values[i])[places[i]];
-    }
+    for (size_t i = 0; i < values.size(); ++i) indices[i] = (*values[i])[places[i]];
     visit(indices);
   } while (advance(places, values));
 }

@@ -27,9 +27,7 @@ class Graph {
     naming_.resize(dependents.size());
     holding_.resize(dependents.size());
     for (uint32_t number = 0; number < bundles.size(); ++number) {
-      for (const uint32_t name : bundles[number].names) {
-        naming_[name].push_back(number);
-      }
+      for (const uint32_t name : bundles[number].names) naming_[name].push_back(number);
       for (const uint32_t dependent : bundles[number].dependents) {
         holding_[dependent].push_back(number);
       }
@@ -63,9 +61,7 @@ class Graph {
     if (contains(dependents_[name], node)) return true;
     const Nodes* few = &naming(name);
     const Nodes* many = &holding(node);
-    if (few->size() > many->size()) {
-      std::swap(few, many);
-    }
+    if (few->size() > many->size()) std::swap(few, many);
     return std::any_of(few->begin(), few->end(),
                        [many](uint32_t bundle) { return contains(*many, bundle); });
   }
@@ -89,9 +85,7 @@ class Components {
   explicit Components(const Graph& graph) : graph_(graph), of_(graph.size(), NONE) {
     std::vector<uint32_t> lowest(graph.size(), NONE);
     for (uint32_t node = 0; node < graph.size(); ++node) {
-      if (lowest[node] == NONE) {
-        walk(node, lowest);
-      }
+      if (lowest[node] == NONE) walk(node, lowest);
     }
     begins_.push_back(static_cast<uint32_t>(nodes_.size()));
   }
@@ -125,9 +119,7 @@ class Components {
         }
         continue;
       }
-      if (lowest[node] == step.number) {
-        close(node);
-      }
+      if (lowest[node] == step.number) close(node);
       steps_.pop_back();
       if (!steps_.empty()) {
         uint32_t& before = lowest[steps_.back().node];
@@ -169,9 +161,7 @@ void forEachAbove(const Graph& graph, const Components& components, uint32_t com
                   const Take& take) {
   for (const uint32_t node : components.nodes(component)) {
     for (size_t edge = 0; const std::optional<uint32_t> next = graph.next(node, edge); ++edge) {
-      if (components.of(*next) != component) {
-        take(*next);
-      }
+      if (components.of(*next) != component) take(*next);
     }
   }
 }
@@ -264,9 +254,7 @@ class Descent {
     }
     for (uint32_t name = 0; name < namedBy_.size(); ++name) {
       if (isStuck(name)) {
-        for (const uint32_t dependent : graph.dependents(name)) {
-          namedBy_[dependent].push_back(name);
-        }
+        for (const uint32_t dependent : graph.dependents(name)) namedBy_[dependent].push_back(name);
       }
     }
     for (const Bundle& bundle : graph.bundles()) {
@@ -279,9 +267,7 @@ class Descent {
 
   [[nodiscard]] uint32_t nodeOnCycle() {
     uint32_t node = 0;
-    while (!isStuck(node)) {
-      ++node;
-    }
+    while (!isStuck(node)) ++node;
     Edge edge{node, node};
     std::vector<Edge> ways;  // by group
     while (group_[edge.name] == NONE) {
@@ -345,9 +331,7 @@ class Descent {
     };
     for (const uint32_t dependent : members) {
       look(namedBy_[dependent], dependent);
-      for (const uint32_t bundle : graph_.holding(dependent)) {
-        look(stuckNames_[bundle], dependent);
-      }
+      for (const uint32_t bundle : graph_.holding(dependent)) look(stuckNames_[bundle], dependent);
     }
     return first;
   }

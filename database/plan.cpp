@@ -87,9 +87,7 @@ std::vector<ParmEntry*> dependentsOf(Database& database, std::vector<ParmEntry*>
     reach(parm.dependents);
     if (!parm.isNamedByIndices) continue;
     for (IndexEntry* index : parm.indices->naming) {
-      if (std::exchange(index->walk, walk) != walk) {
-        reach(index->dependents);
-      }
+      if (std::exchange(index->walk, walk) != walk) reach(index->dependents);
     }
   }
   std::sort(dependents.begin(), dependents.end(), [](const ParmEntry* a, const ParmEntry* b) {

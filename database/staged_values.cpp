@@ -13,9 +13,7 @@ namespace {
 size_t hashOf(const ParmEntry& parm, const IndexTuple& indices) {
   constexpr size_t SPREAD = 0x9e3779b97f4a7c15U;  // 2^64 divided by the golden ratio
   size_t hash = (parm.rank + 1) * SPREAD;
-  for (const std::string& value : indices) {
-    hash = (hash ^ std::hash<std::string>{}(value)) * SPREAD;
-  }
+  for (const std::string& value : indices) hash = (hash ^ std::hash<std::string>{}(value)) * SPREAD;
   return hash >> 32U;
 }
 
@@ -27,9 +25,7 @@ StagedEntry newEntry(ParmEntry& parm, const IndexTuple& indices, bool generated,
   entry.indices = indices;
   entry.generated = generated;
   entry.held = held;
-  if (held != nullptr) {
-    entry.value = held->value;
-  }
+  if (held != nullptr) entry.value = held->value;
   return entry;
 }
 
@@ -110,9 +106,7 @@ std::vector<StagedEntry*> StagedValues::inNameOrder() {
   std::sort(named.begin(), named.end());
   std::vector<StagedEntry*> entries;
   entries.reserve(named.size());
-  for (const auto& [name, entry] : named) {
-    entries.push_back(entry);
-  }
+  for (const auto& [name, entry] : named) entries.push_back(entry);
   return entries;
 }
 
@@ -129,9 +123,7 @@ size_t StagedValues::bytes() const {
     const StagedEntry& entry = entries_[i];
     bytes += textBytes(entry.value.text()) +
              allocated(entry.indices.capacity() * sizeof(IndexTuple::value_type));
-    for (const std::string& value : entry.indices) {
-      bytes += textBytes(value);
-    }
+    for (const std::string& value : entry.indices) bytes += textBytes(value);
   }
   return bytes;
 }

@@ -4,9 +4,7 @@
 
 std::string BusMethod::inType() const {
   std::string type = "(";
-  for (const BusArgument& argument : in) {
-    type += argument.type;
-  }
+  for (const BusArgument& argument : in) type += argument.type;
   return type + ")";
 }
 

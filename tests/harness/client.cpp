@@ -18,9 +18,7 @@ struct CallText {
 
 // "get_deps('a')" has a tuple of one, which GLib writes with a comma.
 std::string tupleText(const BusMethod& method, std::string text) {
-  if (method.in.size() == 1) {
-    text.insert(text.size() - 1, ",");
-  }
+  if (method.in.size() == 1) text.insert(text.size() - 1, ",");
   return text;
 }
 
@@ -56,9 +54,7 @@ Reply replyOf(GVariant* value, GError* error) {
   reply.value.reset(value);
   if (error != nullptr) {
     gchar* name = g_dbus_error_get_remote_error(error);
-    if (name != nullptr) {
-      g_dbus_error_strip_remote_error(error);
-    }
+    if (name != nullptr) g_dbus_error_strip_remote_error(error);
     reply.errorName = name == nullptr ? "(no reply)" : name;
     reply.errorMessage = error->message;
     g_free(name);
@@ -106,9 +102,7 @@ std::vector<std::string> textsOf(GVariant* array) {
   GVariantIter iterator;
   g_variant_iter_init(&iterator, array);
   const gchar* text = nullptr;
-  while (g_variant_iter_next(&iterator, "&s", &text) != FALSE) {
-    texts.emplace_back(text);
-  }
+  while (g_variant_iter_next(&iterator, "&s", &text) != FALSE) texts.emplace_back(text);
   return texts;
 }
 
@@ -156,9 +150,7 @@ bool Client::waitForService(const Process& daemon) {
                                      &onNameAppeared, nullptr, &appeared, nullptr);
   const guint end = g_unix_fd_add(daemon.endDescriptor(), G_IO_IN, &stopWaitingAtEnd, &waiting);
   const guint timeout = g_timeout_add_seconds(PATIENCE, &stopWaiting, &waiting);
-  while (!appeared && waiting) {
-    g_main_context_iteration(nullptr, TRUE);
-  }
+  while (!appeared && waiting) g_main_context_iteration(nullptr, TRUE);
   g_bus_unwatch_name(watch);
   g_source_remove(end);
   g_source_remove(timeout);
@@ -190,9 +182,7 @@ void Client::send(const std::string& text) {
 std::vector<std::string> Client::collectAnswers(size_t count) {
   std::vector<std::string> answers;
   for (; answers.size() < count; pending_.pop_front()) {
-    while (!pending_.front()->done) {
-      g_main_context_iteration(nullptr, TRUE);
-    }
+    while (!pending_.front()->done) g_main_context_iteration(nullptr, TRUE);
     answers.push_back(pending_.front()->answer);
   }
   return answers;

@@ -57,9 +57,7 @@ Process::Options processOptions(const Daemon::Options& options, const std::strin
       .input = options.text,
       .inputStaysOpen = options.inputStaysOpen,
       .outputToPipe = options.outputToPipe};
-  for (const auto& [name, value] : options.environment) {
-    result.environment[name] = value;
-  }
+  for (const auto& [name, value] : options.environment) result.environment[name] = value;
   return result;
 }
 

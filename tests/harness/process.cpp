@@ -62,9 +62,7 @@ std::string contentsOfPipe(int pipeEnd) {
 std::vector<char*> pointers(const std::vector<std::string>& texts) {
   std::vector<char*> result;
   result.reserve(texts.size() + 1);
-  for (const std::string& text : texts) {
-    result.push_back(const_cast<char*>(text.c_str()));
-  }
+  for (const std::string& text : texts) result.push_back(const_cast<char*>(text.c_str()));
   result.push_back(nullptr);
   return result;
 }
@@ -73,14 +71,10 @@ std::vector<std::string> environmentWith(const std::map<std::string, std::string
   std::vector<std::string> result;
   for (char** entry = environ; *entry != nullptr; ++entry) {
     const std::string_view text = *entry;
-    if (!changes.contains(std::string(text.substr(0, text.find('='))))) {
-      result.emplace_back(text);
-    }
+    if (!changes.contains(std::string(text.substr(0, text.find('='))))) result.emplace_back(text);
   }
   for (const auto& [name, value] : changes) {
-    if (!value.empty()) {
-      result.push_back(std::string(name).append("=").append(value));
-    }
+    if (!value.empty()) result.push_back(std::string(name).append("=").append(value));
   }
   return result;
 }
@@ -135,12 +129,8 @@ Process::Process(const Options& options) : outputToPipe_(options.outputToPipe) {
   // By its number: the C library's header of this call is not one for C++ in every version.
   end_ = orDie(static_cast<int>(syscall(SYS_pidfd_open, pid_, 0)), "pidfd_open");
   close(inputPipe[0]);
-  if (outputToPipe_) {
-    close(outputPipe[1]);
-  }
-  if (options.inputStaysOpen) {
-    write(options.input);
-  }
+  if (outputToPipe_) close(outputPipe[1]);
+  if (options.inputStaysOpen) write(options.input);
 }
 
 Process::~Process() {
@@ -149,9 +139,7 @@ Process::~Process() {
     waitpid(pid_, nullptr, 0);
   }
   for (const int descriptor : {end_, input_, out_, err_}) {
-    if (descriptor >= 0) {
-      close(descriptor);
-    }
+    if (descriptor >= 0) close(descriptor);
   }
 }
 
@@ -167,17 +155,13 @@ void Process::write(std::string_view text) const {
 std::string Process::readLine() const {
   std::string line;
   char next = '\0';
-  while (waitUntilReadable(out_) && read(out_, &next, 1) == 1 && next != '\n') {
-    line += next;
-  }
+  while (waitUntilReadable(out_) && read(out_, &next, 1) == 1 && next != '\n') line += next;
   return line;
 }
 
 Ending Process::waitForEnd() {
   Ending ending;
-  if (outputToPipe_) {
-    ending.out = contentsOfPipe(out_);
-  }
+  if (outputToPipe_) ending.out = contentsOfPipe(out_);
   if (!waitUntilReadable(end_)) {
     ADD_FAILURE() << "the process did not end within " << PATIENCE << " seconds";
     kill(pid_, SIGKILL);
@@ -186,9 +170,7 @@ Ending Process::waitForEnd() {
   waitpid(pid_, &status, 0);
   reaped_ = true;
   ending.status = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-  if (!outputToPipe_) {
-    ending.out = contentsOfFile(out_);
-  }
+  if (!outputToPipe_) ending.out = contentsOfFile(out_);
   ending.err = contentsOfFile(err_);
   return ending;
 }
@@ -210,9 +192,7 @@ pid_t childBesides(pid_t known) {
 long workedTicks(pid_t pid) {
   std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
   std::string skipped;
-  for (int field = 1; field < 14; ++field) {
-    file >> skipped;
-  }
+  for (int field = 1; field < 14; ++field) file >> skipped;
   long user = 0;
   long system = 0;
   file >> user >> system;

@@ -23,9 +23,7 @@ void ServiceTest::expectFacts(const std::vector<Fact>& facts) {
     SCOPED_TRACE(fact.call);
     EXPECT_EQ(client_.answer(fact.call), fact.answer);
     std::vector<std::vector<std::string>> expected;
-    if (!fact.changed.empty()) {
-      expected.push_back(fact.changed);
-    }
+    if (!fact.changed.empty()) expected.push_back(fact.changed);
     EXPECT_EQ(client_.newSignals(), expected);
     EXPECT_EQ(daemon_->newLogLines(), fact.log);
   }
@@ -45,7 +43,5 @@ void ServiceTest::expectOrderlyEnd() {
 }
 
 void ServiceTest::TearDown() {
-  if (daemon_ != nullptr) {
-    expectOrderlyEnd();
-  }
+  if (daemon_ != nullptr) expectOrderlyEnd();
 }

@@ -239,9 +239,7 @@ class BringUp {
   template <typename ValuesOf>
   void addInstances(Names& all, const std::string& parm, ValuesOf valuesOf) const {
     Names names = {parm};
-    for (const std::string& index : device_.parms.at(parm)) {
-      names = crossed(names, valuesOf(index));
-    }
+    for (const std::string& index : device_.parms.at(parm)) names = crossed(names, valuesOf(index));
     all.insert(all.end(), names.begin(), names.end());
   }
 

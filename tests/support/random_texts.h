@@ -47,9 +47,7 @@ class RandomTexts {
 
   /// The next text.
   std::string text() {
-    for (Texts& indices : indices_) {
-      indices = INDEX_LISTS[below(std::size(INDEX_LISTS))];
-    }
+    for (Texts& indices : indices_) indices = INDEX_LISTS[below(std::size(INDEX_LISTS))];
     own_.clear();
     std::string text = "i index { rangeValid { 0..1 } ";
     for (size_t count = below(4); count > 0; --count) text += indexStatement();

@@ -4,18 +4,14 @@ namespace {
 
 std::string joined(const std::vector<std::string>& items) {
   std::string text;
-  for (const std::string& item : items) {
-    text += (text.empty() ? "" : ", ") + item;
-  }
+  for (const std::string& item : items) text += (text.empty() ? "" : ", ") + item;
   return text;
 }
 
 std::string quotedList(const std::vector<std::string>& texts) {
   std::vector<std::string> items;
   items.reserve(texts.size());
-  for (const std::string& text : texts) {
-    items.push_back(quoted(text));
-  }
+  for (const std::string& text : texts) items.push_back(quoted(text));
   return listed(items);
 }
 

@@ -23,9 +23,7 @@ void appendText(DBusMessageIter* place, const std::string& text) {
 void appendTexts(DBusMessageIter* place, const std::vector<std::string>& texts) {
   DBusMessageIter items;
   dbus_message_iter_open_container(place, DBUS_TYPE_ARRAY, DBUS_TYPE_STRING_AS_STRING, &items);
-  for (const std::string& text : texts) {
-    appendText(&items, text);
-  }
+  for (const std::string& text : texts) appendText(&items, text);
   dbus_message_iter_close_container(place, &items);
 }
 
@@ -157,9 +155,7 @@ uint32_t Connection::send(const Call& call) {
   dbus_message_set_auto_start(message, FALSE);
   DBusMessageIter place;
   dbus_message_iter_init_append(message, &place);
-  for (const BusArgument& argument : findBusMethod(call.method)->in) {
-    append(&place, argument, call);
-  }
+  for (const BusArgument& argument : findBusMethod(call.method)->in) append(&place, argument, call);
   dbus_uint32_t serial = 0;
   orDie(dbus_connection_send(connection_, message, &serial) != 0, "out of memory");
   dbus_message_unref(message);
@@ -170,9 +166,7 @@ std::vector<Incoming> Connection::exchange() {
   std::vector<Incoming> all;
   dbus_connection_read_write(connection_, 0);
   while (DBusMessage* message = dbus_connection_pop_message(connection_)) {
-    if (std::optional<Incoming> one = incoming(message)) {
-      all.push_back(std::move(*one));
-    }
+    if (std::optional<Incoming> one = incoming(message)) all.push_back(std::move(*one));
     dbus_message_unref(message);
   }
   return all;

@@ -18,18 +18,14 @@ constexpr uint64_t MOST_SHOWN = 20;
 std::string written(const std::vector<std::string>& texts) {
   std::vector<std::string> items;
   items.reserve(texts.size());
-  for (const std::string& text : texts) {
-    items.push_back(quoted(text));
-  }
+  for (const std::string& text : texts) items.push_back(quoted(text));
   return listed(items);
 }
 
 std::string written(const std::vector<std::vector<std::string>>& signals) {
   std::vector<std::string> items;
   items.reserve(signals.size());
-  for (const std::vector<std::string>& texts : signals) {
-    items.push_back(written(texts));
-  }
+  for (const std::vector<std::string>& texts : signals) items.push_back(written(texts));
   return listed(items);
 }
 
@@ -92,17 +88,11 @@ bool Crew::waitForMessages() {
     return pollfd{connection.descriptor(), static_cast<short>(events), 0};
   };
   std::vector<pollfd> all = {waiting(observer_)};
-  for (const std::unique_ptr<Member>& member : members_) {
-    all.push_back(waiting(member->connection));
-  }
+  for (const std::unique_ptr<Member>& member : members_) all.push_back(waiting(member->connection));
   if (poll(all.data(), all.size(), PATIENCE * 1000) <= 0) return false;
-  for (const Incoming& incoming : observer_.exchange()) {
-    observe(incoming);
-  }
+  for (const Incoming& incoming : observer_.exchange()) observe(incoming);
   for (const std::unique_ptr<Member>& member : members_) {
-    for (const Incoming& incoming : member->connection.exchange()) {
-      receive(*member, incoming);
-    }
+    for (const Incoming& incoming : member->connection.exchange()) receive(*member, incoming);
   }
   return observer_.isOpen();
 }
@@ -127,9 +117,7 @@ void Crew::observe(const Incoming& incoming) {
       matchSignals(*each);
     }
   }
-  if (incoming.answer.starts_with(ERROR_MARK)) {
-    ++errors_[incoming.answer];
-  }
+  if (incoming.answer.starts_with(ERROR_MARK)) ++errors_[incoming.answer];
   sent.observed = incoming.answer;
   settle(member, incoming.serial);
 }

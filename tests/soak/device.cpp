@@ -78,9 +78,7 @@ std::vector<Statement> upTo(const See& see, const Upper& upper) {
 
 std::string joined(const std::string& name, const Indices& at) {
   std::string full = name;
-  for (const std::string& value : at) {
-    full += "[" + value + "]";
-  }
+  for (const std::string& value : at) full += "[" + value + "]";
   return full;
 }
 

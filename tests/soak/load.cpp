@@ -72,9 +72,7 @@ std::vector<std::string> instancesOf(const std::string& base) {
                                                     "delay",    "gain",     "meter"};
   static const std::set<std::string> PER_SIDE = {"balance", "gain", "meter"};
   std::vector<std::string> names = {base};
-  if (PER_CHANNEL.contains(base)) {
-    names = withEach(names, CHANNELS);
-  }
+  if (PER_CHANNEL.contains(base)) names = withEach(names, CHANNELS);
   return PER_SIDE.contains(base) ? withEach(names, SIDES) : names;
 }
 
@@ -130,9 +128,7 @@ const char* methodAt(uint32_t place) {
 
 constexpr uint32_t totalWeight() {
   uint32_t total = 0;
-  for (const Weight& weight : WEIGHTS) {
-    total += weight.weight;
-  }
+  for (const Weight& weight : WEIGHTS) total += weight.weight;
   return total;
 }
 
@@ -141,9 +137,7 @@ constexpr uint32_t totalWeight() {
 std::vector<std::string> allNames() {
   std::vector<std::string> names;
   for (const auto& [base, values] : valuesOfAll()) {
-    for (std::string& name : instancesOf(base)) {
-      names.push_back(std::move(name));
-    }
+    for (std::string& name : instancesOf(base)) names.push_back(std::move(name));
   }
   return names;
 }
@@ -178,16 +172,12 @@ uint32_t Load::transaction() { return open_.empty() || below(100) == 0 ? ended_ 
 
 std::vector<std::string> Load::someNames() {
   std::vector<std::string> names(1 + below(MOST_NAMES));
-  for (std::string& each : names) {
-    each = name();
-  }
+  for (std::string& each : names) each = name();
   return names;
 }
 
 Call Load::withValues(Call call) {
-  for (const std::string& each : call.names) {
-    call.values.push_back(value(each));
-  }
+  for (const std::string& each : call.names) call.values.push_back(value(each));
   return call;
 }
 
@@ -214,9 +204,7 @@ std::optional<Call> Load::next() {
   }
   if (method == "start" || method == "commit" || method == "end") {
     Call call = {.method = method == "start" ? "commit" : method, .id = transaction()};
-    if (method == "end" && std::erase(open_, call.id) != 0) {
-      ended_ = call.id;
-    }
+    if (method == "end" && std::erase(open_, call.id) != 0) ended_ = call.id;
     return call;
   }
   const Call call = named(method);

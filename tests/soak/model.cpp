@@ -34,17 +34,13 @@ bool isFailure(const std::string& answer) { return answer.starts_with(ERROR_MARK
 
 std::string fullName(const std::string& base, const Indices& at) {
   std::string name = base;
-  for (const std::string& value : at) {
-    name += "[" + value + "]";
-  }
+  for (const std::string& value : at) name += "[" + value + "]";
   return name;
 }
 
 void translate(const Parm& parm, std::string& value) {
   const auto found = parm.translations.find(value);
-  if (found != parm.translations.end()) {
-    value = found->second;
-  }
+  if (found != parm.translations.end()) value = found->second;
 }
 
 // Whether a value can be set at all.
@@ -66,9 +62,7 @@ std::set<std::string> dependentsOf(const std::set<std::string>& changing) {
     const std::string next = open.back();
     open.pop_back();
     for (const auto& [base, parm] : device()) {
-      if (parm.names.contains(next) && dependents.insert(base).second) {
-        open.push_back(base);
-      }
+      if (parm.names.contains(next) && dependents.insert(base).second) open.push_back(base);
     }
   }
   return dependents;
@@ -138,9 +132,7 @@ std::string getDependencies(const std::string& name, const Parm* parm, const Ind
   const bool isBaseName = name.find('[') == std::string::npos;
   if (!isBaseName && !fits(*parm, at)) return failed("Get deps", "of invalid parameter index");
   std::vector<std::string> items;
-  for (const std::string& dependency : dependencies(*parm, at)) {
-    items.push_back(quoted(dependency));
-  }
+  for (const std::string& dependency : dependencies(*parm, at)) items.push_back(quoted(dependency));
   return listed(items);
 }
 
@@ -201,9 +193,7 @@ void addRange(const Range& range, const std::string* name, std::vector<std::stri
   }
   for (const auto& [low, high] : range.spans) {
     std::vector<std::string> items = {std::to_string(low), std::to_string(high)};
-    if (name != nullptr) {
-      items.insert(items.begin(), quoted(*name));
-    }
+    if (name != nullptr) items.insert(items.begin(), quoted(*name));
     spans.push_back(structured(items));
   }
 }
@@ -327,9 +317,7 @@ std::string Model::serveIn(Staged& staged, const std::string& operation, const C
   if (operation == "is_valid" || operation == "check_set") {
     const Instance instance = instanceOf(call.names[0]);
     const bool valid = instance.parm != nullptr && isAcceptable(*instance.parm, call.values[0]);
-    if (valid && operation == "check_set") {
-      set(staged, call.names[0], call.values[0], false);
-    }
+    if (valid && operation == "check_set") set(staged, call.names[0], call.values[0], false);
     return valid ? "true" : "false";
   }
   if (operation.starts_with("set")) return setAll(staged, call, force);
@@ -408,9 +396,7 @@ Model::Verdict Model::evaluate(Entry& entry, const std::string& name, const Stag
   const Verdict verdict = judge(entry.instance, value, entry.force, seeing(staged));
   if (verdict == STORED) {
     entry.value = value;
-    if (store) {
-      committed_[name] = value;
-    }
+    if (store) committed_[name] = value;
     return STORED;
   }
   takeCommitted(entry, name);
@@ -438,9 +424,7 @@ Model::Plan Model::planCommit(Staged& staged) const {
     const Instance& instance = entry.instance;
     const bool isFollowed = hasDependents(instance.base);
     plan.insert({isFollowed ? instance.parm->level : 0, instance.base, instance.at, name});
-    if (isFollowed) {
-      changing.insert(instance.base);
-    }
+    if (isFollowed) changing.insert(instance.base);
   }
   for (const std::string& base : dependentsOf(changing)) {
     const Parm& parm = device().at(base);
@@ -486,9 +470,7 @@ std::string Model::commit(Staged& staged, std::vector<std::string>& signal) {
       changed.insert(step.name);
     }
   }
-  for (const std::string& name : changed) {
-    signal.push_back(name + "=" + get(name));
-  }
+  for (const std::string& name : changed) signal.push_back(name + "=" + get(name));
   staged.clear();
   return answer;
 }
@@ -571,9 +553,7 @@ std::string Model::rangesAnswer(const Staged& staged, const std::vector<std::str
   }
   std::vector<std::string> texts;
   std::vector<std::string> spans;
-  for (const auto& [name, range] : ranges) {
-    addRange(range, &name, texts, spans);
-  }
+  for (const auto& [name, range] : ranges) addRange(range, &name, texts, spans);
   return listed(texts) + BETWEEN_ARGUMENTS + listed(spans);
 }
 
@@ -582,9 +562,7 @@ std::string Model::indices(const Staged& staged, const std::string& name) const 
   if (parm == nullptr) return failed("Get parm index", "parm not found");
   std::vector<std::string> items;
   for (const std::string& index : parm->indices) {
-    if (presentValues(index, seeing(staged))) {
-      items.push_back(quoted(index));
-    }
+    if (presentValues(index, seeing(staged))) items.push_back(quoted(index));
   }
   return listed(items);
 }

@@ -80,21 +80,15 @@ std::vector<std::string> commitLines(Daemon& daemon) {
 
 void printTitles() {
   printf("%10s %6s %9s", "calls", "wrong", "signals");
-  for (const ErrorKind& kind : ERROR_KINDS) {
-    printf(" %7s", kind.title);
-  }
+  for (const ErrorKind& kind : ERROR_KINDS) printf(" %7s", kind.title);
   printf(" %9s %5s %7s\n", "memory kB", "files", "seconds");
 }
 
 void printRow(const Crew& crew, const Figures& figures, double seconds) {
   std::array<uint64_t, ERROR_KINDS.size()> errors{};
-  for (const auto& [message, count] : crew.errors()) {
-    errors[kindOf(message)] += count;
-  }
+  for (const auto& [message, count] : crew.errors()) errors[kindOf(message)] += count;
   printf("%10lu %6lu %9lu", crew.calls(), crew.wrong(), crew.signals());
-  for (const uint64_t count : errors) {
-    printf(" %7lu", count);
-  }
+  for (const uint64_t count : errors) printf(" %7lu", count);
   printf(" %9zu %5zu %7.1f\n", figures.kilobytes, figures.descriptors, seconds);
   fflush(stdout);
 }
@@ -156,9 +150,7 @@ int run(uint64_t calls, uint64_t seed) {
   }
   Crew crew(bus.address(), seed);
   const bool isGood = soak(crew, daemon, calls) && endsInOrder(crew, daemon);
-  for (const auto& [message, count] : crew.errors()) {
-    printf("%10lu %s\n", count, message.c_str());
-  }
+  for (const auto& [message, count] : crew.errors()) printf("%10lu %s\n", count, message.c_str());
   return isGood && crew.wrong() == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 

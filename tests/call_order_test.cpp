@@ -42,8 +42,9 @@ class CallOrderTest : public ServiceTest {
   }
 
   static void sendLongCalls(Client& to, int count) {
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
       to.send("single_set('limit', '" + std::to_string(i % 10) + "')");
+    }
   }
   static void expectDone(Client& of, size_t count) {
     EXPECT_EQ(of.collectAnswers(), std::vector<std::string>(count, "()"));

@@ -395,9 +395,7 @@ TEST_F(CommitTest, OneTextServesTheSecondProductVariant) {
 TEST_F(CommitTest, ASignalLargerThanAMessageMayBeGoesOutInPortions) {
   constexpr int COUNT = 40;
   std::string text;
-  for (int i = 0; i < COUNT; ++i) {
-    text += "p" + std::to_string(100 + i) + " rw { }\n";
-  }
+  for (int i = 0; i < COUNT; ++i) text += "p" + std::to_string(100 + i) + " rw { }\n";
   serve(text);
   expectFacts({{"start()", "0"}});
   const std::string megabyte(1 << 20, 'x');

@@ -22,9 +22,7 @@ std::vector<std::filesystem::path> textsIn(const std::string& folder) {
   std::vector<std::filesystem::path> texts;
   for (const auto& entry :
        std::filesystem::directory_iterator(std::string(DEFINITIONS_DIRECTORY) + "/" + folder)) {
-    if (entry.path().extension() == ".def") {
-      texts.push_back(entry.path());
-    }
+    if (entry.path().extension() == ".def") texts.push_back(entry.path());
   }
   std::sort(texts.begin(), texts.end());
   return texts;
@@ -51,9 +49,7 @@ class DefinitionFileTest : public ServiceTest,
   void expectRefusal(const std::string& messages) {
     const std::string text = contentsOf(GetParam());
     std::vector<std::string> arguments = {"--debug"};
-    for (const std::string& constant : constantsOf(text)) {
-      arguments.push_back(constant);
-    }
+    for (const std::string& constant : constantsOf(text)) arguments.push_back(constant);
     const Ending ending = runToEnd(text, arguments);
     EXPECT_EQ(ending.status, 1);
     EXPECT_EQ(ending.out, messages);

@@ -261,9 +261,7 @@ GDBusMessage* replyTo(guint32 serial, GDBusMessageType type) {
   GDBusMessage* message = g_dbus_message_new();
   g_dbus_message_set_message_type(message, type);
   g_dbus_message_set_reply_serial(message, serial);
-  if (type == G_DBUS_MESSAGE_TYPE_ERROR) {
-    g_dbus_message_set_error_name(message, "org.tavrel.Error");
-  }
+  if (type == G_DBUS_MESSAGE_TYPE_ERROR) g_dbus_message_set_error_name(message, "org.tavrel.Error");
   return message;
 }
 

@@ -32,9 +32,7 @@ std::string argumentsText(GDBusArgInfo** arguments) {
 
 std::string argumentsText(const std::vector<BusArgument>& arguments) {
   std::string text;
-  for (const BusArgument& argument : arguments) {
-    text += " " + argument.name + ":" + argument.type;
-  }
+  for (const BusArgument& argument : arguments) text += " " + argument.name + ":" + argument.type;
   return text;
 }
 

@@ -353,9 +353,7 @@ TEST_F(ServiceEndTest, CallsBehindDieComeBack) {
   serve("a rw { }");
   client().send("single_set('a', '1')");
   client().send("die()");
-  for (int i = 0; i < 20; ++i) {
-    client().send("single_get('a')");
-  }
+  for (int i = 0; i < 20; ++i) client().send("single_get('a')");
   client().send("die()");
   const std::vector<std::string> answers = client().collectAnswers();
   EXPECT_EQ(answers[0], "()");
@@ -376,9 +374,7 @@ TEST_F(ServiceEndTest, LargeRepliesOnTheirWayArriveBeforeTheEnd) {
   const std::string megabyte(1 << 20, 'x');
   const Reply set = client().call("single_set", g_variant_new("(ss)", "a", megabyte.c_str()));
   ASSERT_NE(set.value, nullptr) << set.errorMessage;
-  for (int i = 0; i < 30; ++i) {
-    client().send("single_get('a')");
-  }
+  for (int i = 0; i < 30; ++i) client().send("single_get('a')");
   client().send("die()");
   const std::vector<std::string> answers = client().collectAnswers();
   for (size_t i = 0; i + 1 < answers.size(); ++i) {
@@ -402,9 +398,7 @@ TEST_F(NarrowBusTest, RepliesThatNobodyReadsDoNotKeepTheServiceFromEnding) {
   const Reply set = client().call("single_set", g_variant_new("(ss)", "a", value.c_str()));
   ASSERT_NE(set.value, nullptr) << set.errorMessage;
   DeafClient deaf(bus().address());
-  for (int i = 0; i < 20; ++i) {
-    deaf.send("single_get", "a");
-  }
+  for (int i = 0; i < 20; ++i) deaf.send("single_get", "a");
   deaf.send("die");
   const Ending ending = daemon().waitForEnd();
   EXPECT_EQ(ending.status, 1);

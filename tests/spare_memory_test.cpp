@@ -17,8 +17,9 @@ std::string nameOf(int number) { return "p" + std::to_string(number); }
 template <typename TextOf>
 std::string listOf(const TextOf& textOf) {
   std::string list = "[";
-  for (int i = 0; i < PARAMETERS; ++i)
+  for (int i = 0; i < PARAMETERS; ++i) {
     list.append(i > 0 ? ", '" : "'").append(textOf(i)).append("'");
+  }
   return list + "]";
 }
 

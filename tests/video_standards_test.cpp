@@ -60,9 +60,7 @@ class FiguresTest : public ServiceTest {
 
   static std::string listed(const Texts& figures) {
     std::string list;
-    for (const std::string& figure : figures) {
-      list += (list.empty() ? "'" : ", '") + figure + "'";
-    }
+    for (const std::string& figure : figures) list += (list.empty() ? "'" : ", '") + figure + "'";
     return "[" + list + "]";
   }
 

@@ -254,9 +254,7 @@ void readAnywhere(benchmark::State& state) {
   places = shuffled(std::move(places));
   List list;
   for (size_t i = 0; i < places.size(); ++i) add(list, Element());
-  for (size_t i = 0; i < places.size(); ++i) {
-    list[places[i]].next = places[(i + 1) % places.size()];
-  }
+  for (size_t i = 0; i < places.size(); ++i) list[places[i]].next = places[(i + 1) % places.size()];
   uint64_t at = 0;
   while (state.KeepRunning()) at = list[at].next;
   benchmark::DoNotOptimize(at);

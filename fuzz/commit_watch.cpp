@@ -48,9 +48,7 @@ bool isContradicted(const ParmDef& parm, const Situation& situation, const std::
 }  // namespace
 
 CommitWatch::CommitWatch(Database& database, StagedValues& staged, const Instances& all) {
-  for (ParmEntry* parm : database.parmsInNameOrder()) {
-    addAllInstances(enumerated_, database, *parm);
-  }
+  for (ParmEntry* parm : database.parmsInNameOrder()) addAllInstances(enumerated_, database, *parm);
   for (const auto& [name, instance] : all) before_.emplace(name, committedText(instance));
   for (const StagedEntry* entry : staged.inNameOrder()) {
     const std::string name = fullName(*entry);

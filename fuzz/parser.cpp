@@ -29,8 +29,9 @@ enum Interleaved { NOTHING, COMMENTS, EMPTY_LINES };
 Reading read(const std::vector<std::string>& pieces, Interleaved interleaved) {
   std::vector<std::string> lines;
   for (const std::string& piece : pieces) {
-    if (interleaved != NOTHING)
+    if (interleaved != NOTHING) {
       lines.emplace_back(interleaved == COMMENTS ? "\t# } \" ) ]\n" : "\n");
+    }
     lines.push_back(piece);
   }
   ParameterRecords records;

@@ -21,8 +21,9 @@ Outcome runProgram(const char* program, const std::string& arguments) {
   EXPECT_NE(pipe, nullptr);
   if (pipe == nullptr) return outcome;
   char buffer[4096];
-  for (size_t n = 0; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;)
+  for (size_t n = 0; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;) {
     outcome.out.append(buffer, n);
+  }
   const int ended = pclose(pipe);
   outcome.status = WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
   return outcome;

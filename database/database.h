@@ -87,6 +87,7 @@ class Database final : public DefinitionRegistry {
   /// defined already and keeps its value.
   int defineConstant(const std::string& name, const std::string& value);
 
+  // What the builder asks and registers: see DefinitionRegistry.
   [[nodiscard]] const std::string* findConstant(std::string_view name) const override;
   int registerIndex(std::unique_ptr<IndexDef> index) override;
   [[nodiscard]] const IndexDef* findIndex(std::string_view name) const override;
@@ -132,7 +133,7 @@ class Database final : public DefinitionRegistry {
   HashIndex parmPlaces_;                   // by the hash of the name
   SegmentedList<VariableSource> sources_;  // of the distinct variables of all definitions
   Interner sourceNames_;
-  uint32_t walks_ = 0;
+  uint32_t walks_ = 0;  // the number of the last one
 };
 
 template <typename Visit>

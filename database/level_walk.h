@@ -14,7 +14,8 @@ constexpr int WALK_AGAIN = SET_RULE_FAILS;
 /// Walks the steps of one level once. `evaluate(entry)` returns 0, WALK_AGAIN, or the code of a
 /// refusal, which is any other number. A refusal ends the walk of this level: the entries behind it
 /// are given to `passOver(entry)` instead, in the same order.
-/// Returns the refusal; otherwise WALK_AGAIN where any step answered so; otherwise 0.
+/// Returns the refusal; otherwise WALK_AGAIN where any step answered so; otherwise 0. A refusal
+/// counts more than a rule that still fails: the level is then not walked again.
 template <typename Evaluate, typename PassOver>
 int walkLevel(std::span<const PlanStep> level, Evaluate& evaluate, PassOver& passOver) {
   int result = 0;
@@ -35,6 +36,9 @@ int walkLevel(std::span<const PlanStep> level, Evaluate& evaluate, PassOver& pas
 /// WorkExceeded where the request has used up its budget (base/work.h).
 /// A refusal ends its own level only, the higher levels are walked all the same.
 /// Returns the first refusal, or 0.
+///
+/// The commit's `passOver` gives an entry the committed value back, so that dependents are judged
+/// with that value; the range query's does nothing, because a query with a refusal has no range.
 template <typename Evaluate, typename PassOver>
 int walkLevels(std::span<const PlanStep> plan, Evaluate evaluate, PassOver passOver) {
   int result = 0;

@@ -25,7 +25,9 @@
 /// (docs/performance.md, "Containers").
 class HashIndex {
  public:
-  /// The place of the element with this hash for which `isIt(place)` is true, or nullopt.
+  /// The place of the element with this hash for which `isIt(place)` is true, or nullopt. The test
+  /// has to compare the element itself, as different elements may have equal hashes. Constant time
+  /// on average.
   template <typename IsIt>
   [[nodiscard]] std::optional<uint32_t> find(size_t hash, const IsIt& isIt) const {
     if (slots_.empty()) return std::nullopt;
@@ -44,13 +46,14 @@ class HashIndex {
   }
   /// The memory of the slots, in bytes.
   [[nodiscard]] size_t bytes() const { return slots_.capacity() * sizeof(Slot); }
-  /// Makes room for `more` elements.
+  /// Makes room for `more` elements. Owners call it before they store an element in their sequence,
+  /// so that the add() behind it cannot fail; a commit also calls it for all that it will stage.
   void makeRoom(size_t more = 1) {
     size_t size = std::max(slots_.size(), FIRST_SLOTS);
     while (size < (count_ + more) * SLOTS_PER_ELEMENT) size *= 2;
     if (size > slots_.size()) resize(size);
   }
-  /// Adds an element that is not there yet; `place` is less than 2^32 - 1.
+  /// Adds an element that is not there yet; `place` is less than 2^32 - 1. At most 2^31 elements.
   void add(size_t hash, uint32_t place) {
     makeRoom();
     put({static_cast<uint32_t>(hash), place + 1});
@@ -67,11 +70,14 @@ class HashIndex {
   };
 
   [[nodiscard]] size_t mask() const { return slots_.size() - 1; }
+  // There is a free slot: the caller has made room.
   void put(Slot slot) {
     size_t at = slot.hash & mask();
     while (slots_[at].entry != 0) at = (at + 1) & mask();
     slots_[at] = slot;
   }
+  // The elements are not asked again: the 32 bits of the hash in a slot tell its new place as long
+  // as there are at most 2^32 slots. Hence the limit of add().
   void resize(size_t size) {
     std::vector<Slot> old(size);
     std::swap(old, slots_);

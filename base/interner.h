@@ -27,13 +27,15 @@
 /// 1.9 to 3.2 (docs/performance.md, "Containers").
 class Interner {
  public:
-  /// The number of `name`, or nullopt.
+  /// The number of `name`, or nullopt. A walk over FEW names at most, or a search in the hash
+  /// index, which takes constant time on average.
   [[nodiscard]] std::optional<uint32_t> find(std::string_view name) const {
     if (size() <= FEW) return walk(name);
     return numbers_->find(TextHash{}(name),
                           [&](uint32_t number) { return (*this)[number] == name; });
   }
-  /// The number of `name`, which is added where it is new. At most 2^32 - 1 names.
+  /// The number of `name`, which is added where it is new. At most 2^31 names (HashIndex). A copy
+  /// of the text is kept: the caller's need not live on.
   uint32_t intern(std::string_view name) {
     const std::optional<uint32_t> known = find(name);
     return known ? *known : add(name);
@@ -44,6 +46,7 @@ class Interner {
   /// The name of `number`, which is less than size(). The view holds until a name is added or the
   /// interner is moved.
   [[nodiscard]] std::string_view operator[](uint32_t number) const {
+    // A name begins where the one before it ends, so one position for each is enough.
     const size_t begin = number == 0 ? 0 : ends_[number - 1];
     return std::string_view(text_).substr(begin, ends_[number] - begin);
   }
@@ -57,6 +60,8 @@ class Interner {
     }
     return std::nullopt;
   }
+  // Adds a name that is not there. The order of the steps makes invariant 5: first all that asks
+  // for memory, and the new name counts only when its end is pushed back.
   uint32_t add(std::string_view name) {
     const auto number = static_cast<uint32_t>(size());
     if (number >= FEW) numbers_.change().makeRoom(number == FEW ? FEW + 1 : 1);
@@ -70,8 +75,10 @@ class Interner {
     if (number >= FEW) index(number);
     return number;
   }
+  // Has the hash index find the name of `number`. add() has made the room before.
   void index(uint32_t number) { numbers_.change().add(TextHash{}((*this)[number]), number); }
 
+  // All names, one behind the other, without anything between them.
   std::string text_;
   std::vector<size_t> ends_;  // of each name in text_
   Boxed<HashIndex> numbers_;

@@ -95,7 +95,7 @@ struct ParameterRecord {
   StatementList<Translation> valueChange;    ///< the values that are replaced before a check
 };
 
-/// The records of a text, by name, while it is read and built; up to 2^32 - 2 of them. Records stay
+/// The records of a text, by name, while it is read and built; up to 2^31 of them. Records stay
 /// where they are while others are added. Where memory is exhausted, std::bad_alloc is raised, and
 /// what was read so far is of no use.
 class ParameterRecords {

@@ -39,7 +39,8 @@ class SegmentedList {
     return blocks_[block][place - firstOf(block)];
   }
   [[nodiscard]] T& operator[](size_t place) { return const_cast<T&>(std::as_const(*this)[place]); }
-  /// Adds an element at the end.
+  /// Adds an element at the end. The reference holds as long as the list lives and is not assigned
+  /// to. Allocates only where a block begins: log2(n / 8 + 1) times, rounded up, for n elements.
   T& add(T element) {
     const size_t blocks = blocks_.size();
     if (size() == firstOf(blocks)) {
@@ -53,6 +54,8 @@ class SegmentedList {
  private:
   static constexpr size_t FIRST_BLOCK = 8;  // elements; a power of two
 
+  // Blocks 0, 1, 2 begin at 0, 8, 24: a place is found by the highest bit of place / 8 + 1, without
+  // a search.
   static size_t blockOf(size_t place) {
     return static_cast<size_t>(std::bit_width(place / FIRST_BLOCK + 1)) - 1;
   }

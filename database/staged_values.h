@@ -32,6 +32,14 @@ const std::string& committedText(const StagedEntry& entry);
 /// What a transaction has staged, one entry for each instance. A commit adds the instances that
 /// depend on them. A range query works on a scratch copy of its own, which only holds what differs:
 /// everything else shows through from the transaction below.
+///
+/// Invariants:
+/// 1. An instance has at most one entry here; the entry here is found, not the one below.
+/// 2. An entry stays where it is until clear(), however many are staged after it.
+/// 3. What is below is never changed. A new entry is a copy of the entry below, or else holds the
+///    committed value.
+/// 4. Where memory runs out (std::bad_alloc), the entries are as before.
+/// 5. Without entries no memory is taken, also after clear().
 class StagedValues {
  public:
   /// `below` is what shows through where nothing is staged here; it is never changed.

@@ -29,6 +29,7 @@ class StagedValuesTest : public testing::Test {
   ParmEntry* mode_ = nullptr;
 };
 
+// Invariants 1 and 3.
 TEST_F(StagedValuesTest, StartAnEntryWithTheCommittedValue) {
   StagedValues staged;
   EXPECT_TRUE(staged.empty());
@@ -47,6 +48,7 @@ TEST_F(StagedValuesTest, StartAnEntryWithTheCommittedValue) {
   EXPECT_TRUE(staged.stage(*mode_, {}, true).generated);
 }
 
+// Invariants 1 and 3, for the commit's own way to stage.
 TEST_F(StagedValuesTest, StageAnInstanceByItsNumber) {
   StagedValues staged;
   StagedEntry& client = staged.stage(*gain_, {"2"}, false);
@@ -73,6 +75,7 @@ TEST_F(StagedValuesTest, AreSeenBeforeTheCommittedOnes) {
   EXPECT_EQ(staged.value(*gain_, {"1"}).number, 16);
 }
 
+// Invariants 1 and 3.
 TEST_F(StagedValuesTest, ShowWhatIsBelowAndLeaveItAlone) {
   StagedValues below;
   StagedEntry& original = below.stage(*gain_, {"1"}, false);
@@ -89,7 +92,27 @@ TEST_F(StagedValuesTest, ShowWhatIsBelowAndLeaveItAlone) {
   EXPECT_FALSE(copy.generated);
   copy.value.set("9");
   EXPECT_EQ(above.text(*gain_, {"1"}), "9");
+  EXPECT_EQ(above.find(*gain_, {"1"}), &copy);
   EXPECT_EQ(below.text(*gain_, {"1"}), "8");
+  above.stage(*mode_, {}, false).value.set("on");
+  above.clear();
+  EXPECT_EQ(below.inNameOrder(), std::vector<StagedEntry*>{&original});
+  EXPECT_EQ(original.value.text(), "8");
+}
+
+// Invariants 1 and 2.
+TEST_F(StagedValuesTest, LeaveEntriesWhereTheyAre) {
+  StagedValues staged;
+  std::vector<StagedEntry*> places;
+  const auto indices = [](size_t i) { return IndexTuple{std::to_string(i)}; };
+  constexpr size_t COUNT = 500;  // several blocks of memory, and a table that grows
+  for (size_t i = 0; i < COUNT; ++i) places.push_back(&staged.stage(*gain_, indices(i), false));
+  for (size_t i = 0; i < COUNT; ++i) {
+    EXPECT_EQ(staged.find(*gain_, indices(i)), places[i]);
+    EXPECT_EQ(&staged.stage(*gain_, indices(i), false), places[i]);
+    EXPECT_EQ(places[i]->indices, indices(i));
+  }
+  EXPECT_EQ(staged.inNameOrder().size(), COUNT);
 }
 
 TEST_F(StagedValuesTest, AreListedByFullNameAndCleared) {
@@ -105,25 +128,34 @@ TEST_F(StagedValuesTest, AreListedByFullNameAndCleared) {
   EXPECT_EQ(staged.find(*mode_, {}), nullptr);
 }
 
+// Invariant 4, at each allocation that a new entry takes: as the first, and where eight fill both
+// the memory of the entries and the table.
 TEST_F(StagedValuesTest, AreAsBeforeWhereMemoryIsExhausted) {
-  bool fails = true;
-  for (size_t allocations = 0; fails; ++allocations) {
-    SCOPED_TRACE(allocations);
-    StagedValues staged;
-    Allocations::left = allocations;
-    try {
+  for (const size_t before : {size_t{0}, size_t{8}}) {
+    bool fails = true;
+    for (size_t allocations = 0; fails; ++allocations) {
+      SCOPED_TRACE(testing::Message() << before << " entries, " << allocations << " allocations");
+      StagedValues staged;
+      for (size_t i = 0; i < before; ++i) staged.stage(*gain_, {std::to_string(i)}, false);
+      Allocations::left = allocations;
+      try {
+        staged.stage(*mode_, {}, false);
+        fails = false;
+      } catch (const std::bad_alloc&) {
+      }
+      Allocations::left = SIZE_MAX;
+      EXPECT_EQ(staged.inNameOrder().size(), fails ? before : before + 1);
+      EXPECT_EQ(staged.find(*mode_, {}) == nullptr, fails);
+      for (size_t i = 0; i < before; ++i) {
+        EXPECT_NE(staged.find(*gain_, {std::to_string(i)}), nullptr);
+      }
       staged.stage(*mode_, {}, false);
-      fails = false;
-    } catch (const std::bad_alloc&) {
+      EXPECT_EQ(staged.inNameOrder().size(), before + 1);
     }
-    Allocations::left = SIZE_MAX;
-    EXPECT_EQ(staged.empty(), fails);
-    EXPECT_EQ(staged.find(*mode_, {}) == nullptr, fails);
-    staged.stage(*mode_, {}, false);
-    EXPECT_EQ(staged.inNameOrder().size(), 1U);
   }
 }
 
+// Invariant 5.
 TEST_F(StagedValuesTest, TellWhatMemoryTheyTake) {
   StagedValues staged;
   EXPECT_EQ(staged.bytes(), 0U);

@@ -95,9 +95,15 @@ struct ParameterRecord {
   StatementList<Translation> valueChange;    ///< the values that are replaced before a check
 };
 
-/// The records of a text, by name, while it is read and built; up to 2^31 of them. Records stay
-/// where they are while others are added. Where memory is exhausted, std::bad_alloc is raised, and
-/// what was read so far is of no use.
+/// The records of a text, by name, while it is read and built; up to 2^31 of them. Where memory is
+/// exhausted, std::bad_alloc is raised, and what was read so far is of no use.
+///
+/// Invariants:
+/// 1. A name has one record, which keeps the line where the name was first.
+/// 2. A record stays where it is while others are added, and when the records are moved.
+/// 3. Texts and statements of a record are in the arena of its records, never in the lines that
+///    were read: these may be gone.
+/// 4. inNameOrder() gives each record once, ascending by the bytes of the name.
 class ParameterRecords {
  public:
   ParameterRecords() = default;

@@ -8,6 +8,7 @@
 
 namespace {
 
+// Invariant 1.
 TEST(ParameterRecords, AddsANameOnce) {
   ParameterRecords records;
   EXPECT_EQ(records.find("gain"), nullptr);
@@ -23,7 +24,7 @@ TEST(ParameterRecords, AddsANameOnce) {
   EXPECT_EQ(records.size(), 1U);
 }
 
-// A list's last statement is linked to the list itself.
+// Invariant 2. A list's last statement is linked to the list itself.
 TEST(ParameterRecords, MoveWithTheirStatements) {
   const auto filled = [](const std::string& name) {
     ParameterRecords records;
@@ -41,7 +42,9 @@ TEST(ParameterRecords, MoveWithTheirStatements) {
     return lines;
   };
   ParameterRecords gain = filled("gain");
+  const ParameterRecord* const place = gain.find("gain");
   const ParameterRecords moved = std::move(gain);
+  EXPECT_EQ(moved.find("gain"), place);
   EXPECT_EQ(linesOf(moved, "gain"), (std::vector<uint32_t>{2, 3}));
   ParameterRecords mode = filled("mode");
   mode = filled("gain");
@@ -49,14 +52,32 @@ TEST(ParameterRecords, MoveWithTheirStatements) {
   EXPECT_EQ(mode.find("mode"), nullptr);
 }
 
+// Invariant 3.
+TEST(ParameterRecords, KeepACopyOfTheName) {
+  ParameterRecords records;
+  std::string line = "gain, in a line that is longer than a string keeps in itself";
+  const ParameterRecord& gain = records.findOrAdd(std::string_view(line).substr(0, 4), 1);
+  line.assign(line.size(), 'x');
+  EXPECT_EQ(gain.name, "gain");
+  EXPECT_EQ(records.find("gain"), &gain);
+  EXPECT_EQ(records.find("xxxx"), nullptr);
+}
+
+// Invariants 2 and 4.
 TEST(ParameterRecords, KeepsRecordsInPlaceAndOrdersThemByBytes) {
   ParameterRecords records;
-  ParameterRecord* const first = &records.findOrAdd("n0", 1);
-  for (int i = 999; i > 0; --i) records.findOrAdd("n" + std::to_string(i), 1);
+  std::vector<const ParameterRecord*> places;
+  for (int i = 999; i >= 0; --i) {
+    places.push_back(&records.findOrAdd("n" + std::to_string(i), 1));
+  }
   records.findOrAdd("\xe4", 1);
   records.findOrAdd("Z", 1);
   records.findOrAdd("", 1);
-  EXPECT_EQ(records.find("n0"), first);
+  for (size_t i = 0; i < places.size(); ++i) {
+    const std::string name = "n" + std::to_string(999 - i);
+    EXPECT_EQ(std::as_const(records).find(name), places[i]);
+    EXPECT_EQ(places[i]->name, name);
+  }
   const std::vector<const ParameterRecord*> ordered = records.inNameOrder();
   ASSERT_EQ(ordered.size(), 1003U);
   for (size_t i = 1; i < ordered.size(); ++i) EXPECT_LT(ordered[i - 1]->name, ordered[i]->name);

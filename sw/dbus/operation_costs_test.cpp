@@ -14,8 +14,8 @@
 #include "database/commit.h"
 #include "sw/dbus/errors.h"
 #include "sw/dbus/reply.h"
+#include "tests/support/glib_allocations.h"
 #include "tests/support/mappings.h"
-#include "tests/support/pieces.h"
 #include "tests/support/reply.h"
 #include "tests/support/service.h"
 
@@ -62,7 +62,7 @@ bool givesMemoryBack() {
 }
 
 void noteTexts() {
-  Pieces::whenTriedFor = [](gsize size) {
+  GlibAllocations::whenTriedFor = [](gsize size) {
     if (size >= LARGE) ++largeTexts;
     keptWhilePublishing = Mappings::kept;
   };
@@ -171,7 +171,7 @@ TEST_F(OperationCosts, LeaveNothingWhereThereIsNoMemoryForTheMessage) {
       [&] { return getRanges(transaction_, names, &reply.namedTexts, &reply.spans); },
   };
   for (const auto& operation : operations) {
-    Pieces::kept.clear();
+    GlibAllocations::kept.clear();
     int result = INTERNAL_ERROR;
     Mappings::succeed = false;
     try {
@@ -180,7 +180,7 @@ TEST_F(OperationCosts, LeaveNothingWhereThereIsNoMemoryForTheMessage) {
     }
     Mappings::succeed = true;
     EXPECT_EQ(result, INTERNAL_ERROR);
-    EXPECT_EQ(Pieces::kept.size(), 0U);
+    EXPECT_EQ(GlibAllocations::kept.size(), 0U);
   }
 }
 

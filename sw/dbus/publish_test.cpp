@@ -5,8 +5,8 @@
 #include "database/commit.h"
 #include "sw/dbus/reply.h"
 #include "sw/parm/parm_name.h"
+#include "tests/support/glib_allocations.h"
 #include "tests/support/mappings.h"
-#include "tests/support/pieces.h"
 #include "tests/support/service.h"
 
 namespace {
@@ -93,7 +93,7 @@ TEST(Publish, LeavesOutWhatFitsIntoNoSignal) {
   EXPECT_TRUE(service.newSignals() == (Signals{{"a=1", "c=3"}}));
   publish(service.object(), {changes[1]});
   EXPECT_EQ(service.newSignals(), Signals{});
-  EXPECT_EQ(Pieces::kept.size(), 0U);
+  EXPECT_EQ(GlibAllocations::kept.size(), 0U);
 }
 
 // A text and its copy, 48 bytes beside each of them, and three times what it is in the message.

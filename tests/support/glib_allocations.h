@@ -1,5 +1,5 @@
-// The pieces of memory that texts of replies and signals are made in, for tests. To be included by
-// one source of a program: it replaces g_try_malloc, g_try_malloc_n and g_free.
+// GLib allocations: the memory that texts of replies and signals are made in, counted for tests. To
+// be included by one source of a program: it replaces g_try_malloc, g_try_malloc_n and g_free.
 #pragma once
 
 #include <glib.h>
@@ -8,7 +8,7 @@
 #include <set>
 
 /// What is asked for by g_try_malloc; what g_malloc gives is not counted.
-struct Pieces {
+struct GlibAllocations {
   inline static std::set<gpointer> kept;  ///< the pieces that have not been given back
   /// Called before each piece is made, with its bytes.
   inline static void (*whenTriedFor)(gsize size) = [](gsize) {};
@@ -24,8 +24,10 @@ struct Pieces {
 
 // These take the place of GLib's own.
 extern "C" void g_free(gpointer piece) {
-  Pieces::kept.erase(piece);
+  GlibAllocations::kept.erase(piece);
   free(piece);
 }
-extern "C" gpointer g_try_malloc(gsize size) { return Pieces::make(size); }
-extern "C" gpointer g_try_malloc_n(gsize count, gsize size) { return Pieces::make(count * size); }
+extern "C" gpointer g_try_malloc(gsize size) { return GlibAllocations::make(size); }
+extern "C" gpointer g_try_malloc_n(gsize count, gsize size) {
+  return GlibAllocations::make(count * size);
+}

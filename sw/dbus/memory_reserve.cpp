@@ -35,7 +35,7 @@ bool MemoryReserve::extend(size_t bytes) {
   return false;
 }
 
-void MemoryReserve::release() noexcept {
+void MemoryReserve::giveBack() noexcept {
   if (memory_ != nullptr) munmap(memory_, size_);
   memory_ = nullptr;
   size_ = 0;

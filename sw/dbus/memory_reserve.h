@@ -26,13 +26,13 @@ constexpr size_t HEADROOM = size_t{512} << 10U;
 /// is asked only where the end of the heap has moved since HEADROOM was last found.
 void requireHeadroom();
 
-/// Keeps memory from everybody else until it is released: addresses, which a limit of the address
+/// Keeps memory from everybody else until it is given back: addresses, which a limit of the address
 /// space counts, but no pages, as nothing is written to it.
 class MemoryReserve {
  public:
   MemoryReserve() = default;
   /// Gives all of it back.
-  ~MemoryReserve() { release(); }
+  ~MemoryReserve() { giveBack(); }
   MemoryReserve(const MemoryReserve&) = delete;
   MemoryReserve& operator=(const MemoryReserve&) = delete;
 
@@ -40,7 +40,7 @@ class MemoryReserve {
   /// shrinks here. Returns false where that cannot be had: the reserve is then as before.
   [[nodiscard]] bool grow(size_t bytes) { return bytes <= SMALL_MEMORY + size_ || extend(bytes); }
   /// Gives all of it back, right before it is needed. The reserve can grow again.
-  void release() noexcept;
+  void giveBack() noexcept;
 
  private:
   bool extend(size_t bytes);

@@ -18,7 +18,7 @@ TEST(MemoryReserve, TakesNothingForLittle) {
     EXPECT_EQ(Mappings::kept, 0U);
     EXPECT_TRUE(reserve.grow(SMALL_MEMORY + 1));
     EXPECT_EQ(Mappings::kept, SMALL_MEMORY + 1);
-    reserve.release();  // now it is as at first
+    reserve.giveBack();  // now it is as at first
   }
 }
 
@@ -31,7 +31,7 @@ TEST(MemoryReserve, KeepsWhatItWasAskedForUntilItIsReleased) {
     EXPECT_EQ(Mappings::kept, 8 * MEBIBYTE);
     EXPECT_TRUE(reserve.grow(20 * MEBIBYTE));
     EXPECT_GE(Mappings::kept, 20 * MEBIBYTE);
-    reserve.release();
+    reserve.giveBack();
     EXPECT_EQ(Mappings::kept, 0U);
     EXPECT_TRUE(reserve.grow(8 * MEBIBYTE));
   }

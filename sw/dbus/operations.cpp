@@ -160,11 +160,11 @@ int commitAndPublish(Transaction& transaction, ValueObject* object) {
     result = commit(transaction, changes, &room);
   } catch (...) {
     // Where memory is exhausted in between, what is stored is told all the same.
-    room.release();
+    room.giveBack();
     publish(object, changes);
     throw;
   }
-  room.release();
+  room.giveBack();
   publish(object, changes);
   return result;
 }

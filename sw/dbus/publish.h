@@ -19,7 +19,7 @@ class SignalRoom final : public ChangeRoom {
   /// lower floor and knows the interface only. Returns false where there is no memory for it.
   [[nodiscard]] bool makeRoom(const Change& change) override;
   /// Gives the memory back, for publish() right after it.
-  void release() noexcept { reserve_.release(); }
+  void giveBack() noexcept { reserve_.giveBack(); }
 
  private:
   MemoryReserve reserve_;

@@ -119,7 +119,7 @@ TEST(SignalRoom, KeepsWhatTheSignalTakes) {
     for (size_t i = 0; i < c.changes; ++i) ASSERT_TRUE(room.makeRoom(change));
     EXPECT_GE(Mappings::kept + SMALL_MEMORY, c.changes * c.bytes);
     EXPECT_LE(Mappings::kept, 3 * c.changes * c.bytes);
-    room.release();
+    room.giveBack();
     EXPECT_EQ(Mappings::kept, 0U);
   }
 }

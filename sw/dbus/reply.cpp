@@ -35,7 +35,7 @@ NewText mended(const NewText& text) {
   MemoryReserve reserve;
   char* valid = nullptr;
   if (reserve.grow(COPIES * text.length)) {
-    reserve.release();
+    reserve.giveBack();
     valid = g_utf8_make_valid(text.text, static_cast<gssize>(text.length));
   }
   g_free(text.text);

@@ -42,7 +42,7 @@ void publish(ValueObject* object, const std::vector<Change>& changes) noexcept {
       continue;
     }
     if (portion.bytes() + bytes > MAX_MESSAGE_BYTES) emit(object, portion);
-    portion.take(text);
+    portion.adopt(text);
   }
   if (!portion.empty()) emit(object, portion);
 }

@@ -73,7 +73,7 @@ TextList::~TextList() {
   g_free(texts_);
 }
 
-void TextList::take(const NewText& text) {
+void TextList::adopt(const NewText& text) {
   assert(count_ < capacity_);
   texts_[count_++] = text.text;
   bytes_ += bytesInMessage(text.length);

@@ -82,9 +82,9 @@ class TextList {
   /// Adds a copy of `text`, mended as by newText(). Raises std::bad_alloc where memory is
   /// exhausted: the list is then as before. A text beyond the capacity is a programming error and
   /// stops the program.
-  void add(std::string_view text) { take(newText({text})); }
+  void add(std::string_view text) { adopt(newText({text})); }
   /// Adds a text that newText() has made; the list owns it from now on. Asks for no memory.
-  void take(const NewText& text);
+  void adopt(const NewText& text);
   /// Adds `texts` as add() does, up to and with the first that makes the list longer than
   /// MAX_MESSAGE_BYTES.
   template <typename Texts>

@@ -136,7 +136,7 @@ TEST(TextList, IsFilledAgainOnceItIsCleared) {
   for (const char* text : {"a", "bcde"}) {
     SCOPED_TRACE(text);
     list.add(text);
-    list.take(newText({"c"}));
+    list.adopt(newText({"c"}));
     EXPECT_STREQ(list.texts()[0], text);
     EXPECT_STREQ(list.texts()[1], "c");
     EXPECT_EQ(list.texts()[2], nullptr);

@@ -143,12 +143,12 @@ DBusHandlerResult CallServer::filter(DBusConnection* /*connection*/, DBusMessage
                                      void* self) {
   noteMessage();
   if (dbus_message_get_type(message) == DBUS_MESSAGE_TYPE_SIGNAL) {
-    static_cast<CallServer*>(self)->note(message);
+    static_cast<CallServer*>(self)->handleSignal(message);
   }
   return DBUS_HANDLER_RESULT_NOT_YET_HANDLED;
 }
 
-void CallServer::note(DBusMessage* signal) noexcept {
+void CallServer::handleSignal(DBusMessage* signal) noexcept {
   if (isDisconnection(signal)) {
     last_ = 0;  // nobody waits for an answer any more
     g_main_loop_quit(state_.mainLoop());

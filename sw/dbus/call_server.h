@@ -67,7 +67,7 @@ class CallServer {
   [[nodiscard]] bool mayTake() const { return hasMessage() || mustFreeMemory(); }
   [[nodiscard]] bool mayServe() const;
   [[nodiscard]] bool hasCall() const { return !queue_.empty() && mayServe(); }
-  void note(DBusMessage* signal) noexcept;
+  void handleSignal(DBusMessage* signal) noexcept;
   void takeMessages();
   void takeOrFree();
   void serveBatch();

@@ -53,7 +53,7 @@ SetCode evaluate(StagedEntry& entry, IndexSituations& situations, bool dryRun) {
       setValue(entry.parm->parm, entry.value.text(), entry.indices,
                gather(*entry.parm, entry.indices, situations.staged()), indices, options);
   if (result.held != nullptr) entry.held = result.held;
-  if (!result.isAccepted() && result.code != SET_RULE_FAILS) {
+  if (!isAccepted(result.code) && result.code != SET_RULE_FAILS) {
     takeCommitted(entry, situations);
   } else if (isToBeSet(entry, result.value)) {
     forgetIndices(entry, situations);

@@ -80,7 +80,7 @@ bool isSettled(const Instance& instance) {
   entry.value.set(committedText(instance));
   IndexSituations situations(NOTHING_STAGED);
   const SetCode code = evaluate(entry, situations, true);
-  if (code == SET_STORED || code == SET_STORED_UNREPORTED) {
+  if (isAccepted(code)) {
     return entry.value.text() == committedText(instance) && isWithinBounds(instance);
   }
   // Not valid, never writable, or not existing in this situation; a refused value is none of them.

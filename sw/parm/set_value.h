@@ -28,6 +28,11 @@ enum SetCode : int {
   SET_INVALID_INDEX = -3,     ///< an index is not available, or its value, or their number
 };
 
+/// Whether the value, as corrected, is one that the parameter takes.
+[[nodiscard]] constexpr bool isAccepted(SetCode code) {
+  return code == SET_STORED || code == SET_STORED_UNREPORTED;
+}
+
 /// What setValue() returns.
 struct SetResult {
   SetCode code;
@@ -35,11 +40,6 @@ struct SetResult {
   /// corrected, otherwise empty.
   std::string value;
   CommittedValue* held = nullptr;  ///< where the value is stored now; null where it is not
-
-  /// Whether the value, as corrected, is one that the parameter takes.
-  [[nodiscard]] bool isAccepted() const {
-    return code == SET_STORED || code == SET_STORED_UNREPORTED;
-  }
 };
 
 /// Checks `value` for the instance `indices` in a situation, corrects and stores it. The steps, of

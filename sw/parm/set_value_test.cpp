@@ -36,7 +36,7 @@ class SetValue : public testing::Test {
     EXPECT_EQ(result.code, expected.code);
     EXPECT_EQ(result.value, expected.value);
     EXPECT_EQ(log_, expected.log);
-    const bool isStored = result.isAccepted() && !options.dryRun;
+    const bool isStored = isAccepted(result.code) && !options.dryRun;
     EXPECT_EQ(parm.committedText(indices), isStored ? result.value : before);
     EXPECT_EQ(result.held, isStored ? parm.committed(indices) : nullptr);
   }

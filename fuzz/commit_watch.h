@@ -14,15 +14,15 @@ class CommitWatch {
   /// `all` are the instances to look at, those that are staged among them.
   CommitWatch(Database& database, StagedValues& staged, const Instances& all);
 
-  /// Demands that nothing of `all`, the same as before, has changed but the instances that were
-  /// staged and those that depend on them.
+  /// Demands that of `all`, which are those of the constructor, only the instances that were staged
+  /// and those that depend on them have changed.
   void expectOnlyPlannedChanged(const Instances& all) const;
 
   /// Demands, after a commit without failure, that every value that it evaluated is settled: its
   /// own parameter, asked again in the committed situation, accepts it and leaves it as it is; and
   /// that what was settled before still is.
   ///
-  /// What is exempt by a rule stands with the rule in the source.
+  /// Some values are exempt; the source names the rule that exempts each.
   void expectSettled() const;
 
   /// Whether a client had staged the instance.

@@ -1,5 +1,5 @@
-// Fuzzes whole definition texts: read, built and finished. A text about which nothing is to be said
-// must serve: every parameter is read, reset, committed and asked for its range.
+// Fuzzes whole definition texts: read, built and finished. A text without a diagnostic must
+// serve: every parameter is read, reset, committed and asked for its range.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>

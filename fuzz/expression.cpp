@@ -1,5 +1,5 @@
 // Fuzzes expressions: the first line of the input binds variables ("a=1;b=on"), the rest is an
-// expression as it stands between parentheses. It is read, checked and evaluated, and a second
+// expression as it is between parentheses. It is read, checked and evaluated, and a second
 // evaluator, as plain as possible, must come to the same.
 #include <string>
 #include <string_view>

@@ -1,5 +1,6 @@
 // The plain evaluator: a second reading of the rules for expressions, which the first is held
-// against. It works on the tokens as they stand, by recursion, and shares no code with the first.
+// against. It works on the tokens as they were read, by recursion, and shares no code with the
+// first.
 #pragma once
 
 #include <map>
@@ -10,7 +11,7 @@
 
 #include "deflang/expression/token.h"
 
-/// A number or a text; nothing for what has no value.
+/// A number or a text; nullopt where there is no value.
 using PlainValue = std::optional<std::variant<int32_t, std::string>>;
 
 /// Names and value texts.

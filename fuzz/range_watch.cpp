@@ -12,7 +12,7 @@
 
 namespace {
 
-// An instance that does not exist, or a refused value on the way to it: nothing is foretold.
+// An instance that does not exist, or a refused value on the way to it: the query has no answer.
 const std::string REFUSED = "refused";
 
 std::string rangeText(Database& database, const StagedValues& staged, const std::string& name) {

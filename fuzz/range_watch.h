@@ -14,7 +14,7 @@ class RangeWatch {
 
   /// Demands, after a commit without failure, that the range is what the query has answered.
   ///
-  /// What is exempt by a rule stands with the rule in the source.
+  /// Some instances are exempt; the source names the rule that exempts each.
   void expectForetold() const;
 
  private:

@@ -37,7 +37,7 @@ class DeviceText {
   }
 
  private:
-  // An index refers to p0 only, which has none: everything else may stand above it.
+  // An index refers to p0 only, which has no index itself, so everything else may depend on it.
   std::string indexText(const std::string& name, const std::string& values,
                         const std::string& fewer) {
     std::string text = name + " index { rangeValid { " + values + " }";
@@ -105,7 +105,7 @@ class DeviceText {
     }
   }
 
-  // Limits that are known when the text is built stand in order, else the text is refused.
+  // Limits that are known when the text is built are in order, else the text is refused.
   std::string span() {
     const size_t low = input_.below(std::size(NUMBERS));
     switch (own_ == 0 ? 0 : input_.below(4)) {

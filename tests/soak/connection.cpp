@@ -110,7 +110,7 @@ std::vector<std::string> textsOf(DBusMessage* message) {
   return result;
 }
 
-// Nothing for what the bus itself tells.
+// What a message tells the client; nullopt for a message of the bus itself.
 std::optional<Incoming> incoming(DBusMessage* message) {
   if (dbus_message_has_sender(message, DBUS_SERVICE_DBUS) != 0) return std::nullopt;
   const int type = dbus_message_get_type(message);

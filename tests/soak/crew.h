@@ -21,8 +21,8 @@ class Crew {
  public:
   Crew(const std::string& busAddress, uint64_t seed);
 
-  /// Makes one call, or that many of the load's, and waits for all answers. False when nothing has
-  /// come for a minute, or the bus is gone.
+  /// Makes one call, or that many of the load's, and waits for all answers. False when no message
+  /// has come for a minute, or the bus is gone.
   bool make(const Call& call);
   bool makeFromLoad(uint64_t calls);
   /// While no call is in flight: compares what the signals told each client with what the daemon

@@ -40,7 +40,7 @@ struct Parm {
   std::function<std::vector<Statement>(const See& see, const Indices& at)> statements = {};
   /// The documented range, where one applies.
   std::function<std::optional<Range>(const See& see)> documented = {};
-  /// The default; null stands for the empty text.
+  /// The default; null means the empty text.
   std::function<std::string(const See& see)> fallback = {};
   /// Null: always.
   std::function<bool(const See& see)> exists = {};
@@ -53,7 +53,7 @@ const std::map<std::string, Parm>& device();
 
 /// The values of an index that a text without conditions gives it.
 Range constantValues(const std::string& index);
-/// The values that an index has in a situation; nothing when the index does not exist.
+/// The values that an index has in a situation; nullopt where the index is not available.
 std::optional<Range> presentValues(const std::string& index, const See& see);
 
 extern const char* const CONSTANT_NAME;

@@ -20,7 +20,7 @@ Call readAll();
 class Load {
  public:
   explicit Load(uint64_t seed) : random_(seed) {}
-  /// The next call; nothing while the answer to "start" is awaited.
+  /// The next call; nullopt while the answer to "start" is awaited.
   std::optional<Call> next();
   /// The answer to "start".
   void started(uint32_t id);

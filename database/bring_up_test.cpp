@@ -108,7 +108,7 @@ struct Device {
 
   void bringUp() { recipe.emplace(client, known(database)).run(); }
   std::string value(const std::string& name) { return client.values({name}).front(); }
-  // The instances that exist, as the index queries tell, and hold nothing.
+  // The instances that exist, as the index queries tell, and hold the empty text.
   Texts empty() {
     Texts names = recipe->instances();
     std::erase_if(names, [&](const std::string& name) { return !value(name).empty(); });
@@ -133,7 +133,7 @@ struct Example {
   const char* what;
   std::string_view text;
   Texts values;         // as NAME=VALUE
-  bool isQuiet = true;  // whether nothing is refused on the way
+  bool isQuiet = true;  // whether no value is refused on the way
 };
 
 TEST_F(BringUpTest, GivesWhatExistsItsDefaults) {

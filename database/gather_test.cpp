@@ -162,7 +162,7 @@ TEST_F(GatherTest, ReadsTheNamesOfAnIndexAsTheInstanceSeesThem) {
 TEST_F(GatherTest, KnowsWhichIndicesAreTheSameForAllInstances) {
   const std::pair<const char*, bool> cases[] = {
       {"in", true},       // names a parameter without indices
-      {"out", true},      // names nothing
+      {"out", true},      // names no parameter
       {"fixed", true},    // names an instance and a constant
       {"narrow", false},  // names an index, and a parameter by the instance's index values
       {"self", false},   {"byInstance", false}, {"figureOfInstance", false},

@@ -54,7 +54,7 @@ TEST_F(IndexQueryTest, FindsTheValuesThatAnIndexTakesNow) {
   const Case cases[] = {
       {"plain", "", INDEX_RANGE_FOUND, {"all"}, {{0, 2147483647}}},
       {"mixed", "", INDEX_RANGE_FOUND, {"x"}, {{10, 12}}},     // 5 is a number outside the span
-      {"moved", "", INDEX_RANGE_FOUND, {}, {{1, 2}, {4, 4}}},  // 3 stands for 9
+      {"moved", "", INDEX_RANGE_FOUND, {}, {{1, 2}, {4, 4}}},  // 3 is translated to 9
       {"narrowed", "odd", INDEX_RANGE_FOUND, {"x"}, {{1, 1}, {3, 3}, {5, 5}}},
       {"narrowed", "count", INDEX_RANGE_FOUND, {}, {{0, 3}, {9, 9}}},
       {"narrowed", "none", INDEX_RANGE_FOUND, {}, {}},  // conditional bounds, none applies

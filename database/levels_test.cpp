@@ -62,7 +62,7 @@ TEST(Levels, RefuseACycleAndNameANodeOnIt) {
       {"a ring with a way in and out", {{1}, {2}, {3}, {1, 4}, {}}, {1, 2, 3}, 1},
       // 0 is a pair with 1, but not on the ring itself.
       {"a ring with a pair at its side", {{1}, {0, 2}, {3}, {1}}, {1, 2, 3}, 1},
-      // 0 and 1 are a pair, as are 1 and 2, but 2 is to stand above 0.
+      // 0 and 1 are a pair, as are 1 and 2, but 2 has to be on a higher level than 0.
       {"within a group of pairs", {{1, 2}, {0, 2}, {1}}, {0, 1, 2}, 2},
       {"two rings that lead to one node",
        {{}, {2}, {3}, {0, 1}, {5}, {6}, {0, 4}},
@@ -70,7 +70,7 @@ TEST(Levels, RefuseACycleAndNameANodeOnIt) {
        3},
       {"a name that leads back to its bundle", {{}, {}, {3}, {0}}, {0, 2, 3}, 0, {{{0, 1}, {2}}}},
       {"a ring of bundles", {{}, {}, {}}, {0, 1, 2}, 0, {{{0}, {1}}, {{1}, {2}}, {{2}, {0}}}},
-      // Each is in a pair with 1, but 2 is to stand above 0.
+      // Each is in a pair with 1, but 2 has to be on a higher level than 0.
       {"a bundle that makes one of two pairs", {{}, {}, {1}}, {0, 1, 2}, 2, {{{0, 1}, {0, 1, 2}}}},
   };
   for (const Case& c : cases) {
@@ -110,8 +110,8 @@ TEST(Levels, TakeEachDependentOfABundleAboveEachOfItsNames) {
   }
 }
 
-// The same by brute force: levels rise until nothing changes; without a cycle that is over within
-// as many rounds as there are nodes.
+// Levels by brute force: they rise until none changes, which without a cycle takes at most as many
+// rounds as there are nodes.
 std::optional<Levels> bruteForceLevels(const DependentsGraph& graph) {
   const auto depends = [&](uint32_t dependent, uint32_t node) {
     return std::count(graph[node].begin(), graph[node].end(), dependent) != 0;
@@ -173,9 +173,10 @@ DependentsGraph allPairs(DependentsGraph graph, const Bundles& bundles) {
   return graph;
 }
 
-// The node that a cycle is named by, the plain way: groups of pairs, each known by its first node;
-// groups that nothing holds are taken away until none is left; of the rest the first one goes down
-// along the first edges until it comes to a group again.
+// The node that a cycle is named by, worked out the plain way. Nodes that are pairs make a group,
+// named by its first node. Groups at which no edge of the rest ends are taken away until none is
+// left. From the first group of the rest, the way leads along first edges until it meets a group
+// again.
 class PlainCycle {
  public:
   explicit PlainCycle(const DependentsGraph& graph) : graph_(graph), group_(graph.size()) {

@@ -143,7 +143,7 @@ perIn rw { index { in } rangeValid { 0..(both + 5) } }
 fixed rw { rangeValid { 0..(both[1][0]) } }
 )");
   stage("both[1][0]", "3");
-  EXPECT_EQ(range("perIn[1]"), "0..5 ");  // both[1] is no instance and holds nothing
+  EXPECT_EQ(range("perIn[1]"), "0..5 ");  // both[1] is no instance, so it has no value
   EXPECT_EQ(range("fixed"), "0..3 ");
 }
 

@@ -96,7 +96,7 @@ TEST_F(TransactionTest, TellsWhyItReadsNothing) {
 TEST_F(TransactionTest, FindsManyNamesAsOne) {
   struct {
     std::string name;
-    const char* text;  // null where nothing is found
+    const char* text;  // null where there is no parameter
   } const cases[] = {
       {"mode", "off"},       {"gain[1]", "7"}, {"gain[2]", ""},       {"gain[", ""},
       {"gain[1][2]", ""},    {"MODEL", "7"},   {"MODEL[1]", nullptr}, {"nobody", nullptr},

@@ -228,7 +228,7 @@ TEST(ReadDefinitions, CountsColumnsBehindAByteOrderMark) {
   EXPECT_EQ(reading.err, "Error on line 1\nInvalid parameter access type\nhue no {}\n    ^\n");
 }
 
-// A pipe whose text comes piece by piece, each written where nothing is left of those before.
+// A pipe whose text comes piece by piece, each written when those before have been read.
 class SlowPipe {
  public:
   explicit SlowPipe(int flags) { EXPECT_EQ(pipe2(ends_.data(), O_CLOEXEC | flags), 0); }

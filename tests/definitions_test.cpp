@@ -1,6 +1,6 @@
 // Definition texts, each a file: in unreadable/ and refused/ those that end the start, in warned/
-// and silent/ those that are served. What is written to standard error stands beside it in
-// NAME.err; silent texts have none. A first line "# constants: a=1 b=2" gives the command line's
+// and silent/ those that are served. NAME.err beside the text is what is written to standard
+// error; silent texts have none. A first line "# constants: a=1 b=2" gives the command line's
 // constants.
 #include <algorithm>
 #include <filesystem>

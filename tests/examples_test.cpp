@@ -96,8 +96,8 @@ TEST_F(SessionBusExample, TheLargestReplyArrives) {
 struct Model {
   std::vector<std::string> constants;
   std::string embedGroups;
-  /// What a device that is up holds nothing for: what has no default, and what this model, or the
-  /// standard by default, does not have.
+  /// The instances that are empty in a device that is up: those without a default, and those that
+  /// this model, or the standard by default, does not have.
   std::vector<std::string> empty;
 };
 

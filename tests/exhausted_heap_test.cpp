@@ -13,7 +13,7 @@ namespace {
 constexpr const char* LAST_WORDS =
     "Transaction server: ERROR: Out of memory (the service cannot go on)\n";
 
-// Whether nothing is said but that memory is missing: for an array of a reply, which is waited for,
+// Whether every line says that memory is missing: for an array of a reply, which is waited for,
 // and by GLib for its locks and its pools.
 bool isOfMemory(const std::string& errors) {
   std::istringstream lines(errors);

@@ -175,7 +175,7 @@ cond  rw { rangeDoc ( mode == 1 ) { 1..2 } rangeValid ( mode == 2 ) { 0..8 } }
       {"get_range(0, 'gain')", "([], [(1, 2)])"},
       {"set(0, 'mode', '2')", "()"},
       {"get_range(0, 'gain')", "([], [(5, 6)])"},
-      // They constrain nothing.
+      // They constrain no value.
       {"is_valid(0, 'gain', '100')", "true"},
       {"end(0)", "()"},
       {"single_set('cond', '7')", "()", {"cond=7"}},
@@ -389,7 +389,7 @@ used rw { index { chan, line, open } }
   const char* const unknown = "Get index range failed because index not found";
   expectFacts({
       {"start()", "0"},
-      {"get_idx_range(0, 'chan')", "([], [])"},  // its conditions leave nothing
+      {"get_idx_range(0, 'chan')", "([], [])"},  // its conditions leave no value
       {"set(0, 'mode', '1')", "()"},
       {"get_idx_range(0, 'chan')", "(['all'], [(0, 1), (4, 5), (20, 21)])"},
       {"set(0, 'mode', '2')", "()"},

@@ -288,7 +288,7 @@ TEST_F(ServiceStartTest, InTheForegroundStreamsAndDirectoryStay) {
   const pid_t pid = daemon().process().pid();
   EXPECT_EQ(linkTarget(pid, "cwd"), std::filesystem::current_path());
   for (const char* stream : {"fd/0", "fd/1", "fd/2"}) {
-    // Files in memory stand for what the test gives and takes.
+    // The files in memory that the test gives the daemon as its streams.
     EXPECT_TRUE(linkTarget(pid, stream).starts_with("/memfd:stream")) << linkTarget(pid, stream);
   }
 }

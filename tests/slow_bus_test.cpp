@@ -28,7 +28,7 @@ std::string pathOf(const std::string& busAddress) {
   return busAddress.substr(begin.size(), busAddress.find(',') - begin.size());
 }
 
-// Stands between one client and a bus. From the moment when it has brought the client a message
+// Is between one client and a bus. From the moment when it has brought the client a message
 // with `word` in it, it takes nothing more from the client until it is told to go on.
 class Relay {
  public:

@@ -53,7 +53,7 @@ class SystemLogTest : public testing::Test {
     unlink(path_.c_str());
   }
 
-  // The next entry of the log, for which it waits, without what stands before the line.
+  // The next entry of the log, for which it waits, without the header before the line.
   std::string nextLine() const {
     if (!waitUntilReadable(log_)) return "no line";
     std::array<char, 1000> buffer = {};

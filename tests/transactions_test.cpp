@@ -204,7 +204,7 @@ TEST_F(TransactionsTest, ARefusedValueLeavesWhatWasStagedBefore) {
       {"commit(0)", "()", {"level=4"}},  // the status flag is still that of the first set
       {"reset(0, 'gain')", "()"},
       {"set(0, 'gain', '10')", "Set failed because parameter value is invalid"},
-      {"commit(0)", "()", {"gain=5"}},  // the reset still stands
+      {"commit(0)", "()", {"gain=5"}},  // the reset is still staged
   });
 }
 

@@ -269,7 +269,7 @@ TEST_F(ValidationTest, AnIndexThatIsNotValidNowRefuses) {
        {"set: ERROR \"trim\": Invalid index[port]", "Var list begin", "   \"chan\"=\"1\"",
         "   \"limit\"=\"2\"", "   \"mode\"=\"2\"", "Var list end",
         "commit: ERROR \"trim[1][in]\"=\"5\": ret=-3"}},
-      {"commit(0)", "()"},  // nothing is left of it
+      {"commit(0)", "()"},  // the transaction is empty again
   });
 }
 
@@ -280,7 +280,7 @@ gain rw { rangeValid { 0..10 } rangeValid ( mode == 1 ) { 20..30 } valueChange {
 )");
   expectFacts({
       {"single_set('gain', '5')", "()", {"gain=5"}},
-      // gain, on which nothing depends, also stands in the first level, before mode.
+      // No parameter depends on gain, so it is also applied in the first level, before mode.
       {"single_set_bulk(['gain', 'mode'], ['lots', '1'])",
        "Commit failed because parameter definition is invalid",
        {},
@@ -304,7 +304,8 @@ g%n  rw { index { chan } }
 }
 
 TEST_F(ValidationTest, AValueIsComputedWhenItIsAskedFor) {
-  // What stands beside the names would decide alone, if that was done when the text is read.
+  // The constants beside the names would decide alone, if values were computed when the text is
+  // read.
   serve(R"(
 mode rw { }
 word rw { }

@@ -18,7 +18,7 @@
 
 namespace {
 
-// Nothing in it allocates memory: no more does the system log need any.
+// Allocates no memory, as the system log needs none either.
 void append(int priority, const char* format, va_list arguments) {
   const char* file = getenv("LOG_CAPTURE_FILE");
   const int descriptor =

@@ -25,7 +25,7 @@ class Process {
     std::vector<std::string> command = {};  ///< the program first
     /// Added to the test's own environment. An empty value takes the variable away.
     std::map<std::string, std::string> environment = {};
-    std::string input = {};  ///< all that stands on standard input
+    std::string input = {};  ///< the whole of standard input
     /// Standard input is a pipe that is never closed: after `input` comes neither more nor the end.
     bool inputStaysOpen = false;
     /// Standard output is a pipe instead of a file.

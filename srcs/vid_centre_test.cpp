@@ -34,7 +34,7 @@ TEST(CalcCentreRange, PlacesTheSizeInTheMiddle) {
     vidRange_t centred;
   } cases[] = {
       {1062, {42, 1121}, true, {51, 1112}}, {1888, {0, 1919}, true, {16, 1903}},
-      {3, {10, 15}, true, {12, 14}},  // the odd line stands before
+      {3, {10, 15}, true, {12, 14}},  // the odd line comes first
       {3, {10, 15}, false, {11, 13}},       {1, {7, 7}, true, {7, 7}},
       {6, {10, 15}, true, {10, 15}},        {2, {MAX - 1, MAX}, true, {MAX - 1, MAX}},
   };

@@ -283,7 +283,7 @@ TEST(VidStdTablesDeathTest, TakeTheMaximaAnewEachTime) {
   EXPECT_EXIT(shrink(), testing::ExitedWithCode(0), "found 7920\t1125\t2048\t1080\t2014\t1062\n");
 }
 
-// A height that a progressive clean aperture gives beside its lines stands as it is given.
+// A height that a progressive clean aperture gives beside its lines is kept.
 TEST(VidStdTablesDeathTest, KeepAGivenHeight) {
   const auto spoil = [] {
     initVidStdTables();

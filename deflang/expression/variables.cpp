@@ -6,7 +6,7 @@
 #include "base/system_log.h"
 
 Operand operandOf(std::string_view text) {
-  // A view of nothing means a number without a text.
+  // A view without data means a number without a text.
   if (text.data() == nullptr) text = "";
   const std::optional<int32_t> number = wholeNumber(text);
   if (!number) return {OPERAND_STRING, 0, text};

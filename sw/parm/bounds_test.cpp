@@ -555,7 +555,7 @@ struct ItemText {
 BoundsExpression expressionOf(const std::vector<ItemText>& items, Variables& variables) {
   BoundsExpression bounds;
   for (const ItemText& text : items) {
-    // The empty text stands for an expression that could not be compiled.
+    // The empty text means an expression that could not be compiled.
     const auto program = [&variables](const std::string& t) {
       return t.empty() ? Program() : programOf(t, variables);
     };

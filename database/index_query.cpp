@@ -89,7 +89,7 @@ std::vector<std::string> validIndices(Database& database, const StagedValues& st
   for (const IndexDef* index : parm.indices()) {
     Work::spendOn(index->name());
     Work::add(index->situationWork());
-    if (index->isValid(gather(*database.findIndexEntry(index->name()), staged))) {
+    if (index->isAvailable(gather(*database.findIndexEntry(index->name()), staged))) {
       names.push_back(index->name());
     }
   }
@@ -105,7 +105,7 @@ int indexRange(Database& database, const StagedValues& staged, const std::string
   // What applies is worked out to find the ends of runs, for the numbers and for the texts.
   Work::add(3 * index.situationWork());
   const Situation situation = gather(*entry, staged);
-  if (!index.isValid(situation)) return INDEX_RANGE_NOT_VALID;
+  if (!index.isAvailable(situation)) return INDEX_RANGE_NOT_VALID;
   spans = acceptedNumbers(index, situation);
   size_t bytes = bytesOf(spans);
   BoundsCheck check(index, situation);

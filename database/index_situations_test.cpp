@@ -51,36 +51,36 @@ class IndexSituationsTest : public testing::Test {
 };
 
 TEST_F(IndexSituationsTest, AreTheSameForAllInstancesUntilANameChanges) {
-  EXPECT_TRUE(at("p", {"1"}).isValid());
+  EXPECT_TRUE(at("p", {"1"}).isAvailable());
   EXPECT_TRUE(at("p", {"1"}).takes("7"));
   // A change that nobody tells of shows what is remembered, also for another parameter.
   staged_.stage(parm("mode"), {}, false).value.set("9");
-  EXPECT_TRUE(at("p", {"2"}).isValid());
-  EXPECT_TRUE(at("r", {"2", "3"}).isValid());
+  EXPECT_TRUE(at("p", {"2"}).isAvailable());
+  EXPECT_TRUE(at("r", {"2", "3"}).isAvailable());
   change("alone", {}, "5");
-  EXPECT_TRUE(at("p", {"1"}).isValid());
+  EXPECT_TRUE(at("p", {"1"}).isAvailable());
   situations_.forget(parm("mode"));
-  EXPECT_FALSE(at("p", {"1"}).isValid());
+  EXPECT_FALSE(at("p", {"1"}).isAvailable());
   change("mode", {}, "1");
-  EXPECT_TRUE(at("p", {"1"}).isValid());
+  EXPECT_TRUE(at("p", {"1"}).isAvailable());
   EXPECT_FALSE(at("p", {"1"}).takes("7"));
   change("mode", {}, "2");
   change("other", {}, "8");
   EXPECT_FALSE(at("p", {"1"}).takes("7"));
   EXPECT_TRUE(at("p", {"1"}).takes("8"));
   change("mode", {}, "9");
-  EXPECT_FALSE(at("r", {"1", "2"}).isValid());
+  EXPECT_FALSE(at("r", {"1", "2"}).isAvailable());
 }
 
 TEST_F(IndexSituationsTest, AreThoseOfEachInstanceWhereANameDependsOnIt) {
   change("q", {"2"}, "9");
-  EXPECT_TRUE(at("q", {"1"}).isValid());
-  EXPECT_FALSE(at("q", {"2"}).isValid());
-  EXPECT_TRUE(at("q", {"3"}).isValid());
-  EXPECT_TRUE(at("r", {"1", "2"}, 1).isValid());
-  EXPECT_FALSE(at("r", {"9", "2"}, 1).isValid());
+  EXPECT_TRUE(at("q", {"1"}).isAvailable());
+  EXPECT_FALSE(at("q", {"2"}).isAvailable());
+  EXPECT_TRUE(at("q", {"3"}).isAvailable());
+  EXPECT_TRUE(at("r", {"1", "2"}, 1).isAvailable());
+  EXPECT_FALSE(at("r", {"9", "2"}, 1).isAvailable());
   change("mode", {}, "2");
-  EXPECT_FALSE(at("r", {"1", "2"}, 1).isValid());
+  EXPECT_FALSE(at("r", {"1", "2"}, 1).isAvailable());
 }
 
 TEST_F(IndexSituationsTest, DependOnTheParametersThatAnIndexInUseNames) {
@@ -124,7 +124,8 @@ class RandomWalk {
       Situation own = gather(parm, entry->indices, staged_);
       for (size_t i = 0; i < entry->indices.size(); ++i) {
         PresentIndex& index = situations.at(parm, entry->indices, i, own);
-        std::string text = fullName(*entry) + " " + index.name() + (index.isValid() ? ":" : "?");
+        std::string text =
+            fullName(*entry) + " " + index.name() + (index.isAvailable() ? ":" : "?");
         for (const char* value : {"0", "1", "2", "a"}) text += index.takes(value) ? "+" : "-";
         texts.push_back(text);
         parm.parm.bindIndex(own, i, entry->indices[i]);

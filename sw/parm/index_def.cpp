@@ -64,7 +64,7 @@ bool IndexDef::checkValue(std::string value, BoundsCheck& check) const {
   return check.accepts(std::move(value));
 }
 
-bool IndexDef::isValid(const SituationView& situation) const {
+bool IndexDef::isAvailable(const SituationView& situation) const {
   return std::all_of(validityConditions_->begin(), validityConditions_->end(),
                      [&](const Program& condition) { return condition.isTrue(situation); });
 }

@@ -8,8 +8,8 @@
 //   conditional bounds   with a condition, or computed at run time: where there are any, one that
 //                        applies has to accept the value
 //
-// The validity conditions are judged apart, by isValid(). Everything that evaluates an expression
-// may raise std::bad_alloc or WorkExceeded.
+// The validity conditions are judged apart, by isAvailable(). Everything that evaluates an
+// expression may raise std::bad_alloc or WorkExceeded.
 #pragma once
 
 #include <map>
@@ -81,9 +81,10 @@ class IndexDef {
   /// for this definition and the situation, and serves for many values.
   [[nodiscard]] virtual bool checkValue(std::string value, BoundsCheck& check) const;
 
-  /// Whether every validity condition is true; also where there is none. A condition without a
-  /// value, as of an undefined variable, is not true.
-  [[nodiscard]] bool isValid(const SituationView& situation) const;
+  /// Whether the parameter or index is available in the situation: every validity condition is
+  /// true, or there is none. A condition without a value, as of an undefined variable, is not
+  /// true.
+  [[nodiscard]] bool isAvailable(const SituationView& situation) const;
   /// Replaces a value that is the source of a translation by its target, once: with a -> b and
   /// b -> c, "a" becomes "b".
   void translate(std::string& value) const;
@@ -105,9 +106,9 @@ class IndexDef {
   [[nodiscard]] std::span<const ConditionalBounds> conditionalBounds() const {
     return conditionalBounds_;
   }
-  /// What it costs to tell in a situation which bounds apply and whether the definition is valid.
-  /// This figure and the next three are units of work, which the caller counts; the work on texts
-  /// is counted where it is done. At most UINT32_MAX.
+  /// What it costs to tell in a situation which bounds apply and whether the definition is
+  /// available. This figure and the next three are units of work, which the caller counts; the work
+  /// on texts is counted where it is done. At most UINT32_MAX.
   [[nodiscard]] uint64_t judgingWork() const { return judgingWork_; }
   /// What it costs to give all of its variables their values, and then judgingWork().
   [[nodiscard]] uint64_t situationWork() const {

@@ -16,7 +16,7 @@ struct ConditionCase {
   bool valid;
 };
 
-TEST(IndexDef, IsValidWhileEveryConditionIsTrue) {
+TEST(IndexDef, IsAvailableWhileEveryConditionIsTrue) {
   const ConditionCase cases[] = {
       {{}, {}, true},  // without conditions in every situation
       {{"a"}, {{"a", "1"}}, true},
@@ -33,7 +33,7 @@ TEST(IndexDef, IsValidWhileEveryConditionIsTrue) {
   for (const ConditionCase& c : cases) {
     SCOPED_TRACE(testing::PrintToString(c.conditions) + testing::PrintToString(c.situation));
     const IndexDef index = makeIndex({.validIf = c.conditions});
-    EXPECT_EQ(index.isValid(TextSituation(index.variables(), c.situation)), c.valid);
+    EXPECT_EQ(index.isAvailable(TextSituation(index.variables(), c.situation)), c.valid);
   }
 }
 

@@ -9,9 +9,9 @@
 #include "sw/parm/index_def.h"
 #include "sw/parm/present_bounds.h"
 
-/// An index together with a situation, for the judgement of many values: whether the index is valid
-/// is worked out when the object is made, which conditional bounds apply when the first value needs
-/// them.
+/// An index together with a situation, for the judgement of many values: whether the index is
+/// available is worked out when the object is made, which conditional bounds apply when the first
+/// value needs them.
 ///
 /// The index has to outlive the object, and so do the texts that the situation views. Both must not
 /// change meanwhile: database/index_situations.h says who sees to that. The object stays where it
@@ -25,7 +25,7 @@ class PresentIndex {
   PresentIndex(const IndexDef& index, Situation situation)
       : index_(index),
         situation_(std::move(situation)),
-        isValid_(index.isValid(situation_)),
+        isAvailable_(index.isAvailable(situation_)),
         check_(index, situation_) {}
   PresentIndex(const PresentIndex&) = delete;
   PresentIndex& operator=(const PresentIndex&) = delete;
@@ -36,7 +36,7 @@ class PresentIndex {
   [[nodiscard]] const Situation& situation() const { return situation_; }
   /// Whether every validity condition of the index is true. It does not keep takes() from
   /// answering: the caller asks for both.
-  [[nodiscard]] bool isValid() const { return isValid_; }
+  [[nodiscard]] bool isAvailable() const { return isAvailable_; }
   /// Whether all bounds of the index accept `value`, once translated. Nothing is corrected: an
   /// index value is taken as it is or refused.
   [[nodiscard]] bool takes(const std::string& value) { return index_.checkValue(value, check_); }
@@ -44,7 +44,7 @@ class PresentIndex {
  private:
   const IndexDef& index_;
   Situation situation_;
-  bool isValid_;
+  bool isAvailable_;
   BoundsCheck check_;
 };
 

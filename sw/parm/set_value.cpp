@@ -28,7 +28,7 @@ std::string countFault(const ParmDef& parm, const IndexTuple& indices) {
 // Whether an index takes a value. If not, the reason goes to `fault`; null where nobody will read
 // it.
 bool takesValue(PresentIndex& index, const std::string& value, IndexFault* fault) {
-  if (!index.isValid()) {
+  if (!index.isAvailable()) {
     if (fault != nullptr) *fault = {"Invalid index[" + index.name() + "]", true};
     return false;
   }
@@ -132,7 +132,7 @@ CommittedValue& store(ParmDef& parm, const IndexTuple& indices, const std::strin
 
 SetResult setValue(ParmDef& parm, std::string value, const IndexTuple& indices, Situation situation,
                    PresentIndices& present, SetOptions options) {
-  if (parm.mode() == MODE_NEVER || !parm.isValid(situation)) return {SET_NOT_STORED, {}};
+  if (parm.mode() == MODE_NEVER || !parm.isAvailable(situation)) return {SET_NOT_STORED, {}};
   const Setting set{parm, situation, present};
   IndexFault fault;
   IndexFault* const wanted = options.quietIndices ? nullptr : &fault;

@@ -46,7 +46,7 @@ struct SetResult {
 /// which the first that refuses ends the call:
 ///
 ///   1. The parameter is writable at all and its validity conditions are true: else SET_NOT_STORED.
-///   2. Each index is valid and takes its value, and there are as many values as indices: else
+///   2. Each index is available and takes its value, and there are as many values as indices: else
 ///      SET_INVALID_INDEX.
 ///   3. No read-only condition is true, or `options.force`: else SET_NOT_STORED.
 ///   4. The value is corrected, by the constraints where they apply, otherwise by the bounds. With

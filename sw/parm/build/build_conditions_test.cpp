@@ -27,7 +27,7 @@ TEST(BuildConditions, GivesTheModeAndReadOnlynessOfTheAccessWord) {
     EXPECT_EQ(built.diagnostics, "");
     EXPECT_EQ(built.parm("p").mode(), c.mode);
     EXPECT_EQ(built.parm("p").isReadOnly(situationOf(built.parm("p"), {})), c.readOnly);
-    EXPECT_TRUE(built.parm("p").isValid(situationOf(built.parm("p"), {})));
+    EXPECT_TRUE(built.parm("p").isAvailable(situationOf(built.parm("p"), {})));
     EXPECT_TRUE(built.parm("p").variables().empty());
   }
 }
@@ -91,7 +91,7 @@ TEST(BuildConditions, KeepsValidityConditions) {
       EXPECT_EQ(built.diagnostics, "");
       const IndexDef& definition =
           access[0] == 'i' ? built.index("p") : static_cast<const IndexDef&>(built.parm("p"));
-      EXPECT_EQ(definition.isValid(situationOf(definition, c.situation)), c.holds);
+      EXPECT_EQ(definition.isAvailable(situationOf(definition, c.situation)), c.holds);
       EXPECT_EQ(namesOf(definition.variables()), c.variables);
     }
   }
@@ -105,11 +105,11 @@ TEST(BuildConditions, MakesNeverValidByAConstantZero) {
     EXPECT_EQ(built.result, 0);
     EXPECT_EQ(built.diagnostics, "");  // a product variant is switched off
     EXPECT_EQ(built.parm("p").mode(), MODE_NEVER);
-    EXPECT_FALSE(built.parm("p").isValid(situationOf(built.parm("p"), {})));
+    EXPECT_FALSE(built.parm("p").isAvailable(situationOf(built.parm("p"), {})));
   }
   const BuiltText built("i index { ctrlValid (X) rangeValid { 1..2 } }\n", {{"X", "0"}});
   EXPECT_EQ(built.diagnostics, "");
-  EXPECT_FALSE(built.index("i").isValid(situationOf(built.index("i"), {})));
+  EXPECT_FALSE(built.index("i").isAvailable(situationOf(built.index("i"), {})));
 }
 
 TEST(BuildConditions, WarnsAboutAConditionThatIsAlwaysZero) {

@@ -105,7 +105,7 @@ int indexRange(Database& database, const StagedValues& staged, const std::string
   // What applies is worked out to find the ends of runs, for the numbers and for the texts.
   Work::add(3 * index.situationWork());
   const Situation situation = gather(*entry, staged);
-  if (!index.isAvailable(situation)) return INDEX_RANGE_NOT_VALID;
+  if (!index.isAvailable(situation)) return INDEX_RANGE_NOT_AVAILABLE;
   spans = acceptedNumbers(index, situation);
   size_t bytes = bytesOf(spans);
   BoundsCheck check(index, situation);

@@ -20,8 +20,8 @@ std::vector<std::string> validIndices(Database& database, const StagedValues& st
 enum IndexRangeResult : int {
   INDEX_RANGE_FOUND = 0,
   INDEX_RANGE_NO_INDEX = 1,
-  INDEX_RANGE_NOT_VALID = 2,  ///< the index is not available just now
-  INDEX_RANGE_TOO_LARGE = 3,  ///< what it takes has more than MAX_QUERY_BYTES
+  INDEX_RANGE_NOT_AVAILABLE = 2,  ///< the index is not available just now
+  INDEX_RANGE_TOO_LARGE = 3,      ///< what it takes has more than MAX_QUERY_BYTES
 };
 
 /// The values that the index `name` takes just now: of the numbers and texts of its base bounds

@@ -61,7 +61,7 @@ TEST_F(IndexQueryTest, FindsTheValuesThatAnIndexTakesNow) {
       {"huge", "on", INDEX_RANGE_FOUND, {}, {{3, 3}, {5, 99}, {101, 2000000000}}},
       {"huge", "count", INDEX_RANGE_FOUND, {}, {{4, 99}, {101, 2000000004}}},
       {"valid", "on", INDEX_RANGE_FOUND, {}, {{0, 1}}},
-      {"valid", "off", INDEX_RANGE_NOT_VALID, {}, {}},
+      {"valid", "off", INDEX_RANGE_NOT_AVAILABLE, {}, {}},
       {"mode", "", INDEX_RANGE_NO_INDEX, {}, {}},
       {"none", "", INDEX_RANGE_NO_INDEX, {}, {}},
   };

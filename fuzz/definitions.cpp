@@ -96,7 +96,7 @@ void askIndices(Database& database, const Transaction& transaction, const ParmDe
     std::vector<std::string> texts;
     Spans spans;
     const int result = indexRange(database, transaction.staged(), index->name(), texts, spans);
-    demand(result == INDEX_RANGE_FOUND || result == INDEX_RANGE_NOT_VALID, "no index ",
+    demand(result == INDEX_RANGE_FOUND || result == INDEX_RANGE_NOT_AVAILABLE, "no index ",
            index->name());
   }
 }

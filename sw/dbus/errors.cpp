@@ -50,7 +50,7 @@ constexpr Cause CAUSES[] = {
     {METHOD_GET_DEPS, DEPENDENCIES_INVALID_INDEX, "of invalid parameter index"},
     {METHOD_GET_PARM_INDEX, PARAMETER_NOT_FOUND, "parm not found"},
     {METHOD_GET_INDEX_RANGE, INDEX_RANGE_NO_INDEX, "index not found"},
-    {METHOD_GET_INDEX_RANGE, INDEX_RANGE_NOT_VALID, "index is not valid"},
+    {METHOD_GET_INDEX_RANGE, INDEX_RANGE_NOT_AVAILABLE, "index is not valid"},
 };
 
 // The end of the message, after "failed because".

@@ -63,7 +63,8 @@ class GatherTest : public testing::Test {
     return named(entry.parm.variables(), gather(entry, indices, staged_));
   }
 
-  // The same of one of its indices, where the values of those before it are bound.
+  // The bound variables of the index at `place` of an instance, with the index values before that
+  // place bound.
   std::map<std::string, std::string> gatheredOfIndex(const char* name, const IndexTuple& indices,
                                                      size_t place) {
     const ParmEntry& entry = *database_.findParm(name);

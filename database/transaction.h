@@ -57,7 +57,8 @@ class Transaction {
   /// Returns 0, 1 for a name that is neither, or 2 for "sw::this", which is never looked up;
   /// `value` is then left alone.
   int get(std::string_view name, std::string& value) const;
-  /// The same value where it is, or null. It holds until something is staged or stored.
+  /// Where the value is that get() gives, or null. The pointer holds until a value is staged or
+  /// stored.
   [[nodiscard]] const std::string* find(std::string_view name) const;
   /// Looks up at most Database::NAMES_TOGETHER names at once; `found`, as long as `names`, gets
   /// what find() gives for each.

@@ -36,7 +36,7 @@ const NumberText* findNumber(const std::string& text) {
   return nullptr;
 }
 
-// The same bounds, as every single number and text that they hold.
+// The model of a set of bounds: every single number and text that they hold.
 struct Model {
   std::set<int> numbers;
   std::set<std::string> texts;
@@ -245,7 +245,8 @@ class BoundsRun {
     }
   }
 
-  // The same items, computed in a situation, make the same bounds, up to the first that fails.
+  // Demands that the items, computed in a situation, make the bounds that they made as constants,
+  // up to the first item that fails.
   void expectComputed() {
     BoundsExpression computed;
     for (BoundsExpression::Item& item : items_) computed.addItem(std::move(item));

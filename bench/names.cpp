@@ -39,7 +39,7 @@ void lookingUp(benchmark::State& state) {
   }
 }
 
-// The same, as many at once as may be.
+// Names are looked up as many at once as may be.
 void lookingUpTogether(benchmark::State& state) {
   Database database;
   build(read(fanText(state.range(0))), database);

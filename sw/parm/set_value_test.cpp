@@ -106,7 +106,7 @@ TEST_F(SetValue, WritesByModeReadOnlyConditionsAndForce) {
       {MODE_NORMAL, DRY, "1", {SET_NOT_STORED, ""}},
       {MODE_WRITE_ONLY, {}, "1", {SET_STORED, "5"}},
       {MODE_WRITE_ONLY, FORCED, "1", {SET_STORED, "5"}},
-      // The same code whether it was stored or refused.
+      // A stored value has a code of its own, as nobody is told of it.
       {MODE_ROSTRICT, {}, "0", {SET_STORED_UNREPORTED, "5"}},
       {MODE_ROSTRICT, {}, "1", {SET_NOT_STORED, ""}},
       {MODE_ROSTRICT, FORCED, "1", {SET_STORED_UNREPORTED, "5"}},

@@ -67,9 +67,7 @@ TEST(ParameterRecords, KeepACopyOfTheName) {
 TEST(ParameterRecords, KeepsRecordsInPlaceAndOrdersThemByBytes) {
   ParameterRecords records;
   std::vector<const ParameterRecord*> places;
-  for (int i = 999; i >= 0; --i) {
-    places.push_back(&records.findOrAdd("n" + std::to_string(i), 1));
-  }
+  for (int i = 999; i >= 0; --i) places.push_back(&records.findOrAdd("n" + std::to_string(i), 1));
   records.findOrAdd("\xe4", 1);
   records.findOrAdd("Z", 1);
   records.findOrAdd("", 1);

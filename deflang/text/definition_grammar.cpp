@@ -78,31 +78,67 @@ bool readAccess(TextCursor& cursor, AccessCode& access) {
   return true;
 }
 
-bool readStatement(TextCursor& cursor, ParameterRecord& record) {
-  const std::string_view word = cursor.word(KEYWORD_STOPS);
-  const Keyword* const keyword = findWord(KEYWORDS, word);
-  if (keyword == nullptr) return cursor.fail(PARSE_SYNTAX_ERROR);
-  const Position at = cursor.position();
-  cursor.advance(word.size());
-  return keyword->read(cursor, at, record);
-}
+// Reads the definitions of one text. Each function returns where the reading is to go on.
+class DefinitionReader {
+ public:
+  DefinitionReader(TextCursor& cursor, ParameterRecords& records, ReadingObserver* observer)
+      : cursor_(cursor), records_(records), observer_(observer) {}
 
-bool readBody(TextCursor& cursor, ParameterRecord& record) {
-  while (cursor.skipWhiteSpace()) {
-    if (cursor.take("}")) return true;
-    if (!readStatement(cursor, record)) return false;
+  ParseResult read() {
+    Resumption next = RESUME_DEFINITION;
+    while (next != RESUME_NOWHERE) {
+      next = cursor_.skipWhiteSpace() ? readDefinition() : resume(nullptr);
+    }
+    return cursor_.result();
   }
-  return false;
-}
 
-// A name may come again: its statements are then added to its record, and the later access word
-// counts.
-bool readDefinition(TextCursor& cursor, ParameterRecords& records) {
-  const std::string_view name = cursor.word(NAME_STOPS);
-  ParameterRecord& record = records.findOrAdd(name, cursor.position().line);
-  cursor.advance(name.size());
-  return readAccess(cursor, record.access) && cursor.expect("{") && readBody(cursor, record);
-}
+ private:
+  // A name may come again: its statements are then added to its record, and the later access word
+  // counts.
+  Resumption readDefinition() {
+    const std::string_view name = cursor_.word(NAME_STOPS);
+    ParameterRecord& record = records_.findOrAdd(name, cursor_.position().line);
+    if (observer_ != nullptr) observer_->onDefinition(record, cursor_.position());
+    cursor_.advance(name.size());
+    if (readAccess(cursor_, record.access) && cursor_.expect("{")) return readBody(record);
+    const Resumption next = resume(&record);
+    return next == RESUME_STATEMENT ? readBody(record) : next;
+  }
+
+  Resumption readBody(ParameterRecord& record) {
+    Resumption next = RESUME_STATEMENT;
+    while (next == RESUME_STATEMENT) {
+      const bool isMore = cursor_.skipWhiteSpace();
+      if (isMore && cursor_.take("}")) {
+        if (observer_ != nullptr) observer_->onDefinitionEnd(record, cursor_.position());
+        return RESUME_DEFINITION;
+      }
+      if (!isMore || !readStatement(record)) next = resume(&record);
+    }
+    return next;
+  }
+
+  bool readStatement(ParameterRecord& record) {
+    const std::string_view word = cursor_.word(KEYWORD_STOPS);
+    const Keyword* const keyword = findWord(KEYWORDS, word);
+    if (keyword == nullptr) return cursor_.fail(PARSE_SYNTAX_ERROR);
+    const Position at = cursor_.position();
+    cursor_.advance(word.size());
+    if (!keyword->read(cursor_, at, record)) return false;
+    if (observer_ != nullptr) observer_->onStatement(record, keyword->word, at, cursor_.position());
+    return true;
+  }
+
+  // After a function that found nothing more to read: the text has ended, or something is wrong.
+  Resumption resume(const ParameterRecord* record) {
+    const bool isWrong = cursor_.result() != PARSE_DONE;
+    return isWrong && observer_ != nullptr ? observer_->onError(cursor_, record) : RESUME_NOWHERE;
+  }
+
+  TextCursor& cursor_;
+  ParameterRecords& records_;
+  ReadingObserver* observer_;
+};
 
 // Whether a diagnostic may name something in a line that was accepted.
 bool hasWords(std::string_view line) {
@@ -112,10 +148,9 @@ bool hasWords(std::string_view line) {
 
 }  // namespace
 
-ParseResult readDefinitions(TextCursor& cursor, ParameterRecords& records) {
-  while (cursor.skipWhiteSpace() && readDefinition(cursor, records)) {
-  }
-  return cursor.result();
+ParseResult readDefinitions(TextCursor& cursor, ParameterRecords& records,
+                            ReadingObserver* observer) {
+  return DefinitionReader(cursor, records, observer).read();
 }
 
 ParseResult readDefinitionText(TextCursor::NextLine nextLine, DefinitionText& text) {

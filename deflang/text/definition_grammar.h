@@ -6,6 +6,7 @@
 #pragma once
 
 #include "deflang/text/definition_text.h"
+#include "deflang/text/reading_observer.h"
 #include "deflang/text/text_cursor.h"
 
 /// Reads definitions up to the end of the text, or up to the first error, into `records`. The
@@ -15,7 +16,11 @@
 /// Returns the cursor's result: PARSE_DONE at the end of the text, also within a definition;
 /// PARSE_INVALID_ACCESS for an unknown word after a name, and for "ctrlRO" in a "wo" record;
 /// PARSE_SYNTAX_ERROR for everything else. After an error the cursor is where the caret belongs.
-ParseResult readDefinitions(TextCursor& cursor, ParameterRecords& records);
+///
+/// `observer`, where there is one, is told of what is read and asked how to go on after an error.
+/// Once it has recovered, the result is that of the last part.
+ParseResult readDefinitions(TextCursor& cursor, ParameterRecords& records,
+                            ReadingObserver* observer = nullptr);
 
 /// As readDefinitions(), from the lines that `nextLine` gives, into `text`, which is empty before.
 /// Keeps the texts of the lines with words (not those that are blank or a comment). No line behind

@@ -61,6 +61,7 @@ void DiagnosticCollector::add(Severity severity, uint32_t code, Position at, con
 }
 
 void DiagnosticCollector::print(FILE* out) const {
+  for (const std::string& line : textLines_) fprintf(out, "%s\n", line.c_str());
   for (const Diagnostic& diagnostic : diagnostics_) {
     fputs(diagnostic.severity == SEVERITY_WARNING ? "Warning" : "Error", out);
     if (diagnostic.at.line != NO_POSITION) fprintf(out, " on line %u", diagnostic.at.line);

@@ -70,13 +70,18 @@ class DiagnosticCollector {
   /// `lines` gives the text of that line; where it has none, no line and no caret are printed.
   void add(Severity severity, uint32_t code, Position at, const LineTexts& lines,
            std::string text = {});
+  /// Adds a line about the text as a whole, which is printed before all diagnostics.
+  void addLine(std::string line) { textLines_.push_back(std::move(line)); }
+  /// The lines of addLine(), in that order; valid until the next one.
+  [[nodiscard]] const std::vector<std::string>& textLines() const { return textLines_; }
   /// All diagnostics in the order raised; valid until the next add().
   [[nodiscard]] const std::vector<Diagnostic>& diagnostics() const { return diagnostics_; }
-  /// Writes every diagnostic: severity and line, message and text, the line with a caret under the
+  /// Writes the lines of addLine(), and every diagnostic: severity and line, message and text, the line with a caret under the
   /// column. A failed write is not reported.
   void print(FILE* out) const;
 
  private:
+  std::vector<std::string> textLines_;
   std::vector<Diagnostic> diagnostics_;
   std::map<uint32_t, std::string> lines_;  // by number: each line once, however many name it
 };

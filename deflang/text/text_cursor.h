@@ -121,6 +121,8 @@ class TextCursor {
   /// Ends the reading with an error at `at`; where that is on an earlier line, at the first word of
   /// this one, because only this line can be shown. Returns false.
   bool failAt(Position at, ParseResult result);
+  /// Takes an error back, for a caller that knows where to go on. The cursor stays where it is.
+  void recover() { result_ = PARSE_DONE; }
 
  private:
   NextLine nextLine_;

@@ -41,11 +41,10 @@ struct BuiltText {
   explicit BuiltText(std::string_view text, const TestRegistry::Constants& constants = {},
                      bool checkOnly = false)
       : parsed(parseText(text)), registry(constants) {
-    testing::internal::CaptureStderr();
     DiagnosticCollector collected;
     result = buildDefinitions(collected, parsed.records, parsed.lines, checkOnly, registry);
-    errors = testing::internal::GetCapturedStderr();
-    diagnostics = printed(collected);
+    for (const std::string& line : collected.textLines()) errors += line + "\n";
+    diagnostics = printed(collected).substr(errors.size());
   }
 
   /// The definition of a parameter. A name that is none raises std::runtime_error.
@@ -64,8 +63,8 @@ struct BuiltText {
   DefinitionText parsed;
   TestRegistry registry;
   int result = 0;           ///< of buildDefinitions()
-  std::string errors;       ///< what went to standard error
-  std::string diagnostics;  ///< what was collected, as it is printed
+  std::string errors;       ///< the lines about the text as a whole
+  std::string diagnostics;  ///< the rest, as it is printed
 };
 
 /// A text, the constants that it is built with, and what the build is to say: its result, the

@@ -42,6 +42,8 @@ class BuildContext {
   /// is printed behind the message of `code`. An error is also noted as the result -1. A step that
   /// has a draft calls DefinitionDraft::warn() or error() instead.
   void report(Severity severity, uint32_t code, Position at, std::string text);
+  /// Adds a line about the text as a whole, which is printed before all diagnostics.
+  void reportLine(std::string line) { diagnostics_.addLine(std::move(line)); }
   /// Notes the result of a step: 0, or why it failed. Later steps are done all the same, so that
   /// one run reports everything that is wrong; only the first failure is kept.
   void note(int stepResult) {

@@ -1,6 +1,6 @@
 #include "sw/parm/build/build_indices.h"
 
-#include <cstdio>
+#include <string>
 
 namespace {
 
@@ -20,8 +20,7 @@ const IndexDef* resolve(const IndexName& index, DefinitionDraft& draft) {
 
 void reportMissing(const IndexName& index, BuildContext& context) {
   if (context.checkOnly()) return;
-  fprintf(stderr, "Internal error: Could not find index \"%.*s\"\n",
-          static_cast<int>(index.name.size()), index.name.data());
+  context.reportLine("Internal error: Could not find index \"" + std::string(index.name) + '"');
   context.note(-1);
 }
 

@@ -144,10 +144,8 @@ TEST(BuildIndices, ReportsAnIndexThatTheRegistryDoesNotHold) {
   const DefinitionText text = parseText("gain rw { index { side } }\nside index { }\n");
   ForgetfulRegistry registry;
   DiagnosticCollector diagnostics;
-  testing::internal::CaptureStderr();
   EXPECT_EQ(buildDefinitions(diagnostics, text.records, text.lines, false, registry), -1);
-  EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "Internal error: Could not find index \"side\"\n");
+  EXPECT_EQ(diagnostics.textLines(), Names{"Internal error: Could not find index \"side\""});
   EXPECT_TRUE(diagnostics.diagnostics().empty());
 }
 

@@ -1,6 +1,5 @@
 #include "sw/parm/build/builder.h"
 
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <utility>
@@ -98,7 +97,7 @@ class Builder {
   void finish() {
     std::string name;
     const int result = context_.registry().finish(name);
-    if (result != 0) fprintf(stderr, "Error creating parameter definitions: %s\n", name.c_str());
+    if (result != 0) context_.reportLine("Error creating parameter definitions: " + name);
     context_.note(result);
   }
 

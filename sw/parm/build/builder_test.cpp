@@ -130,17 +130,17 @@ struct FinishCase {
   std::string_view text;
   int finishResult;
   int result;
-  std::string errors;
+  Names lines;
 };
 
 TEST(Builder, HandsOnTheResultOfFinishing) {
   const FinishCase cases[] = {
-      {"p rw { }\n", 0, 0, ""},
-      {"p rw { }\n", 1, 1, "Error creating parameter definitions: gain\n"},
-      {"p rw { }\n", 3, 3, "Error creating parameter definitions: gain\n"},
-      {"p rw { ctrlRO () }\n", 3, -1, "Error creating parameter definitions: gain\n"},
-      {"p rw { rangeValid (0) { } }\n", 1, -1, "Error creating parameter definitions: gain\n"},
-      {"p rw { default (0) { 1 } }\n", 1, 1, "Error creating parameter definitions: gain\n"},
+      {"p rw { }\n", 0, 0, {}},
+      {"p rw { }\n", 1, 1, {"Error creating parameter definitions: gain"}},
+      {"p rw { }\n", 3, 3, {"Error creating parameter definitions: gain"}},
+      {"p rw { ctrlRO () }\n", 3, -1, {"Error creating parameter definitions: gain"}},
+      {"p rw { rangeValid (0) { } }\n", 1, -1, {"Error creating parameter definitions: gain"}},
+      {"p rw { default (0) { 1 } }\n", 1, 1, {"Error creating parameter definitions: gain"}},
   };
   for (const FinishCase& c : cases) {
     SCOPED_TRACE(c.text);
@@ -149,9 +149,8 @@ TEST(Builder, HandsOnTheResultOfFinishing) {
     registry.finishResult = c.finishResult;
     registry.finishName = "gain";
     DiagnosticCollector diagnostics;
-    testing::internal::CaptureStderr();
     EXPECT_EQ(buildDefinitions(diagnostics, text.records, text.lines, false, registry), c.result);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), c.errors);
+    EXPECT_EQ(diagnostics.textLines(), c.lines);
   }
 }
 

@@ -1,0 +1,66 @@
+#include "check/constant_choices.h"
+
+#include <algorithm>
+
+namespace {
+
+std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
+
+std::string_view trimmed(std::string_view line) {
+  constexpr std::string_view WHITE_SPACE = " \t\r\v\f";
+  const size_t first = line.find_first_not_of(WHITE_SPACE);
+  if (first == std::string_view::npos) return {};
+  return line.substr(first, line.find_last_not_of(WHITE_SPACE) + 1 - first);
+}
+
+}  // namespace
+
+std::string addConstantChoice(std::string_view definition, ConstantChoices& choices) {
+  const size_t equals = definition.find('=');
+  if (equals == std::string_view::npos) return "a value is missing; write NAME=VALUE";
+  const std::string name(definition.substr(0, equals));
+  if (name.empty()) return "a name is missing; write NAME=VALUE";
+  const bool isKnown = std::ranges::any_of(choices, [&](const auto& c) { return c.first == name; });
+  if (isKnown) {
+    return "the constant " + quoted(name) +
+           " is given twice; several values are written NAME=VALUE,VALUE";
+  }
+  std::vector<std::string> values;
+  for (std::string_view rest = definition.substr(equals + 1);;) {
+    const size_t comma = rest.find(',');
+    const std::string value(rest.substr(0, comma));
+    if (std::ranges::find(values, value) != values.end()) {
+      return "the constant " + quoted(name) + " has the value " + quoted(value) + " twice";
+    }
+    values.push_back(value);
+    if (comma == std::string_view::npos) break;
+    rest.remove_prefix(comma + 1);
+  }
+  choices.emplace_back(name, std::move(values));
+  return {};
+}
+
+std::string addConstantChoices(std::string_view name, std::string_view text,
+                               ConstantChoices& choices) {
+  for (size_t number = 1; !text.empty(); ++number) {
+    const size_t newline = text.find('\n');
+    const std::string_view line = trimmed(text.substr(0, newline));
+    text.remove_prefix(newline == std::string_view::npos ? text.size() : newline + 1);
+    if (line.empty() || line.starts_with('#')) continue;
+    const std::string wrong = addConstantChoice(line, choices);
+    if (!wrong.empty()) return std::string(name) + ":" + std::to_string(number) + ": " + wrong;
+  }
+  return {};
+}
+
+std::string tooManyVariants(const ConstantChoices& choices) {
+  size_t variants = 1;
+  for (const auto& [name, values] : choices) {
+    variants *= values.size();
+    if (variants > MAX_VARIANTS) {
+      return "the constants have more than " + std::to_string(MAX_VARIANTS) +
+             " combinations; check some of their values at a time";
+    }
+  }
+  return {};
+}

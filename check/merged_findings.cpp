@@ -1,0 +1,78 @@
+#include "check/merged_findings.h"
+
+#include <algorithm>
+#include <cassert>
+#include <iterator>
+
+#include "check/finding_codes.h"
+#include "check/named_values.h"
+
+MergedFindings::MergedFindings(const ConstantChoices& choices)
+    : choices_(choices), variants_(variantsOf(choices)) {}
+
+void MergedFindings::addVariant(bool isBuilt, const Findings& findings) {
+  const size_t variant = isBuilt_.size();
+  assert(variant < variants_.size());
+  isBuilt_.push_back(isBuilt);
+  for (const Finding& finding : findings.all()) {
+    Entry& entry = entries_[{finding.at, finding.code, finding.text}];
+    if (entry.has.empty()) {
+      entry.finding = finding;
+      entry.has.resize(variants_.size());
+    }
+    entry.has[variant] = true;
+  }
+}
+
+Findings MergedFindings::merged() const {
+  assert(isBuilt_.size() == variants_.size());
+  Findings findings;
+  for (const auto& [key, entry] : entries_) {
+    Finding finding = entry.finding;
+    finding.variant = variantOf(entry);
+    findings.add(std::move(finding));
+  }
+  return findings;
+}
+
+std::string MergedFindings::variantOf(const Entry& entry) const {
+  const auto lacks = [&](size_t variant) { return isKnown(entry, variant) && !entry.has[variant]; };
+  size_t variant = 0;
+  while (variant < variants_.size() && !lacks(variant)) ++variant;
+  if (variant == variants_.size()) return {};
+
+  const auto first = std::find(entry.has.begin(), entry.has.end(), true);
+  const NamedValues& constants = variants_[static_cast<size_t>(first - entry.has.begin())];
+  NamedValues deciding;
+  size_t step = variants_.size();
+  for (size_t i = 0; i < choices_.size(); ++i) {
+    const size_t values = choices_[i].second.size();
+    step /= values;
+    if (isDecidedBy(entry, step, values)) deciding.push_back(constants[i]);
+  }
+  // What is not known may hide that several constants decide it together.
+  return joinedValues(deciding.empty() ? constants : deciding);
+}
+
+// Whether two variants that differ in this constant alone differ in the finding. Those with its
+// next value are `step` variants further on.
+bool MergedFindings::isDecidedBy(const Entry& entry, size_t step, size_t values) const {
+  for (size_t first = 0; first < variants_.size(); ++first) {
+    if (first / step % values != 0) continue;
+    bool someHave = false;
+    bool someLack = false;
+    for (size_t variant = first; variant < first + step * values; variant += step) {
+      if (!isKnown(entry, variant)) continue;
+      (entry.has[variant] ? someHave : someLack) = true;
+    }
+    if (someHave && someLack) return true;
+  }
+  return false;
+}
+
+// Whether the variant's findings tell if it has this one.
+bool MergedFindings::isKnown(const Entry& entry, size_t variant) const {
+  if (isBuilt_[variant] || entry.has[variant]) return true;
+  const FindingGroup group = findFindingCode(entry.finding.code)->group;
+  return group != GROUP_STATIC && group != GROUP_PROVED;
+}

@@ -1,0 +1,40 @@
+// Merged findings: what was found in several variants, each finding told once.
+#pragma once
+
+#include <map>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "check/findings.h"
+#include "check/variant.h"
+
+/// Findings are the same where code, place and text are. One that not all variants have names the
+/// first that has it, with those constants only that decide it.
+class MergedFindings {
+ public:
+  /// For the variants of `choices`, which has to outlive this.
+  explicit MergedFindings(const ConstantChoices& choices);
+
+  /// Adds what was found in the variants one after another, in the order of variantsOf(). Where a
+  /// variant is not built, nobody could ask for more than what kept it from being built.
+  void addVariant(bool isBuilt, const Findings& findings);
+  /// Of the variants that were added, which have to be all: every finding once.
+  [[nodiscard]] Findings merged() const;
+
+ private:
+  using Key = std::tuple<TextPlace, std::string_view, std::string>;
+  struct Entry {
+    Finding finding;  // as in the first variant that has it
+    std::vector<bool> has;
+  };
+
+  [[nodiscard]] std::string variantOf(const Entry& entry) const;
+  [[nodiscard]] bool isDecidedBy(const Entry& entry, size_t step, size_t values) const;
+  [[nodiscard]] bool isKnown(const Entry& entry, size_t variant) const;
+
+  const ConstantChoices& choices_;
+  std::vector<NamedValues> variants_;
+  std::vector<bool> isBuilt_;
+  std::map<Key, Entry> entries_;
+};

@@ -1,0 +1,85 @@
+#include "check/merged_findings.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+namespace {
+
+const ConstantChoices CHOICES = {{"MODEL", {"basic", "pro"}}, {"CHANNELS", {"1", "2", "4"}}};
+
+// The variant that is named where `variants`, from 0, have a finding of `code` and the others do
+// not; those of `broken` were not built.
+std::string variantNamed(std::string_view code, const std::set<size_t>& variants,
+                         const std::set<size_t>& broken = {}) {
+  MergedFindings merged(CHOICES);
+  for (size_t i = 0; i < 6; ++i) {
+    Findings findings;
+    if (variants.contains(i)) findings.add({code, {1, 2, 3}, "text"});
+    merged.addVariant(!broken.contains(i), findings);
+  }
+  const std::vector<Finding> all = merged.merged().all();
+  EXPECT_EQ(all.size(), 1U);
+  return all.at(0).variant;
+}
+
+TEST(MergedFindings, NameTheConstantsThatDecide) {
+  const struct {
+    std::set<size_t> variants;
+    const char* named;
+  } cases[] = {
+      {{0, 1, 2, 3, 4, 5}, ""},      {{0, 1, 2}, "MODEL=basic"},
+      {{3, 4, 5}, "MODEL=pro"},      {{2, 5}, "CHANNELS=4"},
+      {{1, 2, 4, 5}, "CHANNELS=2"},  // and 4: the first is named
+      {{5}, "MODEL=pro CHANNELS=4"}, {{0, 1, 2, 3}, "MODEL=basic CHANNELS=1"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(variantNamed("merged", c.variants), c.named);
+}
+
+TEST(MergedFindings, ATextThatIsNotBuiltTellsNothingOfItsDefinitions) {
+  EXPECT_EQ(variantNamed("merged", {0, 1, 2}, {3, 4, 5}), "");
+  EXPECT_EQ(variantNamed("never-true", {0, 3}, {4}), "CHANNELS=1");
+  // What the builder says is known of all variants.
+  EXPECT_EQ(variantNamed("undefined-name", {0, 1, 2}, {0, 1, 2}), "MODEL=basic");
+  // Nothing is known of the variants that differ in one constant alone.
+  EXPECT_EQ(variantNamed("merged", {0}, {1, 2, 3}), "MODEL=basic CHANNELS=1");
+}
+
+TEST(MergedFindings, TellApartByCodePlaceAndText) {
+  MergedFindings merged(CHOICES);
+  Findings findings;
+  findings.add({"merged", {1, 2, 3}, "one"});
+  findings.add({"merged", {1, 2, 3}, "one"});
+  findings.add({"merged", {1, 2, 3}, "two"});
+  findings.add({"octal", {1, 2, 3}, "one"});
+  findings.add({"merged", {1, 4, 3}, "one"});
+  for (int i = 0; i < 6; ++i) merged.addVariant(true, findings);
+  EXPECT_EQ(merged.merged().all().size(), 4U);
+}
+
+TEST(MergedFindings, KeepTheWitnessOfTheVariantNamed) {
+  MergedFindings merged(CHOICES);
+  for (int i = 0; i < 6; ++i) {
+    Findings findings;
+    Finding finding = {"uncovered", {1, 0, 0}, "text"};
+    finding.witness = {{"a", std::to_string(i)}};
+    if (i >= 3) findings.add(finding);
+    merged.addVariant(true, findings);
+  }
+  const std::vector<Finding> all = merged.merged().all();
+  ASSERT_EQ(all.size(), 1U);
+  EXPECT_EQ(all[0].variant, "MODEL=pro");
+  EXPECT_EQ(all[0].witness, (NamedValues{{"a", "3"}}));
+}
+
+TEST(MergedFindings, WithoutConstantsNameNoVariant) {
+  const ConstantChoices none;
+  MergedFindings merged(none);
+  Findings findings;
+  findings.add({"merged", {1, 2, 3}, "text"});
+  merged.addVariant(true, findings);
+  ASSERT_EQ(merged.merged().all().size(), 1U);
+  EXPECT_EQ(merged.merged().all()[0].variant, "");
+}
+
+}  // namespace

@@ -4,6 +4,8 @@
 
 SourceText::SourceText(std::string name, std::string text)
     : name_(std::move(name)), text_(std::move(text)) {
+  constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
+  if (text_.starts_with(BYTE_ORDER_MARK)) text_.erase(0, BYTE_ORDER_MARK.size());
   std::string_view rest = text_;
   while (!rest.empty()) {
     const size_t newline = rest.find('\n');

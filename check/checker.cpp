@@ -1,13 +1,71 @@
 #include "check/checker.h"
 
+#include "check/allowances.h"
 #include "check/checked_text.h"
+#include "check/merged_findings.h"
+
+namespace {
+
+// Whether all has been asked that findings of `code` come from.
+bool isAsked(const FindingCode& code, bool isRead, bool isBuilt, bool isProved) {
+  switch (code.group) {
+    case GROUP_READING:
+    case GROUP_OWN:
+      return true;
+    case GROUP_BUILDER:
+      return isRead;
+    case GROUP_STATIC:
+      return isBuilt;
+    case GROUP_PROVED:
+      return isBuilt && isProved;
+  }
+  return false;
+}
+
+// Moves from `findings` what the text allows.
+std::vector<Finding> takeAllowed(Allowances& allowances, std::vector<Finding>& findings) {
+  std::vector<Finding> allowed;
+  std::vector<Finding> rest;
+  for (Finding& finding : findings) {
+    (allowances.allow(finding) ? allowed : rest).push_back(std::move(finding));
+  }
+  findings = std::move(rest);
+  return allowed;
+}
+
+}  // namespace
 
 CheckReport checkText(const SourceText& source, const CheckOptions& options) {
-  Findings findings;
+  Findings ofReading;
   ReadText text;
-  readText(source, text, findings);
+  readText(source, text, ofReading);
+
+  MergedFindings found(options.constants);
+  MergedFindings undecided(options.constants);
+  bool areAllBuilt = true;
   for (NamedValues& constants : variantsOf(options.constants)) {
+    Findings findings;
+    Findings questions;
     const Variant variant = buildVariant(source, text, std::move(constants), findings);
+    areAllBuilt = areAllBuilt && variant.isBuilt;
+    found.addVariant(variant.isBuilt, findings);
+    undecided.addVariant(variant.isBuilt, questions);
   }
-  return {findings.inTextOrder(), {}, {}};
+
+  Findings all = found.merged();
+  for (const Finding& finding : ofReading.all()) all.add(finding);
+  CheckReport report = {all.inTextOrder(), {}, undecided.merged().inTextOrder()};
+  Allowances allowances(source, text.layout);
+  report.allowed = takeAllowed(allowances, report.findings);
+  static_cast<void>(takeAllowed(allowances, report.undecided));
+
+  Findings remaining;
+  for (Finding& finding : report.findings) remaining.add(std::move(finding));
+  allowances.report(
+      [&](const FindingCode& code) {
+        return isAsked(code, !text.isBroken, areAllBuilt, options.proofs);
+      },
+      remaining);
+  report.findings = remaining.inTextOrder();
+  return report;
 }

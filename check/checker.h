@@ -1,6 +1,8 @@
 // The checker: all that can be said about a text.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "check/findings.h"
@@ -11,6 +13,9 @@
 struct CheckOptions {
   ConstantChoices constants;
   bool proofs = true;  ///< whether to ask what happens in all situations
+  /// After so many seconds the remaining proofs of a text are left undecided; no value: never.
+  std::optional<uint32_t> maxSeconds = {};
+  uint32_t jobs = 1;  ///< how many proofs may run at once, from 1
 };
 
 /// What it found.

@@ -3,13 +3,23 @@
 
 #include <cstdio>
 
-#include "check/checker.h"
+#include "check/report.h"
 
-/// Writes each finding as
+/// What is shown, and how.
+struct TextStyle {
+  bool hasColours = false;      ///< for a terminal
+  bool showsAllowed = false;    ///< also what a comment of the text allows
+  bool showsUndecided = false;  ///< each undecided question; else only how many there are
+};
+
+/// Writes each finding of a text as
 ///
 ///   FILE:LINE:COL: error: text [code]
-///     the line of the text
-///       ^~~~
+///   the line of the text
+///         ^~~~
 ///
-/// and its related places as notes.
-void writeText(const SourceText& source, const CheckReport& report, std::FILE* out);
+/// and behind it, as notes, its related places, its proposal, the situation that shows it and the
+/// variant that has it. Lines and columns count from 1, columns in bytes. What a terminal cannot
+/// show of the text is replaced. Nothing is written where nothing was found. A failed write is left
+/// to the caller to ask of `out`.
+void writeText(const FileReport& file, const TextStyle& style, std::FILE* out);

@@ -1,41 +1,15 @@
 // Runs the program ostrel-vidstd and compares all that it prints.
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <string>
+
+#include "tests/support/run_program.h"
 
 namespace {
 
-struct Outcome {
-  std::string out;
-  int status = -1;
-};
-
-// Runs a program in a shell with these arguments and redirections.
-Outcome runProgram(const char* program, const std::string& arguments) {
-  Outcome outcome;
-  std::FILE* const pipe = popen((std::string("'") + program + "' " + arguments).c_str(), "r");
-  EXPECT_NE(pipe, nullptr);
-  if (pipe == nullptr) return outcome;
-  char buffer[4096];
-  for (size_t n = 0; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;) {
-    outcome.out.append(buffer, n);
-  }
-  const int ended = pclose(pipe);
-  outcome.status = WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
-  return outcome;
-}
-
 Outcome run(const std::string& arguments) { return runProgram(OSTREL_VIDSTD, arguments); }
-
-size_t countOf(const std::string& text, const std::string& part) {
-  size_t count = 0;
-  for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) count++;
-  return count;
-}
 
 const char* const DESCRIPTION_625P = R"(625p/50
 864 samples x 625 lines progressive

@@ -1,0 +1,178 @@
+// The pairs of tests/check/: each directory has a text with a mistake, all that ostrel-check prints
+// of it, and the nearest text without the mistake.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "check/finding_codes.h"
+#include "tests/support/run_program.h"
+
+namespace {
+
+const std::filesystem::path PAIRS = PAIRS_DIRECTORY;
+
+std::string contentsOf(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+// All directories but that of the schemas.
+std::vector<std::string> pairNames() {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(PAIRS)) {
+    if (entry.is_directory() && entry.path().filename() != "schemas") {
+      names.push_back(entry.path().filename());
+    }
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+// What the program says of a text in the directory of its pair, on both streams.
+Outcome check(const std::string& pair, const char* text) {
+  std::string options = contentsOf(PAIRS / pair / "options");
+  std::replace(options.begin(), options.end(), '\n', ' ');
+  return runCommand("cd '" + (PAIRS / pair).string() + "' && '" + OSTREL_CHECK + "' " + options +
+                    " " + text + " 2>&1");
+}
+
+std::string caseName(const testing::TestParamInfo<std::string>& pair) {
+  std::string name = pair.param;
+  std::replace(name.begin(), name.end(), '-', '_');
+  return name;
+}
+
+class CheckPair : public testing::TestWithParam<std::string> {};
+
+TEST_P(CheckPair, IsToldApart) {
+  const std::string& pair = GetParam();
+  ASSERT_TRUE(std::filesystem::exists(PAIRS / pair / "text.ostrel"));
+  ASSERT_TRUE(std::filesystem::exists(PAIRS / pair / "near.ostrel"));
+  const std::string expected = contentsOf(PAIRS / pair / "expected");
+  ASSERT_NE(expected, "");
+  const Outcome wrong = check(pair, "text.ostrel");
+  EXPECT_EQ(wrong.out, expected);
+  EXPECT_EQ(wrong.status, countOf(expected, ": error: ") > 0 ? 1 : 0);
+
+  const Outcome right = check(pair, "near.ostrel");
+  EXPECT_EQ(right.out, "");
+  EXPECT_EQ(right.status, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Pairs, CheckPair, testing::ValuesIn(pairNames()), caseName);
+
+// A pair is named for the code that it shows, or has a word more.
+TEST(CheckPairs, ShowTheCodeOfTheirName) {
+  for (const std::string& pair : pairNames()) {
+    std::string_view longest;
+    for (const FindingCode& code : findingCodes()) {
+      const bool fits = pair == code.name || pair.starts_with(std::string(code.name) + "-");
+      if (fits && code.name.size() > longest.size()) longest = code.name;
+    }
+    ASSERT_NE(longest, "") << pair;
+    const std::string mark = "[" + std::string(longest) + "]\n";
+    EXPECT_NE(contentsOf(PAIRS / pair / "expected").find(mark), std::string::npos) << pair;
+  }
+}
+
+// The codes that have no pair yet.
+const std::set<std::string_view> MISSING = {"ambiguous-translation",
+                                            "builder",
+                                            "comment-after-code",
+                                            "conflicting-conditions",
+                                            "constant-condition",
+                                            "cycle",
+                                            "index-mismatch",
+                                            "indexed-index",
+                                            "invalid-expression",
+                                            "invalid-range",
+                                            "long-line",
+                                            "missing-constant",
+                                            "not-an-index",
+                                            "open-definition",
+                                            "open-quote",
+                                            "repeated-condition",
+                                            "same-condition",
+                                            "second-index-list",
+                                            "single-equals",
+                                            "syntax",
+                                            "undefined-index",
+                                            "undefined-name",
+                                            "unknown-access",
+                                            "unknown-figure",
+                                            "unknown-keyword",
+                                            "unknown-standard",
+                                            "unquoted-text",
+                                            "unused-constant",
+                                            "write-only-condition"};
+
+TEST(CheckPairs, EveryCodeHasOne) {
+  const std::vector<std::string> pairs = pairNames();
+  std::set<std::string_view> missing;
+  for (const FindingCode& code : findingCodes()) {
+    // Their checks come with their pairs.
+    if (code.group == GROUP_STATIC || code.group == GROUP_PROVED) continue;
+    if (std::ranges::find(pairs, code.name) == pairs.end()) missing.insert(code.name);
+  }
+  EXPECT_EQ(missing, MISSING);
+}
+
+// What --explain shows: "Wrong:" and "Right:", each perhaps ", with OPTIONS", before lines that are
+// indented by four.
+struct ExplainedText {
+  std::string options;
+  std::string text;
+};
+
+ExplainedText explainedText(const FindingCode& code, const std::string& word) {
+  const std::string explanation = "\n" + std::string(code.explanation);
+  ExplainedText explained;
+  size_t at = explanation.find("\n" + word);
+  if (at == std::string::npos) return explained;
+  at += 1 + word.size();
+  const size_t colon = explanation.find(":\n", at);
+  const std::string with = ", with ";
+  if (colon > at)
+    explained.options = explanation.substr(at + with.size(), colon - at - with.size());
+  for (at = colon + 2; explanation.compare(at, 4, "    ") == 0;) {
+    const size_t newline = explanation.find('\n', at);
+    explained.text += explanation.substr(at + 4, newline + 1 - at - 4);
+    at = newline + 1;
+  }
+  return explained;
+}
+
+Outcome check(const ExplainedText& explained) {
+  const std::string path = testing::TempDir() + "/explained.ostrel";
+  std::ofstream(path) << explained.text;
+  return runProgram(OSTREL_CHECK, explained.options + " '" + path + "' 2>&1");
+}
+
+TEST(CheckPairs, ExplanationsMendWhatTheyShow) {
+  for (const FindingCode& code : findingCodes()) {
+    SCOPED_TRACE(code.name);
+    if (code.name == "builder") continue;
+    const ExplainedText wrong = explainedText(code, "Wrong");
+    const ExplainedText right = explainedText(code, "Right");
+    // A long line does not fit into an explanation.
+    EXPECT_EQ(wrong.text.empty(), code.name == "long-line");
+    EXPECT_EQ(right.text.empty(), code.name == "long-line");
+    if (right.text.empty()) continue;
+    EXPECT_NE(wrong.text + wrong.options, right.text + right.options);
+    EXPECT_EQ(check(right).out, "");
+    const bool isChecked =
+        code.group != GROUP_STATIC && code.group != GROUP_PROVED && !MISSING.contains(code.name);
+    if (!isChecked) continue;
+    const std::string said = check(wrong).out;
+    EXPECT_EQ(countOf(said, std::string("[") + std::string(code.name) + "]\n"), 1U) << said;
+    EXPECT_EQ(countOf(said, "]\n"), 1U) << said;
+  }
+}
+
+}  // namespace

@@ -45,8 +45,9 @@ TEST(Printable, CountsCharactersAndColumns) {
     size_t columns;
   } cases[] = {{U'a', 1},      {U'\u00F6', 1}, {U'\u0300', 0},     {U'\u036F', 0}, {U'\u0370', 1},
                {U'\u4E00', 2}, {U'\uFF01', 2}, {U'\U0001F600', 2}, {U'\uFFFD', 1}};
-  for (const auto& c : cases)
+  for (const auto& c : cases) {
     EXPECT_EQ(columnsOf(c.point), c.columns) << static_cast<uint32_t>(c.point);
+  }
 }
 
 }  // namespace

@@ -52,9 +52,7 @@ class TextWriter {
       writeLine(related.at);
     }
     if (finding.proposal) writeProposal(finding);
-    if (!finding.witness.empty()) {
-      writeNote("for example with " + joinedValues(finding.witness));
-    }
+    if (!finding.witness.empty()) writeNote("for example with " + joinedValues(finding.witness));
     if (!finding.variant.empty()) writeNote("with " + finding.variant);
   }
 
@@ -78,9 +76,7 @@ class TextWriter {
   void writeHead(TextPlace at, std::string_view word, std::string_view text,
                  std::string_view code = {}) const {
     std::string place = name_ + ":";
-    if (at.line != 0) {
-      place += std::to_string(at.line) + ":" + std::to_string(at.column + 1) + ":";
-    }
+    if (at.line != 0) place += std::to_string(at.line) + ":" + std::to_string(at.column + 1) + ":";
     putColoured(BOLD, place);
     put(" ");
     writeSentence(word, text);

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "check/finding_codes.h"
+#include "tests/harness/temp_dir.h"
 #include "tests/support/run_program.h"
 
 namespace {
@@ -138,8 +139,9 @@ ExplainedText explainedText(const FindingCode& code, const std::string& word) {
   at += 1 + word.size();
   const size_t colon = explanation.find(":\n", at);
   const std::string with = ", with ";
-  if (colon > at)
+  if (colon > at) {
     explained.options = explanation.substr(at + with.size(), colon - at - with.size());
+  }
   for (at = colon + 2; explanation.compare(at, 4, "    ") == 0;) {
     const size_t newline = explanation.find('\n', at);
     explained.text += explanation.substr(at + 4, newline + 1 - at - 4);
@@ -149,7 +151,8 @@ ExplainedText explainedText(const FindingCode& code, const std::string& word) {
 }
 
 Outcome check(const ExplainedText& explained) {
-  const std::string path = testing::TempDir() + "/explained.ostrel";
+  const TempDir folder;
+  const std::string path = folder.path() + "/explained.ostrel";
   std::ofstream(path) << explained.text;
   return runProgram(OSTREL_CHECK, explained.options + " '" + path + "' 2>&1");
 }

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <string>
 
+#include "tests/harness/temp_dir.h"
 #include "tests/support/run_program.h"
 
 namespace {
@@ -26,21 +27,21 @@ const char* const WARNING =
 class OstrelCheck : public testing::Test {
  protected:
   OstrelCheck() {
-    for (const char* const name : {"right.ostrel", "doubtful.ostrel", "wrong.ostrel"})
-      write(name, "");
     write("right.ostrel", RIGHT);
     write("doubtful.ostrel", DOUBTFUL);
     write("wrong.ostrel", WRONG);
   }
 
-  static void write(const std::string& name, const std::string& text) {
-    std::ofstream(testing::TempDir() + "/" + name) << text;
+  void write(const std::string& name, const std::string& text) const {
+    std::ofstream(folder_.path() + "/" + name) << text;
   }
 
   // In a shell, so that redirections are part of the arguments.
-  static Outcome run(const std::string& arguments) {
-    return runCommand("cd '" + testing::TempDir() + "' && '" + OSTREL_CHECK + "' " + arguments);
+  [[nodiscard]] Outcome run(const std::string& arguments) const {
+    return runCommand("cd '" + folder_.path() + "' && '" + OSTREL_CHECK + "' " + arguments);
   }
+
+  TempDir folder_;
 };
 
 TEST_F(OstrelCheck, SaysNothingOfATextThatIsRight) {
@@ -74,8 +75,9 @@ TEST_F(OstrelCheck, ItsStatusSaysWhetherThereAreErrors) {
       {"--format=json right.ostrel > /dev/full", 2},
       {"right.ostrel > /dev/full", 0},  // there is nothing to write
   };
-  for (const auto& c : cases)
+  for (const auto& c : cases) {
     EXPECT_EQ(run(std::string(c.arguments) + " 2>/dev/null").status, c.status) << c.arguments;
+  }
 }
 
 TEST_F(OstrelCheck, ReportsEachTextUnderItsName) {
@@ -149,9 +151,9 @@ TEST_F(OstrelCheck, WritesOneDocumentForAllTexts) {
 }
 
 TEST_F(OstrelCheck, HasColoursOnATerminalOnly) {
-  const auto onTerminal = [](const std::string& environment) {
-    return runCommand("cd '" + testing::TempDir() + "' && env -u NO_COLOR TERM=xterm " +
-                      environment + " script --quiet --return --command \"'" + OSTREL_CHECK +
+  const auto onTerminal = [this](const std::string& environment) {
+    return runCommand("cd '" + folder_.path() + "' && env -u NO_COLOR TERM=xterm " + environment +
+                      " script --quiet --return --command \"'" + OSTREL_CHECK +
                       "' doubtful.ostrel\" /dev/null </dev/null")
         .out;
   };

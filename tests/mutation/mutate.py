@@ -325,7 +325,7 @@ def measure(tests, size, jobs, files):
     """Runs each test once without a mutant, to see what it reaches; again only where something has changed."""
     known = load("reached.pickle", {})
     data = [os.path.join(TREE, path) for path in files if not path.endswith((".cpp", ".h", ".txt", ".py"))]
-    programs = [os.path.join(BUILD, path) for path in ("startup/ostrel", "tools/ostrel-vidstd")]
+    programs = [os.path.join(BUILD, path) for path in ("startup/ostrel", "tools/ostrel-check", "tools/ostrel-vidstd")]
     rest = hash_of(data + [program for program in programs if os.path.exists(program)])
     state = {}
     for test in tests:

@@ -21,6 +21,7 @@ struct TextPlace {
   uint32_t line = 0;
   uint32_t column = 0;
   uint32_t length = 0;
+  // NOLINTNEXTLINE(modernize-use-nullptr): the comparison with 0 that is made of it is no pointer.
   auto operator<=>(const TextPlace&) const = default;
 };
 

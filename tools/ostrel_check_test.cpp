@@ -200,6 +200,33 @@ TEST_F(OstrelCheck, NamesAVariantWhereItMatters) {
   EXPECT_EQ(countOf(all.out, ": error: "), 1U) << all.out;
 }
 
+// Nobody knows what an allowance would silence where its code was not asked for.
+TEST_F(OstrelCheck, ReportsAnIdleAllowanceOnlyOfWhatWasAsked) {
+  const struct {
+    const char* options;
+    const char* code;
+    const char* definition;
+    size_t reports;
+  } cases[] = {
+      {"", "never-true", "gain rw { }", 1},
+      {"--no-proofs", "never-true", "gain rw { }", 0},
+      {"--no-proofs", "octal", "gain rw { }", 1},
+      // The definitions were not built, or only in one of the variants.
+      {"", "octal", "gain rw { rangeValid { 9..0 } }", 0},
+      {"-D TOP=0,9", "octal", "gain rw { rangeValid { 1..(TOP) } }", 0},
+      {"-D TOP=1,9", "octal", "gain rw { rangeValid { 1..(TOP) } }", 1},
+      {"", "constant-condition", "gain rw { rangeValid { 9..0 } }", 1},
+      // They were not even read.
+      {"", "constant-condition", "gain rw { rangeValid { 9-0 } }", 0},
+      {"", "long-line", "gain rw { rangeValid { 9-0 } }", 1},
+  };
+  for (const auto& c : cases) {
+    write("text.ostrel", std::string("# check: allow ") + c.code + "\n" + c.definition + "\n");
+    const Outcome outcome = run(std::string(c.options) + " text.ostrel 2>&1");
+    EXPECT_EQ(countOf(outcome.out, "[unused-allowance]"), c.reports) << outcome.out;
+  }
+}
+
 TEST(OstrelCheckUsage, RefusesWhatItDoesNotUnderstand) {
   const struct {
     const char* arguments;

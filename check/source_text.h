@@ -10,8 +10,8 @@
 /// Keeps every line of a text, so that findings can show it.
 class SourceText {
  public:
-  /// The text `text` under the name `name`, as findings call it: a file's name, or "<stdin>". A byte
-  /// order mark at its start is left out, as the daemon does.
+  /// The text `text` under the name `name`, as findings call it: a file's name, or "<stdin>". A
+  /// byte order mark at its start is left out, as the daemon does.
   SourceText(std::string name, std::string text);
   SourceText(const SourceText&) = delete;
   SourceText& operator=(const SourceText&) = delete;

@@ -11,6 +11,8 @@ class LayoutObserver final : public ReadingObserver {
   void onDefinition(const ParameterRecord& record, Position at) override {
     text_.layout.definitions.push_back({&record, at, {at, at}});
   }
+  void onKeyword(const ParameterRecord& /*record*/, std::string_view /*keyword*/,
+                 Position /*at*/) override {}
   void onStatement(const ParameterRecord& /*record*/, std::string_view keyword, Position at,
                    Position end) override {
     text_.layout.definitions.back().statements.push_back({keyword, {at, end}});
@@ -19,6 +21,7 @@ class LayoutObserver final : public ReadingObserver {
     text_.layout.definitions.back().extent.to = end;
   }
   Resumption onError(TextCursor& cursor, const ParameterRecord* /*record*/) override {
+    if (cursor.result() == PARSE_DONE) return RESUME_NOWHERE;
     const Position at = cursor.position();
     text_.isBroken = true;
     findings_.add({"syntax", {at.line, at.column, 0}, parseResultMessage(cursor.result())});

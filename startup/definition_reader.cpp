@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
-
 // Whether reading goes on after an end or an error; waits where a descriptor that does not block
 // has no bytes yet. Whoever shares a descriptor shares its mode, so the mode is left as it is.
 bool goesOn(FILE* in) {

@@ -6,11 +6,8 @@
 #include <cstdio>
 #include <string>
 
+#include "deflang/text/text_pieces.h"
 #include "sw/parm/build/definition_registry.h"
-
-/// The most bytes of one piece of the text. A longer line is several pieces, and each counts as a
-/// line, also for the line numbers in reports.
-constexpr size_t MAX_PIECE_LENGTH = 1024;
 
 /// Reads the next piece into `piece`: a line with its newline, or the next 1024 bytes of a longer
 /// line. NUL bytes are kept. Waits for a stream that has no bytes yet, also where its descriptor

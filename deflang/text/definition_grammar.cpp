@@ -1,6 +1,7 @@
 #include "deflang/text/definition_grammar.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <iterator>
 #include <utility>
@@ -123,6 +124,7 @@ class DefinitionReader {
     const Keyword* const keyword = findWord(KEYWORDS, word);
     if (keyword == nullptr) return cursor_.fail(PARSE_SYNTAX_ERROR);
     const Position at = cursor_.position();
+    if (observer_ != nullptr) observer_->onKeyword(record, keyword->word, at);
     cursor_.advance(word.size());
     if (!keyword->read(cursor_, at, record)) return false;
     if (observer_ != nullptr) observer_->onStatement(record, keyword->word, at, cursor_.position());
@@ -131,8 +133,9 @@ class DefinitionReader {
 
   // After a function that found nothing more to read: the text has ended, or something is wrong.
   Resumption resume(const ParameterRecord* record) {
-    const bool isWrong = cursor_.result() != PARSE_DONE;
-    return isWrong && observer_ != nullptr ? observer_->onError(cursor_, record) : RESUME_NOWHERE;
+    const bool isCutShort = cursor_.result() != PARSE_DONE || record != nullptr;
+    return isCutShort && observer_ != nullptr ? observer_->onError(cursor_, record)
+                                              : RESUME_NOWHERE;
   }
 
   TextCursor& cursor_;
@@ -146,7 +149,21 @@ bool hasWords(std::string_view line) {
   return first < line.size() && line[first] != '#';
 }
 
+template <typename T, size_t N>
+constexpr std::array<std::string_view, N> wordsOf(const T (&table)[N]) {
+  std::array<std::string_view, N> words;
+  for (size_t i = 0; i < N; ++i) words[i] = table[i].word;
+  return words;
+}
+
+constexpr std::array ALL_ACCESS_WORDS = wordsOf(ACCESS_WORDS);
+constexpr std::array ALL_KEYWORDS = wordsOf(KEYWORDS);
+
 }  // namespace
+
+std::span<const std::string_view> accessWords() { return ALL_ACCESS_WORDS; }
+
+std::span<const std::string_view> statementKeywords() { return ALL_KEYWORDS; }
 
 ParseResult readDefinitions(TextCursor& cursor, ParameterRecords& records,
                             ReadingObserver* observer) {

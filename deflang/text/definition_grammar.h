@@ -5,9 +5,16 @@
 //   statement  = KEYWORD and what belongs to it, see statement_grammar.h
 #pragma once
 
+#include <span>
+#include <string_view>
+
 #include "deflang/text/definition_text.h"
 #include "deflang/text/reading_observer.h"
 #include "deflang/text/text_cursor.h"
+
+/// The words that may come behind a name, and those that a statement begins with; valid for good.
+std::span<const std::string_view> accessWords();
+std::span<const std::string_view> statementKeywords();
 
 /// Reads definitions up to the end of the text, or up to the first error, into `records`. The
 /// cursor has to be one on `records.arena()`. A definition that the text leaves unfinished keeps

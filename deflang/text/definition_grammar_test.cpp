@@ -422,4 +422,88 @@ TEST(ReadDefinitionText, AsksForNoLineBehindTheWrongOne) {
   EXPECT_EQ(asked, 2);
 }
 
+// Writes down what it is told, and goes on behind the character at which something is wrong.
+class Narrator : public ReadingObserver {
+ public:
+  explicit Narrator(Resumption next) : next_(next) {}
+
+  void onDefinition(const ParameterRecord& record, Position at) override {
+    tell("definition " + std::string(record.name), at);
+  }
+  void onKeyword(const ParameterRecord& /*record*/, std::string_view keyword,
+                 Position at) override {
+    tell("keyword " + std::string(keyword), at);
+  }
+  void onStatement(const ParameterRecord& /*record*/, std::string_view keyword, Position /*at*/,
+                   Position end) override {
+    tell("end of " + std::string(keyword), end);
+  }
+  void onDefinitionEnd(const ParameterRecord& record, Position end) override {
+    tell("end of " + std::string(record.name), end);
+  }
+  Resumption onError(TextCursor& cursor, const ParameterRecord* record) override {
+    const std::string open = record == nullptr ? "no definition" : std::string(record->name);
+    tell((cursor.result() == PARSE_DONE ? "unfinished " : "wrong in ") + open, cursor.position());
+    if (cursor.result() == PARSE_DONE) return RESUME_NOWHERE;
+    cursor.recover();
+    cursor.advance(1);
+    return next_;
+  }
+
+  std::vector<std::string> told;
+
+ private:
+  void tell(const std::string& what, Position at) {
+    told.push_back(std::to_string(at.line) + ":" + std::to_string(at.column) + " " + what);
+  }
+
+  Resumption next_;
+};
+
+TEST(ReadDefinitions, TellsAnObserverWhatItReadsAndGoesOnWhereItSays) {
+  struct Case {
+    std::string_view text;
+    Resumption next;
+    std::vector<std::string> told;
+  };
+  const Case cases[] = {
+      {"p rw {\n default { 1 } }",
+       RESUME_NOWHERE,
+       {"1:0 definition p", "2:1 keyword default", "2:14 end of default", "2:16 end of p"}},
+      {"p rw { default { = } } q rw { }",
+       RESUME_NOWHERE,
+       {"1:0 definition p", "1:7 keyword default", "1:17 wrong in p"}},
+      {"p rw { = } q rw { }",
+       RESUME_STATEMENT,
+       {"1:0 definition p", "1:7 wrong in p", "1:10 end of p", "1:11 definition q",
+        "1:19 end of q"}},
+      {"p = q rw { }",
+       RESUME_DEFINITION,
+       {"1:0 definition p", "1:2 wrong in p", "1:4 definition q", "1:12 end of q"}},
+      {"p rw {\n default { 1",
+       RESUME_STATEMENT,
+       {"1:0 definition p", "2:1 keyword default", "2:0 unfinished p"}},
+      {"p", RESUME_STATEMENT, {"1:0 definition p", "1:0 unfinished p"}},
+      {" ", RESUME_STATEMENT, {}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.text);
+    ParameterRecords records;
+    TextCursor cursor(linesIn(c.text), records.arena());
+    Narrator narrator(c.next);
+    static_cast<void>(readDefinitions(cursor, records, &narrator));
+    EXPECT_EQ(narrator.told, c.told);
+  }
+}
+
+TEST(ReadDefinitions, TellsItsWords) {
+  for (const std::string_view word : accessWords()) {
+    ParameterRecords records;
+    TextCursor cursor(linesIn("p " + std::string(word) + " { }"), records.arena());
+    EXPECT_EQ(readDefinitions(cursor, records), PARSE_DONE) << word;
+  }
+  EXPECT_EQ(accessWords().size(), 5U);
+  EXPECT_EQ(statementKeywords().size(), 7U);
+}
+
 }  // namespace

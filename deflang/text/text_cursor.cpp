@@ -1,6 +1,7 @@
 #include "deflang/text/text_cursor.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -11,11 +12,12 @@ bool isComment(std::string_view line) { return line.substr(firstWord(line)).star
 bool TextCursor::pullLine() {
   do {
     column_ = 0;
+    const Position last = std::exchange(start_, {start_.line + 1, 0});
     if (!nextLine_(line_)) {
       line_ = {};
+      start_ = {last.line, 0};
       return false;
     }
-    ++number_;
   } while (isComment(line_));
   const size_t nul = line_.find('\0');
   if (nul == std::string_view::npos) return true;
@@ -24,7 +26,8 @@ bool TextCursor::pullLine() {
 }
 
 bool TextCursor::failAt(Position at, ParseResult result) {
-  column_ = at.line == number_ ? at.column : firstWord(line_);
+  const bool isHere = at.line == start_.line && at.column >= start_.column;
+  column_ = isHere ? at.column - start_.column : firstWord(line_);
   return fail(result);
 }
 

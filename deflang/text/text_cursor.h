@@ -70,7 +70,9 @@ class TextCursor {
   [[nodiscard]] ParseResult result() const { return result_; }
   /// The line, from 1 (0 before the first), and the byte in it, from 0. At the end of the text:
   /// the last line's number, and 0.
-  [[nodiscard]] Position position() const { return {number_, static_cast<uint32_t>(column_)}; }
+  [[nodiscard]] Position position() const {
+    return {start_.line, start_.column + static_cast<uint32_t>(column_)};
+  }
   /// The whole line, for reports; empty before the first line and at the end of the text.
   [[nodiscard]] std::string_view line() const { return line_; }
   /// Where a reading function keeps what it has read.
@@ -96,6 +98,10 @@ class TextCursor {
     advance(sign.size());
     return true;
   }
+  /// To be called by `nextLine` itself: the line that it gives now is at `start`, and not one below
+  /// the last. For whoever gives long lines in pieces but wants places in the whole lines, or who
+  /// gives a line again. Positions and the numbers of the lines behind it follow.
+  void startLineAt(Position start) { start_ = start; }
   /// Goes to the beginning of the next line that is no comment. Returns false where the text ends,
   /// and for a line with a NUL byte, which is a syntax error at that byte.
   bool pullLine();
@@ -128,7 +134,7 @@ class TextCursor {
   NextLine nextLine_;
   Arena& arena_;
   std::string_view line_;
-  uint32_t number_ = 0;
+  Position start_;  // of line_
   size_t column_ = 0;
   ParseResult result_ = PARSE_DONE;
 };

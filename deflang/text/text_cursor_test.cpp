@@ -4,6 +4,8 @@
 
 #include <cctype>
 #include <clocale>
+#include <iterator>
+#include <optional>
 #include <string>
 
 #include "tests/support/reader.h"
@@ -98,6 +100,41 @@ TEST(TextCursor, ReadsNothingOfWhatTheLastLineWouldHaveBeen) {
   TextCursor cursor(failsInTheMiddle, testArena());
   EXPECT_FALSE(cursor.skipWhiteSpace());
   EXPECT_EQ(cursor.rest(), "");
+}
+
+TEST(TextCursor, CountsFromWhereALineIsSaidToStart) {
+  struct Line {
+    std::string_view text;
+    std::optional<Position> start;
+    Position first;  // of the first character that is no white space
+  };
+  const Line lines[] = {
+      {"one\n", {}, {1, 0}},
+      {"  long", {}, {2, 2}},
+      {" rest\n", Position{2, 6}, {2, 7}},
+      {"next\n", {}, {3, 0}},
+      {" rest\n", Position{2, 6}, {2, 7}},  // once more
+      {"next\n", {}, {3, 0}},
+  };
+  size_t given = 0;
+  TextCursor* self = nullptr;
+  const auto nextLine = [&](std::string_view& text) {
+    if (given == std::size(lines)) return false;
+    if (lines[given].start) self->startLineAt(*lines[given].start);
+    text = lines[given++].text;
+    return true;
+  };
+  TextCursor cursor(nextLine, testArena());
+  self = &cursor;
+  for (const Line& line : lines) {
+    ASSERT_TRUE(cursor.pullLine());
+    ASSERT_TRUE(cursor.skipWhiteSpace());
+    EXPECT_EQ(cursor.position().line, line.first.line);
+    EXPECT_EQ(cursor.position().column, line.first.column);
+  }
+  EXPECT_FALSE(cursor.pullLine());
+  EXPECT_EQ(cursor.position().line, 3U);
+  EXPECT_EQ(cursor.position().column, 0U);
 }
 
 TEST(TextCursor, RefusesALineWithANul) {

@@ -64,7 +64,10 @@ ReadingCause swapped(const FaultView& view, const TextPart& name) {
   const std::string right = std::string(name.text) + " " + view.name();
   const size_t length = name.end() - view.fault.nameAt;
   const TextPlace at = view.place(view.fault.nameAt, length);
-  return {{"unknown-access", at, "the name comes before the access word: " + quoted(right), {},
+  return {{"unknown-access",
+           at,
+           "the name comes before the access word: " + quoted(right),
+           {},
            Proposal{at, right}},
           bodyBehind(view, name.end())};
 }

@@ -17,7 +17,9 @@ std::string_view FaultView::lineFrom(size_t from) const {
 
 TextPlace FaultView::place(size_t from, size_t length) const {
   const Position at = source_.positionOf(from);
-  return {at.line, at.column, static_cast<uint32_t>(std::min(length, lineFrom(from).size()))};
+  const auto lineSize = static_cast<uint32_t>(source_.line(at.line).size());
+  return {at.line, std::min(at.column, lineSize),
+          static_cast<uint32_t>(std::min(length, lineFrom(from).size()))};
 }
 
 TextPlace FaultView::placeOf(const TextPart& part) const {
@@ -85,7 +87,8 @@ std::optional<RelatedPlace> closingBraceTakenByStatement(const FaultView& view) 
 ReadingCause openDefinition(const FaultView& view, const TextPart& at) {
   const bool isEnd = at.kind == PART_END;
   Finding finding = {"open-definition", isEnd ? view.namePlace() : view.placeOf(at),
-                     "the definition of " + quoted(view.name()) + " is not closed: a \"}\" is missing " +
+                     "the definition of " + quoted(view.name()) +
+                         " is not closed: a \"}\" is missing " +
                          (isEnd ? "at the end of the text" : "before " + quoted(at.text))};
   if (!isEnd) finding.related.push_back({view.namePlace(), quoted(view.name()) + " begins here"});
   if (auto brace = closingBraceTakenByStatement(view)) finding.related.push_back(*std::move(brace));

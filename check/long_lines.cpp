@@ -30,9 +30,10 @@ bool LongLines::isToBlame(size_t at) {
   const size_t nextCut = (place.column / MAX_PIECE_LENGTH + 1) * MAX_PIECE_LENGTH;
   const bool isRest = place.column >= MAX_PIECE_LENGTH && isComment(line);
   const bool isBehindCut = cut > 0 && place.column == cut && isCutWithin(line, cut);
-  const bool isBeforeCut = isCutWithin(line, nextCut) &&
-                           line.substr(place.column, nextCut - place.column)
-                                   .find_first_of(" \t(){},\"") == std::string_view::npos;
+  const bool isBeforeCut =
+      isCutWithin(line, nextCut) &&
+      line.substr(place.column, nextCut - place.column).find_first_of(" \t(){},\"") ==
+          std::string_view::npos;
   if (!isRest && !isBehindCut && !isBeforeCut) return false;
   blamed_.insert(place.line);
   return true;

@@ -39,7 +39,8 @@ size_t wordDistance(std::string_view from, std::string_view to, size_t limit) {
     before = std::exchange(last, row);
     row[0] = 2 * i;
     for (size_t j = 1; j <= to.size(); ++j) {
-      row[j] = std::min({last[j] + 2, row[j - 1] + 2, last[j - 1] + changeOf(from[i - 1], to[j - 1])});
+      row[j] =
+          std::min({last[j] + 2, row[j - 1] + 2, last[j - 1] + changeOf(from[i - 1], to[j - 1])});
       const bool isSwapped = i > 1 && j > 1 && from[i - 1] == to[j - 2] && from[i - 2] == to[j - 1];
       if (isSwapped) row[j] = std::min(row[j], before[j - 2] + 2);
     }

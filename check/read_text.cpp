@@ -30,6 +30,7 @@ class LayoutObserver final : public ReadingObserver {
   void onDefinition(const ParameterRecord& record, Position at) override {
     text_.layout.definitions.push_back({&record, at, {at, at}});
     open_ = {};
+    isBraceMissing_ = false;
     open_.record = &record;
     open_.nameAt = source_.offsetOf(at);
   }
@@ -59,6 +60,8 @@ class LayoutObserver final : public ReadingObserver {
     noteDoubts(fault, cause);
     const ResumePoint next = placeToGoOn(fault, cause.next);
     report(fault, std::move(cause));
+    const bool isBraceRead = fault.isBodyOpen || (next.at > 0 && bytes_[next.at - 1] == '{');
+    isBraceMissing_ = next.what == RESUME_STATEMENT && (isBraceMissing_ || !isBraceRead);
     open_.keyword = {};
     open_.isBodyOpen = next.what == RESUME_STATEMENT;
     cursor.recover();
@@ -127,6 +130,8 @@ class LayoutObserver final : public ReadingObserver {
   void report(const ReadingFault& fault, ReadingCause cause) {
     const size_t start = fault.isBodyOpen ? fault.at : fault.nameAt;
     if (longLines_.isToBlame(start) || longLines_.isToBlame(fault.at)) return;
+    if (text_.linesWithNul.contains(cause.finding.at.line)) return;
+    if (isBraceMissing_ && cause.finding.code == "open-definition") return;
     if (cause.bareWord.empty()) {
       findings_.add(std::move(cause.finding));
     } else {
@@ -148,9 +153,10 @@ class LayoutObserver final : public ReadingObserver {
   size_t resumedAt_ = 0;
   bool hasResumed_ = false;
   bool isEndReported_ = false;
+  bool isBraceMissing_ = false;  // the open definition has been reported to lack its "{"
 };
 
-// The text with blanks for its NUL bytes, which are reported here: the cursor would refuse the
+// The text with other bytes for its NUL bytes, which are reported here: the cursor would refuse the
 // whole line.
 std::string withoutNuls(const SourceText& source, ReadText& text, Findings& findings) {
   std::string bytes = source.text();
@@ -164,8 +170,9 @@ std::string withoutNuls(const SourceText& source, ReadText& text, Findings& find
       const Position at = source.positionOf(start + nul);
       findings.add({"syntax", {at.line, at.column, 1}, "a text cannot hold a NUL byte"});
       text.isBroken = true;
+      text.linesWithNul.insert(at.line);
       std::replace(bytes.begin() + static_cast<ptrdiff_t>(start),
-                   bytes.begin() + static_cast<ptrdiff_t>(start + piece.size()), '\0', ' ');
+                   bytes.begin() + static_cast<ptrdiff_t>(start + piece.size()), '\0', '?');
     }
     start += piece.size();
   }

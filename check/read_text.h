@@ -20,6 +20,8 @@ struct ReadText {
   std::set<const ParameterRecord*> brokenRecords;
   /// Words outside of definitions that were not understood; they may have been meant to be names.
   std::set<std::string, std::less<>> strayWords;
+  /// Lines with a NUL byte, of which nothing else is said.
+  std::set<uint32_t> linesWithNul;
 
   /// Whether what is wrong with the use of a name may only follow from a fault of reading.
   [[nodiscard]] bool isDoubtful(std::string_view baseName) const;

@@ -16,8 +16,8 @@ void nameBareWord(Finding& finding, std::string_view word, bool isName) {
     finding.text = "an expression has to be in parentheses: (" + bare + ")";
     finding.proposal = {finding.at, "(" + bare + ")"};
   } else if (isConstantName(word)) {
-    finding.text = "a text has to be in quotes: \"" + bare + "\", and a name in parentheses: (" +
-                   bare + ")";
+    finding.text =
+        "a text has to be in quotes: \"" + bare + "\", and a name in parentheses: (" + bare + ")";
   } else {
     finding.text = "a text has to be in quotes: \"" + bare + "\"";
     finding.proposal = {finding.at, "\"" + bare + "\""};

@@ -38,7 +38,7 @@ struct ReadingCause {
 
 /// Why the reading stopped, and where it goes on: behind `fault.nameAt`, and not always behind
 /// `fault.at`, because a sign that is missing may let the grammar run on. `text` is that of
-/// `source`, perhaps with blanks for bytes that no text may have.
+/// `source`, perhaps with other bytes where no text may have them.
 ReadingCause causeOf(const ReadingFault& fault, const SourceText& source, std::string_view text);
 
 /// Says in `finding` what a bare word wants: parentheses where it is a name, else quotes.

@@ -10,7 +10,7 @@
 /// lines they are.
 class RewindableLines {
  public:
-  /// `text` is that of `source`, perhaps with blanks for some of its bytes.
+  /// `text` is that of `source`, perhaps with some of its bytes changed.
   RewindableLines(const SourceText& source, std::string_view text) : source_(source), text_(text) {}
 
   /// The next piece, for `cursor`. Returns false at the end of the text.

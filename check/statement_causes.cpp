@@ -29,7 +29,9 @@ constexpr StatementForm FORMS[] = {
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-bool isOperatorSign(char c) { return std::string_view("+-*/%&|^<>=!$").find(c) != std::string_view::npos; }
+bool isOperatorSign(char c) {
+  return std::string_view("+-*/%&|^<>=!$").find(c) != std::string_view::npos;
+}
 
 bool isNumber(std::string_view word) { return !word.empty() && wholeNumber(word).has_value(); }
 
@@ -88,9 +90,9 @@ class StatementCause {
   [[nodiscard]] ReadingCause openParenthesis(const TextPart& part) const {
     const bool isEnd = part.kind == PART_END;
     const TextPart& open = open_.back();
-    ReadingCause found = cause("syntax", isEnd ? view_.placeOf(open) : view_.placeOf(part),
-                               isEnd ? "this \"(\" is not closed"
-                                     : "a \")\" is missing before " + quoted(part.text));
+    ReadingCause found = cause(
+        "syntax", isEnd ? view_.placeOf(open) : view_.placeOf(part),
+        isEnd ? "this \"(\" is not closed" : "a \")\" is missing before " + quoted(part.text));
     if (!isEnd) found.finding.related.push_back({view_.placeOf(open), "this \"(\" is not closed"});
     if (!isEnd) found.finding.proposal = insertBehind(last_, ")");
     return found;
@@ -105,11 +107,10 @@ class StatementCause {
 
   [[nodiscard]] ReadingCause openStatement(const TextPart& part) const {
     const bool isControl = form_.form.ends_with(')');
-    ReadingCause found =
-        isControl || !hasBrace_
-            ? incomplete(part)
-            : cause("syntax", view_.placeOf(part),
-                    "a \"}\" is missing before " + quoted(part.text));
+    ReadingCause found = isControl || !hasBrace_
+                             ? incomplete(part)
+                             : cause("syntax", view_.placeOf(part),
+                                     "a \"}\" is missing before " + quoted(part.text));
     found.finding.related.push_back({keywordPlace(), quoted(form_.keyword) + " begins here"});
     return found;
   }
@@ -123,7 +124,8 @@ class StatementCause {
     ReadingCause found =
         cause("write-only-condition", keywordPlace(),
               quoted(view_.name()) + " is a wo parameter, which cannot have a \"ctrlRO\"");
-    found.finding.related.push_back({view_.namePlace(), "the access word is here"});
+    const TextPart access = view_.partAt(view_.fault.nameAt + view_.name().size());
+    found.finding.related.push_back({view_.placeOf(access), "the access word is here"});
     return found;
   }
 
@@ -218,12 +220,8 @@ class StatementCause {
                    "the items of \"" + keyword +
                        "\" belong in braces, the parentheses hold a condition: " + formText());
     }
-    const std::string what = form_.keyword == "index" ? "the names of "
-                             : form_.isList           ? "the items of "
-                             : form_.hasCondition     ? "the value of "
-                                                      : "the translation of ";
     return cause("syntax", view_.placeOf(part),
-                 what + "\"" + keyword + "\" has to be in braces: " + formText());
+                 "what \"" + keyword + "\" gives belongs in braces: " + formText());
   }
 
   [[nodiscard]] ReadingCause atClosingBrace(const TextPart& part) const {
@@ -231,8 +229,8 @@ class StatementCause {
     if (last_.text.ends_with("->")) return plain(part, "the target is missing behind \"->\"");
     if (last_.text.ends_with("..")) return plain(part, "the upper end is missing behind \"..\"");
     if (last_.isSign('{')) {
-      return plain(part, "\"" + std::string(form_.keyword) +
-                             "\" cannot be empty: its form is " + formText());
+      return plain(part, "\"" + std::string(form_.keyword) + "\" cannot be empty: its form is " +
+                             formText());
     }
     if (form_.keyword == "valueChange") return missingArrow(part);
     return plain(part, "\"}\" cannot come here: the form is " + formText());
@@ -241,7 +239,8 @@ class StatementCause {
   [[nodiscard]] ReadingCause atComma(const TextPart& part) const {
     if (last_.isSign('{') || last_.isSign(',')) return extraComma(part);
     if (form_.keyword == "default") {
-      return plain(part, "a default has one value: write further ones in statements with conditions");
+      return plain(part,
+                   "a default has one value: write further ones in statements with conditions");
     }
     if (form_.keyword == "valueChange" && hasArrow_) {
       return plain(part, "a statement has one translation: write another \"valueChange\"");
@@ -263,8 +262,9 @@ class StatementCause {
     if (form_.keyword == "valueChange") {
       if (!hasArrow_) return missingArrow(part);
       if (!part.isSign('(')) return plain(part, "\"valueChange\" has one target");
-      return plain(part, "a translation has no expressions: source and target are quoted texts or "
-                         "numbers");
+      return plain(part,
+                   "a translation has no expressions: source and target are quoted texts or "
+                   "numbers");
     }
     if (form_.keyword == "default") return plain(part, "a default has one value");
     return missingComma(part, "items");
@@ -272,8 +272,8 @@ class StatementCause {
 
   [[nodiscard]] ReadingCause missingComma(const TextPart& part, const std::string& what) const {
     ReadingCause found = plain(part, "a \",\" is missing between two " + what);
-    const bool isWord = part.kind == PART_QUOTED || part.isSign('(') || isNumber(part.text) ||
-                        what == "names";
+    const bool isWord =
+        part.kind == PART_QUOTED || part.isSign('(') || isNumber(part.text) || what == "names";
     if (isWord) found.finding.proposal = insertBehind(last_, ",");
     return found;
   }
@@ -309,7 +309,8 @@ class StatementCause {
     }
     if (word.starts_with('[')) return plain(part, "there are no brackets around items");
     if (word.starts_with("->")) return plain(part, "a translation belongs in a \"valueChange\"");
-    const bool isBehindValue = last_.kind == PART_QUOTED || last_.isSign(')') || isNumber(last_.text);
+    const bool isBehindValue =
+        last_.kind == PART_QUOTED || last_.isSign(')') || isNumber(last_.text);
     if (isBehindValue && part.at == view_.fault.at) return behindValue(part, scan);
     if (isDigit(word.front()) || (word.size() > 1 && word.front() == '-' && isDigit(word[1]))) {
       return badNumber(part, scan);
@@ -329,21 +330,22 @@ class StatementCause {
     if (isOperatorSign(word.front())) {
       return plain(part, "the whole expression has to be in parentheses");
     }
-    if (word.starts_with("..") && last_.at + last_.text.size() <= part.at) return badNumber(part, scan);
+    if (word.starts_with("..") && last_.at + last_.text.size() <= part.at)
+      return badNumber(part, scan);
     return form_.isList ? missingComma(part, "items") : plain(part, "a default has one value");
   }
 
   static bool isSpanSign(std::string_view word) {
-    constexpr std::array<std::string_view, 8> signs = {"-", "to", ":", "...", "~", "\xE2\x80\xA6",
-                                                       "\xE2\x80\x93", "."};
+    constexpr std::array<std::string_view, 8> signs = {
+        "-", "to", ":", "...", "~", "\xE2\x80\xA6", "\xE2\x80\x93", "."};
     return std::ranges::find(signs, word) != signs.end();
   }
 
   [[nodiscard]] ReadingCause spanForm(const TextPart& part) const {
     if (form_.keyword == "default") return plain(part, "a default has one value, no span");
-    return cause("syntax", view_.placeOf(part), "a span is written with two dots, as in 0..100",
-                 part.text == "." ? std::nullopt
-                                  : std::optional(Proposal{view_.placeOf(part), ".."}));
+    return cause(
+        "syntax", view_.placeOf(part), "a span is written with two dots, as in 0..100",
+        part.text == "." ? std::nullopt : std::optional(Proposal{view_.placeOf(part), ".."}));
   }
 
   // A word that begins with digits.
@@ -356,8 +358,8 @@ class StatementCause {
       const TextPart wrong = {PART_WORD, part.at + digits, rest.substr(0, sign.size())};
       return spanForm(wrong);
     }
-    const bool isLeadingZero = word.size() > 1 && word[0] == '0' && !rest.empty() &&
-                               std::ranges::all_of(word, isDigit);
+    const bool isLeadingZero =
+        word.size() > 1 && word[0] == '0' && !rest.empty() && std::ranges::all_of(word, isDigit);
     if (isLeadingZero) {
       std::string_view decimal = word.substr(std::min(word.find_first_not_of('0'), word.size()));
       return cause("syntax", view_.placeOf(part),
@@ -401,6 +403,7 @@ class StatementCause {
   [[nodiscard]] ReadingCause bareName(const TextPart& part, const TextScan& scan) const {
     const std::string_view word = part.text;
     const size_t dots = word.find("..");
+    if (dots == 0) return plain(part, "the lower end is missing before \"..\"");
     if (last_.text.ends_with("..")) return parenthesesFor(part, scan);
     if (dots != std::string_view::npos) {
       const bool isUpper = view_.fault.at >= part.at + dots + 2;
@@ -416,9 +419,8 @@ class StatementCause {
   [[nodiscard]] bool continuesAsExpression(const TextPart& part, const TextScan& scan) const {
     const TextPart next = scan.peek();
     const std::string_view word = part.text;
-    const bool hasSign = std::ranges::any_of(word.substr(1), [](char c) {
-      return isOperatorSign(c) && c != '-' && c != '/';
-    });
+    const bool hasSign = std::ranges::any_of(
+        word.substr(1), [](char c) { return isOperatorSign(c) && c != '-' && c != '/'; });
     return hasSign || next.isSign('(') ||
            (next.kind == PART_WORD && !next.isFirstOnLine && isOperatorSign(next.text.front()));
   }
@@ -433,8 +435,9 @@ class StatementCause {
     const std::string_view all = view_.text().substr(part.at, last.end() - part.at);
     const TextPlace place = view_.place(part.at, all.size());
     return cause("syntax", place, "an expression has to be in parentheses",
-                 ahead.peek().isSign('(') ? std::nullopt
-                                          : std::optional(Proposal{place, "(" + std::string(all) + ")"}));
+                 ahead.peek().isSign('(')
+                     ? std::nullopt
+                     : std::optional(Proposal{place, "(" + std::string(all) + ")"}));
   }
 
   [[nodiscard]] ReadingCause parenthesesFor(const TextPart& part, const TextScan& scan) const {
@@ -450,8 +453,8 @@ class StatementCause {
     const bool isSingleQuoted = word.size() > 1 && (word.front() == '\'' || word.front() == '`');
     if (isSingleQuoted) {
       const bool isClosed = word.size() > 2 && word.back() == word.front();
-      ReadingCause found = cause("unquoted-text", view_.placeOf(part),
-                                 "a text has to be in double quotes");
+      ReadingCause found =
+          cause("unquoted-text", view_.placeOf(part), "a text has to be in double quotes");
       if (isClosed) {
         const std::string inner(word.substr(1, word.size() - 2));
         found.finding.proposal = Proposal{view_.placeOf(part), "\"" + inner + "\""};

@@ -75,8 +75,7 @@ TextPart TextScan::takeQuoted() {
   const size_t end = rest.find('"', 1);
   if (end != std::string_view::npos) return take(PART_QUOTED, end + 1);
   TextScan ahead = *this;
-  const std::string_view toLineEnd =
-      rest.ends_with('\n') ? rest.substr(0, rest.size() - 1) : rest;
+  const std::string_view toLineEnd = rest.ends_with('\n') ? rest.substr(0, rest.size() - 1) : rest;
   bool hasBraces = rest.find_first_of("{}") != std::string_view::npos;
   while (!hasBraces && ahead.pieceEnd_ < text_.size()) {
     ahead.enterPieces(ahead.pieceEnd_);

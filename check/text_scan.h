@@ -27,9 +27,7 @@ struct TextPart {
   bool isFirstOnLine = false;
 
   [[nodiscard]] size_t end() const { return at + text.size(); }
-  [[nodiscard]] bool isSign(char sign) const {
-    return kind == PART_SIGN && text.front() == sign;
-  }
+  [[nodiscard]] bool isSign(char sign) const { return kind == PART_SIGN && text.front() == sign; }
 };
 
 /// Gives the parts in their order, in linear time for all of them. Lines that are comments are

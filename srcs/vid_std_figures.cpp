@@ -36,6 +36,8 @@ constexpr vidFigure_t FIGURES[] = {
 
 }  // namespace
 
+std::span<const vidFigure_t> vidFigures() { return FIGURES; }
+
 const vidFigure_t* findVidFigure(std::string_view name) {
   const auto* const figure = std::find_if(std::begin(FIGURES), std::end(FIGURES),
                                           [name](const vidFigure_t& f) { return f.name == name; });

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string_view>
 
 struct vidFormat_t;
@@ -19,6 +20,9 @@ struct vidFigure_t {
   uint32_t (*ofStandard)(const vidStd_t&);
   uint32_t (*ofFormat)(const vidFormat_t&);  ///< null: picture formats have no such figure
 };
+
+/// All figures.
+std::span<const vidFigure_t> vidFigures();
 
 /// The figure with exactly this name, upper and lower case included, or null.
 const vidFigure_t* findVidFigure(std::string_view name);

@@ -117,4 +117,11 @@ TEST_F(VidStdFigures, ReachTheseRowsByNoValue) {
   EXPECT_EQ(unreachable, expected);
 }
 
+TEST(VidFigures, AreTheOnesThatAreFoundByTheirNames) {
+  EXPECT_EQ(vidFigures().size(), 14U);
+  for (const vidFigure_t& figure : vidFigures()) {
+    EXPECT_EQ(findVidFigure(figure.name), &figure) << figure.name;
+  }
+}
+
 }  // namespace

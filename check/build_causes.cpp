@@ -197,7 +197,7 @@ class BuildCauses {
     if (fitIndices(one, {value})) return;
     add({"index-mismatch",
          place,
-         "the index " + quoted(name) + " has no value " + quoted(value) + ", but " +
+         "the index " + quoted(name) + " has no value " + quoted(value) + ": it has " +
              valuesText(index->baseBounds()),
          {{facts_.nameOf(*record), "defined here"}}});
   }

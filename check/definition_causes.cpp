@@ -15,6 +15,35 @@ bool startsComment(std::string_view word) {
   return word.starts_with('#') || word.starts_with("//") || word.starts_with("/*");
 }
 
+struct Synonym {
+  std::string_view word;
+  std::string_view meant;
+};
+
+// What other languages, and people who remember a page roughly, call these things.
+constexpr Synonym ACCESS_SYNONYMS[] = {
+    {"read", "ro"},      {"readonly", "ro"},   {"read-only", "ro"},
+    {"readwrite", "rw"}, {"read-write", "rw"}, {"write", "wo"},
+    {"writeonly", "wo"}, {"write-only", "wo"}, {"trigger", "wo"},
+};
+constexpr Synonym KEYWORD_SYNONYMS[] = {
+    {"range", "rangeValid"},    {"valid", "ctrlValid"}, {"readonly", "ctrlRO"},
+    {"ro", "ctrlRO"},           {"doc", "rangeDoc"},    {"value", "default"},
+    {"init", "default"},        {"indices", "index"},   {"translate", "valueChange"},
+    {"available", "ctrlValid"},
+};
+
+// The word of `allowed` that `word` stands for most likely.
+std::optional<std::string> meantWord(std::string_view word, std::span<const Synonym> synonyms,
+                                     std::span<const std::string_view> allowed) {
+  const auto synonym = std::ranges::find(synonyms, word, &Synonym::word);
+  if (synonym != synonyms.end()) return std::string(synonym->meant);
+  NearestWord nearest(word);
+  nearest.offer(allowed);
+  if (!nearest.found()) return {};
+  return std::string(*nearest.found());
+}
+
 // The place behind an opening brace that comes on the line of `at`, or behind the next line end;
 // else the next definition.
 ResumePoint bodyBehind(const FaultView& view, size_t at) {
@@ -28,12 +57,11 @@ ResumePoint bodyBehind(const FaultView& view, size_t at) {
 }
 
 ReadingCause wrongAccess(const FaultView& view, const TextPart& word) {
-  NearestWord nearest(word.text);
-  nearest.offer(accessWords());
+  const std::optional<std::string> meant = meantWord(word.text, ACCESS_SYNONYMS, accessWords());
   Finding finding = {"unknown-access", view.placeOf(word),
                      quoted(word.text) + " is no access word: " + listOf(accessWords()) +
                          " belongs behind " + quoted(view.name())};
-  if (nearest.found()) finding.proposal = {finding.at, std::string(*nearest.found())};
+  if (meant) finding.proposal = {finding.at, *meant};
   return {std::move(finding), bodyBehind(view, word.end())};
 }
 
@@ -103,12 +131,12 @@ std::optional<ReadingCause> wrongName(const FaultView& view) {
 }
 
 ReadingCause unknownKeyword(const FaultView& view, const TextPart& word) {
-  NearestWord nearest(word.text);
-  nearest.offer(statementKeywords());
+  const std::optional<std::string> meant =
+      meantWord(word.text, KEYWORD_SYNONYMS, statementKeywords());
   Finding finding = {"unknown-keyword", view.placeOf(word),
                      "there is no statement " + quoted(word.text) + ": " +
                          listOf(statementKeywords()) + " is expected, or \"}\""};
-  if (nearest.found()) finding.proposal = {finding.at, std::string(*nearest.found())};
+  if (meant) finding.proposal = {finding.at, *meant};
   TextScan behind = view.scanFrom(word.end());
   const TextPart next = behind.peek();
   const bool hasBlock = next.isSign('(') || next.isSign('{');
@@ -167,7 +195,9 @@ ReadingCause causeInHead(const FaultView& view) {
 ReadingCause causeInBody(const FaultView& view) {
   TextScan scan = view.scanFrom(view.fault.at);
   const TextPart part = scan.next();
-  if (part.kind == PART_END || beginsDefinition(part, scan)) return openDefinition(view, part);
+  const bool isName = part.kind == PART_WORD && !isAmong(statementKeywords(), part.text) &&
+                      isAmong(accessWords(), scan.peek().text);
+  if (part.kind == PART_END || isName) return openDefinition(view, part);
   if (part.kind == PART_COMMENT) {
     return commentAfterCode(view, part.at, {RESUME_STATEMENT, part.end()});
   }

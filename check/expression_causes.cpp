@@ -41,17 +41,18 @@ class ExpressionCause {
     const bool isFirst = i == 0;
     const bool isLast = i + 1 == tokens_.size();
     if (token.kind == TOKEN_VARIABLE && token.text.starts_with('#')) {
-      return wrong("comment-after-code", i, "a comment has to be on a line of its own");
+      return Finding{"comment-after-code", facts_.restOfLine(token.at),
+                     "a comment has to be on a line of its own"};
     }
     if (!isFirst && beginsValue(token) && endsValue(tokens_[i - 1])) return betweenValues(i);
     if (token.kind == TOKEN_CLOSE && tokens_[i - 1].kind == TOKEN_OPEN) {
-      return wrong(CODE, i, "there is nothing between these parentheses");
+      return wrong(i, "there is nothing between these parentheses");
     }
     if (!isOperator(token.kind)) return {};
     const bool lacksLeft = isFirst || !endsValue(tokens_[i - 1]);
     if (lacksLeft) return withoutLeft(i);
     if (isLast || tokens_[i + 1].kind == TOKEN_CLOSE) {
-      return wrong(CODE, i, "a value is missing behind " + textOf(i));
+      return wrong(i, "a value is missing behind " + textOf(i));
     }
     return {};
   }
@@ -59,25 +60,23 @@ class ExpressionCause {
   [[nodiscard]] std::optional<Finding> betweenValues(size_t i) const {
     for (const size_t word : {i - 1, i}) {
       const Token& token = tokens_[word];
-      if (token.kind != TOKEN_VARIABLE || token.text == "") continue;
+      if (token.kind != TOKEN_VARIABLE) continue;
       const auto* const foreign = std::ranges::find(
           FOREIGN_OPERATORS, token.text, &std::pair<std::string_view, std::string_view>::first);
       if (foreign == std::end(FOREIGN_OPERATORS)) continue;
-      Finding finding = wrong(CODE, word, "there is no operator " + quoted(token.text));
+      Finding finding = wrong(word, "there is no operator " + quoted(token.text));
       finding.proposal = {finding.at, std::string(foreign->second)};
       return finding;
     }
     if (tokens_[i].kind == TOKEN_OPEN && tokens_[i - 1].kind == TOKEN_VARIABLE) {
-      return wrong(
-          CODE, i - 1,
-          "there is no function " + textOf(i - 1) + ", and an operator is missing behind a name");
+      return wrong(i - 1, "there is no function " + textOf(i - 1) +
+                              ", and an operator is missing behind a name");
     }
     if (tokens_[i].kind == TOKEN_VARIABLE && isQuestion(tokens_[i].text)) {
       return wrong(
-          CODE, i,
-          "there is no operator " + textOf(i) + ": write one statement for each condition");
+          i, "there is no operator " + textOf(i) + ": write one statement for each condition");
     }
-    return wrong(CODE, i, "an operator is missing between " + textOf(i - 1) + " and " + textOf(i));
+    return wrong(i, "an operator is missing between " + textOf(i - 1) + " and " + textOf(i));
   }
 
   static bool isQuestion(std::string_view text) { return text == "?" || text == ":"; }
@@ -87,11 +86,11 @@ class ExpressionCause {
     const bool hasRight = i + 1 < tokens_.size() && beginsValue(tokens_[i + 1]);
     if (isMinus && hasRight) {
       return wrong(
-          CODE, i,
+          i,
           "a \"-\" makes a number negative only at the start of an expression or behind an "
           "operator: write it with a 0, as in (0 - a)");
     }
-    return wrong(CODE, i, "a value is missing before " + textOf(i));
+    return wrong(i, "a value is missing before " + textOf(i));
   }
 
   [[nodiscard]] std::string textOf(size_t i) const {
@@ -99,8 +98,8 @@ class ExpressionCause {
     return quoted(facts_.source().line(place.line).substr(place.column, place.length));
   }
 
-  [[nodiscard]] Finding wrong(std::string_view code, size_t i, const std::string& text) const {
-    return {code, facts_.tokenAt(tokens_[i].at), text};
+  [[nodiscard]] Finding wrong(size_t i, const std::string& text) const {
+    return {CODE, facts_.tokenAt(tokens_[i].at), text};
   }
 
   static constexpr std::string_view CODE = "invalid-expression";

@@ -111,7 +111,8 @@ std::optional<Finding> NameCauses::noName(Position at, std::string_view name) co
     return finding;
   }
   if (first == '#') {
-    return Finding{"comment-after-code", place, "a comment has to be on a line of its own"};
+    return Finding{"comment-after-code", facts_.restOfLine(at),
+                   "a comment has to be on a line of its own"};
   }
   if (name.find("..") != std::string_view::npos) {
     return Finding{"undefined-name", place,

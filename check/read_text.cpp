@@ -1,7 +1,6 @@
 #include "check/read_text.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "check/long_lines.h"
 #include "check/reading_causes.h"
@@ -53,8 +52,8 @@ class LayoutObserver final : public ReadingObserver {
     closedBy_ = {end.line, end.column - 1, 1};
   }
   Resumption onError(TextCursor& cursor, const ParameterRecord* record) override {
-    const bool isEnd = cursor.result() == PARSE_DONE;
-    if (record == nullptr || (isEnd && std::exchange(isEndReported_, true))) return RESUME_NOWHERE;
+    const bool isAtEnd = hasResumed_ && resumedAt_ == bytes_.size();
+    if (record == nullptr || isAtEnd) return RESUME_NOWHERE;
     const ReadingFault fault = faultAt(cursor);
     ReadingCause cause = causeOf(fault, source_, bytes_);
     noteDoubts(fault, cause);
@@ -152,7 +151,6 @@ class LayoutObserver final : public ReadingObserver {
   size_t readAgain_ = 0;
   size_t resumedAt_ = 0;
   bool hasResumed_ = false;
-  bool isEndReported_ = false;
   bool isBraceMissing_ = false;  // the open definition has been reported to lack its "{"
 };
 

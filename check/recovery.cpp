@@ -21,6 +21,7 @@ class StatementWalk {
     if (part.isSign('}')) return --braces_ <= 0;
     return false;
   }
+  [[nodiscard]] bool hasBrace() const { return braces_ > 0; }
   [[nodiscard]] bool isClosed() const { return parentheses_ == 0 && braces_ == 0; }
 
  private:
@@ -56,7 +57,7 @@ ResumePoint behindStatement(TextScan scan) {
     if (part.kind == PART_END) return {RESUME_DEFINITION, part.at};
     if (beginsDefinition(part, scan)) return {RESUME_DEFINITION, part.at};
     if (beginsStatement(part, scan)) return {RESUME_STATEMENT, part.at};
-    if (part.isSign('}') && walk.isClosed()) return {RESUME_STATEMENT, part.at};
+    if (part.isSign('}') && !walk.hasBrace()) return {RESUME_STATEMENT, part.at};
     if (walk.isOverWith(part)) return {RESUME_STATEMENT, part.end()};
     const bool isCondition = part.isSign(')') && isControl(keyword) && walk.isClosed();
     if (isCondition && !scan.peek().isSign('{')) return {RESUME_STATEMENT, part.end()};

@@ -221,7 +221,7 @@ class StatementCause {
                        "\" belong in braces, the parentheses hold a condition: " + formText());
     }
     return cause("syntax", view_.placeOf(part),
-                 "what \"" + keyword + "\" gives belongs in braces: " + formText());
+                 "the braces of \"" + keyword + "\" are missing: its form is " + formText());
   }
 
   [[nodiscard]] ReadingCause atClosingBrace(const TextPart& part) const {
@@ -312,6 +312,10 @@ class StatementCause {
     const bool isBehindValue =
         last_.kind == PART_QUOTED || last_.isSign(')') || isNumber(last_.text);
     if (isBehindValue && part.at == view_.fault.at) return behindValue(part, scan);
+    if (form_.isList && word.ends_with(';')) {
+      return plain({PART_SIGN, part.end() - 1, word.substr(word.size() - 1)},
+                   "items are separated by \",\"");
+    }
     if (isDigit(word.front()) || (word.size() > 1 && word.front() == '-' && isDigit(word[1]))) {
       return badNumber(part, scan);
     }

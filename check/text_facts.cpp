@@ -84,6 +84,12 @@ TextPlace TextFacts::tokenAt(Position at) const {
   return placeAt(at, elementLength(line.substr(std::min<size_t>(at.column, line.size()))));
 }
 
+TextPlace TextFacts::restOfLine(Position at) const {
+  std::string_view rest = source_.line(at.line).substr(at.column);
+  while (!rest.empty() && isWhiteSpace(rest.back())) rest.remove_suffix(1);
+  return placeAt(at, rest.size());
+}
+
 TextPlace TextFacts::nameOf(const ParameterRecord& record) const {
   const auto found = names_.find(&record);
   return found == names_.end() ? TextPlace() : placeAt(found->second, record.name.size());

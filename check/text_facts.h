@@ -37,6 +37,8 @@ class TextFacts {
 
   /// A place with the length of the word, name, sign or quoted text that is there.
   [[nodiscard]] TextPlace tokenAt(Position at) const;
+  /// As tokenAt(), up to the end of the line: a comment.
+  [[nodiscard]] TextPlace restOfLine(Position at) const;
   [[nodiscard]] TextPlace nameOf(const ParameterRecord& record) const;
   /// The keyword of the statement in which a place is, or that place where there is no statement.
   [[nodiscard]] TextPlace keywordAt(Position at) const;

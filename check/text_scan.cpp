@@ -75,7 +75,6 @@ TextPart TextScan::takeQuoted() {
   const size_t end = rest.find('"', 1);
   if (end != std::string_view::npos) return take(PART_QUOTED, end + 1);
   TextScan ahead = *this;
-  const std::string_view toLineEnd = rest.ends_with('\n') ? rest.substr(0, rest.size() - 1) : rest;
   bool hasBraces = rest.find_first_of("{}") != std::string_view::npos;
   while (!hasBraces && ahead.pieceEnd_ < text_.size()) {
     ahead.enterPieces(ahead.pieceEnd_);
@@ -90,7 +89,8 @@ TextPart TextScan::takeQuoted() {
     at_ = after;
     return part;
   }
-  return take(PART_OPEN_QUOTE, toLineEnd.size());
+  // What closes the statement, at the end of the line, is no part of the text.
+  return take(PART_OPEN_QUOTE, rest.find_last_not_of(" \t\r\n})") + 1);
 }
 
 TextPart TextScan::peek() const {

@@ -10,12 +10,14 @@
 #include "check/source_text.h"
 
 enum TextPartKind {
-  PART_WORD,        ///< what is between white space, signs and quotes
-  PART_SIGN,        ///< one of ( ) { } ,
-  PART_QUOTED,      ///< a quoted text, with its quotes
-  PART_OPEN_QUOTE,  ///< a quote that most likely misses its partner, and the rest of its line
-  PART_COMMENT,     ///< from a "#", "//" or "/*" behind code to the end of the line
-  PART_END,         ///< the end of the text
+  PART_WORD,    ///< what is between white space, signs and quotes
+  PART_SIGN,    ///< one of ( ) { } ,
+  PART_QUOTED,  ///< a quoted text, with its quotes
+  /// A quote that most likely misses its partner, and the rest of its line up to the signs that
+  /// close the statement.
+  PART_OPEN_QUOTE,
+  PART_COMMENT,  ///< from a "#", "//" or "/*" behind code to the end of the line
+  PART_END,      ///< the end of the text
 };
 
 /// One part of a text.

@@ -52,6 +52,7 @@ ResumePoint bodyBehind(const FaultView& view, size_t at) {
     const TextPart part = scan.next();
     const bool isFirst = part.isFirstOnLine && part.at > at;
     if (part.isSign('{')) return {RESUME_STATEMENT, part.end()};
+    if (beginsStatement(part, scan)) return {RESUME_STATEMENT, part.at};
     if (part.kind == PART_END || isFirst) return nextDefinition(view.scanFrom(at));
   }
 }
@@ -130,6 +131,18 @@ std::optional<ReadingCause> wrongName(const FaultView& view) {
   return missingAccess(view, word, bodyBehind(view, at + word.size()));
 }
 
+// Behind what a word that is no keyword begins: the block on its line, if there is one.
+ResumePoint behindUnknown(const TextScan& behind) {
+  TextScan scan = behind;
+  for (;;) {
+    const TextScan before = scan;
+    const TextPart part = scan.next();
+    if (part.isSign('(') || part.isSign('{')) return behindStatement(before);
+    const bool isWord = part.kind == PART_WORD && !part.isFirstOnLine;
+    if (!isWord || beginsStatement(part, scan)) return nextStatement(before);
+  }
+}
+
 ReadingCause unknownKeyword(const FaultView& view, const TextPart& word) {
   const std::optional<std::string> meant =
       meantWord(word.text, KEYWORD_SYNONYMS, statementKeywords());
@@ -137,10 +150,7 @@ ReadingCause unknownKeyword(const FaultView& view, const TextPart& word) {
                      "there is no statement " + quoted(word.text) + ": " +
                          listOf(statementKeywords()) + " is expected, or \"}\""};
   if (meant) finding.proposal = {finding.at, *meant};
-  TextScan behind = view.scanFrom(word.end());
-  const TextPart next = behind.peek();
-  const bool hasBlock = next.isSign('(') || next.isSign('{');
-  return {std::move(finding), hasBlock ? behindStatement(behind) : nextStatement(behind)};
+  return {std::move(finding), behindUnknown(view.scanFrom(word.end()))};
 }
 
 ReadingCause strayBlock(const FaultView& view, const TextPart& sign) {

@@ -58,6 +58,13 @@ class ExpressionCause {
   }
 
   [[nodiscard]] std::optional<Finding> betweenValues(size_t i) const {
+    const Token& before = tokens_[i - 1];
+    const bool hasSeparator = before.kind == TOKEN_VARIABLE && before.text.size() > 1 &&
+                              (before.text.back() == ',' || before.text.back() == ';');
+    if (hasSeparator) {
+      return wrong(i - 1,
+                   "an expression has no " + quoted(before.text.substr(before.text.size() - 1)));
+    }
     for (const size_t word : {i - 1, i}) {
       const Token& token = tokens_[word];
       if (token.kind != TOKEN_VARIABLE) continue;

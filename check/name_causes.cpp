@@ -81,7 +81,13 @@ std::optional<std::string> NameCauses::nearest(std::string_view name, bool isInd
 // A figure that the catalogue lacks, or a name that is written like one.
 Finding NameCauses::unknownFigure(Position at, std::string_view name) const {
   const size_t separator = name.find("::", PREFIX.size());
-  if (separator == std::string_view::npos || !name.starts_with(PREFIX)) {
+  const bool isMisspelt = !name.starts_with(PREFIX);
+  if (isMisspelt &&
+      splitVidStdName(std::string(PREFIX) + std::string(name.substr(PREFIX.size())))) {
+    const TextPlace word = placeAt(at, PREFIX.size() - 2);
+    return proposing("unknown-figure", word, "there is no " + quoted(name), "vidStd");
+  }
+  if (separator == std::string_view::npos || isMisspelt) {
     return {"unknown-figure", facts_.tokenAt(at),
             quoted(name) + " is no figure: its form is vidStd::P::F, where P is a parameter"};
   }

@@ -206,6 +206,11 @@ class StatementCause {
       return cause("syntax", view_.placeOf(part),
                    "the condition of \"" + keyword + "\" has to be in parentheses: " + formText());
     }
+    if (form_.hasCondition && (part.text == "if" || part.text == "when")) {
+      return cause("syntax", view_.placeOf(part),
+                   "a condition comes directly behind the keyword, without " + quoted(part.text),
+                   Proposal{view_.placeOf(part), ""});
+    }
     const bool isParenthesis = part.isSign('(');
     if (isParenthesis && form_.hasCondition) {
       return cause("syntax", view_.placeOf(part),
@@ -267,6 +272,7 @@ class StatementCause {
                    "numbers");
     }
     if (form_.keyword == "default") return plain(part, "a default has one value");
+    if (last_.text.ends_with("..")) return spanOfTexts(part);
     return missingComma(part, "items");
   }
 
@@ -325,7 +331,7 @@ class StatementCause {
   [[nodiscard]] ReadingCause behindValue(const TextPart& part, const TextScan& scan) const {
     const std::string_view word = part.text;
     if (last_.kind == PART_QUOTED && word.starts_with("..")) {
-      return plain(part, "a span goes from number to number: write each text as an item");
+      return spanOfTexts(part);
     }
     if (isSpanSign(word)) return spanForm(part);
     if (form_.keyword == "default" && word.starts_with("..")) {
@@ -337,6 +343,10 @@ class StatementCause {
     if (word.starts_with("..") && last_.at + last_.text.size() <= part.at)
       return badNumber(part, scan);
     return form_.isList ? missingComma(part, "items") : plain(part, "a default has one value");
+  }
+
+  [[nodiscard]] ReadingCause spanOfTexts(const TextPart& part) const {
+    return plain(part, "a span goes from number to number: write each text as an item");
   }
 
   static bool isSpanSign(std::string_view word) {
@@ -391,7 +401,7 @@ class StatementCause {
       return spanForm({PART_WORD, at - 2, view_.text().substr(at - 2, 3)});
     }
     if (upper.text.empty() && scan.peek().kind == PART_QUOTED) {
-      return plain(scan.peek(), "a span goes from number to number: write each text as an item");
+      return spanOfTexts(scan.peek());
     }
     if (upper.text.empty()) return plain(scan.peek(), "the upper end is missing behind \"..\"");
     if (upper.text.find("..") != std::string_view::npos) {

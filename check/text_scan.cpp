@@ -23,7 +23,7 @@ TextScan::TextScan(const SourceText& source, std::string_view text, size_t from)
   const size_t column = source.positionOf(from).column;
   const size_t start = from - column % MAX_PIECE_LENGTH;
   pieceEnd_ = start + firstPiece(text_.substr(start)).size();
-  const std::string_view before = text_.substr(start, from - start);
+  const std::string_view before = text_.substr(from - column, column);
   isFirst_ = firstWord(before) == before.size();
   if (column == 0) enterPieces(from);
 }
@@ -37,7 +37,7 @@ void TextScan::enterPieces(size_t start) {
     if (piece.empty() || !isComment(piece)) break;
     at_ = pieceEnd_;
   }
-  isFirst_ = true;
+  isFirst_ = at_ == 0 || text_[at_ - 1] == '\n';
 }
 
 bool TextScan::skipWhiteSpace() {

@@ -1,8 +1,10 @@
 #include "check/unknown_standards.h"
 
 #include <algorithm>
+#include <cctype>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "check/fault_view.h"
 #include "check/nearest_word.h"
@@ -14,10 +16,43 @@
 
 namespace {
 
+std::vector<std::string_view> namesOfTheCatalogue() {
+  std::vector<std::string_view> names;
+  for (const vidStd_t& standard : vidStds()) names.emplace_back(standard.name);
+  for (const vidFormat_t& format : vidFormats()) names.emplace_back(format.name);
+  return names;
+}
+
+// The letters and digits of a name in an order of their own: "720p50" has those of "720p/50".
+std::string signsOf(std::string_view name) {
+  std::string signs;
+  for (const char c : name) {
+    if (std::isalnum(static_cast<unsigned char>(c)) == 0) continue;
+    signs += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  }
+  std::ranges::sort(signs);
+  return signs;
+}
+
+std::string digitsOf(std::string_view name) {
+  std::string digits(name);
+  std::erase_if(digits, [](char c) { return c < '0' || c > '9'; });
+  return digits;
+}
+
+// The name that was most likely meant: of the same signs, or of the same digits, or one that is cut
+// short behind its "/".
 std::optional<std::string> nearestStandard(std::string_view text) {
+  const std::vector<std::string_view> names = namesOfTheCatalogue();
+  const std::string signs = signsOf(text);
+  const bool isCut = text.find('/') != std::string_view::npos;
+  for (const std::string_view name : names) {
+    if (signsOf(name) == signs || (isCut && name.starts_with(text))) return std::string(name);
+  }
   NearestWord nearest(text);
-  for (const vidStd_t& standard : vidStds()) nearest.offer(standard.name);
-  for (const vidFormat_t& format : vidFormats()) nearest.offer(format.name);
+  for (const std::string_view name : names) {
+    if (digitsOf(name) == digitsOf(text)) nearest.offer(name);
+  }
   if (!nearest.found()) return {};
   return std::string(*nearest.found());
 }

@@ -216,7 +216,7 @@ class BuildCauses {
     const auto nameAt = [this](const RingStep& step) {
       return facts_.nameOf(*facts_.defined(step.parm->parm.name()));
     };
-    std::ranges::rotate(ring, std::ranges::min_element(ring, {}, nameAt));
+    std::rotate(ring.begin(), std::ranges::min_element(ring, {}, nameAt), ring.end());
     std::string names;
     Finding finding = {"cycle", nameAt(ring.front()), ""};
     for (size_t i = 0; i < ring.size(); ++i) {

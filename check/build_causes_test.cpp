@@ -257,6 +257,10 @@ TEST(BuildCauses, OfVideoStandards) {
       {"s rw { rangeValid { \"1080i/50\", \"auto\", \"720p/50 wide\", \"1920x1080/60/P\" } }\n" +
            with,
        {}},
+      // The one with these signs, 1080p/25sF, is never selected.
+      {"s rw { default { \"1080psF/25\" } }\n" + with,
+       {"1:18 warning: \"1080psF/25\" selects no video standard [unknown-standard]",
+        "1:18 meant: \"1080p/25\""}},
       // No figure is asked of it; a part of a name; a text that is translated.
       {"s rw { rangeValid { \"720p50\" } }\n", {}},
       {"s rw { }\nb rw { ctrlRO (s $ \"1080I/5\") }\n" + with, {}},

@@ -99,9 +99,7 @@ Finding NameCauses::unknownFigure(Position at, std::string_view name) const {
   const bool isAsWritten = whole.length == name.size() && !figure.empty();
   const TextPlace place = isAsWritten ? placeAt(movedBy(at, separator + 2), figure.size()) : whole;
   Finding finding = {"unknown-figure", place, "a video standard has no figure " + quoted(figure)};
-  if (nearest.found() && isAsWritten) {
-    finding.proposal = {place, std::string(*nearest.found())};
-  }
+  if (nearest.found() && isAsWritten) finding.proposal = {place, std::string(*nearest.found())};
   return finding;
 }
 

@@ -162,9 +162,7 @@ class StatementCause {
     const char sign = view_.byteAt(at);
     const char before = view_.byteAt(at - 1);
     const char behind = view_.byteAt(at + 1);
-    if (sign == '=' && before == '=') {
-      return operatorCause({view_.fault.at - 2, 3}, "==", "syntax");
-    }
+    if (sign == '=' && before == '=') return operatorCause({view_.fault.at - 2, 3}, "==", "syntax");
     if (sign == '=' && (behind == '>' || behind == '<')) {
       return operatorCause({at, 2}, behind == '>' ? ">=" : "<=", "syntax");
     }
@@ -330,9 +328,7 @@ class StatementCause {
 
   [[nodiscard]] ReadingCause behindValue(const TextPart& part, const TextScan& scan) const {
     const std::string_view word = part.text;
-    if (last_.kind == PART_QUOTED && word.starts_with("..")) {
-      return spanOfTexts(part);
-    }
+    if (last_.kind == PART_QUOTED && word.starts_with("..")) return spanOfTexts(part);
     if (isSpanSign(word)) return spanForm(part);
     if (form_.keyword == "default" && word.starts_with("..")) {
       return plain(part, "a default has one value, no span");
@@ -340,8 +336,7 @@ class StatementCause {
     if (isOperatorSign(word.front())) {
       return plain(part, "the whole expression has to be in parentheses");
     }
-    if (word.starts_with("..") && last_.at + last_.text.size() <= part.at)
-      return badNumber(part, scan);
+    if (word.starts_with("..")) return badNumber(part, scan);
     return form_.isList ? missingComma(part, "items") : plain(part, "a default has one value");
   }
 
@@ -400,16 +395,10 @@ class StatementCause {
     if (upper.text.starts_with('.')) {
       return spanForm({PART_WORD, at - 2, view_.text().substr(at - 2, 3)});
     }
-    if (upper.text.empty() && scan.peek().kind == PART_QUOTED) {
-      return spanOfTexts(scan.peek());
-    }
+    if (upper.text.empty() && scan.peek().kind == PART_QUOTED) return spanOfTexts(scan.peek());
     if (upper.text.empty()) return plain(scan.peek(), "the upper end is missing behind \"..\"");
-    if (upper.text.find("..") != std::string_view::npos) {
-      return plain(part, "a span has two ends");
-    }
-    if (isDigit(upper.text.front())) {
-      return plain(upper, quoted(upper.text) + " is no number");
-    }
+    if (upper.text.find("..") != std::string_view::npos) return plain(part, "a span has two ends");
+    if (isDigit(upper.text.front())) return plain(upper, quoted(upper.text) + " is no number");
     return parenthesesFor(upper, scan);
   }
 

@@ -68,9 +68,7 @@ const ParameterRecord* TextFacts::defined(std::string_view baseName) const {
 
 const Expression* TextFacts::expressionAt(Position at) const {
   const auto add = [this](const Expression& expression) {
-    for (const Token& token : expression.tokens) {
-      expressions_.emplace(keyOf(token.at), &expression);
-    }
+    for (const Token& token : expression.tokens) expressions_.emplace(keyOf(token.at), &expression);
   };
   if (expressions_.empty()) {
     for (const auto& [record, name] : names_) forEachExpression(*record, add);

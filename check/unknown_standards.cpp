@@ -16,10 +16,17 @@
 
 namespace {
 
+// The names that select what they say: a row behind another one that begins it is never selected.
 std::vector<std::string_view> namesOfTheCatalogue() {
   std::vector<std::string_view> names;
-  for (const vidStd_t& standard : vidStds()) names.emplace_back(standard.name);
-  for (const vidFormat_t& format : vidFormats()) names.emplace_back(format.name);
+  for (const vidStd_t& standard : vidStds()) {
+    if (findVidStd(standard.name)->name == std::string_view(standard.name)) {
+      names.emplace_back(standard.name);
+    }
+  }
+  for (const vidFormat_t& format : vidFormats()) {
+    if (selectVid(format.name).format == &format) names.emplace_back(format.name);
+  }
   return names;
 }
 

@@ -499,7 +499,8 @@ TEST(ReadDefinitions, TellsAnObserverWhatItReadsAndGoesOnWhereItSays) {
 TEST(ReadDefinitions, TellsItsWords) {
   for (const std::string_view word : accessWords()) {
     ParameterRecords records;
-    TextCursor cursor(linesIn("p " + std::string(word) + " { }"), records.arena());
+    const std::string text = "p " + std::string(word) + " { }";
+    TextCursor cursor(linesIn(text), records.arena());
     EXPECT_EQ(readDefinitions(cursor, records), PARSE_DONE) << word;
   }
   EXPECT_EQ(accessWords().size(), 5U);

@@ -1,0 +1,10 @@
+#include "check/static/static_checks.h"
+
+ExplainedPlaces checkStatics(const CheckedText& checked, Findings& findings) {
+  ExplainedPlaces explained;
+  StaticContext context(checked, findings, explained);
+  // What could not be read would be missed, and reported twice.
+  if (checked.text.isBroken) return explained;
+  if (!checked.variant.isBuilt) return explained;
+  return explained;
+}

@@ -1,0 +1,12 @@
+// Static checks: what can be said of a text without a look at all situations.
+#pragma once
+
+#include "check/checked_text.h"
+#include "check/findings.h"
+#include "check/static/explained_places.h"
+#include "check/static/static_context.h"
+
+/// Adds what is found in one text in one variant to `findings`. Returns the tokens about which
+/// that says enough. Of a text that the engine has not built, only what needs no engine is looked
+/// at; of one that is broken, what is missing is not missed. Nothing is evaluated with values.
+ExplainedPlaces checkStatics(const CheckedText& checked, Findings& findings);

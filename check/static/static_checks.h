@@ -10,3 +10,9 @@
 /// that says enough. Of a text that the engine has not built, only what needs no engine is looked
 /// at; of one that is broken, what is missing is not missed. Nothing is evaluated with values.
 ExplainedPlaces checkStatics(const CheckedText& checked, Findings& findings);
+
+// One function for each subject, called by checkStatics(). Those that ask the engine's definitions
+// need a text that is built.
+
+/// merged: a name with more than one definition.
+void checkMerged(StaticContext& context);

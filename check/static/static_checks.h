@@ -16,3 +16,5 @@ ExplainedPlaces checkStatics(const CheckedText& checked, Findings& findings);
 
 /// merged: a name with more than one definition.
 void checkMerged(StaticContext& context);
+/// unused-index: an index that nothing uses.
+void checkUnusedIndices(StaticContext& context);

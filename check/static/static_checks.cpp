@@ -4,6 +4,7 @@ ExplainedPlaces checkStatics(const CheckedText& checked, Findings& findings) {
   ExplainedPlaces explained;
   StaticContext context(checked, findings, explained);
   checkMerged(context);
+  checkSelfReference(context);
   // What could not be read would be missed, and reported twice.
   if (checked.text.isBroken) return explained;
   checkUnusedIndices(context);

@@ -16,5 +16,7 @@ ExplainedPlaces checkStatics(const CheckedText& checked, Findings& findings);
 
 /// merged: a name with more than one definition.
 void checkMerged(StaticContext& context);
+/// self-reference: a parameter whose range or availability follows the value that is judged.
+void checkSelfReference(StaticContext& context);
 /// unused-index: an index that nothing uses.
 void checkUnusedIndices(StaticContext& context);

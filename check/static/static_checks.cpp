@@ -5,6 +5,7 @@ ExplainedPlaces checkStatics(const CheckedText& checked, Findings& findings) {
   StaticContext context(checked, findings, explained);
   checkMerged(context);
   checkSelfReference(context);
+  checkOwnIndices(context);
   // What could not be read would be missed, and reported twice.
   if (checked.text.isBroken) return explained;
   checkUnusedIndices(context);

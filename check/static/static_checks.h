@@ -20,3 +20,5 @@ void checkMerged(StaticContext& context);
 void checkSelfReference(StaticContext& context);
 /// unused-index: an index that nothing uses.
 void checkUnusedIndices(StaticContext& context);
+/// own-index: an index value that is not known where it is asked for.
+void checkOwnIndices(StaticContext& context);

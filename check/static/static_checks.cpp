@@ -6,6 +6,7 @@ ExplainedPlaces checkStatics(const CheckedText& checked, Findings& findings) {
   checkMerged(context);
   checkSelfReference(context);
   checkOwnIndices(context);
+  checkEmptyTexts(context);
   // What could not be read would be missed, and reported twice.
   if (checked.text.isBroken) return explained;
   checkUnusedIndices(context);

@@ -22,3 +22,5 @@ void checkSelfReference(StaticContext& context);
 void checkUnusedIndices(StaticContext& context);
 /// own-index: an index value that is not known where it is asked for.
 void checkOwnIndices(StaticContext& context);
+/// empty-text: comparisons with "".
+void checkEmptyTexts(StaticContext& context);

@@ -5,6 +5,7 @@ ExplainedPlaces checkStatics(const CheckedText& checked, Findings& findings) {
   StaticContext context(checked, findings, explained);
   checkMerged(context);
   checkSelfReference(context);
+  checkOctal(context);
   checkOwnIndices(context);
   checkEmptyTexts(context);
   // What could not be read would be missed, and reported twice.

@@ -18,6 +18,8 @@ ExplainedPlaces checkStatics(const CheckedText& checked, Findings& findings);
 void checkMerged(StaticContext& context);
 /// self-reference: a parameter whose range or availability follows the value that is judged.
 void checkSelfReference(StaticContext& context);
+/// octal: a number that is another one in decimal.
+void checkOctal(StaticContext& context);
 /// unused-index: an index that nothing uses.
 void checkUnusedIndices(StaticContext& context);
 /// own-index: an index value that is not known where it is asked for.

@@ -1,0 +1,141 @@
+#include <algorithm>
+#include <set>
+
+#include "base/number.h"
+#include "check/static/static_checks.h"
+#include "check/static/token_place.h"
+#include "sw/parm/parm_name.h"
+
+namespace {
+
+// What a person reads where the engine reads an octal number.
+struct OctalReading {
+  std::string decimal;  // "10" of "010", "-10" of "-010"
+  int32_t number;       // 8
+};
+
+bool isDigit(char c) { return '0' <= c && c <= '9'; }
+
+// The two readings of `text`, where it is an octal number and they differ.
+std::optional<OctalReading> octalIn(std::string_view text) {
+  std::string digits;
+  std::ranges::copy_if(text, std::back_inserter(digits), [](char c) { return c != ' '; });
+  const std::optional<int32_t> number = wholeNumber(digits);
+  const size_t sign = digits.starts_with('-') || digits.starts_with('+') ? 1 : 0;
+  const std::string_view magnitude = std::string_view(digits).substr(sign);
+  if (!number || magnitude.size() < 2 || magnitude.front() != '0') return std::nullopt;
+  if (!std::ranges::all_of(magnitude, isDigit)) return std::nullopt;
+  const size_t first = std::min(magnitude.find_first_not_of('0'), magnitude.size() - 1);
+  std::string decimal = digits.substr(0, sign) + std::string(magnitude.substr(first));
+  if (wholeNumber(decimal) == number) return std::nullopt;
+  return OctalReading{std::move(decimal), *number};
+}
+
+std::string isRead(const OctalReading& reading) {
+  return " is read as an octal number, " + numberText(reading.number);
+}
+
+class OctalCheck {
+ public:
+  explicit OctalCheck(StaticContext& context) : context_(context) {}
+
+  void check(const NamedDefinition& definition) {
+    const ParameterRecord& record = *definition.record;
+    forEachExpression(record, [&](ExpressionUse /*use*/, const Expression& expression) {
+      checkExpression(expression);
+    });
+    for (const Translation& translation : record.valueChange) checkTranslation(translation, record);
+    for (const DefaultStatement& statement : record.defaults) {
+      if (statement.text) checkQuoted(valuePlace(source(), statement.at), *statement.text, record);
+    }
+  }
+
+ private:
+  [[nodiscard]] const SourceText& source() const { return context_.source(); }
+
+  void checkExpression(const Expression& expression) {
+    for (const Token& token : expression.tokens) {
+      if (token.kind == TOKEN_NUMBER) checkNumber(tokenPlace(source(), token));
+      if (token.kind != TOKEN_VARIABLE) continue;
+      checkIndexValues(token);
+      checkConstant(token);
+    }
+  }
+
+  void checkNumber(const TextPlace& at) {
+    const std::string_view text = textAt(source(), at);
+    if (const std::optional<OctalReading> reading = octalIn(text)) tell(at, text, *reading);
+  }
+
+  // A bare number is the decimal text of its value, a quoted text is itself.
+  void checkTranslation(const Translation& translation, const ParameterRecord& record) {
+    const TextPlace from = valuePlace(source(), translation.at);
+    const TextPlace to = targetPlace(source(), translation);
+    if (!textAt(source(), from).starts_with('"')) checkNumber(from);
+    if (to == from) return;
+    if (textAt(source(), to).starts_with('"')) {
+      checkQuoted(to, translation.target, record);
+    } else {
+      checkNumber(to);
+    }
+  }
+
+  // A text that the parameter takes as a number.
+  void checkQuoted(const TextPlace& at, std::string_view text, const ParameterRecord& record) {
+    const std::optional<OctalReading> reading = octalIn(text);
+    if (reading && takesNumbers(record)) tell(at, textAt(source(), at), *reading);
+  }
+
+  static bool takesNumbers(const ParameterRecord& record) {
+    for (const RangeStatement& range : record.rangeValid) {
+      for (const RangeItem& item : range.items) {
+        if (!item.text) return true;
+      }
+    }
+    return false;
+  }
+
+  void checkIndexValues(const Token& token) {
+    const Reference reference = context_.referenceOf(token);
+    if (!reference.isQualified()) return;
+    const ParmName name = splitName(reference.name);
+    for (const std::string& value : name.indices) {
+      const std::optional<OctalReading> reading = octalIn(value);
+      if (!reading) continue;
+      context_.add({"octal", tokenPlace(source(), token),
+                    "the index value " + value + isRead(*reading) +
+                        ", and names an instance that " + "is neither of " + reading->decimal +
+                        " nor of " + numberText(reading->number) + "; write " + reading->decimal});
+      context_.explained().add(token.at);
+    }
+  }
+
+  // Also where it is compared with a text: a number is compared as its decimal text.
+  void checkConstant(const Token& token) {
+    const Reference reference = context_.referenceOf(token);
+    if (reference.named != nullptr || reference.figure != nullptr) return;
+    const std::string* const value = context_.checked().database().findConstant(reference.name);
+    const std::optional<OctalReading> reading = value == nullptr ? std::nullopt : octalIn(*value);
+    if (!reading || !constants_.insert(reference.name).second) return;
+    context_.add({"octal", tokenPlace(source(), token),
+                  "the value " + *value + " of the constant " + inQuotes(reference.name) +
+                      isRead(*reading) + "; write " + reading->decimal + " on the command line"});
+  }
+
+  void tell(const TextPlace& at, std::string_view text, const OctalReading& reading) {
+    context_.add({"octal", at,
+                  std::string(text) + isRead(reading) + "; write " + reading.decimal +
+                      " without the leading 0, or " + numberText(reading.number)});
+    context_.explained().add({at.line, at.column});
+  }
+
+  StaticContext& context_;
+  std::set<std::string_view> constants_;  // those that were told
+};
+
+}  // namespace
+
+void checkOctal(StaticContext& context) {
+  OctalCheck check(context);
+  for (const NamedDefinition& definition : context.definitions()) check.check(definition);
+}

@@ -6,6 +6,7 @@ ExplainedPlaces checkStatics(const CheckedText& checked, Findings& findings) {
   checkMerged(context);
   checkSelfReference(context);
   checkOctal(context);
+  checkPrecedence(context);
   checkOwnIndices(context);
   checkEmptyTexts(context);
   // What could not be read would be missed, and reported twice.

@@ -20,6 +20,8 @@ void checkMerged(StaticContext& context);
 void checkSelfReference(StaticContext& context);
 /// octal: a number that is another one in decimal.
 void checkOctal(StaticContext& context);
+/// precedence: operators that bind otherwise than they look.
+void checkPrecedence(StaticContext& context);
 /// unused-index: an index that nothing uses.
 void checkUnusedIndices(StaticContext& context);
 /// own-index: an index value that is not known where it is asked for.

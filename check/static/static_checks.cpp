@@ -7,6 +7,7 @@ ExplainedPlaces checkStatics(const CheckedText& checked, Findings& findings) {
   checkSelfReference(context);
   checkOctal(context);
   checkPrecedence(context);
+  checkOverlap(context);
   checkOwnIndices(context);
   checkEmptyTexts(context);
   // What could not be read would be missed, and reported twice.

@@ -22,6 +22,8 @@ void checkSelfReference(StaticContext& context);
 void checkOctal(StaticContext& context);
 /// precedence: operators that bind otherwise than they look.
 void checkPrecedence(StaticContext& context);
+/// overlap: items and statements that say again, or not as meant, what another one says.
+void checkOverlap(StaticContext& context);
 /// unused-index: an index that nothing uses.
 void checkUnusedIndices(StaticContext& context);
 /// own-index: an index value that is not known where it is asked for.

@@ -13,6 +13,7 @@ ExplainedPlaces checkStatics(const CheckedText& checked, Findings& findings) {
   // What could not be read would be missed, and reported twice.
   if (checked.text.isBroken) return explained;
   checkUnusedIndices(context);
+  checkQuotedNumbers(context);
   if (!checked.variant.isBuilt) return explained;
   return explained;
 }

@@ -26,6 +26,8 @@ void checkPrecedence(StaticContext& context);
 void checkOverlap(StaticContext& context);
 /// unused-index: an index that nothing uses.
 void checkUnusedIndices(StaticContext& context);
+/// quoted-number: a text where a number is meant.
+void checkQuotedNumbers(StaticContext& context);
 /// own-index: an index value that is not known where it is asked for.
 void checkOwnIndices(StaticContext& context);
 /// empty-text: comparisons with "".

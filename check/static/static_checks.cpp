@@ -14,6 +14,7 @@ ExplainedPlaces checkStatics(const CheckedText& checked, Findings& findings) {
   if (checked.text.isBroken) return explained;
   checkUnusedIndices(context);
   checkQuotedNumbers(context);
+  checkForeignIndices(context);
   if (!checked.variant.isBuilt) return explained;
   return explained;
 }

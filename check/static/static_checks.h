@@ -30,5 +30,7 @@ void checkUnusedIndices(StaticContext& context);
 void checkQuotedNumbers(StaticContext& context);
 /// own-index: an index value that is not known where it is asked for.
 void checkOwnIndices(StaticContext& context);
+/// foreign-index: a name that means no instance.
+void checkForeignIndices(StaticContext& context);
 /// empty-text: comparisons with "".
 void checkEmptyTexts(StaticContext& context);

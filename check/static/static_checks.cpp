@@ -16,5 +16,6 @@ ExplainedPlaces checkStatics(const CheckedText& checked, Findings& findings) {
   checkQuotedNumbers(context);
   checkForeignIndices(context);
   if (!checked.variant.isBuilt) return explained;
+  checkTranslations(context);
   return explained;
 }

@@ -34,3 +34,5 @@ void checkOwnIndices(StaticContext& context);
 void checkForeignIndices(StaticContext& context);
 /// empty-text: comparisons with "".
 void checkEmptyTexts(StaticContext& context);
+/// translation: translations that cannot be used, or take a valid value away. Asks the engine.
+void checkTranslations(StaticContext& context);

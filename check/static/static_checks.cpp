@@ -17,5 +17,6 @@ ExplainedPlaces checkStatics(const CheckedText& checked, Findings& findings) {
   checkForeignIndices(context);
   if (!checked.variant.isBuilt) return explained;
   checkTranslations(context);
+  checkDisjoint(context);
   return explained;
 }

@@ -36,3 +36,5 @@ void checkForeignIndices(StaticContext& context);
 void checkEmptyTexts(StaticContext& context);
 /// translation: translations that cannot be used, or take a valid value away. Asks the engine.
 void checkTranslations(StaticContext& context);
+/// disjoint: ranges that share no value with the one that always counts. Asks the engine.
+void checkDisjoint(StaticContext& context);

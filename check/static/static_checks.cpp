@@ -18,5 +18,6 @@ ExplainedPlaces checkStatics(const CheckedText& checked, Findings& findings) {
   if (!checked.variant.isBuilt) return explained;
   checkTranslations(context);
   checkDisjoint(context);
+  checkDocumented(context);
   return explained;
 }

@@ -38,3 +38,5 @@ void checkEmptyTexts(StaticContext& context);
 void checkTranslations(StaticContext& context);
 /// disjoint: ranges that share no value with the one that always counts. Asks the engine.
 void checkDisjoint(StaticContext& context);
+/// doc-outside: documented values that no range accepts. Asks the engine.
+void checkDocumented(StaticContext& context);

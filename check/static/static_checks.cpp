@@ -16,6 +16,7 @@ ExplainedPlaces checkStatics(const CheckedText& checked, Findings& findings) {
   checkQuotedNumbers(context);
   checkForeignIndices(context);
   if (!checked.variant.isBuilt) return explained;
+  checkStandards(context);
   checkTranslations(context);
   checkDisjoint(context);
   checkDocumented(context);

@@ -34,6 +34,8 @@ void checkOwnIndices(StaticContext& context);
 void checkForeignIndices(StaticContext& context);
 /// empty-text: comparisons with "".
 void checkEmptyTexts(StaticContext& context);
+/// other-standard, undefined-figure: what the holders of video standards select.
+void checkStandards(StaticContext& context);
 /// translation: translations that cannot be used, or take a valid value away. Asks the engine.
 void checkTranslations(StaticContext& context);
 /// disjoint: ranges that share no value with the one that always counts. Asks the engine.

@@ -123,6 +123,10 @@ std::vector<ParmEntry*> Database::parmsInNameOrder() {
   return parms;
 }
 
+void Database::forgetValues() {
+  for (size_t i = 0; i < parms_.size(); ++i) parms_[i].parm.forgetValues();
+}
+
 uint32_t Database::newWalk() {
   if (++walks_ == 0) {
     for (size_t i = 0; i < parms_.size(); ++i) parms_[i].walk = 0;

@@ -110,6 +110,12 @@ class Database final : public DefinitionRegistry {
   static constexpr size_t NAMES_TOGETHER = 16;  ///< enough that memory has answered for the first
   /// The index of a name, or null.
   [[nodiscard]] IndexEntry* findIndexEntry(std::string_view name);
+  /// Where an expression finds the value of `variable`: the parameter, constant and figure that it
+  /// names, or none of them, as for an index. The views in it are of `variable`.
+  [[nodiscard]] VariableSource findSource(std::string_view variable);
+  /// Takes the values of all instances away, as at the start. For tools; pointers to committed
+  /// values stay valid.
+  void forgetValues();
   /// The parameters in name order.
   [[nodiscard]] std::vector<ParmEntry*> parmsInNameOrder();
   /// Begins a walk over dependents, and gives its number: no parameter and no index has it yet as
@@ -118,7 +124,6 @@ class Database final : public DefinitionRegistry {
 
  private:
   [[nodiscard]] ParmEntry* findParm(std::string_view base, size_t hash);
-  [[nodiscard]] VariableSource findSource(std::string_view variable);
   [[nodiscard]] const VariableSource& sourceOf(std::string_view variable);
   [[nodiscard]] bool isKnown(const VariableSource& source) const;
   [[nodiscard]] bool isFixed(const VariableSource& source) const;

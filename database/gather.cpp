@@ -6,14 +6,6 @@
 
 namespace {
 
-// What a name means whose value, or whose P's value, is `value`. A figure that the value does
-// not have leaves the name undefined.
-Operand figureOrValue(const vidFigure_t* figure, const Operand& value) {
-  if (figure == nullptr) return value;
-  const std::optional<uint32_t> number = vidStdFigure(value.text, *figure);
-  return number ? Operand{OPERAND_NUMBER, static_cast<int32_t>(*number), {}} : Operand{};
-}
-
 // Binds what each source holds; `readWith` tells with which index values a parameter is read.
 template <typename ReadWith>
 Situation gatherFrom(const VariableSources& sources, size_t slots, const StagedValues& staged,
@@ -22,10 +14,9 @@ Situation gatherFrom(const VariableSources& sources, size_t slots, const StagedV
   for (uint32_t slot = 0; slot < sources.size(); ++slot) {
     const VariableSource& source = sources[slot];
     if (source.parm != nullptr) {
-      const Operand value = staged.value(*source.parm, readWith(source));
-      situation.bind(slot, figureOrValue(source.figure, value));
+      situation.bind(slot, valueOf(source, readWith(source), staged));
     } else if (source.constant != nullptr) {
-      situation.bind(slot, figureOrValue(source.figure, source.constant->operand()));
+      situation.bind(slot, valueOf(source, {}, staged));
     }
   }
   return situation;
@@ -49,6 +40,18 @@ IndexTuple indicesOf(const VariableSource& source, const ParmDef& evaluated,
                      const IndexTuple& indices) {
   if (source.qualified || indices.empty()) return source.indices;
   return sharedIndices(evaluated, indices, source.parm->parm);
+}
+
+Operand operandIn(const VariableSource& source, const Operand& value) {
+  if (source.figure == nullptr) return value;
+  const std::optional<uint32_t> number = vidStdFigure(value.text, *source.figure);
+  return number ? Operand{OPERAND_NUMBER, static_cast<int32_t>(*number), {}} : Operand{};
+}
+
+Operand valueOf(const VariableSource& source, const IndexTuple& indices,
+                const StagedValues& staged) {
+  if (source.parm != nullptr) return operandIn(source, staged.value(*source.parm, indices));
+  return source.constant == nullptr ? Operand{} : operandIn(source, source.constant->operand());
 }
 
 Situation gather(const ParmEntry& entry, const IndexTuple& indices, const StagedValues& staged) {

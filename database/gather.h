@@ -18,6 +18,15 @@ IndexTuple sharedIndices(const ParmDef& evaluated, const IndexTuple& indices,
 IndexTuple indicesOf(const VariableSource& source, const ParmDef& evaluated,
                      const IndexTuple& indices);
 
+/// What a name means whose value, or whose P's value, is `value`: that value, or the figure of the
+/// standard that it selects. OPERAND_INVALID where it selects none.
+Operand operandIn(const VariableSource& source, const Operand& value);
+
+/// What `source`, a parameter read with the index values `indices` or a constant, holds: its value,
+/// or the figure of the standard that the value selects. OPERAND_INVALID where there is none.
+Operand valueOf(const VariableSource& source, const IndexTuple& indices,
+                const StagedValues& staged);
+
 /// The situation of one instance of a parameter, as its own expressions see it before its index
 /// values are bound. A set begins with it: the parameter's own conditions see no index value, and
 /// setValue() binds them one by one, because each index sees only those before it. Its views hold

@@ -44,6 +44,8 @@ struct Value {
 /// Evaluating changes nothing in the program. Numbers are evaluated without an allocation, unless
 /// the expression holds more than 16 operands at once.
 class Program {
+  static constexpr int32_t NO_STEP = -1;
+
  public:
   /// Checks `expression` and makes `out` its program. Its variables get slots in `variables`: names
   /// that are there keep theirs, new ones get the next.
@@ -80,17 +82,27 @@ class Program {
   [[nodiscard]] bool empty() const { return single_.kind == NO_STEP && code_ == nullptr; }
   /// Whether a variable is among the operands. If not, every situation gives one value.
   [[nodiscard]] bool usesVariables() const;
+  /// One step: an operator, or an operand.
+  struct Step {
+    int32_t kind = NO_STEP;  ///< an operator's code, or a TokenKind
+    int32_t value = 0;       ///< a number, the place of a string in texts(), or a variable's slot
+  };
+  /// The steps in postfix order, none where the program is empty: for whoever asks what the program
+  /// may give in many situations at once. Valid as long as the program.
+  [[nodiscard]] std::span<const Step> steps() const {
+    if (code_ != nullptr) return code_->steps;
+    return {&single_, empty() ? 0U : 1U};
+  }
+  /// The texts of the steps that are strings. Valid as long as the program.
+  [[nodiscard]] std::span<const std::string> texts() const {
+    if (code_ != nullptr) return code_->texts;
+    return {};
+  }
   /// What an evaluation costs, in units of work: WORK_PER_PROGRAM, and WORK_PER_STEP for each
   /// operand and operator. The work on texts comes on top; evaluate() and isTrue() count it.
   [[nodiscard]] uint64_t work() const { return WORK_PER_PROGRAM + steps().size() * WORK_PER_STEP; }
 
  private:
-  static constexpr int32_t NO_STEP = -1;
-  // One step: an operator, or an operand.
-  struct Step {
-    int32_t kind = NO_STEP;  // an operator's code, or a TokenKind
-    int32_t value = 0;       // a number, the place of a string in `texts`, or a variable's slot
-  };
   struct Code {
     std::vector<Step> steps;
     std::vector<std::string> texts;
@@ -101,10 +113,6 @@ class Program {
   // The step of `token`; a string's text is kept in `texts`, a variable gets its slot.
   static Step stepOf(const Token& token, std::vector<std::string>& texts, Variables& variables);
   [[nodiscard]] size_t depth() const { return code_ != nullptr ? code_->depth : 1; }
-  [[nodiscard]] std::span<const Step> steps() const {
-    if (code_ != nullptr) return code_->steps;
-    return {&single_, empty() ? 0U : 1U};
-  }
 
   // Most programs are one number or one variable: that is this step, and `code_` is null. The step
   // of any other program is NO_STEP.

@@ -156,6 +156,13 @@ void ParmDef::store(const IndexTuple& indices, const std::string& value) {
   stored(indices).value.set(value);
 }
 
+void ParmDef::forgetValues() {
+  single_ = CommittedValue();
+  if (indices().empty()) return;
+  SegmentedList<CommittedValue>& values = indexing_.change().values;
+  for (size_t i = 0; i < values.size(); ++i) values[i] = CommittedValue();
+}
+
 CommittedValue& ParmDef::stored(const IndexTuple& indices) {
   if (indices.empty() && this->indices().empty()) return single_;
   const std::string suffix = indexSuffix(indices);

@@ -149,6 +149,9 @@ class ParmDef final : public IndexDef {
   /// reference is valid as long as the definition stays where it is. Where memory runs out
   /// (std::bad_alloc), no instance is added.
   CommittedValue& stored(const IndexTuple& indices);
+  /// Takes the values of all instances away, as at the start: each holds the empty text, and was
+  /// never announced. Pointers to committed values stay valid. For tools.
+  void forgetValues();
 
  private:
   void takeIndices(std::vector<const IndexDef*> indices);

@@ -6,10 +6,10 @@
 #include <string_view>
 #include <vector>
 
-#include "check/finding_codes.h"
-#include "check/findings.h"
-#include "check/source_text.h"
-#include "check/text_layout.h"
+#include "check/text/finding_codes.h"
+#include "check/text/findings.h"
+#include "check/text/source_text.h"
+#include "check/text/text_layout.h"
 
 /// The lines `# check: allow CODE[, CODE]` of a text. Each silences the findings of these codes in
 /// the statement that follows it in its definition; outside definitions, in the whole definition

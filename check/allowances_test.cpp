@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "check/read_text.h"
+#include "check/text/read_text.h"
 
 namespace {
 

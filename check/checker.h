@@ -5,9 +5,9 @@
 #include <optional>
 #include <vector>
 
-#include "check/findings.h"
-#include "check/source_text.h"
-#include "check/variant.h"
+#include "check/text/findings.h"
+#include "check/text/source_text.h"
+#include "check/text/variant.h"
 
 /// What is asked of the checker.
 struct CheckOptions {

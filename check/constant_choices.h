@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "check/variant.h"
+#include "check/text/variant.h"
 
 /// More variants than this are refused.
 constexpr size_t MAX_VARIANTS = 4096;

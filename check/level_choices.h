@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "check/checker.h"
-#include "check/finding_codes.h"
+#include "check/text/finding_codes.h"
 
 /// What the command line says of codes; later choices win over earlier ones.
 class LevelChoices {

@@ -6,8 +6,8 @@
 #include <tuple>
 #include <vector>
 
-#include "check/findings.h"
-#include "check/variant.h"
+#include "check/text/findings.h"
+#include "check/text/variant.h"
 
 /// Findings are the same where code, place and text are. One that not all variants have names the
 /// first that has it, with those constants only that decide it.

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "check/finding.h"
+#include "check/text/finding.h"
 
 /// "MODEL=pro title=\"\"": a value is quoted where it is empty or would not be seen to be one.
 std::string joinedValues(const NamedValues& values);

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "check/finding_codes.h"
+#include "check/text/finding_codes.h"
 
 namespace {
 

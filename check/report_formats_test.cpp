@@ -6,9 +6,9 @@
 #include <iterator>
 #include <nlohmann/json.hpp>
 
-#include "check/finding_codes.h"
 #include "check/report_json.h"
 #include "check/report_sarif.h"
+#include "check/text/finding_codes.h"
 
 namespace {
 

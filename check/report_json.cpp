@@ -2,8 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "check/finding_codes.h"
 #include "check/report_json_text.h"
+#include "check/text/finding_codes.h"
 
 namespace {
 

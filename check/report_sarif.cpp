@@ -4,10 +4,10 @@
 #include <cctype>
 #include <nlohmann/json.hpp>
 
-#include "check/finding_codes.h"
 #include "check/named_values.h"
 #include "check/printable.h"
 #include "check/report_json_text.h"
+#include "check/text/finding_codes.h"
 
 namespace {
 

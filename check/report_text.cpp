@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <string>
 
-#include "check/finding_codes.h"
 #include "check/named_values.h"
 #include "check/printable.h"
+#include "check/text/finding_codes.h"
 
 namespace {
 

@@ -13,7 +13,7 @@
 #include <string_view>
 
 #include "check/constant_choices.h"
-#include "check/nearest.h"
+#include "check/text/nearest_word.h"
 #include "startup/version.h"
 #include "tools/input_file.h"
 
@@ -89,9 +89,11 @@ ReportFormat formatOf(std::string_view name, const argp_state* state) {
   constexpr std::string_view NAMES[] = {"text", "json", "sarif"};
   const auto* const found = std::ranges::find(NAMES, name);
   if (found == std::end(NAMES)) {
-    const auto nearest = nearestName(name, NAMES);
+    NearestWord nearest(name);
+    nearest.offer(NAMES);
     refuse(state, "--format is text, json or sarif, not \"" + std::string(name) + "\"" +
-                      (nearest ? "; did you mean \"" + std::string(*nearest) + "\"?" : ""));
+                      (nearest.found() ? "; did you mean \"" + std::string(*nearest.found()) + "\"?"
+                                       : ""));
   }
   return static_cast<ReportFormat>(found - std::begin(NAMES));
 }

@@ -6,8 +6,8 @@
 #include <optional>
 #include <vector>
 
-#include "check/finding.h"
-#include "check/source_text.h"
+#include "check/text/finding.h"
+#include "check/text/source_text.h"
 #include "deflang/expression/token.h"
 
 /// An operand, or an operator with its two sides.

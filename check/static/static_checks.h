@@ -1,10 +1,10 @@
 // Static checks: what can be said of a text without a look at all situations.
 #pragma once
 
-#include "check/checked_text.h"
-#include "check/findings.h"
 #include "check/static/explained_places.h"
 #include "check/static/static_context.h"
+#include "check/text/checked_text.h"
+#include "check/text/findings.h"
 
 /// Adds what is found in one text in one variant to `findings`. Returns the tokens about which
 /// that says enough. Of a text that the engine has not built, only what needs no engine is looked

@@ -8,9 +8,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "check/checked_text.h"
-#include "check/findings.h"
 #include "check/static/explained_places.h"
+#include "check/text/checked_text.h"
+#include "check/text/findings.h"
 
 /// A name with all its definitions, as the engine takes them together.
 struct NamedDefinition {

@@ -7,9 +7,9 @@
 #include <string_view>
 #include <vector>
 
-#include "check/finding_codes.h"
 #include "check/static/static_checks.h"
 #include "check/static/token_place.h"
+#include "check/text/finding_codes.h"
 #include "tests/support/database.h"
 #include "vid_std.h"
 

@@ -3,8 +3,8 @@
 
 #include <string_view>
 
-#include "check/finding.h"
-#include "check/source_text.h"
+#include "check/text/finding.h"
+#include "check/text/source_text.h"
 #include "deflang/text/record.h"
 
 /// The bytes of a token: a quoted text with its quotes, a name with its index values, a number with

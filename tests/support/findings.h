@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "check/finding_codes.h"
-#include "check/read_text.h"
-#include "check/variant.h"
+#include "check/text/finding_codes.h"
+#include "check/text/read_text.h"
+#include "check/text/variant.h"
 
 /// "2:14 error: a span has two ends [syntax]"; without a place where the finding has none.
 inline std::string findingText(const Finding& finding) {

@@ -1,7 +1,0 @@
-// Statement causes: faults within a statement.
-#pragma once
-
-#include "check/fault_view.h"
-
-/// A fault behind the keyword of a statement, up to its closing sign.
-ReadingCause causeInStatement(const FaultView& view);

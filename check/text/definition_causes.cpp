@@ -1,0 +1,221 @@
+#include "check/text/definition_causes.h"
+
+#include <algorithm>
+
+#include "check/text/nearest_word.h"
+#include "deflang/text/definition_grammar.h"
+
+namespace {
+
+bool isAmong(std::span<const std::string_view> words, std::string_view word) {
+  return std::ranges::find(words, word) != words.end();
+}
+
+bool startsComment(std::string_view word) {
+  return word.starts_with('#') || word.starts_with("//") || word.starts_with("/*");
+}
+
+struct Synonym {
+  std::string_view word;
+  std::string_view meant;
+};
+
+// What other languages, and people who remember a page roughly, call these things.
+constexpr Synonym ACCESS_SYNONYMS[] = {
+    {"read", "ro"},      {"readonly", "ro"},   {"read-only", "ro"},
+    {"readwrite", "rw"}, {"read-write", "rw"}, {"write", "wo"},
+    {"writeonly", "wo"}, {"write-only", "wo"}, {"trigger", "wo"},
+};
+constexpr Synonym KEYWORD_SYNONYMS[] = {
+    {"range", "rangeValid"},    {"valid", "ctrlValid"}, {"readonly", "ctrlRO"},
+    {"ro", "ctrlRO"},           {"doc", "rangeDoc"},    {"value", "default"},
+    {"init", "default"},        {"indices", "index"},   {"translate", "valueChange"},
+    {"available", "ctrlValid"},
+};
+
+// The word of `allowed` that `word` stands for most likely.
+std::optional<std::string> meantWord(std::string_view word, std::span<const Synonym> synonyms,
+                                     std::span<const std::string_view> allowed) {
+  const auto synonym = std::ranges::find(synonyms, word, &Synonym::word);
+  if (synonym != synonyms.end()) return std::string(synonym->meant);
+  NearestWord nearest(word);
+  nearest.offer(allowed);
+  if (!nearest.found()) return {};
+  return std::string(*nearest.found());
+}
+
+// The place behind an opening brace that comes on the line of `at`, or behind the next line end;
+// else the next definition.
+ResumePoint bodyBehind(const FaultView& view, size_t at) {
+  TextScan scan = view.scanFrom(at);
+  for (;;) {
+    const TextPart part = scan.next();
+    const bool isFirst = part.isFirstOnLine && part.at > at;
+    if (part.isSign('{')) return {RESUME_STATEMENT, part.end()};
+    if (beginsStatement(part, scan)) return {RESUME_STATEMENT, part.at};
+    if (part.kind == PART_END || isFirst) return nextDefinition(view.scanFrom(at));
+  }
+}
+
+ReadingCause wrongAccess(const FaultView& view, const TextPart& word) {
+  const std::optional<std::string> meant = meantWord(word.text, ACCESS_SYNONYMS, accessWords());
+  Finding finding = {"unknown-access", view.placeOf(word),
+                     quoted(word.text) + " is no access word: " + listOf(accessWords()) +
+                         " belongs behind " + quoted(view.name())};
+  if (meant) finding.proposal = {finding.at, *meant};
+  return {std::move(finding), bodyBehind(view, word.end())};
+}
+
+ReadingCause missingAccess(const FaultView& view, std::string_view name, ResumePoint next) {
+  return {{"unknown-access", view.place(view.fault.nameAt, name.size()),
+           quoted(name) + " has no access word: " + listOf(accessWords()) + " belongs behind it"},
+          next};
+}
+
+ReadingCause extraBrace(const FaultView& view) {
+  const bool isEnd = view.fault.result == PARSE_DONE;
+  Finding finding = {"syntax", view.place(view.fault.nameAt, 1),
+                     "this \"}\" closes nothing: no definition is open here"};
+  // The daemon takes one at the very end for a name without a definition, and is content.
+  if (isEnd && view.name() == "}") finding.level = LEVEL_WARNING;
+  if (view.fault.closed) finding.related.push_back(*view.fault.closed);
+  return {std::move(finding), {RESUME_DEFINITION, view.fault.nameAt + 1}};
+}
+
+ReadingCause statementOutside(const FaultView& view, std::string_view keyword) {
+  Finding finding = {"syntax", view.place(view.fault.nameAt, keyword.size()),
+                     quoted(keyword) + " is outside of a definition"};
+  if (view.fault.closed) finding.related.push_back(*view.fault.closed);
+  return {std::move(finding), {RESUME_STATEMENT, view.fault.nameAt}};
+}
+
+ReadingCause swapped(const FaultView& view, const TextPart& name) {
+  const std::string right = std::string(name.text) + " " + view.name();
+  const size_t length = name.end() - view.fault.nameAt;
+  const TextPlace at = view.place(view.fault.nameAt, length);
+  return {{"unknown-access",
+           at,
+           "the name comes before the access word: " + quoted(right),
+           {},
+           Proposal{at, right}},
+          bodyBehind(view, name.end())};
+}
+
+// Behind a name and an access word, where the brace has to be.
+ReadingCause missingBrace(const FaultView& view, const TextPart& found) {
+  if (isAmong(accessWords(), found.text)) {
+    return {{"syntax", view.placeOf(found),
+             "a definition has one access word: " + quoted(found.text) + " is a second one"},
+            bodyBehind(view, found.end())};
+  }
+  const bool isStatement = isAmong(statementKeywords(), found.text) || found.isSign('}');
+  return {{"syntax", view.placeOf(found),
+           "a \"{\" is missing before " + quoted(found.text) + ", behind the access word"},
+          isStatement ? ResumePoint{RESUME_STATEMENT, found.at} : bodyBehind(view, found.at)};
+}
+
+// A name that cannot be one, whatever comes behind it. Returns nothing where it can.
+std::optional<ReadingCause> wrongName(const FaultView& view) {
+  const size_t at = view.fault.nameAt;
+  const std::string name = view.name();
+  if (startsComment(name)) {
+    return commentAfterCode(view, at, {RESUME_DEFINITION, view.nextLine(at)});
+  }
+  if (name.starts_with('}')) return extraBrace(view);
+  const std::string word = name.substr(0, name.find_first_of("({"));
+  const TextPart found = view.partAt(view.fault.at);
+  const bool isGlued = word.size() < name.size();
+  const bool opens = isGlued || found.isSign('(') || found.isSign('{');
+  if (opens && isAmong(statementKeywords(), word)) return statementOutside(view, word);
+  if (!isGlued || word.empty()) return {};
+  return missingAccess(view, word, bodyBehind(view, at + word.size()));
+}
+
+// Behind what a word that is no keyword begins: the block on its line, if there is one.
+ResumePoint behindUnknown(const TextScan& behind) {
+  TextScan scan = behind;
+  for (;;) {
+    const TextScan before = scan;
+    const TextPart part = scan.next();
+    if (part.isSign('(') || part.isSign('{')) return behindStatement(before);
+    const bool isWord = part.kind == PART_WORD && !part.isFirstOnLine;
+    if (!isWord || beginsStatement(part, scan)) return nextStatement(before);
+  }
+}
+
+ReadingCause unknownKeyword(const FaultView& view, const TextPart& word) {
+  const std::optional<std::string> meant =
+      meantWord(word.text, KEYWORD_SYNONYMS, statementKeywords());
+  Finding finding = {"unknown-keyword", view.placeOf(word),
+                     "there is no statement " + quoted(word.text) + ": " +
+                         listOf(statementKeywords()) + " is expected, or \"}\""};
+  if (meant) finding.proposal = {finding.at, *meant};
+  return {std::move(finding), behindUnknown(view.scanFrom(word.end()))};
+}
+
+ReadingCause strayBlock(const FaultView& view, const TextPart& sign) {
+  const bool isCondition = sign.isSign('(');
+  return {{"syntax", view.placeOf(sign),
+           isCondition ? "a condition belongs behind the keyword, before the braces"
+                       : "a statement begins with a keyword: " + listOf(statementKeywords())},
+          behindStatement(view.scanFrom(sign.at))};
+}
+
+ReadingCause straySign(const FaultView& view, const TextPart& part) {
+  const char sign = part.text.front();
+  const TextPlace at = view.place(part.at, 1);
+  const std::string text = sign == ')' ? "this \")\" closes nothing"
+                                       : "there is nothing to separate with \"" +
+                                             std::string(1, sign) + "\" between statements";
+  return {{"syntax", at, text, {}, Proposal{at, ""}}, {RESUME_STATEMENT, part.at + 1}};
+}
+
+}  // namespace
+
+ReadingCause causeInHead(const FaultView& view) {
+  if (auto cause = wrongName(view)) return *std::move(cause);
+  const TextPart found = view.partAt(view.fault.at);
+  if (found.kind == PART_END) {
+    ReadingCause cause = openDefinition(view, found);
+    cause.finding.text = "the definition of " + quoted(view.name()) +
+                         " is not complete: it needs an access word and \"{ ... }\"";
+    return cause;
+  }
+  if (view.fault.result == PARSE_SYNTAX_ERROR) return missingBrace(view, found);
+  if (found.isSign('{')) return missingAccess(view, view.name(), {RESUME_STATEMENT, found.end()});
+  if (view.byteAt(view.fault.at) == '[') {
+    return {{"syntax", view.place(found.at, found.text.size()),
+             "a definition has a name without index values; an index statement gives its indices"},
+            bodyBehind(view, found.end())};
+  }
+  if (found.kind == PART_COMMENT) {
+    return commentAfterCode(view, found.at, bodyBehind(view, found.end()));
+  }
+  const TextScan behind = view.scanFrom(found.end());
+  if (beginsDefinition(found, behind)) {
+    return missingAccess(view, view.name(), {RESUME_DEFINITION, found.at});
+  }
+  if (isAmong(statementKeywords(), found.text)) {
+    return missingAccess(view, view.name(), {RESUME_STATEMENT, found.at});
+  }
+  const bool isSwapped = isAmong(accessWords(), view.name()) && behind.peek().isSign('{');
+  return isSwapped ? swapped(view, found) : wrongAccess(view, found);
+}
+
+ReadingCause causeInBody(const FaultView& view) {
+  TextScan scan = view.scanFrom(view.fault.at);
+  const TextPart part = scan.next();
+  const bool isName = part.kind == PART_WORD && !isAmong(statementKeywords(), part.text) &&
+                      isAmong(accessWords(), scan.peek().text);
+  if (part.kind == PART_END || isName) return openDefinition(view, part);
+  if (part.kind == PART_COMMENT) {
+    return commentAfterCode(view, part.at, {RESUME_STATEMENT, part.end()});
+  }
+  if (part.isSign('(') || part.isSign('{')) return strayBlock(view, part);
+  const char first = part.text.front();
+  if (first == ',' || first == ';' || first == ')') return straySign(view, part);
+  if (part.kind == PART_WORD) return unknownKeyword(view, part);
+  return {{"syntax", view.placeOf(part),
+           quoted(part.text) + " belongs to no statement: a statement begins with a keyword"},
+          nextStatement(scan)};
+}

@@ -1,0 +1,19 @@
+// A collection of findings about one text.
+#pragma once
+
+#include <vector>
+
+#include "check/text/finding.h"
+
+/// Collects findings in any order.
+class Findings {
+ public:
+  void add(Finding finding) { findings_.push_back(std::move(finding)); }
+  /// What was added, in that order.
+  [[nodiscard]] const std::vector<Finding>& all() const { return findings_; }
+  /// In the order of the text: by place, then by code; what is said twice is said once.
+  [[nodiscard]] std::vector<Finding> inTextOrder() const;
+
+ private:
+  std::vector<Finding> findings_;
+};

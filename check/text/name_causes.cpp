@@ -1,0 +1,166 @@
+#include "check/text/name_causes.h"
+
+#include <algorithm>
+
+#include "check/text/fault_view.h"
+#include "check/text/nearest_word.h"
+#include "check/text/record_expressions.h"
+#include "deflang/expression/vid_std_name.h"
+#include "srcs/vid_std_figures.h"
+#include "sw/parm/parm_name.h"
+
+namespace {
+
+constexpr size_t MOST_COMPARISONS = 2'000'000;
+constexpr std::string_view PREFIX = "vidStd::";
+
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+bool isSameButCase(std::string_view a, std::string_view b) {
+  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
+  return std::ranges::equal(a, b, {}, lower, lower);
+}
+
+Position movedBy(Position at, size_t columns) {
+  return {at.line, at.column + static_cast<uint32_t>(columns)};
+}
+
+void addTexts(const ParameterRecord& record, std::set<std::string_view>& texts) {
+  for (const StatementList<RangeStatement>* ranges : {&record.rangeValid, &record.rangeDoc}) {
+    for (const RangeStatement& range : *ranges) {
+      for (const RangeItem& item : range.items) {
+        if (item.text) texts.insert(*item.text);
+      }
+    }
+  }
+  for (const DefaultStatement& value : record.defaults) {
+    if (value.text) texts.insert(*value.text);
+  }
+  for (const Translation& translation : record.valueChange) {
+    texts.insert({translation.source, translation.target});
+  }
+  forEachExpression(record, [&texts](const Expression& expression) {
+    for (const Token& token : expression.tokens) {
+      if (token.kind == TOKEN_STRING) texts.insert(token.text);
+    }
+  });
+}
+
+Finding proposing(std::string_view code, TextPlace at, const std::string& text,
+                  const std::string& right) {
+  return {code, at, text, {}, Proposal{at, right}};
+}
+
+}  // namespace
+
+NameCauses::NameCauses(const TextFacts& facts, const NamedValues& constants)
+    : facts_(facts), constants_(constants) {
+  for (const ParameterRecord* record : facts.records().inNameOrder()) {
+    if (record->access == ACCESS_NONE) continue;
+    (record->access == ACCESS_INDEX ? indices_ : parameters_).push_back(record->name);
+    addTexts(*record, texts_);
+  }
+}
+
+std::optional<std::string> NameCauses::nearest(std::string_view name, bool isIndex) {
+  const std::string key = (isIndex ? "i" : "p") + std::string(name);
+  if (const auto known = known_.find(key); known != known_.end()) return known->second;
+  comparisons_ += parameters_.size() + indices_.size();
+  NearestWord nearest(name);
+  if (comparisons_ <= MOST_COMPARISONS) {
+    nearest.offer(indices_);
+    if (!isIndex) nearest.offer(parameters_);
+  }
+  for (const auto& [constant, value] : constants_) {
+    if (!isIndex) nearest.offer(constant);
+  }
+  const std::optional<std::string_view> found = nearest.found();
+  return known_[key] = found ? std::optional(std::string(*found)) : std::nullopt;
+}
+
+// A figure that the catalogue lacks, or a name that is written like one.
+Finding NameCauses::unknownFigure(Position at, std::string_view name) const {
+  const size_t separator = name.find("::", PREFIX.size());
+  const bool isMisspelt = !name.starts_with(PREFIX);
+  if (isMisspelt &&
+      splitVidStdName(std::string(PREFIX) + std::string(name.substr(PREFIX.size())))) {
+    const TextPlace word = placeAt(at, PREFIX.size() - 2);
+    return proposing("unknown-figure", word, "there is no " + quoted(name), "vidStd");
+  }
+  if (separator == std::string_view::npos || isMisspelt) {
+    return {"unknown-figure", facts_.tokenAt(at),
+            quoted(name) + " is no figure: its form is vidStd::P::F, where P is a parameter"};
+  }
+  const std::string_view figure = name.substr(separator + 2);
+  NearestWord nearest(figure);
+  for (const vidFigure_t& known : vidFigures()) nearest.offer(known.name);
+  // Blanks in brackets, which the name has no more, would shift the place.
+  const TextPlace whole = facts_.tokenAt(at);
+  const bool isAsWritten = whole.length == name.size() && !figure.empty();
+  const TextPlace place = isAsWritten ? placeAt(movedBy(at, separator + 2), figure.size()) : whole;
+  Finding finding = {"unknown-figure", place, "a video standard has no figure " + quoted(figure)};
+  if (nearest.found() && isAsWritten) finding.proposal = {place, std::string(*nearest.found())};
+  return finding;
+}
+
+// What cannot be a name, however the text goes on.
+std::optional<Finding> NameCauses::noName(Position at, std::string_view name) const {
+  const TextPlace place = facts_.tokenAt(at);
+  const char first = name.front();
+  if (first == '\'' || first == '`') {
+    Finding finding = {"unquoted-text", place, "a text has to be in double quotes"};
+    if (name.size() > 2 && name.back() == first) {
+      finding.proposal = {place, "\"" + std::string(name.substr(1, name.size() - 2)) + "\""};
+    }
+    return finding;
+  }
+  if (first == '#') {
+    return Finding{"comment-after-code", facts_.restOfLine(at),
+                   "a comment has to be on a line of its own"};
+  }
+  if (name.find("..") != std::string_view::npos) {
+    return Finding{"undefined-name", place,
+                   quoted(name) +
+                       " is no name: the dots of a span are outside of the parentheses, "
+                       "as in (a)..(b)"};
+  }
+  if (isDigit(first)) {
+    const bool isOctal = first == '0' && std::ranges::all_of(name, isDigit);
+    const bool isDecimal = name.find('.') != std::string_view::npos;
+    return Finding{
+        "undefined-name", place,
+        quoted(name) + (isOctal     ? " is no number: with a leading 0 it is octal"
+                        : isDecimal ? " is no number: numbers are whole"
+                                    : " is neither a number nor a name: a text has to be "
+                                      "in quotes")};
+  }
+  if (name.size() > 1 && (name.back() == ',' || name.back() == ';')) {
+    return Finding{
+        "undefined-name", place,
+        quoted(name) + " is no name: an expression has no " + quoted(name.substr(name.size() - 1))};
+  }
+  return {};
+}
+
+Finding NameCauses::undefined(Position at, std::string_view name) {
+  if (std::optional<Finding> finding = noName(at, name)) return *std::move(finding);
+  const std::string_view referenced = referencedName(name);
+  const bool isFigure = referenced.size() != name.size();
+  const std::string_view marker = name.substr(0, PREFIX.size() - 1);
+  if (!isFigure && isSameButCase(marker, "vidStd:")) return unknownFigure(at, name);
+  const std::string base(baseName(referenced));
+  const TextPlace place = placeAt(isFigure ? movedBy(at, PREFIX.size()) : at, base.size());
+  const std::string missing = "there is no " + quoted(base);
+  if (texts_.contains(base) && !isFigure) {
+    const std::string right = "\"" + base + "\"";
+    return proposing("unquoted-text", place, missing + ": a text has to be in quotes", right);
+  }
+  if (const std::optional<std::string> near = nearest(base, false)) {
+    return proposing("undefined-name", place, missing, *near);
+  }
+  if (isConstantName(base)) {
+    return {"missing-constant", place,
+            missing + ": as a constant of the command line it is given by -D " + base + "=..."};
+  }
+  return {"undefined-name", place, missing + " in the text, nor a constant of that name"};
+}

@@ -1,0 +1,34 @@
+// Name causes: why a name in an expression is none.
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+
+#include "check/text/findings.h"
+#include "check/text/text_facts.h"
+
+/// Explains names that nothing defines. Looks for near names as long as that does not take the
+/// square of a long text.
+class NameCauses {
+ public:
+  /// `constants` are those that the command line gives.
+  NameCauses(const TextFacts& facts, const NamedValues& constants);
+
+  /// What is wrong with the name `name`, as it is in an expression at `at`.
+  [[nodiscard]] Finding undefined(Position at, std::string_view name);
+  /// The defined name that is nearest to `name`: among the indices alone where `isIndex`.
+  [[nodiscard]] std::optional<std::string> nearest(std::string_view name, bool isIndex);
+
+ private:
+  [[nodiscard]] Finding unknownFigure(Position at, std::string_view name) const;
+  [[nodiscard]] std::optional<Finding> noName(Position at, std::string_view name) const;
+
+  const TextFacts& facts_;
+  const NamedValues& constants_;
+  std::vector<std::string_view> parameters_;
+  std::vector<std::string_view> indices_;
+  std::set<std::string_view> texts_;  // all that the text has in quotes
+  std::map<std::string, std::optional<std::string>, std::less<>> known_;
+  size_t comparisons_ = 0;
+};

@@ -1,0 +1,119 @@
+#include "check/text/read_text.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/findings.h"
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+TEST(ReadText, GoesOnToTheEndAndKeepsWhatIsRight) {
+  const SourceText source("text",
+                          "a rw {\n"
+                          "  rangeValid { on }\n"
+                          "  default { 1 }\n"
+                          "}\n"
+                          "b rx { default { 2 } }\n"
+                          "c rw { ctrlRO (a = 1) default { 3 } }\n");
+  ReadText text;
+  Findings findings;
+  readText(source, text, findings);
+  EXPECT_EQ(findings.all().size(), 3U);
+  EXPECT_TRUE(text.isBroken);
+  const ParameterRecords& records = text.definitions.records;
+  ASSERT_NE(records.find("a"), nullptr);
+  EXPECT_TRUE(records.find("a")->rangeValid.empty());
+  EXPECT_FALSE(records.find("a")->defaults.empty());
+  EXPECT_EQ(records.find("b")->access, ACCESS_NONE);
+  ASSERT_NE(records.find("c"), nullptr);
+  EXPECT_TRUE(records.find("c")->ctrlRO.empty());
+  EXPECT_FALSE(records.find("c")->defaults.empty());
+  EXPECT_TRUE(text.isDoubtful("a"));
+  EXPECT_TRUE(text.isDoubtful("b"));
+  EXPECT_FALSE(text.isDoubtful("d"));
+}
+
+TEST(ReadText, TellsTheLayoutInWholeLines) {
+  const std::string blanks(2000, ' ');
+  const SourceText source("text", "a rw {" + blanks + "default { 1 }\n}\nb rw { }\n");
+  ReadText text;
+  Findings findings;
+  readText(source, text, findings);
+  EXPECT_FALSE(text.isBroken);
+  ASSERT_EQ(text.layout.definitions.size(), 2U);
+  const DefinitionLayout& a = text.layout.definitions.front();
+  ASSERT_EQ(a.statements.size(), 1U);
+  EXPECT_EQ(a.statements.front().extent.from.line, 1U);
+  EXPECT_EQ(a.statements.front().extent.from.column, 2006U);
+  EXPECT_EQ(a.extent.to.line, 2U);
+  EXPECT_EQ(text.layout.definitions.back().name.line, 3U);
+}
+
+TEST(ReadText, SaysWhatBecomesOfALongLine) {
+  const std::string piece = " of 1024 bytes, each as a line of its own";
+  struct Case {
+    std::string text;
+    Texts findings;
+  };
+  const Case cases[] = {
+      {"a rw { }" + std::string(1015, ' ') + "\n", {}},  // 1023 bytes
+      {"a rw { }" + std::string(1016, ' ') + "\n",
+       {"1:1025 warning: a line of 1024 bytes is read in pieces" + piece + " [long-line]"}},
+      {"a rw { }" + std::string(1016, ' '), {}},  // no newline needs a place
+      {"a rw { default { \"" + std::string(1100, 'x') + "\" } }\n",
+       {"1:1025 warning: a line of 1123 bytes is read in pieces" + piece +
+        ", and a word or text is cut in two here [long-line]"}},
+      {"a rw {" + std::string(1015, ' ') + "default { 1 } }\n",
+       {"1:1025 error: a line of 1036 bytes is read in pieces" + piece +
+        ", and a word or text is cut in two here [long-line]"}},
+      {"#" + std::string(1023, ' ') + "a b c\nd rw { }\n",
+       {"1:1025 error: a line of 1029 bytes is read in pieces" + piece +
+        ", and the rest of this comment as definitions [long-line]"}},
+      {"#" + std::string(1023, ' ') + "a\nd rw { }\n",
+       {"1:1025 error: a line of 1025 bytes is read in pieces" + piece +
+        ", and the rest of this comment as definitions [long-line]"}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.text);
+    EXPECT_EQ(findingsOfReading(c.text), c.findings);
+  }
+}
+
+TEST(ReadText, RefusesBytesThatNoTextHas) {
+  using namespace std::string_literals;
+  struct Case {
+    std::string text;
+    Texts findings;
+  };
+  const Case cases[] = {
+      {"# \0\na rw { }\n"s, {}},
+      {"a rw { de\0fault { 1 } }\n"s, {"1:10 error: a text cannot hold a NUL byte [syntax]"}},
+      {"a rw { \0\n}\n"s, {"1:8 error: a text cannot hold a NUL byte [syntax]"}},
+      {"a rw { default { \"\0\" } } b rw { = }\n"s,
+       {"1:19 error: a text cannot hold a NUL byte [syntax]"}},
+      {"\xFF\xFE"s + "a\0 \0r\0w\0"s,
+       {"1:1 error: the text is in UTF-16: write it in UTF-8 [syntax]"}},
+      {"\xEF\xBB\xBF# c\na rw { }\n", {}},
+      {"\xEF\xBB\xBF" + "a rw { = }\n"s,
+       {"1:8 error: there is no statement \"=\": rangeValid, rangeDoc, ctrlRO, ctrlValid, default, "
+        "valueChange or index is expected, or \"}\" [unknown-keyword]"}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.text);
+    EXPECT_EQ(findingsOfReading(c.text), c.findings);
+  }
+}
+
+TEST(ReadText, ComesToAnEndWhereEverythingIsOpen) {
+  constexpr size_t COUNT = 2000;
+  for (const char* line :
+       {"a rw { ctrlRO (b == 1 }\n", "a rw { default { \"x } }\n", "a rw { ctrlRO (b[1 == 2) }\n",
+        "a rw { default { 1\n", "a { (\n", "= ", "# a", "a # ", "\"", "}", "{", "a rw"}) {
+    std::string text;
+    for (size_t i = 0; i < COUNT; ++i) text += line;
+    EXPECT_LE(findingsOfReading(text).size(), 2 * COUNT) << line;
+  }
+}
+
+}  // namespace

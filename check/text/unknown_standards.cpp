@@ -1,0 +1,149 @@
+#include "check/text/unknown_standards.h"
+
+#include <algorithm>
+#include <cctype>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "check/text/fault_view.h"
+#include "check/text/nearest_word.h"
+#include "check/text/record_expressions.h"
+#include "deflang/expression/operators.h"
+#include "deflang/expression/vid_std_name.h"
+#include "sw/parm/parm_name.h"
+#include "vid_std.h"
+
+namespace {
+
+// The names that select what they say: a row behind another one that begins it is never selected.
+std::vector<std::string_view> namesOfTheCatalogue() {
+  std::vector<std::string_view> names;
+  for (const vidStd_t& standard : vidStds()) {
+    if (findVidStd(standard.name)->name == std::string_view(standard.name)) {
+      names.emplace_back(standard.name);
+    }
+  }
+  for (const vidFormat_t& format : vidFormats()) {
+    if (selectVid(format.name).format == &format) names.emplace_back(format.name);
+  }
+  return names;
+}
+
+// The letters and digits of a name in an order of their own: "720p50" has those of "720p/50".
+std::string signsOf(std::string_view name) {
+  std::string signs;
+  for (const char c : name) {
+    if (std::isalnum(static_cast<unsigned char>(c)) == 0) continue;
+    signs += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  }
+  std::ranges::sort(signs);
+  return signs;
+}
+
+std::string digitsOf(std::string_view name) {
+  std::string digits(name);
+  std::erase_if(digits, [](char c) { return c < '0' || c > '9'; });
+  return digits;
+}
+
+// The name that was most likely meant: of the same signs, or of the same digits, or one that is cut
+// short behind its "/".
+std::optional<std::string> nearestStandard(std::string_view text) {
+  const std::vector<std::string_view> names = namesOfTheCatalogue();
+  const std::string signs = signsOf(text);
+  const bool isCut = text.find('/') != std::string_view::npos;
+  for (const std::string_view name : names) {
+    if (signsOf(name) == signs || (isCut && name.starts_with(text))) return std::string(name);
+  }
+  NearestWord nearest(text);
+  for (const std::string_view name : names) {
+    if (digitsOf(name) == digitsOf(text)) nearest.offer(name);
+  }
+  if (!nearest.found()) return {};
+  return std::string(*nearest.found());
+}
+
+bool selectsNothing(std::string_view text) {
+  const vidSelection_t selected = selectVid(text);
+  return selected.standard == nullptr && selected.format == nullptr;
+}
+
+class StandardTexts {
+ public:
+  StandardTexts(const TextFacts& facts, Findings& findings) : facts_(facts), findings_(findings) {
+    for (const ParameterRecord* record : facts.records().inNameOrder()) {
+      forEachExpression(*record,
+                        [this](const Expression& expression) { noteSelectors(expression); });
+    }
+  }
+
+  void check() const {
+    if (selectors_.empty()) return;
+    for (const ParameterRecord* record : facts_.records().inNameOrder()) {
+      if (selectors_.contains(record->name)) checkValues(*record);
+      forEachExpression(*record,
+                        [this](const Expression& expression) { checkComparisons(expression); });
+    }
+  }
+
+ private:
+  void noteSelectors(const Expression& expression) {
+    for (const Token& token : expression.tokens) {
+      if (token.kind != TOKEN_VARIABLE) continue;
+      const auto name = splitVidStdName(token.text);
+      if (name) selectors_.insert(baseName(name->parameter));
+    }
+  }
+
+  void checkValues(const ParameterRecord& record) const {
+    const auto isTranslated = [&record](std::string_view text) {
+      return std::ranges::any_of(record.valueChange,
+                                 [text](const Translation& t) { return t.source == text; });
+    };
+    for (const RangeStatement& range : record.rangeValid) {
+      for (const RangeItem& item : range.items) {
+        if (item.text && !isTranslated(*item.text)) checkText(*item.text, item.at);
+      }
+    }
+    for (const DefaultStatement& value : record.defaults) {
+      if (value.text && !isTranslated(*value.text)) checkText(*value.text, value.at);
+    }
+  }
+
+  void checkComparisons(const Expression& expression) const {
+    for (size_t i = 1; i + 1 < expression.tokens.size(); ++i) {
+      const int32_t kind = expression.tokens[i].kind;
+      if (kind != OP_EQUAL && kind != OP_NOT_EQUAL) continue;
+      checkComparison(expression.tokens[i - 1], expression.tokens[i + 1]);
+      checkComparison(expression.tokens[i + 1], expression.tokens[i - 1]);
+    }
+  }
+
+  void checkComparison(const Token& name, const Token& text) const {
+    const bool isSelector = name.kind == TOKEN_VARIABLE && selectors_.contains(baseName(name.text));
+    if (isSelector && text.kind == TOKEN_STRING) checkText(text.text, text.at);
+  }
+
+  void checkText(std::string_view text, Position at) const {
+    if (!selectsNothing(text)) return;
+    const std::optional<std::string> near = nearestStandard(text);
+    if (!near) return;
+    const TextPlace place = facts_.tokenAt(at);
+    findings_.add({"unknown-standard",
+                   place,
+                   quoted(text) + " selects no video standard",
+                   {},
+                   Proposal{place, "\"" + *near + "\""}});
+  }
+
+  const TextFacts& facts_;
+  Findings& findings_;
+  std::set<std::string_view> selectors_;
+};
+
+}  // namespace
+
+void addUnknownStandards(const TextFacts& facts, Findings& findings) {
+  StandardTexts(facts, findings).check();
+}

@@ -1,8 +1,10 @@
 #include "check/checker.h"
 
 #include "check/allowances.h"
-#include "check/checked_text.h"
 #include "check/merged_findings.h"
+#include "check/proof/prove.h"
+#include "check/static/static_checks.h"
+#include "check/text/checked_text.h"
 
 namespace {
 
@@ -47,6 +49,9 @@ CheckReport checkText(const SourceText& source, const CheckOptions& options) {
     Findings findings;
     Findings questions;
     const Variant variant = buildVariant(source, text, std::move(constants), findings);
+    const CheckedText checked{source, text, options.constants, variant};
+    const ExplainedPlaces explained = checkStatics(checked, findings);
+    if (variant.isBuilt && options.proofs) prove(checked, explained, findings, questions);
     areAllBuilt = areAllBuilt && variant.isBuilt;
     found.addVariant(variant.isBuilt, findings);
     undecided.addVariant(variant.isBuilt, questions);

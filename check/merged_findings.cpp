@@ -4,8 +4,20 @@
 #include <cassert>
 #include <iterator>
 
-#include "check/finding_codes.h"
 #include "check/named_values.h"
+#include "check/text/finding_codes.h"
+
+namespace {
+
+// Whether a finding of `code` says that something never matters: what matters in one product is no
+// mistake in another one.
+bool isForAllVariants(std::string_view code) {
+  static constexpr std::string_view CODES[] = {"always-true", "dead-comparison", "never-true",
+                                               "unreachable"};
+  return std::find(std::begin(CODES), std::end(CODES), code) != std::end(CODES);
+}
+
+}  // namespace
 
 MergedFindings::MergedFindings(const ConstantChoices& choices)
     : choices_(choices), variants_(variantsOf(choices)) {}
@@ -30,6 +42,7 @@ Findings MergedFindings::merged() const {
   for (const auto& [key, entry] : entries_) {
     Finding finding = entry.finding;
     finding.variant = variantOf(entry);
+    if (!finding.variant.empty() && isForAllVariants(finding.code)) continue;
     findings.add(std::move(finding));
   }
   return findings;

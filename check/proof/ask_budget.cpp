@@ -1,0 +1,17 @@
+#include "check/proof/questions.h"
+#include "database/largest_change.h"
+#include "database/plan.h"
+
+void askBudget(Proof& proof) {
+  const LargestChange change = findLargestChange(proof.text().database());
+  if (change.parm == nullptr) return;
+  Work::begin();
+  const std::string passed = limitPassedBy(change.extent);
+  Work::begin(UINT64_MAX);
+  const Subject* const subject = proof.text().find(change.parm->parm.name());
+  if (passed.empty() || subject == nullptr) return;
+  const Position at = proof.text().checked().text.layout.nameOf(*subject->record);
+  proof.add({"over-budget",
+             {at.line, at.column, static_cast<uint32_t>(subject->name().size())},
+             "no commit takes a change of this parameter: " + passed});
+}

@@ -1,0 +1,92 @@
+#include "check/proof/questions.h"
+#include "check/static/expression_tree.h"
+#include "deflang/expression/operators.h"
+
+namespace {
+
+bool isLiteral(const ExpressionNode& node) {
+  return node.isOperand() && node.token->kind != TOKEN_VARIABLE;
+}
+
+// Asks the comparisons of a condition that are only a part of it.
+class Comparisons {
+ public:
+  Comparisons(Proof& proof, const Subject& subject, bool seesIndices)
+      : proof_(proof), subject_(subject), seesIndices_(seesIndices) {}
+
+  void ask(const Expression& condition) {
+    const std::optional<ExpressionTree> tree = ExpressionTree::make(condition);
+    if (!tree) return;
+    for (const ExpressionNode& node : tree->nodes()) {
+      const bool isWhole = &node == &tree->nodes().back();
+      if (isWhole || node.isOperand() || !comparesTexts(node.token->kind)) continue;
+      const ExpressionNode& left = tree->node(node.left);
+      const ExpressionNode& right = tree->node(node.right);
+      if (isLiteral(left) == isLiteral(right)) continue;
+      const CompiledExpression part =
+          proof_.text().compile({condition.tokens.subspan(node.first, node.last - node.first + 1)});
+      const TextPlace at = tree->place(proof_.text().checked().source, left, right);
+      if (!askPart(part, WANT_TRUE, at)) askPart(part, WANT_UNTRUE, at);
+    }
+  }
+
+ private:
+  // Tells that `part` is never as wanted, if so.
+  bool askPart(const CompiledExpression& part, WantedResult wanted, const TextPlace& at) {
+    if (!proof_.isImpossible({&subject_, {{{&part, wanted}}}, seesIndices_}, ANY_VARIANT)) {
+      return false;
+    }
+    proof_.add({"dead-comparison", at,
+                wanted == WANT_TRUE ? "this comparison is never true" + valuesOf(part)
+                                    : "this comparison is always true" + valuesOf(part)});
+    return true;
+  }
+
+  // What the name of a comparison may be, where that is short enough to say.
+  std::string valuesOf(const CompiledExpression& part) {
+    if (part.sources.size() != 1 || part.sources.front().figure != nullptr) return {};
+    const VariableSource& source = part.sources.front();
+    const Domain& values = proof_.domains().ofAnyVariant(source).values;
+    if (values.isAll() || values.spans().size() + values.texts().size() > MANY_VALUES) return {};
+    std::string text = ": " + std::string(source.name) + " is ";
+    const char* lead = "";
+    for (const auto& [low, high] : values.spans()) {
+      text += lead + std::to_string(low) + (low == high ? "" : ".." + std::to_string(high));
+      lead = ", ";
+    }
+    for (const std::string& value : values.texts()) {
+      if (value.empty()) continue;
+      text += lead + ('"' + value + '"');
+      lead = ", ";
+    }
+    return text;
+  }
+
+  static constexpr size_t MANY_VALUES = 6;
+
+  Proof& proof_;
+  const Subject& subject_;
+  bool seesIndices_;
+};
+
+}  // namespace
+
+void askComparisons(Proof& proof, const Explained& explained) {
+  const auto ask = [&](const Subject& subject, const std::vector<CompiledStatement>& statements,
+                       bool seesIndices) {
+    for (const CompiledStatement& statement : statements) {
+      if (!statement.condition || explained.dead.contains(&statement) ||
+          explained.places.explains(statement.condition->expression)) {
+        continue;
+      }
+      Comparisons(proof, subject, seesIndices).ask(statement.condition->expression);
+    }
+  };
+  for (const Subject& subject : proof.text().subjects()) {
+    ask(subject, subject.rangeValid, true);
+    ask(subject, subject.rangeDoc, true);
+    ask(subject, subject.ctrlRO, true);
+    ask(subject, subject.ctrlValid, false);
+    ask(subject, subject.defaults, true);
+  }
+}

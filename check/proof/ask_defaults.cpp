@@ -1,0 +1,43 @@
+#include "check/proof/questions.h"
+
+namespace {
+
+// The text of a default that is the same in all situations.
+std::optional<std::string> constantText(const CompiledItem& value) {
+  if (value.text) return value.text;
+  if (value.lower->program.usesVariables()) return std::nullopt;
+  const Value constant = value.lower->program.evaluate({});
+  return constant.valid() ? std::optional(constant.asText()) : std::nullopt;
+}
+
+void askDefault(Proof& proof, const Subject& subject, const CompiledStatement& statement) {
+  const CompiledItem& value = statement.items.front();
+  const std::optional<std::string> text = constantText(value);
+  if (!text) return;
+  Goal counts{&subject};
+  counts.dependsOnRanges = true;
+  if (statement.condition) counts.clauses.push_back({{&*statement.condition, WANT_TRUE}});
+  std::string instead;
+  const auto isKept = [&](const IndexTuple& indices) {
+    const std::optional<std::string> kept = valueKept(*subject.parm, indices, *text);
+    if (kept && *kept != *text) instead = *kept;
+    return kept == *text;
+  };
+  const HealthyResult result = findHealthy(counts, proof.text(), proof.domains(), isKept);
+  // Where it never counts, or the parameter is never there, another finding says so.
+  if (result.verdict != VERDICT_IMPOSSIBLE || instead.empty()) return;
+  proof.add({"default-outside",
+             {value.at.line, value.at.column, 0},
+             "no situation keeps this default: it becomes \"" + instead + '"'});
+}
+
+}  // namespace
+
+void askDefaults(Proof& proof, const Explained& explained) {
+  for (const Subject& subject : proof.text().subjects()) {
+    if (subject.parm == nullptr || subject.parm->parm.mode() == MODE_NEVER) continue;
+    for (const CompiledStatement& statement : subject.defaults) {
+      if (!explained.dead.contains(&statement)) askDefault(proof, subject, statement);
+    }
+  }
+}

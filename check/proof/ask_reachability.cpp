@@ -1,0 +1,141 @@
+#include "check/proof/questions.h"
+
+namespace {
+
+// The clauses that make a default or rangeDoc statement the one that is passed over.
+Clause passedOver(const CompiledStatement& statement) {
+  Clause clause;
+  if (statement.condition) clause.push_back({&*statement.condition, WANT_UNTRUE});
+  return clause;
+}
+
+Clause passedOverDefault(const CompiledStatement& statement) {
+  Clause clause = passedOver(statement);
+  const CompiledItem& value = statement.items.front();
+  if (value.lower && value.lower->program.usesVariables()) {
+    clause.push_back({&*value.lower, WANT_MISSING});
+  }
+  return clause;
+}
+
+// The statement that alone covers `statement`, or null.
+const CompiledStatement* coverOf(Proof& proof, const Goal& applies,
+                                 const std::vector<const CompiledStatement*>& earlier,
+                                 Clause (*pass)(const CompiledStatement&)) {
+  for (const CompiledStatement* other : earlier) {
+    Goal goal = applies;
+    goal.clauses.push_back(pass(*other));
+    if (proof.isImpossible(goal, ANY_VARIANT)) return other;
+  }
+  return nullptr;
+}
+
+void addUnreachable(Proof& proof, const CompiledStatement& statement,
+                    const CompiledStatement* cover, const char* text) {
+  Finding finding{"unreachable", placeOf(*statement.layout), text};
+  if (cover != nullptr) {
+    finding.related.push_back({placeOf(*cover->layout), "this statement decides first"});
+  }
+  proof.add(std::move(finding));
+}
+
+// Statements of which the first that applies counts: those with a condition in their order, then
+// the one without.
+void askFirstThatApplies(Proof& proof, const Subject& subject,
+                         const std::vector<CompiledStatement>& statements,
+                         Clause (*pass)(const CompiledStatement&), const char* text,
+                         Explained& explained) {
+  std::vector<const CompiledStatement*> ordered;
+  for (const bool conditional : {true, false}) {
+    for (const CompiledStatement& statement : statements) {
+      if (statement.condition.has_value() == conditional) ordered.push_back(&statement);
+    }
+  }
+  std::vector<const CompiledStatement*> earlier;
+  for (const CompiledStatement* statement : ordered) {
+    if (explained.dead.contains(statement)) continue;
+    Goal applies{&subject};
+    if (statement->condition) applies.clauses.push_back({{&*statement->condition, WANT_TRUE}});
+    Goal goal = applies;
+    for (const CompiledStatement* other : earlier) goal.clauses.push_back(pass(*other));
+    if (!earlier.empty() && !proof.isImpossible(applies, ANY_VARIANT) &&
+        proof.isImpossible(goal, ANY_VARIANT)) {
+      explained.dead.insert(statement);
+      addUnreachable(proof, *statement, coverOf(proof, applies, earlier, pass), text);
+    }
+    if (statement->condition) earlier.push_back(statement);
+  }
+}
+
+// The values of a statement whose items are all constant; nullopt for others.
+std::optional<Domain> constantValues(const CompiledStatement& statement) {
+  Domain domain;
+  for (const CompiledItem& item : statement.items) {
+    if (item.text) {
+      domain.addText(*item.text);
+      continue;
+    }
+    if (item.lower->program.usesVariables()) return std::nullopt;
+    const Value low = item.lower->program.evaluate({});
+    if (item.upper && item.upper->program.usesVariables()) return std::nullopt;
+    const Value high = item.upper ? item.upper->program.evaluate({}) : low;
+    if (low.isNumber() && high.isNumber() && low.number <= high.number) {
+      domain.addSpan(low.number, high.number);
+    } else if (low.valid()) {
+      domain.addText(low.text);
+    }
+  }
+  return domain;
+}
+
+bool isWithin(const Domain& inner, const Domain& outer) {
+  for (const auto& [low, high] : inner.spans()) {
+    const bool found = std::any_of(outer.spans().begin(), outer.spans().end(), [&](const Span& s) {
+      return s.first <= low && high <= s.second;
+    });
+    if (!found) return false;
+  }
+  return std::all_of(inner.texts().begin(), inner.texts().end(),
+                     [&](const std::string& text) { return outer.texts().contains(text); });
+}
+
+// All ranges that apply count together: one adds nothing where an earlier one with its values
+// always applies as well.
+void askRanges(Proof& proof, const Subject& subject, Explained& explained) {
+  std::vector<const CompiledStatement*> earlier;
+  for (const CompiledStatement& statement : subject.rangeValid) {
+    const std::optional<Domain> values = constantValues(statement);
+    if (!statement.condition || explained.dead.contains(&statement) || !values ||
+        statement.items.empty()) {
+      continue;
+    }
+    const Goal applies{&subject, {{{&*statement.condition, WANT_TRUE}}}};
+    for (const CompiledStatement* other : earlier) {
+      const std::optional<Domain> others = constantValues(*other);
+      Goal goal = applies;
+      goal.clauses.push_back(passedOver(*other));
+      if (!others || !isWithin(*values, *others) || proof.isImpossible(applies, ANY_VARIANT) ||
+          !proof.isImpossible(goal, ANY_VARIANT)) {
+        continue;
+      }
+      addUnreachable(proof, statement, other,
+                     "this range adds nothing: an earlier one with its values always counts too");
+      explained.dead.insert(&statement);
+      break;
+    }
+    earlier.push_back(&statement);
+  }
+}
+
+}  // namespace
+
+void askReachability(Proof& proof, Explained& explained) {
+  for (const Subject& subject : proof.text().subjects()) {
+    if (subject.parm == nullptr) continue;
+    askFirstThatApplies(proof, subject, subject.defaults, passedOverDefault,
+                        "this default is never used: an earlier one always counts", explained);
+    askFirstThatApplies(proof, subject, subject.rangeDoc, passedOver,
+                        "this range is never told: an earlier one always counts", explained);
+    askRanges(proof, subject, explained);
+  }
+}

@@ -1,0 +1,113 @@
+#include "check/proof/questions.h"
+#include "database/commit.h"
+#include "database/index_values.h"
+#include "database/transaction.h"
+#include "sw/parm/parm_name.h"
+
+namespace {
+
+constexpr uint64_t MANY_INSTANCES = 20'000;
+
+std::vector<std::string> instanceNames(const Subject& subject, Database& database) {
+  std::vector<std::string> names;
+  if (countInstances(subject.parm->parm) > MANY_INSTANCES) return names;
+  forEachInstance(database, subject.parm->parm, [&](const IndexTuple& indices) {
+    names.push_back(fullName(subject.name(), indices));
+  });
+  return names;
+}
+
+// What an instance holds, by name.
+using Held = std::map<std::string, std::string>;
+
+class Start {
+ public:
+  explicit Start(Proof& proof) : proof_(proof), database_(proof.text().database()) {}
+
+  void run() {
+    database_.forgetValues();
+    resetAll();
+    const Held started = held();
+    commitAgain(started);
+    const Held again = held();
+    for (const Subject& subject : proof_.text().subjects()) {
+      if (subject.parm != nullptr) tell(subject, started, again);
+    }
+    database_.forgetValues();
+  }
+
+ private:
+  void resetAll() {
+    for (const Subject& subject : proof_.text().subjects()) {
+      if (subject.parm == nullptr) continue;
+      names_[&subject] = instanceNames(subject, database_);
+    }
+    // Plain names first, each level after what it follows: so no value is judged too early.
+    std::map<std::pair<bool, uint32_t>, std::vector<std::string>> rounds;
+    for (const auto& [subject, names] : names_) {
+      auto& round = rounds[{!subject->parm->parm.indices().empty(), subject->parm->level}];
+      round.insert(round.end(), names.begin(), names.end());
+    }
+    for (const auto& [order, names] : rounds) {
+      Transaction transaction(database_);
+      for (const std::string& name : names) static_cast<void>(transaction.reset(name, true));
+      std::vector<Change> changes;
+      static_cast<void>(commit(transaction, changes));
+    }
+  }
+
+  // Sets everything to what it holds, in one commit of each level.
+  void commitAgain(const Held& values) {
+    std::map<uint32_t, std::vector<const Subject*>> levels;
+    for (const auto& [subject, names] : names_) levels[subject->parm->level].push_back(subject);
+    for (const auto& [level, subjects] : levels) {
+      Transaction transaction(database_);
+      for (const Subject* subject : subjects) {
+        for (const std::string& name : names_[subject]) {
+          const std::string& value = values.at(name);
+          if (!value.empty()) static_cast<void>(transaction.set(name, value, true));
+        }
+      }
+      std::vector<Change> changes;
+      static_cast<void>(commit(transaction, changes));
+    }
+  }
+
+  Held held() {
+    Held values;
+    const Transaction reader(database_);
+    for (const auto& [subject, names] : names_) {
+      for (const std::string& name : names) {
+        const std::string* const value = reader.find(name);
+        values[name] = value == nullptr ? std::string() : *value;
+      }
+    }
+    return values;
+  }
+
+  void tell(const Subject& subject, const Held& started, const Held& again) {
+    for (const std::string& name : names_[&subject]) {
+      const std::string& first = started.at(name);
+      const std::string& second = again.at(name);
+      if (first != second) {
+        proof_.add({"unsettled", placeOfName(subject),
+                    name + " does not come to rest: after the start it is \"" + first +
+                        "\", and \"" + second + "\" after the same values are set again"});
+        return;
+      }
+    }
+  }
+
+  TextPlace placeOfName(const Subject& subject) const {
+    const Position at = proof_.text().checked().text.layout.nameOf(*subject.record);
+    return {at.line, at.column, static_cast<uint32_t>(subject.name().size())};
+  }
+
+  Proof& proof_;
+  Database& database_;
+  std::map<const Subject*, std::vector<std::string>> names_;
+};
+
+}  // namespace
+
+void askStart(Proof& proof) { Start(proof).run(); }

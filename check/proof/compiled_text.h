@@ -1,0 +1,81 @@
+// Compiled text: the statements of every definition with their expressions ready for evaluation.
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "check/text/checked_text.h"
+#include "deflang/expression/program.h"
+
+/// An expression of the text, by the engine's compiler.
+struct CompiledExpression {
+  Expression expression = {};
+  Program program;
+  Variables variables;
+  std::vector<VariableSource> sources = {};  ///< by slot of `variables`
+};
+
+/// An item of a range, or the value of a default: a quoted text, or expressions.
+struct CompiledItem {
+  Position at;
+  std::optional<std::string> text;
+  std::optional<CompiledExpression> lower;
+  std::optional<CompiledExpression> upper;  ///< of a span
+};
+
+/// One statement of a definition.
+struct CompiledStatement {
+  const StatementLayout* layout = nullptr;
+  /// Null where there is none, or where it is `()`.
+  std::optional<CompiledExpression> condition = {};
+  std::vector<CompiledItem> items = {};  ///< of a range; of a default the one value
+};
+
+/// One name of the text.
+struct Subject {
+  const ParameterRecord* record = nullptr;
+  ParmEntry* parm = nullptr;    ///< null for an index
+  IndexEntry* index = nullptr;  ///< null for a parameter
+  std::vector<CompiledStatement> rangeValid = {};
+  std::vector<CompiledStatement> rangeDoc = {};
+  std::vector<CompiledStatement> ctrlRO = {};
+  std::vector<CompiledStatement> ctrlValid = {};
+  std::vector<CompiledStatement> defaults = {};
+
+  [[nodiscard]] const IndexDef& definition() const {
+    return parm != nullptr ? static_cast<const IndexDef&>(parm->parm) : *index->index;
+  }
+  [[nodiscard]] const std::string& name() const { return definition().name(); }
+};
+
+/// Every definition of one variant. The text and its variant have to outlive it.
+class CompiledText {
+ public:
+  explicit CompiledText(const CheckedText& checked);
+
+  [[nodiscard]] const CheckedText& checked() const { return checked_; }
+  [[nodiscard]] Database& database() const { return checked_.database(); }
+  /// In the order of the text.
+  [[nodiscard]] const std::deque<Subject>& subjects() const { return subjects_; }
+  /// The subject of a base name, or null.
+  [[nodiscard]] const Subject* find(std::string_view name) const;
+  /// Compiles an expression of the text, which the engine has accepted.
+  [[nodiscard]] CompiledExpression compile(const Expression& expression) const;
+
+ private:
+  using StatementsOf = std::function<std::vector<const StatementLayout*>(std::string_view keyword)>;
+
+  void addSubject(const ParameterRecord& record, const StatementsOf& statementsOf);
+  [[nodiscard]] CompiledItem compileItem(const RangeItem& item) const;
+  [[nodiscard]] CompiledStatement compileCondition(const Expression& condition,
+                                                   const StatementLayout* layout) const;
+
+  const CheckedText& checked_;
+  std::deque<Subject> subjects_;
+  std::unordered_map<std::string_view, const Subject*> byName_;
+};

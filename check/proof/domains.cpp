@@ -1,0 +1,203 @@
+#include "check/proof/domains.h"
+
+#include <algorithm>
+
+#include "base/number.h"
+#include "srcs/vid_std_figures.h"
+#include "sw/parm/parm_name.h"
+
+namespace {
+
+constexpr std::string_view OTHER_VALUE = "another value";
+
+// The base name of what a name of the text refers to.
+std::string_view baseOf(const VariableSource& source) { return baseName(source.name); }
+
+bool isAlwaysComputed(const CompiledStatement& statement) {
+  return !statement.condition &&
+         std::any_of(statement.items.begin(), statement.items.end(), [](const CompiledItem& item) {
+           return (item.lower && item.lower->program.usesVariables()) ||
+                  (item.upper && item.upper->program.usesVariables());
+         });
+}
+
+bool isNever(const CompiledStatement& statement, const auto& valueOf) {
+  return statement.condition && !evaluateAbstractly(*statement.condition, valueOf).mayBeTrue();
+}
+
+bool itemMayFail(const CompiledItem& item, const auto& valueOf) {
+  if (item.text) return false;
+  const AbstractValue lower = evaluateAbstractly(*item.lower, valueOf);
+  if (lower.mayBeMissing) return true;
+  if (!item.upper) return false;
+  const AbstractValue upper = evaluateAbstractly(*item.upper, valueOf);
+  return lower.mayBeText() || upper.mayBeText() || upper.mayBeMissing || lower.high > upper.low;
+}
+
+void addItem(const CompiledItem& item, const auto& valueOf, Domain& domain) {
+  if (item.text) {
+    domain.addText(*item.text);
+    return;
+  }
+  const AbstractValue lower = evaluateAbstractly(*item.lower, valueOf);
+  const AbstractValue upper = item.upper ? evaluateAbstractly(*item.upper, valueOf) : lower;
+  if (lower.mayBeNumber && upper.mayBeNumber && lower.low <= upper.high) {
+    domain.addSpan(lower.low, upper.high);
+  }
+  if (!lower.texts) {
+    domain.addAll();
+  } else {
+    for (const std::string& text : *lower.texts) domain.addText(text);
+  }
+}
+
+}  // namespace
+
+Domains::Domains(const CompiledText& text) : text_(text) {}
+
+const NameDomain& Domains::of(const VariableSource& source) {
+  const auto known = domains_.find(baseOf(source));
+  if (known != domains_.end()) return known->second;
+  const std::string name(baseOf(source));
+  NameDomain domain;
+  if (source.parm != nullptr) {
+    // Two parameters may refer to each other; then either may be anything for the other one.
+    const bool isOpen = !open_.insert(name).second;
+    const Subject* const subject = text_.find(name);
+    if (isOpen || subject == nullptr) {
+      static const NameDomain anything{Domain::all(), false};
+      return anything;
+    }
+    domain.values = parmDomain(*subject, ownValueOf());
+    domain.values.addText("");
+    open_.erase(name);
+  } else if (source.constant != nullptr) {
+    domain.values = Domain::of(source.constant->text());
+  } else if (IndexEntry* const index = text_.database().findIndexEntry(name); index != nullptr) {
+    domain = indexDomain(*index);
+  } else {
+    domain.mayBeUndefined = true;
+  }
+  return domains_.emplace(name, std::move(domain)).first->second;
+}
+
+const NameDomain& Domains::ofAnyVariant(const VariableSource& source) {
+  if (source.constant == nullptr) return of(source);
+  if (variants_.empty()) noteComparedConstants();
+  const auto found = variants_.find(source.name);
+  return found != variants_.end() ? found->second : of(source);
+}
+
+// A constant's values are those of the command line and those of the literals beside it.
+void Domains::noteComparedConstants() {
+  // A product that nobody has thought of has a value that is none of them.
+  for (const auto& [name, values] : text_.checked().choices) {
+    variants_[name].values.addText(OTHER_VALUE);
+    for (const std::string& value : values) variants_[name].values.addText(value);
+  }
+  const auto note = [&](const CompiledExpression& expression) {
+    const auto& tokens = expression.expression.tokens;
+    for (size_t i = 0; i + 2 < tokens.size(); ++i) {
+      for (const auto& [name, literal] : {std::pair(i, i + 2), std::pair(i + 2, i)}) {
+        if (tokens[name].kind != TOKEN_VARIABLE) continue;
+        const auto found = variants_.find(tokens[name].text);
+        if (found == variants_.end()) continue;
+        if (tokens[literal].kind == TOKEN_NUMBER) {
+          found->second.values.addSpan(tokens[literal].number, tokens[literal].number);
+        } else if (tokens[literal].kind == TOKEN_STRING) {
+          found->second.values.addText(tokens[literal].text);
+        }
+      }
+    }
+  };
+  for (const Subject& subject : text_.subjects()) {
+    for (const auto* statements : {&subject.rangeValid, &subject.rangeDoc, &subject.ctrlRO,
+                                   &subject.ctrlValid, &subject.defaults}) {
+      for (const CompiledStatement& statement : *statements) {
+        if (statement.condition) note(*statement.condition);
+        for (const CompiledItem& item : statement.items) {
+          if (item.lower) note(*item.lower);
+          if (item.upper) note(*item.upper);
+        }
+      }
+    }
+  }
+}
+
+AbstractValue Domains::abstractOf(const VariableSource& source) {
+  return abstractOf(source, of(source));
+}
+
+AbstractValue Domains::abstractOf(const VariableSource& source, const NameDomain& domain) {
+  AbstractValue value;
+  if (source.figure == nullptr) {
+    value = ::abstractOf(domain.values);
+  } else if (domain.values.isAll()) {
+    value = ::abstractOf(Domain::all());
+    value.texts.emplace();
+    value.mayBeMissing = true;
+  } else {
+    value.mayBeMissing = !domain.values.spans().empty();
+    for (const std::string& text : domain.values.texts()) {
+      const std::optional<uint32_t> number = vidStdFigure(text, *source.figure);
+      value.mayBeMissing = value.mayBeMissing || !number;
+      if (number) value.addNumbers(static_cast<int32_t>(*number), static_cast<int32_t>(*number));
+    }
+  }
+  value.mayBeMissing = value.mayBeMissing || domain.mayBeUndefined;
+  return value;
+}
+
+// A value is what the base bounds or conditional bounds have corrected it to. Where none of these
+// has entries, or none applies, it is whatever was set; an always computed range that always has
+// its values leaves no such situation.
+Domain Domains::parmDomain(const Subject& subject, const ValueOf& valueOf) {
+  Domain domain;
+  if (subject.parm->parm.mode() == MODE_NEVER) return domain;
+  bool isComputed = false;
+  bool mayBeUnusable = false;
+  for (const CompiledStatement& statement : subject.rangeValid) {
+    if (isNever(statement, valueOf)) continue;
+    isComputed = isComputed || isAlwaysComputed(statement);
+    for (const CompiledItem& item : statement.items) {
+      if (!statement.condition) mayBeUnusable = mayBeUnusable || itemMayFail(item, valueOf);
+      addItem(item, valueOf, domain);
+    }
+    if (statement.items.empty()) domain.addAll();
+  }
+  if (!isComputed || mayBeUnusable) domain.add(subject.definition().baseBounds());
+  return domain;
+}
+
+bool Domains::mayFail(const CompiledItem& item) { return itemMayFail(item, ownValueOf()); }
+
+std::map<std::string, NameDomain, std::less<>> Domains::leastOf(
+    const std::map<std::string, Domain, std::less<>>& start) {
+  constexpr int MANY_ROUNDS = 30;
+  std::map<std::string, NameDomain, std::less<>> least;
+  for (const auto& [name, domain] : start) least[name] = {domain, false};
+  const ValueOf valueOf = [&](const VariableSource& source) {
+    const auto found = least.find(baseOf(source));
+    return found == least.end() ? abstractOf(source) : abstractOf(source, found->second);
+  };
+  bool grows = true;
+  for (int round = 0; grows; ++round) {
+    grows = false;
+    for (auto& [name, domain] : least) {
+      const AbstractValue before = ::abstractOf(domain.values);
+      domain.values.add(parmDomain(*text_.find(name), valueOf));
+      // What does not come to an end by itself may be anything.
+      if (round > MANY_ROUNDS) domain.values.addAll();
+      grows = grows || ::abstractOf(domain.values) != before;
+    }
+  }
+  return least;
+}
+
+NameDomain Domains::indexDomain(const IndexEntry& index) const {
+  NameDomain domain;
+  domain.mayBeUndefined = true;
+  domain.values.add(index.index->baseBounds());
+  for (const auto& [source, target] : index.index->translations()) domain.values.addText(source);
+  return domain;
+}

@@ -1,0 +1,54 @@
+// The domains of a text: what each of its names may have as a value, in any situation.
+#pragma once
+
+#include <map>
+#include <set>
+
+#include "check/proof/abstract_value.h"
+#include "check/proof/compiled_text.h"
+#include "check/proof/domain.h"
+
+/// What a name may be in any situation, old values included: a superset.
+struct NameDomain {
+  Domain values;  ///< with the empty text where it may be unset
+  bool mayBeUndefined = false;
+};
+
+/// Works each domain out once. The text has to outlive it.
+class Domains {
+ public:
+  explicit Domains(const CompiledText& text);
+
+  /// The domain of the parameter, constant or index that `source` names, without its figure. The
+  /// reference is valid as long as this object.
+  const NameDomain& of(const VariableSource& source);
+  /// As of(), but a command-line constant may have every value that is given for it, and every one
+  /// that the text compares it with.
+  const NameDomain& ofAnyVariant(const VariableSource& source);
+  /// What the figure or value of `source` may be as an operand.
+  AbstractValue abstractOf(const VariableSource& source);
+  /// As the other one, where the name has a value of `domain`.
+  static AbstractValue abstractOf(const VariableSource& source, const NameDomain& domain);
+  /// What parameters that refer to each other may come to hold, from the values of `start` on: the
+  /// least domains in which every range, worked out from these, lies again. Other names may be
+  /// anything of their domain. By base name, as `start` is.
+  std::map<std::string, NameDomain, std::less<>> leastOf(
+      const std::map<std::string, Domain, std::less<>>& start);
+  /// Whether the item of a range may have no value, or a span its ends the wrong way round.
+  bool mayFail(const CompiledItem& item);
+
+ private:
+  using ValueOf = std::function<AbstractValue(const VariableSource&)>;
+
+  [[nodiscard]] ValueOf ownValueOf() {
+    return [this](const VariableSource& source) { return abstractOf(source); };
+  }
+  static Domain parmDomain(const Subject& subject, const ValueOf& valueOf);
+  NameDomain indexDomain(const IndexEntry& index) const;
+  void noteComparedConstants();
+
+  const CompiledText& text_;
+  std::map<std::string, NameDomain, std::less<>> domains_;
+  std::map<std::string, NameDomain, std::less<>> variants_;
+  std::set<std::string, std::less<>> open_;  // those that are being worked out
+};

@@ -1,0 +1,33 @@
+// Whether a goal can be met by a device in good health: everything that matters for it has been
+// set, exists, and holds a value that its own definition keeps there.
+#pragma once
+
+#include "check/proof/anywhere.h"
+
+/// What findHealthy() finds out.
+struct HealthyResult {
+  Verdict verdict = VERDICT_UNDECIDED;
+  /// Of VERDICT_POSSIBLE: the values of what the goal depends on, in the order in which they can be
+  /// set one after the other. The engine has been in this situation.
+  NamedValues witness = {};
+  IndexTuple indices = {};  ///< of VERDICT_POSSIBLE: the instance of the goal's parameter
+};
+
+/// How many values are set before a goal is left undecided.
+constexpr size_t MAX_SET_VALUES = 3000;
+
+/// Looks for a healthy situation that meets `goal`, by setting values on the engine, each after
+/// what it follows. `isMet` may ask more of the situation than the goal does: it is called where
+/// the goal holds, with the values set. An IMPOSSIBLE is proved: every value that a definition can
+/// tell from the others was tried. All values of the database are unset before and afterwards.
+HealthyResult findHealthy(const Goal& goal, const CompiledText& text, Domains& domains,
+                          const std::function<bool(const IndexTuple& indices)>& isMet = {});
+
+/// What setting `value` now would leave in an instance; nullopt where it would be refused. Changes
+/// nothing.
+std::optional<std::string> valueKept(ParmEntry& parm, const IndexTuple& indices,
+                                     const std::string& value);
+
+/// Sets the values of a witness on the engine as a client would, one commit for each, after a start
+/// from the defaults. Returns whether every value is kept and stays. The values stay set.
+bool replay(const NamedValues& witness, Database& database);

@@ -1,0 +1,34 @@
+#include "check/proof/proof.h"
+
+bool Proof::addIfHealthy(const Goal& goal, Finding finding) {
+  if (isImpossible(goal)) return false;
+  HealthyResult result = findHealthy(goal, text_, domains_);
+  if (result.verdict == VERDICT_IMPOSSIBLE) return false;
+  if (result.verdict == VERDICT_UNDECIDED) {
+    addUndecided(std::move(finding));
+    return false;
+  }
+  finding.witness = std::move(result.witness);
+  add(std::move(finding));
+  return true;
+}
+
+TextPlace placeOf(const Token& token) {
+  const auto length = static_cast<uint32_t>(token.text.empty() ? 0 : token.text.size());
+  return {token.at.line, token.at.column, length};
+}
+
+TextPlace placeOf(const Expression& expression) {
+  const Token& first = expression.tokens.front();
+  uint32_t end = first.at.column;
+  for (const Token& token : expression.tokens) {
+    if (token.at.line != first.at.line) break;
+    end = token.at.column + std::max(placeOf(token).length, 1U);
+  }
+  return {first.at.line, first.at.column, end - first.at.column};
+}
+
+TextPlace placeOf(const StatementLayout& statement) {
+  return {statement.extent.from.line, statement.extent.from.column,
+          static_cast<uint32_t>(statement.keyword.size())};
+}

@@ -1,0 +1,19 @@
+#include "check/proof/prove.h"
+
+#include "check/proof/questions.h"
+
+void prove(const CheckedText& checked, const ExplainedPlaces& explainedPlaces, Findings& findings,
+           Findings& undecided) {
+  Proof proof(checked, findings, undecided);
+  Explained explained(explainedPlaces);
+  askConditions(proof, explained);
+  askReachability(proof, explained);
+  askComparisons(proof, explained);
+  askValues(proof, explained);
+  askCoverage(proof, explained);
+  askDefaults(proof, explained);
+  askIndices(proof);
+  askOverflow(proof);
+  askStart(proof);
+  askBudget(proof);
+}

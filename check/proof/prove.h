@@ -1,0 +1,11 @@
+// Proofs: what holds of a text in all situations.
+#pragma once
+
+#include "check/static/explained_places.h"
+#include "check/text/checked_text.h"
+
+/// Asks all questions about a text that the engine has built, but of expressions that `explained`
+/// says enough of. What is found goes to `findings`, and what could be neither shown nor ruled out
+/// to `undecided`. The values of the database are unset afterwards.
+void prove(const CheckedText& checked, const ExplainedPlaces& explained, Findings& findings,
+           Findings& undecided);

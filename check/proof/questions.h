@@ -1,0 +1,38 @@
+// The questions: each function asks one kind about a whole text, and adds its findings.
+#pragma once
+
+#include <set>
+
+#include "check/proof/proof.h"
+
+/// An index of more values is not looked at: to ask each of them in each situation takes too long.
+constexpr size_t MAX_INDEX_VALUES = 1000;
+
+/// What one finding has said of a definition, so that no other says what follows from it.
+struct Explained {
+  explicit Explained(const ExplainedPlaces& explainedPlaces) : places(explainedPlaces) {}
+
+  const ExplainedPlaces& places;
+  std::set<const CompiledStatement*> dead = {};  ///< statements that never count
+};
+
+/// never-true and always-true: conditions.
+void askConditions(Proof& proof, Explained& explained);
+/// unreachable: defaults and ranges that an earlier statement always covers.
+void askReachability(Proof& proof, Explained& explained);
+/// dead-comparison: parts of a condition that are the same in all situations.
+void askComparisons(Proof& proof, const Explained& explained);
+/// empty-range and no-value: values that do not exist in some situation.
+void askValues(Proof& proof, const Explained& explained);
+/// uncovered: situations in which no statement of a kind applies.
+void askCoverage(Proof& proof, const Explained& explained);
+/// default-outside: defaults that no situation keeps.
+void askDefaults(Proof& proof, const Explained& explained);
+/// narrowed-away: situations in which instances are out of reach.
+void askIndices(Proof& proof);
+/// overflow: sums and products that pass 32 bits.
+void askOverflow(Proof& proof);
+/// default-outside and unsettled: what a start and a second commit do.
+void askStart(Proof& proof);
+/// over-budget: changes that no commit takes.
+void askBudget(Proof& proof);

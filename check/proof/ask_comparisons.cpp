@@ -48,18 +48,19 @@ class Comparisons {
     const VariableSource& source = part.sources.front();
     const Domain& values = proof_.domains().ofAnyVariant(source).values;
     if (values.isAll() || values.spans().size() + values.texts().size() > MANY_VALUES) return {};
-    std::string text = ": " + std::string(source.name) + " is ";
-    const char* lead = "";
+    std::vector<std::string> parts;
     for (const auto& [low, high] : values.spans()) {
-      text += lead + std::to_string(low) + (low == high ? "" : ".." + std::to_string(high));
-      lead = ", ";
+      parts.push_back(std::to_string(low) + (low == high ? "" : ".." + std::to_string(high)));
     }
     for (const std::string& value : values.texts()) {
-      if (value.empty()) continue;
-      text += lead + ('"' + value + '"');
-      lead = ", ";
+      if (!value.empty()) parts.push_back('"' + value + '"');
     }
-    return text;
+    std::string text = ": " + std::string(source.name) + " is ";
+    for (size_t i = 0; i < parts.size(); ++i) {
+      const char* const lead = i == 0 ? "" : i + 1 < parts.size() ? ", " : " or ";
+      text += lead + parts[i];
+    }
+    return parts.empty() ? std::string() : text;
   }
 
   static constexpr size_t MANY_VALUES = 6;

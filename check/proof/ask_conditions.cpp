@@ -30,7 +30,7 @@ void askCondition(Proof& proof, const Subject& subject, const ConditionKind& kin
                   const CompiledStatement& statement, Explained& explained) {
   const CompiledExpression& condition = *statement.condition;
   if (condition.sources.empty()) return;  // the builder tells of constants
-  if (explained.places.explains(condition.expression)) return;
+  if (explained.explains(statement)) return;
   const TextPlace at = placeOf(condition.expression);
   const Goal isTrue{&subject, {{{&condition, WANT_TRUE}}}, kind.seesIndices};
   if (proof.isImpossible(isTrue, ANY_VARIANT)) {

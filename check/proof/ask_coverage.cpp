@@ -49,9 +49,10 @@ void askOfDefaults(Proof& proof, const Subject& subject) {
 
 }  // namespace
 
-void askCoverage(Proof& proof, const Explained& /*explained*/) {
+void askCoverage(Proof& proof, const Explained& explained) {
   for (const Subject& subject : proof.text().subjects()) {
-    const bool isReported = askRanges(proof, subject);
-    if (!isReported && subject.parm != nullptr) askOfDefaults(proof, subject);
+    const bool isReported = explained.explains(subject.rangeValid) || askRanges(proof, subject);
+    if (!isReported && !explained.explains(subject.defaults) && subject.parm != nullptr)
+      askOfDefaults(proof, subject);
   }
 }

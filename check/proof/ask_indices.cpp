@@ -26,6 +26,8 @@ void askIndex(Proof& proof, const Subject& subject) {
   const bool followsParameters =
       std::any_of(index.sources.begin(), index.sources.end(),
                   [](const VariableSource& source) { return source.parm != nullptr; });
+  // Without a range that always counts no commit takes instances in by itself.
+  if (indexValues(index).empty()) return;
   if (!followsParameters || !index.isShared || index.dependents.empty() ||
       indexValues(index).size() > MAX_INDEX_VALUES) {
     return;

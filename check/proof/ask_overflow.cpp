@@ -45,8 +45,10 @@ void askExpression(Proof& proof, const Goal& counts, const Expression& expressio
 }
 
 void askStatements(Proof& proof, const Subject& subject,
-                   const std::vector<CompiledStatement>& statements, bool seesIndices) {
+                   const std::vector<CompiledStatement>& statements, bool seesIndices,
+                   const Explained& explained) {
   for (const CompiledStatement& statement : statements) {
+    if (explained.explains(statement) || explained.dead.contains(&statement)) continue;
     const Goal always{&subject, {}, seesIndices};
     Goal counts = always;
     if (statement.condition) {
@@ -62,12 +64,12 @@ void askStatements(Proof& proof, const Subject& subject,
 
 }  // namespace
 
-void askOverflow(Proof& proof) {
+void askOverflow(Proof& proof, const Explained& explained) {
   for (const Subject& subject : proof.text().subjects()) {
-    askStatements(proof, subject, subject.rangeValid, true);
-    askStatements(proof, subject, subject.rangeDoc, true);
-    askStatements(proof, subject, subject.ctrlRO, true);
-    askStatements(proof, subject, subject.ctrlValid, false);
-    askStatements(proof, subject, subject.defaults, true);
+    askStatements(proof, subject, subject.rangeValid, true, explained);
+    askStatements(proof, subject, subject.rangeDoc, true, explained);
+    askStatements(proof, subject, subject.ctrlRO, true, explained);
+    askStatements(proof, subject, subject.ctrlValid, false, explained);
+    askStatements(proof, subject, subject.defaults, true, explained);
   }
 }

@@ -132,6 +132,11 @@ void askRanges(Proof& proof, const Subject& subject, Explained& explained) {
 void askReachability(Proof& proof, Explained& explained) {
   for (const Subject& subject : proof.text().subjects()) {
     if (subject.parm == nullptr) continue;
+    for (const auto* statements : {&subject.defaults, &subject.rangeDoc, &subject.rangeValid}) {
+      for (const CompiledStatement& statement : *statements) {
+        if (explained.explains(statement)) explained.dead.insert(&statement);
+      }
+    }
     askFirstThatApplies(proof, subject, subject.defaults, passedOverDefault,
                         "this default is never used: an earlier one always counts", explained);
     askFirstThatApplies(proof, subject, subject.rangeDoc, passedOver,

@@ -6,6 +6,7 @@
 
 namespace {
 
+constexpr size_t MANY_RELATED = 8;
 constexpr uint64_t MANY_INSTANCES = 20'000;
 
 std::vector<std::string> instanceNames(const Subject& subject, Database& database) {
@@ -30,9 +31,7 @@ class Start {
     const Held started = held();
     commitAgain(started);
     const Held again = held();
-    for (const Subject& subject : proof_.text().subjects()) {
-      if (subject.parm != nullptr) tell(subject, started, again);
-    }
+    tell(started, again);
     database_.forgetValues();
   }
 
@@ -85,17 +84,32 @@ class Start {
     return values;
   }
 
-  void tell(const Subject& subject, const Held& started, const Held& again) {
-    for (const std::string& name : names_[&subject]) {
-      const std::string& first = started.at(name);
-      const std::string& second = again.at(name);
-      if (first != second) {
-        proof_.add({"unsettled", placeOfName(subject),
-                    name + " does not come to rest: after the start it is \"" + first +
-                        "\", and \"" + second + "\" after the same values are set again"});
-        return;
+  // Tells the first one that does not rest, and beside it the others: they mostly move one another.
+  void tell(const Held& started, const Held& again) {
+    std::optional<Finding> finding;
+    for (const Subject& subject : proof_.text().subjects()) {
+      const std::string* const name = firstMoved(subject, started, again);
+      if (name == nullptr) continue;
+      const std::string moved = *name + (finding ? " goes on as well" : " does not come to rest") +
+                                ": after the start it is \"" + started.at(*name) + "\", and \"" +
+                                again.at(*name) + "\" after the same values are set again";
+      if (!finding) {
+        finding = Finding{"unsettled", placeOfName(subject), moved};
+      } else if (finding->related.size() < MANY_RELATED) {
+        finding->related.push_back({placeOfName(subject), moved});
       }
     }
+    if (finding) proof_.add(*std::move(finding));
+  }
+
+  // The first instance that the second round has moved, or null.
+  const std::string* firstMoved(const Subject& subject, const Held& started, const Held& again) {
+    if (subject.parm == nullptr) return nullptr;
+    const std::vector<std::string>& names = names_[&subject];
+    const auto moved = std::find_if(names.begin(), names.end(), [&](const std::string& name) {
+      return started.at(name) != again.at(name);
+    });
+    return moved == names.end() ? nullptr : &*moved;
   }
 
   TextPlace placeOfName(const Subject& subject) const {

@@ -1,4 +1,9 @@
+#include <algorithm>
+
 #include "check/proof/questions.h"
+#include "deflang/expression/vid_std_name.h"
+#include "srcs/vid_std_figures.h"
+#include "sw/parm/parm_name.h"
 
 namespace {
 
@@ -12,36 +17,74 @@ Goal countsIn(const Subject& subject, const CompiledStatement& statement) {
   return goal;
 }
 
-TextPlace placeOfItem(const CompiledItem& item) {
-  return item.lower && !item.lower->expression.empty() ? placeOf(item.lower->expression)
-                                                       : TextPlace{item.at.line, item.at.column, 0};
+bool usesVariables(const std::optional<CompiledExpression>& expression) {
+  return expression && expression->program.usesVariables();
 }
 
-void ask(Proof& proof, Goal goal, Clause clause, const CompiledItem& item, std::string_view code,
-         const char* text) {
+// The end of a span that is computed, the lower one of two.
+const CompiledExpression& computedEnd(const CompiledItem& item) {
+  return usesVariables(item.lower) || !item.upper ? *item.lower : *item.upper;
+}
+
+// A figure that is undefined in the situation of `witness`, and why.
+std::optional<Finding> undefinedFigure(const CompiledExpression& expression,
+                                       const NamedValues& witness) {
+  for (const VariableSource& source : expression.sources) {
+    if (source.figure == nullptr) continue;
+    const auto held = std::find_if(witness.begin(), witness.end(), [&](const auto& pair) {
+      return baseName(pair.first) == baseName(source.name);
+    });
+    if (held == witness.end() || vidStdFigure(held->second, *source.figure)) continue;
+    const auto token =
+        std::find_if(expression.expression.tokens.begin(), expression.expression.tokens.end(),
+                     [&](const Token& one) {
+                       return one.kind == TOKEN_VARIABLE && referencedName(one.text) == source.name;
+                     });
+    return Finding{"undefined-figure", placeOf(*token),
+                   std::string(source.name) + " can be \"" + held->second +
+                       "\", which has no figure " + std::string(source.figure->name)};
+  }
+  return std::nullopt;
+}
+
+// Asks whether `wish` can come true; what misses a figure is told as that.
+void ask(Proof& proof, Goal goal, Clause clause, const CompiledExpression& place,
+         std::string_view code, const char* text) {
   goal.clauses.push_back(std::move(clause));
-  proof.addIfHealthy(goal, {code, placeOfItem(item), text});
+  if (proof.isImpossible(goal)) return;
+  const HealthyResult result = findHealthy(goal, proof.text(), proof.domains());
+  if (result.verdict == VERDICT_IMPOSSIBLE) return;
+  Finding finding{code, placeOf(place.expression), text};
+  if (result.verdict == VERDICT_UNDECIDED) {
+    proof.addUndecided(std::move(finding));
+    return;
+  }
+  if (std::optional<Finding> figure = undefinedFigure(place, result.witness)) {
+    finding = *std::move(figure);
+    if (proof.isTold("unknown-standard", result.witness)) return;
+  }
+  finding.witness = result.witness;
+  proof.add(std::move(finding));
 }
 
 void askItem(Proof& proof, const Goal& counts, const CompiledItem& item) {
   if (item.text || !proof.domains().mayFail(item)) return;
-  Clause missing = {{&*item.lower, WANT_MISSING}};
-  if (item.upper) {
-    missing.push_back({&*item.upper, WANT_MISSING});
-    missing.push_back({&*item.lower, WANT_TEXT});
-    missing.push_back({&*item.upper, WANT_TEXT});
+  for (const auto* end : {&item.lower, &item.upper}) {
+    if (!usesVariables(*end)) continue;
+    Clause missing = {{&**end, WANT_MISSING}};
+    if (item.upper) missing.push_back({&**end, WANT_TEXT});
+    ask(proof, counts, std::move(missing), **end, "no-value",
+        "this can be without a value, and the range then takes every value");
   }
-  ask(proof, counts, std::move(missing), item, "no-value",
-      "this range can be without a value, and then takes every value");
   if (!item.upper) return;
-  ask(proof, counts, {{&*item.lower, WANT_ABOVE, &*item.upper}}, item, "empty-range",
+  ask(proof, counts, {{&*item.lower, WANT_ABOVE, &*item.upper}}, computedEnd(item), "empty-range",
       "the lower end can be above the upper end; the range then takes every value");
 }
 
 void askRanges(Proof& proof, const Subject& subject, const std::vector<CompiledStatement>& ranges,
                const Explained& explained) {
   for (const CompiledStatement& statement : ranges) {
-    if (explained.dead.contains(&statement)) continue;
+    if (explained.dead.contains(&statement) || explained.explains(statement)) continue;
     const Goal counts = countsIn(subject, statement);
     if (statement.items.empty()) {
       proof.addIfHealthy(counts, {"empty-range", placeOf(*statement.layout),
@@ -54,8 +97,8 @@ void askRanges(Proof& proof, const Subject& subject, const std::vector<CompiledS
 void askDefault(Proof& proof, const Subject& subject, const CompiledStatement& statement) {
   const CompiledItem& value = statement.items.front();
   if (!value.lower || !value.lower->program.usesVariables()) return;
-  ask(proof, countsIn(subject, statement), {{&*value.lower, WANT_MISSING}}, value, "no-value",
-      "this default can be without a value, and the next one counts then");
+  ask(proof, countsIn(subject, statement), {{&*value.lower, WANT_MISSING}}, *value.lower,
+      "no-value", "this default can be without a value, and the next one counts then");
 }
 
 }  // namespace
@@ -66,7 +109,8 @@ void askValues(Proof& proof, const Explained& explained) {
     askRanges(proof, subject, subject.rangeDoc, explained);
     if (subject.parm == nullptr) continue;
     for (const CompiledStatement& statement : subject.defaults) {
-      if (!explained.dead.contains(&statement)) askDefault(proof, subject, statement);
+      if (!explained.dead.contains(&statement) && !explained.explains(statement))
+        askDefault(proof, subject, statement);
     }
   }
 }

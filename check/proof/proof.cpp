@@ -1,5 +1,7 @@
 #include "check/proof/proof.h"
 
+#include <algorithm>
+
 bool Proof::addIfHealthy(const Goal& goal, Finding finding) {
   if (isImpossible(goal)) return false;
   HealthyResult result = findHealthy(goal, text_, domains_);
@@ -11,6 +13,15 @@ bool Proof::addIfHealthy(const Goal& goal, Finding finding) {
   finding.witness = std::move(result.witness);
   add(std::move(finding));
   return true;
+}
+
+bool Proof::isTold(std::string_view code, const NamedValues& witness) const {
+  return std::any_of(findings_.all().begin(), findings_.all().end(), [&](const Finding& finding) {
+    return finding.code == code &&
+           std::any_of(witness.begin(), witness.end(), [&](const auto& pair) {
+             return finding.text.find('"' + pair.second + '"') != std::string::npos;
+           });
+  });
 }
 
 TextPlace placeOf(const Token& token) {

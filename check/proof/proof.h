@@ -16,6 +16,8 @@ class Proof {
 
   void add(Finding finding) { findings_.add(std::move(finding)); }
   void addUndecided(Finding finding) { undecided_.add(std::move(finding)); }
+  /// Whether a finding of `code` names one of the values of `witness` already.
+  [[nodiscard]] bool isTold(std::string_view code, const NamedValues& witness) const;
   /// Whether the goal is proved to be out of reach, whatever the values are.
   bool isImpossible(const Goal& goal, ConstantScope scope = THIS_VARIANT) {
     return decideAnywhere(goal, domains_, scope).verdict == VERDICT_IMPOSSIBLE;

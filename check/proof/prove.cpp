@@ -13,7 +13,7 @@ void prove(const CheckedText& checked, const ExplainedPlaces& explainedPlaces, F
   askCoverage(proof, explained);
   askDefaults(proof, explained);
   askIndices(proof);
-  askOverflow(proof);
+  askOverflow(proof, explained);
   askStart(proof);
   askBudget(proof);
 }

@@ -1,6 +1,7 @@
 // The questions: each function asks one kind about a whole text, and adds its findings.
 #pragma once
 
+#include <algorithm>
 #include <set>
 
 #include "check/proof/proof.h"
@@ -11,6 +12,19 @@ constexpr size_t MAX_INDEX_VALUES = 1000;
 /// What one finding has said of a definition, so that no other says what follows from it.
 struct Explained {
   explicit Explained(const ExplainedPlaces& explainedPlaces) : places(explainedPlaces) {}
+
+  /// Whether a static finding says enough of a part of `statement`.
+  [[nodiscard]] bool explains(const CompiledStatement& statement) const {
+    return (statement.condition && places.explains(statement.condition->expression)) ||
+           std::any_of(statement.items.begin(), statement.items.end(), [&](const auto& item) {
+             return (item.lower && places.explains(item.lower->expression)) ||
+                    (item.upper && places.explains(item.upper->expression));
+           });
+  }
+  [[nodiscard]] bool explains(const std::vector<CompiledStatement>& statements) const {
+    return std::any_of(statements.begin(), statements.end(),
+                       [&](const CompiledStatement& statement) { return explains(statement); });
+  }
 
   const ExplainedPlaces& places;
   std::set<const CompiledStatement*> dead = {};  ///< statements that never count
@@ -31,7 +45,7 @@ void askDefaults(Proof& proof, const Explained& explained);
 /// narrowed-away: situations in which instances are out of reach.
 void askIndices(Proof& proof);
 /// overflow: sums and products that pass 32 bits.
-void askOverflow(Proof& proof);
+void askOverflow(Proof& proof, const Explained& explained);
 /// default-outside and unsettled: what a start and a second commit do.
 void askStart(Proof& proof);
 /// over-budget: changes that no commit takes.

@@ -96,11 +96,11 @@ a number is compared with a text. Mostly a word is misspelt, or the range has
 changed and the condition has not.
 
 Wrong:
-    mode rw { rangeValid { "film", "video" } default { "film" } }
-    gain rw { rangeValid { 0..9 } default { 0 } ctrlRO (mode == "flim") }
+    mode rw { rangeValid { "film", "video", "still" } default { "film" } }
+    gain rw { rangeValid { 0..9 } ctrlRO (mode == "still" || mode == "flim") }
 Right:
-    mode rw { rangeValid { "film", "video" } default { "film" } }
-    gain rw { rangeValid { 0..9 } default { 0 } ctrlRO (mode == "film") }
+    mode rw { rangeValid { "film", "video", "still" } default { "film" } }
+    gain rw { rangeValid { 0..9 } ctrlRO (mode == "still" || mode == "film") }
 )"},
     {"default-outside", GROUP_PROVED, LEVEL_ERROR, "a default that no situation keeps",
      R"(The value of a default is outside the range wherever the default applies, or
@@ -256,10 +256,10 @@ adapted does not replace the original. Two names are mostly meant.
 
 Wrong:
     gain_left rw { rangeValid { 0..9 } default { 0 } }
-    gain_left rw { rangeValid { 0..5 } }
+    gain_left ro { valueChange { "max" -> 9 } }
 Right:
     gain_left rw { rangeValid { 0..9 } default { 0 } }
-    gain_right rw { rangeValid { 0..5 } default { 0 } }
+    gain_right ro { rangeValid { 0..9 } valueChange { "max" -> 9 } }
 )"},
     {"missing-constant", GROUP_BUILDER, LEVEL_ERROR,
      "a constant that the command line does not give",
@@ -392,18 +392,16 @@ Right:
     b rw { rangeValid { 0..10000 } default { 0 } }
     area ro { rangeValid { (a * b) } }
 )"},
-    {"overlap", GROUP_STATIC, LEVEL_WARNING, "statements that differ apply at the same time",
-     R"(The conditions of two ranges or two defaults hold at once, and what they govern
-differs. A value is then allowed when one of the ranges allows it, but the first
-one corrects it; and the first default counts. Let one condition hold at a time,
-or have the most special one first.
+    {"overlap", GROUP_STATIC, LEVEL_WARNING, "items or statements that say the same twice",
+     R"(Two items of a list have values in common; or two statements of a kind have the
+same condition, or none, and differ. Of two such ranges a value is allowed when
+either allows it, and of two defaults only the first counts. So one of the two
+says nothing, or not what was meant.
 
 Wrong:
-    mode rw { rangeValid { 0..3 } default { 0 } }
-    gain rw { default (mode > 1) { 1 } default (mode > 2) { 2 } default { 0 } }
+    gain rw { rangeValid { 0..5, 3..9 } default { 0 } }
 Right:
-    mode rw { rangeValid { 0..3 } default { 0 } }
-    gain rw { default (mode == 2) { 1 } default (mode > 2) { 2 } default { 0 } }
+    gain rw { rangeValid { 0..9 } default { 0 } }
 )"},
     {"own-index", GROUP_STATIC, LEVEL_ERROR, "a ctrlValid names the own index",
      R"(A ctrlValid is judged before the index values are known. So the definition's own

@@ -38,7 +38,7 @@ TEST(MergedFindings, NameTheConstantsThatDecide) {
 
 TEST(MergedFindings, ATextThatIsNotBuiltTellsNothingOfItsDefinitions) {
   EXPECT_EQ(variantNamed("merged", {0, 1, 2}, {3, 4, 5}), "");
-  EXPECT_EQ(variantNamed("never-true", {0, 3}, {4}), "CHANNELS=1");
+  EXPECT_EQ(variantNamed("uncovered", {0, 3}, {4}), "CHANNELS=1");
   // What the builder says is known of all variants.
   EXPECT_EQ(variantNamed("undefined-name", {0, 1, 2}, {0, 1, 2}), "MODEL=basic");
   // Nothing is known of the variants that differ in one constant alone.

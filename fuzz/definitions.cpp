@@ -58,14 +58,17 @@ std::string firstInstance(const ParmDef& parm) {
   return fullName(parm.name(), values);
 }
 
+// All diagnostics, without the lines about the text as a whole: a check does not finish it.
 std::string printed(const DiagnosticCollector& diagnostics) {
+  size_t lines = 0;
+  for (const std::string& line : diagnostics.textLines()) lines += line.size() + 1;
   char* text = nullptr;
   size_t size = 0;
   FILE* const out = open_memstream(&text, &size);
   demand(out != nullptr, "no stream");
   diagnostics.print(out);
   fclose(out);
-  std::string result(text, size);
+  std::string result(text + lines, size - lines);
   free(text);
   return result;
 }
@@ -79,7 +82,8 @@ void expectPlaces(const BuiltText& built) {
            "a diagnostic points nowhere: ", diagnosticMessage(diagnostic.code));
   }
   const bool failed = built.result != 0;
-  const bool isReported = !built.errors.empty() || !built.diagnostics.diagnostics().empty();
+  const bool isReported = !built.diagnostics.textLines().empty() ||
+                          !built.diagnostics.diagnostics().empty();
   demand(!failed || isReported, "refused without a word");
 }
 

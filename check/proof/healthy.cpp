@@ -30,27 +30,6 @@ struct ConeInstance {
 
 constexpr size_t MAX_MOVES = 3;
 
-// Begins anew, resets `names` one after the other, and sets each of `moves`. Returns whether the
-// engine took every value.
-bool moveFromDefaults(const NamedValues& moves, const std::vector<std::string>& names,
-                      Database& database) {
-  database.forgetValues();
-  for (const std::string& name : names) {
-    Transaction transaction(database);
-    std::vector<Change> changes;
-    static_cast<void>(transaction.reset(name, true));
-    static_cast<void>(commit(transaction, changes));
-  }
-  return std::all_of(moves.begin(), moves.end(), [&](const auto& move) {
-    Transaction transaction(database);
-    std::vector<Change> changes;
-    if (transaction.set(move.first, move.second, true) != STAGE_DONE) return false;
-    // What else may be refused is no matter of this one.
-    static_cast<void>(commit(transaction, changes));
-    return true;
-  });
-}
-
 // What is set while a situation is looked for: straight into the database, without a commit,
 // because everything is set after what it follows.
 class Setter {
@@ -618,6 +597,25 @@ HealthyResult findHealthy(const Goal& goal, const CompiledText& text, Domains& d
   text.database().forgetValues();
   if (!isKept) return {};
   return result;
+}
+
+bool moveFromDefaults(const NamedValues& moves, const std::vector<std::string>& names,
+                      Database& database) {
+  database.forgetValues();
+  for (const std::string& name : names) {
+    Transaction transaction(database);
+    std::vector<Change> changes;
+    static_cast<void>(transaction.reset(name, true));
+    static_cast<void>(commit(transaction, changes));
+  }
+  return std::all_of(moves.begin(), moves.end(), [&](const auto& move) {
+    Transaction transaction(database);
+    std::vector<Change> changes;
+    if (transaction.set(move.first, move.second, true) != STAGE_DONE) return false;
+    // What else may be refused is no matter of this one.
+    static_cast<void>(commit(transaction, changes));
+    return true;
+  });
 }
 
 std::optional<std::string> valueKept(ParmEntry& parm, const IndexTuple& indices,

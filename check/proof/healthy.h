@@ -28,6 +28,11 @@ HealthyResult findHealthy(const Goal& goal, const CompiledText& text, Domains& d
 std::optional<std::string> valueKept(ParmEntry& parm, const IndexTuple& indices,
                                      const std::string& value);
 
+/// Begins anew, resets `names` one after the other, and sets each of `moves` as a client would, one
+/// commit for each. Returns whether every move could be staged; what became of it is to be read.
+bool moveFromDefaults(const NamedValues& moves, const std::vector<std::string>& names,
+                      Database& database);
+
 /// Sets the values of a witness on the engine as a client would, one commit for each, after a start
 /// from the defaults. Returns whether every value is kept and stays. The values stay set.
 bool replay(const NamedValues& witness, Database& database);

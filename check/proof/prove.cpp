@@ -15,5 +15,6 @@ void prove(const CheckedText& checked, const ExplainedPlaces& explainedPlaces, F
   askIndices(proof);
   askOverflow(proof, explained);
   askStart(proof);
+  askFollowers(proof);
   askBudget(proof);
 }

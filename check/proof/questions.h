@@ -48,5 +48,7 @@ void askIndices(Proof& proof);
 void askOverflow(Proof& proof, const Explained& explained);
 /// default-outside and unsettled: what a start and a second commit do.
 void askStart(Proof& proof);
+/// late-follower: values that are lost where they are set together with what they follow.
+void askFollowers(Proof& proof);
 /// over-budget: changes that no commit takes.
 void askBudget(Proof& proof);

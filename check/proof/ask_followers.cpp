@@ -1,0 +1,170 @@
+#include <algorithm>
+
+#include "check/proof/questions.h"
+#include "database/commit.h"
+#include "database/dependencies.h"
+#include "database/gather.h"
+#include "database/transaction.h"
+#include "sw/parm/parm_name.h"
+
+namespace {
+
+constexpr uint64_t FEW_VALUES = 12;
+constexpr size_t MANY_COMMITS = 200;
+
+// Values to try: all where there are few, else the ends of the spans and some of the texts.
+std::vector<std::string> valuesOf(const Domain& domain) {
+  if (const auto values = domain.values(FEW_VALUES)) return *values;
+  std::vector<std::string> values;
+  for (const auto& [low, high] : domain.spans()) {
+    for (const int32_t end : {low, high}) {
+      if (values.size() < FEW_VALUES) values.push_back(std::to_string(end));
+    }
+  }
+  for (const std::string& text : domain.texts()) {
+    if (values.size() < FEW_VALUES) values.push_back(text);
+  }
+  return values;
+}
+
+// Looks for values that a parameter takes once what it follows has followed, and loses where both
+// are set in one commit: nothing depends on it, so it is judged first.
+class Follower {
+ public:
+  Follower(Proof& proof, const Subject& subject)
+      : proof_(proof), database_(proof.text().database()), subject_(subject) {}
+
+  void ask() {
+    IndexTuple indices;
+    for (const IndexDef* index : subject_.parm->parm.indices()) {
+      const std::vector<std::string> values = valuesOf(indexDomain(*index));
+      if (values.empty()) return;
+      indices.push_back(values.front());
+    }
+    name_ = fullName(subject_.name(), indices);
+    indices_ = indices;
+    std::vector<Instance> cone;
+    if (dependencyInstances(database_, name_, cone) != DEPENDENCIES_FOUND) return;
+    std::stable_sort(cone.begin(), cone.end(), [](const Instance& a, const Instance& b) {
+      return a.parm->level < b.parm->level;
+    });
+    for (const Instance& instance : cone) {
+      if (instance.isComplete()) {
+        names_.push_back(fullName(instance.parm->parm.name(), instance.indices));
+      }
+    }
+    for (const Instance& instance : cone) {
+      const bool isDerived = !instance.parm->sources.empty();
+      if (!isDerived && instance.isComplete() && askChange(instance)) break;
+    }
+    database_.forgetValues();
+  }
+
+ private:
+  static Domain indexDomain(const IndexDef& index) {
+    Domain domain;
+    domain.add(index.baseBounds());
+    return domain;
+  }
+
+  bool askChange(const Instance& changed) {
+    const std::string change = fullName(changed.parm->parm.name(), changed.indices);
+    const NameDomain& domain = proof_.domains().of(database_.findSource(changed.parm->parm.name()));
+    const std::vector<std::string> values = valuesOf(domain.values);
+    std::vector<Domain> ranges;
+    for (const std::string& value : values) {
+      static_cast<void>(moveFromDefaults(startWith(change, value), names_, database_));
+      ranges.push_back(presentRange());
+    }
+    for (size_t after = 0; after < values.size(); ++after) {
+      for (size_t before = 0; before < values.size(); ++before) {
+        if (values[after].empty() || before == after) continue;
+        for (const std::string& own : valuesOf(ranges[after])) {
+          // What the old range takes too is not lost.
+          if (ranges[before].contains(own)) continue;
+          if (++commits_ > MANY_COMMITS) return true;
+          if (loses(startWith(change, values[before]), {change, values[after]}, own)) return true;
+        }
+      }
+    }
+    return false;
+  }
+
+  // The one move that sets `value`; none for the empty one, with which everything has its default.
+  static NamedValues startWith(const std::string& name, const std::string& value) {
+    return value.empty() ? NamedValues() : NamedValues{{name, value}};
+  }
+
+  // What the parameter takes in what is set now.
+  Domain presentRange() {
+    BoundsParm bounds;
+    const StagedValues staged;
+    Domain domain;
+    if (subject_.parm->parm.range(bounds, gatherBound(*subject_.parm, indices_, staged)) == 0) {
+      domain.add(bounds);
+    }
+    return domain;
+  }
+
+  // Whether `own`, which is kept where it is set after `change`, is lost where it is set with it.
+  bool loses(const NamedValues& start, const std::pair<std::string, std::string>& change,
+             const std::string& own) {
+    NamedValues oneByOne = start;
+    oneByOne.insert(oneByOne.end(), {change, {name_, own}});
+    if (!moveFromDefaults(oneByOne, names_, database_) || held() != own) return false;
+    static_cast<void>(moveFromDefaults(start, names_, database_));
+    Transaction transaction(database_);
+    static_cast<void>(transaction.set(change.first, change.second, true));
+    static_cast<void>(transaction.set(name_, own, true));
+    std::vector<Change> changes;
+    static_cast<void>(commit(transaction, changes));
+    const std::string left = held();
+    if (left == own) return false;
+    const Position at = proof_.text().checked().text.layout.nameOf(*subject_.record);
+    Finding finding{"late-follower",
+                    {at.line, at.column, static_cast<uint32_t>(subject_.name().size())},
+                    "this is judged before what it follows where both are set in one commit, and a "
+                    "value that fits can be lost: here \"" +
+                        own + "\" becomes \"" + left + '"' + beforeText(start)};
+    finding.witness = {change, {name_, own}};
+    proof_.add(std::move(finding));
+    return true;
+  }
+
+  static std::string beforeText(const NamedValues& start) {
+    if (start.empty()) return {};
+    return ", where " + start.front().first + " was \"" + start.front().second + '"';
+  }
+
+  [[nodiscard]] std::string held() const { return subject_.parm->parm.committedText(indices_); }
+
+  Proof& proof_;
+  Database& database_;
+  const Subject& subject_;
+  std::string name_;
+  IndexTuple indices_;
+  std::vector<std::string> names_;  // of what it depends on, and its own
+  size_t commits_ = 0;
+};
+
+// Whether it follows a parameter that itself follows others: what is staged is seen at once, what
+// follows from it is not.
+bool followsDerived(const Subject& subject) {
+  return std::any_of(subject.parm->sources.begin(), subject.parm->sources.end(),
+                     [&](const VariableSource& source) {
+                       return source.parm != nullptr && source.parm != subject.parm &&
+                              !source.parm->sources.empty();
+                     });
+}
+
+}  // namespace
+
+void askFollowers(Proof& proof) {
+  for (const Subject& subject : proof.text().subjects()) {
+    if (subject.parm == nullptr || subject.parm->parm.mode() == MODE_NEVER ||
+        subject.parm->hasDependents() || subject.parm->parm.conditionalBounds().empty()) {
+      continue;
+    }
+    if (followsDerived(subject)) Follower(proof, subject).ask();
+  }
+}

@@ -52,7 +52,8 @@ void askOfDefaults(Proof& proof, const Subject& subject) {
 void askCoverage(Proof& proof, const Explained& explained) {
   for (const Subject& subject : proof.text().subjects()) {
     const bool isReported = explained.explains(subject.rangeValid) || askRanges(proof, subject);
-    if (!isReported && !explained.explains(subject.defaults) && subject.parm != nullptr)
+    if (!isReported && !explained.explains(subject.defaults) && subject.parm != nullptr) {
       askOfDefaults(proof, subject);
+    }
   }
 }

@@ -109,8 +109,9 @@ void askValues(Proof& proof, const Explained& explained) {
     askRanges(proof, subject, subject.rangeDoc, explained);
     if (subject.parm == nullptr) continue;
     for (const CompiledStatement& statement : subject.defaults) {
-      if (!explained.dead.contains(&statement) && !explained.explains(statement))
+      if (!explained.dead.contains(&statement) && !explained.explains(statement)) {
         askDefault(proof, subject, statement);
+      }
     }
   }
 }

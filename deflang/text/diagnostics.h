@@ -76,8 +76,8 @@ class DiagnosticCollector {
   [[nodiscard]] const std::vector<std::string>& textLines() const { return textLines_; }
   /// All diagnostics in the order raised; valid until the next add().
   [[nodiscard]] const std::vector<Diagnostic>& diagnostics() const { return diagnostics_; }
-  /// Writes the lines of addLine(), and every diagnostic: severity and line, message and text, the line with a caret under the
-  /// column. A failed write is not reported.
+  /// Writes the lines of addLine(), and every diagnostic: severity and line, message and text, the
+  /// line with a caret under the column. A failed write is not reported.
   void print(FILE* out) const;
 
  private:

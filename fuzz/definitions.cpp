@@ -82,8 +82,8 @@ void expectPlaces(const BuiltText& built) {
            "a diagnostic points nowhere: ", diagnosticMessage(diagnostic.code));
   }
   const bool failed = built.result != 0;
-  const bool isReported = !built.diagnostics.textLines().empty() ||
-                          !built.diagnostics.diagnostics().empty();
+  const bool isReported =
+      !built.diagnostics.textLines().empty() || !built.diagnostics.diagnostics().empty();
   demand(!failed || isReported, "refused without a word");
 }
 

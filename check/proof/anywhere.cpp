@@ -23,7 +23,7 @@ class Search {
   Search(const Goal& goal, Domains& domains, ConstantScope scope)
       : goal_(goal), domains_(domains), scope_(scope) {}
 
-  AnywhereResult run() {
+  AnywhereResult run(Effort effort) {
     if (isImpossible()) return {VERDICT_IMPOSSIBLE, {}};
     collectNames();
     AnywhereResult result;
@@ -34,7 +34,7 @@ class Search {
       }
     } else if (left_ > 0 && isComplete_) {
       result.verdict = VERDICT_IMPOSSIBLE;
-    } else {
+    } else if (effort == EFFORT_THOROUGH) {
       result = solve();
     }
     return result;
@@ -169,6 +169,7 @@ class Search {
 
 }  // namespace
 
-AnywhereResult decideAnywhere(const Goal& goal, Domains& domains, ConstantScope scope) {
-  return Search(goal, domains, scope).run();
+AnywhereResult decideAnywhere(const Goal& goal, Domains& domains, ConstantScope scope,
+                              Effort effort) {
+  return Search(goal, domains, scope).run(effort);
 }

@@ -34,6 +34,13 @@ struct AnywhereResult {
 /// How many assignments are tried before a goal is left undecided.
 constexpr size_t MAX_TRIED_ASSIGNMENTS = 5000;
 
+/// How hard a question is tried.
+enum Effort {
+  EFFORT_QUICK,     ///< by intervals and assignments
+  EFFORT_THOROUGH,  ///< and by a solver
+};
+
 /// Decides `goal`. An IMPOSSIBLE is proved: by intervals and sets of texts, or because every
 /// assignment that an expression of the goal can tell from the others was tried.
-AnywhereResult decideAnywhere(const Goal& goal, Domains& domains, ConstantScope scope);
+AnywhereResult decideAnywhere(const Goal& goal, Domains& domains, ConstantScope scope,
+                              Effort effort = EFFORT_THOROUGH);

@@ -57,7 +57,7 @@ class Follower {
       const bool isDerived = !instance.parm->sources.empty();
       if (!isDerived && instance.isComplete() && askChange(instance)) break;
     }
-    database_.forgetValues();
+    forgetAround(names_, database_);
   }
 
  private:

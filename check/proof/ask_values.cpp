@@ -51,7 +51,7 @@ std::optional<Finding> undefinedFigure(const CompiledExpression& expression,
 void ask(Proof& proof, Goal goal, Clause clause, const CompiledExpression& place,
          std::string_view code, const char* text) {
   goal.clauses.push_back(std::move(clause));
-  if (proof.isImpossible(goal)) return;
+  if (proof.isImpossible(goal, THIS_VARIANT, EFFORT_QUICK)) return;
   const HealthyResult result = findHealthy(goal, proof.text(), proof.domains());
   if (result.verdict == VERDICT_IMPOSSIBLE) return;
   Finding finding{code, placeOf(place.expression), text};

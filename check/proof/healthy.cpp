@@ -10,6 +10,7 @@
 #include "database/gather.h"
 #include "database/index_situations.h"
 #include "database/index_values.h"
+#include "database/plan.h"
 #include "database/transaction.h"
 #include "sw/parm/parm_name.h"
 #include "sw/parm/present_bounds.h"
@@ -171,7 +172,6 @@ class HealthySearch {
       : goal_(goal), text_(text), domains_(domains), isMet_(isMet) {}
 
   HealthyResult run() {
-    text_.database().forgetValues();
     const std::vector<IndexTuple> tuples = indexTuples();
     for (const IndexTuple& indices : tuples) {
       if (found_ || left_ == 0) break;
@@ -179,7 +179,6 @@ class HealthySearch {
     }
     // The solver does not know what else is asked of the situation.
     if (!found_ && !isMet_ && (left_ == 0 || !isComplete_)) solveFor(tuples);
-    text_.database().forgetValues();
     if (found_) return {VERDICT_POSSIBLE, *std::move(found_), foundIndices_};
     const bool isImpossible = isUnsolvable_ || (left_ > 0 && isComplete_);
     return {isImpossible ? VERDICT_IMPOSSIBLE : VERDICT_UNDECIDED, {}, {}};
@@ -372,7 +371,7 @@ class HealthySearch {
       }
       left_ -= std::min(left_, cone_->size());
     }
-    database.forgetValues();
+    forgetAround(coneNames(), database);
   }
 
   // Whether intervals leave the goal possible, with all that can follow from the defaults.
@@ -380,12 +379,15 @@ class HealthySearch {
     if (isMet_) return true;
     static_cast<void>(moveFromDefaults({}, coneNames(), text_.database()));
     std::map<std::string, Domain, std::less<>> start;
+    bool isAnyUnset = false;
     for (const ConeInstance& instance : *cone_) {
-      // What its own default leaves unset has no value to begin from.
       const std::string& held = instance.parm->parm.committedText(instance.indices);
-      if (held.empty()) return true;
+      if (held.empty()) isAnyUnset = true;
       start[instance.parm->parm.name()].addText(held);
     }
+    forgetAround(coneNames(), text_.database());
+    // What its own default leaves unset has no value to begin from.
+    if (isAnyUnset) return true;
     const auto least = domains_.leastOf(start);
     return mayHold(goal_, [&](const VariableSource& source) {
       if (source.parm == nullptr) return Domains::abstractOf(source, indexDomain(source));
@@ -594,14 +596,23 @@ HealthyResult findHealthy(const Goal& goal, const CompiledText& text, Domains& d
   HealthyResult result = HealthySearch(goal, text, domains, isMet).run();
   if (result.verdict != VERDICT_POSSIBLE) return result;
   const bool isKept = replay(result.witness, text.database());
-  text.database().forgetValues();
+  std::vector<std::string> names;
+  for (const auto& [name, value] : result.witness) names.push_back(name);
+  forgetAround(names, text.database());
   if (!isKept) return {};
   return result;
 }
 
+void forgetAround(const std::vector<std::string>& names, Database& database) {
+  std::vector<ParmEntry*> parms;
+  for (const std::string& name : names) parms.push_back(database.findNamed(name));
+  for (ParmEntry* parm : parms) parm->parm.forgetValues();
+  for (ParmEntry* parm : dependentsOf(database, parms)) parm->parm.forgetValues();
+}
+
 bool moveFromDefaults(const NamedValues& moves, const std::vector<std::string>& names,
                       Database& database) {
-  database.forgetValues();
+  forgetAround(names, database);
   for (const std::string& name : names) {
     Transaction transaction(database);
     std::vector<Change> changes;

@@ -28,8 +28,12 @@ HealthyResult findHealthy(const Goal& goal, const CompiledText& text, Domains& d
 std::optional<std::string> valueKept(ParmEntry& parm, const IndexTuple& indices,
                                      const std::string& value);
 
-/// Begins anew, resets `names` one after the other, and sets each of `moves` as a client would, one
-/// commit for each. Returns whether every move could be staged; what became of it is to be read.
+/// Takes away the values of the parameters that `names` are of, and of all that depends on them.
+void forgetAround(const std::vector<std::string>& names, Database& database);
+
+/// Begins anew with the parameters of `names` and their dependents, resets `names` one after the
+/// other, and sets each of `moves` as a client would, one commit for each. Returns whether every
+/// move could be staged; what became of it is to be read.
 bool moveFromDefaults(const NamedValues& moves, const std::vector<std::string>& names,
                       Database& database);
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 bool Proof::addIfHealthy(const Goal& goal, Finding finding) {
-  if (isImpossible(goal)) return false;
+  if (isImpossible(goal, THIS_VARIANT, EFFORT_QUICK)) return false;
   HealthyResult result = findHealthy(goal, text_, domains_);
   if (result.verdict == VERDICT_IMPOSSIBLE) return false;
   if (result.verdict == VERDICT_UNDECIDED) {

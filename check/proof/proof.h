@@ -19,8 +19,9 @@ class Proof {
   /// Whether a finding of `code` names one of the values of `witness` already.
   [[nodiscard]] bool isTold(std::string_view code, const NamedValues& witness) const;
   /// Whether the goal is proved to be out of reach, whatever the values are.
-  bool isImpossible(const Goal& goal, ConstantScope scope = THIS_VARIANT) {
-    return decideAnywhere(goal, domains_, scope).verdict == VERDICT_IMPOSSIBLE;
+  bool isImpossible(const Goal& goal, ConstantScope scope = THIS_VARIANT,
+                    Effort effort = EFFORT_THOROUGH) {
+    return decideAnywhere(goal, domains_, scope, effort).verdict == VERDICT_IMPOSSIBLE;
   }
   /// Adds `finding` with its witness where a healthy situation meets `goal`; adds it to those that
   /// are undecided where that was not found out. Returns whether it was added.

@@ -42,6 +42,7 @@ CheckReport checkText(const SourceText& source, const CheckOptions& options) {
   ReadText text;
   readText(source, text, ofReading);
 
+  beginProofs();
   MergedFindings found(options.constants);
   MergedFindings undecided(options.constants);
   bool areAllBuilt = true;

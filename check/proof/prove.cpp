@@ -1,6 +1,9 @@
 #include "check/proof/prove.h"
 
 #include "check/proof/questions.h"
+#include "check/proof/solver.h"
+
+void beginProofs() { SolverQuestion::forgetAnswers(); }
 
 void prove(const CheckedText& checked, const ExplainedPlaces& explainedPlaces, Findings& findings,
            Findings& undecided) {

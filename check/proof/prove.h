@@ -4,6 +4,9 @@
 #include "check/static/explained_places.h"
 #include "check/text/checked_text.h"
 
+/// Forgets what was found out about the text before: to be called before the first variant.
+void beginProofs();
+
 /// Asks all questions about a text that the engine has built, but of expressions that `explained`
 /// says enough of. What is found goes to `findings`, and what could be neither shown nor ruled out
 /// to `undecided`. The values of the database are unset afterwards.

@@ -31,6 +31,14 @@ struct SymbolicResult {
   z3::expr isMissing;
 };
 
+// What has been solved, by canonical text: the verdict, and the values in the order of the keys.
+using Answers = std::map<std::string, std::pair<Verdict, std::vector<std::optional<std::string>>>>;
+
+Answers& answers() {
+  static Answers all;
+  return all;
+}
+
 // A text in quotes, its length before it, so that no two lists of texts look alike.
 std::string quoted(std::string_view text) {
   return std::to_string(text.size()) + '"' + std::string(text) + '"';
@@ -525,10 +533,10 @@ std::string SolverQuestion::canonicalText() const {
   return text;
 }
 
+void SolverQuestion::forgetAnswers() { answers().clear(); }
+
 AnywhereResult SolverQuestion::solve() const {
-  // What is remembered follows from the canonical text alone, so it serves every text.
-  static std::map<std::string, std::pair<Verdict, std::vector<std::optional<std::string>>>> answers;
-  const auto [answer, isNew] = answers.try_emplace(canonicalText());
+  const auto [answer, isNew] = answers().try_emplace(canonicalText());
   auto& [verdict, values] = answer->second;
   if (isNew) {
     AnywhereResult solved = Formulas(*this).solve();

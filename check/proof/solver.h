@@ -34,8 +34,10 @@ class SolverQuestion {
 
   /// Decides the question. The work is limited by what the solver counts, not by time, so the
   /// result is the same on every machine. With VERDICT_POSSIBLE an assignment by key that the
-  /// formulas admit. The same question, whatever its names are, is solved once in a process.
+  /// formulas admit. The same question, whatever its names are, is solved once.
   [[nodiscard]] AnywhereResult solve() const;
+  /// Forgets what was solved, so that a process that checks many texts does not grow.
+  static void forgetAnswers();
 
  private:
   friend class Formulas;

@@ -5,8 +5,8 @@
 
 /// Resolves the index list of a parameter: the names of its first index statement, in their order.
 /// The indices have been registered before. A name that the text does not define, or that is a
-/// parameter, is left out and reported as an error; unless only diagnostics are made, a line on
-/// a line about the text tells it as well. A second statement is reported as a warning, further ones are
+/// parameter, is left out and reported as an error; unless only diagnostics are made, a line
+/// about the text tells it as well. A second statement is reported as a warning, further ones are
 /// not.
 void buildIndices(DefinitionDraft& draft);
 

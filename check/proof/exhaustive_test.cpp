@@ -7,6 +7,7 @@
 
 #include "check/proof/anywhere.h"
 #include "check/proof/healthy.h"
+#include "check/proof/solver.h"
 #include "database/evaluation.h"
 #include "database/gather.h"
 #include "database/index_situations.h"
@@ -226,6 +227,9 @@ std::vector<Goal> goalsOf(const Subject& subject) {
   return goals;
 }
 
+// The solver takes its time: one goal of so many is put to it.
+constexpr size_t GOALS_PER_SOLUTION = 5;
+
 // How often the proofs had an answer.
 struct Tally {
   size_t goals = 0;
@@ -233,6 +237,8 @@ struct Tally {
   size_t impossible = 0;
   size_t healthy = 0;
   size_t unhealthy = 0;
+  size_t solutions = 0;
+  size_t solved = 0;
 };
 
 class Comparison {
@@ -291,6 +297,7 @@ class Comparison {
     tally_.possible += result.verdict == VERDICT_POSSIBLE ? 1 : 0;
     tally_.impossible += result.verdict == VERDICT_IMPOSSIBLE ? 1 : 0;
     EXPECT_FALSE(isMet && result.verdict == VERDICT_IMPOSSIBLE) << describe(goal);
+    if (tally_.goals % GOALS_PER_SOLUTION == 0) compareSolver(goal, isMet);
     if (result.verdict != VERDICT_POSSIBLE) return;
     for (const auto& [name, value] : result.assignment) {
       text_.database().findParm(name)->parm.store({}, value.value_or(""));
@@ -298,6 +305,23 @@ class Comparison {
     }
     EXPECT_TRUE(holdsNow(goal)) << describe(goal);
     text_.database().forgetValues();
+  }
+
+  // The solver by itself, also where the other ways have an answer.
+  void compareSolver(const Goal& goal, bool isMet) {
+    SolverQuestion question;
+    for (const ParmEntry* parm : walk_.parms()) {
+      const std::string& name = parm->parm.name();
+      question.declare(name, domains_.of(text_.database().findSource(name)));
+    }
+    for (const Clause& clause : goal.clauses) {
+      question.require(clause,
+                       [](const VariableSource& source) { return std::string(source.name); });
+    }
+    const Verdict verdict = question.solve().verdict;
+    EXPECT_FALSE(isMet && verdict == VERDICT_IMPOSSIBLE) << describe(goal);
+    ++tally_.solutions;
+    tally_.solved += verdict == VERDICT_UNDECIDED ? 0 : 1;
   }
 
   void compareHealthy(const Goal& goal) {
@@ -354,6 +378,7 @@ TEST(ProofsAndSituations, Agree) {
   // A proof that always gives up would agree with everything.
   EXPECT_GT(tally.possible + tally.impossible, tally.goals * 9 / 10);
   EXPECT_GT(tally.healthy + tally.unhealthy, tally.goals * 9 / 10);
+  EXPECT_GT(tally.solved, tally.solutions * 9 / 10);
 }
 
 }  // namespace

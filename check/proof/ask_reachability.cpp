@@ -89,9 +89,9 @@ std::optional<Domain> constantValues(const CompiledStatement& statement) {
 }
 
 bool isWithin(const Domain& inner, const Domain& outer) {
-  for (const auto& [low, high] : inner.spans()) {
+  for (const Span& span : inner.spans()) {
     const bool found = std::any_of(outer.spans().begin(), outer.spans().end(), [&](const Span& s) {
-      return s.first <= low && high <= s.second;
+      return s.first <= span.first && span.second <= s.second;
     });
     if (!found) return false;
   }

@@ -465,7 +465,8 @@ class StatementCause {
       return found;
     }
     ReadingCause found = quotesFor(word, "a text has to be in quotes: ");
-    found.finding.at = view_.place(part.at + (word.data() - part.text.data()), word.size());
+    found.finding.at =
+        view_.place(part.at + static_cast<size_t>(word.data() - part.text.data()), word.size());
     if (form_.keyword != "valueChange") found.bareWord = word;
     return found;
   }

@@ -74,11 +74,14 @@ class Cone {
     }
     if (parm != nullptr) addIndices(*parm, indices);
     if (goal.dependsOnRanges) addOwn(*goal.subject, indices);
-    for (size_t i = 0; i < instances_.size(); ++i) {
-      ParmEntry* const entry = instances_[i].parm;
-      const IndexTuple own = instances_[i].indices;
+    // What is reached is added behind those that are still to be looked at.
+    size_t next = 0;
+    while (next < instances_.size()) {
+      ParmEntry* const entry = instances_[next].parm;
+      const IndexTuple own = instances_[next].indices;
       for (const VariableSource& source : entry->sources) add(source, entry, own);
       addIndices(*entry, own);
+      ++next;
     }
     std::stable_sort(instances_.begin(), instances_.end(), [](const auto& a, const auto& b) {
       return std::tie(a.parm->level, a.parm->rank) < std::tie(b.parm->level, b.parm->rank);
@@ -323,7 +326,7 @@ class HealthySearch {
 
   std::string declareInstance(SolverQuestion& question, const ParmEntry& parm,
                               const IndexTuple& indices) {
-    const std::string key = fullName(parm.parm.name(), indices);
+    std::string key = fullName(parm.parm.name(), indices);
     if (question.isDeclared(key)) return key;
     const bool exists = indices.size() == parm.parm.indices().size();
     const NameDomain& domain = domains_.of(text_.database().findSource(parm.parm.name()));

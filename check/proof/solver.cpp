@@ -279,8 +279,7 @@ class Formulas {
     const auto found = orders_.find(key);
     if (found != orders_.end()) return found->second;
     const bool isSame = key.first == key.second;
-    const z3::expr open =
-        isSame ? context_.bv_val(0, 2) : context_.bv_const(freshName().c_str(), 2);
+    z3::expr open = isSame ? context_.bv_val(0, 2) : context_.bv_const(freshName().c_str(), 2);
     if (!isSame) solver_.add(open != context_.bv_val(2, 2));
     kept_.push_back(a.text);
     kept_.push_back(a.number);

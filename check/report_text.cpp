@@ -1,6 +1,7 @@
 #include "check/report_text.h"
 
 #include <algorithm>
+#include <cctype>
 #include <string>
 
 #include "check/named_values.h"
@@ -24,11 +25,13 @@ const char* colourOf(std::string_view word) {
   return word == "warning" ? MAGENTA : CYAN;
 }
 
-// What a proposal says.
+// What a proposal says. What has quotes or numbers is as it is to be written, because further
+// quotes would look like a part of it.
 std::string proposalText(const Proposal& proposal, const SourceText& source) {
   const auto quoted = [](std::string_view text) {
-    const bool hasQuotes = text.find('"') != std::string_view::npos;
-    return hasQuotes ? std::string(text) : "\"" + std::string(text) + "\"";
+    const bool isBare =
+        std::ranges::any_of(text, [](unsigned char c) { return c == '"' || std::isdigit(c) != 0; });
+    return isBare ? std::string(text) : '"' + std::string(text) + '"';
   };
   if (proposal.at.length == 0) return "add " + quoted(proposal.text);
   if (!proposal.text.empty()) return "did you mean " + quoted(proposal.text) + "?";

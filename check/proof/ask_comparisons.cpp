@@ -15,6 +15,7 @@ class Comparisons {
       : proof_(proof), subject_(subject), seesIndices_(seesIndices) {}
 
   void ask(const Expression& condition) {
+    if (condition.tokens.size() > MAX_ASKED_TOKENS) return;
     const std::optional<ExpressionTree> tree = ExpressionTree::make(condition);
     if (!tree) return;
     for (const ExpressionNode& node : tree->nodes()) {
@@ -77,6 +78,7 @@ void askComparisons(Proof& proof, const Explained& explained) {
                        bool seesIndices) {
     for (const CompiledStatement& statement : statements) {
       if (!statement.condition || explained.dead.contains(&statement) ||
+          explained.told.contains(&statement) ||
           explained.places.explains(statement.condition->expression)) {
         continue;
       }

@@ -40,6 +40,7 @@ void askCondition(Proof& proof, const Subject& subject, const ConditionKind& kin
   }
   const Goal isUntrue{&subject, {{{&condition, WANT_UNTRUE}}}, kind.seesIndices};
   if (proof.isImpossible(isUntrue, ANY_VARIANT)) {
+    explained.told.insert(&statement);
     proof.add(
         {"always-true", at, std::string("this condition is always true, ") + kind.alwaysTrue});
     return;

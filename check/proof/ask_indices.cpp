@@ -49,7 +49,6 @@ void askIndex(Proof& proof, const Subject& subject) {
                     std::to_string(left) + " of " + std::to_string(all) +
                         " index values can be left, and the other instances of " +
                         parametersText(index) + " are then out of reach, with what they hold"};
-    finding.level = left == 0 ? LEVEL_WARNING : LEVEL_NOTE;
     finding.witness = result.witness;
     proof.add(std::move(finding));
     return;

@@ -19,6 +19,7 @@ std::optional<WantedResult> wishOf(int32_t code) {
 
 // Asks the sums and products of one expression, in situations in which `counts` holds.
 void askExpression(Proof& proof, const Goal& counts, const Expression& expression) {
+  if (expression.tokens.size() > MAX_ASKED_TOKENS) return;
   const std::optional<ExpressionTree> tree = ExpressionTree::make(expression);
   if (!tree) return;
   const auto compile = [&](const ExpressionNode& node) {

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "check/proof/questions.h"
+#include "deflang/expression/operators.h"
 #include "deflang/expression/vid_std_name.h"
 #include "srcs/vid_std_figures.h"
 #include "sw/parm/parm_name.h"
@@ -67,12 +68,26 @@ void ask(Proof& proof, Goal goal, Clause clause, const CompiledExpression& place
   proof.add(std::move(finding));
 }
 
+// Whether the expression can be without a value, other than by a text that is too long: every
+// operator but two has a result for whatever has a value.
+bool canBeMissing(const CompiledExpression& expression) {
+  const bool divides = std::ranges::any_of(expression.program.steps(), [](const auto& step) {
+    return step.kind == OP_DIVIDE || step.kind == OP_REMAINDER;
+  });
+  return divides || std::ranges::any_of(expression.sources, [](const VariableSource& source) {
+           return source.figure != nullptr ||
+                  (source.parm == nullptr && source.constant == nullptr);
+         });
+}
+
 void askItem(Proof& proof, const Goal& counts, const CompiledItem& item) {
   if (item.text || !proof.domains().mayFail(item)) return;
   for (const auto* end : {&item.lower, &item.upper}) {
     if (!usesVariables(*end)) continue;
-    Clause missing = {{&**end, WANT_MISSING}};
+    Clause missing;
+    if (canBeMissing(**end)) missing.push_back({&**end, WANT_MISSING});
     if (item.upper) missing.push_back({&**end, WANT_TEXT});
+    if (missing.empty()) continue;
     ask(proof, counts, std::move(missing), **end, "no-value",
         "this can be without a value, and the range then takes every value");
   }
@@ -96,7 +111,7 @@ void askRanges(Proof& proof, const Subject& subject, const std::vector<CompiledS
 
 void askDefault(Proof& proof, const Subject& subject, const CompiledStatement& statement) {
   const CompiledItem& value = statement.items.front();
-  if (!value.lower || !value.lower->program.usesVariables()) return;
+  if (!usesVariables(value.lower) || !canBeMissing(*value.lower)) return;
   ask(proof, countsIn(subject, statement), {{&*value.lower, WANT_MISSING}}, *value.lower,
       "no-value", "this default can be without a value, and the next one counts then");
 }

@@ -19,6 +19,9 @@ namespace {
 
 constexpr uint64_t FEW_VALUES = 12;
 constexpr size_t MANY_INDEX_TUPLES = 16;
+// What depends on more than these is left undecided: to set them all takes the square of their
+// number, for each question.
+constexpr size_t MANY_INSTANCES = 60;
 
 // An instance whose value matters, and the values to try.
 struct ConeInstance {
@@ -215,6 +218,10 @@ class HealthySearch {
   void searchFor(const IndexTuple& indices) {
     indices_ = &indices;
     Cone cone(goal_, indices);
+    if (cone.instances().size() > MANY_INSTANCES) {
+      isComplete_ = false;
+      return;
+    }
     ConeUses uses(goal_, text_);
     for (const ConeInstance& instance : cone.instances()) uses.add(instance.parm->parm.name());
     if (goal_.dependsOnRanges) uses.add(goal_.subject->name());
@@ -240,6 +247,7 @@ class HealthySearch {
       indices_ = &indices;
       Cone cone(goal_, indices);
       cone_ = &cone.instances();
+      if (cone_->size() > MANY_INSTANCES) return;
       const AnywhereResult result = solveCone();
       isUnsolvable = isUnsolvable && result.verdict == VERDICT_IMPOSSIBLE;
       if (result.verdict == VERDICT_POSSIBLE && !cone.hasRing()) trySolution(result.assignment);

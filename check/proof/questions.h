@@ -9,6 +9,9 @@
 /// An index of more values is not looked at: to ask each of them in each situation takes too long.
 constexpr size_t MAX_INDEX_VALUES = 1000;
 
+/// The parts of a longer expression are not asked one by one: that would take the square of it.
+constexpr size_t MAX_ASKED_TOKENS = 300;
+
 /// What one finding has said of a definition, so that no other says what follows from it.
 struct Explained {
   explicit Explained(const ExplainedPlaces& explainedPlaces) : places(explainedPlaces) {}
@@ -28,6 +31,7 @@ struct Explained {
 
   const ExplainedPlaces& places;
   std::set<const CompiledStatement*> dead = {};  ///< statements that never count
+  std::set<const CompiledStatement*> told = {};  ///< statements whose condition is told of
 };
 
 /// never-true and always-true: conditions.

@@ -272,7 +272,7 @@ Wrong:
 Right, with -D MODEL=basic,pro:
     fibre ro { rangeValid { 0..9 } ctrlValid (MODEL == "pro") }
 )"},
-    {"narrowed-away", GROUP_PROVED, LEVEL_WARNING, "instances disappear, or are too many",
+    {"narrowed-away", GROUP_PROVED, LEVEL_NOTE, "instances disappear, or are too many",
      R"(A range with a condition takes values of an index away. In the situation named,
 instances that hold values no longer exist, no instance is left at all, or a
 commit takes in more than the daemon allows. Values of lost instances are kept

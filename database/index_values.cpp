@@ -18,14 +18,6 @@ std::vector<std::string> valuesOf(const BoundsParm& bounds) {
   return values;
 }
 
-uint64_t countValues(const BoundsParm& bounds) {
-  uint64_t count = bounds.strings().count();
-  for (const Span& span : bounds.integers().spans()) {
-    count += static_cast<uint64_t>(int64_t{span.second} - span.first) + 1;
-  }
-  return count;
-}
-
 bool hasInstances(const ParmDef& parm) {
   return std::all_of(parm.indices().begin(), parm.indices().end(),
                      [](const IndexDef* index) { return index->baseBounds().count() > 0; });
@@ -48,13 +40,22 @@ const std::vector<std::string>& indexValues(IndexEntry& index) {
   return index.values;
 }
 
+uint64_t countIndexValues(const IndexDef& index) {
+  const BoundsParm& bounds = index.baseBounds();
+  uint64_t count = bounds.strings().count();
+  for (const Span& span : bounds.integers().spans()) {
+    count += static_cast<uint64_t>(int64_t{span.second} - span.first) + 1;
+  }
+  return count;
+}
+
 uint64_t countInstances(const ParmDef& parm) {
   if (parm.indices().empty()) return 1;
   // First: one index without values outweighs all the others.
   if (!hasInstances(parm)) return 0;
   uint64_t count = 1;
   for (const IndexDef* index : parm.indices()) {
-    if (__builtin_mul_overflow(count, countValues(index->baseBounds()), &count)) return UINT64_MAX;
+    if (__builtin_mul_overflow(count, countIndexValues(*index), &count)) return UINT64_MAX;
   }
   return count;
 }

@@ -13,6 +13,10 @@
 /// texts, ascending as texts ("10" comes before "2"). Worked out once for each index.
 const std::vector<std::string>& indexValues(IndexEntry& index);
 
+/// How many values it has, without working them out; a value that is both a number of a span and a
+/// text counts twice.
+uint64_t countIndexValues(const IndexDef& index);
+
 /// How many combinations forEachInstance() visits, at most UINT64_MAX; a value that is both a
 /// number of a span and a text counts twice.
 uint64_t countInstances(const ParmDef& parm);

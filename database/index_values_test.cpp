@@ -25,6 +25,18 @@ TEST(IndexValues, AreTheNumbersAndTextsInTextOrder) {
   EXPECT_TRUE(indexValues(*database.findIndexEntry("any")).empty());
 }
 
+TEST(IndexValues, AreCountedWithoutBeingWorkedOut) {
+  Database database;
+  define(database, std::string(TEXT) + "wide index { rangeValid { -2147483648..2147483647 } }\n");
+  const std::pair<const char*, uint64_t> cases[] = {
+      {"chan", 4}, {"side", 2}, {"any", 0}, {"wide", 4294967296}};
+  for (const auto& [name, count] : cases) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(countIndexValues(*database.findIndex(name)), count);
+    EXPECT_TRUE(database.findIndexEntry(name)->values.empty());
+  }
+}
+
 TEST(IndexValues, MakeEveryCombinationInIndexOrder) {
   Database database;
   define(database, TEXT);

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "check/proof/limited.h"
 #include "check/proof/questions.h"
 #include "database/commit.h"
 #include "database/dependencies.h"
@@ -165,6 +166,9 @@ void askFollowers(Proof& proof) {
         subject.parm->hasDependents() || subject.parm->parm.conditionalBounds().empty()) {
       continue;
     }
-    if (followsDerived(subject)) Follower(proof, subject).ask();
+    if (!followsDerived(subject)) continue;
+    if (!doWithin(QUESTION_WORK, [&] { Follower(proof, subject).ask(); })) {
+      proof.text().database().forgetValues();
+    }
   }
 }

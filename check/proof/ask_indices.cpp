@@ -27,11 +27,9 @@ void askIndex(Proof& proof, const Subject& subject) {
       std::any_of(index.sources.begin(), index.sources.end(),
                   [](const VariableSource& source) { return source.parm != nullptr; });
   // Without a range that always counts no commit takes instances in by itself.
-  if (indexValues(index).empty()) return;
-  if (!followsParameters || !index.isShared || index.dependents.empty() ||
-      indexValues(index).size() > MAX_INDEX_VALUES) {
-    return;
-  }
+  const uint64_t count = countIndexValues(*index.index);
+  if (count == 0 || count > MAX_INDEX_VALUES) return;
+  if (!followsParameters || !index.isShared || index.dependents.empty()) return;
   Goal anything{&subject};
   anything.dependsOnRanges = true;
   const size_t all = indexValues(index).size();

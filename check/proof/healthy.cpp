@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <set>
 
+#include "base/number.h"
 #include "check/proof/candidates.h"
+#include "check/proof/limited.h"
 #include "check/proof/solver.h"
 #include "database/commit.h"
 #include "database/evaluation.h"
@@ -191,18 +193,27 @@ class HealthySearch {
   }
 
  private:
+  // The first and the last value of an index that has any.
+  static std::vector<std::string> endsOf(const BoundsParm& bounds) {
+    const Spans& spans = bounds.integers().spans();
+    const std::set<std::string>& texts = bounds.strings().texts();
+    return {spans.empty() ? *texts.begin() : numberText(spans.front().first),
+            texts.empty() ? numberText(spans.back().second) : *texts.rbegin()};
+  }
+
   // The instances to ask about: the first and the last values of each index, and all where there
   // are few.
   std::vector<IndexTuple> indexTuples() {
     if (goal_.subject->parm == nullptr) return {{}};
     std::vector<IndexTuple> tuples = {{}};
     for (IndexEntry* const index : goal_.subject->parm->indices->own) {
-      std::vector<std::string> values = indexValues(*index);
-      if (values.size() * tuples.size() > MANY_INDEX_TUPLES) {
-        isComplete_ = false;
-        areAllTuples_ = false;
-        values = {values.front(), values.back()};
-      }
+      const bool areFew = countIndexValues(*index->index) * tuples.size() <= MANY_INDEX_TUPLES;
+      isComplete_ = isComplete_ && areFew;
+      areAllTuples_ = areAllTuples_ && areFew;
+      std::vector<std::string> values =
+          areFew ? indexValues(*index) : endsOf(index->index->baseBounds());
+      // Each further index would double them.
+      if (!areFew && tuples.size() >= MANY_INDEX_TUPLES) values.pop_back();
       std::vector<IndexTuple> longer;
       for (const IndexTuple& tuple : tuples) {
         for (const std::string& value : values) {
@@ -604,14 +615,19 @@ class HealthySearch {
 
 HealthyResult findHealthy(const Goal& goal, const CompiledText& text, Domains& domains,
                           const std::function<bool(const IndexTuple& indices)>& isMet) {
-  HealthyResult result = HealthySearch(goal, text, domains, isMet).run();
-  if (result.verdict != VERDICT_POSSIBLE) return result;
-  const bool isKept = replay(result.witness, text.database());
-  std::vector<std::string> names;
-  for (const auto& [name, value] : result.witness) names.push_back(name);
-  forgetAround(names, text.database());
-  if (!isKept) return {};
-  return result;
+  HealthyResult result;
+  const bool isDone = doWithin(QUESTION_WORK, [&] {
+    result = HealthySearch(goal, text, domains, isMet).run();
+    if (result.verdict != VERDICT_POSSIBLE) return;
+    const bool isKept = replay(result.witness, text.database());
+    std::vector<std::string> names;
+    for (const auto& [name, value] : result.witness) names.push_back(name);
+    forgetAround(names, text.database());
+    if (!isKept) result = {};
+  });
+  if (isDone) return result;
+  text.database().forgetValues();
+  return {};
 }
 
 void forgetAround(const std::vector<std::string>& names, Database& database) {

@@ -48,9 +48,7 @@ void expectFinding(const SourceText& source, const Finding& finding) {
   demand(findFindingCode(finding.code) != nullptr, "no code ", finding.code);
   demand(!finding.text.empty(), "nothing is said of ", finding.code);
   expectPlace(source, finding.at, finding.text);
-  for (const RelatedPlace& related : finding.related) {
-    expectPlace(source, related.at, related.text);
-  }
+  for (const RelatedPlace& related : finding.related) expectPlace(source, related.at, related.text);
   if (finding.proposal) expectPlace(source, finding.proposal->at, finding.proposal->text);
 }
 

@@ -482,6 +482,19 @@ class Formulas {
   size_t fresh_ = 0;
 };
 
+namespace {
+
+// The solver has its own memory, and an exception of its own for its end.
+AnywhereResult solveFormulas(const SolverQuestion& question) {
+  try {
+    return Formulas(question).solve();
+  } catch (const z3::exception&) {
+    return {};
+  }
+}
+
+}  // namespace
+
 std::string SolverQuestion::canonicalText() const {
   std::map<std::string, size_t> places;
   std::string text;
@@ -538,7 +551,7 @@ AnywhereResult SolverQuestion::solve() const {
   const auto [answer, isNew] = answers().try_emplace(canonicalText());
   auto& [verdict, values] = answer->second;
   if (isNew) {
-    AnywhereResult solved = Formulas(*this).solve();
+    AnywhereResult solved = solveFormulas(*this);
     verdict = solved.verdict;
     if (verdict == VERDICT_POSSIBLE) {
       for (const std::string& key : order_) values.push_back(solved.assignment.at(key));

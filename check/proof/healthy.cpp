@@ -665,6 +665,7 @@ std::optional<std::string> valueKept(ParmEntry& parm, const IndexTuple& indices,
 
 bool replay(const NamedValues& witness, Database& database) {
   std::vector<std::string> names;
+  names.reserve(witness.size());
   for (const auto& [name, value] : witness) names.push_back(name);
   // Values that hold each other may need a second round.
   NamedValues moves = witness;

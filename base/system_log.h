@@ -25,8 +25,8 @@ bool tellLostLines();
 /// tellLostLines() a second later.
 void whenLinesAreLost(void (*act)());
 
-/// Where logError's lines go while it lives, instead of the system log; for tests. One made while
-/// another lives takes over until it ends, so they end in the reverse order.
+/// Where logError's lines go while it lives, instead of the system log: for tests and tools. One
+/// made while another lives takes over until it ends, so they end in the reverse order.
 class LogRedirection {
  public:
   /// From now on `sink` is called with each line.

@@ -1,5 +1,6 @@
 #include "check/checker.h"
 
+#include "base/system_log.h"
 #include "check/allowances.h"
 #include "check/merged_findings.h"
 #include "check/proof/prove.h"
@@ -38,6 +39,8 @@ std::vector<Finding> takeAllowed(Allowances& allowances, std::vector<Finding>& f
 }  // namespace
 
 CheckReport checkText(const SourceText& source, const CheckOptions& options) {
+  // What the engine tells of values that it refuses is part of a trial, and no matter of the log.
+  const LogRedirection silence([](const std::string& /*line*/) {});
   Findings ofReading;
   ReadText text;
   readText(source, text, ofReading);

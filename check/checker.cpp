@@ -41,13 +41,16 @@ std::vector<Finding> takeAllowed(Allowances& allowances, std::vector<Finding>& f
 CheckReport checkText(const SourceText& source, const CheckOptions& options) {
   // What the engine tells of values that it refuses is part of a trial, and no matter of the log.
   const LogRedirection silence([](const std::string& /*line*/) {});
+  const Deadline::Clock::time_point start = Deadline::Clock::now();
   Findings ofReading;
   ReadText text;
   readText(source, text, ofReading);
 
   beginProofs();
   MergedFindings found(options.constants);
-  MergedFindings undecided(options.constants);
+  ProofLimits limits;
+  if (options.maxSeconds)
+    limits.deadline = Deadline(start + std::chrono::seconds(*options.maxSeconds));
   bool areAllBuilt = true;
   for (NamedValues& constants : variantsOf(options.constants)) {
     Findings findings;
@@ -55,15 +58,14 @@ CheckReport checkText(const SourceText& source, const CheckOptions& options) {
     const Variant variant = buildVariant(source, text, std::move(constants), findings);
     const CheckedText checked{source, text, options.constants, variant};
     const ExplainedPlaces explained = checkStatics(checked, findings);
-    if (variant.isBuilt && options.proofs) prove(checked, explained, findings, questions);
+    if (variant.isBuilt && options.proofs) prove(checked, explained, limits, findings, questions);
     areAllBuilt = areAllBuilt && variant.isBuilt;
-    found.addVariant(variant.isBuilt, findings);
-    undecided.addVariant(variant.isBuilt, questions);
+    found.addVariant(variant.isBuilt, findings, questions);
   }
 
   Findings all = found.merged();
   for (const Finding& finding : ofReading.all()) all.add(finding);
-  CheckReport report = {all.inTextOrder(), {}, undecided.merged().inTextOrder()};
+  CheckReport report = {all.inTextOrder(), {}, found.undecided().inTextOrder()};
   Allowances allowances(source, text.layout);
   report.allowed = takeAllowed(allowances, report.findings);
   static_cast<void>(takeAllowed(allowances, report.undecided));

@@ -17,43 +17,76 @@ bool isForAllVariants(std::string_view code) {
   return std::find(std::begin(CODES), std::end(CODES), code) != std::end(CODES);
 }
 
+bool hasAny(const std::vector<bool>& states) {
+  return std::find(states.begin(), states.end(), true) != states.end();
+}
+
 }  // namespace
 
 MergedFindings::MergedFindings(const ConstantChoices& choices)
     : choices_(choices), variants_(variantsOf(choices)) {}
 
-void MergedFindings::addVariant(bool isBuilt, const Findings& findings) {
+void MergedFindings::addVariant(bool isBuilt, const Findings& findings, const Findings& undecided) {
   const size_t variant = isBuilt_.size();
   assert(variant < variants_.size());
   isBuilt_.push_back(isBuilt);
-  for (const Finding& finding : findings.all()) {
-    Entry& entry = entries_[{finding.at, finding.code, finding.text}];
-    if (entry.has.empty()) {
-      entry.finding = finding;
-      entry.has.resize(variants_.size());
-    }
-    entry.has[variant] = true;
-  }
+  for (const Finding& finding : findings.all()) add(variant, finding, &Entry::has);
+  for (const Finding& finding : undecided.all()) add(variant, finding, &Entry::isOpen);
+}
+
+void MergedFindings::add(size_t variant, const Finding& finding, std::vector<bool> Entry::*states) {
+  Entry& entry = entries_[{finding.at, finding.code, finding.text}];
+  // A finding has more to tell than a question.
+  const bool isFirst = states == &Entry::has && !hasAny(entry.has);
+  if (entry.has.empty() || isFirst) entry.finding = finding;
+  entry.has.resize(variants_.size());
+  entry.isOpen.resize(variants_.size());
+  (entry.*states)[variant] = true;
 }
 
 Findings MergedFindings::merged() const {
   assert(isBuilt_.size() == variants_.size());
   Findings findings;
   for (const auto& [key, entry] : entries_) {
+    if (!isFound(entry)) continue;
     Finding finding = entry.finding;
     finding.variant = variantOf(entry);
-    if (!finding.variant.empty() && isForAllVariants(finding.code)) continue;
     findings.add(std::move(finding));
   }
   return findings;
 }
 
-std::string MergedFindings::variantOf(const Entry& entry) const {
-  const auto lacks = [&](size_t variant) { return isKnown(entry, variant) && !entry.has[variant]; };
-  size_t variant = 0;
-  while (variant < variants_.size() && !lacks(variant)) ++variant;
-  if (variant == variants_.size()) return {};
+Findings MergedFindings::undecided() const {
+  assert(isBuilt_.size() == variants_.size());
+  Findings findings;
+  for (const auto& [key, entry] : entries_) {
+    if (!isUndecided(entry)) continue;
+    Finding finding = entry.finding;
+    finding.variant = variantOf({finding, entry.isOpen, std::vector<bool>(variants_.size())});
+    findings.add(std::move(finding));
+  }
+  return findings;
+}
 
+bool MergedFindings::isFound(const Entry& entry) const {
+  if (!hasAny(entry.has)) return false;
+  return !isForAllVariants(entry.finding.code) || (!hasAny(entry.isOpen) && !isLackedBySome(entry));
+}
+
+bool MergedFindings::isUndecided(const Entry& entry) const {
+  if (!hasAny(entry.isOpen)) return false;
+  return isForAllVariants(entry.finding.code) ? !isLackedBySome(entry) : !hasAny(entry.has);
+}
+
+bool MergedFindings::isLackedBySome(const Entry& entry) const {
+  for (size_t variant = 0; variant < variants_.size(); ++variant) {
+    if (isKnown(entry, variant) && !entry.has[variant]) return true;
+  }
+  return false;
+}
+
+std::string MergedFindings::variantOf(const Entry& entry) const {
+  if (!isLackedBySome(entry)) return {};
   const auto first = std::find(entry.has.begin(), entry.has.end(), true);
   const NamedValues& constants = variants_[static_cast<size_t>(first - entry.has.begin())];
   NamedValues deciding;
@@ -85,6 +118,7 @@ bool MergedFindings::isDecidedBy(const Entry& entry, size_t step, size_t values)
 
 // Whether the variant's findings tell if it has this one.
 bool MergedFindings::isKnown(const Entry& entry, size_t variant) const {
+  if (entry.isOpen[variant] && !entry.has[variant]) return false;
   if (isBuilt_[variant] || entry.has[variant]) return true;
   const FindingGroup group = findFindingCode(entry.finding.code)->group;
   return group != GROUP_STATIC && group != GROUP_PROVED;

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "base/number.h"
+#include "base/work.h"
 #include "deflang/expression/operators.h"
 
 namespace {
@@ -226,6 +227,7 @@ AbstractValue abstractOf(const Domain& domain) {
 AbstractValue evaluateAbstractly(
     const CompiledExpression& expression,
     const std::function<AbstractValue(const VariableSource&)>& valueOf) {
+  Work::add(WORK_PER_PROGRAM + WORK_PER_NAME * expression.program.steps().size());
   std::vector<AbstractValue> stack;
   for (const Program::Step& step : expression.program.steps()) {
     switch (step.kind) {

@@ -3,6 +3,10 @@
 #include "database/plan.h"
 
 void askBudget(Proof& proof) {
+  if (proof.isOver()) {
+    proof.addUndecided({"over-budget", {}, "no commit takes a change of some parameter"});
+    return;
+  }
   const LargestChange change = findLargestChange(proof.text().database());
   if (change.parm == nullptr) return;
   Work::begin();

@@ -27,20 +27,28 @@ class Comparisons {
       const CompiledExpression part =
           proof_.text().compile({condition.tokens.subspan(node.first, node.last - node.first + 1)});
       const TextPlace at = tree->place(proof_.text().checked().source, left, right);
-      if (!askPart(part, WANT_TRUE, at)) askPart(part, WANT_UNTRUE, at);
+      askPart(part, at);
     }
   }
 
  private:
-  // Tells that `part` is never as wanted, if so.
-  bool askPart(const CompiledExpression& part, WantedResult wanted, const TextPlace& at) {
-    if (!proof_.isImpossible({&subject_, {{{&part, wanted}}}, seesIndices_}, ANY_VARIANT)) {
-      return false;
+  // Tells that `part` is never true or always true, if so.
+  void askPart(const CompiledExpression& part, const TextPlace& at) {
+    std::optional<Finding> undecided;
+    for (const WantedResult wanted : {WANT_TRUE, WANT_UNTRUE}) {
+      const Verdict verdict =
+          proof_.decide({&subject_, {{{&part, wanted}}}, seesIndices_}, ANY_VARIANT);
+      if (verdict == VERDICT_POSSIBLE) continue;
+      Finding finding{"dead-comparison", at,
+                      wanted == WANT_TRUE ? "this comparison is never true" + valuesOf(part)
+                                          : "this comparison is always true" + valuesOf(part)};
+      if (verdict == VERDICT_IMPOSSIBLE) {
+        proof_.add(std::move(finding));
+        return;
+      }
+      if (!undecided) undecided = std::move(finding);
     }
-    proof_.add({"dead-comparison", at,
-                wanted == WANT_TRUE ? "this comparison is never true" + valuesOf(part)
-                                    : "this comparison is always true" + valuesOf(part)});
-    return true;
+    if (undecided) proof_.addUndecided(*std::move(undecided));
   }
 
   // What the name of a comparison may be, where that is short enough to say.

@@ -32,27 +32,30 @@ void askCondition(Proof& proof, const Subject& subject, const ConditionKind& kin
   if (condition.sources.empty()) return;  // the builder tells of constants
   if (explained.explains(statement)) return;
   const TextPlace at = placeOf(condition.expression);
+  Finding never{"never-true", at, std::string("this condition is never true, ") + kind.neverTrue};
+  const Finding always{"always-true", at,
+                       std::string("this condition is always true, ") + kind.alwaysTrue};
   const Goal isTrue{&subject, {{{&condition, WANT_TRUE}}}, kind.seesIndices};
-  if (proof.isImpossible(isTrue, ANY_VARIANT)) {
-    explained.dead.insert(&statement);
-    proof.add({"never-true", at, std::string("this condition is never true, ") + kind.neverTrue});
-    return;
-  }
   const Goal isUntrue{&subject, {{{&condition, WANT_UNTRUE}}}, kind.seesIndices};
-  if (proof.isImpossible(isUntrue, ANY_VARIANT)) {
+  Verdict canBeTrue = proof.decide(isTrue, ANY_VARIANT);
+  Verdict canBeUntrue = canBeTrue;
+  if (canBeTrue != VERDICT_IMPOSSIBLE) canBeUntrue = proof.decide(isUntrue, ANY_VARIANT);
+  if (canBeUntrue == VERDICT_UNDECIDED) proof.addUndecided(always);
+  if (canBeTrue != VERDICT_IMPOSSIBLE && canBeUntrue == VERDICT_IMPOSSIBLE) {
     explained.told.insert(&statement);
-    proof.add(
-        {"always-true", at, std::string("this condition is always true, ") + kind.alwaysTrue});
+    proof.add(always);
     return;
   }
-  if (!dependsOnParameters(condition) || proof.isImpossible(isTrue)) return;
-  const HealthyResult settled = findHealthy(isTrue, proof.text(), proof.domains());
-  if (settled.verdict == VERDICT_IMPOSSIBLE) {
-    explained.dead.insert(&statement);
-    proof.add({"never-true", at,
-               std::string("this condition is never true once the device has settled, ") +
-                   kind.neverTrue});
+  if (canBeTrue != VERDICT_IMPOSSIBLE && dependsOnParameters(condition) &&
+      !proof.isImpossible(isTrue)) {
+    canBeTrue = proof.findHealthy(isTrue).verdict;
+    never.text =
+        std::string("this condition is never true once the device has settled, ") + kind.neverTrue;
   }
+  if (canBeTrue == VERDICT_UNDECIDED) proof.addUndecided(never);
+  if (canBeTrue != VERDICT_IMPOSSIBLE) return;
+  explained.dead.insert(&statement);
+  proof.add(never);
 }
 
 }  // namespace

@@ -23,12 +23,15 @@ void askDefault(Proof& proof, const Subject& subject, const CompiledStatement& s
     if (kept && *kept != *text) instead = *kept;
     return kept == *text;
   };
-  const HealthyResult result = findHealthy(counts, proof.text(), proof.domains(), isKept);
+  const HealthyResult result = proof.findHealthy(counts, isKept);
+  const TextPlace at = {value.at.line, value.at.column, 0};
+  if (proof.isCutShort()) {
+    proof.addUndecided({"default-outside", at, "no situation keeps this default"});
+  }
   // Where it never counts, or the parameter is never there, another finding says so.
   if (result.verdict != VERDICT_IMPOSSIBLE || instead.empty()) return;
-  proof.add({"default-outside",
-             {value.at.line, value.at.column, 0},
-             "no situation keeps this default: it becomes \"" + instead + '"'});
+  proof.add(
+      {"default-outside", at, "no situation keeps this default: it becomes \"" + instead + '"'});
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include <algorithm>
 
-#include "check/proof/limited.h"
 #include "check/proof/questions.h"
 #include "database/commit.h"
 #include "database/dependencies.h"
@@ -36,16 +35,28 @@ class Follower {
       : proof_(proof), database_(proof.text().database()), subject_(subject) {}
 
   void ask() {
+    std::optional<Finding> finding;
+    const bool isDone = proof_.ask([&] { finding = search(); });
+    if (finding) {
+      proof_.add(*std::move(finding));
+    } else if (!isDone || !isAsked_) {
+      proof_.addUndecided(findingWith("a value that fits can be lost"));
+    }
+  }
+
+ private:
+  std::optional<Finding> search() {
     IndexTuple indices;
     for (const IndexDef* index : subject_.parm->parm.indices()) {
       const std::vector<std::string> values = valuesOf(indexDomain(*index));
-      if (values.empty()) return;
+      if (values.empty()) return std::nullopt;
       indices.push_back(values.front());
     }
     name_ = fullName(subject_.name(), indices);
     indices_ = indices;
     std::vector<Instance> cone;
-    if (dependencyInstances(database_, name_, cone) != DEPENDENCIES_FOUND) return;
+    isAsked_ = dependencyInstances(database_, name_, cone) == DEPENDENCIES_FOUND;
+    if (!isAsked_) return std::nullopt;
     std::stable_sort(cone.begin(), cone.end(), [](const Instance& a, const Instance& b) {
       return a.parm->level < b.parm->level;
     });
@@ -56,39 +67,45 @@ class Follower {
     }
     for (const Instance& instance : cone) {
       const bool isDerived = !instance.parm->sources.empty();
-      if (!isDerived && instance.isComplete() && askChange(instance)) break;
+      if (!isDerived && instance.isComplete()) askChange(instance);
+      if (found_ || !isAsked_) break;
     }
     forgetAround(names_, database_);
+    return found_;
   }
 
- private:
   static Domain indexDomain(const IndexDef& index) {
     Domain domain;
     domain.add(index.baseBounds());
     return domain;
   }
 
-  bool askChange(const Instance& changed) {
+  // Leaves in `found_` what is lost, if anything.
+  void askChange(const Instance& changed) {
     const std::string change = fullName(changed.parm->parm.name(), changed.indices);
     const NameDomain& domain = proof_.domains().of(database_.findSource(changed.parm->parm.name()));
     const std::vector<std::string> values = valuesOf(domain.values);
     std::vector<Domain> ranges;
     for (const std::string& value : values) {
+      if (proof_.isOver()) break;
       static_cast<void>(moveFromDefaults(startWith(change, value), names_, database_));
       ranges.push_back(presentRange());
     }
+    isAsked_ = ranges.size() == values.size();
+    if (!isAsked_) return;
     for (size_t after = 0; after < values.size(); ++after) {
       for (size_t before = 0; before < values.size(); ++before) {
         if (values[after].empty() || before == after) continue;
         for (const std::string& own : valuesOf(ranges[after])) {
           // What the old range takes too is not lost.
           if (ranges[before].contains(own)) continue;
-          if (++commits_ > MANY_COMMITS) return true;
-          if (loses(startWith(change, values[before]), {change, values[after]}, own)) return true;
+          isAsked_ = ++commits_ <= MANY_COMMITS && !proof_.isOver();
+          if (!isAsked_) return;
+          tryBoth(startWith(change, values[before]), {change, values[after]}, own);
+          if (found_) return;
         }
       }
     }
-    return false;
   }
 
   // The one move that sets `value`; none for the empty one, with which everything has its default.
@@ -107,12 +124,12 @@ class Follower {
     return domain;
   }
 
-  // Whether `own`, which is kept where it is set after `change`, is lost where it is set with it.
-  bool loses(const NamedValues& start, const std::pair<std::string, std::string>& change,
-             const std::string& own) {
+  // Sets `own` after `change`, and with it: what the first keeps is not to be lost by the second.
+  void tryBoth(const NamedValues& start, const std::pair<std::string, std::string>& change,
+               const std::string& own) {
     NamedValues oneByOne = start;
     oneByOne.insert(oneByOne.end(), {change, {name_, own}});
-    if (!moveFromDefaults(oneByOne, names_, database_) || held() != own) return false;
+    if (!moveFromDefaults(oneByOne, names_, database_) || held() != own) return;
     static_cast<void>(moveFromDefaults(start, names_, database_));
     Transaction transaction(database_);
     static_cast<void>(transaction.set(change.first, change.second, true));
@@ -120,16 +137,15 @@ class Follower {
     std::vector<Change> changes;
     static_cast<void>(commit(transaction, changes));
     const std::string left = held();
-    if (left == own) return false;
-    const Position at = proof_.text().checked().text.layout.nameOf(*subject_.record);
-    Finding finding{"late-follower",
-                    {at.line, at.column, static_cast<uint32_t>(subject_.name().size())},
-                    "this is judged before what it follows where both are set in one commit, and a "
-                    "value that fits can be lost: here \"" +
-                        own + "\" becomes \"" + left + '"' + beforeText(start)};
-    finding.witness = {change, {name_, own}};
-    proof_.add(std::move(finding));
-    return true;
+    if (left == own) return;
+    found_ = findingWith("a value that fits can be lost: here \"" + own + "\" becomes \"" + left +
+                         '"' + beforeText(start));
+    found_->witness = {change, {name_, own}};
+  }
+
+  [[nodiscard]] Finding findingWith(const std::string& loss) const {
+    return {"late-follower", placeOfName(proof_, subject_),
+            "this is judged before what it follows where both are set in one commit, and " + loss};
   }
 
   static std::string beforeText(const NamedValues& start) {
@@ -146,6 +162,8 @@ class Follower {
   IndexTuple indices_;
   std::vector<std::string> names_;  // of what it depends on, and its own
   size_t commits_ = 0;
+  std::optional<Finding> found_;
+  bool isAsked_ = true;  // whether no limit was passed
 };
 
 // Whether it follows a parameter that itself follows others: what is staged is seen at once, what
@@ -166,9 +184,6 @@ void askFollowers(Proof& proof) {
         subject.parm->hasDependents() || subject.parm->parm.conditionalBounds().empty()) {
       continue;
     }
-    if (!followsDerived(subject)) continue;
-    if (!doWithin(QUESTION_WORK, [&] { Follower(proof, subject).ask(); })) {
-      proof.text().database().forgetValues();
-    }
+    if (followsDerived(subject)) Follower(proof, subject).ask();
   }
 }

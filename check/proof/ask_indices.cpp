@@ -20,6 +20,12 @@ std::string parametersText(const IndexEntry& index) {
   return count == 1 ? index.dependents.front()->parm.name() : std::to_string(count) + " parameters";
 }
 
+void addUndecided(Proof& proof, const Subject& subject) {
+  Finding finding{"narrowed-away", placeOfName(proof, subject),
+                  "instances can be out of reach, with what they hold"};
+  proof.addUndecided(std::move(finding));
+}
+
 // Tells the situation in which the fewest values are left: none, or some less than there can be.
 void askIndex(Proof& proof, const Subject& subject) {
   IndexEntry& index = *subject.index;
@@ -28,22 +34,24 @@ void askIndex(Proof& proof, const Subject& subject) {
                   [](const VariableSource& source) { return source.parm != nullptr; });
   // Without a range that always counts no commit takes instances in by itself.
   const uint64_t count = countIndexValues(*index.index);
-  if (count == 0 || count > MAX_INDEX_VALUES) return;
-  if (!followsParameters || !index.isShared || index.dependents.empty()) return;
+  if (count == 0 || !followsParameters || !index.isShared || index.dependents.empty()) return;
+  if (count > MAX_INDEX_VALUES) {
+    addUndecided(proof, subject);
+    return;
+  }
   Goal anything{&subject};
   anything.dependsOnRanges = true;
   const size_t all = indexValues(index).size();
   size_t left = all;
+  bool isUndecided = false;
   for (const size_t most : {size_t{0}, all - 1}) {
-    const HealthyResult result =
-        findHealthy(anything, proof.text(), proof.domains(), [&](const IndexTuple&) {
-          left = countTaken(index);
-          return left <= most;
-        });
+    const HealthyResult result = proof.findHealthy(anything, [&](const IndexTuple&) {
+      left = countTaken(index);
+      return left <= most;
+    });
+    isUndecided = isUndecided || result.verdict == VERDICT_UNDECIDED;
     if (result.verdict != VERDICT_POSSIBLE) continue;
-    const Position at = proof.text().checked().text.layout.nameOf(*subject.record);
-    Finding finding{"narrowed-away",
-                    {at.line, at.column, static_cast<uint32_t>(subject.name().size())},
+    Finding finding{"narrowed-away", placeOfName(proof, subject),
                     std::to_string(left) + " of " + std::to_string(all) +
                         " index values can be left, and the other instances of " +
                         parametersText(index) + " are then out of reach, with what they hold"};
@@ -51,6 +59,7 @@ void askIndex(Proof& proof, const Subject& subject) {
     proof.add(std::move(finding));
     return;
   }
+  if (isUndecided) addUndecided(proof, subject);
 }
 
 }  // namespace

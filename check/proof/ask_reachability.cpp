@@ -30,9 +30,13 @@ const CompiledStatement* coverOf(Proof& proof, const Goal& applies,
   return nullptr;
 }
 
+Finding unreachable(const CompiledStatement& statement, const char* text) {
+  return {"unreachable", placeOf(*statement.layout), text};
+}
+
 void addUnreachable(Proof& proof, const CompiledStatement& statement,
                     const CompiledStatement* cover, const char* text) {
-  Finding finding{"unreachable", placeOf(*statement.layout), text};
+  Finding finding = unreachable(statement, text);
   if (cover != nullptr) {
     finding.related.push_back({placeOf(*cover->layout), "this statement decides first"});
   }
@@ -58,10 +62,13 @@ void askFirstThatApplies(Proof& proof, const Subject& subject,
     if (statement->condition) applies.clauses.push_back({{&*statement->condition, WANT_TRUE}});
     Goal goal = applies;
     for (const CompiledStatement* other : earlier) goal.clauses.push_back(pass(*other));
-    if (!earlier.empty() && !proof.isImpossible(applies, ANY_VARIANT) &&
-        proof.isImpossible(goal, ANY_VARIANT)) {
-      explained.dead.insert(statement);
-      addUnreachable(proof, *statement, coverOf(proof, applies, earlier, pass), text);
+    if (!earlier.empty() && !proof.isImpossible(applies, ANY_VARIANT)) {
+      const Verdict verdict = proof.decide(goal, ANY_VARIANT);
+      if (verdict == VERDICT_UNDECIDED) proof.addUndecided(unreachable(*statement, text));
+      if (verdict == VERDICT_IMPOSSIBLE) {
+        explained.dead.insert(statement);
+        addUnreachable(proof, *statement, coverOf(proof, applies, earlier, pass), text);
+      }
     }
     if (statement->condition) earlier.push_back(statement);
   }
@@ -110,18 +117,25 @@ void askRanges(Proof& proof, const Subject& subject, Explained& explained) {
       continue;
     }
     const Goal applies{&subject, {{{&*statement.condition, WANT_TRUE}}}};
+    const char* const text =
+        "this range adds nothing: an earlier one with its values always counts too";
+    bool isUndecided = false;
     for (const CompiledStatement* other : earlier) {
       const std::optional<Domain> others = constantValues(*other);
-      Goal goal = applies;
-      goal.clauses.push_back(passedOver(*other));
-      if (!others || !isWithin(*values, *others) || proof.isImpossible(applies, ANY_VARIANT) ||
-          !proof.isImpossible(goal, ANY_VARIANT)) {
+      if (!others || !isWithin(*values, *others) || proof.isImpossible(applies, ANY_VARIANT)) {
         continue;
       }
-      addUnreachable(proof, statement, other,
-                     "this range adds nothing: an earlier one with its values always counts too");
+      Goal goal = applies;
+      goal.clauses.push_back(passedOver(*other));
+      const Verdict verdict = proof.decide(goal, ANY_VARIANT);
+      isUndecided = isUndecided || verdict == VERDICT_UNDECIDED;
+      if (verdict != VERDICT_IMPOSSIBLE) continue;
+      addUnreachable(proof, statement, other, text);
       explained.dead.insert(&statement);
       break;
+    }
+    if (isUndecided && !explained.dead.contains(&statement)) {
+      proof.addUndecided(unreachable(statement, text));
     }
     earlier.push_back(&statement);
   }

@@ -1,4 +1,5 @@
-#include "check/proof/limited.h"
+#include <algorithm>
+
 #include "check/proof/questions.h"
 #include "database/commit.h"
 #include "database/index_values.h"
@@ -8,18 +9,11 @@
 namespace {
 
 constexpr size_t MANY_RELATED = 8;
+// Of a parameter, and of all together.
 constexpr uint64_t MANY_INSTANCES = 20'000;
+constexpr uint64_t MANY_INSTANCES_IN_ALL = 200'000;
 // Of the start and all that follows: about a second.
 constexpr uint64_t START_WORK = 1'000'000'000;
-
-std::vector<std::string> instanceNames(const Subject& subject, Database& database) {
-  std::vector<std::string> names;
-  if (countInstances(subject.parm->parm) > MANY_INSTANCES) return names;
-  forEachInstance(database, subject.parm->parm, [&](const IndexTuple& indices) {
-    names.push_back(fullName(subject.name(), indices));
-  });
-  return names;
-}
 
 // What an instance holds, by name.
 using Held = std::map<std::string, std::string>;
@@ -29,22 +23,42 @@ class Start {
   explicit Start(Proof& proof) : proof_(proof), database_(proof.text().database()) {}
 
   void run() {
+    std::optional<Finding> finding;
+    const bool isDone = proof_.ask([&] { finding = ask(); }, START_WORK);
     database_.forgetValues();
-    const bool isDone = doWithin(START_WORK, [&] {
-      resetAll();
-      const Held started = held();
-      commitAgain(started);
-      tell(started, held());
-    });
-    database_.forgetValues();
-    if (!isDone) tellUndecided();
+    if (finding) {
+      proof_.add(*std::move(finding));
+    } else if ((!isDone || !isAsked_) && !proof_.hasFound("over-budget")) {
+      proof_.addUndecided({"unsettled", {}, "some parameter does not come to rest"});
+    }
   }
 
  private:
+  std::optional<Finding> ask() {
+    database_.forgetValues();
+    resetAll();
+    const Held started = held();
+    commitAgain(started);
+    const Held again = held();
+    // A round that was cut short leaves what it has not come to.
+    if (proof_.isOver()) isAsked_ = false;
+    return proof_.isOver() ? std::nullopt : findingOf(started, again);
+  }
+
   void resetAll() {
+    uint64_t left = MANY_INSTANCES_IN_ALL;
     for (const Subject& subject : proof_.text().subjects()) {
       if (subject.parm == nullptr) continue;
-      names_[&subject] = instanceNames(subject, database_);
+      std::vector<std::string>& names = names_[&subject];
+      const uint64_t count = countInstances(subject.parm->parm);
+      if (count > std::min(left, MANY_INSTANCES)) {
+        isAsked_ = false;
+        continue;
+      }
+      left -= count;
+      forEachInstance(database_, subject.parm->parm, [&](const IndexTuple& indices) {
+        names.push_back(fullName(subject.name(), indices));
+      });
     }
     // Plain names first, each level after what it follows: so no value is judged too early.
     std::map<std::pair<bool, uint32_t>, std::vector<std::string>> rounds;
@@ -53,11 +67,16 @@ class Start {
       round.insert(round.end(), names.begin(), names.end());
     }
     for (const auto& [order, names] : rounds) {
+      if (proof_.isOver()) return;
       Transaction transaction(database_);
       for (const std::string& name : names) static_cast<void>(transaction.reset(name, true));
-      std::vector<Change> changes;
-      static_cast<void>(commit(transaction, changes));
+      commitRound(transaction);
     }
+  }
+
+  void commitRound(Transaction& transaction) {
+    std::vector<Change> changes;
+    if (commit(transaction, changes) == COMMIT_TOO_LARGE) isAsked_ = false;
   }
 
   // Sets everything to what it holds, in one commit of each level.
@@ -65,6 +84,7 @@ class Start {
     std::map<uint32_t, std::vector<const Subject*>> levels;
     for (const auto& [subject, names] : names_) levels[subject->parm->level].push_back(subject);
     for (const auto& [level, subjects] : levels) {
+      if (proof_.isOver()) return;
       Transaction transaction(database_);
       for (const Subject* subject : subjects) {
         for (const std::string& name : names_[subject]) {
@@ -72,8 +92,7 @@ class Start {
           if (!value.empty()) static_cast<void>(transaction.set(name, value, true));
         }
       }
-      std::vector<Change> changes;
-      static_cast<void>(commit(transaction, changes));
+      commitRound(transaction);
     }
   }
 
@@ -89,18 +108,8 @@ class Start {
     return values;
   }
 
-  void tellUndecided() {
-    const auto& subjects = proof_.text().subjects();
-    const auto first = std::find_if(subjects.begin(), subjects.end(),
-                                    [](const Subject& subject) { return subject.parm != nullptr; });
-    if (first == subjects.end()) return;
-    proof_.addUndecided({"unsettled", placeOfName(*first),
-                         "whether the device comes to rest after its start takes too long to find "
-                         "out"});
-  }
-
-  // Tells the first one that does not rest, and beside it the others: they mostly move one another.
-  void tell(const Held& started, const Held& again) {
+  // The first one that does not rest, and beside it the others: they mostly move one another.
+  std::optional<Finding> findingOf(const Held& started, const Held& again) {
     std::optional<Finding> finding;
     for (const Subject& subject : proof_.text().subjects()) {
       const std::string* const name = firstMoved(subject, started, again);
@@ -109,12 +118,12 @@ class Start {
                                 ": after the start it is \"" + started.at(*name) + "\", and \"" +
                                 again.at(*name) + "\" after the same values are set again";
       if (!finding) {
-        finding = Finding{"unsettled", placeOfName(subject), moved};
+        finding = Finding{"unsettled", placeOfName(proof_, subject), moved};
       } else if (finding->related.size() < MANY_RELATED) {
-        finding->related.push_back({placeOfName(subject), moved});
+        finding->related.push_back({placeOfName(proof_, subject), moved});
       }
     }
-    if (finding) proof_.add(*std::move(finding));
+    return finding;
   }
 
   // The first instance that the second round has moved, or null.
@@ -127,14 +136,10 @@ class Start {
     return moved == names.end() ? nullptr : &*moved;
   }
 
-  TextPlace placeOfName(const Subject& subject) const {
-    const Position at = proof_.text().checked().text.layout.nameOf(*subject.record);
-    return {at.line, at.column, static_cast<uint32_t>(subject.name().size())};
-  }
-
   Proof& proof_;
   Database& database_;
   std::map<const Subject*, std::vector<std::string>> names_;
+  bool isAsked_ = true;  // of every parameter, in both rounds
 };
 
 }  // namespace

@@ -53,7 +53,7 @@ void ask(Proof& proof, Goal goal, Clause clause, const CompiledExpression& place
          std::string_view code, const char* text) {
   goal.clauses.push_back(std::move(clause));
   if (proof.isImpossible(goal, THIS_VARIANT, EFFORT_QUICK)) return;
-  const HealthyResult result = findHealthy(goal, proof.text(), proof.domains());
+  const HealthyResult result = proof.findHealthy(goal);
   if (result.verdict == VERDICT_IMPOSSIBLE) return;
   Finding finding{code, placeOf(place.expression), text};
   if (result.verdict == VERDICT_UNDECIDED) {

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "base/number.h"
+#include "base/work.h"
 #include "deflang/expression/operators.h"
 #include "vid_std.h"
 
@@ -129,6 +130,8 @@ void noteUses(const CompiledExpression& expression, ExpressionPurpose purpose, N
 }
 
 Candidates candidatesFor(const NameDomain& domain, const NameUse& use, uint64_t few) {
+  Work::add(WORK_PER_ITEM * (domain.values.spans().size() + domain.values.texts().size() +
+                             use.numbers.size() + use.texts.size()));
   Candidates out;
   if (domain.mayBeUndefined) out.values.emplace_back(std::nullopt);
   const Domain& values = domain.values;

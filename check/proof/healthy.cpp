@@ -4,8 +4,8 @@
 #include <set>
 
 #include "base/number.h"
+#include "base/work.h"
 #include "check/proof/candidates.h"
-#include "check/proof/limited.h"
 #include "check/proof/solver.h"
 #include "database/commit.h"
 #include "database/evaluation.h"
@@ -121,6 +121,7 @@ class Cone {
         reader == nullptr ? source.indices : indicesOf(source, reader->parm, indices);
     // What is read with too few index values is never there.
     if (own.size() != source.parm->parm.indices().size()) return;
+    Work::add(WORK_PER_REFERENCE);
     if (seen_.emplace(source.parm, own).second) instances_.push_back({source.parm, own});
   }
 
@@ -155,6 +156,7 @@ class ConeUses {
   }
   // How the instances of a parameter are used, whatever index values the text gives them.
   [[nodiscard]] NameUse of(std::string_view base) const {
+    Work::add(WORK_PER_COMPARISON * uses_.size());
     NameUse all;
     for (const auto& [name, use] : uses_) {
       if (baseName(name) != base) continue;
@@ -176,8 +178,8 @@ class ConeUses {
 class HealthySearch {
  public:
   HealthySearch(const Goal& goal, const CompiledText& text, Domains& domains,
-                const std::function<bool(const IndexTuple&)>& isMet)
-      : goal_(goal), text_(text), domains_(domains), isMet_(isMet) {}
+                const std::function<bool(const IndexTuple&)>& isMet, const Deadline& deadline)
+      : goal_(goal), text_(text), domains_(domains), isMet_(isMet), deadline_(deadline) {}
 
   HealthyResult run() {
     const std::vector<IndexTuple> tuples = indexTuples();
@@ -255,6 +257,7 @@ class HealthySearch {
   void solveFor(const std::vector<IndexTuple>& tuples) {
     bool isUnsolvable = areAllTuples_;
     for (const IndexTuple& indices : tuples) {
+      if (deadline_.isOver()) return;
       indices_ = &indices;
       Cone cone(goal_, indices);
       cone_ = &cone.instances();
@@ -372,7 +375,7 @@ class HealthySearch {
     isComplete_ = false;
     std::set<std::vector<std::string>> seen;
     std::vector<NamedValues> open = {{}};
-    for (size_t next = 0; next < open.size() && !found_ && left_ > 0; ++next) {
+    for (size_t next = 0; next < open.size() && !found_ && mayGoOn(); ++next) {
       const NamedValues moves = open[next];
       if (!moveFromDefaults(moves, coneNames(), database)) continue;
       if (!seen.insert(coneValues()).second) continue;
@@ -460,7 +463,7 @@ class HealthySearch {
     if (!candidates.isComplete) isComplete_ = false;
     std::set<std::string> tried;
     for (const std::optional<std::string>& candidate : candidates.values) {
-      if (found_ || left_ == 0) break;
+      if (found_ || !mayGoOn()) break;
       if (!candidate || candidate->empty()) continue;
       --left_;
       std::string value = *candidate;
@@ -471,6 +474,11 @@ class HealthySearch {
       instance.present = NameDomain{Domain::of(value), false};
       if (isWithinReach()) setFrom(place + 1);
     }
+  }
+
+  bool mayGoOn() {
+    if (deadline_.isOver()) left_ = 0;
+    return left_ > 0;
   }
 
   // What an instance may hold in the situation that is set so far.
@@ -599,6 +607,7 @@ class HealthySearch {
   const CompiledText& text_;
   Domains& domains_;
   const std::function<bool(const IndexTuple&)>& isMet_;
+  const Deadline& deadline_;
   Setter setter_;
   const IndexTuple* indices_ = nullptr;
   std::vector<ConeInstance>* cone_ = nullptr;
@@ -614,20 +623,16 @@ class HealthySearch {
 }  // namespace
 
 HealthyResult findHealthy(const Goal& goal, const CompiledText& text, Domains& domains,
-                          const std::function<bool(const IndexTuple& indices)>& isMet) {
-  HealthyResult result;
-  const bool isDone = doWithin(QUESTION_WORK, [&] {
-    result = HealthySearch(goal, text, domains, isMet).run();
-    if (result.verdict != VERDICT_POSSIBLE) return;
-    const bool isKept = replay(result.witness, text.database());
-    std::vector<std::string> names;
-    for (const auto& [name, value] : result.witness) names.push_back(name);
-    forgetAround(names, text.database());
-    if (!isKept) result = {};
-  });
-  if (isDone) return result;
-  text.database().forgetValues();
-  return {};
+                          const std::function<bool(const IndexTuple& indices)>& isMet,
+                          const Deadline& deadline) {
+  HealthyResult result = HealthySearch(goal, text, domains, isMet, deadline).run();
+  if (result.verdict != VERDICT_POSSIBLE) return result;
+  const bool isKept = replay(result.witness, text.database());
+  std::vector<std::string> names;
+  for (const auto& [name, value] : result.witness) names.push_back(name);
+  forgetAround(names, text.database());
+  if (!isKept) return {};
+  return result;
 }
 
 void forgetAround(const std::vector<std::string>& names, Database& database) {

@@ -2,9 +2,32 @@
 
 #include <algorithm>
 
+bool Proof::ask(const std::function<void()>& question, uint64_t units) {
+  isCutShort_ = isOver();
+  if (isCutShort_) return false;
+  isCutShort_ = !doWithin(units, question);
+  if (isCutShort_) text_.database().forgetValues();
+  return !isCutShort_;
+}
+
+Verdict Proof::decide(const Goal& goal, ConstantScope scope, Effort effort) {
+  Verdict verdict = VERDICT_UNDECIDED;
+  static_cast<void>(ask([&] { verdict = decideAnywhere(goal, domains_, scope, effort).verdict; }));
+  return verdict;
+}
+
+HealthyResult Proof::findHealthy(const Goal& goal,
+                                 const std::function<bool(const IndexTuple&)>& isMet) {
+  HealthyResult result;
+  static_cast<void>(
+      ask([&] { result = ::findHealthy(goal, text_, domains_, isMet, limits_.deadline); }));
+  isCutShort_ = isCutShort_ || (result.verdict == VERDICT_UNDECIDED && isOver());
+  return result;
+}
+
 bool Proof::addIfHealthy(const Goal& goal, Finding finding) {
   if (isImpossible(goal, THIS_VARIANT, EFFORT_QUICK)) return false;
-  HealthyResult result = findHealthy(goal, text_, domains_);
+  HealthyResult result = findHealthy(goal);
   if (result.verdict == VERDICT_IMPOSSIBLE) return false;
   if (result.verdict == VERDICT_UNDECIDED) {
     addUndecided(std::move(finding));
@@ -13,6 +36,11 @@ bool Proof::addIfHealthy(const Goal& goal, Finding finding) {
   finding.witness = std::move(result.witness);
   add(std::move(finding));
   return true;
+}
+
+bool Proof::hasFound(std::string_view code) const {
+  return std::any_of(findings_.all().begin(), findings_.all().end(),
+                     [&](const Finding& finding) { return finding.code == code; });
 }
 
 bool Proof::isTold(std::string_view code, const NamedValues& witness) const {
@@ -37,6 +65,11 @@ TextPlace placeOf(const Expression& expression) {
     end = token.at.column + std::max(placeOf(token).length, 1U);
   }
   return {first.at.line, first.at.column, end - first.at.column};
+}
+
+TextPlace placeOfName(const Proof& proof, const Subject& subject) {
+  const Position at = proof.text().checked().text.layout.nameOf(*subject.record);
+  return {at.line, at.column, static_cast<uint32_t>(subject.name().size())};
 }
 
 TextPlace placeOf(const StatementLayout& statement) {

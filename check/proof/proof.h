@@ -3,26 +3,47 @@
 
 #include "check/proof/anywhere.h"
 #include "check/proof/healthy.h"
+#include "check/proof/limited.h"
 #include "check/proof/prove.h"
 
 /// A text under proof, and what was found so far.
 class Proof {
  public:
-  Proof(const CheckedText& checked, Findings& findings, Findings& undecided)
-      : text_(checked), domains_(text_), findings_(findings), undecided_(undecided) {}
+  Proof(const CheckedText& checked, const ProofLimits& limits, Findings& findings,
+        Findings& undecided)
+      : text_(checked),
+        domains_(text_),
+        limits_(limits),
+        findings_(findings),
+        undecided_(undecided) {}
 
   [[nodiscard]] const CompiledText& text() const { return text_; }
   [[nodiscard]] Domains& domains() { return domains_; }
 
   void add(Finding finding) { findings_.add(std::move(finding)); }
   void addUndecided(Finding finding) { undecided_.add(std::move(finding)); }
+  /// Whether there is a finding of `code`.
+  [[nodiscard]] bool hasFound(std::string_view code) const;
   /// Whether a finding of `code` names one of the values of `witness` already.
   [[nodiscard]] bool isTold(std::string_view code, const NamedValues& witness) const;
+  /// Whether no more is to be asked. What is asked nevertheless is not decided.
+  [[nodiscard]] bool isOver() const { return limits_.deadline.isOver(); }
+  /// Runs a question, which may spend `units` of work. Returns whether it came to its end, with the
+  /// work and the memory there is; where it did not, all values are unset.
+  bool ask(const std::function<void()>& question, uint64_t units = QUESTION_WORK);
+  /// Whether the last question was not asked, or did not come to its end.
+  [[nodiscard]] bool isCutShort() const { return isCutShort_; }
+  /// Whether the goal can be met at all, whatever the values are.
+  Verdict decide(const Goal& goal, ConstantScope scope = THIS_VARIANT,
+                 Effort effort = EFFORT_THOROUGH);
   /// Whether the goal is proved to be out of reach, whatever the values are.
   bool isImpossible(const Goal& goal, ConstantScope scope = THIS_VARIANT,
                     Effort effort = EFFORT_THOROUGH) {
-    return decideAnywhere(goal, domains_, scope, effort).verdict == VERDICT_IMPOSSIBLE;
+    return decide(goal, scope, effort) == VERDICT_IMPOSSIBLE;
   }
+  /// Looks for a healthy situation, as findHealthy() of healthy.h.
+  HealthyResult findHealthy(const Goal& goal,
+                            const std::function<bool(const IndexTuple& indices)>& isMet = {});
   /// Adds `finding` with its witness where a healthy situation meets `goal`; adds it to those that
   /// are undecided where that was not found out. Returns whether it was added.
   bool addIfHealthy(const Goal& goal, Finding finding);
@@ -30,13 +51,17 @@ class Proof {
  private:
   CompiledText text_;
   Domains domains_;
+  const ProofLimits& limits_;
   Findings& findings_;
   Findings& undecided_;
+  bool isCutShort_ = false;
 };
 
 /// The place of a token.
 TextPlace placeOf(const Token& token);
 /// The place of all tokens of an expression on the line of its first one.
 TextPlace placeOf(const Expression& expression);
+/// The place of a definition's name.
+TextPlace placeOfName(const Proof& proof, const Subject& subject);
 /// The place of a statement's keyword.
 TextPlace placeOf(const StatementLayout& statement);

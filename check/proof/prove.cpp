@@ -5,9 +5,9 @@
 
 void beginProofs() { SolverQuestion::forgetAnswers(); }
 
-void prove(const CheckedText& checked, const ExplainedPlaces& explainedPlaces, Findings& findings,
-           Findings& undecided) {
-  Proof proof(checked, findings, undecided);
+void prove(const CheckedText& checked, const ExplainedPlaces& explainedPlaces,
+           const ProofLimits& limits, Findings& findings, Findings& undecided) {
+  Proof proof(checked, limits, findings, undecided);
   Explained explained(explainedPlaces);
   askConditions(proof, explained);
   askReachability(proof, explained);
@@ -17,7 +17,7 @@ void prove(const CheckedText& checked, const ExplainedPlaces& explainedPlaces, F
   askDefaults(proof, explained);
   askIndices(proof);
   askOverflow(proof, explained);
-  askStart(proof);
   askFollowers(proof);
   askBudget(proof);
+  askStart(proof);
 }

@@ -1,14 +1,20 @@
 // Proofs: what holds of a text in all situations.
 #pragma once
 
+#include "check/proof/deadline.h"
 #include "check/static/explained_places.h"
 #include "check/text/checked_text.h"
 
 /// Forgets what was found out about the text before: to be called before the first variant.
 void beginProofs();
 
+/// How much is asked.
+struct ProofLimits {
+  Deadline deadline = {};  ///< the questions that are left then are not asked, and so undecided
+};
+
 /// Asks all questions about a text that the engine has built, but of expressions that `explained`
 /// says enough of. What is found goes to `findings`, and what could be neither shown nor ruled out
 /// to `undecided`. The values of the database are unset afterwards.
-void prove(const CheckedText& checked, const ExplainedPlaces& explained, Findings& findings,
-           Findings& undecided);
+void prove(const CheckedText& checked, const ExplainedPlaces& explained, const ProofLimits& limits,
+           Findings& findings, Findings& undecided);

@@ -1,8 +1,12 @@
 #include "check/checker.h"
 
+#include <algorithm>
 #include "base/system_log.h"
+
 #include "check/allowances.h"
+#include "check/jobs.h"
 #include "check/merged_findings.h"
+#include "check/packed_findings.h"
 #include "check/proof/prove.h"
 #include "check/static/static_checks.h"
 #include "check/text/checked_text.h"
@@ -36,6 +40,71 @@ std::vector<Finding> takeAllowed(Allowances& allowances, std::vector<Finding>& f
   return allowed;
 }
 
+// A text with all that is the same in each of its variants.
+class VariantChecks {
+ public:
+  VariantChecks(const SourceText& source, const ReadText& text, const CheckOptions& options,
+                Deadline::Clock::time_point start)
+      : source_(source), text_(text), options_(options), variants_(variantsOf(options.constants)) {
+    if (options.maxSeconds) deadline_ = Deadline(start + std::chrono::seconds(*options.maxSeconds));
+    // Where there are fewer variants than jobs, several share one.
+    const size_t jobs = std::min<size_t>(options.jobs, MANY_JOBS);
+    if (options.proofs) parts_ = (jobs + variants_.size() - 1) / variants_.size();
+  }
+
+  // Adds what is found to `found`. Returns why it cannot, else nothing.
+  std::string run(MergedFindings& found, bool& areAllBuilt) const {
+    const size_t pieces = variants_.size() * parts_;
+    const JobResults done = runJobs(pieces, std::min(options_.jobs, MANY_JOBS),
+                                    [this](size_t piece) { return packFindings(check(piece)); });
+    if (!done.failure.empty()) return done.failure;
+    for (size_t piece = 0; piece < pieces; piece += parts_) {
+      VariantFindings variant;
+      for (size_t part = 0; part < parts_; ++part) {
+        std::string_view bytes = done.results[piece + part];
+        std::optional<VariantFindings> unpacked = unpackFindings(bytes);
+        if (!unpacked) return "a job has answered something else";
+        variant.isBuilt = unpacked->isBuilt;
+        for (const Finding& finding : unpacked->findings.all()) variant.findings.add(finding);
+        for (const Finding& finding : unpacked->undecided.all()) variant.undecided.add(finding);
+      }
+      areAllBuilt = areAllBuilt && variant.isBuilt;
+      found.addVariant(variant.isBuilt, variant.findings, variant.undecided);
+    }
+    return {};
+  }
+
+ private:
+  static constexpr uint32_t MANY_JOBS = 64;
+
+  // What the first part of a variant's questions finds, with what needs no proof, or another part.
+  VariantFindings check(size_t piece) const {
+    const size_t part = piece % parts_;
+    VariantFindings result;
+    const Variant variant =
+        buildVariant(source_, text_, variants_[piece / parts_], result.findings);
+    result.isBuilt = variant.isBuilt;
+    const CheckedText checked{source_, text_, options_.constants, variant};
+    const ExplainedPlaces explained = checkStatics(checked, result.findings);
+    const size_t known = result.findings.all().size();
+    if (variant.isBuilt && options_.proofs) {
+      prove(checked, explained, {deadline_, parts_, part}, result.findings, result.undecided);
+    }
+    if (part == 0) return result;
+    const std::vector<Finding> all = result.findings.all();
+    result.findings = {};
+    for (size_t i = known; i < all.size(); ++i) result.findings.add(all[i]);
+    return result;
+  }
+
+  const SourceText& source_;
+  const ReadText& text_;
+  const CheckOptions& options_;
+  std::vector<NamedValues> variants_;
+  Deadline deadline_;
+  size_t parts_ = 1;
+};
+
 }  // namespace
 
 CheckReport checkText(const SourceText& source, const CheckOptions& options) {
@@ -48,24 +117,13 @@ CheckReport checkText(const SourceText& source, const CheckOptions& options) {
 
   beginProofs();
   MergedFindings found(options.constants);
-  ProofLimits limits;
-  if (options.maxSeconds)
-    limits.deadline = Deadline(start + std::chrono::seconds(*options.maxSeconds));
   bool areAllBuilt = true;
-  for (NamedValues& constants : variantsOf(options.constants)) {
-    Findings findings;
-    Findings questions;
-    const Variant variant = buildVariant(source, text, std::move(constants), findings);
-    const CheckedText checked{source, text, options.constants, variant};
-    const ExplainedPlaces explained = checkStatics(checked, findings);
-    if (variant.isBuilt && options.proofs) prove(checked, explained, limits, findings, questions);
-    areAllBuilt = areAllBuilt && variant.isBuilt;
-    found.addVariant(variant.isBuilt, findings, questions);
-  }
+  const std::string failure = VariantChecks(source, text, options, start).run(found, areAllBuilt);
+  if (!failure.empty()) return {{}, {}, {}, failure};
 
   Findings all = found.merged();
   for (const Finding& finding : ofReading.all()) all.add(finding);
-  CheckReport report = {all.inTextOrder(), {}, found.undecided().inTextOrder()};
+  CheckReport report = {all.inTextOrder(), {}, found.undecided().inTextOrder(), {}};
   Allowances allowances(source, text.layout);
   report.allowed = takeAllowed(allowances, report.findings);
   static_cast<void>(takeAllowed(allowances, report.undecided));

@@ -52,6 +52,12 @@ class CheckRun {
     const std::string shownName = name == "-" ? "<stdin>" : name;
     FileReport file = {std::make_unique<SourceText>(shownName, std::move(text)), {}};
     file.report = checkText(*file.source, arguments_.options);
+    if (!file.report.failure.empty()) {
+      std::fprintf(stderr, "ostrel-check: cannot check %s: %s\n", name.c_str(),
+                   file.report.failure.c_str());
+      hasFailed_ = true;
+      return;
+    }
     arguments_.levels.apply(file.report);
     if (arguments_.isQuiet) keepErrors(file.report);
     hasFoundErrors_ = hasFoundErrors_ || hasErrors(file.report);

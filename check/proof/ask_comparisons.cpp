@@ -93,7 +93,7 @@ void askComparisons(Proof& proof, const Explained& explained) {
       Comparisons(proof, subject, seesIndices).ask(statement.condition->expression);
     }
   };
-  for (const Subject& subject : proof.text().subjects()) {
+  for (const Subject& subject : proof.subjects()) {
     ask(subject, subject.rangeValid, true);
     ask(subject, subject.rangeDoc, true);
     ask(subject, subject.ctrlRO, true);

@@ -61,7 +61,7 @@ void askCondition(Proof& proof, const Subject& subject, const ConditionKind& kin
 }  // namespace
 
 void askConditions(Proof& proof, Explained& explained) {
-  for (const Subject& subject : proof.text().subjects()) {
+  for (const Subject& subject : proof.subjects()) {
     for (const ConditionKind& kind : KINDS) {
       for (const CompiledStatement& statement : subject.*kind.statements) {
         if (statement.condition) askCondition(proof, subject, kind, statement, explained);

@@ -50,7 +50,7 @@ void askOfDefaults(Proof& proof, const Subject& subject) {
 }  // namespace
 
 void askCoverage(Proof& proof, const Explained& explained) {
-  for (const Subject& subject : proof.text().subjects()) {
+  for (const Subject& subject : proof.subjects()) {
     const bool isReported = explained.explains(subject.rangeValid) || askRanges(proof, subject);
     if (!isReported && !explained.explains(subject.defaults) && subject.parm != nullptr) {
       askOfDefaults(proof, subject);

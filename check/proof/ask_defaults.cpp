@@ -37,7 +37,7 @@ void askDefault(Proof& proof, const Subject& subject, const CompiledStatement& s
 }  // namespace
 
 void askDefaults(Proof& proof, const Explained& explained) {
-  for (const Subject& subject : proof.text().subjects()) {
+  for (const Subject& subject : proof.subjects()) {
     if (subject.parm == nullptr || subject.parm->parm.mode() == MODE_NEVER) continue;
     for (const CompiledStatement& statement : subject.defaults) {
       if (!explained.dead.contains(&statement)) askDefault(proof, subject, statement);

@@ -179,7 +179,7 @@ bool followsDerived(const Subject& subject) {
 }  // namespace
 
 void askFollowers(Proof& proof) {
-  for (const Subject& subject : proof.text().subjects()) {
+  for (const Subject& subject : proof.subjects()) {
     if (subject.parm == nullptr || subject.parm->parm.mode() == MODE_NEVER ||
         subject.parm->hasDependents() || subject.parm->parm.conditionalBounds().empty()) {
       continue;

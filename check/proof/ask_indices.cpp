@@ -65,7 +65,7 @@ void askIndex(Proof& proof, const Subject& subject) {
 }  // namespace
 
 void askIndices(Proof& proof) {
-  for (const Subject& subject : proof.text().subjects()) {
+  for (const Subject& subject : proof.subjects()) {
     if (subject.index != nullptr) askIndex(proof, subject);
   }
 }

@@ -66,7 +66,7 @@ void askStatements(Proof& proof, const Subject& subject,
 }  // namespace
 
 void askOverflow(Proof& proof, const Explained& explained) {
-  for (const Subject& subject : proof.text().subjects()) {
+  for (const Subject& subject : proof.subjects()) {
     askStatements(proof, subject, subject.rangeValid, true, explained);
     askStatements(proof, subject, subject.rangeDoc, true, explained);
     askStatements(proof, subject, subject.ctrlRO, true, explained);

@@ -144,7 +144,7 @@ void askRanges(Proof& proof, const Subject& subject, Explained& explained) {
 }  // namespace
 
 void askReachability(Proof& proof, Explained& explained) {
-  for (const Subject& subject : proof.text().subjects()) {
+  for (const Subject& subject : proof.subjects()) {
     if (subject.parm == nullptr) continue;
     for (const auto* statements : {&subject.defaults, &subject.rangeDoc, &subject.rangeValid}) {
       for (const CompiledStatement& statement : *statements) {

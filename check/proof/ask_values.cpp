@@ -119,7 +119,7 @@ void askDefault(Proof& proof, const Subject& subject, const CompiledStatement& s
 }  // namespace
 
 void askValues(Proof& proof, const Explained& explained) {
-  for (const Subject& subject : proof.text().subjects()) {
+  for (const Subject& subject : proof.subjects()) {
     askRanges(proof, subject, subject.rangeValid, explained);
     askRanges(proof, subject, subject.rangeDoc, explained);
     if (subject.parm == nullptr) continue;

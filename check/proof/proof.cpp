@@ -2,6 +2,17 @@
 
 #include <algorithm>
 
+Proof::Proof(const CheckedText& checked, const ProofLimits& limits, Findings& findings,
+             Findings& undecided)
+    : text_(checked), domains_(text_), limits_(limits), findings_(findings), undecided_(undecided) {
+  size_t place = 0;
+  for (const Subject& subject : text_.subjects()) {
+    if (place++ % limits.parts == limits.part) subjects_.emplace_back(subject);
+    // Of a ring the domains depend on where it is entered: always at its first name.
+    static_cast<void>(domains_.of(text_.database().findSource(subject.name())));
+  }
+}
+
 bool Proof::ask(const std::function<void()>& question, uint64_t units) {
   isCutShort_ = isOver();
   if (isCutShort_) return false;

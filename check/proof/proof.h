@@ -10,15 +10,16 @@
 class Proof {
  public:
   Proof(const CheckedText& checked, const ProofLimits& limits, Findings& findings,
-        Findings& undecided)
-      : text_(checked),
-        domains_(text_),
-        limits_(limits),
-        findings_(findings),
-        undecided_(undecided) {}
+        Findings& undecided);
 
   [[nodiscard]] const CompiledText& text() const { return text_; }
   [[nodiscard]] Domains& domains() { return domains_; }
+  /// The subjects to ask about.
+  [[nodiscard]] const std::vector<std::reference_wrapper<const Subject>>& subjects() const {
+    return subjects_;
+  }
+  /// Whether the questions about the text as a whole are to be asked.
+  [[nodiscard]] bool asksOfWhole() const { return limits_.part == 0; }
 
   void add(Finding finding) { findings_.add(std::move(finding)); }
   void addUndecided(Finding finding) { undecided_.add(std::move(finding)); }
@@ -52,6 +53,7 @@ class Proof {
   CompiledText text_;
   Domains domains_;
   const ProofLimits& limits_;
+  std::vector<std::reference_wrapper<const Subject>> subjects_;
   Findings& findings_;
   Findings& undecided_;
   bool isCutShort_ = false;

@@ -18,6 +18,7 @@ void prove(const CheckedText& checked, const ExplainedPlaces& explainedPlaces,
   askIndices(proof);
   askOverflow(proof, explained);
   askFollowers(proof);
+  if (!proof.asksOfWhole()) return;
   askBudget(proof);
   askStart(proof);
 }

@@ -11,6 +11,9 @@ void beginProofs();
 /// How much is asked.
 struct ProofLimits {
   Deadline deadline = {};  ///< the questions that are left then are not asked, and so undecided
+  /// Of so many parts of all questions, which together find what one part of one finds, ...
+  size_t parts = 1;
+  size_t part = 0;  ///< ... the one that is asked, from 0
 };
 
 /// Asks all questions about a text that the engine has built, but of expressions that `explained`

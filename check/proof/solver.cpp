@@ -56,7 +56,7 @@ class Formulas {
 
   AnywhereResult solve() {
     if (texts_.size() > MANY_TEXTS) return {};
-    for (const auto& [key, domain] : question_.domains_) declare(key, domain);
+    for (const std::string& key : question_.order_) declare(key, question_.domains_.at(key));
     for (const auto& required : question_.clauses_) {
       z3::expr_vector wishes(context_);
       for (const Wish& wish : required.clause) wishes.push_back(formulaOf(wish, required.keyOf));
@@ -130,11 +130,13 @@ class Formulas {
 
   // --- Variables -------------------------------------------------------------------------------
 
+  // Its name is no part of the formulas, so that like questions have the same answer.
   void declare(const std::string& key, const NameDomain& domain) {
-    const Symbolic variable = {context_.bool_const(("u" + key).c_str()),
-                               context_.bool_const(("t" + key).c_str()),
-                               context_.bv_const(("n" + key).c_str(), NUMBER_BITS),
-                               context_.bv_const(("x" + key).c_str(), TEXT_BITS)};
+    const std::string name = std::to_string(variables_.size());
+    const Symbolic variable = {context_.bool_const(("u" + name).c_str()),
+                               context_.bool_const(("t" + name).c_str()),
+                               context_.bv_const(("n" + name).c_str(), NUMBER_BITS),
+                               context_.bv_const(("x" + name).c_str(), TEXT_BITS)};
     z3::expr_vector choices(context_);
     if (domain.mayBeUndefined) choices.push_back(variable.isUndefined);
     if (domain.values.isAll()) {
@@ -548,7 +550,8 @@ std::string SolverQuestion::canonicalText() const {
 void SolverQuestion::forgetAnswers() { answers().clear(); }
 
 AnywhereResult SolverQuestion::solve() const {
-  const auto [answer, isNew] = answers().try_emplace(canonicalText());
+  const auto [answer, isNew] =
+      answers().try_emplace(canonicalText(), VERDICT_UNDECIDED, Answers::mapped_type::second_type());
   auto& [verdict, values] = answer->second;
   if (isNew) {
     AnywhereResult solved = solveFormulas(*this);

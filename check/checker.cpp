@@ -47,9 +47,8 @@ class VariantChecks {
                 Deadline::Clock::time_point start)
       : source_(source), text_(text), options_(options), variants_(variantsOf(options.constants)) {
     if (options.maxSeconds) deadline_ = Deadline(start + std::chrono::seconds(*options.maxSeconds));
-    // Where there are fewer variants than jobs, several share one.
-    const size_t jobs = std::min<size_t>(options.jobs, MANY_JOBS);
-    if (options.proofs) parts_ = (jobs + variants_.size() - 1) / variants_.size();
+    // A job asks its part of the questions in every variant: like questions are answered once.
+    if (options.proofs) parts_ = std::min(options.jobs, MANY_JOBS);
   }
 
   // Adds what is found to `found`. Returns why it cannot, else nothing.

@@ -14,8 +14,6 @@ void askBudget(Proof& proof) {
   Work::begin(UINT64_MAX);
   const Subject* const subject = proof.text().find(change.parm->parm.name());
   if (passed.empty() || subject == nullptr) return;
-  const Position at = proof.text().checked().text.layout.nameOf(*subject->record);
-  proof.add({"over-budget",
-             {at.line, at.column, static_cast<uint32_t>(subject->name().size())},
+  proof.add({"over-budget", placeOfName(*subject),
              "no commit takes a change of this parameter: " + passed});
 }

@@ -144,7 +144,7 @@ class Follower {
   }
 
   [[nodiscard]] Finding findingWith(const std::string& loss) const {
-    return {"late-follower", placeOfName(proof_, subject_),
+    return {"late-follower", placeOfName(subject_),
             "this is judged before what it follows where both are set in one commit, and " + loss};
   }
 

@@ -21,7 +21,7 @@ std::string parametersText(const IndexEntry& index) {
 }
 
 void addUndecided(Proof& proof, const Subject& subject) {
-  Finding finding{"narrowed-away", placeOfName(proof, subject),
+  Finding finding{"narrowed-away", placeOfName(subject),
                   "instances can be out of reach, with what they hold"};
   proof.addUndecided(std::move(finding));
 }
@@ -51,7 +51,7 @@ void askIndex(Proof& proof, const Subject& subject) {
     });
     isUndecided = isUndecided || result.verdict == VERDICT_UNDECIDED;
     if (result.verdict != VERDICT_POSSIBLE) continue;
-    Finding finding{"narrowed-away", placeOfName(proof, subject),
+    Finding finding{"narrowed-away", placeOfName(subject),
                     std::to_string(left) + " of " + std::to_string(all) +
                         " index values can be left, and the other instances of " +
                         parametersText(index) + " are then out of reach, with what they hold"};

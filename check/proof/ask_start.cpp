@@ -118,9 +118,9 @@ class Start {
                                 ": after the start it is \"" + started.at(*name) + "\", and \"" +
                                 again.at(*name) + "\" after the same values are set again";
       if (!finding) {
-        finding = Finding{"unsettled", placeOfName(proof_, subject), moved};
+        finding = Finding{"unsettled", placeOfName(subject), moved};
       } else if (finding->related.size() < MANY_RELATED) {
-        finding->related.push_back({placeOfName(proof_, subject), moved});
+        finding->related.push_back({placeOfName(subject), moved});
       }
     }
     return finding;

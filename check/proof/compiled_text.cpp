@@ -26,7 +26,7 @@ CompiledText::CompiledText(const CheckedText& checked) : checked_(checked) {
   for (const DefinitionLayout& definition : checked.text.layout.definitions) {
     if (!seen.insert(definition.record).second) continue;
     const auto found = layouts.find(definition.record);
-    addSubject(*definition.record, [&](std::string_view keyword) {
+    addSubject(definition, [&](std::string_view keyword) {
       if (found == layouts.end()) return std::vector<const StatementLayout*>();
       const auto statements = found->second.find(keyword);
       return statements == found->second.end() ? std::vector<const StatementLayout*>()
@@ -70,10 +70,13 @@ CompiledStatement CompiledText::compileCondition(const Expression& condition,
   return compiled;
 }
 
-void CompiledText::addSubject(const ParameterRecord& record, const StatementsOf& statementsOf) {
+void CompiledText::addSubject(const DefinitionLayout& definition,
+                              const StatementsOf& statementsOf) {
+  const ParameterRecord& record = *definition.record;
   if (record.access == ACCESS_NONE) return;
   Subject& subject = subjects_.emplace_back();
   subject.record = &record;
+  subject.at = definition.name;
   subject.parm = database().findParm(record.name);
   subject.index = subject.parm == nullptr ? database().findIndexEntry(record.name) : nullptr;
   byName_.emplace(record.name, &subject);

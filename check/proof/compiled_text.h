@@ -41,6 +41,7 @@ struct Subject {
   const ParameterRecord* record = nullptr;
   ParmEntry* parm = nullptr;    ///< null for an index
   IndexEntry* index = nullptr;  ///< null for a parameter
+  Position at = {};             ///< of its name
   std::vector<CompiledStatement> rangeValid = {};
   std::vector<CompiledStatement> rangeDoc = {};
   std::vector<CompiledStatement> ctrlRO = {};
@@ -70,7 +71,7 @@ class CompiledText {
  private:
   using StatementsOf = std::function<std::vector<const StatementLayout*>(std::string_view keyword)>;
 
-  void addSubject(const ParameterRecord& record, const StatementsOf& statementsOf);
+  void addSubject(const DefinitionLayout& definition, const StatementsOf& statementsOf);
   [[nodiscard]] CompiledItem compileItem(const RangeItem& item) const;
   [[nodiscard]] CompiledStatement compileCondition(const Expression& condition,
                                                    const StatementLayout* layout) const;

@@ -78,9 +78,8 @@ TextPlace placeOf(const Expression& expression) {
   return {first.at.line, first.at.column, end - first.at.column};
 }
 
-TextPlace placeOfName(const Proof& proof, const Subject& subject) {
-  const Position at = proof.text().checked().text.layout.nameOf(*subject.record);
-  return {at.line, at.column, static_cast<uint32_t>(subject.name().size())};
+TextPlace placeOfName(const Subject& subject) {
+  return {subject.at.line, subject.at.column, static_cast<uint32_t>(subject.name().size())};
 }
 
 TextPlace placeOf(const StatementLayout& statement) {

@@ -64,6 +64,6 @@ TextPlace placeOf(const Token& token);
 /// The place of all tokens of an expression on the line of its first one.
 TextPlace placeOf(const Expression& expression);
 /// The place of a definition's name.
-TextPlace placeOfName(const Proof& proof, const Subject& subject);
+TextPlace placeOfName(const Subject& subject);
 /// The place of a statement's keyword.
 TextPlace placeOf(const StatementLayout& statement);

@@ -14,6 +14,8 @@ namespace {
 constexpr unsigned NUMBER_BITS = 32;
 constexpr unsigned TEXT_BITS = 12;
 constexpr size_t MANY_TEXTS = 4000;
+// How often a formula may ask for one of the texts.
+constexpr size_t MANY_TEXT_CASES = 200'000;
 // About a tenth of a second.
 constexpr unsigned SOLVER_STEPS = 400'000;
 
@@ -65,6 +67,7 @@ class Formulas {
     for (const auto& required : question_.ranges_) {
       solver_.add(isWithin(variables_.at(required.key), *required.ranges, required.keyOf));
     }
+    if (isTooLarge_) return {};
     z3::params limits(context_);
     limits.set("rlimit", SOLVER_STEPS);
     solver_.set(limits);
@@ -121,11 +124,18 @@ class Formulas {
   // What `value(text)` gives for the text of `symbolic`; `other` for the text that does not occur.
   template <typename Value>
   z3::expr byText(const z3::expr& text, z3::expr other, const Value& value) {
+    if (!takeCases(ordered_.size())) return other;
     z3::expr result = std::move(other);
     for (unsigned place = 0; place < ordered_.size(); ++place) {
       result = z3::ite(text == textAt(place), value(ordered_[place]), result);
     }
     return result;
+  }
+
+  bool takeCases(size_t count) {
+    isTooLarge_ = isTooLarge_ || count > casesLeft_;
+    if (!isTooLarge_) casesLeft_ -= count;
+    return !isTooLarge_;
   }
 
   // --- Variables -------------------------------------------------------------------------------
@@ -137,7 +147,9 @@ class Formulas {
                                context_.bool_const(("t" + name).c_str()),
                                context_.bv_const(("n" + name).c_str(), NUMBER_BITS),
                                context_.bv_const(("x" + name).c_str(), TEXT_BITS)};
+    variables_.emplace(key, variable);
     z3::expr_vector choices(context_);
+    if (!takeCases(domain.values.spans().size() + domain.values.texts().size())) return;
     if (domain.mayBeUndefined) choices.push_back(variable.isUndefined);
     if (domain.values.isAll()) {
       choices.push_back(!variable.isUndefined && !variable.isText);
@@ -155,7 +167,6 @@ class Formulas {
                                       : variable.isText && variable.text == textOf(text)));
     }
     solver_.add(z3::mk_or(choices));
-    variables_.emplace(key, variable);
   }
 
   Symbolic operandOf(const VariableSource& source, const KeyOf& keyOf) {
@@ -166,7 +177,9 @@ class Formulas {
     const Domain& domain = question_.domains_.at(key).values;
     z3::expr isFound = domain.isAll() ? freshTruth() : truth(false);
     z3::expr number = freshNumber();
+    const bool isFew = takeCases(domain.texts().size());
     for (const std::string& text : domain.texts()) {
+      if (!isFew) break;
       const std::optional<uint32_t> figure = vidStdFigure(text, *source.figure);
       const z3::expr isText = variable.text == textOf(text);
       isFound = z3::ite(isText, truth(figure.has_value()), isFound);
@@ -482,6 +495,8 @@ class Formulas {
       orders_;
   std::vector<z3::expr> kept_;  // keeps the identities that `orders_` is by
   size_t fresh_ = 0;
+  size_t casesLeft_ = MANY_TEXT_CASES;
+  bool isTooLarge_ = false;
 };
 
 namespace {
@@ -550,8 +565,8 @@ std::string SolverQuestion::canonicalText() const {
 void SolverQuestion::forgetAnswers() { answers().clear(); }
 
 AnywhereResult SolverQuestion::solve() const {
-  const auto [answer, isNew] =
-      answers().try_emplace(canonicalText(), VERDICT_UNDECIDED, Answers::mapped_type::second_type());
+  const auto [answer, isNew] = answers().try_emplace(canonicalText(), VERDICT_UNDECIDED,
+                                                     Answers::mapped_type::second_type());
   auto& [verdict, values] = answer->second;
   if (isNew) {
     AnywhereResult solved = solveFormulas(*this);

@@ -1,0 +1,146 @@
+#include "check/proof/proof.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "base/work.h"
+#include "check/static/static_checks.h"
+#include "vid_std.h"
+
+namespace {
+
+using Codes = std::multiset<std::string_view>;
+
+// Something for each question: found where it is asked.
+const char* const WRONG =
+    "i index { rangeValid { 1..4 } rangeValid (a > 5) { 9 } ctrlValid (a < 9) }\n"
+    "a rw { rangeValid { 0..9 } default { 0 } }\n"
+    "b rw { rangeValid (a > 20) { 0 } rangeValid (a < 30) { 1 } default { 0 } }\n"
+    "c rw { rangeValid { 0..(a * 1000000000) } default (a > 2) { 1 } default (a > 3) { 2 } }\n"
+    "d rw { index { i } rangeValid { (a)..5, (9 / a) } default { 77 } }\n"
+    "e rw { rangeValid (a == 1 || a == 20) { 1 } default { 1 } }\n"
+    "f rw { rangeValid (a < 5) { 0..3 } rangeValid (a >= 5) { 5..9 } }\n"
+    "g rw { rangeValid (f < 3) { 0..3 } rangeValid (f >= 3) { 7..9 } }\n";
+
+// A text that the engine has built, with what its proofs find.
+struct Proved {
+  explicit Proved(const std::string& text, const ProofLimits& limits = {}) : source("text", text) {
+    initVidStdTables();
+    Findings faults;
+    readText(source, read, faults);
+    variant = buildVariant(source, read, {}, faults);
+    EXPECT_TRUE(variant.isBuilt) << text;
+    const ExplainedPlaces explained;
+    prove({source, read, choices, variant}, explained, limits, findings, undecided);
+  }
+
+  SourceText source;
+  ReadText read;
+  ConstantChoices choices;
+  Variant variant;
+  Findings findings;
+  Findings undecided;
+};
+
+Codes codesOf(const Findings& findings) {
+  Codes codes;
+  for (const Finding& finding : findings.all()) codes.insert(finding.code);
+  return codes;
+}
+
+std::set<std::string_view> kindsOf(const Findings& findings) {
+  const Codes codes = codesOf(findings);
+  return {codes.begin(), codes.end()};
+}
+
+const Deadline PAST = Deadline(Deadline::Clock::now());
+
+TEST(Deadlines, AreOverFromTheirMomentOn) {
+  EXPECT_TRUE(PAST.isOver());
+  EXPECT_FALSE(Deadline(Deadline::Clock::now() + std::chrono::hours(1)).isOver());
+  EXPECT_FALSE(Deadline().isOver());
+}
+
+TEST(Proofs, AfterTheDeadlineLeaveEveryQuestionUndecided) {
+  const Proved intime(WRONG);
+  const Proved late(WRONG, {PAST});
+  EXPECT_EQ(codesOf(late.findings), Codes());
+  EXPECT_GE(kindsOf(intime.findings).size(), 9U);
+  // What is found in time is a question afterwards, at the same place. What it is called in the
+  // end only the answer tells where a figure is missing.
+  std::set<std::pair<TextPlace, std::string_view>> questions;
+  for (const Finding& question : late.undecided.all()) {
+    EXPECT_TRUE(question.witness.empty());
+    questions.emplace(question.at, question.code);
+  }
+  for (const Finding& finding : intime.findings.all()) {
+    EXPECT_TRUE(questions.contains({finding.at, finding.code}))
+        << finding.at.line << ":" << finding.at.column << " " << finding.code;
+  }
+}
+
+TEST(Proofs, AfterTheDeadlineHaveNothingToLeaveOfATextWithoutQuestions) {
+  // The text as a whole may have too much work or not come to rest.
+  EXPECT_EQ(codesOf(Proved("a rw { rangeValid { 0..9 } }", {PAST}).undecided),
+            (Codes{"over-budget", "unsettled"}));
+}
+
+TEST(Proofs, AskPartsThatTogetherFindWhatOneFinds) {
+  const Proved whole(WRONG);
+  for (const size_t parts : {2U, 3U, 20U}) {
+    Codes found;
+    Codes undecided;
+    for (size_t part = 0; part < parts; ++part) {
+      const Proved proved(WRONG, {{}, parts, part});
+      found.merge(codesOf(proved.findings));
+      undecided.merge(codesOf(proved.undecided));
+    }
+    EXPECT_EQ(found, codesOf(whole.findings)) << parts;
+    EXPECT_EQ(undecided, codesOf(whole.undecided)) << parts;
+  }
+}
+
+// A text under proof, before any question.
+struct Asked {
+  Asked() : proof(checked, limits, findings, undecided) {}
+
+  Proved built{"a rw { rangeValid { 0..9 } default { 3 } }\nb rw { rangeValid (a > 20) { 1 } }"};
+  CheckedText checked{built.source, built.read, built.choices, built.variant};
+  ProofLimits limits;
+  Findings findings;
+  Findings undecided;
+  Proof proof;
+};
+
+TEST(AProof, AnswersNothingAfterItsDeadline) {
+  Asked asked;
+  const Subject& b = asked.proof.text().subjects()[1];
+  const Goal goal{&b, {{{&*b.rangeValid.front().condition, WANT_TRUE}}}};
+  EXPECT_TRUE(asked.proof.isImpossible(goal));
+  EXPECT_EQ(asked.proof.findHealthy(goal).verdict, VERDICT_IMPOSSIBLE);
+  EXPECT_FALSE(asked.proof.isCutShort());
+  asked.limits.deadline = PAST;
+  EXPECT_FALSE(asked.proof.isImpossible(goal));
+  EXPECT_EQ(asked.proof.findHealthy(goal).verdict, VERDICT_UNDECIDED);
+  EXPECT_TRUE(asked.proof.isCutShort());
+  EXPECT_FALSE(asked.proof.addIfHealthy(goal, {"never-true", {2, 0, 1}, "text"}));
+  EXPECT_EQ(codesOf(asked.undecided), Codes{"never-true"});
+  EXPECT_FALSE(asked.proof.ask([] { FAIL(); }));
+}
+
+TEST(AProof, EndsAQuestionThatIsTooMuchWork) {
+  Asked asked;
+  ParmDef& a = asked.proof.text().subjects()[0].parm->parm;
+  EXPECT_FALSE(asked.proof.ask([&] {
+    a.store({}, "7");
+    for (;;) Work::add(QUESTION_WORK / 10);
+  }));
+  EXPECT_TRUE(asked.proof.isCutShort());
+  EXPECT_EQ(a.committedText({}), "");
+  // The next one has as much again.
+  EXPECT_TRUE(asked.proof.ask([] { Work::add(QUESTION_WORK); }));
+  EXPECT_FALSE(asked.proof.isCutShort());
+}
+
+}  // namespace

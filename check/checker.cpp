@@ -1,8 +1,8 @@
 #include "check/checker.h"
 
 #include <algorithm>
-#include "base/system_log.h"
 
+#include "base/system_log.h"
 #include "check/allowances.h"
 #include "check/jobs.h"
 #include "check/merged_findings.h"

@@ -11,9 +11,12 @@
 
 namespace {
 
+// From the top of the tree, where scripts/bench runs.
+constexpr const char* EXAMPLE = "examples/frame-synchroniser.ostrel";
+
 std::string exampleText() {
   std::ostringstream text;
-  text << std::ifstream(std::string(EXAMPLES_DIRECTORY) + "/frame-synchroniser.ostrel").rdbuf();
+  text << std::ifstream(EXAMPLE).rdbuf();
   return text.str();
 }
 

@@ -11,6 +11,7 @@ namespace {
 
 std::vector<std::string> codesOf(const std::vector<Finding>& findings) {
   std::vector<std::string> codes;
+  codes.reserve(findings.size());
   for (const Finding& finding : findings) codes.emplace_back(finding.code);
   return codes;
 }

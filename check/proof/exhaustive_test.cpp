@@ -55,7 +55,7 @@ class TextWriter {
       return "(" + condition(before, depth + 1) + oneOf({" && ", " || ", " && "}) +
              condition(before, depth + 1) + ")";
     }
-    const std::string name = "p" + std::to_string(below(before));
+    std::string name = "p" + std::to_string(below(before));
     switch (below(8)) {
       case 0:
         return name;

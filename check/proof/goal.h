@@ -10,7 +10,6 @@
 enum WantedResult {
   WANT_TRUE,                 ///< a number other than 0, or a text that is not empty
   WANT_UNTRUE,               ///< anything else, or missing
-  WANT_VALUE,                ///< a number or a text
   WANT_MISSING,              ///< none: undefined, or an operator without a result
   WANT_TEXT,                 ///< a text that is no number
   WANT_ABOVE,                ///< a number that is more than that of another expression
@@ -40,8 +39,6 @@ bool mayComeTrue(const Wish& wish, const Evaluate& evaluate) {
       return value.mayBeTrue();
     case WANT_UNTRUE:
       return value.mayBeUntrue();
-    case WANT_VALUE:
-      return value.mayBeNumber || value.mayBeText();
     case WANT_MISSING:
       return value.mayBeMissing;
     case WANT_TEXT:
@@ -88,8 +85,6 @@ bool comesTrue(const Wish& wish, const Evaluate& evaluate) {
       return value.isTrue();
     case WANT_UNTRUE:
       return !value.isTrue();
-    case WANT_VALUE:
-      return value.valid();
     case WANT_MISSING:
       return !value.valid();
     case WANT_TEXT:

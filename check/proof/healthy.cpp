@@ -63,8 +63,6 @@ class Setter {
   StagedValues staged_;
 };
 
-bool isStored(SetCode code) { return code == SET_STORED || code == SET_STORED_UNREPORTED; }
-
 // The instances that a goal depends on, directly or through others.
 class Cone {
  public:
@@ -361,7 +359,7 @@ class HealthySearch {
     for (const ConeInstance& instance : *cone_) {
       const auto found = solution.find(fullName(instance.parm->parm.name(), instance.indices));
       std::string value = found == solution.end() ? std::string() : found->second.value_or("");
-      if (!isStored(setter_.set(instance, value))) break;
+      if (!isAccepted(setter_.set(instance, value))) break;
     }
     if (allAreSet()) finish();
     for (const ConeInstance& instance : *cone_) Setter::unset(instance);
@@ -470,7 +468,7 @@ class HealthySearch {
       const SetCode code = setter_.set(instance, value);
       // Whatever is set, it is not there in this situation.
       if (code == SET_NOT_STORED || code == SET_INVALID_INDEX) break;
-      if (!isStored(code) || !tried.insert(value).second || !stays(instance)) continue;
+      if (!isAccepted(code) || !tried.insert(value).second || !stays(instance)) continue;
       instance.present = NameDomain{Domain::of(value), false};
       if (isWithinReach()) setFrom(place + 1);
     }
@@ -567,7 +565,7 @@ class HealthySearch {
   bool stays(const ConeInstance& instance) {
     const std::string held = instance.parm->parm.committedText(instance.indices);
     std::string value = held;
-    return isStored(setter_.set(instance, value, true)) && value == held;
+    return isAccepted(setter_.set(instance, value, true)) && value == held;
   }
 
   bool goalHolds() {
@@ -664,7 +662,7 @@ bool moveFromDefaults(const NamedValues& moves, const std::vector<std::string>& 
 std::optional<std::string> valueKept(ParmEntry& parm, const IndexTuple& indices,
                                      const std::string& value) {
   std::string kept = value;
-  if (!isStored(Setter().set({&parm, indices}, kept, true))) return std::nullopt;
+  if (!isAccepted(Setter().set({&parm, indices}, kept, true))) return std::nullopt;
   return kept;
 }
 

@@ -390,8 +390,6 @@ class Formulas {
         return isTrue(result);
       case WANT_UNTRUE:
         return !isTrue(result);
-      case WANT_VALUE:
-        return !result.isMissing;
       case WANT_MISSING:
         return result.isMissing;
       case WANT_TEXT:

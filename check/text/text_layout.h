@@ -32,10 +32,6 @@ struct DefinitionLayout {
 struct TextLayout {
   std::vector<DefinitionLayout> definitions;  ///< in the order of the text
 
-  /// The statement of `record` that is the one at `place`, from 0, among those of `keyword`. The
-  /// record has it: the places of its statement lists and these are the same.
-  [[nodiscard]] const StatementLayout& statement(const ParameterRecord& record,
-                                                 std::string_view keyword, size_t place) const;
   /// Where the name of `record` first is.
   [[nodiscard]] Position nameOf(const ParameterRecord& record) const;
 };

@@ -103,9 +103,8 @@ class Workers {
         open.push_back(&worker);
       }
       if (inputs.empty()) return {};
-      if (poll(inputs.data(), inputs.size(), -1) < 0 && errno != EINTR) {
-        return reason("cannot wait");
-      }
+      const int ready = poll(inputs.data(), inputs.size(), -1);
+      if (ready < 0 && errno != EINTR) return reason("cannot wait");
       for (size_t i = 0; i < inputs.size(); ++i) {
         if (inputs[i].revents == 0) continue;
         std::string failure = receiveFrom(*open[i]);
@@ -152,8 +151,10 @@ class Workers {
 
   static int waitFor(Worker& worker) {
     int status = 0;
-    while (waitpid(worker.process, &status, 0) < 0 && errno == EINTR) {
-    }
+    pid_t ended = -1;
+    do {
+      ended = waitpid(worker.process, &status, 0);
+    } while (ended < 0 && errno == EINTR);
     worker.process = -1;
     return status;
   }

@@ -72,6 +72,42 @@ TEST(MergedFindings, KeepTheWitnessOfTheVariantNamed) {
   EXPECT_EQ(all[0].witness, (NamedValues{{"a", "3"}}));
 }
 
+// What becomes of a finding that the first variants have, the next ones left undecided, and the
+// others do not have: of six.
+TEST(MergedFindings, TellWhatIsUndecided) {
+  const struct {
+    std::string_view code;
+    size_t has;
+    size_t open;
+    size_t found;
+    size_t undecided;
+  } cases[] = {
+      {"uncovered", 0, 6, 0, 1},
+      {"uncovered", 0, 1, 0, 1},
+      {"uncovered", 1, 5, 1, 0},
+      {"uncovered", 1, 1, 1, 0},
+      {"uncovered", 0, 0, 0, 0},
+      {"never-true", 0, 6, 0, 1},
+      // It is not never true where one variant shows so, and not known while one is open.
+      {"never-true", 0, 5, 0, 0},
+      {"never-true", 2, 3, 0, 0},
+      {"never-true", 2, 4, 0, 1},
+      {"never-true", 6, 0, 1, 0},
+  };
+  for (const auto& c : cases) {
+    MergedFindings merged(CHOICES);
+    for (size_t i = 0; i < 6; ++i) {
+      Findings findings;
+      Findings undecided;
+      if (i < c.has) findings.add({c.code, {1, 2, 3}, "text"});
+      if (i >= c.has && i < c.has + c.open) undecided.add({c.code, {1, 2, 3}, "text"});
+      merged.addVariant(true, findings, undecided);
+    }
+    EXPECT_EQ(merged.merged().all().size(), c.found) << c.code << c.has << c.open;
+    EXPECT_EQ(merged.undecided().all().size(), c.undecided) << c.code << c.has << c.open;
+  }
+}
+
 TEST(MergedFindings, WithoutConstantsNameNoVariant) {
   const ConstantChoices none;
   MergedFindings merged(none);

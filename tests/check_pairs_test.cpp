@@ -36,11 +36,11 @@ std::vector<std::string> pairNames() {
 }
 
 // What the program says of a text in the directory of its pair, on both streams.
-Outcome check(const std::string& pair, const char* text) {
+Outcome check(const std::string& pair, const char* text, const std::string& further = "") {
   std::string options = contentsOf(PAIRS / pair / "options");
   std::replace(options.begin(), options.end(), '\n', ' ');
   return runCommand("cd '" + (PAIRS / pair).string() + "' && '" + OSTREL_CHECK + "' " + options +
-                    " " + text + " 2>&1");
+                    further + " " + text + " 2>&1");
 }
 
 std::string caseName(const testing::TestParamInfo<std::string>& pair) {
@@ -64,6 +64,17 @@ TEST_P(CheckPair, IsToldApart) {
   const Outcome right = check(pair, "near.ostrel");
   EXPECT_EQ(right.out, "");
   EXPECT_EQ(right.status, 0);
+}
+
+TEST_P(CheckPair, IsTheSameWithAnyNumberOfJobs) {
+  for (const char* const text : {"text.ostrel", "near.ostrel"}) {
+    const Outcome one = check(GetParam(), text, " --verbose --jobs=1");
+    for (const char* const jobs : {" --verbose --jobs=2", " --verbose --jobs=5"}) {
+      const Outcome several = check(GetParam(), text, jobs);
+      EXPECT_EQ(several.out, one.out) << text << jobs;
+      EXPECT_EQ(several.status, one.status) << text << jobs;
+    }
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Pairs, CheckPair, testing::ValuesIn(pairNames()), caseName);

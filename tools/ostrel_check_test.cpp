@@ -227,6 +227,34 @@ TEST_F(OstrelCheck, ReportsAnIdleAllowanceOnlyOfWhatWasAsked) {
   }
 }
 
+TEST_F(OstrelCheck, FindsTheSameWithAnyNumberOfJobs) {
+  const std::string constants = " -D @" EXAMPLES "/frame-synchroniser.constants ";
+  const char* const mistakes[] = {"s/ / /",
+                                  "s/CHANNELS > 1/CHANNELS > 3/; s/default { 0 }/default { 7 }/"};
+  for (const char* const mistake : mistakes) {
+    const std::string text =
+        std::string("sed '") + mistake + "' " EXAMPLES "/frame-synchroniser.ostrel > device.ostrel";
+    ASSERT_EQ(runCommand("cd '" + folder_.path() + "' && " + text).status, 0);
+    const Outcome one = run("--verbose --jobs=1" + constants + "device.ostrel 2>&1");
+    EXPECT_EQ(one.out.empty(), mistake == mistakes[0]) << one.out;
+    for (const char* const jobs : {"2", "5", "4294967295"}) {
+      const Outcome several =
+          run(std::string("--verbose --jobs=") + jobs + constants + "device.ostrel 2>&1");
+      EXPECT_EQ(several.out, one.out) << jobs;
+      EXPECT_EQ(several.status, one.status) << jobs;
+    }
+  }
+}
+
+TEST_F(OstrelCheck, SaysThatAJobCannotWorkAndChecksTheOthers) {
+  const Outcome outcome = runCommand("cd '" + folder_.path() + "' && ulimit -n 20 && '" +
+                                     OSTREL_CHECK + "' --jobs=60 right.ostrel wrong.ostrel 2>&1");
+  EXPECT_EQ(outcome.out,
+            "ostrel-check: cannot check right.ostrel: cannot make a pipe: Too many open files\n"
+            "ostrel-check: cannot check wrong.ostrel: cannot make a pipe: Too many open files\n");
+  EXPECT_EQ(outcome.status, 2);
+}
+
 TEST(OstrelCheckUsage, RefusesWhatItDoesNotUnderstand) {
   const struct {
     const char* arguments;

@@ -3,31 +3,13 @@
 #include <algorithm>
 #include <new>
 #include <optional>
-#include <span>
 #include <utility>
 
 #include "base/system_log.h"
-#include "base/work.h"
-#include "database/evaluation.h"
-#include "database/gather.h"
-#include "database/level_walk.h"
+#include "database/commit_steps.h"
 #include "database/name_order.h"
-#include "database/plan.h"
 
 namespace {
-
-void resolveResets(StagedValues& staged) {
-  if (!staged.hasResets()) return;
-  for (StagedEntry* entry : staged.inNameOrder()) {
-    if (entry->reset) {
-      std::string value;
-      // Without a default that applies, the value is the fallback: both serve.
-      static_cast<void>(
-          entry->parm->parm.defaultValue(value, gatherBound(*entry->parm, entry->indices, staged)));
-      entry->value.set(std::move(value));
-    }
-  }
-}
 
 void logRefusal(const StagedEntry& entry, const std::string& value, int result) {
   logError("commit: ERROR \"" + fullName(entry) + "\"=\"" + value +
@@ -39,12 +21,6 @@ ValueText committedValue(const StagedEntry& entry) {
   const ParmDef& parm = entry.parm->parm;
   const CommittedValue* held = entry.held != nullptr ? entry.held : parm.committed(entry.indices);
   return held != nullptr ? held->value : ValueText();
-}
-
-// Whether clients are told of a value that was just stored.
-bool isReported(const StagedEntry& entry, const std::string& before) {
-  return !entry.held->announced || entry.parm->parm.mode() == MODE_WRITE_ONLY ||
-         entry.held->value.text() != before;
 }
 
 // What a commit has changed, in the order in which it was stored.
@@ -79,7 +55,8 @@ int commitEntry(StagedEntry& entry, IndexSituations& situations, Report& report)
   const SetCode code = evaluate(entry, situations, false);
   switch (code) {
     case SET_STORED:
-      if (isReported(entry, before.text())) {
+      if (isReported(entry.parm->parm, entry.held->announced, entry.held->value.text(),
+                     before.text())) {
         report.add(*entry.held, std::move(name), std::move(before));
       }
       return 0;
@@ -92,17 +69,6 @@ int commitEntry(StagedEntry& entry, IndexSituations& situations, Report& report)
       logRefusal(entry, wanted, code);
       return code;
   }
-}
-
-// A refusal leaves what is behind it in its level as if it had not been staged.
-int applyPlan(std::span<const PlanStep> plan, const StagedValues& staged, Report& report) {
-  IndexSituations situations(staged);
-  return walkLevels(
-      plan, [&](StagedEntry& entry) { return commitEntry(entry, situations, report); },
-      [&](StagedEntry& behind) {
-        Work::addSpent(WORK_PER_INSTANCE);  // for its place in the plan
-        takeCommitted(behind, situations);
-      });
 }
 
 // Leaves each name once, ascending, however a commit ends. An instance that was reported twice
@@ -144,5 +110,7 @@ int commit(Transaction& transaction, std::vector<Change>& changes, ChangeRoom* r
   changes.reserve(changes.size() + plan->size());
   const Ordering ordering(changes);
   Report report(changes, room);
-  return applyPlan(*plan, staged, report);
+  return walkCommit(*plan, staged, [&](StagedEntry& entry, IndexSituations& situations) {
+    return commitEntry(entry, situations, report);
+  });
 }

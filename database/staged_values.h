@@ -51,7 +51,8 @@ class StagedValues {
   /// committed value, with the reset flag clear and the force flag set; `generated` marks a new
   /// one that is no copy. Entries stay where they are until clear().
   StagedEntry& stage(ParmEntry& parm, const IndexTuple& indices, bool generated);
-  /// As stage(), for the commit's own use, where nothing is below: a new entry is a generated one.
+  /// As stage(), for a plan's own use, where every entry below is here too: a new entry is a
+  /// generated one.
   /// `number` is the instance's place in forEachInstance().
   StagedEntry& stageNumbered(ParmEntry& parm, const IndexTuple& indices, size_t number);
   /// Makes room for `more` entries, so that finding them later is not slowed down by growing.

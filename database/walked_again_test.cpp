@@ -6,6 +6,7 @@
 #include "database/commit.h"
 #include "database/range_query.h"
 #include "database/transaction.h"
+#include "database/trial.h"
 #include "tests/support/database.h"
 #include "tests/support/definitions.h"
 
@@ -54,6 +55,9 @@ TEST_F(WalkedAgainTest, ALevelThatSettlesIsDone) {
   defineByHand({PULLED, {.common = {.name = "b"}, .rules = {{"a != 9", "sw::this == 0", "0"}}}});
   stage("a", "1");
   stage("b", "1");
+  std::vector<TriedChange> tried;
+  EXPECT_EQ(tryCommit(transaction_, tried), COMMIT_DONE);
+  EXPECT_EQ(tried, (std::vector<TriedChange>{{"a", "5"}, {"b", "0"}}));
   EXPECT_EQ(commitNames(transaction_, changed_), COMMIT_DONE);
   EXPECT_EQ(changed_, (Texts{"a", "b"}));
   EXPECT_EQ(value("a"), "5");

@@ -1,0 +1,62 @@
+#include "database/trial.h"
+
+#include <map>
+#include <optional>
+#include <utility>
+
+#include "base/system_log.h"
+#include "database/commit_steps.h"
+
+namespace {
+
+// What the commit would report, by name. An entry that is walked once more may take another value.
+using Reported = std::map<std::string, std::string>;
+
+// Returns 0, WALK_AGAIN, or a refusal.
+int tryEntry(StagedEntry& entry, IndexSituations& situations, Reported& reported) {
+  const SetCode code = evaluate(entry, situations, true);
+  switch (code) {
+    case SET_STORED: {
+      const bool wasAnnounced = entry.held != nullptr && entry.held->announced;
+      const std::string& value = entry.value.text();
+      std::string name = fullName(entry);
+      if (reported.contains(name) ||
+          isReported(entry.parm->parm, wasAnnounced, value, committedText(entry))) {
+        reported.insert_or_assign(std::move(name), value);
+      }
+      return 0;
+    }
+    case SET_NOT_STORED:
+    case SET_STORED_UNREPORTED:
+      return 0;
+    case SET_RULE_FAILS:
+      return WALK_AGAIN;
+    default:
+      return code;
+  }
+}
+
+// A copy of each entry of `staged`, on top of it: the trial changes the copies.
+void copyEntries(StagedValues& staged, StagedValues& copies) {
+  for (const StagedEntry* entry : staged.inNameOrder()) {
+    static_cast<void>(copies.stage(*entry->parm, entry->indices, false));
+  }
+}
+
+}  // namespace
+
+int tryCommit(Transaction& transaction, std::vector<TriedChange>& changes) {
+  const LogRedirection silence([](const std::string& /*line*/) {});
+  StagedValues copies(&transaction.staged());
+  copyEntries(transaction.staged(), copies);
+  resolveResets(copies);
+  const std::optional<Plan> plan = planCommit(transaction.database(), copies);
+  if (!plan) return COMMIT_TOO_LARGE;
+  Reported reported;
+  const int result =
+      walkCommit(*plan, copies, [&](StagedEntry& entry, IndexSituations& situations) {
+        return tryEntry(entry, situations, reported);
+      });
+  for (auto& [name, value] : reported) changes.push_back({name, std::move(value)});
+  return result;
+}

@@ -91,6 +91,7 @@ class Cone {
     });
   }
   [[nodiscard]] std::vector<ConeInstance>& instances() { return instances_; }
+  [[nodiscard]] const std::vector<ConeInstance>& instances() const { return instances_; }
   // Whether two parameters in it refer to each other.
   [[nodiscard]] bool hasRing() const {
     return std::any_of(instances_.begin(), instances_.end(), [](const ConeInstance& instance) {
@@ -228,23 +229,22 @@ class HealthySearch {
 
   void searchFor(const IndexTuple& indices) {
     indices_ = &indices;
-    Cone cone(goal_, indices);
-    if (cone.instances().size() > MANY_INSTANCES) {
+    cone_.emplace(goal_, indices);
+    if (cone().size() > MANY_INSTANCES) {
       isComplete_ = false;
       return;
     }
     ConeUses uses(goal_, text_);
-    for (const ConeInstance& instance : cone.instances()) uses.add(instance.parm->parm.name());
+    for (const ConeInstance& instance : cone()) uses.add(instance.parm->parm.name());
     if (goal_.dependsOnRanges) uses.add(goal_.subject->name());
-    for (ConeInstance& instance : cone.instances()) {
+    for (ConeInstance& instance : cone()) {
       instance.use = uses.of(instance.parm->parm.name());
     }
-    cone_ = &cone.instances();
     places_.clear();
-    for (size_t i = 0; i < cone_->size(); ++i) {
-      places_.emplace(std::pair((*cone_)[i].parm, (*cone_)[i].indices), i);
+    for (size_t i = 0; i < cone().size(); ++i) {
+      places_.emplace(std::pair(cone()[i].parm, cone()[i].indices), i);
     }
-    if (cone.hasRing()) {
+    if (cone_->hasRing()) {
       walkFromDefaults();
     } else {
       setFrom(0);
@@ -257,12 +257,11 @@ class HealthySearch {
     for (const IndexTuple& indices : tuples) {
       if (deadline_.isOver()) return;
       indices_ = &indices;
-      Cone cone(goal_, indices);
-      cone_ = &cone.instances();
-      if (cone_->size() > MANY_INSTANCES) return;
+      cone_.emplace(goal_, indices);
+      if (cone().size() > MANY_INSTANCES) return;
       const AnywhereResult result = solveCone();
       isUnsolvable = isUnsolvable && result.verdict == VERDICT_IMPOSSIBLE;
-      if (result.verdict == VERDICT_POSSIBLE && !cone.hasRing()) trySolution(result.assignment);
+      if (result.verdict == VERDICT_POSSIBLE && !cone_->hasRing()) trySolution(result.assignment);
       if (found_ || !isUnsolvable) return;
     }
     isUnsolvable_ = isUnsolvable;
@@ -271,7 +270,7 @@ class HealthySearch {
   AnywhereResult solveCone() {
     SolverQuestion question;
     requireAll(question, goal_.clauses, {goal_.subject->parm, *indices_, goal_.seesIndices});
-    for (const ConeInstance& instance : *cone_) {
+    for (const ConeInstance& instance : cone()) {
       const Subject& subject = *text_.find(instance.parm->parm.name());
       for (const CompiledStatement& control : subject.ctrlValid) {
         if (control.condition) {
@@ -356,13 +355,13 @@ class HealthySearch {
   }
 
   void trySolution(const Assignment& solution) {
-    for (const ConeInstance& instance : *cone_) {
+    for (const ConeInstance& instance : cone()) {
       const auto found = solution.find(fullName(instance.parm->parm.name(), instance.indices));
       std::string value = found == solution.end() ? std::string() : found->second.value_or("");
       if (!isAccepted(setter_.set(instance, value))) break;
     }
     if (allAreSet()) finish();
-    for (const ConeInstance& instance : *cone_) Setter::unset(instance);
+    for (const ConeInstance& instance : cone()) Setter::unset(instance);
   }
 
   // Values that carry each other, as two that follow each other do, count only where the defaults
@@ -382,7 +381,7 @@ class HealthySearch {
         break;
       }
       if (moves.size() == MAX_MOVES) continue;
-      for (const ConeInstance& instance : *cone_) {
+      for (const ConeInstance& instance : cone()) {
         const std::string name = fullName(instance.parm->parm.name(), instance.indices);
         const Candidates candidates = candidatesFor(
             domains_.of(database.findSource(instance.parm->parm.name())), instance.use, FEW_VALUES);
@@ -392,7 +391,7 @@ class HealthySearch {
           open.back().emplace_back(name, *value);
         }
       }
-      left_ -= std::min(left_, cone_->size());
+      left_ -= std::min(left_, cone().size());
     }
     forgetAround(coneNames(), database);
   }
@@ -403,7 +402,7 @@ class HealthySearch {
     static_cast<void>(moveFromDefaults({}, coneNames(), text_.database()));
     std::map<std::string, Domain, std::less<>> start;
     bool isAnyUnset = false;
-    for (const ConeInstance& instance : *cone_) {
+    for (const ConeInstance& instance : cone()) {
       const std::string& held = instance.parm->parm.committedText(instance.indices);
       if (held.empty()) isAnyUnset = true;
       start[instance.parm->parm.name()].addText(held);
@@ -422,7 +421,7 @@ class HealthySearch {
 
   [[nodiscard]] std::vector<std::string> coneNames() const {
     std::vector<std::string> names;
-    for (const ConeInstance& instance : *cone_) {
+    for (const ConeInstance& instance : cone()) {
       names.push_back(fullName(instance.parm->parm.name(), instance.indices));
     }
     return names;
@@ -430,7 +429,7 @@ class HealthySearch {
 
   [[nodiscard]] std::vector<std::string> coneValues() const {
     std::vector<std::string> values;
-    for (const ConeInstance& instance : *cone_) {
+    for (const ConeInstance& instance : cone()) {
       values.push_back(instance.parm->parm.committedText(instance.indices));
     }
     return values;
@@ -444,11 +443,11 @@ class HealthySearch {
   }
 
   void setFrom(size_t place) {
-    if (place == cone_->size()) {
+    if (place == cone().size()) {
       finish();
       return;
     }
-    ConeInstance& instance = (*cone_)[place];
+    ConeInstance& instance = cone()[place];
     instance.present = presentDomain(instance);
     if (isWithinReach()) setEach(place);
     Setter::unset(instance);
@@ -456,7 +455,7 @@ class HealthySearch {
   }
 
   void setEach(size_t place) {
-    ConeInstance& instance = (*cone_)[place];
+    ConeInstance& instance = cone()[place];
     const Candidates candidates = candidatesFor(*instance.present, instance.use, FEW_VALUES);
     if (!candidates.isComplete) isComplete_ = false;
     std::set<std::string> tried;
@@ -506,10 +505,10 @@ class HealthySearch {
       const auto found = places_.find(
           {source.parm,
            reader == nullptr ? source.indices : indicesOf(source, reader->parm, *indices_)});
-      if (found == places_.end() || !(*cone_)[found->second].present) {
+      if (found == places_.end() || !cone()[found->second].present) {
         return domains_.abstractOf(source);
       }
-      return Domains::abstractOf(source, *(*cone_)[found->second].present);
+      return Domains::abstractOf(source, *cone()[found->second].present);
     });
   }
 
@@ -533,7 +532,7 @@ class HealthySearch {
 
   void take() {
     NamedValues values;
-    for (const ConeInstance& instance : *cone_) {
+    for (const ConeInstance& instance : cone()) {
       values.emplace_back(fullName(instance.parm->parm.name(), instance.indices),
                           instance.parm->parm.committedText(instance.indices));
     }
@@ -556,7 +555,7 @@ class HealthySearch {
   }
 
   bool allStay() {
-    return std::all_of(cone_->begin(), cone_->end(),
+    return std::all_of(cone().begin(), cone().end(),
                        [&](const ConeInstance& instance) { return stays(instance); });
   }
 
@@ -601,6 +600,9 @@ class HealthySearch {
     }
   }
 
+  std::vector<ConeInstance>& cone() { return cone_->instances(); }
+  [[nodiscard]] const std::vector<ConeInstance>& cone() const { return cone_->instances(); }
+
   const Goal& goal_;
   const CompiledText& text_;
   Domains& domains_;
@@ -608,7 +610,7 @@ class HealthySearch {
   const Deadline& deadline_;
   Setter setter_;
   const IndexTuple* indices_ = nullptr;
-  std::vector<ConeInstance>* cone_ = nullptr;
+  std::optional<Cone> cone_;
   std::map<std::pair<const ParmEntry*, IndexTuple>, size_t> places_;  // in the cone
   bool isComplete_ = true;
   bool areAllTuples_ = true;
@@ -635,6 +637,7 @@ HealthyResult findHealthy(const Goal& goal, const CompiledText& text, Domains& d
 
 void forgetAround(const std::vector<std::string>& names, Database& database) {
   std::vector<ParmEntry*> parms;
+  parms.reserve(names.size());
   for (const std::string& name : names) parms.push_back(database.findNamed(name));
   for (ParmEntry* parm : parms) parm->parm.forgetValues();
   for (ParmEntry* parm : dependentsOf(database, parms)) parm->parm.forgetValues();

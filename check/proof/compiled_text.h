@@ -54,6 +54,25 @@ struct Subject {
   [[nodiscard]] const std::string& name() const { return definition().name(); }
 };
 
+/// Calls `visit` with each expression of an item, a statement, or all statements of a subject.
+template <typename Visit>
+void forEachExpression(const CompiledItem& item, const Visit& visit) {
+  if (item.lower) visit(*item.lower);
+  if (item.upper) visit(*item.upper);
+}
+template <typename Visit>
+void forEachExpression(const CompiledStatement& statement, const Visit& visit) {
+  if (statement.condition) visit(*statement.condition);
+  for (const CompiledItem& item : statement.items) forEachExpression(item, visit);
+}
+template <typename Visit>
+void forEachExpression(const Subject& subject, const Visit& visit) {
+  for (const auto* statements : {&subject.rangeValid, &subject.rangeDoc, &subject.ctrlRO,
+                                 &subject.ctrlValid, &subject.defaults}) {
+    for (const CompiledStatement& statement : *statements) forEachExpression(statement, visit);
+  }
+}
+
 /// Every definition of one variant. The text and its variant have to outlive it.
 class CompiledText {
  public:

@@ -110,18 +110,7 @@ void Domains::noteComparedConstants() {
       }
     }
   };
-  for (const Subject& subject : text_.subjects()) {
-    for (const auto* statements : {&subject.rangeValid, &subject.rangeDoc, &subject.ctrlRO,
-                                   &subject.ctrlValid, &subject.defaults}) {
-      for (const CompiledStatement& statement : *statements) {
-        if (statement.condition) note(*statement.condition);
-        for (const CompiledItem& item : statement.items) {
-          if (item.lower) note(*item.lower);
-          if (item.upper) note(*item.upper);
-        }
-      }
-    }
-  }
+  for (const Subject& subject : text_.subjects()) forEachExpression(subject, note);
 }
 
 AbstractValue Domains::abstractOf(const VariableSource& source) {

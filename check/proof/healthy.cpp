@@ -147,8 +147,9 @@ class ConeUses {
       for (const CompiledStatement& statement : *statements) {
         if (statement.condition) noteUses(*statement.condition, FOR_TRUTH, uses_);
         for (const CompiledItem& item : statement.items) {
-          if (item.lower) noteUses(*item.lower, FOR_VALUE, uses_);
-          if (item.upper) noteUses(*item.upper, FOR_VALUE, uses_);
+          forEachExpression(item, [&](const CompiledExpression& expression) {
+            noteUses(expression, FOR_VALUE, uses_);
+          });
         }
       }
     }
@@ -281,11 +282,8 @@ class HealthySearch {
       if (instance.parm->parm.conditionalBounds().empty()) continue;
       const KeyOf keyOf = keyOfReader(question, {instance.parm, instance.indices, true});
       for (const CompiledStatement& range : subject.rangeValid) {
-        if (range.condition) declareNames(*range.condition, keyOf);
-        for (const CompiledItem& item : range.items) {
-          if (item.lower) declareNames(*item.lower, keyOf);
-          if (item.upper) declareNames(*item.upper, keyOf);
-        }
+        forEachExpression(
+            range, [&](const CompiledExpression& expression) { declareNames(expression, keyOf); });
       }
       const std::string key = declareInstance(question, *instance.parm, instance.indices);
       question.requireWithin(key, subject.rangeValid, keyOf);

@@ -102,11 +102,9 @@ class Formulas {
     }
     for (const auto& required : question_.ranges_) {
       for (const CompiledStatement& statement : *required.ranges) {
-        if (statement.condition) collect(*statement.condition);
+        forEachExpression(statement, collect);
         for (const CompiledItem& item : statement.items) {
           if (item.text) texts_.insert(*item.text);
-          if (item.lower) collect(*item.lower);
-          if (item.upper) collect(*item.upper);
         }
       }
     }
@@ -551,8 +549,7 @@ std::string SolverQuestion::canonicalText() const {
       text += ")";
       for (const CompiledItem& item : statement.items) {
         text += item.text ? quoted(*item.text) : "=";
-        if (item.lower) add(*item.lower, required.keyOf);
-        if (item.upper) add(*item.upper, required.keyOf);
+        forEachExpression(item, [&](const CompiledExpression& e) { add(e, required.keyOf); });
       }
     }
     text += "\n";

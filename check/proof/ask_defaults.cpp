@@ -1,4 +1,5 @@
 #include "check/proof/questions.h"
+#include "check/proof/setter.h"
 
 namespace {
 

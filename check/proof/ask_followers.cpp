@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "check/proof/questions.h"
+#include "check/proof/replay.h"
 #include "database/commit.h"
 #include "database/dependencies.h"
 #include "database/gather.h"
@@ -65,12 +66,12 @@ class Follower {
         names_.push_back(fullName(instance.parm->parm.name(), instance.indices));
       }
     }
+    ConfinedCommits commits(names_, database_);
     for (const Instance& instance : cone) {
       const bool isDerived = !instance.parm->sources.empty();
-      if (!isDerived && instance.isComplete()) askChange(instance);
+      if (!isDerived && instance.isComplete()) askChange(instance, commits);
       if (found_ || !isAsked_) break;
     }
-    forgetAround(names_, database_);
     return found_;
   }
 
@@ -81,14 +82,14 @@ class Follower {
   }
 
   // Leaves in `found_` what is lost, if anything.
-  void askChange(const Instance& changed) {
+  void askChange(const Instance& changed, ConfinedCommits& commits) {
     const std::string change = fullName(changed.parm->parm.name(), changed.indices);
     const NameDomain& domain = proof_.domains().of(database_.findSource(changed.parm->parm.name()));
     const std::vector<std::string> values = valuesOf(domain.values);
     std::vector<Domain> ranges;
     for (const std::string& value : values) {
       if (proof_.isOver()) break;
-      static_cast<void>(moveFromDefaults(startWith(change, value), names_, database_));
+      static_cast<void>(commits.moveFromDefaults(startWith(change, value)));
       ranges.push_back(presentRange());
     }
     isAsked_ = ranges.size() == values.size();
@@ -101,7 +102,7 @@ class Follower {
           if (ranges[before].contains(own)) continue;
           isAsked_ = ++commits_ <= MANY_COMMITS && !proof_.isOver();
           if (!isAsked_) return;
-          tryBoth(startWith(change, values[before]), {change, values[after]}, own);
+          tryBoth(startWith(change, values[before]), {change, values[after]}, own, commits);
           if (found_) return;
         }
       }
@@ -126,11 +127,11 @@ class Follower {
 
   // Sets `own` after `change`, and with it: what the first keeps is not to be lost by the second.
   void tryBoth(const NamedValues& start, const std::pair<std::string, std::string>& change,
-               const std::string& own) {
+               const std::string& own, ConfinedCommits& commits) {
     NamedValues oneByOne = start;
     oneByOne.insert(oneByOne.end(), {change, {name_, own}});
-    if (!moveFromDefaults(oneByOne, names_, database_) || held() != own) return;
-    static_cast<void>(moveFromDefaults(start, names_, database_));
+    if (!commits.moveFromDefaults(oneByOne) || held() != own) return;
+    static_cast<void>(commits.moveFromDefaults(start));
     Transaction transaction(database_);
     static_cast<void>(transaction.set(change.first, change.second, true));
     static_cast<void>(transaction.set(name_, own, true));

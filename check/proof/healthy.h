@@ -11,7 +11,6 @@ struct HealthyResult {
   /// Of VERDICT_POSSIBLE: the values of what the goal depends on, in the order in which they can be
   /// set one after the other. The engine has been in this situation.
   NamedValues witness = {};
-  IndexTuple indices = {};  ///< of VERDICT_POSSIBLE: the instance of the goal's parameter
 };
 
 /// How many values are set before a goal is left undecided.
@@ -25,21 +24,3 @@ constexpr size_t MAX_SET_VALUES = 3000;
 HealthyResult findHealthy(const Goal& goal, const CompiledText& text, Domains& domains,
                           const std::function<bool(const IndexTuple& indices)>& isMet = {},
                           const Deadline& deadline = {});
-
-/// What setting `value` now would leave in an instance; nullopt where it would be refused. Changes
-/// nothing.
-std::optional<std::string> valueKept(ParmEntry& parm, const IndexTuple& indices,
-                                     const std::string& value);
-
-/// Takes away the values of the parameters that `names` are of, and of all that depends on them.
-void forgetAround(const std::vector<std::string>& names, Database& database);
-
-/// Begins anew with the parameters of `names` and their dependents, resets `names` one after the
-/// other, and sets each of `moves` as a client would, one commit for each. Returns whether every
-/// move could be staged; what became of it is to be read.
-bool moveFromDefaults(const NamedValues& moves, const std::vector<std::string>& names,
-                      Database& database);
-
-/// Sets the values of a witness on the engine as a client would, one commit for each, after a start
-/// from the defaults. Returns whether every value is kept and stays. The values stay set.
-bool replay(const NamedValues& witness, Database& database);

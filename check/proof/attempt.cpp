@@ -1,0 +1,56 @@
+#include "check/proof/attempt.h"
+
+#include <algorithm>
+
+#include "database/gather.h"
+#include "database/index_situations.h"
+
+bool Attempt::isMet() {
+  const Goal& goal = question_.goal;
+  const auto evaluateNow = [&](const CompiledExpression& e) { return evaluate(e); };
+  const bool holds =
+      std::all_of(goal.clauses.begin(), goal.clauses.end(), [&](const Clause& clause) {
+        return std::any_of(clause.begin(), clause.end(),
+                           [&](const Wish& wish) { return comesTrue(wish, evaluateNow); });
+      });
+  return holds && readerExists() && (!question_.isMet || question_.isMet(reader_.indices()));
+}
+
+Value Attempt::evaluate(const CompiledExpression& expression) const {
+  Situation situation(expression.variables.size());
+  for (uint32_t slot = 0; slot < expression.sources.size(); ++slot) {
+    situation.bind(slot, reader_.valueOf(expression.sources[slot], setter_.staged()));
+  }
+  return expression.program.evaluate(situation);
+}
+
+// Whether the index values of the reader are accepted: all, or those before the index that reads.
+bool Attempt::readerExists() {
+  ParmEntry* const parm = reader_.parm();
+  if (parm == nullptr) return true;
+  const IndexTuple& indices = reader_.indices();
+  IndexSituations situations(setter_.staged());
+  Situation own = gather(*parm, indices, setter_.staged());
+  for (size_t place = 0; place < indices.size(); ++place) {
+    if (parm->indices->own[place] == question_.goal.subject->index) return true;
+    PresentIndex& index = situations.at(*parm, indices, place, own);
+    if (!index.isAvailable() || !index.takes(indices[place])) return false;
+    parm->parm.bindIndex(own, place, indices[place]);
+  }
+  return true;
+}
+
+bool Attempt::isHealthy() {
+  const std::vector<ConeInstance>& instances = cone_.instances();
+  return std::all_of(instances.begin(), instances.end(), [&](const ConeInstance& instance) {
+    return !instance.held().empty() && setter_.stays(*instance.parm, instance.indices);
+  });
+}
+
+NamedValues Attempt::situation() const {
+  NamedValues values;
+  for (const ConeInstance& instance : cone_.instances()) {
+    values.emplace_back(instance.name(), instance.held());
+  }
+  return values;
+}

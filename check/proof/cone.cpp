@@ -1,0 +1,125 @@
+#include "check/proof/cone.h"
+
+#include <algorithm>
+#include <tuple>
+
+#include "base/work.h"
+#include "sw/parm/parm_name.h"
+
+namespace {
+
+void addUse(const NameUse& use, NameUse& out) {
+  out.numbers.insert(use.numbers.begin(), use.numbers.end());
+  out.texts.insert(use.texts.begin(), use.texts.end());
+  out.isText = out.isText || use.isText;
+  out.isOrdered = out.isOrdered || use.isOrdered;
+  out.isReckoned = out.isReckoned || use.isReckoned;
+  out.isFigure = out.isFigure || use.isFigure;
+}
+
+// How a definition uses each name, for what it takes and whether it is there.
+void noteUsesIn(const Subject& subject, NameUses& uses) {
+  for (const auto* statements : {&subject.rangeValid, &subject.ctrlValid}) {
+    for (const CompiledStatement& statement : *statements) {
+      if (statement.condition) noteUses(*statement.condition, FOR_TRUTH, uses);
+      for (const CompiledItem& item : statement.items) {
+        forEachExpression(item, [&](const CompiledExpression& expression) {
+          noteUses(expression, FOR_VALUE, uses);
+        });
+      }
+    }
+  }
+}
+
+}  // namespace
+
+std::string ConeInstance::name() const { return fullName(parm->parm.name(), indices); }
+
+Cone::Cone(const Goal& goal, const Reader& reader) {
+  for (const Clause& clause : goal.clauses) {
+    for (const Wish& wish : clause) {
+      forEachExpression(wish, [&](const CompiledExpression& expression) {
+        for (const VariableSource& source : expression.sources) add(source, reader);
+      });
+    }
+  }
+  addIndices(reader);
+  const Subject& subject = *goal.subject;
+  if (goal.dependsOnRanges) {
+    addAll(subject.parm != nullptr ? subject.parm->sources : subject.index->sources, reader);
+  }
+  // What is reached is added behind those that are still to be looked at.
+  size_t next = 0;
+  while (next < instances_.size()) {
+    ParmEntry* const parm = instances_[next].parm;
+    const Reader own(parm, instances_[next].indices, 0);
+    addAll(parm->sources, own);
+    addIndices(own);
+    ++next;
+  }
+  std::stable_sort(instances_.begin(), instances_.end(), [](const auto& a, const auto& b) {
+    return std::tie(a.parm->level, a.parm->rank) < std::tie(b.parm->level, b.parm->rank);
+  });
+  for (size_t i = 0; i < instances_.size(); ++i) {
+    places_[{instances_[i].parm, instances_[i].indices}] = i;
+  }
+}
+
+void Cone::addAll(const VariableSources& sources, const Reader& reader) {
+  for (const VariableSource& source : sources) add(source, reader);
+}
+
+void Cone::addIndices(const Reader& reader) {
+  if (reader.parm() == nullptr) return;
+  for (const IndexEntry* const index : reader.parm()->indices->own) {
+    indices_.insert(index);
+    addAll(index->sources, reader);
+  }
+}
+
+void Cone::add(const VariableSource& source, const Reader& reader) {
+  if (source.parm == nullptr) return;
+  IndexTuple indices = reader.indicesOf(source);
+  // What is read with too few index values is never there.
+  if (indices.size() != source.parm->parm.indices().size()) return;
+  Work::add(WORK_PER_REFERENCE);
+  if (!places_.try_emplace({source.parm, indices}, instances_.size()).second) return;
+  instances_.push_back({source.parm, std::move(indices)});
+}
+
+const ConeInstance* Cone::find(const VariableSource& source, const Reader& reader) const {
+  const auto found = places_.find({source.parm, reader.indicesOf(source)});
+  return found == places_.end() ? nullptr : &instances_[found->second];
+}
+
+bool Cone::hasRing() const {
+  return std::any_of(instances_.begin(), instances_.end(), [](const ConeInstance& instance) {
+    const ParmEntry& entry = *instance.parm;
+    return std::any_of(entry.sources.begin(), entry.sources.end(),
+                       [&](const VariableSource& source) {
+                         return source.parm != nullptr && source.parm->level >= entry.level;
+                       });
+  });
+}
+
+void Cone::noteUses(const Goal& goal, const CompiledText& text) {
+  NameUses uses;
+  for (const Clause& clause : goal.clauses) {
+    for (const Wish& wish : clause) {
+      forEachExpression(wish, [&](const CompiledExpression& expression) {
+        ::noteUses(expression, purposeOf(wish), uses);
+      });
+    }
+  }
+  for (const ConeInstance& instance : instances_) {
+    noteUsesIn(*text.find(instance.parm->parm.name()), uses);
+  }
+  for (const IndexEntry* const index : indices_) {
+    noteUsesIn(*text.find(index->index->name()), uses);
+  }
+  if (goal.dependsOnRanges) noteUsesIn(*goal.subject, uses);
+  // A parameter is used by all names that the text has for its instances.
+  std::map<std::string_view, NameUse> byBase;
+  for (const auto& [name, use] : uses) addUse(use, byBase[baseName(name)]);
+  for (ConeInstance& instance : instances_) instance.use = byBase[instance.parm->parm.name()];
+}

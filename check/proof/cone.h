@@ -1,0 +1,45 @@
+// Cones: all that a goal depends on, and how it is used.
+#pragma once
+
+#include "check/proof/candidates.h"
+#include "check/proof/reader.h"
+
+/// An instance whose value matters.
+struct ConeInstance {
+  ParmEntry* parm;
+  IndexTuple indices;
+  NameUse use = {};  ///< by the goal and by the definitions of the cone
+  /// What it may be just now; nullopt where what it follows is not set yet.
+  std::optional<NameDomain> present = {};
+
+  [[nodiscard]] std::string name() const;
+  /// What it holds; empty where it is unset.
+  [[nodiscard]] const std::string& held() const { return parm->parm.committedText(indices); }
+};
+
+/// The instances that a goal depends on, directly or through others, for one reader.
+class Cone {
+ public:
+  Cone(const Goal& goal, const Reader& reader);
+
+  /// Each after what it follows.
+  [[nodiscard]] std::vector<ConeInstance>& instances() { return instances_; }
+  [[nodiscard]] const std::vector<ConeInstance>& instances() const { return instances_; }
+  /// The instance that `reader` reads under the name of a parameter, or null.
+  [[nodiscard]] const ConeInstance* find(const VariableSource& source, const Reader& reader) const;
+  /// Whether two parameters in it refer to each other.
+  [[nodiscard]] bool hasRing() const;
+  /// Notes how each instance is used.
+  void noteUses(const Goal& goal, const CompiledText& text);
+
+ private:
+  using Key = std::pair<const ParmEntry*, IndexTuple>;
+
+  void addAll(const VariableSources& sources, const Reader& reader);
+  void addIndices(const Reader& reader);
+  void add(const VariableSource& source, const Reader& reader);
+
+  std::vector<ConeInstance> instances_;
+  std::set<const IndexEntry*> indices_;  // which decide what is there
+  std::map<Key, size_t> places_;         // in `instances_`, once they are in order
+};

@@ -1,0 +1,80 @@
+#include "check/proof/cone_solver.h"
+
+#include "check/proof/solver.h"
+#include "sw/parm/parm_name.h"
+
+namespace {
+
+class ConeSolver {
+ public:
+  explicit ConeSolver(Attempt& attempt) : attempt_(attempt) {}
+
+  AnywhereResult solve() {
+    requireAll(attempt_.question().goal.clauses, attempt_.reader());
+    for (const ConeInstance& instance : attempt_.cone().instances()) requireHealth(instance);
+    return question_.solve();
+  }
+
+ private:
+  // That the instance is there, and holds what its ranges take.
+  void requireHealth(const ConeInstance& instance) {
+    const Subject& subject = *attempt_.question().text.find(instance.parm->parm.name());
+    for (const CompiledStatement& control : subject.ctrlValid) {
+      if (!control.condition) continue;
+      requireAll({{{&*control.condition, WANT_TRUE}}}, {instance.parm, instance.indices, 0});
+    }
+    if (instance.parm->parm.conditionalBounds().empty()) return;
+    const KeyOf keyOf = keyOfReader({instance.parm, instance.indices, instance.indices.size()});
+    for (const CompiledStatement& range : subject.rangeValid) {
+      forEachExpression(range, [&](const CompiledExpression& e) { declareNames(e, keyOf); });
+    }
+    const std::string key = declareInstance(*instance.parm, instance.indices);
+    question_.requireWithin(key, subject.rangeValid, keyOf);
+  }
+
+  void requireAll(const std::vector<Clause>& clauses, const Reader& reader) {
+    const KeyOf keyOf = keyOfReader(reader);
+    for (const Clause& clause : clauses) {
+      for (const Wish& wish : clause) {
+        forEachExpression(wish, [&](const CompiledExpression& e) { declareNames(e, keyOf); });
+      }
+      question_.require(clause, keyOf);
+    }
+  }
+
+  static void declareNames(const CompiledExpression& expression, const KeyOf& keyOf) {
+    for (const VariableSource& source : expression.sources) static_cast<void>(keyOf(source));
+  }
+
+  // The key of each name, which is declared when it is first asked for.
+  KeyOf keyOfReader(const Reader& reader) {
+    return [this, reader](const VariableSource& source) {
+      if (source.parm != nullptr) return declareInstance(*source.parm, reader.indicesOf(source));
+      const std::string* const index = reader.ownIndex(source);
+      std::string key = "=" + std::string(source.name);
+      if (index != nullptr) key += "=" + *index;
+      if (index == nullptr && source.constant == nullptr) key += "?";
+      question_.declare(key, reader.domainOf(source, attempt_.question().domains));
+      return key;
+    };
+  }
+
+  std::string declareInstance(const ParmEntry& parm, const IndexTuple& indices) {
+    std::string key = fullName(parm.parm.name(), indices);
+    if (question_.isDeclared(key)) return key;
+    const HealthyQuestion& question = attempt_.question();
+    Domains& domains = question.domains;
+    const bool exists = indices.size() == parm.parm.indices().size();
+    const NameDomain& domain = domains.of(question.text.database().findSource(parm.parm.name()));
+    question_.declare(key, exists ? NameDomain{domain.values.withoutEmpty(), false}
+                                  : NameDomain{Domain::of(""), false});
+    return key;
+  }
+
+  Attempt& attempt_;
+  SolverQuestion question_;
+};
+
+}  // namespace
+
+AnywhereResult solveCone(Attempt& attempt) { return ConeSolver(attempt).solve(); }

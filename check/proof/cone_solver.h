@@ -1,0 +1,10 @@
+// Solving a cone: the goal of an attempt with all that its cone has to keep, as a question for the
+// solver.
+#pragma once
+
+#include "check/proof/anywhere.h"
+#include "check/proof/attempt.h"
+
+/// Asks the solver for values of the cone's instances, each of which is there and within its
+/// ranges, with which the goal is met. The assignment is by full name.
+AnywhereResult solveCone(Attempt& attempt);

@@ -1,0 +1,40 @@
+// Replay: values set as a client would set them, one commit for each, after a start from the
+// defaults.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "check/named_values.h"
+#include "database/database.h"
+
+/// While it lives, a commit judges of all parameters only some: what depends on them besides is
+/// left alone, as it is where nobody has given it a value.
+class ConfinedCommits {
+ public:
+  /// The parameters that `names` are of. Between them they have to have all that they depend on.
+  ConfinedCommits(const std::vector<std::string>& names, Database& database);
+  /// Takes away their values.
+  ~ConfinedCommits();
+  ConfinedCommits(const ConfinedCommits&) = delete;
+  ConfinedCommits& operator=(const ConfinedCommits&) = delete;
+
+  /// Takes away the values of the parameters, resets `names` one after the other, and sets each of
+  /// `moves`, which are names of theirs. Returns whether every move could be staged; what became of
+  /// it is to be read.
+  bool moveFromDefaults(const NamedValues& moves);
+
+ private:
+  void confine(std::vector<ParmEntry*>& dependents, uint32_t walk);
+  void forgetValues();
+
+  Database& database_;
+  const std::vector<std::string>& names_;
+  std::vector<ParmEntry*> parms_;
+  // The lists of dependents that were made shorter, and what they were.
+  std::vector<std::pair<std::vector<ParmEntry*>*, std::vector<ParmEntry*>>> confined_;
+};
+
+/// Sets the values of a witness, and takes them away again. Returns whether every value is kept and
+/// stays.
+bool replay(const NamedValues& witness, Database& database);

@@ -101,6 +101,26 @@ TEST(Proofs, AskPartsThatTogetherFindWhatOneFinds) {
   }
 }
 
+TEST(Proofs, KnowWhoJudgesAnIndex) {
+  const char* const right[] = {
+      // An index that follows another is judged by each instance.
+      "lim rw { rangeValid { 0..3 } default { 1 } }\n"
+      "der rw { rangeValid { 0..(lim) } default { 0 } }\n"
+      "i index { rangeValid { 1..3 } }\n"
+      "j index { rangeValid (der == 1 && i == 2) { 1..2 } rangeValid (der != 1 || i != 2) { 1..3 } "
+      "}"
+      "\np rw { index { i, j } rangeValid { 0..5 } default { 1 } }\n",
+      // What the condition of an index compares with is tried, too: 50.
+      "mode rw { rangeValid { 0..100 } default { 1 } }\n"
+      "sub rw { rangeValid (mode > 5) { 0..3 } rangeValid (mode <= 5) { 0..1 } default { 0 } }\n"
+      "k index { rangeValid { 1..2 } ctrlValid (mode == 50) }\n"
+      "q rw { index { k } rangeValid (sub > 2) { 0..3 } rangeValid (sub <= 2) { 0..1 } }\n"
+      "t rw { index { k } rangeValid (q == 3) { 0..3 } rangeValid (q != 3) { 0..1 } }\n"};
+  for (const char* const text : right) {
+    EXPECT_EQ(codesOf(Proved(text).findings).count("never-true"), 0U) << text;
+  }
+}
+
 // A text under proof, before any question.
 struct Asked {
   Asked() : proof(checked, limits, findings, undecided) {}

@@ -111,12 +111,8 @@ void Cone::noteUses(const Goal& goal, const CompiledText& text) {
       });
     }
   }
-  for (const ConeInstance& instance : instances_) {
-    noteUsesIn(*text.find(instance.parm->parm.name()), uses);
-  }
-  for (const IndexEntry* const index : indices_) {
-    noteUsesIn(*text.find(index->index->name()), uses);
-  }
+  for (const ConeInstance& cone : instances_) noteUsesIn(*text.find(cone.parm->parm.name()), uses);
+  for (const IndexEntry* index : indices_) noteUsesIn(*text.find(index->index->name()), uses);
   if (goal.dependsOnRanges) noteUsesIn(*goal.subject, uses);
   // A parameter is used by all names that the text has for its instances.
   std::map<std::string_view, NameUse> byBase;

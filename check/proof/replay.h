@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "check/named_values.h"
+#include "check/text/finding.h"
 #include "database/database.h"
 
 /// While it lives, a commit judges of all parameters only some: what depends on them besides is

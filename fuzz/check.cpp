@@ -21,6 +21,7 @@
 #include "fuzz/fuzz_target.h"
 #include "fuzz/pieces.h"
 #include "sw/parm/build/builder.h"
+#include "tests/support/end_observer.h"
 #include "tests/support/lines.h"
 #include "vid_std.h"
 
@@ -81,22 +82,6 @@ void expectReports(FileReport file) {
     demand(nlohmann::json::accept(json), "this is no JSON: ", json);
   }
 }
-
-// Notes whether a text ends within a definition, which is no fault to the daemon.
-class EndObserver final : public ReadingObserver {
- public:
-  void onDefinition(const ParameterRecord& /*record*/, Position /*at*/) override {}
-  void onKeyword(const ParameterRecord& /*record*/, std::string_view /*keyword*/,
-                 Position /*at*/) override {}
-  void onStatement(const ParameterRecord& /*record*/, std::string_view /*keyword*/, Position /*at*/,
-                   Position /*end*/) override {}
-  void onDefinitionEnd(const ParameterRecord& /*record*/, Position /*end*/) override {}
-  Resumption onError(TextCursor& cursor, const ParameterRecord* /*record*/) override {
-    isUnfinished = cursor.result() == PARSE_DONE;
-    return RESUME_NOWHERE;
-  }
-  bool isUnfinished = false;
-};
 
 // A text as the daemon reads it.
 struct DaemonsReading {

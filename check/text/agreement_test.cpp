@@ -16,6 +16,7 @@
 #include "deflang/text/definition_grammar.h"
 #include "deflang/text/text_pieces.h"
 #include "sw/parm/build/builder.h"
+#include "tests/support/end_observer.h"
 
 namespace {
 
@@ -34,22 +35,6 @@ std::vector<std::string> textsOfTheProject() {
   std::sort(texts.begin(), texts.end());
   return texts;
 }
-
-// Notes whether a text ends within a definition, which is no fault to the daemon.
-class EndObserver : public ReadingObserver {
- public:
-  void onDefinition(const ParameterRecord& /*record*/, Position /*at*/) override {}
-  void onKeyword(const ParameterRecord& /*record*/, std::string_view /*keyword*/,
-                 Position /*at*/) override {}
-  void onStatement(const ParameterRecord& /*record*/, std::string_view /*keyword*/, Position /*at*/,
-                   Position /*end*/) override {}
-  void onDefinitionEnd(const ParameterRecord& /*record*/, Position /*end*/) override {}
-  Resumption onError(TextCursor& cursor, const ParameterRecord* /*record*/) override {
-    isUnfinished = cursor.result() == PARSE_DONE;
-    return RESUME_NOWHERE;
-  }
-  bool isUnfinished = false;
-};
 
 // How the daemon reads a text, which is in `source` without its byte order mark.
 ParseResult readAsTheDaemon(std::string_view text, ParameterRecords& records, bool& isUnfinished) {

@@ -1,11 +1,8 @@
 #include "startup/command_line.h"
 
-#include <argp.h>
-
-#include <cerrno>
 #include <cstring>
-#include <new>
 
+#include "startup/argp_frame.h"
 #include "startup/version.h"
 
 // argp finds both under these names. The empty address leaves an empty line in the help.
@@ -52,27 +49,17 @@ error_t takeOption(int key, char* argument, argp_state* state) {
   }
 }
 
-// No exception goes through argp.
-error_t parseOption(int key, char* argument, argp_state* state) {
-  try {
-    return takeOption(key, argument, state);
-  } catch (const std::bad_alloc&) {
-    return ENOMEM;
-  }
-}
-
 }  // namespace
 
 CommandLine parseCommandLine(int argc, char** argv) {
   CommandLine commandLine;
   const argp parser = {OPTIONS,
-                       parseOption,
+                       takeWithoutExceptions<takeOption>,
                        "List of constant definitions. Format is \"name=value\"",
                        "ostrel -- Product parameter handler",
                        nullptr,
                        nullptr,
                        nullptr};
-  // For a fault of the command line argp ends the process itself.
-  if (argp_parse(&parser, argc, argv, 0, nullptr, &commandLine) != 0) throw std::bad_alloc();
+  parseArguments(parser, argc, argv, &commandLine);
   return commandLine;
 }

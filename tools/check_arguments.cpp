@@ -1,19 +1,17 @@
 #include "tools/check_arguments.h"
 
-#include <argp.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <new>
 #include <optional>
 #include <string_view>
 
 #include "check/constant_choices.h"
 #include "check/text/nearest_word.h"
+#include "startup/argp_frame.h"
 #include "startup/version.h"
 #include "tools/input_file.h"
 
@@ -157,7 +155,7 @@ void finish(const CheckArguments& arguments, const argp_state* state) {
   if (!tooMany.empty()) refuse(state, tooMany);
 }
 
-error_t takeOption(int key, const char* argument, argp_state* state) {
+error_t takeOption(int key, char* argument, argp_state* state) {
   CheckArguments& arguments = *static_cast<CheckArguments*>(state->input);
   switch (key) {
     case 'D':
@@ -205,21 +203,14 @@ error_t takeOption(int key, const char* argument, argp_state* state) {
   }
 }
 
-// No exception goes through argp.
-error_t parseOption(int key, char* argument, argp_state* state) {
-  try {
-    return takeOption(key, argument, state);
-  } catch (const std::bad_alloc&) {
-    return ENOMEM;
-  }
-}
-
 }  // namespace
 
 CheckArguments parseCheckArguments(int argc, char** argv) {
   argp_err_exit_status = 2;
   CheckArguments arguments;
-  const argp parser = {OPTIONS, parseOption, "FILE...", DOCUMENTATION, nullptr, nullptr, nullptr};
-  if (argp_parse(&parser, argc, argv, 0, nullptr, &arguments) != 0) throw std::bad_alloc();
+  const argp parser = {
+      OPTIONS, takeWithoutExceptions<takeOption>, "FILE...", DOCUMENTATION, nullptr, nullptr,
+      nullptr};
+  parseArguments(parser, argc, argv, &arguments);
   return arguments;
 }

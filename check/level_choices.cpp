@@ -4,6 +4,7 @@
 
 std::string unknownCodeMessage(std::string_view name) {
   const std::string message = "there is no code \"" + std::string(name) + "\"";
+  if (name == "all" || name == "extra") return message + "; all codes are reported without it";
   const FindingCode* const nearest = nearestFindingCode(name);
   if (nearest == nullptr) return message + "; --list-codes lists them";
   return message + "; did you mean \"" + std::string(nearest->name) + "\"?";

@@ -16,8 +16,8 @@ error_t takeWithoutExceptions(int key, char* argument, argp_state* state) {
   }
 }
 
-/// Parses a command line with such a function, into `input`. Raises std::bad_alloc; for a fault of
-/// the command line argp ends the process itself.
-inline void parseArguments(const argp& parser, int argc, char** argv, void* input) {
-  if (argp_parse(&parser, argc, argv, 0, nullptr, input) != 0) throw std::bad_alloc();
+/// Parses a command line with such a function, into `input`; `flags` are argp_parse()'s. Raises
+/// std::bad_alloc; for a fault of the command line argp ends the process itself.
+inline void parseArguments(const argp& parser, int argc, char** argv, unsigned flags, void* input) {
+  if (argp_parse(&parser, argc, argv, flags, nullptr, input) != 0) throw std::bad_alloc();
 }

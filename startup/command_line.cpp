@@ -60,6 +60,6 @@ CommandLine parseCommandLine(int argc, char** argv) {
                        nullptr,
                        nullptr,
                        nullptr};
-  parseArguments(parser, argc, argv, &commandLine);
+  parseArguments(parser, argc, argv, 0, &commandLine);
   return commandLine;
 }

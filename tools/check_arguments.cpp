@@ -8,15 +8,13 @@
 #include <cstring>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include "check/constant_choices.h"
 #include "check/text/nearest_word.h"
 #include "startup/argp_frame.h"
 #include "startup/version.h"
 #include "tools/input_file.h"
-
-// argp finds it under this name.
-const char* argp_program_version = VERSION_TEXT;
 
 namespace {
 
@@ -27,17 +25,21 @@ enum LongOption : int {
   OPTION_MAX_TIME,
   OPTION_NO_PROOFS,
   OPTION_SHOW_ALLOWED,
+  OPTION_USAGE,
 };
+
+// Of a line of --help that is another spelling: --usage would take it for the name of an option.
+constexpr int NO_OPTION = OPTION_DOC | OPTION_NO_USAGE;
 
 // The groups keep their order.
 const argp_option OPTIONS[] = {
     {"define", 'D', "NAME=VALUE[,VALUE...]", 0,
      "Give a constant its values; with several, check every combination", 1},
-    {"-D @FILE", 0, nullptr, OPTION_DOC, "Take such definitions from the lines of FILE", 2},
-    {"-Wno-CODE", 0, nullptr, OPTION_DOC, "Do not report findings of CODE", 3},
+    {"-D @FILE", 0, nullptr, NO_OPTION, "Take such definitions from the lines of FILE", 2},
+    {"-Wno-CODE", 0, nullptr, NO_OPTION, "Do not report findings of CODE", 3},
     {"warn", 'W', "CODE", 0, "Report them again", 4},
-    {"-Werror[=CODE]", 0, nullptr, OPTION_DOC,
-     "Make errors of all warnings, or of findings of CODE", 5},
+    {"-Werror[=CODE]", 0, nullptr, NO_OPTION, "Make errors of all warnings, or of findings of CODE",
+     5},
     {"no-proofs", OPTION_NO_PROOFS, nullptr, 0, "Do not ask what happens in all situations", 6},
     {"max-time", OPTION_MAX_TIME, "SECONDS", 0,
      "After that time, leave a text's remaining proofs undecided", 6},
@@ -49,6 +51,9 @@ const argp_option OPTIONS[] = {
      "List also what comments \"# check: allow CODE\" silence", 7},
     {"explain", OPTION_EXPLAIN, "CODE", 0, "Explain CODE and exit", 8},
     {"list-codes", OPTION_LIST_CODES, nullptr, 0, "List all codes and exit", 8},
+    {"help", '?', nullptr, 0, "Give this help list", 9},
+    {"usage", OPTION_USAGE, nullptr, 0, "Give a short usage message", 9},
+    {"version", 'V', nullptr, 0, "Print program version", 9},
     {}};
 
 // The vertical tab separates what is before the options from what is behind them.
@@ -117,7 +122,7 @@ uint32_t positiveNumber(std::string_view text, const char* option, const argp_st
 
 void print(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }
 
-[[noreturn]] void listCodes() {
+void listCodes() {
   size_t width = 0;
   for (const FindingCode& code : findingCodes()) width = std::max(width, code.name.size());
   for (const FindingCode& code : findingCodes()) {
@@ -126,21 +131,86 @@ void print(std::string_view text) { std::fwrite(text.data(), 1, text.size(), std
     print(code.summary);
     print("\n");
   }
+}
+
+void explain(const FindingCode& code) {
+  print(code.name);
+  std::printf(" (%s): ", levelWord(code.level));
+  print(code.summary);
+  print("\n\n");
+  print(code.explanation);
+}
+
+// An answer that needs no text. It is given once the whole command line is known to be right.
+struct Answer {
+  const char* option = nullptr;       // null where none is asked for
+  const FindingCode* code = nullptr;  // to explain; null for the list of all
+};
+
+void takeAnswer(Answer asked, Answer& answer, const argp_state* state) {
+  if (answer.option != nullptr) {
+    refuse(state, "one --explain or --list-codes is answered at a time");
+  }
+  answer = asked;
+}
+
+void takeExplain(const char* name, Answer& answer, const argp_state* state) {
+  const FindingCode* const code = findFindingCode(name);
+  if (code == nullptr) refuse(state, unknownCodeMessage(name));
+  takeAnswer({"--explain", code}, answer, state);
+}
+
+[[noreturn]] void give(const Answer& answer) {
+  if (answer.code != nullptr) {
+    explain(*answer.code);
+  } else {
+    listCodes();
+  }
   endAnswered();
 }
 
-void explain(const char* name, const argp_state* state) {
-  const FindingCode* const code = findFindingCode(name);
-  if (code == nullptr) {
-    refuse(state, unknownCodeMessage(name));
-    return;
-  }
-  print(code->name);
-  std::printf(" (%s): ", levelWord(code->level));
-  print(code->summary);
-  print("\n\n");
-  print(code->explanation);
+// Where argp ends the process itself, it does so with status 0 whatever became of the output.
+[[noreturn]] void giveHelp(const argp_state* state, unsigned int what) {
+  argp_state_help(state, stdout, what);
   endAnswered();
+}
+
+[[noreturn]] void giveVersion() {
+  print(VERSION_TEXT);
+  print("\n");
+  endAnswered();
+}
+
+// The start of a long option is enough where it is the start of one only.
+bool isLongOption(std::string_view name) {
+  return std::ranges::any_of(OPTIONS, [name](const argp_option& option) {
+    const bool isNamed = option.name != nullptr && (option.flags & OPTION_DOC) == 0;
+    return isNamed && std::string_view(option.name).starts_with(name);
+  });
+}
+
+// argp only says that it does not know an option.
+void refuseUnknownOption(std::string_view argument, const argp_state* state) {
+  const std::string_view name = argument.substr(2, argument.find('=') - 2);
+  if (isLongOption(name)) return;
+  NearestWord nearest(name);
+  for (const argp_option& option : OPTIONS) {
+    if (option.name != nullptr && (option.flags & OPTION_DOC) == 0) nearest.offer(option.name);
+  }
+  const std::string message = "there is no option \"--" + std::string(name) + "\"";
+  refuse(state,
+         message + (nearest.found() ? "; did you mean \"--" + std::string(*nearest.found()) + "\"?"
+                                    : "; --help lists them"));
+}
+
+void refuseUnknownOptions(const argp_state* state) {
+  for (int i = 1; i < state->argc; ++i) {
+    const std::string_view argument = state->argv[i];
+    const std::string_view before = state->argv[i - 1];
+    if (argument == "--") return;
+    const bool isValue = before == "-D" || before == "-W" || before == "-j";
+    if (!isValue && argument.starts_with("--")) refuseUnknownOption(argument, state);
+  }
 }
 
 void takeFile(const char* name, CheckArguments& arguments, const argp_state* state) {
@@ -149,15 +219,32 @@ void takeFile(const char* name, CheckArguments& arguments, const argp_state* sta
   arguments.files.emplace_back(name);
 }
 
-void finish(const CheckArguments& arguments, const argp_state* state) {
+void finish(const CheckArguments& arguments, const Answer& answer, const argp_state* state) {
+  if (answer.option != nullptr) {
+    if (!arguments.files.empty()) {
+      refuse(state, std::string(answer.option) + " takes no FILE, but \"" +
+                        arguments.files.front() + "\" is given");
+    }
+    give(answer);
+  }
   if (arguments.files.empty()) refuse(state, "no FILE is given; - is standard input");
   const std::string tooMany = tooManyVariants(arguments.options.constants);
   if (!tooMany.empty()) refuse(state, tooMany);
 }
 
+// What the command line has said so far.
+struct TakenArguments {
+  CheckArguments arguments;
+  Answer answer;
+};
+
 error_t takeOption(int key, char* argument, argp_state* state) {
-  CheckArguments& arguments = *static_cast<CheckArguments*>(state->input);
+  auto& [arguments, answer] = *static_cast<TakenArguments*>(state->input);
   switch (key) {
+    case ARGP_KEY_INIT:
+      state->name = program_invocation_short_name;  // as argp itself sets it later
+      refuseUnknownOptions(state);
+      return 0;
     case 'D':
       takeConstants(argument, arguments.options.constants, state);
       return 0;
@@ -188,15 +275,22 @@ error_t takeOption(int key, char* argument, argp_state* state) {
       arguments.showsAllowed = true;
       return 0;
     case OPTION_EXPLAIN:
-      explain(argument, state);
+      takeExplain(argument, answer, state);
       return 0;
     case OPTION_LIST_CODES:
-      listCodes();
+      takeAnswer({"--list-codes"}, answer, state);
+      return 0;
+    case '?':
+      giveHelp(state, ARGP_HELP_STD_HELP & ~ARGP_HELP_EXIT_OK);
+    case OPTION_USAGE:
+      giveHelp(state, ARGP_HELP_USAGE);
+    case 'V':
+      giveVersion();
     case ARGP_KEY_ARG:
       takeFile(argument, arguments, state);
       return 0;
     case ARGP_KEY_END:
-      finish(arguments, state);
+      finish(arguments, answer, state);
       return 0;
     default:
       return ARGP_ERR_UNKNOWN;
@@ -207,10 +301,10 @@ error_t takeOption(int key, char* argument, argp_state* state) {
 
 CheckArguments parseCheckArguments(int argc, char** argv) {
   argp_err_exit_status = 2;
-  CheckArguments arguments;
+  TakenArguments taken;
   const argp parser = {
       OPTIONS, takeWithoutExceptions<takeOption>, "FILE...", DOCUMENTATION, nullptr, nullptr,
       nullptr};
-  parseArguments(parser, argc, argv, &arguments);
-  return arguments;
+  parseArguments(parser, argc, argv, ARGP_NO_HELP, &taken);
+  return std::move(taken.arguments);
 }

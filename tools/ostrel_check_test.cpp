@@ -111,7 +111,9 @@ TEST_F(OstrelCheck, SaysThatItCannotWrite) {
             "ostrel-check: cannot write: No space left on device\n");
   EXPECT_EQ(run("--list-codes 2>&1 >/dev/full").out,
             "ostrel-check: cannot write: No space left on device\n");
-  EXPECT_EQ(run("--explain octal >/dev/full 2>&1").status, 2);
+  for (const char* const option : {"--explain octal", "--help", "--usage", "--version"}) {
+    EXPECT_EQ(run(std::string(option) + " >/dev/full 2>&1").status, 2) << option;
+  }
 }
 
 TEST_F(OstrelCheck, LeavesOutWhatIsNotAskedFor) {
@@ -274,6 +276,13 @@ TEST(OstrelCheckUsage, RefusesWhatItDoesNotUnderstand) {
       {"-Werror=octl x", "there is no code \"octl\"; did you mean \"octal\"?"},
       {"-Wno-syntax x", "the daemon refuses a text with \"syntax\", so it cannot be switched off"},
       {"--explain octl", "there is no code \"octl\"; did you mean \"octal\"?"},
+      {"-Wall x", "there is no code \"all\"; all codes are reported without it"},
+      {"--explain octal x", "--explain takes no FILE, but \"x\" is given"},
+      {"x --list-codes", "--list-codes takes no FILE, but \"x\" is given"},
+      {"--explain octal --explain cycle", "one --explain or --list-codes is answered at a time"},
+      {"--noproofs x", "there is no option \"--noproofs\"; did you mean \"--no-proofs\"?"},
+      {"--max-tiem=3 x", "there is no option \"--max-tiem\"; did you mean \"--max-time\"?"},
+      {"x --zzz", "there is no option \"--zzz\"; --help lists them"},
       {"--explain xyz", "there is no code \"xyz\"; --list-codes lists them"},
       {"--format=jsn x", "--format is text, json or sarif, not \"jsn\"; did you mean \"json\"?"},
       {"--format= x", "--format is text, json or sarif, not \"\""},
@@ -291,7 +300,8 @@ TEST(OstrelCheckUsage, RefusesWhatItDoesNotUnderstand) {
                                "\nTry `ostrel-check --help' or `ostrel-check --usage' for more "
                                "information.\n");
   }
-  EXPECT_EQ(run("--what x 2>/dev/null").status, 2);
+  EXPECT_EQ(run("-x - 2>/dev/null").status, 2);
+  EXPECT_EQ(run("--explain 2>/dev/null").status, 2);
 }
 
 TEST(OstrelCheckUsage, AcceptsLimitsForProofs) {
@@ -299,6 +309,20 @@ TEST(OstrelCheckUsage, AcceptsLimitsForProofs) {
                 "2>&1 </dev/null")
                 .status,
             0);
+}
+
+TEST(OstrelCheckUsage, KnowsOptionsFromValuesAndFiles) {
+  EXPECT_EQ(run("-D --what=1 --no-pro - 2>/dev/null </dev/null").status, 0);
+  EXPECT_EQ(run("-- --what 2>&1").out,
+            "ostrel-check: cannot read --what: No such file or directory\n");
+}
+
+TEST(OstrelCheckUsage, ShowsItsOptionsAsTheyAreWritten) {
+  const Outcome usage = run("--usage 2>&1");
+  EXPECT_EQ(usage.status, 0);
+  EXPECT_TRUE(usage.out.starts_with("Usage: ostrel-check [-")) << usage.out;
+  EXPECT_EQ(countOf(usage.out, "[--list-codes]"), 1U) << usage.out;
+  EXPECT_EQ(countOf(usage.out, "---"), 0U) << usage.out;
 }
 
 TEST(OstrelCheckUsage, DescribesItsOptionsAfterExamples) {

@@ -1,6 +1,7 @@
 #include "check/proof/anywhere.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "check/proof/candidates.h"
 #include "check/proof/solver.h"
@@ -9,6 +10,8 @@
 namespace {
 
 constexpr uint64_t FEW_VALUES = 64;
+// A text that no author writes.
+constexpr const char* OTHER_TEXT = "~";
 
 // A name of the goal: what it may be, and what it is in the assignment under test.
 struct GoalName {
@@ -65,6 +68,15 @@ class Search {
     return domain;
   }
 
+  // All numbers, the texts that a name is compared with, and one that is none of them.
+  static NameDomain anyText(const NameUse& use) {
+    NameDomain domain;
+    domain.values.addSpan(std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max());
+    for (const std::string& text : use.texts) domain.values.addText(text);
+    domain.values.addText(OTHER_TEXT);
+    return domain;
+  }
+
   static bool hasIndex(const ParmEntry& entry, std::string_view name) {
     const std::vector<const IndexDef*>& own = entry.parm.indices();
     return std::any_of(own.begin(), own.end(),
@@ -94,8 +106,9 @@ class Search {
     for (const auto& [name, source] : sources) {
       GoalName& added = names_.emplace_back();
       added.name = name;
-      added.domain = domainOf(*source);
-      added.candidates = candidatesFor(added.domain, uses.find(name)->second, FEW_VALUES);
+      const NameUse& use = uses.find(name)->second;
+      added.domain = scope_ == ANY_TEXT ? anyText(use) : domainOf(*source);
+      added.candidates = candidatesFor(added.domain, use, FEW_VALUES);
       isComplete_ = isComplete_ && added.candidates.isComplete;
     }
     // Names with few candidates first: a clause is ruled out as early as can be.

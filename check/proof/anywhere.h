@@ -16,10 +16,11 @@ enum Verdict {
   VERDICT_UNDECIDED,   ///< not found out within the limit
 };
 
-/// Which values the constants of the command line have.
+/// Which values names have.
 enum ConstantScope {
-  THIS_VARIANT,  ///< those of the variant
-  ANY_VARIANT,   ///< all that are given, and all that the text compares them with
+  THIS_VARIANT,  ///< those of their domains, and the constants of the variant
+  ANY_VARIANT,   ///< constants all that are given, and all that the text compares them with
+  ANY_TEXT,      ///< any that there is, whatever the definitions say: what form alone decides
 };
 
 /// Values by base or full name; nullopt for a name that is undefined.

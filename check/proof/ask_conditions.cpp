@@ -1,3 +1,5 @@
+#include <span>
+
 #include "check/proof/questions.h"
 
 namespace {
@@ -6,18 +8,28 @@ namespace {
 struct ConditionKind {
   std::vector<CompiledStatement> Subject::*statements;
   bool seesIndices;
-  const char* neverTrue;   // what comes of a condition that is never true
-  const char* alwaysTrue;  // what comes of one that always is
+  const char* neverTrue;         // what comes of a condition that is never true
+  const char* alwaysTrue;        // what comes of one that always is
+  const char* covers = nullptr;  // likewise where the first that is true counts, and others follow
 };
 
 constexpr ConditionKind KINDS[] = {
     {&Subject::rangeValid, true, "so this range never counts", "so it could be left out"},
-    {&Subject::rangeDoc, true, "so this range is never told", "so it could be left out"},
+    {&Subject::rangeDoc, true, "so this range is never told", "so it could be left out",
+     "so no other rangeDoc counts"},
     {&Subject::ctrlRO, true, "so it never makes anything read-only",
-     "so nothing but a forced write changes the value"},
+     "so no client can ever change the value"},
     {&Subject::ctrlValid, false, "so the definition is never available", "so it could be left out"},
-    {&Subject::defaults, true, "so this default never counts", "so it could be left out"},
+    {&Subject::defaults, true, "so this default never counts", "so it could be left out",
+     "so no later default counts"},
 };
+
+// Whether there are statements that count only where this one does not.
+bool isFollowed(const CompiledStatement& statement, const std::vector<CompiledStatement>& all) {
+  return std::any_of(all.begin(), all.end(), [&](const CompiledStatement& other) {
+    return &other > &statement || !other.condition;
+  });
+}
 
 bool dependsOnParameters(const CompiledExpression& expression) {
   return std::any_of(expression.sources.begin(), expression.sources.end(),
@@ -26,15 +38,25 @@ bool dependsOnParameters(const CompiledExpression& expression) {
                      });
 }
 
+// What was found of the conditions of one definition.
+struct FoundConditions {
+  struct One {
+    const CompiledStatement* statement;
+    Finding finding;
+  };
+  std::vector<One> never = {};
+  std::vector<One> always = {};
+};
+
 void askCondition(Proof& proof, const Subject& subject, const ConditionKind& kind,
-                  const CompiledStatement& statement, Explained& explained) {
+                  const CompiledStatement& statement, FoundConditions& found) {
   const CompiledExpression& condition = *statement.condition;
-  if (condition.sources.empty()) return;  // the builder tells of constants
-  if (explained.explains(statement)) return;
   const TextPlace at = placeOf(condition.expression);
   Finding never{"never-true", at, std::string("this condition is never true, ") + kind.neverTrue};
-  const Finding always{"always-true", at,
-                       std::string("this condition is always true, ") + kind.alwaysTrue};
+  const bool covers = kind.covers != nullptr && isFollowed(statement, subject.*kind.statements);
+  const Finding always{
+      "always-true", at,
+      std::string("this condition is always true, ") + (covers ? kind.covers : kind.alwaysTrue)};
   const Goal isTrue{&subject, {{{&condition, WANT_TRUE}}}, kind.seesIndices};
   const Goal isUntrue{&subject, {{{&condition, WANT_UNTRUE}}}, kind.seesIndices};
   Verdict canBeTrue = proof.decide(isTrue, ANY_VARIANT);
@@ -42,8 +64,7 @@ void askCondition(Proof& proof, const Subject& subject, const ConditionKind& kin
   if (canBeTrue != VERDICT_IMPOSSIBLE) canBeUntrue = proof.decide(isUntrue, ANY_VARIANT);
   if (canBeUntrue == VERDICT_UNDECIDED) proof.addUndecided(always);
   if (canBeTrue != VERDICT_IMPOSSIBLE && canBeUntrue == VERDICT_IMPOSSIBLE) {
-    explained.told.insert(&statement);
-    proof.add(always);
+    found.always.push_back({&statement, always});
     return;
   }
   if (canBeTrue != VERDICT_IMPOSSIBLE && dependsOnParameters(condition) &&
@@ -53,19 +74,60 @@ void askCondition(Proof& proof, const Subject& subject, const ConditionKind& kin
         std::string("this condition is never true once the device has settled, ") + kind.neverTrue;
   }
   if (canBeTrue == VERDICT_UNDECIDED) proof.addUndecided(never);
-  if (canBeTrue != VERDICT_IMPOSSIBLE) return;
-  explained.dead.insert(&statement);
-  proof.add(never);
+  if (canBeTrue == VERDICT_IMPOSSIBLE) found.never.push_back({&statement, never});
+}
+
+// Whether `statement` has a true condition wherever those of `others` are untrue, by form alone:
+// a < 5 where a >= 5 is untrue.
+bool isTrueWithout(Proof& proof, const Subject& subject, const CompiledStatement& statement,
+                   std::span<const FoundConditions::One> others) {
+  Goal goal{&subject, {{{&*statement.condition, WANT_UNTRUE}}}};
+  for (const FoundConditions::One& other : others) {
+    goal.clauses.push_back({{&*other.statement->condition, WANT_UNTRUE}});
+  }
+  return proof.isImpossible(goal, ANY_TEXT, EFFORT_THOROUGH);
+}
+
+// The condition that is never true and makes `always` be always true, or null.
+FoundConditions::One* causeOf(Proof& proof, const Subject& subject,
+                              const FoundConditions::One& always,
+                              std::vector<FoundConditions::One>& never) {
+  if (never.empty() || isTrueWithout(proof, subject, *always.statement, {})) return nullptr;
+  for (FoundConditions::One& one : never) {
+    if (isTrueWithout(proof, subject, *always.statement, {&one, 1})) return &one;
+  }
+  return isTrueWithout(proof, subject, *always.statement, never) ? &never.front() : nullptr;
+}
+
+void addFound(Proof& proof, const Subject& subject, FoundConditions& found, Explained& explained) {
+  for (const FoundConditions::One& always : found.always) {
+    explained.told.insert(always.statement);
+    FoundConditions::One* const cause = causeOf(proof, subject, always, found.never);
+    if (cause == nullptr) {
+      proof.add(always.finding);
+    } else {
+      cause->finding.related.push_back({always.finding.at, "so this one is always true"});
+    }
+  }
+  for (FoundConditions::One& never : found.never) {
+    explained.dead.insert(never.statement);
+    proof.add(std::move(never.finding));
+  }
 }
 
 }  // namespace
 
 void askConditions(Proof& proof, Explained& explained) {
   for (const Subject& subject : proof.subjects()) {
+    FoundConditions found;
     for (const ConditionKind& kind : KINDS) {
       for (const CompiledStatement& statement : subject.*kind.statements) {
-        if (statement.condition) askCondition(proof, subject, kind, statement, explained);
+        const bool isAsked = statement.condition &&
+                             !statement.condition->sources.empty() &&  // the builder tells of these
+                             !explained.explains(statement);
+        if (isAsked) askCondition(proof, subject, kind, statement, found);
       }
     }
+    addFound(proof, subject, found, explained);
   }
 }

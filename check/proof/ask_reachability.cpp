@@ -30,6 +30,21 @@ const CompiledStatement* coverOf(Proof& proof, const Goal& applies,
   return nullptr;
 }
 
+// Whether those before `statement` cover it whatever the definitions say, and not `cover` alone:
+// then it is not because `cover` is always true, which has been told.
+bool isCoveredByForm(Proof& proof, const Subject& subject,
+                     const std::vector<const CompiledStatement*>& ordered,
+                     const CompiledStatement& statement, const CompiledStatement& cover,
+                     Clause (*pass)(const CompiledStatement&)) {
+  if (proof.isImpossible({&subject, {pass(cover)}}, ANY_TEXT)) return false;
+  Goal goal{&subject};
+  for (const CompiledStatement* other : ordered) {
+    if (other == &statement) break;
+    goal.clauses.push_back(pass(*other));
+  }
+  return proof.isImpossible(goal, ANY_TEXT);
+}
+
 Finding unreachable(const CompiledStatement& statement, const char* text) {
   return {"unreachable", placeOf(*statement.layout), text};
 }
@@ -67,7 +82,10 @@ void askFirstThatApplies(Proof& proof, const Subject& subject,
       if (verdict == VERDICT_UNDECIDED) proof.addUndecided(unreachable(*statement, text));
       if (verdict == VERDICT_IMPOSSIBLE) {
         explained.dead.insert(statement);
-        addUnreachable(proof, *statement, coverOf(proof, applies, earlier, pass), text);
+        const CompiledStatement* const cover = coverOf(proof, applies, earlier, pass);
+        const bool isTold = explained.told.contains(cover) &&
+                            !isCoveredByForm(proof, subject, ordered, *statement, *cover, pass);
+        if (!isTold) addUnreachable(proof, *statement, cover, text);
       }
     }
     if (statement->condition) earlier.push_back(statement);

@@ -1,3 +1,4 @@
+#include "check/proof/compared_values.h"
 #include "check/proof/questions.h"
 #include "check/static/expression_tree.h"
 #include "deflang/expression/operators.h"
@@ -34,15 +35,19 @@ class Comparisons {
  private:
   // Tells that `part` is never true or always true, if so.
   void askPart(const CompiledExpression& part, const TextPlace& at) {
+    for (const ComparedValue& compared : comparedValues(proof_, part.expression)) {
+      if (isToldOfStandard(proof_, compared)) return;
+    }
     std::optional<Finding> undecided;
     for (const WantedResult wanted : {WANT_TRUE, WANT_UNTRUE}) {
       const Verdict verdict =
           proof_.decide({&subject_, {{{&part, wanted}}}, seesIndices_}, ANY_VARIANT);
       if (verdict == VERDICT_POSSIBLE) continue;
-      Finding finding{"dead-comparison", at,
-                      wanted == WANT_TRUE ? "this comparison is never true" + valuesOf(part)
-                                          : "this comparison is always true" + valuesOf(part)};
+      Finding finding{
+          "dead-comparison", at,
+          wanted == WANT_TRUE ? "this comparison is never true" : "this comparison is always true"};
       if (verdict == VERDICT_IMPOSSIBLE) {
+        explainValues(proof_, part.expression, finding);
         proof_.add(std::move(finding));
         return;
       }
@@ -50,29 +55,6 @@ class Comparisons {
     }
     if (undecided) proof_.addUndecided(*std::move(undecided));
   }
-
-  // What the name of a comparison may be, where that is short enough to say.
-  std::string valuesOf(const CompiledExpression& part) {
-    if (part.sources.size() != 1 || part.sources.front().figure != nullptr) return {};
-    const VariableSource& source = part.sources.front();
-    const Domain& values = proof_.domains().ofAnyVariant(source).values;
-    if (values.isAll() || values.spans().size() + values.texts().size() > MANY_VALUES) return {};
-    std::vector<std::string> parts;
-    for (const auto& [low, high] : values.spans()) {
-      parts.push_back(std::to_string(low) + (low == high ? "" : ".." + std::to_string(high)));
-    }
-    for (const std::string& value : values.texts()) {
-      if (!value.empty()) parts.push_back('"' + value + '"');
-    }
-    std::string text = ": " + std::string(source.name) + " is ";
-    for (size_t i = 0; i < parts.size(); ++i) {
-      const char* const lead = i == 0 ? "" : i + 1 < parts.size() ? ", " : " or ";
-      text += lead + parts[i];
-    }
-    return parts.empty() ? std::string() : text;
-  }
-
-  static constexpr size_t MANY_VALUES = 6;
 
   Proof& proof_;
   const Subject& subject_;

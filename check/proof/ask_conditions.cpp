@@ -1,5 +1,6 @@
 #include <span>
 
+#include "check/proof/compared_values.h"
 #include "check/proof/questions.h"
 
 namespace {
@@ -99,19 +100,31 @@ FoundConditions::One* causeOf(Proof& proof, const Subject& subject,
   return isTrueWithout(proof, subject, *always.statement, never) ? &never.front() : nullptr;
 }
 
+// Adds a finding about a condition, unless it follows from one about a standard in it.
+void addExplained(Proof& proof, FoundConditions::One& found) {
+  const Expression& condition = found.statement->condition->expression;
+  const std::vector<ComparedValue> compared = comparedValues(proof, condition);
+  const bool isTold = std::any_of(compared.begin(), compared.end(), [&](const ComparedValue& one) {
+    return isToldOfStandard(proof, one);
+  });
+  if (isTold) return;
+  explainValues(proof, condition, found.finding);
+  proof.add(std::move(found.finding));
+}
+
 void addFound(Proof& proof, const Subject& subject, FoundConditions& found, Explained& explained) {
-  for (const FoundConditions::One& always : found.always) {
+  for (FoundConditions::One& always : found.always) {
     explained.told.insert(always.statement);
     FoundConditions::One* const cause = causeOf(proof, subject, always, found.never);
     if (cause == nullptr) {
-      proof.add(always.finding);
+      addExplained(proof, always);
     } else {
       cause->finding.related.push_back({always.finding.at, "so this one is always true"});
     }
   }
   for (FoundConditions::One& never : found.never) {
     explained.dead.insert(never.statement);
-    proof.add(std::move(never.finding));
+    addExplained(proof, never);
   }
 }
 

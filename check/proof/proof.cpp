@@ -50,8 +50,12 @@ bool Proof::addIfHealthy(const Goal& goal, Finding finding) {
 }
 
 bool Proof::hasFound(std::string_view code) const {
+  return hasFound(code, [](const Finding& /*finding*/) { return true; });
+}
+
+bool Proof::hasFound(std::string_view code, const std::function<bool(const Finding&)>& is) const {
   return std::any_of(findings_.all().begin(), findings_.all().end(),
-                     [&](const Finding& finding) { return finding.code == code; });
+                     [&](const Finding& finding) { return finding.code == code && is(finding); });
 }
 
 bool Proof::isTold(std::string_view code, const NamedValues& witness) const {

@@ -23,8 +23,15 @@ class Proof {
 
   void add(Finding finding) { findings_.add(std::move(finding)); }
   void addUndecided(Finding finding) { undecided_.add(std::move(finding)); }
+  /// As Findings::find().
+  [[nodiscard]] Finding* found(std::string_view code, TextPlace at) {
+    return findings_.find(code, at);
+  }
   /// Whether there is a finding of `code`.
   [[nodiscard]] bool hasFound(std::string_view code) const;
+  /// Whether there is one of which `is` is true.
+  [[nodiscard]] bool hasFound(std::string_view code,
+                              const std::function<bool(const Finding&)>& is) const;
   /// Whether a finding of `code` names one of the values of `witness` already.
   [[nodiscard]] bool isTold(std::string_view code, const NamedValues& witness) const;
   /// Whether no more is to be asked. What is asked nevertheless is not decided.

@@ -3,6 +3,13 @@
 #include <algorithm>
 #include <tuple>
 
+Finding* Findings::find(std::string_view code, TextPlace at) {
+  const auto found = std::find_if(findings_.begin(), findings_.end(), [&](const Finding& finding) {
+    return finding.code == code && finding.at == at;
+  });
+  return found == findings_.end() ? nullptr : &*found;
+}
+
 std::vector<Finding> Findings::inTextOrder() const {
   const auto key = [](const Finding& finding) {
     return std::tie(finding.at.line, finding.at.column, finding.code, finding.text,

@@ -1,6 +1,7 @@
 // A collection of findings about one text.
 #pragma once
 
+#include <string_view>
 #include <vector>
 
 #include "check/text/finding.h"
@@ -11,6 +12,8 @@ class Findings {
   void add(Finding finding) { findings_.push_back(std::move(finding)); }
   /// What was added, in that order.
   [[nodiscard]] const std::vector<Finding>& all() const { return findings_; }
+  /// The first finding of `code` at `at`, to say more in it, or null. Valid until the next add().
+  [[nodiscard]] Finding* find(std::string_view code, TextPlace at);
   /// In the order of the text: by place, then by code; what is said twice is said once.
   [[nodiscard]] std::vector<Finding> inTextOrder() const;
 

@@ -1,3 +1,6 @@
+#include <memory>
+
+#include "check/proof/compared_values.h"
 #include "check/proof/questions.h"
 
 namespace {
@@ -16,13 +19,122 @@ std::optional<Goal> noneOf(const Subject& subject,
   return goal;
 }
 
+// The goal that none of `statements` counts, where those of which never-true is told had another
+// literal. If that covers all situations, the literal is why none counted.
+class MendedCoverage {
+ public:
+  MendedCoverage(Proof& proof, const Goal& none, const std::vector<CompiledStatement>& statements,
+                 const Explained& explained)
+      : proof_(proof), mended_(none) {
+    std::vector<ComparedValue> others;
+    for (const CompiledStatement& statement : statements) {
+      const Expression& condition = statement.condition->expression;
+      const std::vector<ComparedValue> compared = comparedValues(proof, condition);
+      if (!explained.dead.contains(&statement)) {
+        others.insert(others.end(), compared.begin(), compared.end());
+      } else if (proof.found("never-true", placeOf(condition)) != nullptr) {
+        dead_.push_back({&*statement.condition, compared});
+      }
+    }
+    for (Dead& dead : dead_) {
+      for (const ComparedValue& compared : dead.compared) {
+        dead.meant.push_back(meantValues(proof, compared, others));
+      }
+    }
+  }
+
+  // What has been told of a condition that, alone or with others, keeps all from being covered;
+  // null where mending them would not help.
+  Finding* cause() {
+    if (dead_.empty() || !closesFrom(0)) return nullptr;
+    return proof_.found("never-true", placeOf(dead_.front().condition->expression));
+  }
+
+  // With what was probably meant, where that is known.
+  Goal likeliest() {
+    for (const Dead& dead : dead_) {
+      for (const ComparedValue& compared : dead.compared) {
+        std::optional<std::string> meant = meantText(proof_, compared);
+        if (!meant) continue;
+        replace(dead, compared, *std::move(meant));
+        break;
+      }
+    }
+    return mended_;
+  }
+
+ private:
+  struct Dead {
+    const CompiledExpression* condition;
+    std::vector<ComparedValue> compared;
+    std::vector<std::vector<std::string>> meant = {};  // for each of these
+  };
+
+  bool closesFrom(size_t place) {
+    if (place == dead_.size()) return isCovered();
+    const Dead& dead = dead_[place];
+    const Goal before = mended_;
+    bool isTried = false;
+    for (size_t i = 0; i < dead.compared.size(); ++i) {
+      for (const std::string& value : dead.meant[i]) {
+        isTried = true;
+        replace(dead, dead.compared[i], value);
+        if (closesFrom(place + 1)) return true;
+        mended_ = before;
+      }
+    }
+    return !isTried && closesFrom(place + 1);
+  }
+
+  bool isCovered() {
+    if (left_ == 0) return false;
+    --left_;
+    return proof_.isImpossible(mended_, THIS_VARIANT, EFFORT_QUICK) ||
+           proof_.findHealthy(mended_).verdict == VERDICT_IMPOSSIBLE;
+  }
+
+  void replace(const Dead& dead, const ComparedValue& compared, std::string value) {
+    expressions_.push_back(std::make_unique<MendedExpression>(proof_, dead.condition->expression,
+                                                              *compared.literal, std::move(value)));
+    for (Clause& clause : mended_.clauses) {
+      if (clause.front().expression == dead.condition) {
+        clause.front().expression = &expressions_.back()->compiled();
+      }
+    }
+  }
+
+  Proof& proof_;
+  Goal mended_;
+  std::vector<Dead> dead_;
+  std::vector<std::unique_ptr<MendedExpression>> expressions_;
+  size_t left_ = 32;  // tries
+};
+
+// Adds `finding` where a healthy situation meets `none`; where that only follows from a condition
+// that is never true, says so there. Returns whether there is such a situation.
+bool addUncovered(Proof& proof, const Goal& none, const std::vector<CompiledStatement>& statements,
+                  const Explained& explained, Finding finding) {
+  if (proof.isImpossible(none, THIS_VARIANT, EFFORT_QUICK)) return false;
+  Finding* const cause = MendedCoverage(proof, none, statements, explained).cause();
+  if (cause == nullptr) {
+    MendedCoverage mended(proof, none, statements, explained);
+    return proof.addIfHealthy(mended.likeliest(), std::move(finding));
+  }
+  HealthyResult result = proof.findHealthy(none);
+  if (result.verdict != VERDICT_POSSIBLE) return false;
+  cause->related.push_back({finding.at, "so " + finding.text});
+  if (cause->witness.empty()) cause->witness = std::move(result.witness);
+  if (finding.level == LEVEL_ERROR) cause->level = LEVEL_ERROR;
+  return true;
+}
+
 // Whether the engine judges by conditional bounds alone: no range of the text counts always.
 bool isConditionalOnly(const Subject& subject) {
   const IndexDef& definition = subject.definition();
   return definition.baseBounds().count() == 0 && !definition.conditionalBounds().empty();
 }
 
-bool askRanges(Proof& proof, const Subject& subject) {
+bool askRanges(Proof& proof, const Subject& subject, const Explained& explained) {
   if (!isConditionalOnly(subject)) return false;
   const std::optional<Goal> goal = noneOf(subject, subject.rangeValid);
   if (!goal) return false;
@@ -33,10 +145,10 @@ bool askRanges(Proof& proof, const Subject& subject) {
           : "there is a situation in which none of these ranges counts, and every value is taken";
   Finding finding{"uncovered", placeOf(*subject.rangeValid.front().layout), text};
   finding.level = LEVEL_ERROR;
-  return proof.addIfHealthy(*goal, std::move(finding));
+  return addUncovered(proof, *goal, subject.rangeValid, explained, std::move(finding));
 }
 
-void askOfDefaults(Proof& proof, const Subject& subject) {
+void askOfDefaults(Proof& proof, const Subject& subject, const Explained& explained) {
   if (subject.defaults.empty()) return;
   const std::optional<Goal> goal = noneOf(subject, subject.defaults);
   if (!goal) return;
@@ -44,16 +156,17 @@ void askOfDefaults(Proof& proof, const Subject& subject) {
                   "there is a situation in which none of these defaults counts, and a reset leaves "
                   "the value empty"};
   finding.level = LEVEL_WARNING;
-  proof.addIfHealthy(*goal, std::move(finding));
+  addUncovered(proof, *goal, subject.defaults, explained, std::move(finding));
 }
 
 }  // namespace
 
 void askCoverage(Proof& proof, const Explained& explained) {
   for (const Subject& subject : proof.subjects()) {
-    const bool isReported = explained.explains(subject.rangeValid) || askRanges(proof, subject);
+    const bool isReported =
+        explained.explains(subject.rangeValid) || askRanges(proof, subject, explained);
     if (!isReported && !explained.explains(subject.defaults) && subject.parm != nullptr) {
-      askOfDefaults(proof, subject);
+      askOfDefaults(proof, subject, explained);
     }
   }
 }

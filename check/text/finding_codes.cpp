@@ -289,7 +289,8 @@ Right:
     {"never-true", GROUP_PROVED, LEVEL_WARNING, "a condition holds in no situation",
      R"(A condition is never true whatever the parameters hold, in all variants that
 were asked for. What it governs never applies. Mostly an && was to be an ||, or
-a bound is not the one that was meant.
+a word is misspelt. It is an error where that leaves a parameter without a range
+in some situation.
 
 Wrong:
     mode rw { rangeValid { 0..3 } default { 0 } }

@@ -41,7 +41,9 @@ void askDefaults(Proof& proof, const Explained& explained) {
   for (const Subject& subject : proof.subjects()) {
     if (subject.parm == nullptr || subject.parm->parm.mode() == MODE_NEVER) continue;
     for (const CompiledStatement& statement : subject.defaults) {
-      if (!explained.dead.contains(&statement)) askDefault(proof, subject, statement);
+      const CompiledItem& value = statement.items.front();
+      const bool isTold = value.text && explained.explainedText(subject, *value.text) != nullptr;
+      if (!isTold && !explained.dead.contains(&statement)) askDefault(proof, subject, statement);
     }
   }
 }

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "check/proof/questions.h"
+#include "check/static/token_place.h"
 #include "database/commit.h"
 #include "database/index_values.h"
 #include "database/transaction.h"
@@ -20,7 +21,8 @@ using Held = std::map<std::string, std::string>;
 
 class Start {
  public:
-  explicit Start(Proof& proof) : proof_(proof), database_(proof.text().database()) {}
+  Start(Proof& proof, const Explained& explained)
+      : proof_(proof), explained_(explained), database_(proof.text().database()) {}
 
   void run() {
     std::optional<Finding> finding;
@@ -111,12 +113,12 @@ class Start {
   // The first one that does not rest, and beside it the others: they mostly move one another.
   std::optional<Finding> findingOf(const Held& started, const Held& again) {
     std::optional<Finding> finding;
+    const std::set<const ParmEntry*> told = tellOfTexts(started, again);
     for (const Subject& subject : proof_.text().subjects()) {
       const std::string* const name = firstMoved(subject, started, again);
-      if (name == nullptr) continue;
+      if (name == nullptr || told.contains(subject.parm)) continue;
       const std::string moved = *name + (finding ? " goes on as well" : " does not come to rest") +
-                                ": after the start it is \"" + started.at(*name) + "\", and \"" +
-                                again.at(*name) + "\" after the same values are set again";
+                                motionText(*name, started, again);
       if (!finding) {
         finding = Finding{"unsettled", placeOfName(subject), moved};
       } else if (finding->related.size() < MANY_RELATED) {
@@ -124,6 +126,52 @@ class Start {
       }
     }
     return finding;
+  }
+
+  // The parameters, each after what it follows.
+  std::vector<const Subject*> inLevels() const {
+    std::vector<const Subject*> subjects;
+    for (const Subject& subject : proof_.text().subjects()) {
+      if (subject.parm != nullptr) subjects.push_back(&subject);
+    }
+    std::stable_sort(subjects.begin(), subjects.end(), [](const Subject* a, const Subject* b) {
+      return a->parm->level < b->parm->level;
+    });
+    return subjects;
+  }
+
+  // Says where a text that is never kept is told of what it does not let come to rest, and what
+  // follows that.
+  std::set<const ParmEntry*> tellOfTexts(const Held& started, const Held& again) {
+    std::set<const ParmEntry*> told;
+    for (const Subject* subject : inLevels()) {
+      const std::string* const name = firstMoved(*subject, started, again);
+      if (name == nullptr) continue;
+      const CompiledItem* const item = explained_.explainedText(*subject);
+      Finding* const finding = item == nullptr ? nullptr : findingAt(*item);
+      if (finding != nullptr) {
+        finding->level = LEVEL_ERROR;
+        finding->related.push_back(
+            {placeOfName(*subject),
+             "so " + *name + " does not come to rest" + motionText(*name, started, again)});
+      }
+      const auto& sources = subject->parm->sources;
+      const bool follows =
+          std::any_of(sources.begin(), sources.end(),
+                      [&](const VariableSource& source) { return told.contains(source.parm); });
+      if (finding != nullptr || follows) told.insert(subject->parm);
+    }
+    return told;
+  }
+
+  Finding* findingAt(const CompiledItem& item) {
+    const SourceText& source = proof_.text().checked().source;
+    return proof_.found("quoted-number", valuePlace(source, item.at));
+  }
+
+  static std::string motionText(const std::string& name, const Held& started, const Held& again) {
+    return ": after the start it is \"" + started.at(name) + "\", and \"" + again.at(name) +
+           "\" after the same values are set again";
   }
 
   // The first instance that the second round has moved, or null.
@@ -137,6 +185,7 @@ class Start {
   }
 
   Proof& proof_;
+  const Explained& explained_;
   Database& database_;
   std::map<const Subject*, std::vector<std::string>> names_;
   bool isAsked_ = true;  // of every parameter, in both rounds
@@ -144,4 +193,4 @@ class Start {
 
 }  // namespace
 
-void askStart(Proof& proof) { Start(proof).run(); }
+void askStart(Proof& proof, const Explained& explained) { Start(proof, explained).run(); }

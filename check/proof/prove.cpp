@@ -20,5 +20,5 @@ void prove(const CheckedText& checked, const ExplainedPlaces& explainedPlaces,
   askFollowers(proof);
   if (!proof.asksOfWhole()) return;
   askBudget(proof);
-  askStart(proof);
+  askStart(proof, explained);
 }

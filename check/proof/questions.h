@@ -2,7 +2,9 @@
 #pragma once
 
 #include <algorithm>
+#include <optional>
 #include <set>
+#include <string_view>
 
 #include "check/proof/proof.h"
 
@@ -29,6 +31,18 @@ struct Explained {
                        [&](const CompiledStatement& statement) { return explains(statement); });
   }
 
+  /// The text of the ranges of `subject` about which one says so, that is `text` or any, or null:
+  /// what is corrected to it, or should be it, cannot be right.
+  [[nodiscard]] const CompiledItem* explainedText(const Subject& subject,
+                                                  std::optional<std::string_view> text = {}) const {
+    for (const CompiledStatement& range : subject.rangeValid) {
+      for (const CompiledItem& item : range.items) {
+        if (item.text && (!text || item.text == text) && places.contains(item.at)) return &item;
+      }
+    }
+    return nullptr;
+  }
+
   const ExplainedPlaces& places;
   std::set<const CompiledStatement*> dead = {};  ///< statements that never count
   std::set<const CompiledStatement*> told = {};  ///< statements whose condition is told of
@@ -51,7 +65,7 @@ void askIndices(Proof& proof);
 /// overflow: sums and products that pass 32 bits.
 void askOverflow(Proof& proof, const Explained& explained);
 /// default-outside and unsettled: what a start and a second commit do.
-void askStart(Proof& proof);
+void askStart(Proof& proof, const Explained& explained);
 /// late-follower: values that are lost where they are set together with what they follow.
 void askFollowers(Proof& proof);
 /// over-budget: changes that no commit takes.

@@ -41,8 +41,8 @@ class QuotedNumberCheck {
   explicit QuotedNumberCheck(StaticContext& context) : context_(context) {}
 
   void check(const NamedDefinition& definition) {
-    checkRanges(definition.record->rangeValid);
-    checkRanges(definition.record->rangeDoc);
+    checkRanges(definition.record->rangeValid, &definition.record->defaults);
+    checkRanges(definition.record->rangeDoc, nullptr);
     forEachExpression(*definition.record, [&](ExpressionUse /*use*/, const Expression& expression) {
       if (hasQuotedNumber(expression)) checkExpression(expression);
     });
@@ -50,13 +50,14 @@ class QuotedNumberCheck {
 
  private:
   // The statements without a condition are one range, each of the others is one by itself.
-  void checkRanges(const StatementList<RangeStatement>& statements) {
+  void checkRanges(const StatementList<RangeStatement>& statements,
+                   const StatementList<DefaultStatement>* defaults) {
     const RangeItem* number = nullptr;
     for (const RangeStatement& statement : statements) {
       if (statement.condition.empty() && number == nullptr) number = numberIn(statement);
     }
     for (const RangeStatement& statement : statements) {
-      checkItems(statement, statement.condition.empty() ? number : numberIn(statement));
+      checkItems(statement, statement.condition.empty() ? number : numberIn(statement), defaults);
     }
   }
 
@@ -71,7 +72,8 @@ class QuotedNumberCheck {
     return nullptr;
   }
 
-  void checkItems(const RangeStatement& statement, const RangeItem* number) {
+  void checkItems(const RangeStatement& statement, const RangeItem* number,
+                  const StatementList<DefaultStatement>* defaults) {
     if (number == nullptr) return;
     for (const RangeItem& item : statement.items) {
       if (!item.text || !isNumberText(*item.text)) continue;
@@ -83,7 +85,20 @@ class QuotedNumberCheck {
                              numberText(*wholeNumber(*item.text)),
                          {{itemPlace(context_.source(), *number), "the number"}}};
       propose(finding, *item.text);
+      if (defaults != nullptr) relateDefaults(finding, *item.text, *defaults);
       context_.add(std::move(finding));
+      context_.explained().add(item.at);
+    }
+  }
+
+  // A default that cannot be kept either is wrong wherever it counts.
+  void relateDefaults(Finding& finding, std::string_view text,
+                      const StatementList<DefaultStatement>& defaults) const {
+    for (const DefaultStatement& value : defaults) {
+      if (value.text != text) continue;
+      finding.related.push_back(
+          {valuePlace(context_.source(), value.at), "so this default becomes another value"});
+      finding.level = LEVEL_ERROR;
     }
   }
 

@@ -14,7 +14,7 @@ std::optional<std::string> constantText(const CompiledItem& value) {
 void askDefault(Proof& proof, const Subject& subject, const CompiledStatement& statement) {
   const CompiledItem& value = statement.items.front();
   const std::optional<std::string> text = constantText(value);
-  if (!text) return;
+  if (!text || proof.isTold("unknown-standard", {{subject.name(), *text}})) return;
   Goal counts{&subject};
   counts.dependsOnRanges = true;
   if (statement.condition) counts.clauses.push_back({{&*statement.condition, WANT_TRUE}});

@@ -247,7 +247,11 @@ TEST(BuildCauses, OfVideoStandards) {
       {"s rw { default { \"1080i/59\" } }\n" + with,
        {"1:18 warning: \"1080i/59\" selects no video standard [unknown-standard]",
         "1:18 meant: \"1080i/59.94\""}},
-      {"s rw { default { \"1080i/51\" } }\n" + with, {}},  // which one was meant is open
+      // Which one was meant is open.
+      {"s rw { default { \"1080i/51\" } }\n" + with,
+       {"1:18 warning: \"1080i/51\" selects no video standard [unknown-standard]"}},
+      {"s rw { default { \"720x576/50\" } rangeValid { \"4/3\", \"10 bit\", \"16:9\" } }\n" + with,
+       {"1:18 warning: \"720x576/50\" selects no video standard [unknown-standard]"}},
       {"s rw { default { \"1080/50i\" } }\n" + with,
        {"1:18 warning: \"1080/50i\" selects no video standard [unknown-standard]",
         "1:18 meant: \"1080i/50\""}},

@@ -64,6 +64,22 @@ std::optional<std::string> nearestStandard(std::string_view text) {
   return std::string(*nearest.found());
 }
 
+// A name with one digit for each number: "1080i/55" is written like "1080i/50".
+std::string shapeOf(std::string_view name) {
+  std::string shape;
+  for (const char c : name) {
+    const bool isDigit = std::isdigit(static_cast<unsigned char>(c)) != 0;
+    if (!isDigit || !shape.ends_with('0')) shape += isDigit ? '0' : c;
+  }
+  return shape;
+}
+
+bool isWrittenLikeAStandard(std::string_view text) {
+  const std::string shape = shapeOf(text);
+  return std::ranges::any_of(namesOfTheCatalogue(),
+                             [&](std::string_view name) { return shapeOf(name) == shape; });
+}
+
 bool selectsNothing(std::string_view text) {
   const vidSelection_t selected = selectVid(text);
   return selected.standard == nullptr && selected.format == nullptr;
@@ -128,13 +144,11 @@ class StandardTexts {
   void checkText(std::string_view text, Position at) const {
     if (!selectsNothing(text)) return;
     const std::optional<std::string> near = nearestStandard(text);
-    if (!near) return;
+    if (!near && !isWrittenLikeAStandard(text)) return;
     const TextPlace place = facts_.tokenAt(at);
-    findings_.add({"unknown-standard",
-                   place,
-                   quoted(text) + " selects no video standard",
-                   {},
-                   Proposal{place, "\"" + *near + "\""}});
+    Finding finding{"unknown-standard", place, quoted(text) + " selects no video standard"};
+    if (near) finding.proposal = Proposal{place, "\"" + *near + "\""};
+    findings_.add(std::move(finding));
   }
 
   const TextFacts& facts_;

@@ -1,4 +1,5 @@
 #include "check/proof/compared_values.h"
+#include "check/proof/candidates.h"
 #include "check/proof/questions.h"
 #include "check/static/expression_tree.h"
 #include "deflang/expression/operators.h"
@@ -9,24 +10,24 @@ bool isLiteral(const ExpressionNode& node) {
   return node.isOperand() && node.token->kind != TOKEN_VARIABLE;
 }
 
-// Asks the comparisons of a condition that are only a part of it.
+// Asks the comparisons of an expression, of a condition those that are only a part of it.
 class Comparisons {
  public:
   Comparisons(Proof& proof, const Subject& subject, bool seesIndices)
       : proof_(proof), subject_(subject), seesIndices_(seesIndices) {}
 
-  void ask(const Expression& condition) {
-    if (condition.tokens.size() > MAX_ASKED_TOKENS) return;
-    const std::optional<ExpressionTree> tree = ExpressionTree::make(condition);
+  void ask(const Expression& expression, ExpressionPurpose purpose) {
+    if (expression.tokens.size() > MAX_ASKED_TOKENS) return;
+    const std::optional<ExpressionTree> tree = ExpressionTree::make(expression);
     if (!tree) return;
     for (const ExpressionNode& node : tree->nodes()) {
-      const bool isWhole = &node == &tree->nodes().back();
-      if (isWhole || node.isOperand() || !comparesTexts(node.token->kind)) continue;
+      const bool isCondition = purpose == FOR_TRUTH && &node == &tree->nodes().back();
+      if (isCondition || node.isOperand() || !comparesTexts(node.token->kind)) continue;
       const ExpressionNode& left = tree->node(node.left);
       const ExpressionNode& right = tree->node(node.right);
       if (isLiteral(left) == isLiteral(right)) continue;
-      const CompiledExpression part =
-          proof_.text().compile({condition.tokens.subspan(node.first, node.last - node.first + 1)});
+      const CompiledExpression part = proof_.text().compile(
+          {expression.tokens.subspan(node.first, node.last - node.first + 1)});
       const TextPlace at = tree->place(proof_.text().checked().source, left, right);
       askPart(part, at);
     }
@@ -66,13 +67,22 @@ class Comparisons {
 void askComparisons(Proof& proof, const Explained& explained) {
   const auto ask = [&](const Subject& subject, const std::vector<CompiledStatement>& statements,
                        bool seesIndices) {
+    Comparisons comparisons(proof, subject, seesIndices);
+    const auto askValue = [&](const std::optional<CompiledExpression>& value) {
+      if (!value || explained.places.explains(value->expression)) return;
+      comparisons.ask(value->expression, FOR_VALUE);
+    };
     for (const CompiledStatement& statement : statements) {
-      if (!statement.condition || explained.dead.contains(&statement) ||
-          explained.told.contains(&statement) ||
+      if (explained.dead.contains(&statement)) continue;
+      for (const CompiledItem& item : statement.items) {
+        askValue(item.lower);
+        askValue(item.upper);
+      }
+      if (!statement.condition || explained.told.contains(&statement) ||
           explained.places.explains(statement.condition->expression)) {
         continue;
       }
-      Comparisons(proof, subject, seesIndices).ask(statement.condition->expression);
+      comparisons.ask(statement.condition->expression, FOR_TRUTH);
     }
   };
   for (const Subject& subject : proof.subjects()) {

@@ -52,7 +52,8 @@ struct Explained {
 void askConditions(Proof& proof, Explained& explained);
 /// unreachable: defaults and ranges that an earlier statement always covers.
 void askReachability(Proof& proof, Explained& explained);
-/// dead-comparison: parts of a condition that are the same in all situations.
+/// dead-comparison: comparisons in an item, a default or a part of a condition that are the same in
+/// all situations.
 void askComparisons(Proof& proof, const Explained& explained);
 /// empty-range and no-value: values that do not exist in some situation.
 void askValues(Proof& proof, const Explained& explained);

@@ -14,6 +14,7 @@ void prove(const CheckedText& checked, const ExplainedPlaces& explainedPlaces,
   askComparisons(proof, explained);
   askValues(proof, explained);
   askCoverage(proof, explained);
+  askRefusals(proof, explained);
   askDefaults(proof, explained);
   askIndices(proof);
   askOverflow(proof, explained);

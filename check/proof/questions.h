@@ -59,6 +59,8 @@ void askComparisons(Proof& proof, const Explained& explained);
 void askValues(Proof& proof, const Explained& explained);
 /// uncovered: situations in which no statement of a kind applies.
 void askCoverage(Proof& proof, const Explained& explained);
+/// disjoint: values that a range with a condition and the one without move to and fro.
+void askRefusals(Proof& proof, const Explained& explained);
 /// default-outside: defaults that no situation keeps.
 void askDefaults(Proof& proof, const Explained& explained);
 /// narrowed-away: situations in which instances are out of reach.

@@ -112,11 +112,14 @@ Wrong:
 Right:
     gain rw { rangeValid { 0..10 } default { 10 } }
 )"},
-    {"disjoint", GROUP_STATIC, LEVEL_ERROR, "ranges that share no value: commits fail",
-     R"(A range without a condition and one with a condition have no value in common.
-While the condition holds, the one moves every value out of the other, and each
-commit of the parameter fails. A range without a condition holds always; limits
-that change need a condition each.
+    {"disjoint", GROUP_PROVED, LEVEL_ERROR, "ranges that refuse each other's values",
+     R"(A range without a condition counts always, beside one with a condition, too. It
+allows nothing that the other one refuses, and the other way round. A value of
+the one range that the other corrects to what the first refuses lets its commit
+fail; with no value in common, all do. So does the empty value, until something
+is set, where neither range takes it: a default helps. These are errors. It is a
+warning where only some values of the range with a condition can never be set.
+Limits that change need a condition each.
 
 Wrong:
     mode rw { rangeValid { 0..1 } default { 0 } }

@@ -2,8 +2,8 @@
 
 #include "check/proof/questions.h"
 #include "check/proof/replay.h"
+#include "check/proof/start_order.h"
 #include "database/commit.h"
-#include "database/dependencies.h"
 #include "database/gather.h"
 #include "database/transaction.h"
 #include "sw/parm/parm_name.h"
@@ -55,22 +55,14 @@ class Follower {
     }
     name_ = fullName(subject_.name(), indices);
     indices_ = indices;
-    std::vector<Instance> cone;
-    isAsked_ = dependencyInstances(database_, name_, cone) == DEPENDENCIES_FOUND;
-    if (!isAsked_) return std::nullopt;
-    std::stable_sort(cone.begin(), cone.end(), [](const Instance& a, const Instance& b) {
-      return a.parm->level < b.parm->level;
-    });
-    for (const Instance& instance : cone) {
-      if (instance.isComplete()) {
-        names_.push_back(fullName(instance.parm->parm.name(), instance.indices));
-      }
-    }
+    StartOrder order;
+    isAsked_ = findStartOrder(database_, name_, order);
+    names_ = order.names;
     ConfinedCommits commits(names_, database_);
-    for (const Instance& instance : cone) {
+    for (const Instance& instance : order.instances) {
+      if (found_ || !isAsked_) break;
       const bool isDerived = !instance.parm->sources.empty();
       if (!isDerived && instance.isComplete()) askChange(instance, commits);
-      if (found_ || !isAsked_) break;
     }
     return found_;
   }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "check/proof/present_value.h"
 #include "database/gather.h"
 #include "database/index_situations.h"
 
@@ -17,11 +18,7 @@ bool Attempt::isMet() {
 }
 
 Value Attempt::evaluate(const CompiledExpression& expression) const {
-  Situation situation(expression.variables.size());
-  for (uint32_t slot = 0; slot < expression.sources.size(); ++slot) {
-    situation.bind(slot, reader_.valueOf(expression.sources[slot], setter_.staged()));
-  }
-  return expression.program.evaluate(situation);
+  return presentValue(expression, reader_, setter_.staged());
 }
 
 // Whether the index values of the reader are accepted: all, or those before the index that reads.

@@ -66,9 +66,7 @@ class Refusals {
   [[nodiscard]] std::vector<std::string> valuesRefusedBy(const BoundsParm& bounds) const {
     std::vector<std::string> values(base().strings().texts().begin(),
                                     base().strings().texts().end());
-    for (const auto& [low, high] : base().integers().spans()) {
-      values.push_back(std::to_string(low));
-    }
+    for (const auto& [low, high] : base().integers().spans()) values.push_back(std::to_string(low));
     for (const auto& [low, high] : bounds.integers().spans()) {
       if (high < INT32_MAX && accepts(base(), std::to_string(high + 1))) {
         values.push_back(std::to_string(high + 1));
@@ -176,9 +174,8 @@ class Refusals {
       const auto& spans = base().integers().spans();
       const auto around = std::ranges::find_if(
           spans, [low](const Span& span) { return span.first <= low && low <= span.second; });
-      if (around != spans.end() && around->second < high) {
-        return std::to_string(around->second + 1);
-      }
+      const bool isEnd = around != spans.end() && around->second < high;
+      if (isEnd) return std::to_string(around->second + 1);
     }
     return std::nullopt;
   }

@@ -142,6 +142,11 @@ std::optional<OperatorText> operatorAt(std::string_view rest) {
   return found;
 }
 
+std::string_view operatorText(int32_t code) {
+  const Operator* row = operatorOf(code);
+  return row != nullptr ? row->text : std::string_view();
+}
+
 int precedence(int32_t code) {
   const Operator* row = operatorOf(code);
   return row != nullptr ? row->level : -1;

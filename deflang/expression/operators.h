@@ -48,6 +48,9 @@ struct OperatorText {
 /// good, that of a parenthesis as long as `rest`.
 std::optional<OperatorText> operatorAt(std::string_view rest);
 
+/// The text of an operator, valid for good; empty where `code` is no operator.
+std::string_view operatorText(int32_t code);
+
 /// The precedence level of an operator, from 0 (binds most tightly) to 10; -1 where `code` is no
 /// operator. Operators of one level bind from left to right.
 int precedence(int32_t code);

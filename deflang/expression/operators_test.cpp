@@ -32,6 +32,7 @@ TEST(Operators, HaveATextACodeAndALevel) {
       EXPECT_EQ(found->text, row.text);
       EXPECT_EQ(found->code, row.code);
     }
+    EXPECT_EQ(operatorText(row.code), row.text);
     EXPECT_EQ(precedence(row.code), row.level);
     EXPECT_TRUE(isOperator(row.code));
     EXPECT_EQ(comparesTexts(row.code), row.level == 4 || row.level == 5 || row.text == "$");
@@ -72,6 +73,7 @@ TEST(Operators, NothingElseIsOne) {
 TEST(Operators, WhatIsNoneHasNoLevel) {
   for (const int32_t kind : {19, 20, 21, 22, -1, -2, -3, INT32_MAX, INT32_MIN}) {
     SCOPED_TRACE(kind);
+    EXPECT_EQ(operatorText(kind), "");
     EXPECT_EQ(precedence(kind), -1);
     EXPECT_FALSE(isOperator(kind));
     EXPECT_FALSE(comparesTexts(kind));

@@ -29,10 +29,10 @@ constexpr AccessWord ACCESS_WORDS[] = {
 // Reads a statement by `READ` and adds it to `LIST` of the record. A statement that is not complete
 // is dropped.
 template <auto READ, auto LIST, typename Statement>
-bool readInto(TextCursor& cursor, Position /*keyword*/, ParameterRecord& record) {
+bool readInto(TextCursor& cursor, Position keyword, ParameterRecord& record) {
   Statement statement;
   if (!READ(cursor, statement)) return false;
-  (record.*LIST).push_back(cursor.arena().keep(Listed<Statement>(statement)));
+  (record.*LIST).push_back(cursor.arena().keep(Listed<Statement>(statement, keyword.line)));
   return true;
 }
 
@@ -42,7 +42,7 @@ bool readCtrlRO(TextCursor& cursor, Position keyword, ParameterRecord& record) {
   Expression condition;
   if (!readExpression(cursor, condition)) return false;
   if (record.access == ACCESS_WO) return cursor.failAt(keyword, PARSE_INVALID_ACCESS);
-  record.ctrlRO.push_back(cursor.arena().keep(Listed<Expression>(condition)));
+  record.ctrlRO.push_back(cursor.arena().keep(Listed<Expression>(condition, keyword.line)));
   return true;
 }
 

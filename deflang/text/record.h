@@ -70,7 +70,8 @@ struct Listed : T,
                 boost::intrusive::slist_base_hook<
                     boost::intrusive::link_mode<boost::intrusive::normal_link>> {
   static_assert(std::is_trivially_copyable_v<T>, "the arena destroys nothing");
-  explicit Listed(const T& statement) : T(statement) {}
+  Listed(const T& statement, uint32_t keywordLine) : T(statement), line(keywordLine) {}
+  uint32_t line;  ///< of its keyword, from 1
 };
 
 /// The statements of one kind, in statement order, linked within the arena that keeps them. With

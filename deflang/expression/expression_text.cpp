@@ -14,8 +14,9 @@ struct Part {
   int32_t precedence = -1;
 };
 
-Part inParentheses(Part part, bool needed) {
-  return needed ? Part{"(" + part.text + ")"} : std::move(part);
+// An operand as it stands beside an operator; `loosest` is the level that needs no parentheses.
+std::string operandText(Part part, int32_t loosest) {
+  return part.precedence > loosest ? "(" + part.text + ")" : std::move(part.text);
 }
 
 }  // namespace
@@ -37,13 +38,12 @@ std::string expressionText(const Program& program, const Variables& variables) {
         break;
       default: {
         const int32_t level = precedence(step.kind);
-        Part right = std::move(parts.back());
-        parts.pop_back();
         // Operators of one level bind from left to right.
-        right = inParentheses(std::move(right), right.precedence >= level);
-        Part left = inParentheses(std::move(parts.back()), parts.back().precedence > level);
-        left.text.append(" ").append(operatorText(step.kind)).append(" ").append(right.text);
-        parts.back() = {std::move(left.text), level};
+        const std::string right = operandText(std::move(parts.back()), level - 1);
+        parts.pop_back();
+        std::string text = operandText(std::move(parts.back()), level);
+        text.append(" ").append(operatorText(step.kind)).append(" ").append(right);
+        parts.back() = {std::move(text), level};
       }
     }
   }

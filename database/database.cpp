@@ -95,6 +95,28 @@ int Database::registerParm(std::unique_ptr<ParmDef> parm) {
   return 0;
 }
 
+uint32_t Database::keepLines(std::span<const uint32_t> lines) {
+  const auto begin = static_cast<uint32_t>(lines_.size());
+  lines_.insert(lines_.end(), lines.begin(), lines.end());
+  return begin;
+}
+
+void Database::keepIndexLines(std::string_view name, std::span<const uint32_t> lines) {
+  findIndexEntry(name)->lines = keepLines(lines);
+}
+
+void Database::keepParmLines(std::string_view name, std::span<const uint32_t> lines) {
+  findParm(name)->lines = keepLines(lines);
+}
+
+LinesOfDefinition Database::linesOf(const ParmEntry& entry) const {
+  return {entry.parm, std::span(lines_).subspan(entry.lines)};
+}
+
+LinesOfDefinition Database::linesOf(const IndexEntry& entry) const {
+  return {*entry.index, std::span(lines_).subspan(entry.lines)};
+}
+
 ParmEntry* Database::findParm(std::string_view base) { return findParm(base, TextHash{}(base)); }
 
 ParmEntry* Database::findParm(std::string_view base, size_t hash) {

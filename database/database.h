@@ -21,6 +21,7 @@
 #include "base/text_map.h"
 #include "sw/parm/build/definition_registry.h"
 #include "sw/parm/index_tuple.h"
+#include "sw/parm/statement_lines.h"
 #include "sw/parm/value_text.h"
 
 struct IndexEntry;
@@ -56,6 +57,7 @@ struct ParmEntry {
   uint32_t level = 0;
   uint32_t rank = 0;              ///< its place in name order
   uint32_t walk = 0;              ///< the last walk over dependents that came here
+  uint32_t lines = 0;             ///< where its lines begin: see Database::linesOf()
   bool isNamedByIndices = false;  ///< whether `indices` has indices that name it
 
   /// Whether a parameter depends on it.
@@ -69,6 +71,7 @@ struct IndexEntry {
   std::vector<std::string> values;     ///< the base bounds' values as a set of texts, once asked
   std::vector<ParmEntry*> dependents;  ///< the parameters that it indexes, in name order
   uint32_t walk = 0;                   ///< the last walk over dependents that came here
+  uint32_t lines = 0;                  ///< where its lines begin: see Database::linesOf()
   /// Whether it is the same for all instances at one moment: none of its names is an index, or a
   /// parameter's that is read by the index values of the instance.
   bool isShared = true;
@@ -90,6 +93,8 @@ class Database final : public DefinitionRegistry {
   // What the builder asks and registers: see DefinitionRegistry.
   [[nodiscard]] const std::string* findConstant(std::string_view name) const override;
   int registerIndex(std::unique_ptr<IndexDef> index) override;
+  void keepIndexLines(std::string_view name, std::span<const uint32_t> lines) override;
+  void keepParmLines(std::string_view name, std::span<const uint32_t> lines) override;
   [[nodiscard]] const IndexDef* findIndex(std::string_view name) const override;
   int registerParm(std::unique_ptr<ParmDef> parm) override;
   int finish(std::string& name) override;
@@ -116,6 +121,10 @@ class Database final : public DefinitionRegistry {
   /// Takes the values of all instances away, as at the start. For tools; pointers to committed
   /// values stay valid.
   void forgetValues();
+  /// Where in the text the statements of a definition are, which came from a text. Valid as long as
+  /// the database.
+  [[nodiscard]] LinesOfDefinition linesOf(const ParmEntry& entry) const;
+  [[nodiscard]] LinesOfDefinition linesOf(const IndexEntry& entry) const;
   /// The parameters in name order.
   [[nodiscard]] std::vector<ParmEntry*> parmsInNameOrder();
   /// Begins a walk over dependents, and gives its number: no parameter and no index has it yet as
@@ -123,6 +132,7 @@ class Database final : public DefinitionRegistry {
   [[nodiscard]] uint32_t newWalk();
 
  private:
+  [[nodiscard]] uint32_t keepLines(std::span<const uint32_t> lines);
   [[nodiscard]] ParmEntry* findParm(std::string_view base, size_t hash);
   [[nodiscard]] const VariableSource& sourceOf(std::string_view variable);
   [[nodiscard]] bool isKnown(const VariableSource& source) const;
@@ -136,6 +146,7 @@ class Database final : public DefinitionRegistry {
   TextMap<IndexEntry> indices_;
   SegmentedList<ParmEntry> parms_;
   HashIndex parmPlaces_;                   // by the hash of the name
+  std::vector<uint32_t> lines_;            // of all statements of all definitions
   SegmentedList<VariableSource> sources_;  // of the distinct variables of all definitions
   Interner sourceNames_;
   uint32_t walks_ = 0;  // the number of the last one

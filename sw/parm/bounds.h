@@ -195,6 +195,8 @@ class BoundsExpression final : public Bounds {
   [[nodiscard]] bool isConsistent() const override;
   /// How many items there are.
   [[nodiscard]] size_t count() const override { return items_.size(); }
+  /// The items, in their order. Valid until one is added.
+  [[nodiscard]] std::span<const Item> items() const { return items_; }
   /// Removes all items.
   void clear() override { items_.clear(); }
   /// Adds an item behind the others. Its programs have the slots of the definition's variables.

@@ -106,6 +106,10 @@ class IndexDef {
   [[nodiscard]] std::span<const ConditionalBounds> conditionalBounds() const {
     return conditionalBounds_;
   }
+  /// The conditions all of which are true where it is available, in statement order.
+  [[nodiscard]] std::span<const Program> validityConditions() const {
+    return validityConditions_.get();
+  }
   /// What it costs to tell in a situation which bounds apply and whether the definition is
   /// available. This figure and the next three are units of work, which the caller counts; the work
   /// on texts is counted where it is done. At most UINT32_MAX.

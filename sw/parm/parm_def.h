@@ -102,6 +102,18 @@ class ParmDef final : public IndexDef {
 
   /// Who may write.
   [[nodiscard]] AccessMode mode() const { return mode_; }
+  /// The conditions of which one that is true makes it read-only; the first is the constant 1 where
+  /// the access word does. Empty with MODE_WRITE_ONLY.
+  [[nodiscard]] std::span<const Program> readOnlyConditions() const {
+    return readOnlyConditions_.get();
+  }
+  /// The defaults, in the order they are asked, and what counts while none of them applies.
+  [[nodiscard]] std::span<const ConditionalDefault> defaults() const { return defaults_; }
+  [[nodiscard]] const std::string& fallbackDefault() const { return fallbackDefault_; }
+  /// The ranges that are told in place of those that judge, in the order they are asked.
+  [[nodiscard]] std::span<const ConditionalBounds> documentedRanges() const {
+    return documentedRanges_.get();
+  }
   /// The indices, in index order; no pointer is null. Empty for a parameter without indices.
   [[nodiscard]] const std::vector<const IndexDef*>& indices() const { return indexing_->indices; }
   /// The constraint rules, in the order they correct. Empty for whatever comes from a text.

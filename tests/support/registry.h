@@ -1,8 +1,10 @@
 // A registry for tests: keeps what the builder registers, and finishes as it is told to.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -35,6 +37,12 @@ class TestRegistry final : public DefinitionRegistry {
     const std::string name = parm->name();
     return parms_.emplace(name, std::move(parm)).second ? 0 : 1;
   }
+  void keepIndexLines(std::string_view name, std::span<const uint32_t> kept) override {
+    lines[std::string(name)].assign(kept.begin(), kept.end());
+  }
+  void keepParmLines(std::string_view name, std::span<const uint32_t> kept) override {
+    lines[std::string(name)].assign(kept.begin(), kept.end());
+  }
   int finish(std::string& name) override {
     registered.emplace_back("finish");
     name = finishName;
@@ -48,8 +56,9 @@ class TestRegistry final : public DefinitionRegistry {
   }
 
   std::vector<std::string> registered;  ///< every call that changes something, in order
-  int finishResult = 0;                 ///< what finish() returns
-  std::string finishName;               ///< the name that finish() gives
+  std::map<std::string, std::vector<uint32_t>> lines;  ///< of each definition, joined
+  int finishResult = 0;                                ///< what finish() returns
+  std::string finishName;                              ///< the name that finish() gives
 
  private:
   Constants constants_;

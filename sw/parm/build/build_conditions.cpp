@@ -43,16 +43,21 @@ void neverValid(const Expression& expression, const Condition& condition, Defini
 void buildReadOnlyConditions(DefinitionDraft& draft) {
   std::vector<Program>& conditions = draft.parm.readOnlyConditions;
   const AccessCode access = draft.record().access;
-  if (access == ACCESS_RO || access == ACCESS_ROSTRICT) conditions.push_back(Program::constant(1));
+  if (access == ACCESS_RO || access == ACCESS_ROSTRICT) {
+    conditions.push_back(Program::constant(1));
+    draft.lines.readOnly.push_back(draft.record().line);
+  }
   ConstantConditions constants(draft);
-  for (const Expression& expression : draft.record().ctrlRO) {
+  for (const auto& expression : draft.record().ctrlRO) {
     Condition condition = classifyControl(expression, draft);
     switch (condition.kind) {
       case CONDITION_RUN_TIME:
         conditions.push_back(draft.keep(expression, std::move(condition.compiled)));
+        draft.lines.readOnly.push_back(expression.line);
         break;
       case CONDITION_ALWAYS:
         conditions.push_back(Program::constant(1));
+        draft.lines.readOnly.push_back(expression.line);
         constants.compare(expression, condition);
         break;
       case CONDITION_NEVER:
@@ -66,18 +71,20 @@ void buildReadOnlyConditions(DefinitionDraft& draft) {
 
 void buildValidityConditions(DefinitionDraft& draft) {
   ConstantConditions constants(draft);
-  for (const Expression& expression : draft.record().ctrlValid) {
+  for (const auto& expression : draft.record().ctrlValid) {
     Condition condition = classifyControl(expression, draft);
     switch (condition.kind) {
       case CONDITION_RUN_TIME:
         draft.parts.validityConditions.push_back(
             draft.keep(expression, std::move(condition.compiled)));
+        draft.lines.validity.push_back(expression.line);
         break;
       case CONDITION_ALWAYS:
         constants.compare(expression, condition);
         break;
       case CONDITION_NEVER:
         neverValid(expression, condition, draft);
+        draft.lines.validity.push_back(expression.line);
         constants.compare(expression, condition);
         break;
       case CONDITION_LEFT_OUT:

@@ -30,13 +30,14 @@ class DefaultBuilder {
   explicit DefaultBuilder(DefinitionDraft& draft) : draft_(draft) {}
 
   void build() {
-    for (const DefaultStatement& statement : draft_.record().defaults) add(statement);
-    if (!last_) return;
-    draft_.parm.defaults.push_back({Program::constant(1), *std::move(last_)});
+    for (const Statement& statement : draft_.record().defaults) add(statement);
+    if (last_) addDefault(Program::constant(1), *std::move(last_), lastLine_);
   }
 
  private:
-  void add(const DefaultStatement& statement) {
+  using Statement = Listed<DefaultStatement>;
+
+  void add(const Statement& statement) {
     Condition condition = classifyCondition(statement.condition, draft_);
     switch (condition.kind) {
       case CONDITION_RUN_TIME:
@@ -53,20 +54,20 @@ class DefaultBuilder {
     }
   }
 
-  void addConditional(const DefaultStatement& statement, Condition condition) {
+  void addConditional(const Statement& statement, Condition condition) {
     if (!condition.namesConstant && !conditions_.insert(&statement.condition).second) {
       draft_.error(DIAG_DUPLICATE_CONDITIONS, placeOf(statement));
     }
     Program program = draft_.keep(statement.condition, std::move(condition.compiled));
     if (std::optional<Program> value = valueOf(statement)) {
-      draft_.parm.defaults.push_back({std::move(program), *std::move(value)});
+      addDefault(std::move(program), *std::move(value), statement.line);
     }
   }
 
-  void addAlways(const DefaultStatement& statement, const Condition& condition) {
+  void addAlways(const Statement& statement, const Condition& condition) {
     if (condition.namesConstant) {
       if (std::optional<Program> value = valueOf(statement)) {
-        draft_.parm.defaults.push_back({Program::constant(1), *std::move(value)});
+        addDefault(Program::constant(1), *std::move(value), statement.line);
       }
       return;
     }
@@ -76,12 +77,19 @@ class DefaultBuilder {
     addFallback(statement);
   }
 
-  void addFallback(const DefaultStatement& statement) {
+  void addDefault(Program condition, Program value, uint32_t line) {
+    draft_.parm.defaults.push_back({std::move(condition), std::move(value)});
+    draft_.lines.defaults.push_back(line);
+  }
+
+  void addFallback(const Statement& statement) {
     std::optional<Program> value = valueOf(statement);
     if (!value) return;
     if (value->usesVariables()) {
       last_ = std::move(value);
+      lastLine_ = statement.line;
     } else {
+      draft_.lines.fallback = statement.line;
       draft_.parm.fallbackDefault = value->evaluate(SituationView()).asText();
     }
   }
@@ -114,6 +122,7 @@ class DefaultBuilder {
   std::set<const Expression*, TokenOrder> conditions_;  // run-time ones
   bool fallbackSeen_ = false;
   std::optional<Program> last_;  // the run-time value of the statement without a condition
+  uint32_t lastLine_ = 0;
 };
 
 }  // namespace

@@ -13,6 +13,7 @@ namespace {
 
 // A statement that counts in some situation.
 struct Range {
+  uint32_t line = 0;
   std::optional<Program> condition;  // nullopt where it always counts
   RangeItems items;
 };
@@ -29,10 +30,11 @@ bool canApply(const RangeStatement& statement, const Condition& condition, Defin
 std::vector<Range> classifyStatements(const StatementList<RangeStatement>& statements,
                                       DefinitionDraft& draft) {
   std::vector<Range> ranges;
-  for (const RangeStatement& statement : statements) {
+  for (const auto& statement : statements) {
     Condition condition = classifyCondition(statement.condition, draft);
     if (!canApply(statement, condition, draft)) continue;
     Range& range = ranges.emplace_back();
+    range.line = statement.line;
     if (condition.kind == CONDITION_RUN_TIME) {
       range.condition = draft.keep(statement.condition, std::move(condition.compiled));
     }
@@ -66,12 +68,15 @@ void buildRangeValid(DefinitionDraft& draft) {
   for (Range& range : ranges) {
     if (range.condition) {
       bounds.push_back(conditional(*std::move(range.condition), std::move(range.items)));
+      draft.lines.ranges.push_back(range.line);
       continue;
     }
     if (range.items.runTime && !place) {
       place = bounds.size();
       bounds.emplace_back();
+      draft.lines.ranges.push_back(range.line);
     }
+    if (!range.items.runTime && draft.lines.base == 0) draft.lines.base = range.line;
     if (!range.items.runTime) addConstants(range.items.items, draft.parts.baseBounds);
     if (isRunTime) append(set, std::move(range.items));
   }
@@ -82,13 +87,20 @@ void buildRangeDoc(DefinitionDraft& draft) {
   std::vector<Range> ranges = classifyStatements(draft.record().rangeDoc, draft);
   std::vector<ConditionalBounds>& documented = draft.parm.documentedRanges;
   std::optional<RangeItems> set;
+  uint32_t line = 0;  // of the set
   for (Range& range : ranges) {
     if (range.condition) {
       documented.push_back(conditional(*std::move(range.condition), std::move(range.items)));
+      draft.lines.documented.push_back(range.line);
       continue;
     }
-    if (!set) set.emplace();
+    if (!set) {
+      set.emplace();
+      line = range.line;
+    }
     append(*set, std::move(range.items));
   }
-  if (set) documented.push_back(conditional(Program::constant(1), *std::move(set)));
+  if (!set) return;
+  documented.push_back(conditional(Program::constant(1), *std::move(set)));
+  draft.lines.documented.push_back(line);
 }

@@ -69,12 +69,15 @@ class Builder {
     DefinitionDraft unused(context_, record);
     warnAboutIndices(draft);
     buildStatements(draft, unused);
-    IndexExpressions& index =
+    IndexExpressions& expressions =
         indexExpressions_.emplace_back(IndexExpressions{record, draft.kept()});
-    index.expressions.insert(index.expressions.end(), unused.kept().begin(), unused.kept().end());
+    expressions.expressions.insert(expressions.expressions.end(), unused.kept().begin(),
+                                   unused.kept().end());
     // A definition whose name is taken is dropped.
-    static_cast<void>(
-        context_.registry().registerIndex(std::make_unique<IndexDef>(std::move(draft.parts))));
+    auto index = std::make_unique<IndexDef>(std::move(draft.parts));
+    if (context_.registry().registerIndex(std::move(index)) == 0) {
+      context_.registry().keepIndexLines(record.name, draft.lines.joined());
+    }
   }
 
   void checkIndexReferences() {
@@ -90,8 +93,10 @@ class Builder {
     buildStatements(draft, draft);
     checkReferences(record, draft.kept(), context_);
     // A definition whose name is taken is dropped.
-    static_cast<void>(context_.registry().registerParm(
-        std::make_unique<ParmDef>(std::move(draft.parts), std::move(draft.parm))));
+    auto parm = std::make_unique<ParmDef>(std::move(draft.parts), std::move(draft.parm));
+    if (context_.registry().registerParm(std::move(parm)) == 0) {
+      context_.registry().keepParmLines(record.name, draft.lines.joined());
+    }
   }
 
   void finish() {

@@ -5,6 +5,7 @@
 DefinitionDraft::DefinitionDraft(BuildContext& context, const ParameterRecord& record)
     : context_(context), record_(record) {
   parts.name = record.name;
+  lines.definition = record.line;
 }
 
 std::string DefinitionDraft::recordText() const {

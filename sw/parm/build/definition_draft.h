@@ -9,6 +9,7 @@
 #include "sw/parm/build/build_context.h"
 #include "sw/parm/index_def.h"
 #include "sw/parm/parm_def.h"
+#include "sw/parm/statement_lines.h"
 
 /// Filled by the builder's steps, each of which takes one kind of the record's statements:
 ///
@@ -52,6 +53,7 @@ class DefinitionDraft {
 
   DefinitionParts parts;  ///< what an index and a parameter have; moved out at the end
   ParmParts parm;         ///< what only a parameter has; of no use for an index
+  StatementLines lines;   ///< of what `parts` and `parm` have
 
  private:
   void report(Severity severity, uint32_t code, Position at, std::string text);

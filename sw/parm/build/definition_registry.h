@@ -1,7 +1,9 @@
 // The definition registry: what the builder needs of the database, which is on a higher floor.
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -19,6 +21,10 @@ class DefinitionRegistry {
   /// Takes in an index definition. Returns 0, or 1 for the name of an index that it already holds;
   /// the registry is then as before.
   virtual int registerIndex(std::unique_ptr<IndexDef> index) = 0;
+  /// Keeps the lines of the definition that was just registered under `name`, for whoever tells
+  /// what has decided (StatementLines::joined()). A registry that nobody asks keeps none.
+  virtual void keepIndexLines(std::string_view /*name*/, std::span<const uint32_t> /*lines*/) {}
+  virtual void keepParmLines(std::string_view /*name*/, std::span<const uint32_t> /*lines*/) {}
   /// The index definition of a name, or null. It stays where it is as long as the registry: a
   /// parameter definition points to its indices.
   [[nodiscard]] virtual const IndexDef* findIndex(std::string_view name) const = 0;

@@ -1,0 +1,194 @@
+#include "sw/parm/reasons.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "sw/parm/constraints.h"
+#include "sw/parm/statement_text.h"
+
+namespace {
+
+// Adds the names of a program with what they are, but for those that are there already.
+void addNames(const Program& program, const Variables& variables, const SituationView& situation,
+              std::vector<UsedName>& names) {
+  for (const Program::Step& step : program.steps()) {
+    if (step.kind != TOKEN_VARIABLE) continue;
+    const auto slot = static_cast<uint32_t>(step.value);
+    const std::string name(variables[slot]);
+    const bool isKnown =
+        std::ranges::any_of(names, [&](const UsedName& known) { return known.name == name; });
+    if (isKnown) continue;
+    const Operand& operand = situation[slot];
+    UsedName& used = names.emplace_back(UsedName{name, {}});
+    if (operand.kind != OPERAND_INVALID) used.value = operandText(operand);
+  }
+}
+
+// The places of the bounds that apply, as PresentBounds takes them.
+std::vector<size_t> applyingPlaces(std::span<const ConditionalBounds> bounds,
+                                   const SituationView& situation, UnusableRange unusable) {
+  std::vector<size_t> places;
+  for (size_t i = 0; i < bounds.size(); ++i) {
+    const PresentBounds present(bounds.subspan(i, 1), situation, unusable);
+    if (!present.applying().empty()) places.push_back(i);
+  }
+  return places;
+}
+
+bool acceptsAlone(const ConditionalBounds& bounds, std::string value,
+                  const SituationView& situation) {
+  const PresentBounds present({&bounds, 1}, situation, UNUSABLE_ACCEPTS);
+  return present.judge(value);
+}
+
+}  // namespace
+
+Reason IndexReasons::reason(uint32_t line, std::string statement,
+                            std::initializer_list<const Program*> programs,
+                            const SituationView& situation) const {
+  Reason reason{line, std::move(statement), {}};
+  for (const Program* program : programs) {
+    addNames(*program, index_.variables(), situation, reason.names);
+  }
+  return reason;
+}
+
+Reason IndexReasons::baseReason() const { return {lines_.base, baseText(index_.baseBounds()), {}}; }
+
+Reason IndexReasons::boundsReason(std::string_view keyword, uint32_t line,
+                                  const ConditionalBounds& bounds,
+                                  const SituationView& situation) const {
+  Reason result =
+      reason(line, rangeText(keyword, bounds, index_.variables()), {&bounds.condition}, situation);
+  if (bounds.computed == nullptr) return result;
+  for (const BoundsExpression::Item& item : bounds.computed->items()) {
+    addNames(item.lower, index_.variables(), situation, result.names);
+    if (item.upper) addNames(*item.upper, index_.variables(), situation, result.names);
+  }
+  return result;
+}
+
+Reason IndexReasons::rangeReason(size_t place, const SituationView& situation) const {
+  return boundsReason("rangeValid", lines_.ranges[place], index_.conditionalBounds()[place],
+                      situation);
+}
+
+std::vector<Reason> IndexReasons::availability(const SituationView& situation) const {
+  std::vector<Reason> reasons;
+  const std::span<const Program> conditions = index_.validityConditions();
+  for (size_t i = 0; i < conditions.size(); ++i) {
+    Reason next =
+        reason(lines_.validity[i], controlText("ctrlValid", conditions[i], index_.variables()),
+               {&conditions[i]}, situation);
+    if (!conditions[i].isTrue(situation)) return {std::move(next)};
+    reasons.push_back(std::move(next));
+  }
+  return reasons;
+}
+
+std::vector<Reason> IndexReasons::refusal(const std::string& value,
+                                          const SituationView& situation) const {
+  std::string translated = value;
+  index_.translateTwice(translated);
+  if (!index_.baseBounds().check(translated, false)) return {baseReason()};
+  const std::span<const ConditionalBounds> bounds = index_.conditionalBounds();
+  std::vector<size_t> places = applyingPlaces(bounds, situation, UNUSABLE_ACCEPTS);
+  if (places.empty()) {
+    for (size_t i = 0; i < bounds.size(); ++i) places.push_back(i);
+  }
+  std::vector<Reason> reasons;
+  reasons.reserve(places.size());
+  for (const size_t place : places) reasons.push_back(rangeReason(place, situation));
+  return reasons;
+}
+
+std::vector<Reason> ParmReasons::readOnly(const SituationView& situation) const {
+  std::vector<Reason> reasons;
+  if (parm_.mode() == MODE_WRITE_ONLY) return reasons;
+  const std::span<const Program> conditions = parm_.readOnlyConditions();
+  for (size_t i = 0; i < conditions.size(); ++i) {
+    Reason next =
+        reason(lines().readOnly[i], controlText("ctrlRO", conditions[i], parm_.variables()),
+               {&conditions[i]}, situation);
+    // The access word is written as the constant condition that it stands for.
+    const bool isAccessWord =
+        lines().readOnly[i] == lines().definition && i == 0 && !conditions[i].usesVariables();
+    if (isAccessWord) next.statement = parm_.mode() == MODE_ROSTRICT ? "rostrict" : "ro";
+    if (conditions[i].isTrue(situation)) return {std::move(next)};
+    reasons.push_back(std::move(next));
+  }
+  return reasons;
+}
+
+std::optional<Reason> ParmReasons::defaultValue(const SituationView& situation) const {
+  const std::span<const ConditionalDefault> defaults = parm_.defaults();
+  for (size_t i = 0; i < defaults.size(); ++i) {
+    const auto& [condition, value] = defaults[i];
+    if (!condition.isTrue(situation) || !value.evaluate(situation).valid()) continue;
+    return reason(lines().defaults[i], defaultText(condition, value, parm_.variables()),
+                  {&condition, &value}, situation);
+  }
+  if (lines().fallback == 0) return std::nullopt;
+  return Reason{lines().fallback, fallbackText(parm_.fallbackDefault()), {}};
+}
+
+std::optional<Reason> ParmReasons::range(const SituationView& situation) const {
+  const std::span<const ConditionalBounds> documented = parm_.documentedRanges();
+  for (size_t i = 0; i < documented.size(); ++i) {
+    if (!documented[i].condition.isTrue(situation)) continue;
+    return boundsReason("rangeDoc", lines().documented[i], documented[i], situation);
+  }
+  const std::span<const ConditionalBounds> bounds = parm_.conditionalBounds();
+  for (size_t i = 0; i < bounds.size(); ++i) {
+    if (bounds[i].condition.isTrue(situation)) return rangeReason(i, situation);
+  }
+  if (lines().base == 0) return std::nullopt;
+  return baseReason();
+}
+
+ValueReasons ParmReasons::value(std::string value, const Situation& situation) const {
+  ValueReasons out;
+  translate(value, out);
+  if (parm_.hasConstraints() && Constraints(parm_, situation).apply()) {
+    judge(value, situation, UNUSABLE_DROPPED, out);
+    return out;
+  }
+  const std::string before = value;
+  if (lines().base != 0) {
+    static_cast<void>(parm_.baseBounds().check(value, true));
+    if (value != before) out.steps.push_back({baseReason(), value});
+    out.acceptedBy = baseReason();
+  }
+  if (parm_.conditionalBounds().empty()) return out;
+  judge(value, situation, UNUSABLE_ACCEPTS, out);
+  out.isRefused = !parm_.checkBase(value);
+  if (out.isRefused) out.acceptedBy = baseReason();
+  return out;
+}
+
+void ParmReasons::translate(std::string& value, ValueReasons& out) const {
+  for (int i = 0; i < 2; ++i) {
+    const auto found = parm_.translations().find(value);
+    if (found == parm_.translations().end()) return;
+    const auto place = static_cast<size_t>(std::distance(parm_.translations().begin(), found));
+    value = found->second;
+    const std::string statement = translationText(found->first, found->second);
+    out.steps.push_back({{lines().translations[place], statement, {}}, value});
+  }
+}
+
+// Corrects by the first of the bounds that apply, unless any of them accepts.
+void ParmReasons::judge(std::string& value, const Situation& situation, UnusableRange unusable,
+                        ValueReasons& out) const {
+  const std::span<const ConditionalBounds> bounds = parm_.conditionalBounds();
+  const std::vector<size_t> places = applyingPlaces(bounds, situation, unusable);
+  if (places.empty()) return;
+  const auto accepting = std::ranges::find_if(
+      places, [&](size_t place) { return acceptsAlone(bounds[place], value, situation); });
+  const bool isAccepted = accepting != places.end();
+  Reason decided = rangeReason(isAccepted ? *accepting : places.front(), situation);
+  const std::string before = value;
+  static_cast<void>(PresentBounds(bounds, situation, unusable).judge(value));
+  if (value != before) out.steps.push_back({decided, value});
+  out.acceptedBy = std::move(decided);
+}

@@ -1,0 +1,34 @@
+#include "sw/parm/statement_lines.h"
+
+#include <cstddef>
+
+std::vector<uint32_t> StatementLines::joined() const {
+  std::vector<uint32_t> all = {definition, fallback, base};
+  for (const auto* list : {&validity, &ranges, &translations, &readOnly, &defaults, &documented}) {
+    all.insert(all.end(), list->begin(), list->end());
+  }
+  return all;
+}
+
+LinesOfDefinition::LinesOfDefinition(const IndexDef& index, const ParmDef* parm,
+                                     std::span<const uint32_t> joined)
+    : definition(joined[0]), fallback(joined[1]), base(joined[2]) {
+  size_t next = 3;
+  const auto take = [&](size_t count) {
+    next += count;
+    return joined.subspan(next - count, count);
+  };
+  validity = take(index.validityConditions().size());
+  ranges = take(index.conditionalBounds().size());
+  translations = take(index.translations().size());
+  if (parm == nullptr) return;
+  readOnly = take(parm->readOnlyConditions().size());
+  defaults = take(parm->defaults().size());
+  documented = take(parm->documentedRanges().size());
+}
+
+LinesOfDefinition::LinesOfDefinition(const IndexDef& index, std::span<const uint32_t> joined)
+    : LinesOfDefinition(index, nullptr, joined) {}
+
+LinesOfDefinition::LinesOfDefinition(const ParmDef& parm, std::span<const uint32_t> joined)
+    : LinesOfDefinition(parm, &parm, joined) {}

@@ -44,6 +44,7 @@ class Attempt {
   [[nodiscard]] const HealthyQuestion& question() const { return question_; }
   [[nodiscard]] const Reader& reader() const { return reader_; }
   [[nodiscard]] Cone& cone() { return cone_; }
+  [[nodiscard]] const Cone& cone() const { return cone_; }
   [[nodiscard]] Setter& setter() { return setter_; }
 
   // In what is set now:

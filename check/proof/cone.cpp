@@ -95,10 +95,15 @@ const ConeInstance* Cone::find(const VariableSource& source, const Reader& reade
 bool Cone::hasRing() const {
   return std::any_of(instances_.begin(), instances_.end(), [](const ConeInstance& instance) {
     const ParmEntry& entry = *instance.parm;
-    return std::any_of(entry.sources.begin(), entry.sources.end(),
-                       [&](const VariableSource& source) {
-                         return source.parm != nullptr && source.parm->level >= entry.level;
-                       });
+    const auto refersBack = [&](const VariableSources& sources) {
+      return std::any_of(sources.begin(), sources.end(), [&](const VariableSource& source) {
+        return source.parm != nullptr && source.parm->level >= entry.level;
+      });
+    };
+    const std::vector<IndexEntry*>& own = entry.indices->own;
+    return refersBack(entry.sources) ||
+           std::any_of(own.begin(), own.end(),
+                       [&](const IndexEntry* index) { return refersBack(index->sources); });
   });
 }
 

@@ -27,7 +27,7 @@ class Cone {
   [[nodiscard]] const std::vector<ConeInstance>& instances() const { return instances_; }
   /// The instance that `reader` reads under the name of a parameter, or null.
   [[nodiscard]] const ConeInstance* find(const VariableSource& source, const Reader& reader) const;
-  /// Whether two parameters in it refer to each other.
+  /// Whether two parameters in it refer to each other, or one to itself, by their indices as well.
   [[nodiscard]] bool hasRing() const;
   /// Notes how each instance is used.
   void noteUses(const Goal& goal, const CompiledText& text);

@@ -7,7 +7,7 @@ namespace {
 
 class ConeSolver {
  public:
-  explicit ConeSolver(Attempt& attempt) : attempt_(attempt) {}
+  ConeSolver(Attempt& attempt, const DomainsByName& least) : attempt_(attempt), least_(least) {}
 
   AnywhereResult solve() {
     requireAll(attempt_.question().goal.clauses, attempt_.reader());
@@ -62,19 +62,26 @@ class ConeSolver {
   std::string declareInstance(const ParmEntry& parm, const IndexTuple& indices) {
     std::string key = fullName(parm.parm.name(), indices);
     if (question_.isDeclared(key)) return key;
-    const HealthyQuestion& question = attempt_.question();
-    Domains& domains = question.domains;
     const bool exists = indices.size() == parm.parm.indices().size();
-    const NameDomain& domain = domains.of(question.text.database().findSource(parm.parm.name()));
-    question_.declare(key, exists ? NameDomain{domain.values.withoutEmpty(), false}
+    question_.declare(key, exists ? NameDomain{domainOf(parm).values.withoutEmpty(), false}
                                   : NameDomain{Domain::of(""), false});
     return key;
   }
 
+  const NameDomain& domainOf(const ParmEntry& parm) {
+    const auto found = least_.find(parm.parm.name());
+    if (found != least_.end()) return found->second;
+    const HealthyQuestion& question = attempt_.question();
+    return question.domains.of(question.text.database().findSource(parm.parm.name()));
+  }
+
   Attempt& attempt_;
+  const DomainsByName& least_;
   SolverQuestion question_;
 };
 
 }  // namespace
 
-AnywhereResult solveCone(Attempt& attempt) { return ConeSolver(attempt).solve(); }
+AnywhereResult solveCone(Attempt& attempt, const DomainsByName& least) {
+  return ConeSolver(attempt, least).solve();
+}

@@ -6,5 +6,6 @@
 #include "check/proof/attempt.h"
 
 /// Asks the solver for values of the cone's instances, each of which is there and within its
-/// ranges, with which the goal is met. The assignment is by full name.
-AnywhereResult solveCone(Attempt& attempt);
+/// ranges, with which the goal is met. The assignment is by full name. A parameter that is among
+/// `least` has a value of the domain there.
+AnywhereResult solveCone(Attempt& attempt, const DomainsByName& least = {});

@@ -51,6 +51,21 @@ void addItem(const CompiledItem& item, const auto& valueOf, Domain& domain) {
   }
 }
 
+// Adds what a number of `held` may become where it is outside the one span that is `item`: it comes
+// from above to an end that is lower, or from below to one that is higher.
+void addCorrected(const CompiledItem& item, const AbstractValue& held, const auto& valueOf,
+                  Domain& domain) {
+  const AbstractValue lower = evaluateAbstractly(*item.lower, valueOf);
+  const AbstractValue upper = evaluateAbstractly(*item.upper, valueOf);
+  if (!lower.mayBeNumber || !upper.mayBeNumber) return;
+  if (held.high > upper.low && held.high > lower.low) {
+    domain.addSpan(lower.low, std::max(lower.low, std::min(upper.high, held.high - 1)));
+  }
+  if (held.low < lower.high && held.low < upper.high) {
+    domain.addSpan(std::min(upper.high, std::max(lower.low, held.low + 1)), upper.high);
+  }
+}
+
 }  // namespace
 
 Domains::Domains(const CompiledText& text) : text_(text) {}
@@ -160,11 +175,36 @@ Domain Domains::parmDomain(const Subject& subject, const ValueOf& valueOf) {
 
 bool Domains::mayFail(const CompiledItem& item) { return itemMayFail(item, ownValueOf()); }
 
-std::map<std::string, NameDomain, std::less<>> Domains::leastOf(
-    const std::map<std::string, Domain, std::less<>>& start) {
+// What a commit that sets another parameter makes of a value of `held`. Its ring partner is read as
+// it was staged, whatever that is, where it is judged later. A value stays where it fits, and where
+// a range has no values at that moment.
+Domain Domains::correctedDomain(const Subject& subject, const Domain& held,
+                                const ValueOf& valueOf) const {
+  const ParmEntry& own = *subject.parm;
+  const ValueOf stagedValueOf = [&](const VariableSource& source) {
+    const bool isStaged =
+        source.parm != nullptr && source.parm->level == own.level && source.parm->rank >= own.rank;
+    return isStaged ? abstractOf(source, {Domain::all(), false}) : valueOf(source);
+  };
+  Domain domain;
+  const bool isOneRange =
+      subject.rangeValid.size() == 1 && subject.rangeValid.front().items.size() == 1;
+  for (const CompiledStatement& statement : subject.rangeValid) {
+    if (isNever(statement, stagedValueOf)) continue;
+    for (const CompiledItem& item : statement.items) {
+      if (isOneRange && item.upper && !::abstractOf(held).mayBeText()) {
+        addCorrected(item, ::abstractOf(held), stagedValueOf, domain);
+      } else {
+        addItem(item, stagedValueOf, domain);
+      }
+    }
+  }
+  return domain;
+}
+
+DomainsByName Domains::leastOf(const DomainsByName& start) {
   constexpr int MANY_ROUNDS = 30;
-  std::map<std::string, NameDomain, std::less<>> least;
-  for (const auto& [name, domain] : start) least[name] = {domain, false};
+  DomainsByName least = start;
   const ValueOf valueOf = [&](const VariableSource& source) {
     const auto found = least.find(baseOf(source));
     return found == least.end() ? abstractOf(source) : abstractOf(source, found->second);
@@ -174,7 +214,9 @@ std::map<std::string, NameDomain, std::less<>> Domains::leastOf(
     grows = false;
     for (auto& [name, domain] : least) {
       const AbstractValue before = ::abstractOf(domain.values);
-      domain.values.add(parmDomain(*text_.find(name), valueOf));
+      const Subject& subject = *text_.find(name);
+      domain.values.add(parmDomain(subject, valueOf));
+      domain.values.add(correctedDomain(subject, domain.values, valueOf));
       // What does not come to an end by itself may be anything.
       if (round > MANY_ROUNDS) domain.values.addAll();
       grows = grows || ::abstractOf(domain.values) != before;

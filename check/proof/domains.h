@@ -14,6 +14,9 @@ struct NameDomain {
   bool mayBeUndefined = false;
 };
 
+/// Domains by base name.
+using DomainsByName = std::map<std::string, NameDomain, std::less<>>;
+
 /// Works each domain out once. The text has to outlive it.
 class Domains {
  public:
@@ -29,11 +32,10 @@ class Domains {
   AbstractValue abstractOf(const VariableSource& source);
   /// As the other one, where the name has a value of `domain`.
   static AbstractValue abstractOf(const VariableSource& source, const NameDomain& domain);
-  /// What parameters that refer to each other may come to hold, from the values of `start` on: the
-  /// least domains in which every range, worked out from these, lies again. Other names may be
-  /// anything of their domain. By base name, as `start` is.
-  std::map<std::string, NameDomain, std::less<>> leastOf(
-      const std::map<std::string, Domain, std::less<>>& start);
+  /// What parameters that refer to each other may come to hold, from the values of `start` on, by
+  /// commits of one value each: the least domains in which all lies again that these commits leave.
+  /// Other names may be anything of their domain. By base name, as `start` is.
+  DomainsByName leastOf(const DomainsByName& start);
   /// Whether the item of a range may have no value, or a span its ends the wrong way round.
   bool mayFail(const CompiledItem& item);
 
@@ -44,11 +46,13 @@ class Domains {
     return [this](const VariableSource& source) { return abstractOf(source); };
   }
   static Domain parmDomain(const Subject& subject, const ValueOf& valueOf);
+  [[nodiscard]] Domain correctedDomain(const Subject& subject, const Domain& held,
+                                       const ValueOf& valueOf) const;
   NameDomain indexDomain(const IndexEntry& index) const;
   void noteComparedConstants();
 
   const CompiledText& text_;
-  std::map<std::string, NameDomain, std::less<>> domains_;
-  std::map<std::string, NameDomain, std::less<>> variants_;
+  DomainsByName domains_;
+  DomainsByName variants_;
   std::set<std::string, std::less<>> open_;  // those that are being worked out
 };

@@ -156,10 +156,12 @@ class HealthyTrials {
       if (limit_.isOver()) return false;
       Attempt attempt(question_, reader);
       if (attempt.cone().instances().size() > MANY_INSTANCES) return false;
-      const AnywhereResult result = solveCone(attempt);
-      if (result.verdict == VERDICT_POSSIBLE && !attempt.cone().hasRing()) {
-        trySolution(attempt, result.assignment);
-      }
+      const bool isRing = attempt.cone().hasRing();
+      DomainsByName least;
+      if (isRing) least = ringDomains(attempt).value_or(least);
+      const AnywhereResult result = solveCone(attempt, least);
+      const bool isProposed = result.verdict == VERDICT_POSSIBLE && !isRing;
+      if (isProposed) trySolution(attempt, result.assignment);
       if (result.verdict != VERDICT_IMPOSSIBLE) return false;
     }
     return readers_.areAll;

@@ -16,7 +16,6 @@ class RingWalk {
       : attempt_(attempt), limit_(limit), commits_(commits) {}
 
   RingWalkResult run(NamedValues& situation) {
-    if (!mayMeetGoal()) return RING_NEVER_MEETS_IT;
     std::set<NamedValues> seen;
     std::vector<NamedValues> open = {{}};
     for (size_t next = 0; next < open.size() && !limit_.isReached(); ++next) {
@@ -49,39 +48,51 @@ class RingWalk {
     }
   }
 
-  // Whether intervals leave the goal possible, with all that can follow from the defaults.
-  bool mayMeetGoal() {
-    const HealthyQuestion& question = attempt_.question();
-    Domains& domains = question.domains;
-    if (question.isMet) return true;
-    static_cast<void>(commits_.moveFromDefaults({}));
-    std::map<std::string, Domain, std::less<>> start;
-    for (const ConeInstance& instance : attempt_.cone().instances()) {
-      // What its own default leaves unset has no value to begin from.
-      if (instance.held().empty()) return true;
-      start[instance.parm->parm.name()].addText(instance.held());
-    }
-    const auto least = domains.leastOf(start);
-    return mayHold(question.goal, [&](const VariableSource& source) {
-      if (source.parm == nullptr) {
-        return Domains::abstractOf(source, attempt_.reader().domainOf(source, domains));
-      }
-      const auto found = least.find(baseName(source.name));
-      return found == least.end() ? domains.abstractOf(source)
-                                  : Domains::abstractOf(source, found->second);
-    });
-  }
-
   Attempt& attempt_;
   TrialLimit& limit_;
   ConfinedCommits& commits_;
 };
 
+std::vector<std::string> namesOf(const Cone& cone) {
+  std::vector<std::string> names;
+  for (const ConeInstance& instance : cone.instances()) names.push_back(instance.name());
+  return names;
+}
+
+// Whether intervals leave the goal possible, with all that can follow from the defaults.
+bool mayMeetGoal(const Attempt& attempt, const DomainsByName& least) {
+  Domains& domains = attempt.question().domains;
+  return mayHold(attempt.question().goal, [&](const VariableSource& source) {
+    if (source.parm == nullptr) {
+      return Domains::abstractOf(source, attempt.reader().domainOf(source, domains));
+    }
+    const auto found = least.find(baseName(source.name));
+    return found == least.end() ? domains.abstractOf(source)
+                                : Domains::abstractOf(source, found->second);
+  });
+}
+
 }  // namespace
 
+std::optional<DomainsByName> ringDomains(Attempt& attempt) {
+  const std::vector<std::string> names = namesOf(attempt.cone());
+  ConfinedCommits commits(names, attempt.question().text.database());
+  static_cast<void>(commits.moveFromDefaults({}));
+  DomainsByName start;
+  for (const ConeInstance& instance : attempt.cone().instances()) {
+    if (instance.held().empty()) return std::nullopt;
+    start[instance.parm->parm.name()].values.addText(instance.held());
+  }
+  return attempt.question().domains.leastOf(start);
+}
+
 RingWalkResult walkFromDefaults(Attempt& attempt, TrialLimit& limit, NamedValues& situation) {
-  std::vector<std::string> names;
-  for (const ConeInstance& instance : attempt.cone().instances()) names.push_back(instance.name());
+  // What more is asked may hold where the goal alone does not tell.
+  if (!attempt.question().isMet) {
+    const std::optional<DomainsByName> least = ringDomains(attempt);
+    if (least && !mayMeetGoal(attempt, *least)) return RING_NEVER_MEETS_IT;
+  }
+  const std::vector<std::string> names = namesOf(attempt.cone());
   ConfinedCommits commits(names, attempt.question().text.database());
   return RingWalk(attempt, limit, commits).run(situation);
 }

@@ -3,6 +3,10 @@
 
 #include "check/proof/attempt.h"
 
+/// What the instances of an attempt's cone may come to hold from their defaults on, by base name;
+/// nullopt where one has no value to begin from. All values of the cone are unset afterwards.
+std::optional<DomainsByName> ringDomains(Attempt& attempt);
+
 /// What a walk has come to.
 enum RingWalkResult {
   RING_MEETS_GOAL,      ///< the situation is in the result

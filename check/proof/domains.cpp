@@ -207,7 +207,11 @@ DomainsByName Domains::leastOf(const DomainsByName& start) {
   DomainsByName least = start;
   const ValueOf valueOf = [&](const VariableSource& source) {
     const auto found = least.find(baseOf(source));
-    return found == least.end() ? abstractOf(source) : abstractOf(source, found->second);
+    if (found == least.end()) return abstractOf(source);
+    NameDomain domain = found->second;
+    // What is read with too few index values is never there.
+    if (!source.parm->parm.indices().empty()) domain.values.addText("");
+    return abstractOf(source, domain);
   };
   bool grows = true;
   for (int round = 0; grows; ++round) {

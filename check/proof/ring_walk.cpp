@@ -3,7 +3,6 @@
 #include <set>
 
 #include "check/proof/replay.h"
-#include "sw/parm/parm_name.h"
 
 namespace {
 
@@ -66,9 +65,9 @@ bool mayMeetGoal(const Attempt& attempt, const DomainsByName& least) {
     if (source.parm == nullptr) {
       return Domains::abstractOf(source, attempt.reader().domainOf(source, domains));
     }
-    const auto found = least.find(baseName(source.name));
-    return found == least.end() ? domains.abstractOf(source)
-                                : Domains::abstractOf(source, found->second);
+    const ConeInstance* const instance = attempt.cone().find(source, attempt.reader());
+    if (instance == nullptr) return domains.abstractOf(source);
+    return Domains::abstractOf(source, least.at(instance->parm->parm.name()));
   });
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/number.h"
+#include "database/gather.h"
 #include "srcs/vid_std_figures.h"
 #include "sw/parm/parm_name.h"
 
@@ -12,6 +13,13 @@ constexpr std::string_view OTHER_VALUE = "another value";
 
 // The base name of what a name of the text refers to.
 std::string_view baseOf(const VariableSource& source) { return baseName(source.name); }
+
+// Whether `reader` reads one of the instances of the parameter `source`: with too few index values
+// it reads what is never there.
+bool readsInstance(const ParmEntry& reader, const VariableSource& source) {
+  const IndexTuple own(reader.parm.indices().size());
+  return indicesOf(source, reader.parm, own).size() == source.parm->parm.indices().size();
+}
 
 bool isAlwaysComputed(const CompiledStatement& statement) {
   return !statement.condition &&
@@ -204,14 +212,14 @@ Domain Domains::correctedDomain(const Subject& subject, const Domain& held,
 
 DomainsByName Domains::leastOf(const DomainsByName& start) {
   constexpr int MANY_ROUNDS = 30;
+  const NameDomain neverSet{Domain::of(""), false};
   DomainsByName least = start;
-  const ValueOf valueOf = [&](const VariableSource& source) {
-    const auto found = least.find(baseOf(source));
-    if (found == least.end()) return abstractOf(source);
-    NameDomain domain = found->second;
-    // What is read with too few index values is never there.
-    if (!source.parm->parm.indices().empty()) domain.values.addText("");
-    return abstractOf(source, domain);
+  const auto valueFor = [&](const ParmEntry& reader) {
+    return [&](const VariableSource& source) {
+      const auto found = least.find(baseOf(source));
+      if (found == least.end()) return abstractOf(source);
+      return abstractOf(source, readsInstance(reader, source) ? found->second : neverSet);
+    };
   };
   bool grows = true;
   for (int round = 0; grows; ++round) {
@@ -219,6 +227,7 @@ DomainsByName Domains::leastOf(const DomainsByName& start) {
     for (auto& [name, domain] : least) {
       const AbstractValue before = ::abstractOf(domain.values);
       const Subject& subject = *text_.find(name);
+      const ValueOf valueOf = valueFor(*subject.parm);
       domain.values.add(parmDomain(subject, valueOf));
       domain.values.add(correctedDomain(subject, domain.values, valueOf));
       // What does not come to an end by itself may be anything.

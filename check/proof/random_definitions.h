@@ -110,8 +110,9 @@ class RandomDefinitions {
 
   std::string definition(unsigned number) {
     std::string text = "p" + std::to_string(number) + " " + oneOf({"rw", "ro", "wo", "rw"}) + " {";
-    if (!own_.empty())
+    if (!own_.empty()) {
       text += " index { " + own_[0] + (own_.size() > 1 ? ", " + own_[1] : "") + " }";
+    }
     if (below(5) > 0) text += " rangeValid { " + item(number) + " }";
     if (number > 0 || kind_ == TEXT_WITH_RING || (!own_.empty() && below(3) == 0)) {
       for (unsigned i = below(3); i > 0; --i) {

@@ -121,6 +121,36 @@ TEST(Proofs, KnowWhoJudgesAnIndex) {
   }
 }
 
+TEST(Proofs, Decide) {
+  const struct {
+    const char* text;
+    Codes codes;
+  } cases[] = {
+      // Whether an unknown text contains another is open, but the same each time.
+      {"name rw { }\n"
+       "n rw { rangeValid (name $ \"x\") { 0..1 } rangeValid ((name $ \"x\") == 0) { 0..2 } }\n",
+       {}},
+      // A total that two parameters share.
+      {"a rw { rangeValid { 0..(10 - b) } default { 3 } }\n"
+       "b rw { rangeValid { 0..(10 - a) } default { 3 } }\n"
+       "c rw { rangeValid (a + b > 10) { 0 } rangeValid (a + b <= 10) { 0..3 } }\n",
+       {"never-true"}},
+      // Mutual limits, with an index.
+      {"i index { rangeValid { 1..2 } }\n"
+       "lo rw { index { i } rangeValid { 0..(hi - 1) } default { 2 } }\n"
+       "hi rw { index { i } rangeValid { (lo + 1)..9 } default { 5 } }\n",
+       {}},
+      // A range that is empty while the partner's staged value is seen.
+      {"a rw { rangeValid { (b + 1) } default { 1 } }\n"
+       "b rw { rangeValid { 0..(3 - a) } default { 1 } }\n",
+       {"empty-range", "overflow", "overflow"}}};
+  for (const auto& [text, codes] : cases) {
+    const Proved proved(text);
+    EXPECT_EQ(codesOf(proved.findings), codes) << text;
+    EXPECT_EQ(codesOf(proved.undecided), Codes()) << text;
+  }
+}
+
 // A text under proof, before any question.
 struct Asked {
   Asked() : proof(checked, limits, findings, undecided) {}

@@ -3,6 +3,7 @@
 #include <z3++.h>
 
 #include <algorithm>
+#include <array>
 #include <set>
 
 #include "base/number.h"
@@ -16,6 +17,8 @@ constexpr unsigned TEXT_BITS = 12;
 constexpr size_t MANY_TEXTS = 4000;
 // How often a formula may ask for one of the texts.
 constexpr size_t MANY_TEXT_CASES = 200'000;
+// Whether one text contains another is left open where they are more.
+constexpr size_t MANY_CONTAINED_TEXTS = 100;
 // About a tenth of a second.
 constexpr unsigned SOLVER_STEPS = 400'000;
 
@@ -257,14 +260,22 @@ class Formulas {
     return {truth(false), truth(false), z3::ite(value, numberOf(1), numberOf(0)), textAt(0)};
   }
 
+  // What is open about it is the same for the same pair.
   z3::expr contains(const Symbolic& a, const Symbolic& b) {
+    const OperandPair pair = pairOf(a, b);
+    const auto found = contained_.find(pair);
+    if (found != contained_.end()) return found->second;
     const auto holds = [&](const std::string& text) {
       return byText(b.text, freshTruth(), [&](const std::string& part) {
         return truth(text.find(part) != std::string::npos);
       });
     };
-    if (ordered_.size() > 100) return freshTruth();
-    return z3::ite(a.isText && b.isText, byText(a.text, freshTruth(), holds), freshTruth());
+    const bool isFew = ordered_.size() <= MANY_CONTAINED_TEXTS;
+    z3::expr contained =
+        isFew ? z3::ite(a.isText && b.isText, byText(a.text, freshTruth(), holds), freshTruth())
+              : freshTruth();
+    contained_.emplace(pair, contained);
+    return contained;
   }
 
   // -1, 0 or 1 as a 2-bit number: how two operands compare as texts, where one at least is a text.
@@ -287,19 +298,28 @@ class Formulas {
 
   // An order that nothing is known of; the same pair always has the same.
   z3::expr openOrder(const Symbolic& a, const Symbolic& b) {
-    const auto key =
-        std::pair(std::pair(a.text.id(), a.number.id()), std::pair(b.text.id(), b.number.id()));
-    const auto found = orders_.find(key);
+    const OperandPair pair = pairOf(a, b);
+    const auto found = orders_.find(pair);
     if (found != orders_.end()) return found->second;
-    const bool isSame = key.first == key.second;
+    const bool isSame = pair.first == pair.second;
     z3::expr open = isSame ? context_.bv_val(0, 2) : context_.bv_const(freshName().c_str(), 2);
     if (!isSame) solver_.add(open != context_.bv_val(2, 2));
-    kept_.push_back(a.text);
-    kept_.push_back(a.number);
-    kept_.push_back(b.text);
-    kept_.push_back(b.number);
-    orders_.emplace(key, open);
+    orders_.emplace(pair, open);
     return open;
+  }
+
+  // Which operands two formulas are, by what they consist of.
+  using OperandKey = std::array<unsigned, 3>;
+  using OperandPair = std::pair<OperandKey, OperandKey>;
+
+  OperandKey keyOfOperand(const Symbolic& operand) {
+    for (const z3::expr& part : {operand.isText, operand.text, operand.number}) {
+      kept_.push_back(part);
+    }
+    return {operand.isText.id(), operand.text.id(), operand.number.id()};
+  }
+  OperandPair pairOf(const Symbolic& a, const Symbolic& b) {
+    return {keyOfOperand(a), keyOfOperand(b)};
   }
 
   // Whether the text of `text` is the decimal one of the number of `number`.
@@ -487,9 +507,9 @@ class Formulas {
   std::set<std::string> texts_;
   std::vector<std::string> ordered_;
   std::map<std::string, Symbolic> variables_;
-  std::map<std::pair<std::pair<unsigned, unsigned>, std::pair<unsigned, unsigned>>, z3::expr>
-      orders_;
-  std::vector<z3::expr> kept_;  // keeps the identities that `orders_` is by
+  std::map<OperandPair, z3::expr> orders_;
+  std::map<OperandPair, z3::expr> contained_;
+  std::vector<z3::expr> kept_;  // keeps the identities that these are by
   size_t fresh_ = 0;
   size_t casesLeft_ = MANY_TEXT_CASES;
   bool isTooLarge_ = false;

@@ -8,6 +8,7 @@
 #include "check/text/fault_view.h"
 #include "check/text/finding_codes.h"
 #include "check/text/name_causes.h"
+#include "check/text/nearest_word.h"
 #include "check/text/record_expressions.h"
 #include "check/text/text_facts.h"
 #include "check/text/unknown_standards.h"
@@ -18,6 +19,11 @@
 #include "sw/parm/parm_name.h"
 
 namespace {
+
+// Orders of more index values are not tried.
+constexpr size_t MANY_INDICES = 5;
+// Of a constant that is not given.
+constexpr size_t MANY_PLACES = 8;
 
 bool isAt(Position a, Position b) { return a.line == b.line && a.column == b.column; }
 
@@ -58,9 +64,10 @@ class BuildCauses {
     const std::vector<Diagnostic>& all = report.diagnostics.diagnostics();
     for (const Diagnostic& diagnostic : all) notePair(diagnostic);
     for (const Diagnostic& diagnostic : all) explainOne(diagnostic);
+    addMissing();
     explainEmptyConditions();
     if (report.finishResult == 1) explainRing(report.onRing);
-    addUnusedConstants(facts_, variant_.constants, findings_);
+    addUnusedConstants(facts_, variant_.constants, misspeltConstants_, findings_);
     addUnknownStandards(facts_, findings_);
     if (report.result != 0 && !hasError_ && !facts_.text().isBroken) {
       add({"builder", {}, "the daemon refuses the text"});
@@ -147,10 +154,14 @@ class BuildCauses {
       if (isAt(index.at, diagnostic.at)) named = facts_.defined(index.name);
     }
     if (named == nullptr) return;
-    add({"not-an-index",
-         placeAt(diagnostic.at, named->name.size()),
-         quoted(named->name) + " is a parameter, and no index",
-         {{facts_.nameOf(*named), "defined here"}}});
+    Finding finding = {"not-an-index",
+                       placeAt(diagnostic.at, named->name.size()),
+                       quoted(named->name) + " is a parameter, and no index",
+                       {{facts_.nameOf(*named), "defined here"}}};
+    if (const std::optional<std::string> near = names_.nearest(named->name, true)) {
+      finding.proposal = {finding.at, *near};
+    }
+    add(std::move(finding));
   }
 
   void indexMismatch(const ParameterRecord& record, const Diagnostic& diagnostic) {
@@ -169,7 +180,57 @@ class BuildCauses {
                                (given == 1 ? " is" : " are") + " given";
       return add({"index-mismatch", place, text, {{facts_.nameOf(*named), "defined here"}}});
     }
-    for (size_t i = 0; i < count; ++i) wrongIndexValue(*named, i, parts.indices[i], place);
+    const IndexedName written = {name, referenced, parts, place};
+    if (std::optional<Finding> finding = otherOrder(*named, written)) {
+      return add(*std::move(finding));
+    }
+    for (size_t i = 0; i < count; ++i) wrongIndexValue(record, *named, i, written);
+  }
+
+  // A name with index values in an expression.
+  struct IndexedName {
+    std::string_view text;        // all of the token
+    std::string_view referenced;  // of it, without "vidStd::" and figure
+    const ParmName& parts;
+    TextPlace place;
+
+    // With another name in the place of this one.
+    [[nodiscard]] Proposal with(const std::string& other) const {
+      std::string right(text);
+      const auto from = static_cast<size_t>(referenced.data() - text.data());
+      return {place, right.replace(from, referenced.size(), other)};
+    }
+    [[nodiscard]] std::string withValues(const IndexTuple& values) const {
+      std::string right(parts.base);
+      for (const std::string& value : values) right += "[" + value + "]";
+      return right;
+    }
+  };
+
+  // The index values in an order in which they fit.
+  [[nodiscard]] std::optional<Finding> otherOrder(const ParameterRecord& named,
+                                                  const IndexedName& written) const {
+    std::vector<const IndexDef*> indices;
+    IndexTuple order;
+    for (const IndexName& index : named.indices.front()) {
+      indices.push_back(variant_.database->findIndex(index.name));
+      if (indices.back() == nullptr) return {};
+      order.emplace_back(index.name);
+    }
+    IndexTuple values = written.parts.indices;
+    if (values.size() > MANY_INDICES) return {};
+    std::ranges::sort(values);
+    bool isFound = fitIndices(indices, values);
+    while (!isFound && std::ranges::next_permutation(values).found) {
+      isFound = fitIndices(indices, values);
+    }
+    if (!isFound) return {};
+    Finding finding = {"index-mismatch",
+                       written.place,
+                       "the index values have another order: " + written.withValues(order),
+                       {{facts_.nameOf(named), "defined here"}}};
+    finding.proposal = written.with(written.withValues(values));
+    return finding;
   }
 
   void wrongIndex(const ParameterRecord& record, const ParameterRecord& index,
@@ -187,19 +248,45 @@ class BuildCauses {
                                   : "its indices are given here"}}});
   }
 
-  void wrongIndexValue(const ParameterRecord& named, size_t i, const std::string& value,
-                       TextPlace place) {
+  void wrongIndexValue(const ParameterRecord& record, const ParameterRecord& named, size_t i,
+                       const IndexedName& written) {
     const std::string_view name = named.indices.front()[i].name;
     const IndexDef* const index = variant_.database->findIndex(name);
-    const ParameterRecord* const record = facts_.defined(name);
-    if (index == nullptr || record == nullptr || isBroken(*record)) return;
+    const ParameterRecord* const definition = facts_.defined(name);
+    if (index == nullptr || definition == nullptr || isBroken(*definition)) return;
     const std::vector<const IndexDef*> one = {index};
+    const std::string& value = written.parts.indices[i];
     if (fitIndices(one, {value})) return;
-    add({"index-mismatch",
-         place,
-         "the index " + quoted(name) + " has no value " + quoted(value) + ": it has " +
-             valuesText(index->baseBounds()),
-         {{facts_.nameOf(*record), "defined here"}}});
+    Finding finding = {"index-mismatch",
+                       written.place,
+                       "the index " + quoted(name) + " has no value " + quoted(value) +
+                           ": it has " + valuesText(index->baseBounds()),
+                       {{facts_.nameOf(*definition), "defined here"}}};
+    const size_t count = written.parts.indices.size();
+    const bool isShared = !record.indices.empty() &&
+                          std::ranges::find(record.indices.front(), name, &IndexName::name) !=
+                              record.indices.front().end();
+    if (value == name && count == 1 && isShared) {
+      finding.text = "brackets hold an index value, and no name: without brackets, " +
+                     quoted(written.parts.base) + " is that of the same " + std::string(name);
+      finding.proposal = written.with(std::string(written.parts.base));
+    } else if (facts_.defined(value) != nullptr || facts_.isConstant(value)) {
+      finding.text = "brackets hold an index value as it is written, and no name: the index " +
+                     quoted(name) + " has " + valuesText(index->baseBounds());
+    } else {
+      proposeIndexValue(finding, *index, i, written);
+    }
+    add(std::move(finding));
+  }
+
+  static void proposeIndexValue(Finding& finding, const IndexDef& index, size_t i,
+                                const IndexedName& written) {
+    IndexTuple values = written.parts.indices;
+    NearestWord nearest(values[i]);
+    for (const std::string& text : index.baseBounds().strings().texts()) nearest.offer(text);
+    if (!nearest.found()) return;
+    values[i] = std::string(*nearest.found());
+    finding.proposal = written.with(written.withValues(values));
   }
 
   // ---- Names
@@ -207,7 +294,35 @@ class BuildCauses {
   void undefinedName(const Diagnostic& diagnostic) {
     const std::string base(baseName(referencedName(diagnostic.text)));
     if (facts_.text().isDoubtful(base)) return;
-    add(names_.undefined(diagnostic.at, diagnostic.text));
+    Finding finding = names_.undefined(diagnostic.at, diagnostic.text);
+    const bool isMisspelt = finding.proposal && isUnusedConstant(finding.proposal->text);
+    if (isMisspelt) {
+      finding.text += ", and nothing uses the constant " + quoted(finding.proposal->text) +
+                      " of the command line";
+      misspeltConstants_.insert(finding.proposal->text);
+    }
+    // One that is mended on the command line is told once.
+    if (!isMisspelt && finding.code != "missing-constant") return add(std::move(finding));
+    missing_[base].push_back(std::move(finding));
+  }
+
+  void addMissing() {
+    for (auto& [name, findings] : missing_) {
+      std::ranges::sort(findings, {}, &Finding::at);
+      Finding& first = findings.front();
+      for (size_t i = 1; i < findings.size() && i < MANY_PLACES; ++i) {
+        first.related.push_back({findings[i].at, "and here"});
+      }
+      add(std::move(first));
+    }
+  }
+
+  [[nodiscard]] bool isUnusedConstant(const std::string& name) {
+    const bool isGiven = std::ranges::any_of(
+        variant_.constants, [&name](const auto& constant) { return constant.first == name; });
+    if (!isGiven || facts_.defined(name) != nullptr) return false;
+    if (!used_) used_ = namesInExpressions(facts_);
+    return !used_->contains(name);
   }
 
   void explainRing(const std::string& onRing) {
@@ -448,6 +563,9 @@ class BuildCauses {
   const Variant& variant_;
   Findings& findings_;
   std::set<std::pair<uint32_t, uint32_t>> pairs_;
+  std::map<std::string, std::vector<Finding>> missing_;  // by constants that are not given
+  std::set<std::string> misspeltConstants_;
+  std::optional<std::set<std::string_view>> used_;
   bool hasError_ = false;
 };
 

@@ -5,7 +5,7 @@
 
 Finding* Findings::find(std::string_view code, TextPlace at) {
   const auto found = std::find_if(findings_.begin(), findings_.end(), [&](const Finding& finding) {
-    return finding.code == code && finding.at == at;
+    return finding.code == code && finding.at.line == at.line && finding.at.column == at.column;
   });
   return found == findings_.end() ? nullptr : &*found;
 }

@@ -225,6 +225,8 @@ class OverlapCheck {
   }
 
   void add(const TextPlace& at, std::string text, const TextPlace& other, std::string what) {
+    // Two definitions under one name are told of as such.
+    if (definition_.partOf(at) != definition_.partOf(other)) return;
     context_.add({"overlap", at, std::move(text), {{other, std::move(what)}}});
   }
 

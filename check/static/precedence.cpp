@@ -70,8 +70,9 @@ class Flags {
 
 class PrecedenceCheck {
  public:
-  PrecedenceCheck(StaticContext& context, Flags& flagParameters, const ExpressionTree& tree)
-      : context_(context), flagParameters_(flagParameters), tree_(tree) {}
+  PrecedenceCheck(StaticContext& context, Flags& flagParameters, const Token& first,
+                  const ExpressionTree& tree)
+      : context_(context), flagParameters_(flagParameters), first_(first), tree_(tree) {}
 
   void check() {
     for (const ExpressionNode& node : tree_.nodes()) {
@@ -209,12 +210,18 @@ class PrecedenceCheck {
   }
 
   void add(Finding finding, const ExpressionNode& node) {
-    context_.add(std::move(finding));
     context_.explained().add(node.token->at);
+    // A condition that the daemon finds to be 0 is so because of it.
+    const TextPlace start = tokenPlace(context_.source(), first_);
+    Finding* const constant = context_.findings().find("constant-condition", start);
+    if (constant == nullptr) return context_.add(std::move(finding));
+    constant->related.push_back({finding.at, std::move(finding.text)});
+    if (!constant->proposal) constant->proposal = std::move(finding.proposal);
   }
 
   StaticContext& context_;
   Flags& flagParameters_;
+  const Token& first_;  // of the expression
   const ExpressionTree& tree_;
   std::vector<bool> flags_;  // by node
 };
@@ -227,7 +234,7 @@ void checkPrecedence(StaticContext& context) {
     forEachExpression(*definition.record, [&](ExpressionUse /*use*/, const Expression& expression) {
       if (expression.tokens.size() < 3) return;
       const std::optional<ExpressionTree> tree = ExpressionTree::make(expression);
-      if (tree) PrecedenceCheck(context, flags, *tree).check();
+      if (tree) PrecedenceCheck(context, flags, expression.tokens.front(), *tree).check();
     });
   }
 }

@@ -52,6 +52,11 @@ void forEachExpression(const ParameterRecord& record, const Visit& visit) {
   }
 }
 
+size_t NamedDefinition::partOf(TextPlace place) const {
+  const auto behind = std::ranges::upper_bound(laterNames, place);
+  return static_cast<size_t>(behind - laterNames.begin());
+}
+
 StaticContext::StaticContext(const CheckedText& checked, Findings& findings,
                              ExplainedPlaces& explained)
     : checked_(checked), findings_(findings), explained_(explained) {
@@ -59,11 +64,11 @@ StaticContext::StaticContext(const CheckedText& checked, Findings& findings,
     const ParameterRecord& record = *layout.record;
     if (record.access == ACCESS_NONE) continue;
     const auto [place, isNew] = places_.emplace(record.name, definitions_.size());
-    if (isNew) {
-      const auto length = static_cast<uint32_t>(record.name.size());
-      definitions_.push_back({&record, {layout.name.line, layout.name.column, length}});
-    }
+    const auto length = static_cast<uint32_t>(record.name.size());
+    const TextPlace name = {layout.name.line, layout.name.column, length};
+    if (isNew) definitions_.push_back({&record, name});
     NamedDefinition& definition = definitions_[place->second];
+    if (!isNew) definition.laterNames.push_back(name);
     for (const StatementLayout& statement : layout.statements) {
       definition.statements.push_back(&statement);
     }

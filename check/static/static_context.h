@@ -15,11 +15,14 @@
 /// A name with all its definitions, as the engine takes them together.
 struct NamedDefinition {
   const ParameterRecord* record = nullptr;
-  TextPlace name;  ///< where it first is
+  TextPlace name;                          ///< where it first is
+  std::vector<TextPlace> laterNames = {};  ///< where it is defined again
   std::vector<const StatementLayout*> statements = {};
 
   /// The keyword of the statement that is the one at `place`, from 0, among those of `keyword`.
   [[nodiscard]] TextPlace keyword(std::string_view keyword, size_t place) const;
+  /// Which of its definitions a place in one of them belongs to, from 0.
+  [[nodiscard]] size_t partOf(TextPlace place) const;
   /// Whether it is an index.
   [[nodiscard]] bool isIndex() const { return record->access == ACCESS_INDEX; }
 };
@@ -81,6 +84,8 @@ class StaticContext {
 
   /// Adds a finding, of a code in finding_codes.h.
   void add(Finding finding) { findings_.add(std::move(finding)); }
+  /// What was found before and so far.
+  [[nodiscard]] Findings& findings() { return findings_; }
   /// Whether a finding explains a part of the ranges of a definition, so that what is wrong with
   /// them may only follow.
   [[nodiscard]] bool hasExplainedRange(const NamedDefinition& definition) const;

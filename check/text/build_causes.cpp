@@ -298,7 +298,7 @@ class BuildCauses {
     const bool isMisspelt = finding.proposal && isUnusedConstant(finding.proposal->text);
     if (isMisspelt) {
       finding.text += ", and nothing uses the constant " + quoted(finding.proposal->text) +
-                      " of the command line";
+                      " of the command line: one of the two is misspelt";
       misspeltConstants_.insert(finding.proposal->text);
     }
     // One that is mended on the command line is told once.
@@ -310,6 +310,8 @@ class BuildCauses {
     for (auto& [name, findings] : missing_) {
       std::ranges::sort(findings, {}, &Finding::at);
       Finding& first = findings.front();
+      // One that the text has again is right there.
+      if (findings.size() > 1) first.proposal.reset();
       for (size_t i = 1; i < findings.size() && i < MANY_PLACES; ++i) {
         first.related.push_back({findings[i].at, "and here"});
       }

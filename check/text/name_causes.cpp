@@ -1,6 +1,7 @@
 #include "check/text/name_causes.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "check/text/fault_view.h"
 #include "check/text/nearest_word.h"
@@ -13,6 +14,8 @@ namespace {
 
 constexpr size_t MOST_COMPARISONS = 2'000'000;
 constexpr std::string_view PREFIX = "vidStd::";
+// A name with one of them cannot be used in an expression.
+constexpr std::string_view OPERATOR_SIGNS = "()|&^=!<>+-*/%$";
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
@@ -51,6 +54,28 @@ Finding proposing(std::string_view code, TextPlace at, const std::string& text,
   return {code, at, text, {}, Proposal{at, right}};
 }
 
+// The parts of a name between "::" or ":" or dots.
+std::vector<std::string_view> partsOf(std::string_view name) {
+  std::vector<std::string_view> parts;
+  while (!name.empty()) {
+    const size_t end = std::min(name.find_first_of(":."), name.size());
+    if (end > 0) parts.push_back(name.substr(0, end));
+    name.remove_prefix(std::min(end + 1, name.size()));
+  }
+  return parts;
+}
+
+bool isFigure(std::string_view word) {
+  return std::ranges::any_of(vidFigures(),
+                             [word](const vidFigure_t& figure) { return word == figure.name; });
+}
+
+std::string allFigures() {
+  std::vector<std::string_view> names;
+  for (const vidFigure_t& figure : vidFigures()) names.emplace_back(figure.name);
+  return listOf(names);
+}
+
 }  // namespace
 
 NameCauses::NameCauses(const TextFacts& facts, const NamedValues& constants)
@@ -59,6 +84,9 @@ NameCauses::NameCauses(const TextFacts& facts, const NamedValues& constants)
     if (record->access == ACCESS_NONE) continue;
     (record->access == ACCESS_INDEX ? indices_ : parameters_).push_back(record->name);
     addTexts(*record, texts_);
+    if (record->name.find_first_of(OPERATOR_SIGNS) != std::string_view::npos) {
+      unusable_.push_back(record);
+    }
   }
 }
 
@@ -99,7 +127,41 @@ Finding NameCauses::unknownFigure(Position at, std::string_view name) const {
   const bool isAsWritten = whole.length == name.size() && !figure.empty();
   const TextPlace place = isAsWritten ? placeAt(movedBy(at, separator + 2), figure.size()) : whole;
   Finding finding = {"unknown-figure", place, "a video standard has no figure " + quoted(figure)};
-  if (nearest.found() && isAsWritten) finding.proposal = {place, std::string(*nearest.found())};
+  if (nearest.found() && isAsWritten) {
+    finding.proposal = {place, std::string(*nearest.found())};
+  } else if (!nearest.found()) {
+    finding.text += ": it has " + allFigures();
+  }
+  return finding;
+}
+
+// A name that has a figure among its parts, and is not written as one: P::F, vidStd.P.F, or
+// vidStd::F::P. Where P is clear, it is proposed.
+std::optional<Finding> NameCauses::misspeltFigure(Position at, std::string_view name) {
+  std::vector<std::string_view> parts = partsOf(name);
+  std::string_view figure;
+  std::erase_if(parts, [&](std::string_view part) {
+    if (isSameButCase(part, "vidStd")) return true;
+    if (!figure.empty() || !isFigure(part) || facts_.defined(baseName(part)) != nullptr)
+      return false;
+    figure = part;
+    return true;
+  });
+  if (figure.empty() || parts.size() != 1) return {};
+  const std::string_view parameter = parts.front();
+  const std::string base(baseName(parameter));
+  const bool isKnown = facts_.defined(base) != nullptr || facts_.isConstant(base);
+  const std::optional<std::string> near = isKnown ? std::nullopt : nearest(base, false);
+  Finding finding = {"unknown-figure", facts_.tokenAt(at),
+                     quoted(name) +
+                         " is no figure: its form is vidStd::P::F, where P is a "
+                         "parameter and F is " +
+                         std::string(figure)};
+  const std::string values(parameter.substr(base.size()));
+  if (isKnown || near) {
+    finding.proposal = {finding.at, std::string(PREFIX) + near.value_or(base) + values +
+                                        "::" + std::string(figure)};
+  }
   return finding;
 }
 
@@ -142,16 +204,40 @@ std::optional<Finding> NameCauses::noName(Position at, std::string_view name) co
   return {};
 }
 
+// A defined name that no expression can name, because of a sign in it: "a-b" is read as a
+// difference. `at` is that of a part of it.
+std::optional<Finding> NameCauses::unusableName(Position at) const {
+  const std::string_view line = facts_.source().line(at.line);
+  for (const ParameterRecord* record : unusable_) {
+    const std::string_view name = record->name;
+    for (size_t from = line.find(name); from != std::string_view::npos;
+         from = line.find(name, from + 1)) {
+      if (at.column < from || at.column >= from + name.size()) continue;
+      const std::string sign(name.substr(name.find_first_of(OPERATOR_SIGNS), 1));
+      return Finding{"undefined-name",
+                     placeAt({at.line, static_cast<uint32_t>(from)}, name.size()),
+                     "no expression can name " + quoted(name) + ", as it takes the \"" + sign +
+                         "\" for an operator: give the parameter a name without it",
+                     {{facts_.nameOf(*record), "defined here"}}};
+    }
+  }
+  return {};
+}
+
 Finding NameCauses::undefined(Position at, std::string_view name) {
+  if (std::optional<Finding> finding = unusableName(at)) return *std::move(finding);
   if (std::optional<Finding> finding = noName(at, name)) return *std::move(finding);
   const std::string_view referenced = referencedName(name);
-  const bool isFigure = referenced.size() != name.size();
+  const bool hasFigure = referenced.size() != name.size();
   const std::string_view marker = name.substr(0, PREFIX.size() - 1);
-  if (!isFigure && isSameButCase(marker, "vidStd:")) return unknownFigure(at, name);
+  if (!hasFigure && name.find_first_of(":.") != std::string_view::npos) {
+    if (std::optional<Finding> finding = misspeltFigure(at, name)) return *std::move(finding);
+  }
+  if (!hasFigure && isSameButCase(marker, "vidStd:")) return unknownFigure(at, name);
   const std::string base(baseName(referenced));
-  const TextPlace place = placeAt(isFigure ? movedBy(at, PREFIX.size()) : at, base.size());
+  const TextPlace place = placeAt(hasFigure ? movedBy(at, PREFIX.size()) : at, base.size());
   const std::string missing = "there is no " + quoted(base);
-  if (texts_.contains(base) && !isFigure) {
+  if (texts_.contains(base) && !hasFigure) {
     const std::string right = "\"" + base + "\"";
     return proposing("unquoted-text", place, missing + ": a text has to be in quotes", right);
   }

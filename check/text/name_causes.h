@@ -22,13 +22,16 @@ class NameCauses {
 
  private:
   [[nodiscard]] Finding unknownFigure(Position at, std::string_view name) const;
+  [[nodiscard]] std::optional<Finding> misspeltFigure(Position at, std::string_view name);
+  [[nodiscard]] std::optional<Finding> unusableName(Position at) const;
   [[nodiscard]] std::optional<Finding> noName(Position at, std::string_view name) const;
 
   const TextFacts& facts_;
   const NamedValues& constants_;
   std::vector<std::string_view> parameters_;
   std::vector<std::string_view> indices_;
-  std::set<std::string_view> texts_;  // all that the text has in quotes
+  std::vector<const ParameterRecord*> unusable_;  // by expressions
+  std::set<std::string_view> texts_;              // all that the text has in quotes
   std::map<std::string, std::optional<std::string>, std::less<>> known_;
   size_t comparisons_ = 0;
 };

@@ -5,6 +5,7 @@
 
 #include "check/text/fault_view.h"
 #include "deflang/expression/operators.h"
+#include "sw/parm/parm_name.h"
 
 namespace {
 
@@ -75,6 +76,12 @@ class ExpressionCause {
       finding.proposal = {finding.at, std::string(foreign->second)};
       return finding;
     }
+    for (const size_t word : {i - 1, i}) {
+      if (!isNegation(tokens_[word])) continue;
+      return wrong(word, "there is no operator " + textOf(word) +
+                             ": compare with 0, as in \"(a == 0)\", or write \"!=\" for \"==\"");
+    }
+    if (std::optional<Finding> finding = nameInWords(i)) return *std::move(finding);
     if (tokens_[i].kind == TOKEN_OPEN && tokens_[i - 1].kind == TOKEN_VARIABLE) {
       return wrong(i - 1, "there is no function " + textOf(i - 1) +
                               ", and an operator is missing behind a name");
@@ -86,9 +93,55 @@ class ExpressionCause {
     return wrong(i, "an operator is missing between " + textOf(i - 1) + " and " + textOf(i));
   }
 
+  static bool isNegation(const Token& token) {
+    return token.kind == TOKEN_VARIABLE && (token.text == "not" || token.text == "NOT");
+  }
+
+  // Two words that are one name, written with a "_" between them.
+  [[nodiscard]] std::optional<Finding> nameInWords(size_t i) const {
+    const Token& before = tokens_[i - 1];
+    const Token& word = tokens_[i];
+    if (before.kind != TOKEN_VARIABLE || word.kind != TOKEN_VARIABLE ||
+        before.at.line != word.at.line) {
+      return {};
+    }
+    const std::string name = std::string(before.text) + "_" + std::string(word.text);
+    if (facts_.defined(baseName(name)) == nullptr) return {};
+    Finding finding = wrong(i - 1, "a name has no blank");
+    const TextPlace end = facts_.tokenAt(word.at);
+    finding.at.length = end.column + end.length - finding.at.column;
+    finding.proposal = {finding.at, name};
+    return finding;
+  }
+
   static bool isQuestion(std::string_view text) { return text == "?" || text == ":"; }
 
+  // Two signs that are an operator elsewhere: <> and the like.
+  [[nodiscard]] std::optional<Finding> foreignSigns(size_t i) const {
+    constexpr std::pair<std::string_view, std::string_view> SIGNS[] = {
+        {"<>", "!="},  {"><", "!="},  {"=!", "!="},  {"^=", "!="},  {"&&&", "&&"},
+        {"|||", "||"}, {"!==", "!="}, {">>>", ">>"}, {"<<<", "<<"},
+    };
+    if (i == 0 || tokens_[i - 1].at.line != tokens_[i].at.line) return {};
+    const TextPlace first = facts_.tokenAt(tokens_[i - 1].at);
+    const TextPlace second = facts_.tokenAt(tokens_[i].at);
+    if (first.column + first.length != second.column) return {};
+    const TextPlace both = {first.line, first.column, first.length + second.length};
+    const std::string_view written =
+        facts_.source().line(both.line).substr(both.column, both.length);
+    const auto* const found =
+        std::ranges::find(SIGNS, written, &std::pair<std::string_view, std::string_view>::first);
+    if (found == std::end(SIGNS)) return {};
+    Finding finding = {CODE, both, "there is no operator " + quoted(written)};
+    finding.proposal = {both, std::string(found->second)};
+    return finding;
+  }
+
   [[nodiscard]] Finding withoutLeft(size_t i) const {
+    if (std::optional<Finding> finding = foreignSigns(i)) return *std::move(finding);
+    if (i + 1 < tokens_.size()) {
+      if (std::optional<Finding> finding = foreignSigns(i + 1)) return *std::move(finding);
+    }
     const bool isMinus = tokens_[i].kind == OP_SUBTRACT;
     const bool hasRight = i + 1 < tokens_.size() && beginsValue(tokens_[i + 1]);
     if (isMinus && hasRight) {

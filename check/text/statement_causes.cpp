@@ -107,6 +107,7 @@ class StatementCause {
 
   [[nodiscard]] ReadingCause openStatement(const TextPart& part) const {
     const bool isControl = form_.form.ends_with(')');
+    if (!hasBrace_ && last_.isSign(')') && form_.hasCondition) return valuesInParentheses(part);
     ReadingCause found = isControl || !hasBrace_
                              ? incomplete(part)
                              : cause("syntax", view_.placeOf(part),
@@ -162,7 +163,9 @@ class StatementCause {
     const char sign = view_.byteAt(at);
     const char before = view_.byteAt(at - 1);
     const char behind = view_.byteAt(at + 1);
-    if (sign == '=' && before == '=') return operatorCause({view_.fault.at - 2, 3}, "==", "syntax");
+    if (sign == '=' && before == '=') {
+      return operatorCause({at - 2, 3}, view_.byteAt(at - 2) == '!' ? "!=" : "==", "syntax");
+    }
     if (sign == '=' && (behind == '>' || behind == '<')) {
       return operatorCause({at, 2}, behind == '>' ? ">=" : "<=", "syntax");
     }
@@ -200,10 +203,13 @@ class StatementCause {
 
   [[nodiscard]] ReadingCause beforeBrace(const TextPart& part) const {
     const std::string keyword(form_.keyword);
-    if (form_.form.ends_with(')')) {
-      return cause("syntax", view_.placeOf(part),
-                   "the condition of \"" + keyword + "\" has to be in parentheses: " + formText());
+    if (part.text == "=" || part.text == ":") {
+      return cause(
+          "syntax", view_.placeOf(part),
+          "there is no " + quoted(part.text) + " behind a keyword: the form is " + formText(),
+          Proposal{view_.placeOf(part), ""});
     }
+    if (form_.form.ends_with(')')) return bareCondition(part);
     if (form_.hasCondition && (part.text == "if" || part.text == "when")) {
       return cause("syntax", view_.placeOf(part),
                    "a condition comes directly behind the keyword, without " + quoted(part.text),
@@ -218,13 +224,119 @@ class StatementCause {
       return cause("syntax", view_.placeOf(part),
                    "\"" + keyword + "\" has no condition: its form is " + formText());
     }
-    if (hasSpanInCondition_) {
-      return cause("syntax", view_.placeOf(part),
-                   "the items of \"" + keyword +
-                       "\" belong in braces, the parentheses hold a condition: " + formText());
+    if (last_.isSign(')')) return valuesInParentheses(part);
+    if (form_.hasCondition && !part.text.starts_with('[') && reachesBrace(part)) {
+      return bareCondition(part);
     }
-    return cause("syntax", view_.placeOf(part),
-                 "the braces of \"" + keyword + "\" are missing: its form is " + formText());
+    return bareValues(part);
+  }
+
+  // The end of what is on the line from `part` on, before a brace or a statement; without what
+  // closes the definition.
+  [[nodiscard]] size_t endOfRest(const TextPart& part) const {
+    TextScan scan = view_.scanFrom(part.at);
+    size_t end = part.at;
+    for (TextPart next = scan.next(); next.kind != PART_END; next = scan.next()) {
+      const bool isNext = next.isFirstOnLine && next.at != part.at;
+      if (isNext || next.isSign('{') || next.isSign('}') || next.kind == PART_COMMENT ||
+          next.kind == PART_OPEN_QUOTE || beginsStatement(next, scan)) {
+        break;
+      }
+      end = next.end();
+    }
+    return end;
+  }
+
+  // Whether a brace opens on the line, behind what could be a condition without parentheses.
+  [[nodiscard]] bool reachesBrace(const TextPart& part) const {
+    return part.kind == PART_WORD && view_.scanFrom(endOfRest(part)).peek().isSign('{');
+  }
+
+  // What is between `part` and `end`, between `opening` and `closing` instead.
+  [[nodiscard]] std::optional<Proposal> enclosed(const TextPart& part, size_t end,
+                                                 const std::string& opening,
+                                                 const std::string& closing) const {
+    if (end <= part.at) return {};
+    const std::string_view all = view_.text().substr(part.at, end - part.at);
+    std::string_view inner = all;
+    const bool isBracketed = inner.size() > 2 && inner.front() == '[' && inner.back() == ']';
+    if (isBracketed) inner = inner.substr(1, inner.size() - 2);
+    const bool isClean = inner.find_first_of("[]{};=") == std::string_view::npos ||
+                         (opening == "(" && inner.find_first_of("[]{};") == std::string_view::npos);
+    if (!isClean || inner.find('\n') != std::string_view::npos) return {};
+    return Proposal{view_.place(part.at, all.size()), opening + std::string(inner) + closing};
+  }
+
+  // A condition that is not in parentheses, perhaps in braces.
+  [[nodiscard]] ReadingCause bareCondition(const TextPart& part) const {
+    std::optional<Proposal> proposal;
+    if (part.kind == PART_WORD) proposal = enclosed(part, endOfRest(part), "(", ")");
+    const TextPart inner = view_.scanFrom(part.end()).peek();
+    const size_t end = part.isSign('{') && inner.kind == PART_WORD ? endOfRest(inner) : 0;
+    if (end != 0 && view_.scanFrom(end).peek().isSign('}')) {
+      proposal = enclosed(inner, end, "(", ")");
+      const size_t behind = view_.scanFrom(end).peek().end();
+      if (proposal) proposal->at = view_.place(part.at, behind - part.at);
+    }
+    ReadingCause found = cause("syntax", view_.placeOf(part),
+                               "the condition of \"" + std::string(form_.keyword) +
+                                   "\" has to be in parentheses: " + formText(),
+                               std::move(proposal));
+    if (form_.form.ends_with(')')) goOnBehindProposal(found);
+    return found;
+  }
+
+  // Where a whole statement is mended, the next one is read.
+  void goOnBehindProposal(ReadingCause& found) const {
+    const std::optional<Proposal>& proposal = found.finding.proposal;
+    const TextPlace keyword = keywordPlace();
+    if (!proposal || proposal->at.line != keyword.line) return;
+    const size_t line = view_.fault.keywordAt - keyword.column;
+    found.next = {RESUME_STATEMENT, line + proposal->at.column + proposal->at.length};
+  }
+
+  // Values that are not in braces.
+  [[nodiscard]] ReadingCause bareValues(const TextPart& part) const {
+    const bool areMissing = isMissing(part);
+    ReadingCause found =
+        cause("syntax", view_.placeOf(part),
+              "the braces of \"" + std::string(form_.keyword) + "\" are missing: its form is " +
+                  formText(),
+              areMissing ? bracesForParentheses() : enclosed(part, endOfRest(part), "{ ", " }"));
+    if (areMissing && found.finding.proposal) found.finding.at = found.finding.proposal->at;
+    goOnBehindProposal(found);
+    return found;
+  }
+
+  // Whether `part` is what comes behind the statement.
+  [[nodiscard]] bool isMissing(const TextPart& part) const {
+    return part.isSign('}') || part.kind == PART_END ||
+           beginsStatement(part, view_.scanFrom(part.end()));
+  }
+
+  // Behind parentheses without braces: mostly the values are in them.
+  [[nodiscard]] ReadingCause valuesInParentheses(const TextPart& part) const {
+    if (!hasSpanInCondition_) return bareValues(part);
+    ReadingCause found =
+        cause("syntax", view_.placeOf(part),
+              "the items of \"" + std::string(form_.keyword) +
+                  "\" belong in braces, the parentheses hold a condition: " + formText());
+    found.finding.proposal = bracesForParentheses();
+    if (found.finding.proposal) found.finding.at = found.finding.proposal->at;
+    goOnBehindProposal(found);
+    return found;
+  }
+
+  // Braces in the place of the parentheses, unless a condition is in these.
+  [[nodiscard]] std::optional<Proposal> bracesForParentheses() const {
+    const TextPart opening = view_.scanFrom(view_.fault.keywordAt + form_.keyword.size()).peek();
+    if (!opening.isSign('(') || !last_.isSign(')') || last_.at < opening.end()) return {};
+    const std::string_view inner = view_.text().substr(opening.end(), last_.at - opening.end());
+    if (inner.find_first_of("(){}=<>&|\n") != std::string_view::npos) return {};
+    const bool isPlain = isNumber(inner) || inner.starts_with('"') || hasSpanInCondition_;
+    return Proposal{
+        view_.place(opening.at, last_.end() - opening.at),
+        isPlain ? "{ " + std::string(inner) + " }" : "{ (" + std::string(inner) + ") }"};
   }
 
   [[nodiscard]] ReadingCause atClosingBrace(const TextPart& part) const {
@@ -376,6 +488,10 @@ class StatementCause {
                    Proposal{view_.placeOf(part), std::string(decimal)});
     }
     const size_t dots = rest.find("..");
+    const bool isHexadecimal = word.starts_with("0x") || word.starts_with("0X");
+    if (isHexadecimal && dots != 0) {
+      return badEnd({PART_WORD, part.at, word.substr(0, word.find(".."))});
+    }
     if (dots == 0) return badUpper(part, part.at + digits + 2, scan);
     if (rest.starts_with('.')) {
       return plain(part, quoted(word) + " is no number: numbers are whole" +
@@ -398,8 +514,20 @@ class StatementCause {
     if (upper.text.empty() && scan.peek().kind == PART_QUOTED) return spanOfTexts(scan.peek());
     if (upper.text.empty()) return plain(scan.peek(), "the upper end is missing behind \"..\"");
     if (upper.text.find("..") != std::string_view::npos) return plain(part, "a span has two ends");
-    if (isDigit(upper.text.front())) return plain(upper, quoted(upper.text) + " is no number");
+    if (isDigit(upper.text.front())) return badEnd(upper);
     return parenthesesFor(upper, scan);
+  }
+
+  // A number that is none at the end of a span.
+  [[nodiscard]] ReadingCause badEnd(const TextPart& end) const {
+    const bool isHexadecimal = end.text.starts_with("0x") || end.text.starts_with("0X");
+    const bool isOctal = end.text.front() == '0' && std::ranges::all_of(end.text, isDigit);
+    const bool isDecimal = end.text.find('.') != std::string_view::npos;
+    return plain(end, quoted(end.text) + " is no number" +
+                          (isHexadecimal ? ": hexadecimal digits are 0 to 9 and A to F"
+                           : isOctal     ? ": with a leading 0 it is octal"
+                           : isDecimal   ? ": numbers are whole"
+                                         : ""));
   }
 
   // A word that is no number where a value has to be.

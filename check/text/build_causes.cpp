@@ -4,6 +4,7 @@
 #include <set>
 #include <tuple>
 
+#include "base/number.h"
 #include "check/text/expression_causes.h"
 #include "check/text/fault_view.h"
 #include "check/text/finding_codes.h"
@@ -266,12 +267,17 @@ class BuildCauses {
     const bool isShared = !record.indices.empty() &&
                           std::ranges::find(record.indices.front(), name, &IndexName::name) !=
                               record.indices.front().end();
-    if (value == name && count == 1 && isShared) {
+    const bool isExpression = value.find_first_of(" \t+-*/%") != std::string::npos;
+    const bool isName = value == name || facts_.defined(value) != nullptr ||
+                        facts_.isConstant(value) ||
+                        (index->baseBounds().strings().count() == 0 && !wholeNumber(value));
+    if (isName && !isExpression && count == 1 && isShared) {
       finding.text = "brackets hold an index value, and no name: without brackets, " +
                      quoted(written.parts.base) + " is that of the same " + std::string(name);
       finding.proposal = written.with(std::string(written.parts.base));
-    } else if (facts_.defined(value) != nullptr || facts_.isConstant(value)) {
-      finding.text = "brackets hold an index value as it is written, and no name: the index " +
+    } else if (isName) {
+      finding.text = "brackets hold an index value as it is written, and no " +
+                     std::string(isExpression ? "expression" : "name") + ": the index " +
                      quoted(name) + " has " + valuesText(index->baseBounds());
     } else {
       proposeIndexValue(finding, *index, i, written);

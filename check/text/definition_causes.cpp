@@ -101,6 +101,14 @@ ReadingCause swapped(const FaultView& view, const TextPart& name) {
           bodyBehind(view, name.end())};
 }
 
+// Two words before the access word.
+ReadingCause nameWithBlank(const FaultView& view, const TextPart& second) {
+  const std::string right = view.name() + "_" + std::string(second.text);
+  const TextPlace at = view.place(view.fault.nameAt, second.end() - view.fault.nameAt);
+  return {{"unknown-access", at, "a name has no blank: " + quoted(right), {}, Proposal{at, right}},
+          bodyBehind(view, second.end())};
+}
+
 // Behind a name and an access word, where the brace has to be.
 ReadingCause missingBrace(const FaultView& view, const TextPart& found) {
   if (isAmong(accessWords(), found.text)) {
@@ -153,6 +161,34 @@ ReadingCause unknownKeyword(const FaultView& view, const TextPart& word) {
   return {std::move(finding), behindUnknown(view.scanFrom(word.end()))};
 }
 
+// Whether `part` looks like an item of a range: a number, a span or a text.
+bool looksLikeItem(const TextPart& part) {
+  const char first = part.text.front();
+  const bool isNegative = first == '-' && part.text.size() > 1;
+  const char digit = isNegative ? part.text[1] : first;
+  return part.kind == PART_QUOTED || (digit >= '0' && digit <= '9');
+}
+
+// The items up to the closing brace.
+ReadingCause itemsWithoutKeyword(const FaultView& view, const TextPart& first, TextScan scan) {
+  TextPart last = first;
+  TextPart next = scan.next();
+  while (next.kind == PART_WORD || next.kind == PART_QUOTED || next.isSign(',')) {
+    if (next.isFirstOnLine || beginsStatement(next, scan)) break;
+    last = next;
+    next = scan.next();
+  }
+  const std::string_view items = view.text().substr(first.at, last.end() - first.at);
+  const TextPlace at = view.place(first.at, items.size());
+  Finding finding = {
+      "unknown-keyword", at,
+      "there is no statement " +
+          (first.kind == PART_QUOTED ? std::string(first.text) : quoted(first.text)) +
+          ": the values of a range belong in a \"rangeValid\""};
+  if (!last.isSign(',')) finding.proposal = {at, "rangeValid { " + std::string(items) + " }"};
+  return {std::move(finding), nextStatement(view.scanFrom(last.end()))};
+}
+
 ReadingCause strayBlock(const FaultView& view, const TextPart& sign) {
   const bool isCondition = sign.isSign('(');
   return {{"syntax", view.placeOf(sign),
@@ -193,6 +229,7 @@ ReadingCause causeInHead(const FaultView& view) {
   }
   const TextScan behind = view.scanFrom(found.end());
   if (beginsDefinition(found, behind)) {
+    if (!found.isFirstOnLine) return nameWithBlank(view, found);
     return missingAccess(view, view.name(), {RESUME_DEFINITION, found.at});
   }
   if (isAmong(statementKeywords(), found.text)) {
@@ -214,6 +251,7 @@ ReadingCause causeInBody(const FaultView& view) {
   if (part.isSign('(') || part.isSign('{')) return strayBlock(view, part);
   const char first = part.text.front();
   if (first == ',' || first == ';' || first == ')') return straySign(view, part);
+  if (looksLikeItem(part)) return itemsWithoutKeyword(view, part, scan);
   if (part.kind == PART_WORD) return unknownKeyword(view, part);
   return {{"syntax", view.placeOf(part),
            quoted(part.text) + " belongs to no statement: a statement begins with a keyword"},

@@ -142,8 +142,8 @@ std::optional<Finding> NameCauses::misspeltFigure(Position at, std::string_view 
   std::string_view figure;
   std::erase_if(parts, [&](std::string_view part) {
     if (isSameButCase(part, "vidStd")) return true;
-    if (!figure.empty() || !isFigure(part) || facts_.defined(baseName(part)) != nullptr)
-      return false;
+    const bool isName = facts_.defined(baseName(part)) != nullptr;
+    if (!figure.empty() || isName || !isFigure(part)) return false;
     figure = part;
     return true;
   });

@@ -37,12 +37,36 @@ Verdict Proof::decide(const Goal& goal, ConstantScope scope, Effort effort) {
   return verdict;
 }
 
+namespace {
+
+// Adds to a witness the index values that the goal asks about, which no parameter holds.
+void addIndexValues(const Goal& goal, HealthyResult& result) {
+  if (result.verdict != VERDICT_POSSIBLE || goal.subject->parm == nullptr) return;
+  const std::vector<const IndexDef*>& indices = goal.subject->parm->parm.indices();
+  for (size_t i = 0; i < indices.size() && i < result.indices.size(); ++i) {
+    bool isAsked = false;
+    for (const Clause& clause : goal.clauses) {
+      for (const Wish& wish : clause) {
+        forEachExpression(wish, [&](const CompiledExpression& expression) {
+          for (const VariableSource& source : expression.sources) {
+            isAsked = isAsked || (source.parm == nullptr && source.name == indices[i]->name());
+          }
+        });
+      }
+    }
+    if (isAsked) result.witness.emplace_back(indices[i]->name(), result.indices[i]);
+  }
+}
+
+}  // namespace
+
 HealthyResult Proof::findHealthy(const Goal& goal,
                                  const std::function<bool(const IndexTuple&)>& isMet) {
   HealthyResult result;
   static_cast<void>(
       ask([&] { result = ::findHealthy(goal, text_, domains_, isMet, limits_.deadline); }));
   isCutShort_ = isCutShort_ || (result.verdict == VERDICT_UNDECIDED && isOver());
+  addIndexValues(goal, result);
   return result;
 }
 

@@ -49,7 +49,8 @@ class Proof {
                     Effort effort = EFFORT_THOROUGH) {
     return decide(goal, scope, effort) == VERDICT_IMPOSSIBLE;
   }
-  /// Looks for a healthy situation, as findHealthy() of healthy.h.
+  /// Looks for a healthy situation, as findHealthy() of healthy.h. The witness has the values of
+  /// the definition's own indices as well, behind the others, where the goal asks about them.
   HealthyResult findHealthy(const Goal& goal,
                             const std::function<bool(const IndexTuple& indices)>& isMet = {});
   /// Adds `finding` with its witness where a healthy situation meets `goal`; adds it to those that

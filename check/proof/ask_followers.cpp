@@ -32,8 +32,9 @@ std::vector<std::string> valuesOf(const Domain& domain) {
 // are set in one commit: nothing depends on it, so it is judged first.
 class Follower {
  public:
-  Follower(Proof& proof, const Subject& subject)
-      : proof_(proof), database_(proof.text().database()), subject_(subject) {}
+  // `derived` is what it follows and what follows others.
+  Follower(Proof& proof, const Subject& subject, const Subject& derived)
+      : proof_(proof), database_(proof.text().database()), subject_(subject), derived_(&derived) {}
 
   void ask() {
     std::optional<Finding> finding;
@@ -41,7 +42,8 @@ class Follower {
     if (finding) {
       proof_.add(*std::move(finding));
     } else if (!isDone || !isAsked_) {
-      proof_.addUndecided(findingWith("a value that fits can be lost"));
+      proof_.addUndecided(
+          findingWith("set in one commit with others, this", "a value that fits can be lost"));
     }
   }
 
@@ -131,14 +133,41 @@ class Follower {
     static_cast<void>(commit(transaction, changes));
     const std::string left = held();
     if (left == own) return;
-    found_ = findingWith("a value that fits can be lost: here \"" + own + "\" becomes \"" + left +
-                         '"' + beforeText(start));
+    const std::string changed = '"' + std::string(baseName(change.first)) + '"';
+    derived_ = derivedFrom(database_.findNamed(change.first));
+    found_ = findingWith("set in one commit with " + changed + ", this",
+                         "a value that fits can be lost: here \"" + own + "\" becomes \"" + left +
+                             '"' + beforeText(start) + "; name " + changed + " instead of \"" +
+                             derived_->name() + '"');
     found_->witness = {change, {name_, own}};
   }
 
-  [[nodiscard]] Finding findingWith(const std::string& loss) const {
-    return {"late-follower", placeOfName(subject_),
-            "this is judged before what it follows where both are set in one commit, and " + loss};
+  [[nodiscard]] Finding findingWith(const std::string& subject, const std::string& loss) const {
+    return {"late-follower",
+            placeOfName(subject_),
+            subject + " is judged before \"" + derived_->name() + "\" has followed, and " + loss,
+            {{placeOfName(*derived_), "defined here"}}};
+  }
+
+  // What it follows and what follows `changed`.
+  [[nodiscard]] const Subject* derivedFrom(const ParmEntry* changed) const {
+    for (const VariableSource& source : subject_.parm->sources) {
+      std::set<const ParmEntry*> seen = {subject_.parm, changed};
+      if (source.parm != nullptr && source.parm != changed &&
+          follows(*source.parm, changed, seen)) {
+        return proof_.text().find(source.parm->parm.name());
+      }
+    }
+    return derived_;
+  }
+
+  static bool follows(const ParmEntry& parm, const ParmEntry* changed,
+                      std::set<const ParmEntry*>& seen) {
+    return std::any_of(parm.sources.begin(), parm.sources.end(), [&](const VariableSource& source) {
+      if (source.parm == nullptr) return false;
+      if (source.parm == changed) return true;
+      return seen.insert(source.parm).second && follows(*source.parm, changed, seen);
+    });
   }
 
   static std::string beforeText(const NamedValues& start) {
@@ -151,6 +180,7 @@ class Follower {
   Proof& proof_;
   Database& database_;
   const Subject& subject_;
+  const Subject* derived_;
   std::string name_;
   IndexTuple indices_;
   std::vector<std::string> names_;  // of what it depends on, and its own
@@ -159,14 +189,15 @@ class Follower {
   bool isAsked_ = true;  // whether no limit was passed
 };
 
-// Whether it follows a parameter that itself follows others: what is staged is seen at once, what
+// What it follows and what itself follows others, or null: what is staged is seen at once, what
 // follows from it is not.
-bool followsDerived(const Subject& subject) {
-  return std::any_of(subject.parm->sources.begin(), subject.parm->sources.end(),
-                     [&](const VariableSource& source) {
-                       return source.parm != nullptr && source.parm != subject.parm &&
-                              !source.parm->sources.empty();
-                     });
+const Subject* derivedOf(const Proof& proof, const Subject& subject) {
+  for (const VariableSource& source : subject.parm->sources) {
+    const bool isDerived =
+        source.parm != nullptr && source.parm != subject.parm && !source.parm->sources.empty();
+    if (isDerived) return proof.text().find(source.parm->parm.name());
+  }
+  return nullptr;
 }
 
 }  // namespace
@@ -177,6 +208,7 @@ void askFollowers(Proof& proof) {
         subject.parm->hasDependents() || subject.parm->parm.conditionalBounds().empty()) {
       continue;
     }
-    if (followsDerived(subject)) Follower(proof, subject).ask();
+    const Subject* const derived = derivedOf(proof, subject);
+    if (derived != nullptr) Follower(proof, subject, *derived).ask();
   }
 }

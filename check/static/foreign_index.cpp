@@ -13,19 +13,25 @@ bool lists(IndexStatement list, std::string_view name) {
   return std::ranges::find(list, name, &IndexName::name) != list.end();
 }
 
-// A value of an index, as an example; the first that is written down.
-std::string exampleOf(const NamedDefinition* index) {
-  if (index == nullptr) return "1";
+// Whether a value can be written in brackets, so that it is read as it is.
+bool isWritable(std::string_view value) {
+  constexpr std::string_view SIGNS = "[](){}\"#, \t";
+  return !value.empty() && value.find_first_of(SIGNS) == std::string_view::npos;
+}
+
+// A value of an index, as an example: the first that is written down and can be in brackets.
+std::optional<std::string> exampleOf(const NamedDefinition* index) {
+  if (index == nullptr) return std::nullopt;
   for (const RangeStatement& range : index->record->rangeValid) {
     for (const RangeItem& item : range.items) {
-      if (item.text) return std::string(*item.text);
+      if (item.text && isWritable(*item.text)) return std::string(*item.text);
       const std::span<const Token> tokens = item.lower.tokens;
       if (tokens.size() == 1 && tokens.front().kind == TOKEN_NUMBER) {
         return numberText(tokens.front().number);
       }
     }
   }
-  return "1";
+  return std::nullopt;
 }
 
 class ForeignIndexCheck {
@@ -100,9 +106,14 @@ class ForeignIndexCheck {
 
   [[nodiscard]] Result noInstance(const Reference& reference, const IndexName& missing,
                                   const std::string& whoLacks) const {
-    std::string example(reference.base);
+    std::string advice = "; write an index value, such as " + std::string(reference.base);
     for (const IndexName& index : indicesOf(*reference.named->record)) {
-      example += "[" + exampleOf(context_.find(index.name)) + "]";
+      const std::optional<std::string> value = exampleOf(context_.find(index.name));
+      if (!value) {
+        advice = "; write an index value in brackets";
+        break;
+      }
+      advice += "[" + *value + "]";
     }
     const std::string_view consequence =
         reference.figure != nullptr ? ", so this is no instance and the figure has no value"
@@ -110,8 +121,7 @@ class ForeignIndexCheck {
     return Finding{"foreign-index",
                    tokenPlace(context_.source(), *reference.token),
                    inQuotes(reference.base) + " has the index " + inQuotes(missing.name) + " and " +
-                       whoLacks + std::string(consequence) + "; write an index value, such as " +
-                       example,
+                       whoLacks + std::string(consequence) + advice,
                    {{reference.named->name, "defined here"}}};
   }
 
@@ -127,9 +137,12 @@ class ForeignIndexCheck {
       meant += "[" + otherSpelling(indices[i].name, values[i]).value_or(values[i]) + "]";
     }
     if (meant == written) return std::nullopt;
+    const bool canBeWritten = splitName(meant).indices.size() == values.size() &&
+                              std::ranges::all_of(splitName(meant).indices, isWritable);
     return Finding{"foreign-index", tokenPlace(context_.source(), *reference.token),
                    written + " is another instance than " + meant +
-                       ", as index values are compared as they are written; write " + meant};
+                       ", as index values are compared as they are written" +
+                       (canBeWritten ? "; write " + meant : "")};
   }
 
   // The value under which the index has `value`, where that is another text.

@@ -6,8 +6,11 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <regex>
 #include <set>
+#include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "check/text/finding_codes.h"
@@ -154,6 +157,87 @@ TEST(CheckPairs, ExplanationsMendWhatTheyShow) {
     EXPECT_EQ(countOf(said, std::string("[") + std::string(code.name) + "]\n"), 1U) << said;
     EXPECT_EQ(countOf(said, "]\n"), 1U) << said;
   }
+}
+
+// ---- The manual page
+
+// What roff would take for its own is escaped.
+std::string asRoff(std::string_view text) {
+  std::string escaped;
+  for (const char c : text) {
+    if (c == '\\') {
+      escaped += "\\e";
+    } else if (c == '^') {
+      escaped += "\\(ha";
+    } else {
+      escaped += c;
+    }
+  }
+  return escaped;
+}
+
+// `text` in lines of at most 80 bytes.
+std::string wrapped(const std::string& text) {
+  std::string lines;
+  size_t width = 0;
+  std::istringstream words(text);
+  for (std::string word; words >> word; width += 1 + word.size()) {
+    const bool isNew = width == 0 || width + 1 + word.size() > 80;
+    if (isNew && width > 0) lines += '\n';
+    if (isNew) width = 0;
+    lines += (isNew ? "" : " ") + word;
+  }
+  return lines + '\n';
+}
+
+// The example of a code: the wrong text, and the first line that is said of it, without its file
+// and its code.
+std::string exampleOf(const FindingCode& code) {
+  const ExplainedText wrong = explainedText(code, "Wrong");
+  if (wrong.text.empty()) return {};
+  std::string said = check(wrong).out;
+  said.erase(said.find(" [" + std::string(code.name) + "]\n"));
+  said.erase(0, said.find(".ostrel:") + std::string_view(".ostrel:").size());
+  std::string example = ".It Cm " + std::string(code.name) + "\n";
+  if (!wrong.options.empty()) example += "With\n.Ql " + wrong.options + " :\n";
+  return example + ".Bd -literal -compact\n" + asRoff(wrong.text) + ".Ed\n" + asRoff(wrapped(said));
+}
+
+TEST(CheckPairs, AreShownInTheManual) {
+  const std::string page = contentsOf(MANUAL_PAGE);
+  const size_t section = page.find("\n.Ss Examples of all codes\n");
+  ASSERT_NE(section, std::string::npos);
+  const std::string start = "\n.Bl -ohang\n";
+  const size_t from = page.find(start, section) + start.size();
+  const std::string shown = page.substr(from, page.find(".El\n", from) - from);
+  std::string expected;
+  for (const FindingCode& code : findingCodes()) expected += exampleOf(code);
+  EXPECT_EQ(shown, expected);
+}
+
+// The lines of the page that are commands, which another test plays.
+std::string commandsOf(const std::string& page) {
+  std::string commands;
+  std::istringstream lines(page);
+  for (std::string line; std::getline(lines, line);) {
+    if (line.starts_with("$ ")) commands += line + "\n";
+  }
+  return commands;
+}
+
+TEST(CheckPairs, ComeWithAnExampleOfEveryOption) {
+  const std::string commands = commandsOf(contentsOf(MANUAL_PAGE));
+  const std::string help = runProgram(OSTREL_CHECK, "--help").out;
+  const std::regex option("\n  (?:-(.), |    )--([a-z-]+)");
+  size_t count = 0;
+  for (std::sregex_iterator found(help.begin(), help.end(), option), end; found != end; ++found) {
+    ++count;
+    const std::string shortName = (*found)[1].str();
+    const bool isShown = countOf(commands, "--" + (*found)[2].str()) > 0 ||
+                         (!shortName.empty() && countOf(commands, " -" + shortName) > 0);
+    EXPECT_TRUE(isShown) << (*found)[2];
+  }
+  EXPECT_GE(count, 14U);
 }
 
 }  // namespace

@@ -84,9 +84,6 @@ NameCauses::NameCauses(const TextFacts& facts, const NamedValues& constants)
     if (record->access == ACCESS_NONE) continue;
     (record->access == ACCESS_INDEX ? indices_ : parameters_).push_back(record->name);
     addTexts(*record, texts_);
-    if (record->name.find_first_of(OPERATOR_SIGNS) != std::string_view::npos) {
-      unusable_.push_back(record);
-    }
   }
 }
 
@@ -207,21 +204,21 @@ std::optional<Finding> NameCauses::noName(Position at, std::string_view name) co
 // A defined name that no expression can name, because of a sign in it: "a-b" is read as a
 // difference. `at` is that of a part of it.
 std::optional<Finding> NameCauses::unusableName(Position at) const {
+  constexpr std::string_view ENDS = "()[]{},\" \t\r";
   const std::string_view line = facts_.source().line(at.line);
-  for (const ParameterRecord* record : unusable_) {
-    const std::string_view name = record->name;
-    for (size_t from = line.find(name); from != std::string_view::npos;
-         from = line.find(name, from + 1)) {
-      if (at.column < from || at.column >= from + name.size()) continue;
-      const std::string sign(name.substr(name.find_first_of(OPERATOR_SIGNS), 1));
-      return Finding{"undefined-name",
-                     placeAt({at.line, static_cast<uint32_t>(from)}, name.size()),
-                     "no expression can name " + quoted(name) + ", as it takes the \"" + sign +
-                         "\" for an operator: give the parameter a name without it",
-                     {{facts_.nameOf(*record), "defined here"}}};
-    }
-  }
-  return {};
+  if (at.column >= line.size()) return {};
+  const size_t before = line.find_last_of(ENDS, at.column);
+  const size_t from = before == std::string_view::npos ? 0 : before + 1;
+  const std::string_view name = line.substr(from, line.find_first_of(ENDS, at.column) - from);
+  const ParameterRecord* const record = facts_.defined(name);
+  const size_t sign = name.find_first_of(OPERATOR_SIGNS);
+  if (record == nullptr || sign == std::string_view::npos) return {};
+  return Finding{"undefined-name",
+                 placeAt({at.line, static_cast<uint32_t>(from)}, name.size()),
+                 "no expression can name " + quoted(name) + ", as it takes the \"" +
+                     std::string(name.substr(sign, 1)) +
+                     "\" for an operator: give the parameter a name without it",
+                 {{facts_.nameOf(*record), "defined here"}}};
 }
 
 Finding NameCauses::undefined(Position at, std::string_view name) {

@@ -30,8 +30,7 @@ class NameCauses {
   const NamedValues& constants_;
   std::vector<std::string_view> parameters_;
   std::vector<std::string_view> indices_;
-  std::vector<const ParameterRecord*> unusable_;  // by expressions
-  std::set<std::string_view> texts_;              // all that the text has in quotes
+  std::set<std::string_view> texts_;  // all that the text has in quotes
   std::map<std::string, std::optional<std::string>, std::less<>> known_;
   size_t comparisons_ = 0;
 };

@@ -78,9 +78,13 @@ TEST(BuildCauses, OfStatements) {
        {"6:9 error: \"vidStd::spal\" is no figure: its form is vidStd::P::F, where P is a "
         "parameter [unknown-figure]"}},
       {"ctrlRO (vidstd::standard::spal)",
-       {"6:9 error: there is no \"vidstd::standard::spal\" [unknown-figure]", "6:9 meant: vidStd"}},
+       {"6:9 error: \"vidstd::standard::spal\" is no figure: its form is vidStd::P::F, where P is "
+        "a "
+        "parameter and F is spal [unknown-figure]",
+        "6:9 meant: vidStd::standard::spal"}},
       {"ctrlRO (vidStd::standard::width)",
-       {"6:27 error: a video standard has no figure \"width\" [unknown-figure]"}},
+       {"6:27 error: a video standard has no figure \"width\": it has spal, alpf, sptl, tlpf, fr, "
+        "clkDiv, f0, f1, f0v0, f0v1, f1v0, f1v1, f0sw or f1sw [unknown-figure]"}},
       {"ctrlRO (vidStd::SOURCE::spal)",
        {"6:17 error: there is no \"SOURCE\": as a constant of the command line it is given by -D "
         "SOURCE=... [missing-constant]"}},
@@ -224,8 +228,9 @@ TEST(BuildCauses, OfConstants) {
         "1:1 note: defined here"}},
       {"a rw { ctrlRO (MODEL) }",
        {{"MODE", "1"}},
-       {"warning: nothing uses the constant \"MODE\" [unused-constant]",
-        "1:16 error: there is no \"MODEL\" [undefined-name]", "1:16 meant: MODE"}},
+       {"1:16 error: there is no \"MODEL\", and nothing uses the constant \"MODE\" of the command "
+        "line: one of the two is misspelt [undefined-name]",
+        "1:16 meant: MODE"}},
       {"a rw { rangeValid { 5..(LIMIT) } }",
        {{"LIMIT", "3"}},
        {"1:21 error: a span goes upwards: 5 is above 3 [invalid-range]"}},

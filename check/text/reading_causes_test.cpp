@@ -49,7 +49,7 @@ TEST(ReadingCauses, OfStatements) {
        {"2:12 error: the braces of \"rangeValid\" are missing: its form is rangeValid (condition) "
         "{ item, ... } [syntax]"}},
       {"rangeValid (0..9)",
-       {"3:1 error: the items of \"rangeValid\" belong in braces, the parentheses hold a "
+       {"2:12 error: the items of \"rangeValid\" belong in braces, the parentheses hold a "
         "condition: rangeValid (condition) { item, ... } [syntax]"}},
       {"rangeValid (a) (a) { 1 }",
        {"2:16 error: a statement has one condition: join two of them with \"&&\" [syntax]"}},
@@ -85,8 +85,8 @@ TEST(ReadingCauses, OfStatements) {
        {"2:9 error: the braces of \"default\" are missing: its form is default (condition) { value "
         "} [syntax]"}},
       {"default = 5",
-       {"2:9 error: the braces of \"default\" are missing: its form is default (condition) { value "
-        "} [syntax]"}},
+       {"2:9 error: there is no \"=\" behind a keyword: the form is default (condition) { value } "
+        "[syntax]"}},
       {"default { 1 };",
        {"2:14 error: there is nothing to separate with \";\" between statements [syntax]"}},
       {"default { 1 },",
@@ -163,8 +163,8 @@ TEST(ReadingCauses, OfStatements) {
        {"2:1 error: there is no statement \"max\": rangeValid, rangeDoc, ctrlRO, ctrlValid, "
         "default, valueChange or index is expected, or \"}\" [unknown-keyword]"}},
       {"\"a\"",
-       {"2:1 error: \"\"a\"\" belongs to no statement: a statement begins with a keyword "
-        "[syntax]"}},
+       {"2:1 error: there is no statement \"a\": the values of a range belong in a \"rangeValid\" "
+        "[unknown-keyword]"}},
       {"(a)", {"2:1 error: a condition belongs behind the keyword, before the braces [syntax]"}},
       {"{ 1 }",
        {"2:1 error: a statement begins with a keyword: rangeValid, rangeDoc, ctrlRO, ctrlValid, "

@@ -207,7 +207,7 @@ class StatementCause {
       return cause(
           "syntax", view_.placeOf(part),
           "there is no " + quoted(part.text) + " behind a keyword: the form is " + formText(),
-          Proposal{view_.placeOf(part), ""});
+          withoutSign(part));
     }
     if (form_.form.ends_with(')')) return bareCondition(part);
     if (form_.hasCondition && (part.text == "if" || part.text == "when")) {
@@ -229,6 +229,19 @@ class StatementCause {
       return bareCondition(part);
     }
     return bareValues(part);
+  }
+
+  // What is right in the place of a sign behind the keyword, and of a value behind it without
+  // braces.
+  [[nodiscard]] Proposal withoutSign(const TextPart& sign) const {
+    const TextPart value = view_.scanFrom(sign.end()).peek();
+    const bool isBare = value.kind == PART_WORD || value.kind == PART_QUOTED;
+    std::optional<Proposal> braces;
+    if (isBare && !value.isFirstOnLine && !isMissing(value) && !form_.form.ends_with(')')) {
+      braces = enclosed(value, endOfRest(value), "{ ", " }");
+    }
+    if (!braces) return {view_.placeOf(sign), ""};
+    return {view_.place(sign.at, value.at + braces->at.length - sign.at), braces->text};
   }
 
   // The end of what is on the line from `part` on, before a brace or a statement; without what

@@ -13,8 +13,8 @@
 #include "database/plan.h"
 #include "database/range_query.h"
 #include "database/transaction.h"
+#include "play/bring_up.h"
 #include "sw/parm/parm_name.h"
-#include "tests/support/bring_up.h"
 #include "tests/support/random_texts.h"
 
 namespace {

@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
+#include "play/bring_up.h"
 #include "tests/harness/client.h"
-#include "tests/support/bring_up.h"
 
 class BusDevice final : public DeviceClient {
  public:

@@ -1,6 +1,5 @@
-// The recipe that brings a device up, as ostrel(1) tells it, for tests. It sees the device only
-// through what a client of the bus can ask and do, so that one recipe serves the tests with a bus
-// and those without.
+// The recipe that brings a device up, as ostrel(1) tells it. It sees the device only through what a
+// client of the bus can ask and do, so that one recipe serves devices with a bus and those without.
 //
 //   BringUp recipe(client, known);  // asks for the dependencies
 //   recipe.run();                   // writes

@@ -1,0 +1,62 @@
+// A device as a session sees it: the methods of the service, with texts in and texts out.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "play/bring_up.h"
+#include "sw/parm/bounds.h"
+
+/// The constants of a definition text: values by name.
+using PlayConstants = std::map<std::string, std::string>;
+
+/// A call of a method that org.tavrel.transaction(7) describes.
+struct Call {
+  using Texts = std::vector<std::string>;
+  std::string_view method;   ///< its name there
+  uint32_t transaction = 0;  ///< the id; a method without one does not look at it
+  Texts names = {};          ///< one, or for a "_bulk" method any number
+  Texts values = {};         ///< as many, for a method that takes values
+};
+
+/// A name with its range.
+struct NamedRange {
+  std::string name;
+  std::vector<std::string> texts = {};  ///< ascending
+  Spans spans = {};                     ///< ascending
+};
+
+/// What a call gives. After an error all else is empty.
+struct Answer {
+  std::string error = {};  ///< as in org.tavrel.transaction(7), "Set failed because ..."; or empty
+  uint32_t transaction = 0;             ///< of start
+  bool isValid = false;                 ///< of is_valid, check_set and their single_ forms
+  std::vector<std::string> texts = {};  ///< values or names
+  /// Of a query for ranges; where that names no names, one range without a name.
+  std::vector<NamedRange> ranges = {};
+};
+
+/// Whatever serves the methods. One session plays with it, from its start.
+class Device {
+ public:
+  Device() = default;
+  virtual ~Device() = default;
+  Device(const Device&) = delete;
+  Device& operator=(const Device&) = delete;
+
+  /// Calls a method other than die. The texts are valid UTF-8 without NUL bytes.
+  virtual Answer call(const Call& call) = 0;
+  /// What has been announced since the last call of this function, "name=value" each, in order.
+  virtual std::vector<std::string> newChanges() = 0;
+  /// What the author of its definition text knows of it.
+  [[nodiscard]] virtual const KnownDevice& known() const = 0;
+};
+
+/// Starts a device with these constants, all of whose values are empty. Returns null where that
+/// cannot be done, and has said why on standard error. At most one lives at a time.
+using StartDevice = std::function<std::unique_ptr<Device>(const PlayConstants&)>;

@@ -31,6 +31,9 @@ struct NamedRange {
   Spans spans = {};                     ///< ascending
 };
 
+/// All values of a range, each number of a span by itself.
+std::vector<std::string> valuesOf(const NamedRange& range);
+
 /// What a call gives. After an error all else is empty.
 struct Answer {
   std::string error = {};  ///< as in org.tavrel.transaction(7), "Set failed because ..."; or empty

@@ -1,0 +1,300 @@
+#include "play/player.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "base/number.h"
+#include "play/recipe_client.h"
+#include "vid_std.h"
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+// No open transaction has it, unless there are as many as ids.
+constexpr uint32_t UNKNOWN_ID = UINT32_MAX;
+
+std::vector<std::string> standardNames() {
+  std::set<std::string_view> known;
+  std::vector<std::string> names;
+  for (const vidStd_t& standard : vidStds()) {
+    if (known.insert(standard.name).second) names.emplace_back(standard.name);
+  }
+  return names;
+}
+
+bool takesTransaction(const OperationWord& word) {
+  return !word.method.starts_with("single_") && word.method != "get_deps";
+}
+
+class Player {
+ public:
+  Player(const StartDevice& start, const PlayConstants& constants, PlayObserver& observer)
+      : start_(start), given_(constants), constants_(constants), observer_(observer) {}
+
+  std::optional<SessionError> play(const std::vector<SessionStep>& steps) {
+    playAll(steps);
+    return std::move(error_);
+  }
+
+ private:
+  void playAll(const std::vector<SessionStep>& steps) {
+    for (const SessionStep& step : steps) {
+      if (error_) return;
+      if (step.loop != nullptr) {
+        playLoop(*step.loop);
+      } else {
+        playOperation(step.operation);
+      }
+    }
+  }
+
+  void playLoop(const Loop& loop) {
+    const Texts values = listOf(loop);
+    variables_.emplace_back(loop.variable, std::string());
+    for (const std::string& value : values) {
+      if (error_ || !count(loop.place)) break;
+      variables_.back().second = value;
+      playAll(loop.body);
+    }
+    variables_.pop_back();
+  }
+
+  Texts listOf(const Loop& loop) {
+    Texts values;
+    for (const SessionWord& word : loop.list) {
+      addListed(loop, word, values);
+      if (error_) return {};
+      if (values.size() > MAX_PLAYED) {
+        fail(loop.place, "the loop has more than 1000000 values");
+        return {};
+      }
+    }
+    return values;
+  }
+
+  void addListed(const Loop& loop, const SessionWord& word, Texts& values) {
+    const bool isName = word.pieces.size() == 1 && word.pieces.front().isVariable;
+    if (isName && findVariable(word.pieces.front().text) == nullptr) {
+      addNamed(loop, word, values);
+    } else if (const std::optional<Span> span = spanOf(word)) {
+      addAll({{}, {}, {*span}}, loop, values);
+    } else {
+      values.push_back(valueOf(word));
+    }
+  }
+
+  // $standards, or the present values of an index.
+  void addNamed(const Loop& loop, const SessionWord& word, Texts& values) {
+    const std::string& name = word.pieces.front().text;
+    if (name == "standards") {
+      const Texts names = standardNames();
+      values.insert(values.end(), names.begin(), names.end());
+      return;
+    }
+    if (!startDevice(loop.place)) return;
+    if (!device_->known().indices.contains(name)) {
+      SessionPlace place = loop.place;
+      place.at = word.begin;
+      fail(place, "there is no index \"" + name + "\" that parameters have, and no such variable");
+      return;
+    }
+    const Answer answer = device_->call({"get_idx_range", idOf({}), {name}});
+    for (const NamedRange& range : answer.ranges) addAll(range, loop, values);
+  }
+
+  void addAll(const NamedRange& range, const Loop& loop, Texts& values) {
+    int64_t numbers = 0;
+    for (const auto& [low, high] : range.spans) numbers += int64_t{high} - low + 1;
+    if (numbers > static_cast<int64_t>(MAX_PLAYED)) {
+      fail(loop.place, "the loop has more than 1000000 values");
+      return;
+    }
+    const Texts all = valuesOf(range);
+    values.insert(values.end(), all.begin(), all.end());
+  }
+
+  // The span that a word such as 1..4 is.
+  static std::optional<Span> spanOf(const SessionWord& word) {
+    const std::string text = word.isQuoted() || word.hasVariable() ? std::string() : word.text();
+    const size_t dots = text.find("..");
+    if (dots == std::string::npos || dots == 0 || dots + 2 == text.size()) return {};
+    const std::optional<int32_t> low = wholeNumber(std::string_view(text).substr(0, dots));
+    const std::optional<int32_t> high = wholeNumber(std::string_view(text).substr(dots + 2));
+    if (!low || !high) return {};
+    return Span{*low, *high};
+  }
+
+  void playOperation(const Operation& operation) {
+    if (!count(operation.place)) return;
+    if (operation.word->kind != OPERATION_CONSTANTS && !startDevice(operation.place)) return;
+    const Texts arguments = valuesOf(operation.arguments);
+    std::optional<Outcome> outcome = outcomeOf(operation, arguments);
+    if (!outcome) return;
+    const bool isAsExpected = !operation.hasExpectation || isMet(operation.expected, *outcome);
+    observer_.played({operation, shownVariables(), *std::move(outcome), isAsExpected});
+  }
+
+  std::optional<Outcome> outcomeOf(const Operation& operation, const Texts& arguments) {
+    switch (operation.word->kind) {
+      case OPERATION_CALL:
+        return call(operation, arguments);
+      case OPERATION_START:
+        return open(operation);
+      case OPERATION_UP:
+        return bringUp(operation, arguments);
+      case OPERATION_CONSTANTS:
+        return takeConstants(operation, arguments);
+    }
+    return {};
+  }
+
+  Outcome call(const Operation& operation, const Texts& arguments) {
+    const OperationWord& word = *operation.word;
+    Call call = {word.method};
+    if (takesTransaction(word)) call.transaction = idOf(operation.transaction);
+    const bool hasValues = word.arguments == ARGUMENTS_PAIR || word.arguments == ARGUMENTS_PAIRS;
+    for (size_t i = 0; i < arguments.size(); ++i) {
+      (hasValues && i % 2 == 1 ? call.values : call.names).push_back(arguments[i]);
+    }
+    if (call.names.size() > 1) call.method = word.bulkMethod;
+    const Answer answer = device_->call(call);
+    return ::outcomeOf(word, answer, device_->newChanges());
+  }
+
+  // A transaction of that name that is open already ends, so that nothing stays open unseen.
+  Outcome open(const Operation& operation) {
+    const auto known = transactions_.find(operation.transaction);
+    if (known != transactions_.end()) {
+      static_cast<void>(device_->call({"end", known->second}));
+    }
+    const Answer answer = device_->call({"start"});
+    transactions_[operation.transaction] = answer.error.empty() ? answer.transaction : UNKNOWN_ID;
+    return ::outcomeOf(*operation.word, answer, {});
+  }
+
+  // The transaction without a name opens by itself.
+  uint32_t idOf(const std::string& name) {
+    const auto known = transactions_.find(name);
+    if (known != transactions_.end()) return known->second;
+    if (!name.empty()) return UNKNOWN_ID;
+    const Answer answer = device_->call({"start"});
+    const uint32_t id = answer.error.empty() ? answer.transaction : UNKNOWN_ID;
+    transactions_[name] = id;
+    return id;
+  }
+
+  Outcome bringUp(const Operation& operation, const Texts& arguments) {
+    const BroughtUp result = bringUpDevice(*device_, settingsOf(arguments));
+    if (!result.restless.empty()) {
+      Answer answer;
+      answer.error = "these never agree:";
+      for (const std::string& name : result.restless) answer.error += " " + spelledWord(name);
+      return ::outcomeOf(*operation.word, answer, {});
+    }
+    return ::outcomeOf(*operation.word, {}, linesOf(result.changes));
+  }
+
+  // With settings, the device starts anew.
+  std::optional<Outcome> takeConstants(const Operation& operation, const Texts& arguments) {
+    if (arguments.empty()) return ::outcomeOf(*operation.word, {}, linesOf(constants_));
+    constants_ = given_;
+    for (const auto& [name, value] : settingsOf(arguments)) constants_[name] = value;
+    device_.reset();
+    transactions_.clear();
+    if (!startDevice(operation.place)) return {};
+    return ::outcomeOf(*operation.word, {}, {});
+  }
+
+  static std::map<std::string, std::string> settingsOf(const Texts& arguments) {
+    std::map<std::string, std::string> settings;
+    for (const std::string& argument : arguments) {
+      const size_t sign = argument.find('=');
+      settings[argument.substr(0, sign)] = argument.substr(sign + 1);
+    }
+    return settings;
+  }
+
+  static Texts linesOf(const std::map<std::string, std::string>& values) {
+    Texts lines;
+    for (const auto& [name, value] : values) lines.push_back(name + "=" + value);
+    return lines;
+  }
+
+  bool isMet(const Expectation& expected, const Outcome& outcome) const {
+    std::vector<ExpectedWord> words;
+    for (const SessionWord& word : expected.words) {
+      words.push_back({valueOf(word), word.isQuoted()});
+    }
+    return isExpected(outcome, expected.isRefusal, words);
+  }
+
+  [[nodiscard]] const std::string* findVariable(const std::string& name) const {
+    const auto found =
+        std::ranges::find_if(variables_, [&](const auto& v) { return v.first == name; });
+    return found == variables_.end() ? nullptr : &found->second;
+  }
+
+  // The text of a word, with the values of its variables.
+  [[nodiscard]] std::string valueOf(const SessionWord& word) const {
+    std::string text;
+    for (const WordPiece& piece : word.pieces) {
+      text += piece.isVariable ? *findVariable(piece.text) : piece.text;
+    }
+    return text;
+  }
+
+  [[nodiscard]] Texts valuesOf(const std::vector<SessionWord>& words) const {
+    Texts texts;
+    for (const SessionWord& word : words) texts.push_back(valueOf(word));
+    return texts;
+  }
+  static Texts valuesOf(const NamedRange& range) { return ::valuesOf(range); }
+
+  [[nodiscard]] std::string shownVariables() const {
+    std::string text;
+    for (const auto& [name, value] : variables_) {
+      text += (text.empty() ? "" : " ") + spelledChange(name + "=" + value);
+    }
+    return text;
+  }
+
+  // Returns whether there is a device.
+  bool startDevice(const SessionPlace& place) {
+    if (device_ == nullptr) device_ = start_(constants_);
+    if (device_ == nullptr) fail(place, "the device does not start");
+    return device_ != nullptr;
+  }
+
+  // Returns whether one more may be played.
+  bool count(const SessionPlace& place) {
+    if (played_++ < MAX_PLAYED) return true;
+    fail(place, "more than 1000000 operations and rounds of loops are played");
+    return false;
+  }
+
+  void fail(const SessionPlace& place, std::string text) {
+    error_ = {place.file->name, place.line, place.at + 1, std::move(text)};
+  }
+
+  const StartDevice& start_;
+  const PlayConstants& given_;
+  PlayConstants constants_;
+  PlayObserver& observer_;
+  std::unique_ptr<Device> device_;
+  std::map<std::string, uint32_t> transactions_;  // ids by name
+  std::vector<std::pair<std::string, std::string>> variables_;
+  size_t played_ = 0;
+  std::optional<SessionError> error_;
+};
+
+}  // namespace
+
+std::optional<SessionError> playSession(const Session& session, const StartDevice& start,
+                                        const PlayConstants& constants, PlayObserver& observer) {
+  return Player(start, constants, observer).play(session.steps);
+}

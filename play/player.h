@@ -1,0 +1,36 @@
+// Plays sessions with a device.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "play/device.h"
+#include "play/outcome.h"
+#include "play/session.h"
+
+/// So many operations and rounds of loops are played in a session.
+constexpr size_t MAX_PLAYED = 1000000;
+
+/// An operation that was played. The references are those of the session.
+struct PlayedOperation {
+  const Operation& operation;
+  std::string variables;  ///< of the loops around, "s=720p/50 c=1"; empty outside of loops
+  Outcome outcome;
+  bool isAsExpected = true;  ///< also where nothing is expected
+};
+
+/// Who is told of each operation.
+class PlayObserver {
+ public:
+  PlayObserver() = default;
+  virtual ~PlayObserver() = default;
+  PlayObserver(const PlayObserver&) = delete;
+  PlayObserver& operator=(const PlayObserver&) = delete;
+  virtual void played(const PlayedOperation& operation) = 0;
+};
+
+/// Plays `session` with a device that `start` gives, from its start with `constants`; a session may
+/// ask for others. Returns what has kept it from being played to its end, if anything has. Raises
+/// std::bad_alloc where memory is exhausted.
+std::optional<SessionError> playSession(const Session& session, const StartDevice& start,
+                                        const PlayConstants& constants, PlayObserver& observer);

@@ -1,0 +1,21 @@
+// The recipe that brings a device up, for the device of a session.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "play/device.h"
+
+/// What bringUpDevice() has done.
+struct BroughtUp {
+  /// By full name, what was announced last.
+  std::map<std::string, std::string> changes = {};
+  /// The parameters that never come to rest, ascending.
+  std::vector<std::string> restless = {};
+};
+
+/// Brings `device` up in a transaction of its own, with the `lastValues` of parameters that are
+/// known from before, by full name.
+BroughtUp bringUpDevice(Device& device, const std::map<std::string, std::string>& lastValues);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <span>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -78,8 +79,9 @@ class Player {
   }
 
   void addListed(const Loop& loop, const SessionWord& word, Texts& values) {
-    const bool isName = word.pieces.size() == 1 && word.pieces.front().isVariable;
-    if (isName && findVariable(word.pieces.front().text) == nullptr) {
+    const bool isName = !word.pieces.empty() && word.pieces.front().isVariable &&
+                        findVariable(word.pieces.front().text) == nullptr;
+    if (isName) {
       addNamed(loop, word, values);
     } else if (const std::optional<Span> span = spanOf(word)) {
       addAll({{}, {}, {*span}}, loop, values);
@@ -88,22 +90,24 @@ class Player {
     }
   }
 
-  // $standards, or the present values of an index.
+  // $standards, or the present values of an index, or of a parameter's instance.
   void addNamed(const Loop& loop, const SessionWord& word, Texts& values) {
-    const std::string& name = word.pieces.front().text;
+    SessionPlace place = loop.place;
+    place.at = word.begin;
+    const std::string name = word.pieces.front().text + valueOf(word, 1);
     if (name == "standards") {
       const Texts names = standardNames();
       values.insert(values.end(), names.begin(), names.end());
       return;
     }
-    if (!startDevice(loop.place)) return;
-    if (!device_->known().indices.contains(name)) {
-      SessionPlace place = loop.place;
-      place.at = word.begin;
-      fail(place, "there is no index \"" + name + "\" that parameters have, and no such variable");
+    if (!startDevice(place)) return;
+    const bool isIndex = device_->known().indices.contains(name);
+    if (!isIndex && !device_->known().parms.contains(baseNameOf(name))) {
+      fail(place, "there is no variable, index or parameter \"" + name + "\"");
       return;
     }
-    const Answer answer = device_->call({"get_idx_range", idOf({}), {name}});
+    const Answer answer =
+        device_->call({isIndex ? "get_idx_range" : "get_range", idOf({}), {name}});
     for (const NamedRange& range : answer.ranges) addAll(range, loop, values);
   }
 
@@ -239,10 +243,10 @@ class Player {
     return found == variables_.end() ? nullptr : &found->second;
   }
 
-  // The text of a word, with the values of its variables.
-  [[nodiscard]] std::string valueOf(const SessionWord& word) const {
+  // The text of a word from its piece `first` on, with the values of its variables.
+  [[nodiscard]] std::string valueOf(const SessionWord& word, size_t first = 0) const {
     std::string text;
-    for (const WordPiece& piece : word.pieces) {
+    for (const WordPiece& piece : std::span(word.pieces).subspan(first)) {
       text += piece.isVariable ? *findVariable(piece.text) : piece.text;
     }
     return text;

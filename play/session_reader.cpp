@@ -344,13 +344,19 @@ class FileReader {
     return true;
   }
 
-  // In the list of a loop, a variable by itself may also be an index, or the standards.
+  // In the list of a loop, a word may begin with what is no variable: $standards, or the name of an
+  // index or parameter.
   void checkListed(const WordLine& line, const SessionWord& word) {
-    if (word.pieces.size() > 1) checkVariables(line, word);
+    checkVariables(line, word, std::span(word.pieces).subspan(word.pieces.empty() ? 0 : 1));
   }
 
   void checkVariables(const WordLine& line, const SessionWord& word) {
-    for (const WordPiece& piece : word.pieces) {
+    checkVariables(line, word, word.pieces);
+  }
+
+  void checkVariables(const WordLine& line, const SessionWord& word,
+                      std::span<const WordPiece> pieces) {
+    for (const WordPiece& piece : pieces) {
       if (!piece.isVariable) continue;
       if (std::ranges::find(reading_.variables, piece.text) != reading_.variables.end()) continue;
       return fail(line, word,

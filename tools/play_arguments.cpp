@@ -1,0 +1,129 @@
+#include "tools/play_arguments.h"
+
+#include <argp.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <new>
+#include <string_view>
+
+#include "check/text/nearest_word.h"
+#include "startup/version.h"
+
+// argp finds it under this name.
+const char* argp_program_version = VERSION_TEXT;
+
+namespace {
+
+enum LongOption : int { OPTION_FORMAT = 256, OPTION_UPDATE };
+
+// The groups keep their order.
+const argp_option OPTIONS[] = {
+    {"define", 'D', "NAME=VALUE", 0, "Give a constant of the definition text its value", 1},
+    {"update", OPTION_UPDATE, nullptr, 0, "Write what happens into the sessions as expected", 2},
+    {"format", OPTION_FORMAT, "text|tap|junit", 0, "The form of the report (text)", 3},
+    {"quiet", 'q', nullptr, 0, "Leave out what happens where nothing is expected", 3},
+    {}};
+
+// The vertical tab separates what is before the options from what is behind them.
+const char* const DOCUMENTATION =
+    "Play sessions with the device that DEFINITIONS define, without a bus, and compare what "
+    "happens with what the sessions expect.\n"
+    "\n"
+    "Examples:\n"
+    "  ostrel-play device.ostrel device.session\n"
+    "  ostrel-play -D MODEL=pro --format=junit device.ostrel *.session > report.xml\n"
+    "  ostrel-play --update device.ostrel new.session\n"
+    "\v"
+    "A file - is standard input. The status is 0 where all is as expected, 1 where something is "
+    "not, and 2 for a fault of the command line, of reading and writing, or of a session's text.";
+
+// Ends the process with status 2 and a message on standard error.
+void refuse(const argp_state* state, const std::string& message) {
+  argp_error(state, "%s", message.c_str());
+}
+
+void takeConstant(const std::string& argument, PlayConstants& constants, const argp_state* state) {
+  const size_t sign = argument.find('=');
+  if (sign == std::string::npos) {
+    return refuse(state, "-D " + argument + ": a value is missing; write NAME=VALUE");
+  }
+  if (sign == 0) return refuse(state, "-D " + argument + ": a name is missing; write NAME=VALUE");
+  const std::string name = argument.substr(0, sign);
+  if (!constants.emplace(name, argument.substr(sign + 1)).second) {
+    refuse(state, "-D " + argument + ": the constant \"" + name + "\" is given twice");
+  }
+}
+
+PlayFormat formatOf(std::string_view name, const argp_state* state) {
+  constexpr std::string_view NAMES[] = {"text", "tap", "junit"};
+  const auto* const found = std::ranges::find(NAMES, name);
+  if (found == std::end(NAMES)) {
+    NearestWord nearest(name);
+    nearest.offer(NAMES);
+    refuse(state, "--format is text, tap or junit, not \"" + std::string(name) + "\"" +
+                      (nearest.found() ? "; did you mean \"" + std::string(*nearest.found()) + "\"?"
+                                       : ""));
+  }
+  return static_cast<PlayFormat>(found - std::begin(NAMES));
+}
+
+void finish(const PlayArguments& arguments, const argp_state* state) {
+  if (arguments.definitions.empty()) refuse(state, "no DEFINITIONS are given");
+  if (arguments.sessions.empty()) refuse(state, "no SESSION is given; - is standard input");
+  const auto inputs = std::ranges::count(arguments.sessions, "-");
+  if (inputs + (arguments.definitions == "-" ? 1 : 0) > 1) {
+    refuse(state, "standard input is given twice");
+  }
+  if (inputs > 0 && arguments.updates) refuse(state, "standard input cannot be updated");
+}
+
+error_t takeOption(int key, const char* argument, argp_state* state) {
+  PlayArguments& arguments = *static_cast<PlayArguments*>(state->input);
+  switch (key) {
+    case 'D':
+      takeConstant(argument, arguments.constants, state);
+      return 0;
+    case OPTION_FORMAT:
+      arguments.format = formatOf(argument, state);
+      return 0;
+    case OPTION_UPDATE:
+      arguments.updates = true;
+      return 0;
+    case 'q':
+      arguments.isQuiet = true;
+      return 0;
+    case ARGP_KEY_ARG:
+      if (state->arg_num == 0) {
+        arguments.definitions = argument;
+      } else {
+        arguments.sessions.emplace_back(argument);
+      }
+      return 0;
+    case ARGP_KEY_END:
+      finish(arguments, state);
+      return 0;
+    default:
+      return ARGP_ERR_UNKNOWN;
+  }
+}
+
+// No exception goes through argp.
+error_t parseOption(int key, char* argument, argp_state* state) {
+  try {
+    return takeOption(key, argument, state);
+  } catch (const std::bad_alloc&) {
+    return ENOMEM;
+  }
+}
+
+}  // namespace
+
+PlayArguments parsePlayArguments(int argc, char** argv) {
+  argp_err_exit_status = 2;
+  PlayArguments arguments;
+  const argp parser = {OPTIONS, parseOption, "DEFINITIONS SESSION...", DOCUMENTATION, nullptr,
+                       nullptr, nullptr};
+  if (argp_parse(&parser, argc, argv, 0, nullptr, &arguments) != 0) throw std::bad_alloc();
+  return arguments;
+}

@@ -1,0 +1,23 @@
+// The command line of ostrel-play.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "play/device.h"
+#include "play/report.h"
+
+/// What the command line asks for.
+struct PlayArguments {
+  PlayConstants constants;
+  PlayFormat format = PLAY_TEXT;
+  bool isQuiet = false;               ///< no outcomes that nobody expects
+  bool updates = false;               ///< write expectations into the files
+  std::string definitions;            ///< a file; "-" is standard input
+  std::vector<std::string> sessions;  ///< files, at least one; "-" is standard input
+};
+
+/// Reads the arguments. Ends the process where that is all there is to do: with status 0 after
+/// --help, --usage and --version, with status 2 after a message for a fault of the command line.
+/// Raises std::bad_alloc where memory is exhausted.
+PlayArguments parsePlayArguments(int argc, char** argv);

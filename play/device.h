@@ -34,7 +34,7 @@ struct NamedRange {
 /// All values of a range, each number of a span by itself.
 std::vector<std::string> valuesOf(const NamedRange& range);
 
-/// What a call gives. After an error all else is empty.
+/// What a call gives. After an error only `changes` may hold something.
 struct Answer {
   std::string error = {};  ///< as in org.tavrel.transaction(7), "Set failed because ..."; or empty
   uint32_t transaction = 0;             ///< of start
@@ -42,6 +42,8 @@ struct Answer {
   std::vector<std::string> texts = {};  ///< values or names
   /// Of a query for ranges; where that names no names, one range without a name.
   std::vector<NamedRange> ranges = {};
+  /// What was announced, or of "try" would be: "name=value" each, in order.
+  std::vector<std::string> changes = {};
 };
 
 /// Whatever serves the methods. One session plays with it, from its start.
@@ -52,10 +54,9 @@ class Device {
   Device(const Device&) = delete;
   Device& operator=(const Device&) = delete;
 
-  /// Calls a method other than die. The texts are valid UTF-8 without NUL bytes.
+  /// Calls a method other than die, or "try", which says what commit would. The texts are valid
+  /// UTF-8 without NUL bytes.
   virtual Answer call(const Call& call) = 0;
-  /// What has been announced since the last call of this function, "name=value" each, in order.
-  virtual std::vector<std::string> newChanges() = 0;
   /// What the author of its definition text knows of it.
   [[nodiscard]] virtual const KnownDevice& known() const = 0;
 };

@@ -7,9 +7,11 @@
 #include <utility>
 
 #include "base/system_log.h"
+#include "database/trial.h"
 #include "deflang/text/definition_grammar.h"
 #include "deflang/text/text_pieces.h"
 #include "play/known_device.h"
+#include "sw/dbus/method_frame.h"
 #include "sw/dbus/server_methods.h"
 #include "sw/dbus/service_state.h"
 #include "sw/parm/build/make_definitions.h"
@@ -48,8 +50,15 @@ struct Serving {
   GPtrArray* spans = nullptr;
   GPtrArray* namedTexts = nullptr;
   GPtrArray* namedSpans = nullptr;
+  std::vector<TriedChange> tried = {};
   GError* error = nullptr;
 };
+
+// The bus has no such method: what commit would do, in the frame of commit.
+gboolean tryCommitOf(Serving& s) {
+  return inTransaction({"try", s.object, &s.error}, METHOD_COMMIT, s.id,
+                       [&](Transaction& transaction) { return tryCommit(transaction, s.tried); });
+}
 
 struct ServedMethod {
   std::string_view name;
@@ -60,6 +69,7 @@ struct ServedMethod {
 constexpr ServedMethod METHODS[] = {
     {"start", [](Serving& s) { return value_object_start(s.object, &s.newId, &s.error); }},
     {"commit", [](Serving& s) { return value_object_commit(s.object, s.id, &s.error); }},
+    {"try", tryCommitOf},
     {"end", [](Serving& s) { return value_object_end(s.object, s.id, &s.error); }},
     {"get",
      [](Serving& s) {
@@ -271,12 +281,11 @@ Answer takenAnswer(const Serving& served) {
   return answer;
 }
 
-Answer takenError(GError* error) {
+std::string takenError(GError* error) {
   constexpr std::string_view PREFIX = "dbus_tavrel_transaction: ";
-  Answer answer;
-  answer.error = std::string_view(error->message).substr(PREFIX.size());
+  std::string text(std::string_view(error->message).substr(PREFIX.size()));
   g_error_free(error);
-  return answer;
+  return text;
 }
 
 TextCursor::NextLine piecesOf(std::string_view text) {
@@ -321,9 +330,13 @@ class EngineDevice final : public Device {
     Serving serving(object_, call);
     const bool isDone = method->serve(serving) != FALSE;
     state_.finishCall();
-    return isDone ? takenAnswer(serving) : takenError(serving.error);
+    Answer answer = isDone ? takenAnswer(serving) : Answer{.error = takenError(serving.error)};
+    for (const TriedChange& change : serving.tried) {
+      answer.changes.push_back(change.name + "=" + change.value);
+    }
+    if (call.method != "try") answer.changes = std::exchange(changes_, {});
+    return answer;
   }
-  std::vector<std::string> newChanges() override { return std::exchange(changes_, {}); }
   [[nodiscard]] const KnownDevice& known() const override { return known_; }
 
  private:

@@ -47,6 +47,7 @@ constexpr OperationWord WORDS[] = {
      "Validate", "single_validate NAME VALUE"},
     {"start", OPERATION_START, "start", "", ARGUMENTS_TRANSACTION, OUTCOME_NONE, "Start",
      "start [TRANSACTION]"},
+    {"try", OPERATION_CALL, "try", "", ARGUMENTS_NONE, OUTCOME_CHANGES, "Commit", "try"},
     {"up", OPERATION_UP, "", "", ARGUMENTS_SETTINGS, OUTCOME_CHANGES, "", "up [NAME=VALUE...]"},
     {"validate", OPERATION_CALL, "is_valid", "", ARGUMENTS_PAIR, OUTCOME_VALID, "Validate",
      "validate NAME VALUE"},

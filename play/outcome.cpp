@@ -40,8 +40,7 @@ std::string reasonOf(std::string_view family, std::string_view error) {
   return std::string(error);
 }
 
-std::string textOf(const OperationWord& word, const Answer& answer,
-                   const std::vector<std::string>& changes) {
+std::string textOf(const OperationWord& word, const Answer& answer) {
   std::string line;
   switch (word.outcome) {
     case OUTCOME_NONE:
@@ -50,11 +49,11 @@ std::string textOf(const OperationWord& word, const Answer& answer,
       for (const std::string& text : answer.texts) addWord(line, spelledWord(text));
       break;
     case OUTCOME_VALID:
-      return answer.isValid ? "true" : "false";
+      return !answer.error.empty() ? "" : answer.isValid ? "true" : "false";
     case OUTCOME_RANGES:
       return rangesText(answer.ranges);
     case OUTCOME_CHANGES:
-      for (const std::string& change : changes) addWord(line, spelledChange(change));
+      for (const std::string& change : answer.changes) addWord(line, spelledChange(change));
       break;
   }
   return line;
@@ -75,23 +74,32 @@ bool isNumeric(const std::string& text) {
 
 }  // namespace
 
-Outcome outcomeOf(const OperationWord& word, const Answer& answer,
-                  const std::vector<std::string>& changes) {
-  Outcome outcome;
+std::string Outcome::shown() const {
+  std::string line = text;
+  if (isRefusal) addWord(line, "refused: " + reason);
+  return line;
+}
+
+Outcome outcomeOf(const OperationWord& word, const Answer& answer) {
+  Outcome outcome = {.text = textOf(word, answer)};
+  outcome.hasRanges = word.outcome == OUTCOME_RANGES;
   outcome.isRefusal = !answer.error.empty();
   outcome.error = answer.error;
-  outcome.hasRanges = word.outcome == OUTCOME_RANGES;
-  outcome.text =
-      outcome.isRefusal ? reasonOf(word.family, answer.error) : textOf(word, answer, changes);
+  if (outcome.isRefusal) outcome.reason = reasonOf(word.family, answer.error);
   return outcome;
 }
 
-bool isExpected(const Outcome& outcome, bool isRefusal, const std::vector<ExpectedWord>& words) {
-  if (outcome.isRefusal != isRefusal) return false;
+bool isExpected(const Outcome& outcome, const ExpectedOutcome& expected) {
   const auto areSame = [&](const ExpectedWord& a, const ExpectedWord& b) {
-    const bool mustBeQuotedAlike = !isRefusal && outcome.hasRanges && isNumeric(a.text);
+    const bool mustBeQuotedAlike = outcome.hasRanges && isNumeric(a.text);
     return a.text == b.text && (!mustBeQuotedAlike || a.isQuoted == b.isQuoted);
   };
-  return std::ranges::equal(wordsOf(outcome.text), words, areSame) ||
-         (isRefusal && std::ranges::equal(wordsOf(outcome.error), words, areSame));
+  const auto haveSameText = [](const ExpectedWord& a, const ExpectedWord& b) {
+    return a.text == b.text;
+  };
+  if (outcome.isRefusal != expected.isRefusal) return false;
+  if (!std::ranges::equal(wordsOf(outcome.text), expected.words, areSame)) return false;
+  return !outcome.isRefusal ||
+         std::ranges::equal(wordsOf(outcome.reason), expected.reason, haveSameText) ||
+         std::ranges::equal(wordsOf(outcome.error), expected.reason, haveSameText);
 }

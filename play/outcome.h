@@ -10,19 +10,19 @@
 
 /// What an operation gave.
 struct Outcome {
+  std::string text = {};  ///< of a refusal, what was announced all the same
   bool isRefusal = false;
-  /// Behind the arrow, a refusal's reason without "refused:"; empty where there is nothing to say.
-  std::string text = {};
-  std::string error = {};  ///< of a refusal, the whole text of the error
-  bool hasRanges = false;  ///< whether quotes tell a text from a number
+  std::string reason = {};  ///< of a refusal
+  std::string error = {};   ///< of a refusal: the whole text of the error
+  bool hasRanges = false;   ///< whether quotes tell a text from a number
 
-  /// With "refused: " before a refusal.
-  [[nodiscard]] std::string shown() const { return isRefusal ? "refused: " + text : text; }
+  /// As it is behind an arrow: a refusal is "refused: " and the reason, behind the text. Empty
+  /// where there is nothing to say.
+  [[nodiscard]] std::string shown() const;
 };
 
-/// The outcome of `word`, which was answered with `answer`, and announced `changes`.
-Outcome outcomeOf(const OperationWord& word, const Answer& answer,
-                  const std::vector<std::string>& changes);
+/// The outcome of `word`, which was answered with `answer`.
+Outcome outcomeOf(const OperationWord& word, const Answer& answer);
 
 /// A word of an expectation, whose variables have their values.
 struct ExpectedWord {
@@ -30,6 +30,13 @@ struct ExpectedWord {
   bool isQuoted = false;
 };
 
-/// Whether `outcome` is what is expected: a refusal or not, and in words the same. Of a refusal the
-/// whole text of the error will do as well.
-bool isExpected(const Outcome& outcome, bool isRefusal, const std::vector<ExpectedWord>& words);
+/// What is expected of an operation.
+struct ExpectedOutcome {
+  std::vector<ExpectedWord> words = {};
+  bool isRefusal = false;
+  std::vector<ExpectedWord> reason = {};
+};
+
+/// Whether `outcome` is as expected, word for word. Of a refusal the whole text of the error will
+/// do as well.
+bool isExpected(const Outcome& outcome, const ExpectedOutcome& expected);

@@ -167,7 +167,7 @@ class Player {
     }
     if (call.names.size() > 1) call.method = word.bulkMethod;
     const Answer answer = device_->call(call);
-    return ::outcomeOf(word, answer, device_->newChanges());
+    return ::outcomeOf(word, answer);
   }
 
   // A transaction of that name that is open already ends, so that nothing stays open unseen.
@@ -178,7 +178,7 @@ class Player {
     }
     const Answer answer = device_->call({"start"});
     transactions_[operation.transaction] = answer.error.empty() ? answer.transaction : UNKNOWN_ID;
-    return ::outcomeOf(*operation.word, answer, {});
+    return ::outcomeOf(*operation.word, answer);
   }
 
   // The transaction without a name opens by itself.
@@ -194,24 +194,21 @@ class Player {
 
   Outcome bringUp(const Operation& operation, const Texts& arguments) {
     const BroughtUp result = bringUpDevice(*device_, settingsOf(arguments));
-    if (!result.restless.empty()) {
-      Answer answer;
-      answer.error = "these never agree:";
-      for (const std::string& name : result.restless) answer.error += " " + spelledWord(name);
-      return ::outcomeOf(*operation.word, answer, {});
-    }
-    return ::outcomeOf(*operation.word, {}, linesOf(result.changes));
+    Answer answer = {.changes = linesOf(result.changes)};
+    if (!result.restless.empty()) answer.error = "these never agree:";
+    for (const std::string& name : result.restless) answer.error += " " + spelledWord(name);
+    return ::outcomeOf(*operation.word, answer);
   }
 
   // With settings, the device starts anew.
   std::optional<Outcome> takeConstants(const Operation& operation, const Texts& arguments) {
-    if (arguments.empty()) return ::outcomeOf(*operation.word, {}, linesOf(constants_));
+    if (arguments.empty()) return ::outcomeOf(*operation.word, {.changes = linesOf(constants_)});
     constants_ = given_;
     for (const auto& [name, value] : settingsOf(arguments)) constants_[name] = value;
     device_.reset();
     transactions_.clear();
     if (!startDevice(operation.place)) return {};
-    return ::outcomeOf(*operation.word, {}, {});
+    return ::outcomeOf(*operation.word, {});
   }
 
   static std::map<std::string, std::string> settingsOf(const Texts& arguments) {
@@ -230,11 +227,16 @@ class Player {
   }
 
   bool isMet(const Expectation& expected, const Outcome& outcome) const {
-    std::vector<ExpectedWord> words;
-    for (const SessionWord& word : expected.words) {
-      words.push_back({valueOf(word), word.isQuoted()});
-    }
-    return isExpected(outcome, expected.isRefusal, words);
+    return isExpected(outcome, {.words = expectedWords(expected.words),
+                                .isRefusal = expected.isRefusal,
+                                .reason = expectedWords(expected.reason)});
+  }
+
+  [[nodiscard]] std::vector<ExpectedWord> expectedWords(
+      const std::vector<SessionWord>& words) const {
+    std::vector<ExpectedWord> result;
+    for (const SessionWord& word : words) result.push_back({valueOf(word), word.isQuoted()});
+    return result;
   }
 
   [[nodiscard]] const std::string* findVariable(const std::string& name) const {

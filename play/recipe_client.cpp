@@ -44,12 +44,12 @@ class RecipeClient final : public DeviceClient {
 
  private:
   bool commit() {
-    const bool isDone = device_.call({"commit", id_}).error.empty();
-    for (const std::string& change : device_.newChanges()) {
+    const Answer answer = device_.call({"commit", id_});
+    for (const std::string& change : answer.changes) {
       const size_t sign = change.find('=');
       result_.changes[change.substr(0, sign)] = change.substr(sign + 1);
     }
-    return isDone;
+    return answer.error.empty();
   }
 
   Device& device_;

@@ -25,8 +25,9 @@ struct SessionPlace {
 
 /// What stands behind the arrow of an operation.
 struct Expectation {
-  bool isRefusal = false;               ///< "refused:", and then its reason
-  std::vector<SessionWord> words = {};  ///< without "refused:"
+  std::vector<SessionWord> words = {};
+  bool isRefusal = false;                ///< "refused:" is behind the words
+  std::vector<SessionWord> reason = {};  ///< what is behind that
 };
 
 /// A line that asks the device for something.

@@ -227,6 +227,7 @@ class FileReader {
     if (arrow != words.end() && !takeExpectation(line, {arrow, words.end()}, operation)) return;
     for (const SessionWord& word : operation.arguments) checkVariables(line, word);
     for (const SessionWord& word : operation.expected.words) checkVariables(line, word);
+    for (const SessionWord& word : operation.expected.reason) checkVariables(line, word);
     steps.push_back({std::move(operation), nullptr});
   }
 
@@ -338,9 +339,11 @@ class FileReader {
       fail(line, *second, "a second \"->\"; a value \"->\" is written in quotes");
       return false;
     }
-    operation.expected.isRefusal = !words.empty() && words.front().is("refused:");
-    if (operation.expected.isRefusal) words = words.subspan(1);
-    operation.expected.words.assign(words.begin(), words.end());
+    const auto refused =
+        std::ranges::find_if(words, [](const SessionWord& word) { return word.is("refused:"); });
+    operation.expected.words.assign(words.begin(), refused);
+    operation.expected.isRefusal = refused != words.end();
+    if (refused != words.end()) operation.expected.reason.assign(refused + 1, words.end());
     return true;
   }
 

@@ -14,6 +14,7 @@
 #include "database/range_query.h"
 #include "database/transaction.h"
 #include "play/bring_up.h"
+#include "play/known_device.h"
 #include "sw/parm/parm_name.h"
 #include "tests/support/random_texts.h"
 
@@ -73,21 +74,6 @@ class EngineClient final : public DeviceClient {
   Transaction transaction_;
 };
 
-KnownDevice known(Database& database) {
-  KnownDevice device;
-  for (const ParmEntry* entry : database.parmsInNameOrder()) {
-    const std::string& name = entry->parm.name();
-    Texts& indices = device.parms[name];
-    for (IndexEntry* index : entry->indices->own) {
-      indices.push_back(index->index->name());
-      device.indices[indices.back()] = ::indexValues(*index);
-      if (!index->isShared) device.variedIndices.insert(indices.back());
-    }
-    if (entry->parm.translations().contains("0")) device.replacingZero.insert(name);
-  }
-  return device;
-}
-
 // Every instance that there may be at one time or another.
 Texts instancesOf(Database& database) {
   Texts names;
@@ -106,7 +92,7 @@ struct Device {
   /// Of a text that was built before.
   explicit Device(std::string_view text) { EXPECT_EQ(defineOrRefuse(database, text), 0); }
 
-  void bringUp() { recipe.emplace(client, known(database)).run(); }
+  void bringUp() { recipe.emplace(client, knownDevice(database)).run(); }
   std::string value(const std::string& name) { return client.values({name}).front(); }
   // The instances that exist, as the index queries tell, and hold the empty text.
   Texts empty() {
@@ -226,9 +212,9 @@ TEST_F(BringUpTest, LetsTheLastValuesLeadToDefaultsOfTheirOwn) {
       "i index { rangeValid { 1..3 } rangeValid ( n == 0 ) { 1..3 } rangeValid ( n ) { 1..(n) } }\n"
       "gain rw { index { i } default { 5 } ctrlRO ( i == 2 ) }\n",
       {});
-  KnownDevice knownDevice = known(device.database);
-  knownDevice.lastValues = {{"gain[2]", "9"}, {"n", "3"}};
-  BringUp(device.client, knownDevice).run();
+  KnownDevice known = knownDevice(device.database);
+  known.lastValues = {{"gain[2]", "9"}, {"n", "3"}};
+  BringUp(device.client, known).run();
   EXPECT_EQ(device.client.values({"gain[1]", "gain[2]", "gain[3]", "n"}),
             (Texts{"5", "9", "5", "3"}));
   EXPECT_EQ(log(), Texts());
@@ -270,7 +256,7 @@ TEST_F(BringUpTest, FillsAFrameSynchroniserWithTwoAudioGroups) {
 std::set<std::string> valuesOfReset(Device& device, const std::string& name) {
   device.client.reset({name});
   const bool isFilled = device.value(name).empty() &&
-                        !known(device.database).replacingZero.contains(baseNameOf(name)) &&
+                        !knownDevice(device.database).replacingZero.contains(baseNameOf(name)) &&
                         device.client.allowsOnlyZero(name);
   if (isFilled) device.client.set(name, "0");
   std::set<std::string> values = {device.value(name)};

@@ -92,7 +92,7 @@ struct Device {
   /// Of a text that was built before.
   explicit Device(std::string_view text) { EXPECT_EQ(defineOrRefuse(database, text), 0); }
 
-  void bringUp() { recipe.emplace(client, knownDevice(database)).run(); }
+  void bringUp() { recipe.emplace(client, *knownDevice(database)).run(); }
   std::string value(const std::string& name) { return client.values({name}).front(); }
   // The instances that exist, as the index queries tell, and hold the empty text.
   Texts empty() {
@@ -212,7 +212,7 @@ TEST_F(BringUpTest, LetsTheLastValuesLeadToDefaultsOfTheirOwn) {
       "i index { rangeValid { 1..3 } rangeValid ( n == 0 ) { 1..3 } rangeValid ( n ) { 1..(n) } }\n"
       "gain rw { index { i } default { 5 } ctrlRO ( i == 2 ) }\n",
       {});
-  KnownDevice known = knownDevice(device.database);
+  KnownDevice known = *knownDevice(device.database);
   known.lastValues = {{"gain[2]", "9"}, {"n", "3"}};
   BringUp(device.client, known).run();
   EXPECT_EQ(device.client.values({"gain[1]", "gain[2]", "gain[3]", "n"}),
@@ -256,7 +256,7 @@ TEST_F(BringUpTest, FillsAFrameSynchroniserWithTwoAudioGroups) {
 std::set<std::string> valuesOfReset(Device& device, const std::string& name) {
   device.client.reset({name});
   const bool isFilled = device.value(name).empty() &&
-                        !knownDevice(device.database).replacingZero.contains(baseNameOf(name)) &&
+                        !knownDevice(device.database)->replacingZero.contains(baseNameOf(name)) &&
                         device.client.allowsOnlyZero(name);
   if (isFilled) device.client.set(name, "0");
   std::set<std::string> values = {device.value(name)};

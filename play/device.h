@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,6 +30,9 @@ struct NamedRange {
   std::string name;
   std::vector<std::string> texts = {};  ///< ascending
   Spans spans = {};                     ///< ascending
+
+  /// Whether every value is allowed.
+  [[nodiscard]] bool isOpen() const { return texts.empty() && spans.empty(); }
 };
 
 /// All values of a range, each number of a span by itself.
@@ -57,8 +61,9 @@ class Device {
   /// Calls a method other than die, or "try", which says what commit would. The texts are valid
   /// UTF-8 without NUL bytes.
   virtual Answer call(const Call& call) = 0;
-  /// What the author of its definition text knows of it.
-  [[nodiscard]] virtual const KnownDevice& known() const = 0;
+  /// What the author of its definition text knows of it, without any last values; nullopt where it
+  /// may have more than MAX_KNOWN_INSTANCES.
+  virtual std::optional<KnownDevice> known() = 0;
 };
 
 /// Starts a device with these constants, all of whose values are empty. Returns null where that

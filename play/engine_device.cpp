@@ -319,9 +319,7 @@ class EngineDevice final : public Device {
   bool define(std::string_view text) {
     DefinitionText definitions;
     if (readDefinitionText(piecesOf(text), definitions) != PARSE_DONE) return false;
-    if (makeDefinitions(false, definitions, database_) != 0) return false;
-    known_ = knownDevice(database_);
-    return true;
+    return makeDefinitions(false, definitions, database_) == 0;
   }
 
   Answer call(const Call& call) override {
@@ -337,7 +335,7 @@ class EngineDevice final : public Device {
     if (call.method != "try") answer.changes = std::exchange(changes_, {});
     return answer;
   }
-  [[nodiscard]] const KnownDevice& known() const override { return known_; }
+  std::optional<KnownDevice> known() override { return knownDevice(database_); }
 
  private:
   static void note(ValueObject* /*object*/, char** changes, EngineDevice* device) {
@@ -348,7 +346,6 @@ class EngineDevice final : public Device {
   Database database_;
   ServiceState state_{database_};
   ValueObject* object_;
-  KnownDevice known_;
   std::vector<std::string> changes_;
 };
 

@@ -1,12 +1,29 @@
 #include "play/known_device.h"
 
 #include <string>
+#include <vector>
 
 #include "database/index_values.h"
 
-KnownDevice knownDevice(Database& database) {
+namespace {
+
+bool isTooLarge(const std::vector<ParmEntry*>& parms) {
+  uint64_t room = MAX_KNOWN_INSTANCES;
+  for (const ParmEntry* entry : parms) {
+    const uint64_t count = countInstances(entry->parm);
+    if (count > room) return true;
+    room -= count;
+  }
+  return false;
+}
+
+}  // namespace
+
+std::optional<KnownDevice> knownDevice(Database& database) {
+  const std::vector<ParmEntry*> parms = database.parmsInNameOrder();
+  if (isTooLarge(parms)) return {};
   KnownDevice device;
-  for (const ParmEntry* entry : database.parmsInNameOrder()) {
+  for (const ParmEntry* entry : parms) {
     const std::string& name = entry->parm.name();
     KnownDevice::Names& indices = device.parms[name];
     for (IndexEntry* index : entry->indices->own) {

@@ -101,13 +101,17 @@ class Player {
       return;
     }
     if (!startDevice(place)) return;
-    const bool isIndex = device_->known().indices.contains(name);
-    if (!isIndex && !device_->known().parms.contains(baseNameOf(name))) {
-      fail(place, "there is no variable, index or parameter \"" + name + "\"");
-      return;
+    Answer answer = device_->call({"get_idx_range", idOf({}), {name}});
+    const bool isParm = answer.error.ends_with("index not found");
+    if (isParm) {
+      answer = device_->call({"get_range", idOf({}), {name}});
+      if (answer.error.ends_with("(1)")) {
+        return fail(place, "there is no variable, index or parameter instance \"" + name + "\"");
+      }
     }
-    const Answer answer =
-        device_->call({isIndex ? "get_idx_range" : "get_range", idOf({}), {name}});
+    const bool isOpen = !answer.ranges.empty() && answer.ranges.front().isOpen();
+    if (isOpen && isParm) return fail(place, "\"" + name + "\" may have any value");
+    // What does not exist now has no values.
     for (const NamedRange& range : answer.ranges) addAll(range, loop, values);
   }
 
@@ -193,7 +197,12 @@ class Player {
   }
 
   Outcome bringUp(const Operation& operation, const Texts& arguments) {
-    const BroughtUp result = bringUpDevice(*device_, settingsOf(arguments));
+    std::optional<KnownDevice> known = device_->known();
+    if (!known) {
+      return ::outcomeOf(*operation.word, {.error = "the device has more than 1000000 instances"});
+    }
+    known->lastValues = settingsOf(arguments);
+    const BroughtUp result = bringUpDevice(*device_, *std::move(known));
     Answer answer = {.changes = linesOf(result.changes)};
     if (!result.restless.empty()) answer.error = "these never agree:";
     for (const std::string& name : result.restless) answer.error += " " + spelledWord(name);

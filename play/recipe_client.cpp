@@ -59,11 +59,9 @@ class RecipeClient final : public DeviceClient {
 
 }  // namespace
 
-BroughtUp bringUpDevice(Device& device, const std::map<std::string, std::string>& lastValues) {
+BroughtUp bringUpDevice(Device& device, KnownDevice known) {
   BroughtUp result;
   RecipeClient client(device, result);
-  KnownDevice known = device.known();
-  known.lastValues = lastValues;
   BringUp recipe(client, std::move(known));
   recipe.run();
   result.restless.assign(recipe.restless().begin(), recipe.restless().end());

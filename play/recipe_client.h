@@ -16,6 +16,5 @@ struct BroughtUp {
   std::vector<std::string> restless = {};
 };
 
-/// Brings `device` up in a transaction of its own, with the `lastValues` of parameters that are
-/// known from before, by full name.
-BroughtUp bringUpDevice(Device& device, const std::map<std::string, std::string>& lastValues);
+/// Brings `device` up in a transaction of its own. `known` is what is known of it.
+BroughtUp bringUpDevice(Device& device, KnownDevice known);

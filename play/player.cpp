@@ -56,13 +56,14 @@ class Player {
 
   void playLoop(const Loop& loop) {
     const Texts values = listOf(loop);
-    variables_.emplace_back(loop.variable, std::string());
-    for (const std::string& value : values) {
+    const size_t outer = variables_.size();
+    for (const std::string& name : loop.variables) variables_.emplace_back(name, std::string());
+    for (auto value = values.begin(); value != values.end();) {
       if (error_ || !count(loop.place)) break;
-      variables_.back().second = value;
+      for (size_t i = outer; i < variables_.size(); ++i) variables_[i].second = *value++;
       playAll(loop.body);
     }
-    variables_.pop_back();
+    variables_.resize(outer);
   }
 
   Texts listOf(const Loop& loop) {
@@ -74,6 +75,12 @@ class Player {
         fail(loop.place, "the loop has more than 1000000 values");
         return {};
       }
+    }
+    const size_t together = loop.variables.size();
+    if (values.size() % together != 0) {
+      fail(loop.place, std::to_string(values.size()) + " values are no whole rounds of " +
+                           std::to_string(together));
+      return {};
     }
     return values;
   }

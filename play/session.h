@@ -53,10 +53,11 @@ struct SessionStep {
   std::unique_ptr<Loop> loop = {};
 };
 
-/// Steps that are repeated with each value of a list.
+/// Steps that are repeated with each value of a list, or, where there are several variables, with
+/// as many of its values at a time.
 struct Loop {
-  std::string variable;
-  std::vector<SessionWord> list;  ///< at least one
+  std::vector<std::string> variables;  ///< at least one
+  std::vector<SessionWord> list;       ///< at least one
   std::vector<SessionStep> body;
   SessionPlace place;  ///< of "for"
 };

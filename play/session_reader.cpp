@@ -134,21 +134,20 @@ class FileReader {
     }
   }
 
-  // for VARIABLE in LIST: [STATEMENT]
+  // for VARIABLE... in VALUE...: [STATEMENT]
   void readLoop(const WordLine& line, std::span<const SessionWord> words,
                 std::vector<SessionStep>& steps) {
-    constexpr const char* USAGE = "a loop is written \"for NAME in VALUES: ...\"";
     auto loop = std::make_unique<Loop>();
     loop->place = placeOf(line, words.front());
-    if (words.size() < 4 || !words[2].is("in")) return fail(line, words.back(), USAGE);
-    loop->variable = words[1].text();
-    if (!isVariableName(words[1])) {
-      return fail(line, words[1], "the name of a loop variable has letters, digits and \"_\" only");
+    const auto in =
+        std::ranges::find_if(words, [](const SessionWord& word) { return word.is("in"); });
+    if (in - words.begin() < 2 || in == words.end() || in + 1 == words.end()) {
+      return fail(line, words.back(), "a loop is written \"for NAME in VALUES: ...\"");
     }
-    if (std::ranges::find(reading_.variables, loop->variable) != reading_.variables.end()) {
-      return fail(line, words[1], inQuotes(loop->variable) + " is the variable of a loop around");
+    for (auto word = words.begin() + 1; word != in; ++word) {
+      if (!takeVariable(line, *word, *loop)) return;
     }
-    words = words.subspan(3);
+    words = {in + 1, words.end()};
     const auto last = std::ranges::find_if(words, &SessionWord::endsWithColon);
     if (last == words.end()) return fail(line, words.back(), "the values of a loop end with \":\"");
     const size_t count = static_cast<size_t>(last - words.begin()) + 1;
@@ -158,11 +157,29 @@ class FileReader {
     if (loop->list.empty()) return fail(line, *last, "a loop has at least one value");
     for (const SessionWord& word : loop->list) checkListed(line, word);
     if (!enter(line, words.front())) return;
-    reading_.variables.push_back(loop->variable);
+    std::vector<std::string>& open = reading_.variables;
+    open.insert(open.end(), loop->variables.begin(), loop->variables.end());
     readBody(line, words.subspan(count), *loop);
-    reading_.variables.pop_back();
+    open.resize(open.size() - loop->variables.size());
     --reading_.depth;
     steps.push_back({{}, std::move(loop)});
+  }
+
+  bool takeVariable(const WordLine& line, const SessionWord& word, Loop& loop) {
+    const std::string name = word.text();
+    const auto isTaken = [&](const std::vector<std::string>& names) {
+      return std::ranges::find(names, name) != names.end();
+    };
+    if (!isVariableName(word)) {
+      fail(line, word, "the name of a loop variable has letters, digits and \"_\" only");
+      return false;
+    }
+    if (isTaken(reading_.variables) || isTaken(loop.variables)) {
+      fail(line, word, "there is a loop variable " + inQuotes(name) + " already");
+      return false;
+    }
+    loop.variables.push_back(name);
+    return true;
   }
 
   void readBody(const WordLine& line, std::span<const SessionWord> rest, Loop& loop) {

@@ -38,7 +38,7 @@ struct NamedRange {
 /// All values of a range, each number of a span by itself.
 std::vector<std::string> valuesOf(const NamedRange& range);
 
-/// What a call gives. After an error only `changes` may hold something.
+/// What a call gives. After an error only `changes` and `log` may hold something.
 struct Answer {
   std::string error = {};  ///< as in org.tavrel.transaction(7), "Set failed because ..."; or empty
   uint32_t transaction = 0;             ///< of start
@@ -48,6 +48,8 @@ struct Answer {
   std::vector<NamedRange> ranges = {};
   /// What was announced, or of "try" would be: "name=value" each, in order.
   std::vector<std::string> changes = {};
+  /// What the system log got, where the device knows.
+  std::vector<std::string> log = {};
 };
 
 /// Whatever serves the methods. One session plays with it, from its start.

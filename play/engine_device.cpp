@@ -333,6 +333,7 @@ class EngineDevice final : public Device {
       answer.changes.push_back(change.name + "=" + change.value);
     }
     if (call.method != "try") answer.changes = std::exchange(changes_, {});
+    answer.log = std::exchange(logLines_, {});
     return answer;
   }
   std::optional<KnownDevice> known() override { return knownDevice(database_); }
@@ -342,7 +343,8 @@ class EngineDevice final : public Device {
     device->changes_.insert(device->changes_.end(), changes, changes + g_strv_length(changes));
   }
 
-  LogRedirection log_{[](const std::string& /*line*/) {}};
+  std::vector<std::string> logLines_;
+  LogRedirection log_{[this](const std::string& line) { logLines_.push_back(line); }};
   Database database_;
   ServiceState state_{database_};
   ValueObject* object_;

@@ -85,6 +85,7 @@ Outcome outcomeOf(const OperationWord& word, const Answer& answer) {
   outcome.hasRanges = word.outcome == OUTCOME_RANGES;
   outcome.isRefusal = !answer.error.empty();
   outcome.error = answer.error;
+  outcome.log = answer.log;
   if (outcome.isRefusal) outcome.reason = reasonOf(word.family, answer.error);
   return outcome;
 }

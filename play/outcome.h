@@ -12,9 +12,10 @@
 struct Outcome {
   std::string text = {};  ///< of a refusal, what was announced all the same
   bool isRefusal = false;
-  std::string reason = {};  ///< of a refusal
-  std::string error = {};   ///< of a refusal: the whole text of the error
-  bool hasRanges = false;   ///< whether quotes tell a text from a number
+  std::string reason = {};            ///< of a refusal
+  std::string error = {};             ///< of a refusal: the whole text of the error
+  bool hasRanges = false;             ///< whether quotes tell a text from a number
+  std::vector<std::string> log = {};  ///< what the system log got
 
   /// As it is behind an arrow: a refusal is "refused: " and the reason, behind the text. Empty
   /// where there is nothing to say.

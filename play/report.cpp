@@ -40,7 +40,7 @@ class TextReport final : public PlayReport {
  public:
   TextReport(bool isQuiet, std::FILE* out) : isQuiet_(isQuiet), out_(out) {}
 
-  void begin(const std::string& name) override { name_ = name; }
+  void begin(const std::string& /*name*/) override {}
   void played(const PlayedOperation& played) override {
     note(played);
     const Operation& operation = played.operation;
@@ -50,8 +50,10 @@ class TextReport final : public PlayReport {
       if (!played.variables.empty()) heading += " with " + played.variables;
       print(out_, heading + "\n-" + printable(lineOf(operation)) + "\n+" +
                       printable(lineWith(operation, outcome)) + "\n");
+      printLog(played.outcome);
     } else if (!operation.hasExpectation && !outcome.empty() && !isQuiet_) {
       print(out_, titleText(played) + " -> " + outcome + "\n");
+      printLog(played.outcome);
     }
   }
   void failed(const std::string& error) override {
@@ -62,9 +64,14 @@ class TextReport final : public PlayReport {
   void finish() override {}
 
  private:
+  // Why the device has refused what.
+  void printLog(const Outcome& outcome) {
+    if (!outcome.isRefusal) return;
+    for (const std::string& line : outcome.log) print(out_, "  " + printable(line) + "\n");
+  }
+
   const bool isQuiet_;
   std::FILE* const out_;
-  std::string name_;
 };
 
 // What TAP and JUnit know of a test.

@@ -14,10 +14,11 @@ std::string_view operationText(const Operation& operation) {
   return lineOf(operation).substr(operation.place.at, operation.end - operation.place.at);
 }
 
-std::string lineWith(const Operation& operation, std::string_view outcome) {
+std::string lineWith(const Operation& operation, std::string_view outcome, size_t column) {
   std::string line(lineOf(operation));
   if (!operation.hasExpectation) {
-    return line.insert(operation.end, std::string(" -> ").append(outcome));
+    const size_t blanks = std::max(column, operation.end + 1) - operation.end;
+    return line.insert(operation.end, std::string(blanks, ' ').append("-> ").append(outcome));
   }
   const bool isEmpty = operation.expectedBegin == operation.expectedEnd;
   const size_t begin = isEmpty || outcome.empty() ? operation.arrow : operation.expectedBegin;

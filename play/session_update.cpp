@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <utility>
 
 #include "play/session_line.h"
 
@@ -50,6 +51,13 @@ class NewFile {
   bool isKept_ = false;
 };
 
+constexpr size_t ARROW_BYTES = 2;
+
+// The operation to which those behind `next` are aligned, where it was `before`.
+const Operation* alignedTo(const Operation* before, const Operation& next) {
+  return next.hasExpectation ? &next : before;
+}
+
 struct Free {
   void operator()(char* text) const { free(text); }
 };
@@ -78,10 +86,12 @@ std::vector<UpdatedFile> SessionUpdate::files() const {
   std::vector<UpdatedFile> files;
   size_t copied = 0;  // of the present file's old text
   const std::string* text = nullptr;
+  const Operation* before = nullptr;  // with an arrow, to which new ones are aligned
   const auto finish = [&] {
     if (text != nullptr) files.back().text.append(*text, copied);
   };
   for (const auto& [where, seen] : seen_) {
+    const Operation* const last = std::exchange(before, alignedTo(before, *seen.operation));
     if (!isNew(seen)) continue;
     if (files.empty() || files.back().name != where.first) {
       finish();
@@ -91,7 +101,9 @@ std::vector<UpdatedFile> SessionUpdate::files() const {
     }
     const size_t begin = seen.operation->place.begin;
     files.back().text.append(*text, copied, begin - copied);
-    files.back().text += lineWith(*seen.operation, seen.outcome);
+    const bool isAligned = last != nullptr && last->place.file->name == where.first;
+    files.back().text +=
+        lineWith(*seen.operation, seen.outcome, isAligned ? last->arrow - ARROW_BYTES : 0);
     copied = begin + lineOf(*seen.operation).size();
   }
   finish();

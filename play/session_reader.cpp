@@ -49,7 +49,6 @@ struct Reading {
   std::vector<std::string> variables = {};  // of the loops that are open
   std::set<std::string> transactions = {};  // those that were started
   size_t depth = 0;
-  size_t lines = 0;
 };
 
 class FileReader {
@@ -71,10 +70,6 @@ class FileReader {
     size_t number = 0;
     for (size_t begin = 0; begin < text.size();) {
       const size_t newline = std::min(text.find('\n', begin), text.size());
-      if (++reading_.lines > MAX_SESSION_LINES) {
-        failAt({file_, number + 1, begin, 0}, "the session has more than 1000000 lines");
-        return;
-      }
       addLine(text.substr(begin, newline - begin), ++number, begin);
       begin = newline + 1;
     }
@@ -206,6 +201,9 @@ class FileReader {
       std::string ring = "the files include each other: ";
       for (auto file = open; file != reading_.openFiles.end(); ++file) ring += *file + " -> ";
       return fail(line, words[1], ring + name);
+    }
+    if (reading_.session.files.size() == MAX_SESSION_FILES) {
+      return fail(line, words[1], "the session has more than 1000 files");
     }
     std::string text;
     const int error = reading_.readFile(name, text);

@@ -12,8 +12,8 @@ using ReadSessionFile = std::function<int(const std::string& name, std::string& 
 
 /// So many loops and included files may be within each other.
 constexpr size_t MAX_SESSION_DEPTH = 32;
-/// So many lines a session may have, with all that it includes.
-constexpr size_t MAX_SESSION_LINES = 1000000;
+/// So many files a session may be made of; one that is included twice counts twice.
+constexpr size_t MAX_SESSION_FILES = 1000;
 
 /// Reads the session `text`, which is that of the file `name`, and what it includes, into
 /// `session`, which is empty before. `errors` gets what is wrong, in order, one for each line; the

@@ -1,0 +1,202 @@
+#include "play/player.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "play/engine_device.h"
+#include "play/session_line.h"
+#include "play/session_reader.h"
+#include "vid_std.h"
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+const char* const PICTURE =
+    "mode rw { rangeValid { \"1080i/50\", \"720p/50\" } default { \"1080i/50\" } }\n"
+    "channel index { rangeValid { 1..2 } }\n"
+    "position rw { index { channel } rangeValid { 0..(vidStd::mode::spal - 1) } default { 960 } }\n"
+    "title rw { }\n";
+
+// What was played, a line each: "3 c=1: set a 1 -> refused: ...", with a "!" in front where it is
+// not as expected.
+class Lines final : public PlayObserver {
+ public:
+  void played(const PlayedOperation& played) override {
+    std::string line = played.isAsExpected ? "" : "!";
+    line += std::to_string(played.operation.place.line);
+    if (!played.variables.empty()) line += " " + played.variables;
+    line += ": " + std::string(operationText(played.operation));
+    const std::string outcome = played.outcome.shown();
+    lines.push_back(line + (outcome.empty() ? "" : " -> " + outcome));
+  }
+
+  Texts lines;
+};
+
+Texts play(const std::string& text, const char* definitions = PICTURE,
+           const PlayConstants& constants = {}) {
+  initVidStdTables();
+  Session session;
+  std::vector<SessionError> errors;
+  const auto readFile = [](const std::string&, std::string&) { return 1; };
+  readSession("s", text, readFile, session, errors);
+  for (const SessionError& error : errors) ADD_FAILURE() << shownError(error);
+  const StartDevice start = [&](const PlayConstants& given) {
+    return startEngineDevice(definitions, given);
+  };
+  Lines played;
+  const std::optional<SessionError> error = playSession(session, start, constants, played);
+  if (error) played.lines.push_back(shownError(*error));
+  return played.lines;
+}
+
+TEST(Player, ComparesOutcomes) {
+  const struct {
+    const char* operation;
+    const char* line;
+  } cases[] = {
+      {"single_get mode -> 1080i/50", "2: single_get mode -> 1080i/50"},
+      {"single_get mode -> \"1080i/50\"", "2: single_get mode -> 1080i/50"},
+      {"single_get mode -> 1080i", "!2: single_get mode -> 1080i/50"},
+      {"single_get mode ->", "!2: single_get mode -> 1080i/50"},
+      {"single_get mode", "2: single_get mode -> 1080i/50"},
+      {"single_get title -> \"\"", "2: single_get title -> \"\""},
+      {"single_get title ->", "!2: single_get title -> \"\""},
+      {"single_set title \"a b\" -> title=\"a b\"", "2: single_set title \"a b\" -> title=\"a b\""},
+      {"single_set title \"a b\" -> title=a b", "!2: single_set title \"a b\" -> title=\"a b\""},
+      {"range position[1] -> 0..1919", "2: range position[1] -> 0..1919"},
+      {"range position[1] -> \"0..1919\"", "!2: range position[1] -> 0..1919"},
+      {"range position[1] -> 0..1919 1920", "!2: range position[1] -> 0..1919"},
+      {"range mode -> 1080i/50 720p/50", "2: range mode -> \"1080i/50\" \"720p/50\""},
+      {"range title ->", "2: range title"},
+      {"set mode x -> refused: parameter value is invalid",
+       "2: set mode x -> refused: parameter value is invalid"},
+      {"set mode x -> refused: Set failed because parameter value is invalid",
+       "2: set mode x -> refused: parameter value is invalid"},
+      {"set mode x -> refused: parameter name is invalid",
+       "!2: set mode x -> refused: parameter value is invalid"},
+      {"set mode x -> refused:", "!2: set mode x -> refused: parameter value is invalid"},
+      {"set mode x ->", "!2: set mode x -> refused: parameter value is invalid"},
+      {"set mode x", "2: set mode x -> refused: parameter value is invalid"},
+      {"set mode 720p/50 -> refused: parameter value is invalid", "!2: set mode 720p/50"},
+      {"validate mode x -> false", "2: validate mode x -> false"},
+      {"commit -> mode=720p/50", "!2: commit"},
+  };
+  for (const auto& c : cases) {
+    const Texts lines = play(std::string("up\n") + c.operation);
+    ASSERT_EQ(lines.size(), 2U) << c.operation;
+    EXPECT_EQ(lines.back(), c.line) << c.operation;
+  }
+}
+
+// "5" the text and 5 the number are two things in a range, and only there.
+TEST(Player, TellsTextsFromNumbersInRanges) {
+  const char* const definitions = "a rw { rangeValid { (1 + 4), \"7\" } } b rw { }";
+  EXPECT_EQ(play("set b 1\nrange a -> 5 \"7\"\nrange a -> \"5\" \"7\"\nrange a -> 5 7\n"
+                 "get b -> \"1\"",
+                 definitions),
+            (Texts{"1: set b 1", "2: range a -> 5 \"7\"", "!3: range a -> 5 \"7\"",
+                   "!4: range a -> 5 \"7\"", "5: get b -> 1"}));
+}
+
+TEST(Player, RepeatsLoops) {
+  EXPECT_EQ(play("for t in a \"b c\": single_set title $t"),
+            (Texts{"1 t=a: single_set title $t -> title=a",
+                   "1 t=\"b c\": single_set title $t -> title=\"b c\""}));
+  EXPECT_EQ(play("up\nfor c in $channel: get position[$c] -> 960"),
+            (Texts{"1: up -> mode=1080i/50 position[1]=960 position[2]=960 title=",
+                   "2 c=1: get position[$c] -> 960", "2 c=2: get position[$c] -> 960"}));
+  EXPECT_EQ(
+      play("for m in $mode: validate mode $m"),
+      (Texts{"1 m=1080i/50: validate mode $m -> true", "1 m=720p/50: validate mode $m -> true"}));
+  EXPECT_EQ(play("for a b in 1..2 x y:\n  for c in 3 -1..0:\n    set title $a${b}$c"),
+            (Texts{"3 a=1 b=2 c=3: set title $a${b}$c", "3 a=1 b=2 c=-1: set title $a${b}$c",
+                   "3 a=1 b=2 c=0: set title $a${b}$c", "3 a=x b=y c=3: set title $a${b}$c",
+                   "3 a=x b=y c=-1: set title $a${b}$c", "3 a=x b=y c=0: set title $a${b}$c"}));
+  // What is staged decides as well, and a span in quotes is a text.
+  EXPECT_EQ(play("set mode 720p/50\nfor p in \"1..2\": validate position[1] $p"),
+            (Texts{"1: set mode 720p/50", "2 p=1..2: validate position[1] $p -> true"}));
+  std::set<std::string> standards;
+  for (const vidStd_t& standard : vidStds()) standards.insert(standard.name);
+  EXPECT_EQ(play("for s in $standards: set title $s").size(), standards.size());
+}
+
+TEST(Player, SaysWhyALoopHasNoValues) {
+  const struct {
+    const char* text;
+    const char* error;
+  } cases[] = {
+      {"for x in $nobody: up",
+       "s:1:10: there is no variable, index or parameter instance \"nobody\""},
+      {"for x in $position[7]: up",
+       "s:1:10: there is no variable, index or parameter instance \"position[7]\""},
+      {"for x in $position: up",
+       "s:1:10: there is no variable, index or parameter instance \"position\""},
+      {"for x in $title: up", "s:1:10: \"title\" may have any value"},
+      {"for x y in 1 2 3: up", "s:1:1: 3 values are no whole rounds of 2"},
+      {"for x in 1..1000001: up", "s:1:1: the loop has more than 1000000 values"},
+      {"for x in -2147483648..2147483647: up", "s:1:1: the loop has more than 1000000 values"},
+  };
+  for (const auto& c : cases) {
+    const Texts lines = play(c.text);
+    EXPECT_EQ(lines.empty() ? "" : lines.front(), c.error) << c.text;
+  }
+}
+
+TEST(Player, PlaysNoMoreThanAPersonWaitsFor) {
+  const Texts lines =
+      play("for a in 1..1000:\n  for b in 1..1000:\n    for c in 1..1000: constants");
+  ASSERT_FALSE(lines.empty());
+  EXPECT_EQ(lines.back(), "s:3:23: more than 1000000 operations and rounds of loops are played");
+}
+
+TEST(Player, HasTransactionsByName) {
+  EXPECT_EQ(play("set title a\nget title -> a\nstart b\nb: get title -> \"\"\nb: set title b\n"
+                 "commit -> title=a\nb: commit -> title=b\nend b\n"
+                 "b: commit -> refused: invalid transaction id\nset title c\nstart\ncommit ->"),
+            (Texts{"1: set title a", "2: get title -> a", "3: start b", "4: b: get title -> \"\"",
+                   "5: b: set title b", "6: commit -> title=a", "7: b: commit -> title=b",
+                   "8: end b", "9: b: commit -> refused: invalid transaction id", "10: set title c",
+                   "11: start", "12: commit"}));
+}
+
+TEST(Player, StartsTheDeviceAnewWithConstants) {
+  const char* const definitions = "a rw { rangeValid { 1..(TOP) } default { (TOP) } }";
+  EXPECT_EQ(play("constants\nup\nconstants TOP=3 MORE=\"x y\"\nget a\nup\nconstants", definitions,
+                 {{"TOP", "9"}}),
+            (Texts{"1: constants -> TOP=9", "2: up -> a=9", "3: constants TOP=3 MORE=\"x y\"",
+                   "4: get a -> \"\"", "5: up -> a=3", "6: constants -> MORE=\"x y\" TOP=3"}));
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(play("constants TOP=3\nup\nconstants TOP=0\nup", definitions),
+            (Texts{"1: constants TOP=3", "2: up -> a=3", "s:3:1: the device does not start"}));
+  EXPECT_NE(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST(Player, BringsTheDeviceUp) {
+  EXPECT_EQ(play("up position[2]=50 title=\"as it was\""),
+            (Texts{"1: up position[2]=50 title=\"as it was\" -> mode=1080i/50 position[1]=960 "
+                   "position[2]=50 title=\"as it was\""}));
+  EXPECT_EQ(play("up", "a rw { default { (a + 1) } }\nb rw { default { 3 } }").front().substr(0, 8),
+            "1: up ->");
+  EXPECT_TRUE(play("up", "a rw { default { (a + 1) } }")
+                  .front()
+                  .ends_with("refused: these never agree: a"));
+  EXPECT_EQ(play("up",
+                 "i index { rangeValid { 1..1001 } } j index { rangeValid { 1..1000 } }\n"
+                 "a rw { index { i, j } }"),
+            (Texts{"1: up -> refused: the device has more than 1000000 instances"}));
+}
+
+TEST(Player, TriesACommit) {
+  EXPECT_EQ(play("up\nsingle_set position[1] 1500\nset mode 720p/50\n"
+                 "try -> mode=720p/50 position[1]=1279\ntry -> mode=720p/50 position[1]=1279\n"
+                 "commit -> mode=720p/50 position[1]=1279\ntry ->\n"
+                 "set position[3] 1\ntry -> refused: parameter index is invalid\n"
+                 "end\ntry -> refused: invalid transaction id")
+                .back(),
+            "11: try -> refused: invalid transaction id");
+}
+
+}  // namespace

@@ -38,7 +38,7 @@ struct NamedRange {
 /// All values of a range, each number of a span by itself.
 std::vector<std::string> valuesOf(const NamedRange& range);
 
-/// What a call gives. After an error only `changes` and `log` may hold something.
+/// What a call gives. After an error only `changes` and `notes` may hold something.
 struct Answer {
   std::string error = {};  ///< as in org.tavrel.transaction(7), "Set failed because ..."; or empty
   uint32_t transaction = 0;             ///< of start
@@ -48,8 +48,8 @@ struct Answer {
   std::vector<NamedRange> ranges = {};
   /// What was announced, or of "try" would be: "name=value" each, in order.
   std::vector<std::string> changes = {};
-  /// What the system log got, where the device knows.
-  std::vector<std::string> log = {};
+  /// Where the device knows: what the system log got of a refusal, or an explanation.
+  std::vector<std::string> notes = {};
 };
 
 /// Whatever serves the methods. One session plays with it, from its start.
@@ -60,8 +60,9 @@ class Device {
   Device(const Device&) = delete;
   Device& operator=(const Device&) = delete;
 
-  /// Calls a method other than die, or "try", which says what commit would. The texts are valid
-  /// UTF-8 without NUL bytes.
+  /// Calls a method other than die; or "try", which says what commit would; or "why", which
+  /// explains a name, or what becomes of a value for it. The texts are valid UTF-8 without NUL
+  /// bytes.
   virtual Answer call(const Call& call) = 0;
   /// What the author of its definition text knows of it, without any last values; nullopt where it
   /// may have more than MAX_KNOWN_INSTANCES.

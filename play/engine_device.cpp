@@ -10,6 +10,7 @@
 #include "database/trial.h"
 #include "deflang/text/definition_grammar.h"
 #include "deflang/text/text_pieces.h"
+#include "play/explanation_text.h"
 #include "play/known_device.h"
 #include "sw/dbus/method_frame.h"
 #include "sw/dbus/server_methods.h"
@@ -51,6 +52,7 @@ struct Serving {
   GPtrArray* namedTexts = nullptr;
   GPtrArray* namedSpans = nullptr;
   std::vector<TriedChange> tried = {};
+  std::vector<std::string> notes = {};
   GError* error = nullptr;
 };
 
@@ -58,6 +60,17 @@ struct Serving {
 gboolean tryCommitOf(Serving& s) {
   return inTransaction({"try", s.object, &s.error}, METHOD_COMMIT, s.id,
                        [&](Transaction& transaction) { return tryCommit(transaction, s.tried); });
+}
+
+// Nor this one, which is in the frame of reading.
+gboolean explainOf(Serving& s) {
+  return inTransaction(
+      {"why", s.object, &s.error}, METHOD_GET, s.id, [&](Transaction& transaction) {
+        const char* const name = s.names.first();
+        s.notes = s.values.count() == 0 ? explanationLines(transaction, name)
+                                        : explanationLines(transaction, name, s.values.first());
+        return 0;
+      });
 }
 
 struct ServedMethod {
@@ -70,6 +83,7 @@ constexpr ServedMethod METHODS[] = {
     {"start", [](Serving& s) { return value_object_start(s.object, &s.newId, &s.error); }},
     {"commit", [](Serving& s) { return value_object_commit(s.object, s.id, &s.error); }},
     {"try", tryCommitOf},
+    {"why", explainOf},
     {"end", [](Serving& s) { return value_object_end(s.object, s.id, &s.error); }},
     {"get",
      [](Serving& s) {
@@ -333,7 +347,8 @@ class EngineDevice final : public Device {
       answer.changes.push_back(change.name + "=" + change.value);
     }
     if (call.method != "try") answer.changes = std::exchange(changes_, {});
-    answer.log = std::exchange(logLines_, {});
+    std::vector<std::string> logged = std::exchange(logLines_, {});
+    answer.notes = isDone ? std::move(serving.notes) : std::move(logged);
     return answer;
   }
   std::optional<KnownDevice> known() override { return knownDevice(database_); }

@@ -8,5 +8,5 @@
 
 /// Starts a device on the definition text `text`. What is wrong with the text is on standard error
 /// as the daemon has it there; the device is then null. The catalogue of video standards has to be
-/// complete (initVidStdTables()). What the daemon would write to the system log is in the answers.
+/// complete (initVidStdTables()). The answers have notes.
 std::unique_ptr<Device> startEngineDevice(const std::string& text, const PlayConstants& constants);

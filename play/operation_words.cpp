@@ -51,6 +51,7 @@ constexpr OperationWord WORDS[] = {
     {"up", OPERATION_UP, "", "", ARGUMENTS_SETTINGS, OUTCOME_CHANGES, "", "up [NAME=VALUE...]"},
     {"validate", OPERATION_CALL, "is_valid", "", ARGUMENTS_PAIR, OUTCOME_VALID, "Validate",
      "validate NAME VALUE"},
+    {"why", OPERATION_WHY, "why", "", ARGUMENTS_QUESTION, OUTCOME_NONE, "Get", "why NAME [VALUE]"},
 };
 
 }  // namespace

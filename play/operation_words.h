@@ -10,6 +10,7 @@ enum OperationKind {
   OPERATION_START,      ///< opens a transaction
   OPERATION_UP,         ///< brings the device up
   OPERATION_CONSTANTS,  ///< starts the device anew with other constants, or tells them
+  OPERATION_WHY,        ///< explains; nothing is compared
 };
 
 /// What follows the word.
@@ -19,6 +20,7 @@ enum OperationArguments {
   ARGUMENTS_NAME,         ///< one name
   ARGUMENTS_NAMES,        ///< one name or more
   ARGUMENTS_PAIR,         ///< a name and a value
+  ARGUMENTS_QUESTION,     ///< a name, or a name and a value
   ARGUMENTS_PAIRS,        ///< one name and value, or more
   ARGUMENTS_SETTINGS,     ///< any number of NAME=VALUE
 };

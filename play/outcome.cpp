@@ -18,16 +18,6 @@ std::string spanText(const Span& span) {
   return span.first == span.second ? low : low + ".." + numberText(span.second);
 }
 
-std::string rangesText(const std::vector<NamedRange>& ranges) {
-  std::string line;
-  for (const NamedRange& range : ranges) {
-    if (!range.name.empty()) addWord(line, spelledWord(range.name) + ":");
-    for (const Span& span : range.spans) addWord(line, spanText(span));
-    for (const std::string& text : range.texts) addWord(line, quotedWord(text));
-  }
-  return line;
-}
-
 // Why the method refused: of "Set failed because of REASON" the reason, where the text is one of
 // the operation's own and not of a commit within it.
 std::string reasonOf(std::string_view family, std::string_view error) {
@@ -51,7 +41,11 @@ std::string textOf(const OperationWord& word, const Answer& answer) {
     case OUTCOME_VALID:
       return !answer.error.empty() ? "" : answer.isValid ? "true" : "false";
     case OUTCOME_RANGES:
-      return rangesText(answer.ranges);
+      for (const NamedRange& range : answer.ranges) {
+        if (!range.name.empty()) addWord(line, spelledWord(range.name) + ":");
+        if (!range.isOpen()) addWord(line, rangeText(range));
+      }
+      break;
     case OUTCOME_CHANGES:
       for (const std::string& change : answer.changes) addWord(line, spelledChange(change));
       break;
@@ -74,6 +68,13 @@ bool isNumeric(const std::string& text) {
 
 }  // namespace
 
+std::string rangeText(const NamedRange& range) {
+  std::string line;
+  for (const Span& span : range.spans) addWord(line, spanText(span));
+  for (const std::string& text : range.texts) addWord(line, quotedWord(text));
+  return line;
+}
+
 std::string Outcome::shown() const {
   std::string line = text;
   if (isRefusal) addWord(line, "refused: " + reason);
@@ -85,7 +86,8 @@ Outcome outcomeOf(const OperationWord& word, const Answer& answer) {
   outcome.hasRanges = word.outcome == OUTCOME_RANGES;
   outcome.isRefusal = !answer.error.empty();
   outcome.error = answer.error;
-  outcome.log = answer.log;
+  outcome.changes = answer.changes;
+  outcome.notes = answer.notes;
   if (outcome.isRefusal) outcome.reason = reasonOf(word.family, answer.error);
   return outcome;
 }

@@ -12,15 +12,19 @@
 struct Outcome {
   std::string text = {};  ///< of a refusal, what was announced all the same
   bool isRefusal = false;
-  std::string reason = {};            ///< of a refusal
-  std::string error = {};             ///< of a refusal: the whole text of the error
-  bool hasRanges = false;             ///< whether quotes tell a text from a number
-  std::vector<std::string> log = {};  ///< what the system log got
+  std::string reason = {};                ///< of a refusal
+  std::string error = {};                 ///< of a refusal: the whole text of the error
+  bool hasRanges = false;                 ///< whether quotes tell a text from a number
+  std::vector<std::string> changes = {};  ///< "name=value", where the text is made of them
+  std::vector<std::string> notes = {};    ///< what a person wants to know of it
 
   /// As it is behind an arrow: a refusal is "refused: " and the reason, behind the text. Empty
   /// where there is nothing to say.
   [[nodiscard]] std::string shown() const;
 };
+
+/// The spans and texts of a range, as they are behind an arrow.
+std::string rangeText(const NamedRange& range);
 
 /// The outcome of `word`, which was answered with `answer`.
 Outcome outcomeOf(const OperationWord& word, const Answer& answer);

@@ -151,12 +151,14 @@ class Player {
     std::optional<Outcome> outcome = outcomeOf(operation, arguments);
     if (!outcome) return;
     const bool isAsExpected = !operation.hasExpectation || isMet(operation.expected, *outcome);
+    if (!isAsExpected) addReasons(operation, arguments, *outcome);
     observer_.played({operation, shownVariables(), *std::move(outcome), isAsExpected});
   }
 
   std::optional<Outcome> outcomeOf(const Operation& operation, const Texts& arguments) {
     switch (operation.word->kind) {
       case OPERATION_CALL:
+      case OPERATION_WHY:
         return call(operation, arguments);
       case OPERATION_START:
         return open(operation);
@@ -172,13 +174,41 @@ class Player {
     const OperationWord& word = *operation.word;
     Call call = {word.method};
     if (takesTransaction(word)) call.transaction = idOf(operation.transaction);
-    const bool hasValues = word.arguments == ARGUMENTS_PAIR || word.arguments == ARGUMENTS_PAIRS;
+    const bool hasValues = word.arguments == ARGUMENTS_PAIR || word.arguments == ARGUMENTS_PAIRS ||
+                           word.arguments == ARGUMENTS_QUESTION;
     for (size_t i = 0; i < arguments.size(); ++i) {
       (hasValues && i % 2 == 1 ? call.values : call.names).push_back(arguments[i]);
     }
     if (call.names.size() > 1) call.method = word.bulkMethod;
     const Answer answer = device_->call(call);
     return ::outcomeOf(word, answer);
+  }
+
+  // Why the names that a difference is about are as they are, where the device can tell.
+  void addReasons(const Operation& operation, const Texts& arguments, Outcome& outcome) {
+    for (const std::string& name : namesToExplain(operation, arguments, outcome)) {
+      const uint32_t id = idOf(operation.transaction);
+      for (const std::string& line : device_->call({"why", id, {name}}).notes) {
+        outcome.notes.push_back(spelledWord(name) + " " + line);
+      }
+    }
+  }
+
+  // Of a query for ranges or values those that it names; else those of changes that are expected
+  // and did not come, or came otherwise.
+  [[nodiscard]] Texts namesToExplain(const Operation& operation, const Texts& arguments,
+                                     const Outcome& outcome) const {
+    const OperationWord& word = *operation.word;
+    if (word.arguments == ARGUMENTS_NAMES && word.outcome != OUTCOME_CHANGES) return arguments;
+    if (word.outcome != OUTCOME_CHANGES || word.kind != OPERATION_CALL) return {};
+    std::set<std::string> expected;
+    for (const SessionWord& change : operation.expected.words) expected.insert(valueOf(change));
+    std::set<std::string> names;
+    for (const std::string& change : outcome.changes) {
+      if (expected.erase(change) == 0) names.insert(change.substr(0, change.find('=')));
+    }
+    for (const std::string& change : expected) names.insert(change.substr(0, change.find('=')));
+    return {names.begin(), names.end()};
   }
 
   // A transaction of that name that is open already ends, so that nothing stays open unseen.

@@ -30,13 +30,19 @@ class Lines final : public PlayObserver {
     line += ": " + std::string(operationText(played.operation));
     const std::string outcome = played.outcome.shown();
     lines.push_back(line + (outcome.empty() ? "" : " -> " + outcome));
+    notes = played.outcome.notes;
   }
 
   Texts lines;
+  Texts notes;  // of the last one
 };
 
-Texts play(const std::string& text, const char* definitions = PICTURE,
-           const PlayConstants& constants = {}) {
+struct Played {
+  Texts lines;
+  Texts notes;
+};
+
+Played played(const std::string& text, const char* definitions, const PlayConstants& constants) {
   initVidStdTables();
   Session session;
   std::vector<SessionError> errors;
@@ -46,11 +52,18 @@ Texts play(const std::string& text, const char* definitions = PICTURE,
   const StartDevice start = [&](const PlayConstants& given) {
     return startEngineDevice(definitions, given);
   };
-  Lines played;
-  const std::optional<SessionError> error = playSession(session, start, constants, played);
-  if (error) played.lines.push_back(shownError(*error));
-  return played.lines;
+  Lines lines;
+  const std::optional<SessionError> error = playSession(session, start, constants, lines);
+  if (error) lines.lines.push_back(shownError(*error));
+  return {lines.lines, lines.notes};
 }
+
+Texts play(const std::string& text, const char* definitions = PICTURE,
+           const PlayConstants& constants = {}) {
+  return played(text, definitions, constants).lines;
+}
+
+Texts notesOf(const std::string& text) { return played(text, PICTURE, {}).notes; }
 
 TEST(Player, ComparesOutcomes) {
   const struct {
@@ -197,6 +210,40 @@ TEST(Player, TriesACommit) {
                  "end\ntry -> refused: invalid transaction id")
                 .back(),
             "11: try -> refused: invalid transaction id");
+}
+
+// What a difference is about is explained.
+TEST(Player, ExplainsDifferences) {
+  const struct {
+    const char* operation;
+    Texts names;
+  } cases[] = {
+      {"range position[1] -> 0..1919", {}},
+      {"range position[1] -> 0", {"position[1]"}},
+      {"range mode title -> 0", {"mode", "title"}},
+      {"single_get position[1] -> 0", {"position[1]"}},
+      {"single_set mode 720p/50 -> position[1]=5 mode=720p/50", {"position[1]"}},
+      {"single_set mode 720p/50 -> mode=1", {"mode"}},
+      {"set mode 720p/50 -> refused: x", {}},
+      {"deps position -> x", {}},
+  };
+  for (const auto& c : cases) {
+    Texts names;
+    for (const std::string& note : notesOf(std::string("up\n") + c.operation)) {
+      const std::string name = note.substr(0, note.find(' '));
+      if (names.empty() || names.back() != name) names.push_back(name);
+    }
+    EXPECT_EQ(names, c.names) << c.operation;
+  }
+}
+
+TEST(Player, ExplainsWhatIsAsked) {
+  EXPECT_EQ(notesOf("up\nwhy title"), (Texts{"is \"\"", "may have any value", "has no default"}));
+  EXPECT_EQ(notesOf("up\nset mode 720p/50\nwhy position[2] 1500"),
+            (Texts{"becomes 1279: line 3, rangeValid { 0..(vidStd::mode::spal - 1) }; "
+                   "vidStd::mode::spal is 1280",
+                   "is accepted: line 3, rangeValid { 0..(vidStd::mode::spal - 1) }; "
+                   "vidStd::mode::spal is 1280"}));
 }
 
 }  // namespace

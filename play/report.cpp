@@ -50,10 +50,11 @@ class TextReport final : public PlayReport {
       if (!played.variables.empty()) heading += " with " + played.variables;
       print(out_, heading + "\n-" + printable(lineOf(operation)) + "\n+" +
                       printable(lineWith(operation, outcome)) + "\n");
-      printLog(played.outcome);
-    } else if (!operation.hasExpectation && !outcome.empty() && !isQuiet_) {
-      print(out_, titleText(played) + " -> " + outcome + "\n");
-      printLog(played.outcome);
+      printNotes(played.outcome);
+    } else if (!operation.hasExpectation && !isQuiet_ &&
+               (!outcome.empty() || operation.word->kind == OPERATION_WHY)) {
+      print(out_, titleText(played) + (outcome.empty() ? "" : " -> " + outcome) + "\n");
+      printNotes(played.outcome);
     }
   }
   void failed(const std::string& error) override {
@@ -64,10 +65,8 @@ class TextReport final : public PlayReport {
   void finish() override {}
 
  private:
-  // Why the device has refused what.
-  void printLog(const Outcome& outcome) {
-    if (!outcome.isRefusal) return;
-    for (const std::string& line : outcome.log) print(out_, "  " + printable(line) + "\n");
+  void printNotes(const Outcome& outcome) {
+    for (const std::string& line : outcome.notes) print(out_, "  " + printable(line) + "\n");
   }
 
   const bool isQuiet_;

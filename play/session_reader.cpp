@@ -318,6 +318,8 @@ class FileReader {
         return count > 0;
       case ARGUMENTS_PAIR:
         return count == 2;
+      case ARGUMENTS_QUESTION:
+        return count == 1 || count == 2;
       case ARGUMENTS_PAIRS:
         return count > 0 && count % 2 == 0;
       case ARGUMENTS_SETTINGS:
@@ -335,6 +337,7 @@ class FileReader {
       case ARGUMENTS_NAME:
         return 1;
       case ARGUMENTS_PAIR:
+      case ARGUMENTS_QUESTION:
         return 2;
       default:
         return SIZE_MAX;
@@ -343,6 +346,10 @@ class FileReader {
 
   bool takeExpectation(const WordLine& line, std::span<const SessionWord> words,
                        Operation& operation) {
+    if (operation.word->kind == OPERATION_WHY) {
+      fail(line, words.front(), "\"why\" explains, and nothing is compared behind it");
+      return false;
+    }
     operation.hasExpectation = true;
     operation.arrow = words.front().end;
     words = words.subspan(1);

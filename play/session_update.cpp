@@ -79,7 +79,8 @@ void SessionUpdate::played(const PlayedOperation& operation) {
 bool SessionUpdate::isNew(const Seen& seen) {
   if (seen.differs) return false;
   if (seen.operation->hasExpectation) return !seen.isMet;
-  return !seen.outcome.empty() && seen.operation->word->kind != OPERATION_UP;
+  const OperationKind kind = seen.operation->word->kind;
+  return !seen.outcome.empty() && kind != OPERATION_UP && kind != OPERATION_WHY;
 }
 
 std::vector<UpdatedFile> SessionUpdate::files() const {

@@ -59,7 +59,8 @@ std::vector<std::string> sessionFiles() {
 class Talk final : public PlayObserver {
  public:
   void played(const PlayedOperation& played) override {
-    if (played.operation.word->word == "try") return;
+    const std::string_view word = played.operation.word->word;
+    if (word == "try" || word == "why") return;
     const std::string line = std::to_string(played.operation.place.line) + " " + played.variables +
                              ": " + std::string(operationText(played.operation)) + " -> " +
                              played.outcome.shown();

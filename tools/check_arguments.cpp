@@ -1,19 +1,16 @@
 #include "tools/check_arguments.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <string_view>
 #include <utility>
 
 #include "check/constant_choices.h"
-#include "check/text/nearest_word.h"
 #include "startup/argp_frame.h"
-#include "startup/version.h"
+#include "tools/common_arguments.h"
 #include "tools/input_file.h"
 
 namespace {
@@ -25,7 +22,6 @@ enum LongOption : int {
   OPTION_MAX_TIME,
   OPTION_NO_PROOFS,
   OPTION_SHOW_ALLOWED,
-  OPTION_USAGE,
 };
 
 // Of a line of --help that is another spelling: --usage would take it for the name of an option.
@@ -69,11 +65,6 @@ const char* const DOCUMENTATION =
     "FILE - is standard input. The status is 0 where there is no error, 1 where there is one, and "
     "2 for a fault of the command line or of reading and writing.";
 
-// Ends the process with status 2 and a message on standard error.
-void refuse(const argp_state* state, const std::string& message) {
-  argp_error(state, "%s", message.c_str());
-}
-
 void takeConstants(const char* argument, ConstantChoices& choices, const argp_state* state) {
   if (*argument != '@') {
     const std::string wrong = addConstantChoice(argument, choices);
@@ -90,15 +81,8 @@ void takeConstants(const char* argument, ConstantChoices& choices, const argp_st
 
 ReportFormat formatOf(std::string_view name, const argp_state* state) {
   constexpr std::string_view NAMES[] = {"text", "json", "sarif"};
-  const auto* const found = std::ranges::find(NAMES, name);
-  if (found == std::end(NAMES)) {
-    NearestWord nearest(name);
-    nearest.offer(NAMES);
-    refuse(state, "--format is text, json or sarif, not \"" + std::string(name) + "\"" +
-                      (nearest.found() ? "; did you mean \"" + std::string(*nearest.found()) + "\"?"
-                                       : ""));
-  }
-  return static_cast<ReportFormat>(found - std::begin(NAMES));
+  return static_cast<ReportFormat>(
+      placeAmong(NAMES, name, "--format is text, json or sarif", state));
 }
 
 uint32_t positiveNumber(std::string_view text, const char* option, const argp_state* state) {
@@ -109,15 +93,6 @@ uint32_t positiveNumber(std::string_view text, const char* option, const argp_st
            std::string(option) + " takes a whole number from 1, not \"" + std::string(text) + "\"");
   }
   return number;
-}
-
-// Ends the process after an answer.
-[[noreturn]] void endAnswered() {
-  if (std::ferror(stdout) != 0 || std::fflush(stdout) != 0) {
-    std::fprintf(stderr, "ostrel-check: cannot write: %s\n", std::strerror(errno));
-    std::exit(2);
-  }
-  std::exit(0);
 }
 
 void print(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }
@@ -169,50 +144,6 @@ void takeExplain(const char* name, Answer& answer, const argp_state* state) {
   endAnswered();
 }
 
-// Where argp ends the process itself, it does so with status 0 whatever became of the output.
-[[noreturn]] void giveHelp(const argp_state* state, unsigned int what) {
-  argp_state_help(state, stdout, what);
-  endAnswered();
-}
-
-[[noreturn]] void giveVersion() {
-  print(VERSION_TEXT);
-  print("\n");
-  endAnswered();
-}
-
-// The start of a long option is enough where it is the start of one only.
-bool isLongOption(std::string_view name) {
-  return std::ranges::any_of(OPTIONS, [name](const argp_option& option) {
-    const bool isNamed = option.name != nullptr && (option.flags & OPTION_DOC) == 0;
-    return isNamed && std::string_view(option.name).starts_with(name);
-  });
-}
-
-// argp only says that it does not know an option.
-void refuseUnknownOption(std::string_view argument, const argp_state* state) {
-  const std::string_view name = argument.substr(2, argument.find('=') - 2);
-  if (isLongOption(name)) return;
-  NearestWord nearest(name);
-  for (const argp_option& option : OPTIONS) {
-    if (option.name != nullptr && (option.flags & OPTION_DOC) == 0) nearest.offer(option.name);
-  }
-  const std::string message = "there is no option \"--" + std::string(name) + "\"";
-  refuse(state,
-         message + (nearest.found() ? "; did you mean \"--" + std::string(*nearest.found()) + "\"?"
-                                    : "; --help lists them"));
-}
-
-void refuseUnknownOptions(const argp_state* state) {
-  for (int i = 1; i < state->argc; ++i) {
-    const std::string_view argument = state->argv[i];
-    const std::string_view before = state->argv[i - 1];
-    if (argument == "--") return;
-    const bool isValue = before == "-D" || before == "-W" || before == "-j";
-    if (!isValue && argument.starts_with("--")) refuseUnknownOption(argument, state);
-  }
-}
-
 void takeFile(const char* name, CheckArguments& arguments, const argp_state* state) {
   const bool isRepeated = std::ranges::find(arguments.files, name) != arguments.files.end();
   if (isRepeated && std::string_view(name) == "-") refuse(state, "standard input is given twice");
@@ -243,7 +174,7 @@ error_t takeOption(int key, char* argument, argp_state* state) {
   switch (key) {
     case ARGP_KEY_INIT:
       state->name = program_invocation_short_name;  // as argp itself sets it later
-      refuseUnknownOptions(state);
+      refuseUnknownOptions(OPTIONS, "DWj", state);
       return 0;
     case 'D':
       takeConstants(argument, arguments.options.constants, state);

@@ -1,17 +1,11 @@
 #include "tools/play_arguments.h"
 
-#include <argp.h>
-
 #include <algorithm>
 #include <cerrno>
-#include <new>
 #include <string_view>
 
-#include "check/text/nearest_word.h"
-#include "startup/version.h"
-
-// argp finds it under this name.
-const char* argp_program_version = VERSION_TEXT;
+#include "startup/argp_frame.h"
+#include "tools/common_arguments.h"
 
 namespace {
 
@@ -23,6 +17,9 @@ const argp_option OPTIONS[] = {
     {"update", OPTION_UPDATE, nullptr, 0, "Write what happens into the sessions as expected", 2},
     {"format", OPTION_FORMAT, "text|tap|junit", 0, "The form of the report (text)", 3},
     {"quiet", 'q', nullptr, 0, "Leave out what happens where nothing is expected", 3},
+    {"help", '?', nullptr, 0, "Give this help list", 4},
+    {"usage", OPTION_USAGE, nullptr, 0, "Give a short usage message", 4},
+    {"version", 'V', nullptr, 0, "Print program version", 4},
     {}};
 
 // The vertical tab separates what is before the options from what is behind them.
@@ -38,11 +35,6 @@ const char* const DOCUMENTATION =
     "A file - is standard input. The status is 0 where all is as expected, 1 where something is "
     "not, and 2 for a fault of the command line, of reading and writing, or of a session's text.";
 
-// Ends the process with status 2 and a message on standard error.
-void refuse(const argp_state* state, const std::string& message) {
-  argp_error(state, "%s", message.c_str());
-}
-
 void takeConstant(const std::string& argument, PlayConstants& constants, const argp_state* state) {
   const size_t sign = argument.find('=');
   if (sign == std::string::npos) {
@@ -57,15 +49,7 @@ void takeConstant(const std::string& argument, PlayConstants& constants, const a
 
 PlayFormat formatOf(std::string_view name, const argp_state* state) {
   constexpr std::string_view NAMES[] = {"text", "tap", "junit"};
-  const auto* const found = std::ranges::find(NAMES, name);
-  if (found == std::end(NAMES)) {
-    NearestWord nearest(name);
-    nearest.offer(NAMES);
-    refuse(state, "--format is text, tap or junit, not \"" + std::string(name) + "\"" +
-                      (nearest.found() ? "; did you mean \"" + std::string(*nearest.found()) + "\"?"
-                                       : ""));
-  }
-  return static_cast<PlayFormat>(found - std::begin(NAMES));
+  return static_cast<PlayFormat>(placeAmong(NAMES, name, "--format is text, tap or junit", state));
 }
 
 void finish(const PlayArguments& arguments, const argp_state* state) {
@@ -78,9 +62,13 @@ void finish(const PlayArguments& arguments, const argp_state* state) {
   if (inputs > 0 && arguments.updates) refuse(state, "standard input cannot be updated");
 }
 
-error_t takeOption(int key, const char* argument, argp_state* state) {
+error_t takeOption(int key, char* argument, argp_state* state) {
   PlayArguments& arguments = *static_cast<PlayArguments*>(state->input);
   switch (key) {
+    case ARGP_KEY_INIT:
+      state->name = program_invocation_short_name;  // as argp itself sets it later
+      refuseUnknownOptions(OPTIONS, "D", state);
+      return 0;
     case 'D':
       takeConstant(argument, arguments.constants, state);
       return 0;
@@ -93,6 +81,12 @@ error_t takeOption(int key, const char* argument, argp_state* state) {
     case 'q':
       arguments.isQuiet = true;
       return 0;
+    case '?':
+      giveHelp(state, ARGP_HELP_STD_HELP & ~ARGP_HELP_EXIT_OK);
+    case OPTION_USAGE:
+      giveHelp(state, ARGP_HELP_USAGE);
+    case 'V':
+      giveVersion();
     case ARGP_KEY_ARG:
       if (state->arg_num == 0) {
         arguments.definitions = argument;
@@ -108,22 +102,18 @@ error_t takeOption(int key, const char* argument, argp_state* state) {
   }
 }
 
-// No exception goes through argp.
-error_t parseOption(int key, char* argument, argp_state* state) {
-  try {
-    return takeOption(key, argument, state);
-  } catch (const std::bad_alloc&) {
-    return ENOMEM;
-  }
-}
-
 }  // namespace
 
 PlayArguments parsePlayArguments(int argc, char** argv) {
   argp_err_exit_status = 2;
   PlayArguments arguments;
-  const argp parser = {OPTIONS, parseOption, "DEFINITIONS SESSION...", DOCUMENTATION, nullptr,
-                       nullptr, nullptr};
-  if (argp_parse(&parser, argc, argv, 0, nullptr, &arguments) != 0) throw std::bad_alloc();
+  const argp parser = {OPTIONS,
+                       takeWithoutExceptions<takeOption>,
+                       "DEFINITIONS SESSION...",
+                       DOCUMENTATION,
+                       nullptr,
+                       nullptr,
+                       nullptr};
+  parseArguments(parser, argc, argv, ARGP_NO_HELP, &arguments);
   return arguments;
 }

@@ -1,0 +1,244 @@
+// Runs the program ostrel-play and compares all that it prints.
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "tests/harness/temp_dir.h"
+#include "tests/support/run_program.h"
+
+namespace {
+
+const char* const DEVICE =
+    "gain rw { rangeValid { 0..9 } default { 3 } }\n"
+    "level rw { rangeValid { 0..(gain) } default { 2 } }\n";
+
+// A directory with a definition text and sessions, in which the program runs.
+class OstrelPlay : public testing::Test {
+ protected:
+  OstrelPlay() {
+    write("device.ostrel", DEVICE);
+    write("right.session", "up -> gain=3 level=2\nget gain -> 3\nset gain 5 -> # staged\n");
+    write("wrong.session", "up\nget gain -> 4\nfor v in 1 2: validate gain $v -> false\n");
+    write("broken.session", "up\n  comit\nget gain -> 3\ncomit\n");
+  }
+
+  void write(const std::string& name, const std::string& text) const {
+    std::ofstream(folder_.path() + "/" + name) << text;
+  }
+  [[nodiscard]] std::string contentsOf(const std::string& name) const {
+    std::ifstream file(folder_.path() + "/" + name);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  }
+
+  // In a shell, so that redirections are part of the arguments.
+  [[nodiscard]] Outcome run(const std::string& arguments) const {
+    return runCommand("cd '" + folder_.path() + "' && '" + OSTREL_PLAY + "' " + arguments);
+  }
+
+  TempDir folder_;
+};
+
+TEST_F(OstrelPlay, ItsStatusSaysWhetherAllIsAsExpected) {
+  const struct {
+    const char* arguments;
+    int status;
+  } cases[] = {
+      {"device.ostrel right.session", 0},
+      {"device.ostrel wrong.session", 1},
+      {"device.ostrel right.session wrong.session right.session", 1},
+      {"device.ostrel broken.session", 2},
+      {"device.ostrel broken.session wrong.session", 2},
+      {"device.ostrel none.session", 2},
+      {"none.ostrel right.session", 2},
+      {"device.ostrel .", 2},
+      {"device.ostrel right.session < /dev/null > /dev/full", 0},  // there is nothing to write
+      {"device.ostrel wrong.session > /dev/full", 2},
+      {"--format=tap device.ostrel right.session > /dev/full", 2},
+      {"--format=tap device.ostrel right.session", 0},
+      {"--format=tap device.ostrel wrong.session", 1},
+      {"--format=junit device.ostrel wrong.session", 1},
+      {"--format=junit device.ostrel broken.session", 2},
+      {"device.ostrel - < wrong.session", 1},
+      {"- right.session < device.ostrel", 0},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(run(std::string(c.arguments) + " 2>/dev/null").status, c.status) << c.arguments;
+  }
+}
+
+TEST_F(OstrelPlay, ShowsDifferencesAsADiffWithReasons) {
+  EXPECT_EQ(run("device.ostrel right.session 2>&1").out, "");
+  EXPECT_EQ(run("-q device.ostrel wrong.session 2>&1").out,
+            "wrong.session:2: not as expected\n"
+            "-get gain -> 4\n"
+            "+get gain -> 3\n"
+            "  gain is 3\n"
+            "  gain has the range 0..9: line 1, rangeValid { 0..9 }\n"
+            "  gain has the default 3: line 1, default { 3 }\n"
+            "wrong.session:3: not as expected with v=1\n"
+            "-for v in 1 2: validate gain $v -> false\n"
+            "+for v in 1 2: validate gain $v -> true\n"
+            "wrong.session:3: not as expected with v=2\n"
+            "-for v in 1 2: validate gain $v -> false\n"
+            "+for v in 1 2: validate gain $v -> true\n");
+}
+
+TEST_F(OstrelPlay, PrintsWhatHappensWhereNothingIsExpected) {
+  write("open.session", "up\nset gain 55\nset gain 7\nwhy level 9\nset gone[1] 1\ncommit # now\n");
+  EXPECT_EQ(run("device.ostrel open.session 2>&1").out,
+            "open.session:1: up -> gain=3 level=2\n"
+            "open.session:2: set gain 55 -> refused: parameter value is invalid\n"
+            "open.session:4: why level 9\n"
+            "  becomes 7: line 2, rangeValid { 0..(gain) }; gain is 7\n"
+            "  is accepted: line 2, rangeValid { 0..(gain) }; gain is 7\n"
+            "open.session:5: set gone[1] 1 -> refused: parameter name is invalid\n"
+            "open.session:6: commit -> gain=7\n");
+  EXPECT_EQ(run("-q device.ostrel open.session 2>&1").out, "");
+}
+
+TEST_F(OstrelPlay, SaysWhereASessionIsWrongAndPlaysTheOthers) {
+  EXPECT_EQ(run("-q device.ostrel broken.session none.session wrong.session 2>&1 >/dev/null").out,
+            "broken.session:2:3: the indentation is that of no loop around\n"
+            "broken.session:4:1: there is no operation \"comit\"; did you mean \"commit\"?\n"
+            "cannot read none.session: No such file or directory\n");
+  EXPECT_EQ(countOf(run("-q device.ostrel broken.session wrong.session 2>/dev/null").out,
+                    "not as expected"),
+            3U);
+}
+
+TEST_F(OstrelPlay, SaysThatTheDeviceDoesNotStart) {
+  write("bad.ostrel", "gain rw { rangeValid { 9..0 } }\n");
+  const Outcome outcome = run("bad.ostrel right.session 2>&1");
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_TRUE(outcome.out.starts_with("Error on line 1\n")) << outcome.out;
+  EXPECT_TRUE(outcome.out.ends_with("right.session:1:1: the device does not start\n"))
+      << outcome.out;
+}
+
+TEST_F(OstrelPlay, GivesConstantsToTheText) {
+  write("model.ostrel", "gain rw { rangeValid { 0..(TOP) } default { (TOP) } }\n");
+  write("model.session", "up -> gain=7\nconstants -> TOP=7\nconstants TOP=5\nup -> gain=5\n");
+  EXPECT_EQ(run("-D TOP=7 model.ostrel model.session model.session 2>&1").out, "");
+  EXPECT_EQ(run("--define=TOP=8 -q model.ostrel model.session").status, 1);
+}
+
+TEST_F(OstrelPlay, WritesTap) {
+  write("tap.session",
+        "get gain -> \"\" # a\nset level \"#1 \\\\ \\\"x\\\"\" -> refused: no\nup\n");
+  EXPECT_EQ(run("--format=tap device.ostrel tap.session broken.session 2>&1").out,
+            "TAP version 14\n"
+            "ok 1 - tap.session:1: get gain\n"
+            "not ok 2 - tap.session:2: set level \"\\#1 \\\\\\\\ \\\\\"x\\\\\"\"\n"
+            "  ---\n"
+            "  expected: \"refused: no\"\n"
+            "  got: \"\"\n"
+            "  ...\n"
+            "# tap.session:3: up -> gain=3 level=2\n"
+            "not ok 3 - broken.session\n"
+            "  ---\n"
+            "  message: \"broken.session:2:3: the indentation is that of no loop around\"\n"
+            "  ...\n"
+            "not ok 4 - broken.session\n"
+            "  ---\n"
+            "  message: \"broken.session:4:1: there is no operation \\\"comit\\\"; did you mean "
+            "\\\"commit\\\"?\"\n"
+            "  ...\n"
+            "1..4\n");
+}
+
+TEST_F(OstrelPlay, WritesJunit) {
+  write("a<b>.session", "get gain -> \"a & <b>\"\nget level -> \"\"\n");
+  EXPECT_EQ(
+      run("--format=junit device.ostrel 'a<b>.session' none 2>&1").out,
+      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+      "<testsuites>\n"
+      "  <testsuite name=\"a&lt;b&gt;.session\" tests=\"2\" failures=\"1\" errors=\"0\">\n"
+      "    <testcase classname=\"a&lt;b&gt;.session\" name=\"a&lt;b&gt;.session:1: get gain\">\n"
+      "      <failure message=\"not as expected\">expected: &quot;a &amp; &lt;b&gt;&quot;\n"
+      "got: &quot;&quot;</failure>\n"
+      "    </testcase>\n"
+      "    <testcase classname=\"a&lt;b&gt;.session\" name=\"a&lt;b&gt;.session:2: get level\"/>\n"
+      "  </testsuite>\n"
+      "  <testsuite name=\"none\" tests=\"1\" failures=\"0\" errors=\"1\">\n"
+      "    <testcase classname=\"none\" name=\"none\">\n"
+      "      <error message=\"cannot read none: No such file or directory\"/>\n"
+      "    </testcase>\n"
+      "  </testsuite>\n"
+      "</testsuites>\n");
+}
+
+TEST_F(OstrelPlay, UpdatesSessions) {
+  write("new.session", "up\ninclude part\nget gain -> 4 # as before\n");
+  write("part", "get level\n");
+  const Outcome outcome = run("--update device.ostrel new.session right.session 2>&1");
+  EXPECT_EQ(outcome.out, "new.session: updated\npart: updated\n");
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(contentsOf("new.session"), "up\ninclude part\nget gain -> 3 # as before\n");
+  EXPECT_EQ(contentsOf("part"), "get level -> 2\n");
+  EXPECT_EQ(run("-q device.ostrel new.session 2>&1").out, "");
+
+  write("rounds.session", "up\nfor g in 1 2: single_set gain $g -> gain=1\n");
+  const Outcome rounds = run("--update device.ostrel rounds.session broken.session 2>&1");
+  EXPECT_EQ(countOf(rounds.out, "rounds.session:2: not updated, because its outcomes differ\n"),
+            1U);
+  EXPECT_EQ(rounds.status, 2);
+  EXPECT_EQ(run("--update device.ostrel rounds.session").status, 1);
+}
+
+// Comments may hold what a terminal acts on.
+TEST_F(OstrelPlay, PrintsNoControlCharacters) {
+  write("bell.session", "get gain -> 1 # \x1b[31m\a\n");
+  const Outcome outcome = run("-q device.ostrel bell.session 2>&1");
+  EXPECT_EQ(outcome.out.find_first_of("\x1b\a"), std::string::npos);
+  EXPECT_EQ(countOf(outcome.out, "-get gain -> 1 # ?[31m?\n"), 1U) << outcome.out;
+}
+
+TEST(OstrelPlayUsage, RefusesWhatItDoesNotUnderstand) {
+  const struct {
+    const char* arguments;
+    const char* message;
+  } cases[] = {
+      {"", "no DEFINITIONS are given"},
+      {"x", "no SESSION is given; - is standard input"},
+      {"- -", "standard input is given twice"},
+      {"x - -", "standard input is given twice"},
+      {"--update x -", "standard input cannot be updated"},
+      {"-D MODEL x y", "-D MODEL: a value is missing; write NAME=VALUE"},
+      {"-D =1 x y", "-D =1: a name is missing; write NAME=VALUE"},
+      {"-D A=1 -D A=2 x y", "-D A=2: the constant \"A\" is given twice"},
+      {"--format=junt x y",
+       "--format is text, tap or junit, not \"junt\"; did you mean \"junit\"?"},
+      {"--updat x y --fromat=tap", "there is no option \"--fromat\"; did you mean \"--format\"?"},
+      {"--xyzzy x y", "there is no option \"--xyzzy\"; --help lists them"},
+      {"--format= x y", "--format is text, tap or junit, not \"\""},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.arguments);
+    const Outcome outcome = runProgram(OSTREL_PLAY, std::string(c.arguments) + " 2>&1");
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.out, std::string("ostrel-play: ") + c.message +
+                               "\nTry `ostrel-play --help' or `ostrel-play --usage' for more "
+                               "information.\n");
+  }
+}
+
+TEST(OstrelPlayUsage, DescribesItsOptionsAfterExamples) {
+  const Outcome help = runProgram(OSTREL_PLAY, "--help 2>&1");
+  EXPECT_EQ(help.status, 0);
+  EXPECT_TRUE(help.out.starts_with("Usage: ostrel-play [OPTION...] DEFINITIONS SESSION...\n"))
+      << help.out;
+  EXPECT_LT(help.out.find("\nExamples:\n"), help.out.find("-D, --define=")) << help.out;
+  for (const char* const name : {"-D, --define=NAME=VALUE", "--update", "--format=text|tap|junit",
+                                 "-q, --quiet", "-?, --help", "--usage", "-V, --version"}) {
+    EXPECT_EQ(countOf(help.out, std::string("  ") + name), 1U) << name << help.out;
+  }
+  const Outcome version = runProgram(OSTREL_PLAY, "--version 2>&1");
+  EXPECT_TRUE(version.out.starts_with("ostrel Built on ")) << version.out;
+  EXPECT_EQ(runProgram(OSTREL_PLAY, "--help 2>&1 > /dev/full").out,
+            "ostrel-play: cannot write: No space left on device\n");
+}
+
+}  // namespace

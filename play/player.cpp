@@ -34,8 +34,9 @@ bool takesTransaction(const OperationWord& word) {
 
 class Player {
  public:
-  Player(const StartDevice& start, const PlayConstants& constants, PlayObserver& observer)
-      : start_(start), given_(constants), constants_(constants), observer_(observer) {}
+  Player(const StartDevice& start, const PlayConstants& constants, PlayObserver& observer,
+         size_t most)
+      : start_(start), given_(constants), constants_(constants), observer_(observer), most_(most) {}
 
   std::optional<SessionError> play(const std::vector<SessionStep>& steps) {
     playAll(steps);
@@ -324,8 +325,9 @@ class Player {
 
   // Returns whether one more may be played.
   bool count(const SessionPlace& place) {
-    if (played_++ < MAX_PLAYED) return true;
-    fail(place, "more than 1000000 operations and rounds of loops are played");
+    if (played_++ < most_) return true;
+    fail(place,
+         "more than " + std::to_string(most_) + " operations and rounds of loops are played");
     return false;
   }
 
@@ -337,6 +339,7 @@ class Player {
   const PlayConstants& given_;
   PlayConstants constants_;
   PlayObserver& observer_;
+  const size_t most_;
   std::unique_ptr<Device> device_;
   std::map<std::string, uint32_t> transactions_;  // ids by name
   std::vector<std::pair<std::string, std::string>> variables_;
@@ -347,6 +350,7 @@ class Player {
 }  // namespace
 
 std::optional<SessionError> playSession(const Session& session, const StartDevice& start,
-                                        const PlayConstants& constants, PlayObserver& observer) {
-  return Player(start, constants, observer).play(session.steps);
+                                        const PlayConstants& constants, PlayObserver& observer,
+                                        size_t most) {
+  return Player(start, constants, observer, most).play(session.steps);
 }

@@ -30,7 +30,8 @@ class PlayObserver {
 };
 
 /// Plays `session` with a device that `start` gives, from its start with `constants`; a session may
-/// ask for others. Returns what has kept it from being played to its end, if anything has. Raises
-/// std::bad_alloc where memory is exhausted.
+/// ask for others. At most `most` operations and rounds are played. Returns what has kept it from
+/// being played to its end, if anything has. Raises std::bad_alloc where memory is exhausted.
 std::optional<SessionError> playSession(const Session& session, const StartDevice& start,
-                                        const PlayConstants& constants, PlayObserver& observer);
+                                        const PlayConstants& constants, PlayObserver& observer,
+                                        size_t most = MAX_PLAYED);

@@ -62,8 +62,15 @@ void examplesInOneText(benchmark::State& state) {
   check(state, examples(state.range(0)), options);
 }
 
+// Every one of them is in the way of a commit that tries the one that they follow.
+void followersOfOne(benchmark::State& state) {
+  check(state, fanText(state.range(0)), {});
+  state.SetComplexityN(state.range(0));
+}
+
 BENCHMARK(withoutProofs)->Arg(2000)->Arg(10000)->Arg(100000)->Complexity();
 BENCHMARK(allVariantsOfTheExample)->Unit(benchmark::kMillisecond);
+BENCHMARK(followersOfOne)->Arg(300)->Arg(3000)->Unit(benchmark::kMillisecond)->Complexity();
 BENCHMARK(examplesInOneText)->Arg(1)->Arg(18)->Unit(benchmark::kMillisecond);
 
 }  // namespace

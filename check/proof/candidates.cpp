@@ -78,9 +78,13 @@ std::set<int32_t> tellingNumbers(const Domain& domain, const NameUse& use) {
 
 void addTexts(const Domain& domain, const NameUse& use, Candidates& out) {
   if (domain.isAll()) {
+    // Where one range takes every value, those of another one may still be kept apart.
+    std::set<std::string, std::less<>> texts = domain.texts();
     for (const std::string& text : use.texts) {
-      if (!wholeNumber(text)) out.values.emplace_back(text);
+      if (!wholeNumber(text)) texts.insert(text);
     }
+    texts.erase("");
+    for (const std::string& text : texts) out.values.emplace_back(text);
     out.values.emplace_back(OTHER_TEXT);
     out.values.emplace_back(OTHER_TEXT_WITH_NUMBER);
     out.values.emplace_back("");

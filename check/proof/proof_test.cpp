@@ -140,6 +140,13 @@ TEST(Proofs, Decide) {
        "lo rw { index { i } rangeValid { 0..(hi - 1) } default { 2 } }\n"
        "hi rw { index { i } rangeValid { (lo + 1)..9 } default { 5 } }\n",
        {}},
+      // Of two ranges one takes every value, and the other one corrects: "b" is kept.
+      {"p rw { rangeValid { 0..1 } default { 0 } }\n"
+       "q rw { rangeValid { (p + 1) } rangeValid (p >= p) { 0..(p - 1) } rangeValid (p < 1) { "
+       "\"b\", 1 }"
+       " default { 1 } }\n"
+       "r rw { rangeValid (q == 1) { 0 } rangeValid (q != 1) { 1 } default { 0 } }\n",
+       {"always-true", "empty-range"}},
       // A range that is empty while the partner's staged value is seen.
       {"a rw { rangeValid { (b + 1) } default { 1 } }\n"
        "b rw { rangeValid { 0..(3 - a) } default { 1 } }\n",

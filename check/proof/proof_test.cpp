@@ -142,11 +142,10 @@ TEST(Proofs, Decide) {
        {}},
       // Of two ranges one takes every value, and the other one corrects: "b" is kept.
       {"p rw { rangeValid { 0..1 } default { 0 } }\n"
-       "q rw { rangeValid { (p + 1) } rangeValid (p >= p) { 0..(p - 1) } rangeValid (p < 1) { "
-       "\"b\", 1 }"
-       " default { 1 } }\n"
+       "q rw { rangeValid { (p - p + 1) } rangeValid (p < 1) { 0..(p - 2) }\n"
+       "  rangeValid (p < 1) { \"b\", 1 } default { 1 } }\n"
        "r rw { rangeValid (q == 1) { 0 } rangeValid (q != 1) { 1 } default { 0 } }\n",
-       {"always-true", "empty-range"}},
+       {"empty-range"}},
       // A range that is empty while the partner's staged value is seen.
       {"a rw { rangeValid { (b + 1) } default { 1 } }\n"
        "b rw { rangeValid { 0..(3 - a) } default { 1 } }\n",

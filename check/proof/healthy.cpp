@@ -127,13 +127,14 @@ class HealthyTrials {
     isImpossible = isImpossible && !limit_.isReached();
     // The solver does not know what else is asked of the situation.
     if (!found_ && !isImpossible && !question_.isMet) isImpossible = solveForAll();
-    if (found_) return {VERDICT_POSSIBLE, *std::move(found_)};
-    return {isImpossible ? VERDICT_IMPOSSIBLE : VERDICT_UNDECIDED, {}};
+    if (found_) return {VERDICT_POSSIBLE, *std::move(found_), tried_->indices()};
+    return {isImpossible ? VERDICT_IMPOSSIBLE : VERDICT_UNDECIDED, {}, {}};
   }
 
  private:
   // Returns whether the goal is proved to be out of reach.
   bool tryFor(const Reader& reader) {
+    tried_ = &reader;
     Attempt attempt(question_, reader);
     if (attempt.cone().instances().size() > MANY_INSTANCES) return false;
     attempt.cone().noteUses(question_.goal, question_.text);
@@ -154,6 +155,7 @@ class HealthyTrials {
   bool solveForAll() {
     for (const Reader& reader : readers_.all) {
       if (limit_.isOver()) return false;
+      tried_ = &reader;
       Attempt attempt(question_, reader);
       if (attempt.cone().instances().size() > MANY_INSTANCES) return false;
       const bool isRing = attempt.cone().hasRing();
@@ -181,6 +183,7 @@ class HealthyTrials {
   const HealthyQuestion& question_;
   Readers readers_;
   TrialLimit limit_;
+  const Reader* tried_ = nullptr;  // the last
   std::optional<NamedValues> found_;
 };
 

@@ -11,6 +11,7 @@ struct HealthyResult {
   /// Of VERDICT_POSSIBLE: the values of what the goal depends on, in the order in which they can be
   /// set one after the other. The engine has been in this situation.
   NamedValues witness = {};
+  IndexTuple indices = {};  ///< of VERDICT_POSSIBLE: those of the instance that reads the goal
 };
 
 /// How many values are set before a goal is left undecided.

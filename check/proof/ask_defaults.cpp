@@ -1,7 +1,17 @@
+#include "check/proof/present_value.h"
 #include "check/proof/questions.h"
+#include "check/proof/replay.h"
 #include "check/proof/setter.h"
+#include "check/proof/start_order.h"
+#include "database/gather.h"
+#include "database/index_values.h"
+#include "sw/parm/parm_name.h"
+#include "sw/parm/present_bounds.h"
 
 namespace {
+
+// Of a parameter that many depend on, each instance is much like the other.
+constexpr size_t FEW_INSTANCES = 16;
 
 // The text of a default that is the same in all situations.
 std::optional<std::string> constantText(const CompiledItem& value) {
@@ -11,39 +21,142 @@ std::optional<std::string> constantText(const CompiledItem& value) {
   return constant.valid() ? std::optional(constant.asText()) : std::nullopt;
 }
 
-void askDefault(Proof& proof, const Subject& subject, const CompiledStatement& statement) {
+// What a default means: a word that is translated is kept as its translation.
+std::string translated(const ParmDef& parm, std::string value) {
+  parm.translateTwice(value);
+  return value;
+}
+
+TextPlace placeOf(const CompiledItem& value) { return {value.at.line, value.at.column, 0}; }
+
+// Returns whether it is told that no situation keeps the default.
+bool askDefault(Proof& proof, const Subject& subject, const CompiledStatement& statement) {
   const CompiledItem& value = statement.items.front();
   const std::optional<std::string> text = constantText(value);
-  if (!text || proof.isTold("unknown-standard", {{subject.name(), *text}})) return;
+  if (!text) return false;
+  if (proof.isTold("unknown-standard", {{subject.name(), *text}})) return true;
   Goal counts{&subject};
   counts.dependsOnRanges = true;
   if (statement.condition) counts.clauses.push_back({{&*statement.condition, WANT_TRUE}});
   std::string instead;
   const auto isKept = [&](const IndexTuple& indices) {
     const std::optional<std::string> kept = valueKept(*subject.parm, indices, *text);
-    if (kept && *kept != *text) instead = *kept;
-    return kept == *text;
+    const std::string wanted = translated(subject.parm->parm, *text);
+    if (kept && *kept != wanted) instead = *kept;
+    return kept == wanted;
   };
   const HealthyResult result = proof.findHealthy(counts, isKept);
-  const TextPlace at = {value.at.line, value.at.column, 0};
   if (proof.isCutShort()) {
-    proof.addUndecided({"default-outside", at, "no situation keeps this default"});
+    proof.addUndecided({"default-outside", placeOf(value), "no situation keeps this default"});
   }
   // Where it never counts, or the parameter is never there, another finding says so.
-  if (result.verdict != VERDICT_IMPOSSIBLE || instead.empty()) return;
-  proof.add(
-      {"default-outside", at, "no situation keeps this default: it becomes \"" + instead + '"'});
+  if (result.verdict != VERDICT_IMPOSSIBLE || instead.empty()) return false;
+  proof.add({"default-outside", placeOf(value),
+             "no situation keeps this default: it becomes \"" + instead + '"'});
+  return true;
 }
+
+// Looks for a default that is lost where everything has its own, as after a start.
+class DefaultsOfTheStart {
+ public:
+  DefaultsOfTheStart(Proof& proof, const Subject& subject)
+      : proof_(proof), database_(proof.text().database()), subject_(subject) {}
+
+  void ask() {
+    std::vector<IndexTuple> instances;
+    forEachInstance(database_, subject_.parm->parm, [&](const IndexTuple& indices) {
+      if (instances.size() < FEW_INSTANCES) instances.push_back(indices);
+    });
+    for (const IndexTuple& indices : instances) {
+      bool isLost = false;
+      if (!proof_.ask([&] { isLost = askInstance(indices); })) {
+        proof_.addUndecided({"default-outside", placeOf(subject_.defaults.front().items.front()),
+                             "the start does not keep this default"});
+      }
+      if (isLost || proof_.isCutShort()) return;
+    }
+  }
+
+ private:
+  bool askInstance(const IndexTuple& indices) {
+    StartOrder order;
+    if (!findStartOrder(database_, fullName(subject_.name(), indices), order)) return false;
+    ConfinedCommits commits(order.names, database_);
+    static_cast<void>(commits.moveFromDefaults({}));
+    return tellWhereLost(indices, order);
+  }
+
+  bool tellWhereLost(const IndexTuple& indices, const StartOrder& order) {
+    const StagedValues staged;
+    std::string value;
+    const auto situation = gatherBound(*subject_.parm, indices, staged);
+    static_cast<void>(subject_.parm->parm.defaultValue(value, situation));
+    if (value.empty()) return false;
+    value = translated(subject_.parm->parm, value);
+    const std::optional<std::string> kept = valueKept(*subject_.parm, indices, value);
+    if (!kept || *kept == value || isDerived(situation)) return false;
+    const CompiledStatement* const statement = statementThatCounts(indices);
+    if (statement == nullptr) return false;
+    Finding finding{"default-outside", placeOf(statement->items.front()),
+                    "the start does not keep this default: with the defaults of the others \"" +
+                        value + "\" becomes \"" + *kept + '"'};
+    for (const Instance& instance : order.instances) {
+      if (instance.parm == subject_.parm || !instance.isComplete()) continue;
+      finding.witness.emplace_back(fullName(instance.parm->parm.name(), instance.indices),
+                                   instance.parm->parm.committedText(instance.indices));
+    }
+    proof_.add(std::move(finding));
+    return true;
+  }
+
+  // Whether there is only one value to have, so that the default is for other situations.
+  [[nodiscard]] bool isDerived(const SituationView& situation) const {
+    const PresentBounds present(subject_.parm->parm.conditionalBounds(), situation,
+                                UNUSABLE_ACCEPTS);
+    Domain domain;
+    for (const BoundsParm* const bounds : present.applying()) domain.add(*bounds);
+    return domain.size() == 1;
+  }
+
+  [[nodiscard]] const CompiledStatement* statementThatCounts(const IndexTuple& indices) const {
+    const Reader reader(subject_.parm, indices, indices.size());
+    const StagedValues staged;
+    const CompiledStatement* last = nullptr;
+    for (const CompiledStatement& statement : subject_.defaults) {
+      const CompiledItem& item = statement.items.front();
+      if (item.lower && !presentValue(*item.lower, reader, staged).valid()) continue;
+      if (!statement.condition) {
+        last = &statement;
+      } else if (presentValue(*statement.condition, reader, staged).isTrue()) {
+        return &statement;
+      }
+    }
+    return last;
+  }
+
+  Proof& proof_;
+  Database& database_;
+  const Subject& subject_;
+};
 
 }  // namespace
 
 void askDefaults(Proof& proof, const Explained& explained) {
   for (const Subject& subject : proof.subjects()) {
     if (subject.parm == nullptr || subject.parm->parm.mode() == MODE_NEVER) continue;
+    bool isTold = false;
     for (const CompiledStatement& statement : subject.defaults) {
       const CompiledItem& value = statement.items.front();
-      const bool isTold = value.text && explained.explainedText(subject, *value.text) != nullptr;
-      if (!isTold && !explained.dead.contains(&statement)) askDefault(proof, subject, statement);
+      if (value.text && explained.explainedText(subject, *value.text) != nullptr) {
+        isTold = true;
+      } else if (!explained.dead.contains(&statement)) {
+        isTold = askDefault(proof, subject, statement) || isTold;
+      }
     }
+    // What the device itself sets, and what follows others, has a default only not to be empty.
+    const bool isSetByClients =
+        subject.record->access == ACCESS_RW || subject.record->access == ACCESS_WO;
+    const bool follows = !subject.defaults.empty() && !subject.parm->sources.empty();
+    if (isSetByClients && follows && !isTold) DefaultsOfTheStart(proof, subject).ask();
   }
 }

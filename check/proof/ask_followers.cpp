@@ -84,14 +84,14 @@ class Follower {
     for (const std::string& value : values) {
       if (proof_.isOver()) break;
       static_cast<void>(commits.moveFromDefaults(startWith(change, value)));
-      ranges.push_back(presentRange());
+      ranges.push_back(isWritable() ? presentRange() : Domain());
     }
     isAsked_ = ranges.size() == values.size();
     if (!isAsked_) return;
     for (size_t after = 0; after < values.size(); ++after) {
       for (size_t before = 0; before < values.size(); ++before) {
         if (values[after].empty() || before == after) continue;
-        for (const std::string& own : valuesOf(ranges[after])) {
+        for (const std::string& own : ownValues(ranges[after])) {
           // What the old range takes too is not lost.
           if (ranges[before].contains(own)) continue;
           isAsked_ = ++commits_ <= MANY_COMMITS && !proof_.isOver();
@@ -108,6 +108,23 @@ class Follower {
     return value.empty() ? NamedValues() : NamedValues{{name, value}};
   }
 
+  // Whether a value is taken at all in what is set now.
+  bool isWritable() {
+    const StagedValues staged;
+    const ParmDef& parm = subject_.parm->parm;
+    if (!parm.isAvailable(gather(*subject_.parm, indices_, staged))) return false;
+    return isForced() || !parm.isReadOnly(gatherBound(*subject_.parm, indices_, staged));
+  }
+  // Whether only the device sets it.
+  [[nodiscard]] bool isForced() const {
+    return subject_.record->access == ACCESS_RO || subject_.record->access == ACCESS_ROSTRICT;
+  }
+
+  // Where everything is taken, one value is as good as another.
+  static std::vector<std::string> ownValues(const Domain& range) {
+    return range.isAll() ? std::vector<std::string>{"1"} : valuesOf(range);
+  }
+
   // What the parameter takes in what is set now.
   Domain presentRange() {
     BoundsParm bounds;
@@ -122,24 +139,34 @@ class Follower {
   // Sets `own` after `change`, and with it: what the first keeps is not to be lost by the second.
   void tryBoth(const NamedValues& start, const std::pair<std::string, std::string>& change,
                const std::string& own, ConfinedCommits& commits) {
-    NamedValues oneByOne = start;
-    oneByOne.insert(oneByOne.end(), {change, {name_, own}});
-    if (!commits.moveFromDefaults(oneByOne) || held() != own) return;
     static_cast<void>(commits.moveFromDefaults(start));
-    Transaction transaction(database_);
-    static_cast<void>(transaction.set(change.first, change.second, true));
-    static_cast<void>(transaction.set(name_, own, true));
-    std::vector<Change> changes;
-    static_cast<void>(commit(transaction, changes));
+    commitOf({change});
+    commitOf({{name_, own}});
+    if (held() != own) return;
+    static_cast<void>(commits.moveFromDefaults(start));
+    const bool wasWritable = isWritable();
+    commitOf({change, {name_, own}});
     const std::string left = held();
     if (left == own) return;
     const std::string changed = '"' + std::string(baseName(change.first)) + '"';
     derived_ = derivedFrom(database_.findNamed(change.first));
+    const std::string loss =
+        wasWritable ? "\" becomes \"" + left + '"'
+                    : "\" is passed over, because the parameter was read-only or not available";
     found_ = findingWith("set in one commit with " + changed + ", this",
-                         "a value that fits can be lost: here \"" + own + "\" becomes \"" + left +
-                             '"' + beforeText(start) + "; name " + changed + " instead of \"" +
-                             derived_->name() + '"');
+                         "a value that fits can be lost: here \"" + own + loss + beforeText(start) +
+                             "; name " + changed + " instead of \"" + derived_->name() + '"');
     found_->witness = {change, {name_, own}};
+  }
+
+  // Commits `values` together; its own as those set it who may, the others by force.
+  void commitOf(const NamedValues& values) {
+    Transaction transaction(database_);
+    for (const auto& [name, value] : values) {
+      static_cast<void>(transaction.set(name, value, name != name_ || isForced()));
+    }
+    std::vector<Change> changes;
+    static_cast<void>(commit(transaction, changes));
   }
 
   [[nodiscard]] Finding findingWith(const std::string& subject, const std::string& loss) const {
@@ -205,7 +232,7 @@ const Subject* derivedOf(const Proof& proof, const Subject& subject) {
 void askFollowers(Proof& proof) {
   for (const Subject& subject : proof.subjects()) {
     if (subject.parm == nullptr || subject.parm->parm.mode() == MODE_NEVER ||
-        subject.parm->hasDependents() || subject.parm->parm.conditionalBounds().empty()) {
+        subject.parm->hasDependents()) {
       continue;
     }
     const Subject* const derived = derivedOf(proof, subject);

@@ -235,8 +235,9 @@ Right:
      R"(A parameter that nothing depends on is judged at the very start of the commit
 that stages it. What it follows by way of a derived parameter still holds its
 old value then. So a value that is staged together with the change can be cut to
-the old range, or be lost. Let the range name the parameters that are set, not
-those derived from them.
+the old range; or it is lost, because the parameter was read-only or not
+available before. Let the range, the ctrlRO or the ctrlValid name the parameters
+that are set, not those derived from them.
 
 Wrong:
     mode rw { rangeValid { "1080i/50", "720p/50" } default { "1080i/50" } }

@@ -40,6 +40,17 @@ struct TokenOrder {
 };
 using ConditionPlaces = std::map<const Expression*, size_t, TokenOrder>;
 
+// Two computed items are the same when both of their ends are.
+struct ItemOrder {
+  bool operator()(const RangeItem* a, const RangeItem* b) const {
+    const Expression none;
+    const auto upperOf = [&](const RangeItem& item) { return item.upper ? &*item.upper : &none; };
+    const TokenOrder before;
+    if (before(&a->lower, &b->lower)) return true;
+    return !before(&b->lower, &a->lower) && before(upperOf(*a), upperOf(*b));
+  }
+};
+
 class OverlapCheck {
  public:
   OverlapCheck(StaticContext& context, const NamedDefinition& definition)
@@ -100,6 +111,7 @@ class OverlapCheck {
   // takes no more than its share.
   void checkItems(std::span<const RangeItem> items) {
     std::map<std::string_view, const RangeItem*> texts;
+    std::map<const RangeItem*, const RangeItem*, ItemOrder> computed;
     std::vector<std::pair<Span, const RangeItem*>> spans;
     for (const RangeItem& item : items) {
       if (item.text) {
@@ -109,6 +121,8 @@ class OverlapCheck {
         }
       } else if (const std::optional<Span> span = spanOf(item)) {
         spans.emplace_back(*span, &item);
+      } else if (const auto [same, isNew] = computed.emplace(&item, &item); !isNew) {
+        tellItem(item, *same->second, "this is in this list already");
       }
     }
     std::ranges::stable_sort(spans, {}, [](const auto& entry) { return entry.first.first; });
@@ -139,36 +153,59 @@ class OverlapCheck {
 
   // Statements without a condition add up, though they are often written as limits of one another.
   void checkSum() {
-    struct Item {
-      const RangeItem* item;
-      size_t statement;
-      std::optional<int32_t> low, high;
-    };
-    std::vector<Item> items;
+    std::vector<SumItem> items;
+    std::map<std::string_view, size_t> texts;  // their statements
     size_t place = 0;
     for (const RangeStatement& statement : definition_.record->rangeValid) {
-      if (statement.condition.empty() && statement.items.size() == 1 &&
-          statement.items.front().upper) {
-        const RangeItem& item = statement.items.front();
-        items.push_back({&item, place, literalOf(item.lower), literalOf(*item.upper)});
+      if (statement.condition.empty()) {
+        for (const RangeItem& item : statement.items) {
+          if (!item.text) {
+            items.push_back(sumItemOf(item, place, statement.items.size() == 1));
+          } else if (const size_t earlier = texts.emplace(*item.text, place).first->second;
+                     earlier != place) {
+            tellSum(place, earlier);
+            return;
+          }
+        }
       }
       ++place;
     }
     for (size_t i = 1; i < items.size() && i < MAX_SUM; ++i) {
       for (size_t j = 0; j < i; ++j) {
-        const Item& a = items[j];
-        const Item& b = items[i];
-        const bool isCut = sameEnd(a.low, b.low) || sameEnd(a.high, b.high);
-        const bool isInside = a.low && a.high && b.low && b.high &&
-                              std::max(*a.low, *b.low) <= std::min(*a.high, *b.high);
-        if (!isCut && !isInside) continue;
-        add(definition_.keyword("rangeValid", b.statement),
-            "ranges without a condition add up, so this one limits nothing that the other allows; "
-            "write one range, or a condition for each",
-            definition_.keyword("rangeValid", a.statement), "the other range");
+        if (!sayTheSame(items[j], items[i])) continue;
+        tellSum(items[i].statement, items[j].statement);
         return;
       }
     }
+  }
+
+  // An item that is no text, with the ends that are written as numbers.
+  struct SumItem {
+    size_t statement;
+    bool isSpanAlone;
+    std::optional<int32_t> low, high;
+  };
+
+  static SumItem sumItemOf(const RangeItem& item, size_t statement, bool isAlone) {
+    return {statement, isAlone && item.upper.has_value(), literalOf(item.lower),
+            literalOf(item.upper ? *item.upper : item.lower)};
+  }
+
+  static bool sayTheSame(const SumItem& a, const SumItem& b) {
+    if (a.statement == b.statement) return false;
+    if (!a.isSpanAlone || !b.isSpanAlone) {
+      return a.low && a.high && a.low == b.low && a.high == b.high;
+    }
+    return sameEnd(a.low, b.low) || sameEnd(a.high, b.high) ||
+           (a.low && a.high && b.low && b.high &&
+            std::max(*a.low, *b.low) <= std::min(*a.high, *b.high));
+  }
+
+  void tellSum(size_t place, size_t earlier) {
+    add(definition_.keyword("rangeValid", place),
+        "ranges without a condition add up, so this one limits nothing that the other allows; "
+        "write one range, or a condition for each",
+        definition_.keyword("rangeValid", earlier), "the other range");
   }
 
   static bool sameEnd(std::optional<int32_t> a, std::optional<int32_t> b) { return a && a == b; }

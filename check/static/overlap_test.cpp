@@ -10,6 +10,9 @@ TEST(Overlap, IsWhatAListSaysTwice) {
       {"a rw { rangeValid { 1..9, 5 } rangeDoc { 2, 2 } }", {"1:27 5", "1:45 2"}},
       {"a rw { rangeValid { \"a\", \"b\", \"a\" } }", {"1:31 \"a\""}},
       {"a rw { rangeValid { 0x10, 16 } }", {"1:27 16"}},
+      {"n rw { } a rw { rangeValid { (n), 1, (n) } }", {"1:38 ("}},
+      {"n rw { } a rw { rangeValid { 0..(n), 0..(n) } }", {"1:38 0..(n)"}},
+      {"n rw { } a rw { rangeValid { 0..(n), 0..(n + 1), (n), (n)..9, 1..(n) } }"},
       {"a rw { rangeValid { 0..5, 6..9, \"a\", \"A\" } }"},
       {"a rw { rangeValid { \"5\", \"05\" } }"},
   };
@@ -23,7 +26,12 @@ TEST(Overlap, IsASumThatLooksLikeALimit) {
       {"n rw { } a rw { rangeValid { 0..100 } rangeValid { (n)..100 } }", {"1:39 rangeValid"}},
       {"a rw { rangeValid { 0..100 } rangeValid { 10..50 } }", {"1:30 rangeValid"}},
       {"n rw { } i index { rangeValid { 1..4 } rangeValid { 1..(n) } }", {"1:40 rangeValid"}},
+      {"a rw { rangeValid { \"a\", \"b\" } rangeValid { \"c\", \"b\" } }", {"1:32 rangeValid"}},
+      {"a rw { rangeValid { 1, 4..6 } rangeValid { 9, 1 } }", {"1:31 rangeValid"}},
+      {"a rw { rangeValid { 1, 4..6 } rangeValid { 9, 5 } }"},
       {"a rw { rangeValid { 0..9 } rangeValid { 20..29 } }"},
+      {"a rw { rangeValid { 1, 3, \"a\" } rangeValid { 2, \"b\" } }"},
+      {"n rw { } a rw { rangeValid { \"a\", \"b\" } rangeValid (n) { \"a\" } }"},
       {"n rw { } a rw { rangeValid { 0..9 } rangeValid { (n)..(n + 9) } }"},
       {"n rw { } a rw { rangeValid { 0..100 } rangeValid (n) { 0..(n) } }"},
   };

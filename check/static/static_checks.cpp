@@ -8,6 +8,8 @@ ExplainedPlaces checkStatics(const CheckedText& checked, Findings& findings) {
   checkOctal(context);
   checkPrecedence(context);
   checkOverlap(context);
+  checkIndexStatements(context);
+  checkTriggers(context);
   checkOwnIndices(context);
   checkEmptyTexts(context);
   // What could not be read would be missed, and reported twice.

@@ -24,6 +24,10 @@ void checkOctal(StaticContext& context);
 void checkPrecedence(StaticContext& context);
 /// overlap: items and statements that say again, or not as meant, what another one says.
 void checkOverlap(StaticContext& context);
+/// indexed-index: statements of an index that nothing reads.
+void checkIndexStatements(StaticContext& context);
+/// write-only-condition: a trigger whose range follows a parameter.
+void checkTriggers(StaticContext& context);
 /// unused-index: an index that nothing uses.
 void checkUnusedIndices(StaticContext& context);
 /// quoted-number: a text where a number is meant.

@@ -197,9 +197,10 @@ Right:
     gain rw { index { channel } rangeValid { 0..9 } default { 0 } }
     monitor rw { rangeValid { 0..(gain[2]) } default { 0 } }
 )"},
-    {"indexed-index", GROUP_BUILDER, LEVEL_WARNING, "an index has an index statement",
-     R"(An index has no instances, so its index statement is passed over. Parameters
-with two indices name both.
+    {"indexed-index", GROUP_BUILDER, LEVEL_WARNING, "an index has a statement for parameters only",
+     R"(An index has no instances and no value. So its index statement, its defaults,
+its ctrlRO and its rangeDoc are passed over. Parameters with two indices name
+both.
 
 Wrong:
     side index { rangeValid { "left", "right" } }
@@ -398,10 +399,10 @@ Right:
     area ro { rangeValid { (a * b) } }
 )"},
     {"overlap", GROUP_STATIC, LEVEL_WARNING, "items or statements that say the same twice",
-     R"(Two items of a list have values in common; or two statements of a kind have the
-same condition, or none, and differ. Of two such ranges a value is allowed when
-either allows it, and of two defaults only the first counts. So one of the two
-says nothing, or not what was meant.
+     R"(Two items of a list have values in common, or are the same expression; or two
+statements of a kind have the same condition, or none, and differ. Of two such
+ranges a value is allowed when either allows it, and of two defaults only the
+first counts. So one of the two says nothing, or not what was meant.
 
 Wrong:
     gain rw { rangeValid { 0..5, 3..9 } default { 0 } }
@@ -698,9 +699,11 @@ Right:
     channel index { rangeValid { 1..2 } }
     gain rw { index { channel } rangeValid { 0..9 } default { 0 } }
 )"},
-    {"write-only-condition", GROUP_READING, LEVEL_ERROR, "a trigger with a ctrlRO",
+    {"write-only-condition", GROUP_READING, LEVEL_ERROR, "a trigger that hangs on parameters",
      R"(A wo parameter is never read-only, so it cannot have a ctrlRO. A ctrlValid says
-when the trigger is available.
+when the trigger is available. Nor should its range follow a parameter: each
+commit of that announces the trigger again, with its last value, as if somebody
+had set it. That is a warning.
 
 Wrong:
     locked rw { rangeValid { 0..1 } default { 0 } }

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <memory>
 
 #include "check/proof/compared_values.h"
@@ -134,16 +135,42 @@ bool isConditionalOnly(const Subject& subject) {
   return definition.baseBounds().count() == 0 && !definition.conditionalBounds().empty();
 }
 
+// Whether constants of the command line have decided a condition: perhaps the product has no such
+// index.
+bool isVaried(const Subject& subject) {
+  const auto isDecided = [](const CompiledStatement& statement) {
+    return statement.condition &&
+           std::ranges::any_of(statement.condition->sources, [](const VariableSource& source) {
+             return source.constant != nullptr;
+           });
+  };
+  return std::ranges::any_of(subject.rangeValid, isDecided) ||
+         std::ranges::any_of(subject.ctrlValid, isDecided);
+}
+
+// Commits and queries know of an index what counts always and is constant.
+void askIndex(Proof& proof, const Subject& subject) {
+  const std::vector<ParmEntry*>& dependents = subject.index->dependents;
+  if (subject.index->index->baseBounds().count() > 0 || dependents.empty()) return;
+  if (isVaried(subject)) return;
+  Finding finding{"uncovered",
+                  subject.rangeValid.empty() ? placeOfName(subject)
+                                             : placeOf(*subject.rangeValid.front().layout),
+                  "this index has no constant range, so that no commit, reset or query knows an "
+                  "instance of \"" +
+                      dependents.front()->parm.name() +
+                      "\"; give it one without a condition, of all values that it may ever have"};
+  finding.level = LEVEL_ERROR;
+  proof.add(std::move(finding));
+}
+
 bool askRanges(Proof& proof, const Subject& subject, const Explained& explained) {
   if (!isConditionalOnly(subject)) return false;
   const std::optional<Goal> goal = noneOf(subject, subject.rangeValid);
   if (!goal) return false;
-  const char* const text =
-      subject.parm == nullptr
-          ? "there is a situation in which none of these ranges counts, and the index takes no "
-            "value"
-          : "there is a situation in which none of these ranges counts, and every value is taken";
-  Finding finding{"uncovered", placeOf(*subject.rangeValid.front().layout), text};
+  Finding finding{"uncovered", placeOf(*subject.rangeValid.front().layout),
+                  "there is a situation in which none of these ranges counts, and every value is "
+                  "taken"};
   finding.level = LEVEL_ERROR;
   return addUncovered(proof, *goal, subject.rangeValid, explained, std::move(finding));
 }
@@ -163,9 +190,12 @@ void askOfDefaults(Proof& proof, const Subject& subject, const Explained& explai
 
 void askCoverage(Proof& proof, const Explained& explained) {
   for (const Subject& subject : proof.subjects()) {
-    const bool isReported =
-        explained.explains(subject.rangeValid) || askRanges(proof, subject, explained);
-    if (!isReported && !explained.explains(subject.defaults) && subject.parm != nullptr) {
+    if (explained.explains(subject.rangeValid)) continue;
+    if (subject.index != nullptr) {
+      askIndex(proof, subject);
+      continue;
+    }
+    if (!askRanges(proof, subject, explained) && !explained.explains(subject.defaults)) {
       askOfDefaults(proof, subject, explained);
     }
   }

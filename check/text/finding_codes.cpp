@@ -537,7 +537,9 @@ Right:
     {"uncovered", GROUP_PROVED, LEVEL_ERROR, "sometimes no range or no default applies",
      R"(All ranges, or all defaults, have a condition, and none of them holds in the
 situation named. Without a range every value is accepted; that is an error.
-Without a default a reset gives the empty value; that is a warning.
+Without a default a reset gives the empty value; that is a warning. An index
+needs a constant range without a condition in any case: commits, resets and
+queries know only the instances that it gives.
 
 Wrong:
     mode rw { rangeValid { 1..3 } default { 1 } }

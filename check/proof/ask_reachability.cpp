@@ -159,6 +159,107 @@ void askRanges(Proof& proof, const Subject& subject, Explained& explained) {
   }
 }
 
+// A parameter that nobody sets, whose ranges have one value each: it becomes the first of them that
+// applies, unless it holds another one that applies.
+class DerivedValues {
+ public:
+  DerivedValues(Proof& proof, const Subject& subject, Explained& explained)
+      : proof_(proof), subject_(subject), explained_(explained) {}
+
+  void ask() {
+    if (!findValues()) return;
+    for (size_t place = 0; place < values_.size(); ++place) {
+      // What another range gives, too, may be meant to be held on to.
+      if (isGivenElsewhere(place) || askFirst(place)) continue;
+      for (size_t later = place + 1; later < values_.size(); ++later) {
+        if (askPair(place, later)) break;
+      }
+    }
+  }
+
+ private:
+  struct DerivedValue {
+    const CompiledStatement* statement;
+    Domain value;
+  };
+
+  bool findValues() {
+    if (subject_.record->access != ACCESS_RO && subject_.record->access != ACCESS_ROSTRICT) {
+      return false;
+    }
+    for (const CompiledStatement& statement : subject_.rangeValid) {
+      if (explained_.dead.contains(&statement)) continue;
+      const std::optional<Domain> value = constantValues(statement);
+      if (!statement.condition || !value || value->size() != 1) return false;
+      values_.push_back({&statement, *value});
+    }
+    return std::ranges::all_of(subject_.defaults, [](const CompiledStatement& statement) {
+      return constantValues(statement).has_value();
+    });
+  }
+
+  [[nodiscard]] bool isGivenElsewhere(size_t place) const {
+    const Domain& value = values_[place].value;
+    for (size_t other = 0; other < values_.size(); ++other) {
+      if (other != place && isWithin(values_[other].value, value)) return true;
+    }
+    return std::ranges::any_of(subject_.defaults, [&](const CompiledStatement& statement) {
+      return isWithin(*constantValues(statement), value);
+    });
+  }
+
+  [[nodiscard]] Goal countsAt(size_t place) const {
+    return {&subject_, {{{&*values_[place].statement->condition, WANT_TRUE}}}};
+  }
+
+  // Tells that earlier ranges always count, too. Returns whether that is so.
+  bool askFirst(size_t place) {
+    if (place == 0) return false;
+    const char* const text =
+        "this range never gives its value: whenever it counts an earlier one does, too, and "
+        "decides first; let the conditions exclude each other";
+    std::vector<const CompiledStatement*> earlier;
+    Goal goal = countsAt(place);
+    for (size_t other = 0; other < place; ++other) {
+      earlier.push_back(values_[other].statement);
+      goal.clauses.push_back(passedOver(*earlier.back()));
+    }
+    const CompiledStatement& statement = *values_[place].statement;
+    const Verdict verdict = proof_.decide(goal, ANY_VARIANT);
+    if (verdict == VERDICT_UNDECIDED) proof_.addUndecided(unreachable(statement, text));
+    if (verdict != VERDICT_IMPOSSIBLE) return false;
+    addUnreachable(proof_, statement, coverOf(proof_, countsAt(place), earlier, passedOver), text);
+    explained_.dead.insert(&statement);
+    return true;
+  }
+
+  // Tells that a later range always counts, too. Returns whether that is so.
+  bool askPair(size_t place, size_t later) {
+    const CompiledStatement& special = *values_[place].statement;
+    const CompiledStatement& general = *values_[later].statement;
+    Goal goal = countsAt(place);
+    goal.clauses.push_back(passedOver(general));
+    const Verdict verdict = proof_.decide(goal, ANY_VARIANT);
+    if (verdict == VERDICT_POSSIBLE) return false;
+    Finding finding{"overlap", placeOf(*general.layout),
+                    "this range counts, too, whenever an earlier one does, and the value that is "
+                    "held then stays, so that the earlier one decides only sometimes; let the "
+                    "conditions exclude each other"};
+    finding.related.push_back({placeOf(*special.layout), "the earlier one"});
+    if (verdict == VERDICT_UNDECIDED) {
+      proof_.addUndecided(std::move(finding));
+      return false;
+    }
+    proof_.add(std::move(finding));
+    return true;
+  }
+
+  Proof& proof_;
+  const Subject& subject_;
+  Explained& explained_;
+  std::vector<DerivedValue> values_;
+};
+
 }  // namespace
 
 void askReachability(Proof& proof, Explained& explained) {
@@ -174,5 +275,6 @@ void askReachability(Proof& proof, Explained& explained) {
     askFirstThatApplies(proof, subject, subject.rangeDoc, passedOver,
                         "this range is never told: an earlier one always counts", explained);
     askRanges(proof, subject, explained);
+    DerivedValues(proof, subject, explained).ask();
   }
 }

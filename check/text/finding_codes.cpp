@@ -398,11 +398,13 @@ Right:
     b rw { rangeValid { 0..10000 } default { 0 } }
     area ro { rangeValid { (a * b) } }
 )"},
-    {"overlap", GROUP_STATIC, LEVEL_WARNING, "items or statements that say the same twice",
+    {"overlap", GROUP_PROVED, LEVEL_WARNING, "items or statements that say the same twice",
      R"(Two items of a list have values in common, or are the same expression; or two
 statements of a kind have the same condition, or none, and differ. Of two such
 ranges a value is allowed when either allows it, and of two defaults only the
-first counts. So one of the two says nothing, or not what was meant.
+first counts. So one of the two says nothing, or not what was meant. That is so,
+too, for the values of a parameter that the device derives: where one condition
+contains another one, the value that is held already stays.
 
 Wrong:
     gain rw { rangeValid { 0..5, 3..9 } default { 0 } }
@@ -649,7 +651,8 @@ Right:
 )"},
     {"unreachable", GROUP_PROVED, LEVEL_WARNING, "a statement that an earlier one always covers",
      R"(Whenever the condition of this default, range or rangeDoc holds, that of an
-earlier one holds as well and decides. Have the most special condition first.
+earlier one holds as well and decides. Have the most special condition first. Of
+ranges that derive a value, let the conditions exclude each other.
 
 Wrong:
     mode rw { rangeValid { 0..3 } default { 0 } }

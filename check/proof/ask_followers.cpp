@@ -13,21 +13,6 @@ namespace {
 constexpr uint64_t FEW_VALUES = 12;
 constexpr size_t MANY_COMMITS = 200;
 
-// Values to try: all where there are few, else the ends of the spans and some of the texts.
-std::vector<std::string> valuesOf(const Domain& domain) {
-  if (const auto values = domain.values(FEW_VALUES)) return *values;
-  std::vector<std::string> values;
-  for (const auto& [low, high] : domain.spans()) {
-    for (const int32_t end : {low, high}) {
-      if (values.size() < FEW_VALUES) values.push_back(std::to_string(end));
-    }
-  }
-  for (const std::string& text : domain.texts()) {
-    if (values.size() < FEW_VALUES) values.push_back(text);
-  }
-  return values;
-}
-
 // Looks for values that a parameter takes once what it follows has followed, and loses where both
 // are set in one commit: nothing depends on it, so it is judged first.
 class Follower {
@@ -51,7 +36,7 @@ class Follower {
   std::optional<Finding> search() {
     IndexTuple indices;
     for (const IndexDef* index : subject_.parm->parm.indices()) {
-      const std::vector<std::string> values = valuesOf(indexDomain(*index));
+      const std::vector<std::string> values = valuesToTry(indexDomain(*index), FEW_VALUES);
       if (values.empty()) return std::nullopt;
       indices.push_back(values.front());
     }
@@ -79,7 +64,7 @@ class Follower {
   void askChange(const Instance& changed, ConfinedCommits& commits) {
     const std::string change = fullName(changed.parm->parm.name(), changed.indices);
     const NameDomain& domain = proof_.domains().of(database_.findSource(changed.parm->parm.name()));
-    const std::vector<std::string> values = valuesOf(domain.values);
+    const std::vector<std::string> values = valuesToTry(domain.values, FEW_VALUES);
     std::vector<Domain> ranges;
     for (const std::string& value : values) {
       if (proof_.isOver()) break;
@@ -122,7 +107,7 @@ class Follower {
 
   // Where everything is taken, one value is as good as another.
   static std::vector<std::string> ownValues(const Domain& range) {
-    return range.isAll() ? std::vector<std::string>{"1"} : valuesOf(range);
+    return range.isAll() ? std::vector<std::string>{"1"} : valuesToTry(range, FEW_VALUES);
   }
 
   // What the parameter takes in what is set now.

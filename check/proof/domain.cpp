@@ -70,3 +70,17 @@ std::optional<std::vector<std::string>> Domain::values(uint64_t most) const {
   values.insert(values.end(), texts_.begin(), texts_.end());
   return values;
 }
+
+std::vector<std::string> valuesToTry(const Domain& domain, uint64_t few) {
+  if (const auto values = domain.values(few)) return *values;
+  std::vector<std::string> values;
+  for (const auto& [low, high] : domain.spans()) {
+    for (const int32_t end : {low, high}) {
+      if (values.size() < few) values.push_back(std::to_string(end));
+    }
+  }
+  for (const std::string& text : domain.texts()) {
+    if (values.size() < few) values.push_back(text);
+  }
+  return values;
+}

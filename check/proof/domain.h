@@ -45,3 +45,7 @@ class Domain {
   BoundsInteger integers_;
   std::set<std::string, std::less<>> texts_;
 };
+
+/// Values of `domain` to try: all where there are at most `few`, else so many of the ends of its
+/// spans and of its texts.
+std::vector<std::string> valuesToTry(const Domain& domain, uint64_t few);

@@ -19,6 +19,7 @@ void prove(const CheckedText& checked, const ExplainedPlaces& explainedPlaces,
   askIndices(proof);
   askOverflow(proof, explained);
   askFollowers(proof);
+  askRings(proof, explained);
   if (!proof.asksOfWhole()) return;
   askBudget(proof);
   askStart(proof, explained);

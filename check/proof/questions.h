@@ -69,6 +69,8 @@ void askIndices(Proof& proof);
 void askOverflow(Proof& proof, const Explained& explained);
 /// default-outside and unsettled: what a start and a second commit do.
 void askStart(Proof& proof, const Explained& explained);
+/// unsettled: what parameters that refer to each other do after a change.
+void askRings(Proof& proof, const Explained& explained);
 /// late-follower: values that are lost where they are set together with what they follow.
 void askFollowers(Proof& proof);
 /// over-budget: changes that no commit takes.

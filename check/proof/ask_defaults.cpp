@@ -1,10 +1,8 @@
 #include "check/proof/present_value.h"
 #include "check/proof/questions.h"
-#include "check/proof/replay.h"
 #include "check/proof/setter.h"
 #include "check/proof/start_order.h"
 #include "database/gather.h"
-#include "database/index_values.h"
 #include "sw/parm/parm_name.h"
 #include "sw/parm/present_bounds.h"
 
@@ -63,11 +61,7 @@ class DefaultsOfTheStart {
       : proof_(proof), database_(proof.text().database()), subject_(subject) {}
 
   void ask() {
-    std::vector<IndexTuple> instances;
-    forEachInstance(database_, subject_.parm->parm, [&](const IndexTuple& indices) {
-      if (instances.size() < FEW_INSTANCES) instances.push_back(indices);
-    });
-    for (const IndexTuple& indices : instances) {
+    for (const IndexTuple& indices : someInstances(subject_.parm->parm, FEW_INSTANCES)) {
       bool isLost = false;
       if (!proof_.ask([&] { isLost = askInstance(indices); })) {
         proof_.addUndecided({"default-outside", placeOf(subject_.defaults.front().items.front()),
@@ -81,9 +75,21 @@ class DefaultsOfTheStart {
   bool askInstance(const IndexTuple& indices) {
     StartOrder order;
     if (!findStartOrder(database_, fullName(subject_.name(), indices), order)) return false;
-    ConfinedCommits commits(order.names, database_);
-    static_cast<void>(commits.moveFromDefaults({}));
-    return tellWhereLost(indices, order);
+    Setter setter;
+    for (const Instance& instance : order.instances) {
+      if (instance.isComplete()) reset(*instance.parm, instance.indices, setter);
+    }
+    const bool isLost = tellWhereLost(indices, order);
+    for (const Instance& instance : order.instances) {
+      if (instance.isComplete()) Setter::unset(*instance.parm, instance.indices);
+    }
+    return isLost;
+  }
+
+  static void reset(ParmEntry& parm, const IndexTuple& indices, Setter& setter) {
+    std::string value;
+    static_cast<void>(parm.parm.defaultValue(value, gatherBound(parm, indices, setter.staged())));
+    static_cast<void>(setter.set(parm, indices, value));
   }
 
   bool tellWhereLost(const IndexTuple& indices, const StartOrder& order) {

@@ -34,14 +34,10 @@ class Follower {
 
  private:
   std::optional<Finding> search() {
-    IndexTuple indices;
-    for (const IndexDef* index : subject_.parm->parm.indices()) {
-      const std::vector<std::string> values = valuesToTry(indexDomain(*index), FEW_VALUES);
-      if (values.empty()) return std::nullopt;
-      indices.push_back(values.front());
-    }
-    name_ = fullName(subject_.name(), indices);
-    indices_ = indices;
+    const std::vector<IndexTuple> instances = someInstances(subject_.parm->parm, 1);
+    if (instances.empty()) return std::nullopt;
+    indices_ = instances.front();
+    name_ = fullName(subject_.name(), indices_);
     StartOrder order;
     isAsked_ = findStartOrder(database_, name_, order);
     names_ = order.names;
@@ -52,12 +48,6 @@ class Follower {
       if (!isDerived && instance.isComplete()) askChange(instance, commits);
     }
     return found_;
-  }
-
-  static Domain indexDomain(const IndexDef& index) {
-    Domain domain;
-    domain.add(index.baseBounds());
-    return domain;
   }
 
   // Leaves in `found_` what is lost, if anything.

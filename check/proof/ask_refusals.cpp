@@ -2,9 +2,8 @@
 #include <cstdint>
 
 #include "check/proof/questions.h"
+#include "check/proof/setter.h"
 #include "check/static/static_bounds.h"
-#include "database/evaluation.h"
-#include "database/index_situations.h"
 
 namespace {
 
@@ -81,15 +80,8 @@ class Refusals {
   }
 
   // Whether a commit of `value` fails in the situation that is set.
-  [[nodiscard]] bool isRefused(const IndexTuple& indices, const std::string& value) const {
-    const StagedValues staged;
-    IndexSituations situations(staged);
-    StagedEntry entry;
-    entry.parm = subject_.parm;
-    entry.indices = indices;
-    entry.value.set(value);
-    entry.generated = true;
-    return evaluate(entry, situations, true) == SET_INVALID_VALUE;
+  [[nodiscard]] bool isRefused(const IndexTuple& indices, std::string value) const {
+    return Setter().set(*subject_.parm, indices, value, true) == SET_INVALID_VALUE;
   }
 
   // Tells the first range that lets a commit fail. Returns whether there is one.

@@ -4,7 +4,6 @@
 #include "check/proof/replay.h"
 #include "check/proof/resting.h"
 #include "check/proof/start_order.h"
-#include "database/index_values.h"
 #include "sw/parm/parm_name.h"
 
 namespace {
@@ -34,12 +33,9 @@ class Ring {
 
  private:
   std::optional<Finding> search() {
-    std::optional<IndexTuple> indices;
-    forEachInstance(database_, subject_.parm->parm, [&](const IndexTuple& instance) {
-      if (!indices) indices = instance;
-    });
-    if (!indices) return std::nullopt;
-    name_ = fullName(subject_.name(), *indices);
+    const std::vector<IndexTuple> instances = someInstances(subject_.parm->parm, 1);
+    if (instances.empty()) return std::nullopt;
+    name_ = fullName(subject_.name(), instances.front());
     isAsked_ = findStartOrder(database_, name_, order_);
     if (!isAsked_) return std::nullopt;
     if (isExplained()) return std::nullopt;

@@ -2,7 +2,26 @@
 
 #include <algorithm>
 
+#include "check/proof/domain.h"
 #include "sw/parm/parm_name.h"
+
+std::vector<IndexTuple> someInstances(const ParmDef& parm, size_t most) {
+  std::vector<IndexTuple> tuples = {{}};
+  for (const IndexDef* index : parm.indices()) {
+    Domain domain;
+    domain.add(index->baseBounds());
+    std::vector<IndexTuple> longer;
+    for (const IndexTuple& tuple : tuples) {
+      for (const std::string& value : valuesToTry(domain, most)) {
+        if (longer.size() == most) break;
+        longer.push_back(tuple);
+        longer.back().push_back(value);
+      }
+    }
+    tuples = std::move(longer);
+  }
+  return tuples;
+}
 
 bool findStartOrder(Database& database, const std::string& name, StartOrder& order) {
   order = {};

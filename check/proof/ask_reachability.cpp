@@ -124,6 +124,26 @@ bool isWithin(const Domain& inner, const Domain& outer) {
                      [&](const std::string& text) { return outer.texts().contains(text); });
 }
 
+// A range limits nothing where a later one with its values always applies as well. Returns whether
+// that is told.
+bool askLimit(Proof& proof, const Subject& subject, const CompiledStatement& statement,
+              const CompiledStatement& later) {
+  Goal goal{&subject, {{{&*statement.condition, WANT_TRUE}}}};
+  goal.clauses.push_back(passedOver(later));
+  const Verdict verdict = proof.decide(goal, ANY_VARIANT);
+  if (verdict == VERDICT_POSSIBLE) return false;
+  Finding finding{"overlap", placeOf(*statement.layout),
+                  "this range limits nothing: a later one with its values always counts, too; let "
+                  "the conditions exclude each other"};
+  finding.related.push_back({placeOf(*later.layout), "the later one"});
+  if (verdict == VERDICT_UNDECIDED) {
+    proof.addUndecided(std::move(finding));
+    return false;
+  }
+  proof.add(std::move(finding));
+  return true;
+}
+
 // All ranges that apply count together: one adds nothing where an earlier one with its values
 // always applies as well.
 void askRanges(Proof& proof, const Subject& subject, Explained& explained) {
@@ -140,7 +160,9 @@ void askRanges(Proof& proof, const Subject& subject, Explained& explained) {
     bool isUndecided = false;
     for (const CompiledStatement* other : earlier) {
       const std::optional<Domain> others = constantValues(*other);
-      if (!others || !isWithin(*values, *others) || proof.isImpossible(applies, ANY_VARIANT)) {
+      const bool isWider = isWithin(*others, *values) && !isWithin(*values, *others);
+      if (isWider && askLimit(proof, subject, *other, statement)) break;
+      if (!isWithin(*values, *others) || proof.isImpossible(applies, ANY_VARIANT)) {
         continue;
       }
       Goal goal = applies;

@@ -162,9 +162,7 @@ void askRanges(Proof& proof, const Subject& subject, Explained& explained) {
       const std::optional<Domain> others = constantValues(*other);
       const bool isWider = isWithin(*others, *values) && !isWithin(*values, *others);
       if (isWider && askLimit(proof, subject, *other, statement)) break;
-      if (!isWithin(*values, *others) || proof.isImpossible(applies, ANY_VARIANT)) {
-        continue;
-      }
+      if (!isWithin(*values, *others) || proof.isImpossible(applies, ANY_VARIANT)) continue;
       Goal goal = applies;
       goal.clauses.push_back(passedOver(*other));
       const Verdict verdict = proof.decide(goal, ANY_VARIANT);

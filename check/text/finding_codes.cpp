@@ -403,8 +403,8 @@ Right:
 statements of a kind have the same condition, or none, and differ. Of two such
 ranges a value is allowed when either allows it, and of two defaults only the
 first counts. So one of the two says nothing, or not what was meant. That is so,
-too, for the values of a parameter that the device derives: where one condition
-contains another one, the value that is held already stays.
+too, where one condition contains the other: the wider range counts as well, and
+of values that the device derives the one that is held stays.
 
 Wrong:
     gain rw { rangeValid { 0..5, 3..9 } default { 0 } }

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "check/proof/present_value.h"
 #include "check/proof/questions.h"
 #include "check/proof/setter.h"
@@ -57,8 +59,11 @@ bool askDefault(Proof& proof, const Subject& subject, const CompiledStatement& s
 // Looks for a default that is lost where everything has its own, as after a start.
 class DefaultsOfTheStart {
  public:
-  DefaultsOfTheStart(Proof& proof, const Subject& subject)
-      : proof_(proof), database_(proof.text().database()), subject_(subject) {}
+  DefaultsOfTheStart(Proof& proof, const Explained& explained, const Subject& subject)
+      : proof_(proof),
+        explained_(explained),
+        database_(proof.text().database()),
+        subject_(subject) {}
 
   void ask() {
     for (const IndexTuple& indices : someInstances(subject_.parm->parm, FEW_INSTANCES)) {
@@ -79,7 +84,7 @@ class DefaultsOfTheStart {
     for (const Instance& instance : order.instances) {
       if (instance.isComplete()) reset(*instance.parm, instance.indices, setter);
     }
-    const bool isLost = tellWhereLost(indices, order);
+    const bool isLost = !isExplained(order) && tellWhereLost(indices, order);
     for (const Instance& instance : order.instances) {
       if (instance.isComplete()) Setter::unset(*instance.parm, instance.indices);
     }
@@ -90,6 +95,16 @@ class DefaultsOfTheStart {
     std::string value;
     static_cast<void>(parm.parm.defaultValue(value, gatherBound(parm, indices, setter.staged())));
     static_cast<void>(setter.set(parm, indices, value));
+  }
+
+  // Whether another finding tells of a value that is held.
+  [[nodiscard]] bool isExplained(const StartOrder& order) const {
+    return std::ranges::any_of(order.instances, [&](const Instance& instance) {
+      if (!instance.isComplete()) return false;
+      const ParmDef& parm = instance.parm->parm;
+      const Subject* const subject = proof_.text().find(parm.name());
+      return explained_.explainedText(*subject, parm.committedText(instance.indices)) != nullptr;
+    });
   }
 
   bool tellWhereLost(const IndexTuple& indices, const StartOrder& order) {
@@ -141,6 +156,7 @@ class DefaultsOfTheStart {
   }
 
   Proof& proof_;
+  const Explained& explained_;
   Database& database_;
   const Subject& subject_;
 };
@@ -163,6 +179,6 @@ void askDefaults(Proof& proof, const Explained& explained) {
     const bool isSetByClients =
         subject.record->access == ACCESS_RW || subject.record->access == ACCESS_WO;
     const bool follows = !subject.defaults.empty() && !subject.parm->sources.empty();
-    if (isSetByClients && follows && !isTold) DefaultsOfTheStart(proof, subject).ask();
+    if (isSetByClients && follows && !isTold) DefaultsOfTheStart(proof, explained, subject).ask();
   }
 }

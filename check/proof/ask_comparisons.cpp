@@ -1,5 +1,5 @@
-#include "check/proof/compared_values.h"
 #include "check/proof/candidates.h"
+#include "check/proof/compared_values.h"
 #include "check/proof/questions.h"
 #include "check/static/expression_tree.h"
 #include "deflang/expression/operators.h"

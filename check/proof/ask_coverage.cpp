@@ -148,19 +148,20 @@ bool isVaried(const Subject& subject) {
          std::ranges::any_of(subject.ctrlValid, isDecided);
 }
 
-// Commits and queries know of an index what counts always and is constant.
+// Commits and queries know of an index what counts always and is constant. Without any range, what
+// a client names is taken, so that the device works for those who name it.
 void askIndex(Proof& proof, const Subject& subject) {
   const std::vector<ParmEntry*>& dependents = subject.index->dependents;
   if (subject.index->index->baseBounds().count() > 0 || dependents.empty()) return;
   if (isVaried(subject)) return;
-  Finding finding{"uncovered",
-                  subject.rangeValid.empty() ? placeOfName(subject)
-                                             : placeOf(*subject.rangeValid.front().layout),
-                  "this index has no constant range, so that no commit, reset or query knows an "
-                  "instance of \"" +
-                      dependents.front()->parm.name() +
-                      "\"; give it one without a condition, of all values that it may ever have"};
-  finding.level = LEVEL_ERROR;
+  const bool isOpen = subject.rangeValid.empty();
+  const std::string lacking = isOpen ? "range, and takes every value" : "constant range";
+  Finding finding{
+      "uncovered", isOpen ? placeOfName(subject) : placeOf(*subject.rangeValid.front().layout),
+      "this index has no " + lacking + ": no instance of \"" + dependents.front()->parm.name() +
+          "\" is known to a query, or to a commit that does not name it; give it a "
+          "range without a condition, of all values that it may ever have"};
+  finding.level = isOpen ? LEVEL_WARNING : LEVEL_ERROR;
   proof.add(std::move(finding));
 }
 

@@ -540,8 +540,9 @@ Right:
      R"(All ranges, or all defaults, have a condition, and none of them holds in the
 situation named. Without a range every value is accepted; that is an error.
 Without a default a reset gives the empty value; that is a warning. An index
-needs a constant range without a condition in any case: commits, resets and
-queries know only the instances that it gives.
+needs a constant range without a condition in any case: queries, and commits
+that do not name an instance, know only those that it gives. An index without
+any range takes every value; that is a warning.
 
 Wrong:
     mode rw { rangeValid { 1..3 } default { 1 } }

@@ -215,9 +215,7 @@ class Player {
   // A transaction of that name that is open already ends, so that nothing stays open unseen.
   Outcome open(const Operation& operation) {
     const auto known = transactions_.find(operation.transaction);
-    if (known != transactions_.end()) {
-      static_cast<void>(device_->call({"end", known->second}));
-    }
+    if (known != transactions_.end()) static_cast<void>(device_->call({"end", known->second}));
     const Answer answer = device_->call({"start"});
     transactions_[operation.transaction] = answer.error.empty() ? answer.transaction : UNKNOWN_ID;
     return ::outcomeOf(*operation.word, answer);

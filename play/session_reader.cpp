@@ -419,9 +419,7 @@ class FileReader {
     std::vector<SessionError>& errors = reading_.errors;
     const bool isTold = !errors.empty() && errors.back().line == place.line &&
                         errors.back().file == place.file->name;
-    if (!isTold) {
-      errors.push_back({place.file->name, place.line, place.at + 1, std::move(text)});
-    }
+    if (!isTold) errors.push_back({place.file->name, place.line, place.at + 1, std::move(text)});
   }
 
   Reading& reading_;

@@ -76,9 +76,7 @@ TEST(SessionUpdate, WritesWhatHasHappened) {
       {"for x in 1 2: validate a $x -> $x", "for x in 1 2: validate a $x -> true"},
       {"for x in 1 2: single_set a $x -> $x", "(as before)"},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(updated(std::string(c.before)), c.after) << c.before;
-  }
+  for (const auto& c : cases) EXPECT_EQ(updated(std::string(c.before)), c.after) << c.before;
 }
 
 TEST(SessionUpdate, NamesWhatItCannotWrite) {

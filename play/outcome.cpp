@@ -58,6 +58,7 @@ std::vector<ExpectedWord> wordsOf(const std::string& text) {
   // What this program has written itself can be read.
   static_cast<void>(readSessionWords(text, words));
   std::vector<ExpectedWord> result;
+  result.reserve(words.size());
   for (const SessionWord& word : words) result.push_back({word.text(), word.isQuoted()});
   return result;
 }

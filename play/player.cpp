@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <map>
 #include <set>
-#include <span>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "base/number.h"
+#include "play/loop_variables.h"
 #include "play/recipe_client.h"
 #include "vid_std.h"
 
@@ -58,13 +58,13 @@ class Player {
   void playLoop(const Loop& loop) {
     const Texts values = listOf(loop);
     const size_t outer = variables_.size();
-    for (const std::string& name : loop.variables) variables_.emplace_back(name, std::string());
+    variables_.add(loop.variables);
     for (auto value = values.begin(); value != values.end();) {
       if (error_ || !count(loop.place)) break;
-      for (size_t i = outer; i < variables_.size(); ++i) variables_[i].second = *value++;
+      for (size_t i = outer; i < variables_.size(); ++i) variables_.set(i, *value++);
       playAll(loop.body);
     }
-    variables_.resize(outer);
+    variables_.keep(outer);
   }
 
   Texts listOf(const Loop& loop) {
@@ -88,13 +88,13 @@ class Player {
 
   void addListed(const Loop& loop, const SessionWord& word, Texts& values) {
     const bool isName = !word.pieces.empty() && word.pieces.front().isVariable &&
-                        findVariable(word.pieces.front().text) == nullptr;
+                        variables_.find(word.pieces.front().text) == nullptr;
     if (isName) {
       addNamed(loop, word, values);
     } else if (const std::optional<Span> span = spanOf(word)) {
       addAll({{}, {}, {*span}}, loop, values);
     } else {
-      values.push_back(valueOf(word));
+      values.push_back(variables_.valueOf(word));
     }
   }
 
@@ -102,7 +102,7 @@ class Player {
   void addNamed(const Loop& loop, const SessionWord& word, Texts& values) {
     SessionPlace place = loop.place;
     place.at = word.begin;
-    const std::string name = word.pieces.front().text + valueOf(word, 1);
+    const std::string name = word.pieces.front().text + variables_.valueOf(word, 1);
     if (name == "standards") {
       const Texts names = standardNames();
       values.insert(values.end(), names.begin(), names.end());
@@ -130,7 +130,7 @@ class Player {
       fail(loop.place, "the loop has more than 1000000 values");
       return;
     }
-    const Texts all = valuesOf(range);
+    const Texts all = ::valuesOf(range);
     values.insert(values.end(), all.begin(), all.end());
   }
 
@@ -153,7 +153,7 @@ class Player {
     if (!outcome) return;
     const bool isAsExpected = !operation.hasExpectation || isMet(operation.expected, *outcome);
     if (!isAsExpected) addReasons(operation, arguments, *outcome);
-    observer_.played({operation, shownVariables(), *std::move(outcome), isAsExpected});
+    observer_.played({operation, variables_.shown(), *std::move(outcome), isAsExpected});
   }
 
   std::optional<Outcome> outcomeOf(const Operation& operation, const Texts& arguments) {
@@ -203,7 +203,8 @@ class Player {
     if (word.arguments == ARGUMENTS_NAMES && word.outcome != OUTCOME_CHANGES) return arguments;
     if (word.outcome != OUTCOME_CHANGES || word.kind != OPERATION_CALL) return {};
     std::set<std::string> expected;
-    for (const SessionWord& change : operation.expected.words) expected.insert(valueOf(change));
+    for (const SessionWord& change : operation.expected.words)
+      expected.insert(variables_.valueOf(change));
     std::set<std::string> names;
     for (const std::string& change : outcome.changes) {
       if (expected.erase(change) == 0) names.insert(change.substr(0, change.find('=')));
@@ -267,7 +268,10 @@ class Player {
 
   static Texts linesOf(const std::map<std::string, std::string>& values) {
     Texts lines;
-    for (const auto& [name, value] : values) lines.push_back(name + "=" + value);
+    lines.reserve(values.size());
+    for (const auto& [name, value] : values) {
+      lines.push_back(std::string(name).append("=").append(value));
+    }
     return lines;
   }
 
@@ -280,38 +284,18 @@ class Player {
   [[nodiscard]] std::vector<ExpectedWord> expectedWords(
       const std::vector<SessionWord>& words) const {
     std::vector<ExpectedWord> result;
-    for (const SessionWord& word : words) result.push_back({valueOf(word), word.isQuoted()});
-    return result;
-  }
-
-  [[nodiscard]] const std::string* findVariable(const std::string& name) const {
-    const auto found =
-        std::ranges::find_if(variables_, [&](const auto& v) { return v.first == name; });
-    return found == variables_.end() ? nullptr : &found->second;
-  }
-
-  // The text of a word from its piece `first` on, with the values of its variables.
-  [[nodiscard]] std::string valueOf(const SessionWord& word, size_t first = 0) const {
-    std::string text;
-    for (const WordPiece& piece : std::span(word.pieces).subspan(first)) {
-      text += piece.isVariable ? *findVariable(piece.text) : piece.text;
+    result.reserve(words.size());
+    for (const SessionWord& word : words) {
+      result.push_back({variables_.valueOf(word), word.isQuoted()});
     }
-    return text;
+    return result;
   }
 
   [[nodiscard]] Texts valuesOf(const std::vector<SessionWord>& words) const {
     Texts texts;
-    for (const SessionWord& word : words) texts.push_back(valueOf(word));
+    texts.reserve(words.size());
+    for (const SessionWord& word : words) texts.push_back(variables_.valueOf(word));
     return texts;
-  }
-  static Texts valuesOf(const NamedRange& range) { return ::valuesOf(range); }
-
-  [[nodiscard]] std::string shownVariables() const {
-    std::string text;
-    for (const auto& [name, value] : variables_) {
-      text += (text.empty() ? "" : " ") + spelledChange(name + "=" + value);
-    }
-    return text;
   }
 
   // Returns whether there is a device.
@@ -340,7 +324,7 @@ class Player {
   const size_t most_;
   std::unique_ptr<Device> device_;
   std::map<std::string, uint32_t> transactions_;  // ids by name
-  std::vector<std::pair<std::string, std::string>> variables_;
+  LoopVariables variables_;
   size_t played_ = 0;
   std::optional<SessionError> error_;
 };

@@ -32,15 +32,23 @@ bool takesTransaction(const OperationWord& word) {
   return !word.method.starts_with("single_") && word.method != "get_deps";
 }
 
-class Player {
+}  // namespace
+
+class SessionPlayer::State {
  public:
-  Player(const StartDevice& start, const PlayConstants& constants, PlayObserver& observer,
-         size_t most)
+  State(const StartDevice& start, const PlayConstants& constants, PlayObserver& observer,
+        size_t most)
       : start_(start), given_(constants), constants_(constants), observer_(observer), most_(most) {}
 
   std::optional<SessionError> play(const std::vector<SessionStep>& steps) {
+    played_ = 0;
     playAll(steps);
-    return std::move(error_);
+    return std::exchange(error_, {});
+  }
+
+  Device* device() {
+    if (device_ == nullptr) device_ = start_(constants_);
+    return device_.get();
   }
 
  private:
@@ -300,8 +308,7 @@ class Player {
 
   // Returns whether there is a device.
   bool startDevice(const SessionPlace& place) {
-    if (device_ == nullptr) device_ = start_(constants_);
-    if (device_ == nullptr) fail(place, "the device does not start");
+    if (device() == nullptr) fail(place, "the device does not start");
     return device_ != nullptr;
   }
 
@@ -329,10 +336,20 @@ class Player {
   std::optional<SessionError> error_;
 };
 
-}  // namespace
+SessionPlayer::SessionPlayer(const StartDevice& start, const PlayConstants& constants,
+                             PlayObserver& observer, size_t most)
+    : state_(std::make_unique<State>(start, constants, observer, most)) {}
+
+SessionPlayer::~SessionPlayer() = default;
+
+std::optional<SessionError> SessionPlayer::play(const Session& session) {
+  return state_->play(session.steps);
+}
+
+Device* SessionPlayer::device() { return state_->device(); }
 
 std::optional<SessionError> playSession(const Session& session, const StartDevice& start,
                                         const PlayConstants& constants, PlayObserver& observer,
                                         size_t most) {
-  return Player(start, constants, observer, most).play(session.steps);
+  return SessionPlayer(start, constants, observer, most).play(session);
 }

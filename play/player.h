@@ -1,6 +1,7 @@
 // Plays sessions with a device.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -29,9 +30,30 @@ class PlayObserver {
   virtual void played(const PlayedOperation& operation) = 0;
 };
 
-/// Plays `session` with a device that `start` gives, from its start with `constants`; a session may
-/// ask for others. At most `most` operations and rounds are played. Returns what has kept it from
-/// being played to its end, if anything has. Raises std::bad_alloc where memory is exhausted.
+/// Plays sessions that belong together with one device: each goes on where the one before has
+/// ended.
+class SessionPlayer {
+ public:
+  /// The device is one that `start` gives with `constants`; a session may ask for others. All that
+  /// is given outlives the player. At most `most` operations and rounds are played in a session.
+  SessionPlayer(const StartDevice& start, const PlayConstants& constants, PlayObserver& observer,
+                size_t most = MAX_PLAYED);
+  ~SessionPlayer();
+  SessionPlayer(const SessionPlayer&) = delete;
+  SessionPlayer& operator=(const SessionPlayer&) = delete;
+
+  /// Returns what has kept the session from being played to its end, if anything has. Raises
+  /// std::bad_alloc where memory is exhausted.
+  std::optional<SessionError> play(const Session& session);
+  /// The device, which the next session may replace; null where it does not start.
+  [[nodiscard]] Device* device();
+
+ private:
+  class State;
+  std::unique_ptr<State> state_;
+};
+
+/// Plays one session, as SessionPlayer does.
 std::optional<SessionError> playSession(const Session& session, const StartDevice& start,
                                         const PlayConstants& constants, PlayObserver& observer,
                                         size_t most = MAX_PLAYED);

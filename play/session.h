@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -66,6 +67,8 @@ struct Loop {
 struct Session {
   std::vector<std::unique_ptr<SessionFile>> files = {};  ///< the first is the session's own
   std::vector<SessionStep> steps = {};
+  /// The names of transactions that it has started, and before it is read those that are known.
+  std::set<std::string> transactions = {};
 };
 
 /// What is wrong with a session.

@@ -4,7 +4,6 @@
 #include <cstring>
 #include <filesystem>
 #include <optional>
-#include <set>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -47,7 +46,6 @@ struct Reading {
   std::vector<SessionError>& errors;
   std::vector<std::string> openFiles = {};  // each is included by the one before
   std::vector<std::string> variables = {};  // of the loops that are open
-  std::set<std::string> transactions = {};  // those that were started
   size_t depth = 0;
 };
 
@@ -280,8 +278,8 @@ class FileReader {
       operation.arguments.clear();
     }
     const std::string& name = operation.transaction;
-    if (operation.word->kind == OPERATION_START) reading_.transactions.insert(name);
-    if (name.empty() || reading_.transactions.contains(name)) return true;
+    if (operation.word->kind == OPERATION_START) reading_.session.transactions.insert(name);
+    if (name.empty() || reading_.session.transactions.contains(name)) return true;
     failAt(operation.place,
            "there is no transaction " + inQuotes(name) + "; \"start " + name + "\" opens it");
     return false;

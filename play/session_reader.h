@@ -16,8 +16,9 @@ constexpr size_t MAX_SESSION_DEPTH = 32;
 constexpr size_t MAX_SESSION_FILES = 1000;
 
 /// Reads the session `text`, which is that of the file `name`, and what it includes, into
-/// `session`, which is empty before. `errors` gets what is wrong, in order, one for each line; the
-/// session is to be played only where there is nothing. Included files are relative to the file
-/// that names them, and are read by `readFile`. Raises std::bad_alloc where memory is exhausted.
+/// `session`, which is empty before but for transactions. `errors` gets what is wrong, in order,
+/// one for each line; the session is to be played only where there is nothing. Included files are
+/// relative to the file that names them, and are read by `readFile`. Raises std::bad_alloc where
+/// memory is exhausted.
 void readSession(const std::string& name, std::string text, const ReadSessionFile& readFile,
                  Session& session, std::vector<SessionError>& errors);

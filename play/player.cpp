@@ -211,8 +211,9 @@ class SessionPlayer::State {
     if (word.arguments == ARGUMENTS_NAMES && word.outcome != OUTCOME_CHANGES) return arguments;
     if (word.outcome != OUTCOME_CHANGES || word.kind != OPERATION_CALL) return {};
     std::set<std::string> expected;
-    for (const SessionWord& change : operation.expected.words)
+    for (const SessionWord& change : operation.expected.words) {
       expected.insert(variables_.valueOf(change));
+    }
     std::set<std::string> names;
     for (const std::string& change : outcome.changes) {
       if (expected.erase(change) == 0) names.insert(change.substr(0, change.find('=')));

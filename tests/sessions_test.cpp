@@ -37,7 +37,7 @@ int readFile(const std::string& name, std::string& text) {
 // picture.ostrel for picture-modes.session.
 fs::path textOf(const fs::path& session) {
   for (std::string name = session.stem(); !name.empty(); name.resize(name.rfind('-'))) {
-    const fs::path text = session.parent_path() / (name + ".ostrel");
+    fs::path text = session.parent_path() / (name + ".ostrel");
     if (fs::exists(text)) return text;
     if (name.find('-') == std::string::npos) break;
   }

@@ -14,6 +14,7 @@
 #include "play/session_reader.h"
 #include "play/session_update.h"
 #include "tools/input_file.h"
+#include "tools/interactive.h"
 #include "tools/play_arguments.h"
 #include "vid_std.h"
 
@@ -106,6 +107,13 @@ class PlayRun {
   bool hasFailed_ = false;
 };
 
+int talk(const PlayArguments& arguments, const std::string& definitions) {
+  const StartDevice start = [&definitions](const PlayConstants& constants) {
+    return startEngineDevice(definitions, constants);
+  };
+  return playInteractively(start, arguments.constants) ? 0 : STATUS_FAILED;
+}
+
 int run(int argc, char** argv) {
   const PlayArguments arguments = parsePlayArguments(argc, argv);
   initVidStdTables();
@@ -116,6 +124,7 @@ int run(int argc, char** argv) {
                  std::strerror(error));
     return STATUS_FAILED;
   }
+  if (arguments.sessions.empty()) return talk(arguments, definitions);
   PlayRun playRun(arguments, definitions);
   for (const std::string& session : arguments.sessions) playRun.play(session);
   return playRun.finish();

@@ -196,13 +196,33 @@ TEST_F(OstrelPlay, PrintsNoControlCharacters) {
   EXPECT_EQ(countOf(outcome.out, "-get gain -> 1 # ?[31m?\n"), 1U) << outcome.out;
 }
 
+// On a terminal without a session: history, completion and one device for all lines.
+TEST_F(OstrelPlay, TalksOnATerminal) {
+  write("input",
+        "up\nstart a\na: set gain 5\nsingle_get gain\na: commit\nvalidate gain 55\ncomit\n"
+        "for g in 1 2: validate gain $g\nsingle_set ga\t 7\nwhy level 9\n\x1b[A\n\x04");
+  const Outcome outcome = runCommand("cd '" + folder_.path() +
+                                     "' && env TERM=dumb script --quiet --return --command \"'" +
+                                     OSTREL_PLAY + "' device.ostrel\" /dev/null < input");
+  EXPECT_EQ(outcome.status, 0) << outcome.out;
+  for (const char* const line :
+       {"\r\ngain=3 level=2\r\n", "\r\n3\r\n", "\r\ngain=5\r\n", "\r\nfalse\r\n",
+        "\r\ncolumn 1: there is no operation \"comit\"; did you mean \"commit\"?\r\n",
+        "\r\ng=1: true\r\ng=2: true\r\n", "\r\ngain=7\r\n"}) {
+    EXPECT_EQ(countOf(outcome.out, line), 1U) << line << outcome.out;
+  }
+  EXPECT_EQ(countOf(outcome.out, "  becomes 7: line 2, rangeValid { 0..(gain) }; gain is 7\r\n"),
+            2U)
+      << outcome.out;
+}
+
 TEST(OstrelPlayUsage, RefusesWhatItDoesNotUnderstand) {
   const struct {
     const char* arguments;
     const char* message;
   } cases[] = {
       {"", "no DEFINITIONS are given"},
-      {"x", "no SESSION is given; - is standard input"},
+      {"x </dev/null", "no SESSION is given; - is standard input"},
       {"- -", "standard input is given twice"},
       {"x - -", "standard input is given twice"},
       {"--update x -", "standard input cannot be updated"},
@@ -228,7 +248,7 @@ TEST(OstrelPlayUsage, RefusesWhatItDoesNotUnderstand) {
 TEST(OstrelPlayUsage, DescribesItsOptionsAfterExamples) {
   const Outcome help = runProgram(OSTREL_PLAY, "--help 2>&1");
   EXPECT_EQ(help.status, 0);
-  EXPECT_TRUE(help.out.starts_with("Usage: ostrel-play [OPTION...] DEFINITIONS SESSION...\n"))
+  EXPECT_TRUE(help.out.starts_with("Usage: ostrel-play [OPTION...] DEFINITIONS [SESSION...]\n"))
       << help.out;
   EXPECT_LT(help.out.find("\nExamples:\n"), help.out.find("-D, --define=")) << help.out;
   for (const char* const name : {"-D, --define=NAME=VALUE", "--update", "--format=text|tap|junit",

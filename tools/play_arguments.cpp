@@ -1,5 +1,7 @@
 #include "tools/play_arguments.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <string_view>
@@ -25,7 +27,8 @@ const argp_option OPTIONS[] = {
 // The vertical tab separates what is before the options from what is behind them.
 const char* const DOCUMENTATION =
     "Play sessions with the device that DEFINITIONS define, without a bus, and compare what "
-    "happens with what the sessions expect.\n"
+    "happens with what the sessions expect. On a terminal without a SESSION, talk with the "
+    "device.\n"
     "\n"
     "Examples:\n"
     "  ostrel-play device.ostrel device.session\n"
@@ -54,7 +57,9 @@ PlayFormat formatOf(std::string_view name, const argp_state* state) {
 
 void finish(const PlayArguments& arguments, const argp_state* state) {
   if (arguments.definitions.empty()) refuse(state, "no DEFINITIONS are given");
-  if (arguments.sessions.empty()) refuse(state, "no SESSION is given; - is standard input");
+  if (arguments.sessions.empty() && (isatty(STDIN_FILENO) == 0 || arguments.definitions == "-")) {
+    refuse(state, "no SESSION is given; - is standard input");
+  }
   const auto inputs = std::ranges::count(arguments.sessions, "-");
   if (inputs + (arguments.definitions == "-" ? 1 : 0) > 1) {
     refuse(state, "standard input is given twice");
@@ -109,7 +114,7 @@ PlayArguments parsePlayArguments(int argc, char** argv) {
   PlayArguments arguments;
   const argp parser = {OPTIONS,
                        takeWithoutExceptions<takeOption>,
-                       "DEFINITIONS SESSION...",
+                       "DEFINITIONS [SESSION...]",
                        DOCUMENTATION,
                        nullptr,
                        nullptr,

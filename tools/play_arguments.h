@@ -14,7 +14,7 @@ struct PlayArguments {
   bool isQuiet = false;               ///< no outcomes that nobody expects
   bool updates = false;               ///< write expectations into the files
   std::string definitions;            ///< a file; "-" is standard input
-  std::vector<std::string> sessions;  ///< files, at least one; "-" is standard input
+  std::vector<std::string> sessions;  ///< files, none for a talk; "-" is standard input
 };
 
 /// Reads the arguments. Ends the process where that is all there is to do: with status 0 after

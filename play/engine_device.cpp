@@ -13,6 +13,7 @@
 #include "play/explanation_text.h"
 #include "play/known_device.h"
 #include "sw/dbus/method_frame.h"
+#include "sw/dbus/reply.h"
 #include "sw/dbus/server_methods.h"
 #include "sw/dbus/service_state.h"
 #include "sw/parm/build/make_definitions.h"
@@ -302,6 +303,14 @@ std::string takenError(GError* error) {
   return text;
 }
 
+// As commit would announce it.
+std::string textOf(const TriedChange& change) {
+  const NewText text = newText({change.name, "=", change.value});
+  std::string result(text.text, text.length);
+  g_free(text.text);
+  return result;
+}
+
 TextCursor::NextLine piecesOf(std::string_view text) {
   if (text.starts_with(BYTE_ORDER_MARK)) text.remove_prefix(BYTE_ORDER_MARK.size());
   return [text](std::string_view& line) mutable {
@@ -343,9 +352,7 @@ class EngineDevice final : public Device {
     const bool isDone = method->serve(serving) != FALSE;
     state_.finishCall();
     Answer answer = isDone ? takenAnswer(serving) : Answer{.error = takenError(serving.error)};
-    for (const TriedChange& change : serving.tried) {
-      answer.changes.push_back(change.name + "=" + change.value);
-    }
+    for (const TriedChange& change : serving.tried) answer.changes.push_back(textOf(change));
     if (call.method != "try") answer.changes = std::exchange(changes_, {});
     std::vector<std::string> logged = std::exchange(logLines_, {});
     answer.notes = isDone ? std::move(serving.notes) : std::move(logged);

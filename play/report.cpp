@@ -1,5 +1,7 @@
 #include "play/report.h"
 
+#include <glib.h>
+
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -10,10 +12,13 @@ namespace {
 
 bool isControl(char c) { return static_cast<unsigned char>(c) < 0x20 || c == '\x7f'; }
 
-// Comments of a session may hold anything; a terminal shall not act on it.
+// Comments of a session may hold anything; a terminal shall not act on it, and what reads a report
+// wants valid UTF-8.
 std::string printable(std::string_view text) {
-  std::string result;
-  for (const char c : text) result += isControl(c) && c != '\t' ? '?' : c;
+  gchar* const valid = g_utf8_make_valid(text.data(), static_cast<gssize>(text.size()));
+  std::string result = valid;
+  g_free(valid);
+  for (char& c : result) c = isControl(c) && c != '\t' ? '?' : c;
   return result;
 }
 
@@ -204,7 +209,15 @@ class JunitReport final : public PlayReport {
 
   static std::string escaped(std::string_view text) {
     std::string result;
-    for (const char c : text) {
+    for (size_t i = 0; i < text.size(); ++i) {
+      const std::string_view rest = text.substr(i);
+      // The two characters beside control characters that no XML document may have.
+      if (rest.starts_with("\xEF\xBF\xBE") || rest.starts_with("\xEF\xBF\xBF")) {
+        result += "\xEF\xBF\xBD";
+        i += 2;
+        continue;
+      }
+      const char c = text[i];
       switch (c) {
         case '&':
           result += "&amp;";

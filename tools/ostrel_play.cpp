@@ -42,7 +42,7 @@ class PlayRun {
     if (!arguments_.updates) report_->begin(shownName);
     std::string text;
     const int error = readFile(name, text);
-    if (error != 0) return fail("cannot read " + name + ": " + std::strerror(error));
+    if (error != 0) return fail("ostrel-play: cannot read " + name + ": " + std::strerror(error));
     Session session;
     std::vector<SessionError> errors;
     readSession(shownName, std::move(text), readFile, session, errors);
@@ -80,7 +80,8 @@ class PlayRun {
     if (!play(session, update)) return;
     for (const UpdatedFile& file : update.files()) {
       const int error = replaceFile(file.name, file.text);
-      if (error != 0) return fail("cannot write " + file.name + ": " + std::strerror(error));
+      if (error != 0)
+        return fail("ostrel-play: cannot write " + file.name + ": " + std::strerror(error));
       std::printf("%s: updated\n", file.name.c_str());
     }
     for (const Operation* operation : update.undecided()) {

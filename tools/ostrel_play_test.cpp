@@ -103,7 +103,7 @@ TEST_F(OstrelPlay, SaysWhereASessionIsWrongAndPlaysTheOthers) {
   EXPECT_EQ(run("-q device.ostrel broken.session none.session wrong.session 2>&1 >/dev/null").out,
             "broken.session:2:3: the indentation is that of no loop around\n"
             "broken.session:4:1: there is no operation \"comit\"; did you mean \"commit\"?\n"
-            "cannot read none.session: No such file or directory\n");
+            "ostrel-play: cannot read none.session: No such file or directory\n");
   EXPECT_EQ(countOf(run("-q device.ostrel broken.session wrong.session 2>/dev/null").out,
                     "not as expected"),
             3U);
@@ -164,10 +164,25 @@ TEST_F(OstrelPlay, WritesJunit) {
       "  </testsuite>\n"
       "  <testsuite name=\"none\" tests=\"1\" failures=\"0\" errors=\"1\">\n"
       "    <testcase classname=\"none\" name=\"none\">\n"
-      "      <error message=\"cannot read none: No such file or directory\"/>\n"
+      "      <error message=\"ostrel-play: cannot read none: No such file or directory\"/>\n"
       "    </testcase>\n"
       "  </testsuite>\n"
       "</testsuites>\n");
+}
+
+// XML has no way to write some characters, and a definition text may have any byte.
+TEST_F(OstrelPlay, WritesXmlAndUtf8WhateverAValueIs) {
+  write("bytes.ostrel", "t rw { default { \"\xff\" } }\nu rw { }\n");
+  write("bytes.session",
+        "reset t\ntry -> x\ncommit -> x\nsingle_set u \xEF\xBF\xBF\\x01 -> x # \xff\nwhy t\n");
+  for (const char* const format : {"text", "tap", "junit"}) {
+    const std::string out =
+        run(std::string("--format=") + format + " bytes.ostrel bytes.session 2>&1").out;
+    EXPECT_EQ(out.find_first_of("\xff\x01"), std::string::npos) << out;
+    EXPECT_GE(countOf(out, "t=\xEF\xBF\xBD"), 2U) << out;
+    EXPECT_GE(countOf(out, "u=&quot;"), format == std::string("junit") ? 1U : 0U) << out;
+  }
+  EXPECT_EQ(countOf(run("--format=junit bytes.ostrel bytes.session").out, "\xEF\xBF\xBF"), 0U);
 }
 
 TEST_F(OstrelPlay, UpdatesSessions) {

@@ -80,8 +80,9 @@ class PlayRun {
     if (!play(session, update)) return;
     for (const UpdatedFile& file : update.files()) {
       const int error = replaceFile(file.name, file.text);
-      if (error != 0)
+      if (error != 0) {
         return fail("ostrel-play: cannot write " + file.name + ": " + std::strerror(error));
+      }
       std::printf("%s: updated\n", file.name.c_str());
     }
     for (const Operation* operation : update.undecided()) {

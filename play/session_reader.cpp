@@ -250,14 +250,15 @@ class FileReader {
     if (word == "index" && words.size() > 1) word += " " + words[1].text();
     const OperationWord* const found = first.isQuoted() ? nullptr : findOperationWord(word);
     if (found != nullptr) return found;
-    NearestWord nearest(first.text());
+    const std::string mistaken = first.text();  // a NearestWord views it
+    NearestWord nearest(mistaken);
     for (const OperationWord& candidate : operationWords()) nearest.offer(candidate.word);
     nearest.offer(FOR);
     nearest.offer(INCLUDE);
     const std::string proposal =
         nearest.found() ? "; did you mean " + inQuotes(*nearest.found()) + "?"
                         : "; a line begins with a word such as \"set\", \"commit\" or \"get\"";
-    fail(line, first, "there is no operation " + inQuotes(first.text()) + proposal);
+    fail(line, first, "there is no operation " + inQuotes(mistaken) + proposal);
     return nullptr;
   }
 

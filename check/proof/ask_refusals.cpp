@@ -156,18 +156,24 @@ class Refusals {
     if (finding) proof_.add(*std::move(finding));
   }
 
+  // The last of the numbers from `number` on, which the base accepts, that it accepts without a
+  // gap.
+  [[nodiscard]] int endInBase(int number) const {
+    for (const auto& [low, high] : base().integers().spans()) {
+      if (low <= number && number <= high) return high;
+    }
+    return INT32_MAX;
+  }
+
   // A value of `bounds` that the base refuses.
   [[nodiscard]] std::optional<std::string> valueOutside(const BoundsParm& bounds) const {
     for (const std::string& text : bounds.strings().texts()) {
       if (accepts(bounds, text) && !accepts(base(), text)) return text;
     }
-    for (const auto& [low, high] : bounds.integers().spans()) {
-      if (!accepts(base(), std::to_string(low))) return std::to_string(low);
-      const auto& spans = base().integers().spans();
-      const auto around = std::ranges::find_if(
-          spans, [low](const Span& span) { return span.first <= low && low <= span.second; });
-      const bool isEnd = around != spans.end() && around->second < high;
-      if (isEnd) return std::to_string(around->second + 1);
+    for (const Span& span : bounds.integers().spans()) {
+      if (!accepts(base(), std::to_string(span.first))) return std::to_string(span.first);
+      const int end = endInBase(span.first);
+      if (end < span.second) return std::to_string(end + 1);
     }
     return std::nullopt;
   }

@@ -29,6 +29,7 @@ std::string textOf(const std::optional<Reason>& reason) { return reason ? textOf
 
 std::vector<std::string> textsOf(const std::vector<Reason>& reasons) {
   std::vector<std::string> texts;
+  texts.reserve(reasons.size());
   for (const Reason& reason : reasons) texts.push_back(textOf(reason));
   return texts;
 }

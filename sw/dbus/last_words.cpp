@@ -58,7 +58,8 @@ void endWithLastWords() {
 // memory for one, GLib would make a message that says so, then one for that message, and so on
 // until the stack has no room.
 // NOLINTNEXTLINE(readability-identifier-naming,bugprone-reserved-identifier)
-extern "C" int __vasprintf_chk(char** ptr, int /*flag*/, const char* fmt, va_list arg) {
+extern "C" __attribute__((format(printf, 3, 0))) int __vasprintf_chk(char** ptr, int /*flag*/,
+                                                                     const char* fmt, va_list arg) {
   va_list again;
   va_copy(again, arg);
   const int length = vsnprintf(nullptr, 0, fmt, arg);

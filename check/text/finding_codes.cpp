@@ -249,10 +249,10 @@ Right:
     left rw { rangeValid { 0..(vidStd::mode::spal - 1) } default { 0 } }
 )"},
     {"long-line", GROUP_READING, LEVEL_WARNING, "a line of more than 1,023 bytes",
-     R"(The text is read in pieces of at most 1,023 bytes, and each piece counts as a
-line: a name is cut in two, the rest of a comment is read as definitions, and
-what the daemon says has another line number. Break the line. Any white space
-between words will do.
+     R"(The text is read in pieces of at most 1,024 bytes, the end of the line among
+them, and each piece counts as a line: a name is cut in two, the rest of a
+comment is read as definitions, and what the daemon says has another line
+number. Break the line. Any white space between words will do.
 )"},
     {"merged", GROUP_STATIC, LEVEL_WARNING, "a name is defined twice",
      R"(The two definitions are one: the statements of the second join those of the

@@ -71,7 +71,8 @@ class ForeignIndexCheck {
     if (reference.isQualified()) return foundInValues(reference);
     const IndexName* const missing = missingIn(definition, *reference.named);
     if (missing == nullptr) return std::nullopt;
-    return noInstance(reference, *missing, inQuotes(definition.record->name) + " has not");
+    return noInstance(reference, *missing, definition,
+                      inQuotes(definition.record->name) + " has not");
   }
 
   // In an expression of an index, which is evaluated for each parameter that has the index.
@@ -84,7 +85,7 @@ class ForeignIndexCheck {
       if (reference.named->isIndex()) {
         if (Result late = foundLate(index, reference, *user)) return late;
       } else if (const IndexName* missing = missingIn(*user, *reference.named)) {
-        return noInstance(reference, *missing,
+        return noInstance(reference, *missing, *user,
                           inQuotes(user->record->name) + ", which " + inQuotes(index.record->name) +
                               " indexes, has not");
       }
@@ -105,12 +106,15 @@ class ForeignIndexCheck {
   }
 
   [[nodiscard]] Result noInstance(const Reference& reference, const IndexName& missing,
+                                  const NamedDefinition& lacking,
                                   const std::string& whoLacks) const {
-    std::string advice = "; write an index value, such as " + std::string(reference.base);
+    const std::string toBeIndexed =
+        "; give " + inQuotes(lacking.record->name) + " that index, too, or write an index value";
+    std::string advice = toBeIndexed + ", such as " + std::string(reference.base);
     for (const IndexName& index : indicesOf(*reference.named->record)) {
       const std::optional<std::string> value = exampleOf(context_.find(index.name));
       if (!value) {
-        advice = "; write an index value in brackets";
+        advice = toBeIndexed + " in brackets";
         break;
       }
       advice += "[" + *value + "]";

@@ -61,7 +61,7 @@ TEST(ForeignIndices, ProposeAnInstance) {
   const std::string text = std::string(INDICES) + "x rw { ctrlRO (level) }";
   EXPECT_EQ(messagesOf(checkForeignIndices, text).at(0),
             "\"level\" has the index \"c\" and \"x\" has not, so this is no instance and reads as "
-            "0; write an index value, such as level[1][left]");
+            "0; give \"x\" that index, too, or write an index value, such as level[1][left]");
 }
 
 TEST(ForeignIndices, ReadAs0) {

@@ -53,22 +53,13 @@ int commitEntry(StagedEntry& entry, IndexSituations& situations, Report& report)
   ValueText before = committedValue(entry);
   const std::string wanted = entry.value.text();
   const SetCode code = evaluate(entry, situations, false);
-  switch (code) {
-    case SET_STORED:
-      if (isReported(entry.parm->parm, entry.held->announced, entry.held->value.text(),
-                     before.text())) {
-        report.add(*entry.held, std::move(name), std::move(before));
-      }
-      return 0;
-    case SET_NOT_STORED:
-    case SET_STORED_UNREPORTED:
-      return 0;
-    case SET_RULE_FAILS:
-      return WALK_AGAIN;
-    default:
-      logRefusal(entry, wanted, code);
-      return code;
+  if (code == SET_STORED && isReported(entry.parm->parm, entry.held->announced,
+                                       entry.held->value.text(), before.text())) {
+    report.add(*entry.held, std::move(name), std::move(before));
   }
+  const int result = stepResult(code);
+  if (result != 0 && result != WALK_AGAIN) logRefusal(entry, wanted, result);
+  return result;
 }
 
 // Leaves each name once, ascending, however a commit ends. An instance that was reported twice

@@ -11,6 +11,12 @@
 /// is walked once more, because what the rule reads may be corrected later in the same level.
 constexpr int WALK_AGAIN = SET_RULE_FAILS;
 
+/// What a step answers that has set its value with the result `code`: 0 where there was nothing to
+/// refuse, WALK_AGAIN, or the code of the refusal.
+constexpr int stepResult(SetCode code) {
+  return isAccepted(code) || code == SET_NOT_STORED ? 0 : code;
+}
+
 /// Walks the steps of one level once. `evaluate(entry)` returns 0, WALK_AGAIN, or the code of a
 /// refusal, which is any other number. A refusal ends the walk of this level: the entries behind it
 /// are given to `passOver(entry)` instead, in the same order.

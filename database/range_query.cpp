@@ -40,16 +40,8 @@ Plan planQuery(const std::vector<Instance>& instances, uint32_t startLevel, Stag
 
 // Returns RANGE_FOUND, RANGE_REFUSED or WALK_AGAIN.
 int evaluateEntry(StagedEntry& entry, IndexSituations& situations) {
-  switch (evaluate(entry, situations, true)) {
-    case SET_STORED:
-    case SET_NOT_STORED:
-    case SET_STORED_UNREPORTED:
-      return RANGE_FOUND;
-    case SET_RULE_FAILS:
-      return WALK_AGAIN;
-    default:
-      return RANGE_REFUSED;
-  }
+  const int result = stepResult(evaluate(entry, situations, true));
+  return result == 0 || result == WALK_AGAIN ? result : RANGE_REFUSED;
 }
 
 // Evaluates the target itself, this time with a refusal logged, and takes its range.

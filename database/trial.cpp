@@ -12,28 +12,22 @@ namespace {
 // What the commit would report, by name. An entry that is walked once more may take another value.
 using Reported = std::map<std::string, std::string>;
 
+// Adds what an entry has just taken, where clients would be told of it.
+void addReported(const StagedEntry& entry, Reported& reported) {
+  const bool wasAnnounced = entry.held != nullptr && entry.held->announced;
+  const std::string& value = entry.value.text();
+  std::string name = fullName(entry);
+  if (reported.contains(name) ||
+      isReported(entry.parm->parm, wasAnnounced, value, committedText(entry))) {
+    reported.insert_or_assign(std::move(name), value);
+  }
+}
+
 // Returns 0, WALK_AGAIN, or a refusal.
 int tryEntry(StagedEntry& entry, IndexSituations& situations, Reported& reported) {
   const SetCode code = evaluate(entry, situations, true);
-  switch (code) {
-    case SET_STORED: {
-      const bool wasAnnounced = entry.held != nullptr && entry.held->announced;
-      const std::string& value = entry.value.text();
-      std::string name = fullName(entry);
-      if (reported.contains(name) ||
-          isReported(entry.parm->parm, wasAnnounced, value, committedText(entry))) {
-        reported.insert_or_assign(std::move(name), value);
-      }
-      return 0;
-    }
-    case SET_NOT_STORED:
-    case SET_STORED_UNREPORTED:
-      return 0;
-    case SET_RULE_FAILS:
-      return WALK_AGAIN;
-    default:
-      return code;
-  }
+  if (code == SET_STORED) addReported(entry, reported);
+  return stepResult(code);
 }
 
 // A copy of each entry of `staged`, on top of it: the trial changes the copies.

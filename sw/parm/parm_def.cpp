@@ -82,31 +82,40 @@ bool ParmDef::isReadOnly(const SituationView& situation) const {
                      [&](const Program& condition) { return condition.isTrue(situation); });
 }
 
-int ParmDef::defaultValue(std::string& value, const SituationView& situation) const {
+const ConditionalDefault* ParmDef::decidingDefault(const SituationView& situation,
+                                                   Value& result) const {
   for (const ConditionalDefault& candidate : defaults_) {
     Work::add(candidate.condition.work() + candidate.value.work());
     if (!candidate.condition.isTrue(situation)) continue;
-    const Value result = candidate.value.evaluate(situation);
-    if (result.valid()) {
-      value = result.asText();
-      return 0;
-    }
+    result = candidate.value.evaluate(situation);
+    if (result.valid()) return &candidate;
   }
-  value = fallbackDefault_;
-  return 1;
+  return nullptr;
 }
 
-int ParmDef::range(BoundsParm& out, const SituationView& situation) const {
+int ParmDef::defaultValue(std::string& value, const SituationView& situation) const {
+  Value result;
+  const bool isDecided = decidingDefault(situation, result) != nullptr;
+  value = isDecided ? result.asText() : fallbackDefault_;
+  return isDecided ? 0 : 1;
+}
+
+const ConditionalBounds* ParmDef::decidingRange(const SituationView& situation) const {
   for (const auto& list : {std::span(documentedRanges_.get()), conditionalBounds()}) {
     Work::add(workOf(list));
     for (const ConditionalBounds& candidate : list) {
-      if (!candidate.condition.isTrue(situation)) continue;
-      if (candidate.computed != nullptr) return candidate.computed->evaluate(out, situation);
-      out = *candidate.constant;
-      return 0;
+      if (candidate.condition.isTrue(situation)) return &candidate;
     }
   }
-  out = baseBounds();
+  return nullptr;
+}
+
+int ParmDef::range(BoundsParm& out, const SituationView& situation) const {
+  const ConditionalBounds* const found = decidingRange(situation);
+  if (found != nullptr && found->computed != nullptr) {
+    return found->computed->evaluate(out, situation);
+  }
+  out = found != nullptr ? *found->constant : baseBounds();
   return 0;
 }
 

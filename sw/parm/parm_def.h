@@ -89,6 +89,13 @@ class ParmDef final : public IndexDef {
   /// always with MODE_NEVER, never with MODE_WRITE_ONLY, otherwise while a read-only condition is
   /// true.
   [[nodiscard]] bool isReadOnly(const SituationView& situation) const;
+  /// The default that counts in a situation with the index values of an instance bound, and its
+  /// value in `result`: the first whose condition is true and whose value exists. Null where none
+  /// applies, and the fallback counts. Counts the work of each default that it asks.
+  const ConditionalDefault* decidingDefault(const SituationView& situation, Value& result) const;
+  /// The first that applies, in such a situation, of the documented ranges, then of the conditional
+  /// bounds. Null where none does, and the base bounds count. Counts the work.
+  [[nodiscard]] const ConditionalBounds* decidingRange(const SituationView& situation) const;
   /// Finds the default of an instance in a situation with its index values bound: the first whose
   /// condition is true and whose value exists. Numbers are written in decimal: 0x10 gives "16".
   /// Returns 0, or 1 when no default applied and `value` is the fallback. Counts the work of each

@@ -35,6 +35,13 @@ std::vector<size_t> applyingPlaces(std::span<const ConditionalBounds> bounds,
   return places;
 }
 
+// The place of an element in its list; the size where it is in another one.
+template <typename T>
+size_t placeIn(std::span<const T> list, const T* element) {
+  const auto found = std::ranges::find(list, element, [](const T& one) { return &one; });
+  return static_cast<size_t>(found - list.begin());
+}
+
 bool acceptsAlone(const ConditionalBounds& bounds, std::string value,
                   const SituationView& situation) {
   const PresentBounds present({&bounds, 1}, situation, UNUSABLE_ACCEPTS);
@@ -121,26 +128,24 @@ std::vector<Reason> ParmReasons::readOnly(const SituationView& situation) const 
 }
 
 std::optional<Reason> ParmReasons::defaultValue(const SituationView& situation) const {
-  const std::span<const ConditionalDefault> defaults = parm_.defaults();
-  for (size_t i = 0; i < defaults.size(); ++i) {
-    const auto& [condition, value] = defaults[i];
-    if (!condition.isTrue(situation) || !value.evaluate(situation).valid()) continue;
-    return reason(lines().defaults[i], defaultText(condition, value, parm_.variables()),
-                  {&condition, &value}, situation);
+  Value result;
+  if (const ConditionalDefault* const found = parm_.decidingDefault(situation, result)) {
+    const auto& [condition, value] = *found;
+    return reason(lines().defaults[placeIn(parm_.defaults(), found)],
+                  defaultText(condition, value, parm_.variables()), {&condition, &value},
+                  situation);
   }
   if (lines().fallback == 0) return std::nullopt;
   return Reason{lines().fallback, fallbackText(parm_.fallbackDefault()), {}};
 }
 
 std::optional<Reason> ParmReasons::range(const SituationView& situation) const {
-  const std::span<const ConditionalBounds> documented = parm_.documentedRanges();
-  for (size_t i = 0; i < documented.size(); ++i) {
-    if (!documented[i].condition.isTrue(situation)) continue;
-    return boundsReason("rangeDoc", lines().documented[i], documented[i], situation);
-  }
-  const std::span<const ConditionalBounds> bounds = parm_.conditionalBounds();
-  for (size_t i = 0; i < bounds.size(); ++i) {
-    if (bounds[i].condition.isTrue(situation)) return rangeReason(i, situation);
+  if (const ConditionalBounds* const found = parm_.decidingRange(situation)) {
+    const std::span<const ConditionalBounds> documented = parm_.documentedRanges();
+    if (const size_t place = placeIn(documented, found); place < documented.size()) {
+      return boundsReason("rangeDoc", lines().documented[place], *found, situation);
+    }
+    return rangeReason(placeIn(parm_.conditionalBounds(), found), situation);
   }
   if (lines().base == 0) return std::nullopt;
   return baseReason();

@@ -211,12 +211,6 @@ error_t takeOption(int key, char* argument, argp_state* state) {
     case OPTION_LIST_CODES:
       takeAnswer({"--list-codes"}, answer, state);
       return 0;
-    case '?':
-      giveHelp(state, ARGP_HELP_STD_HELP & ~ARGP_HELP_EXIT_OK);
-    case OPTION_USAGE:
-      giveHelp(state, ARGP_HELP_USAGE);
-    case 'V':
-      giveVersion();
     case ARGP_KEY_ARG:
       takeFile(argument, arguments, state);
       return 0;
@@ -224,7 +218,7 @@ error_t takeOption(int key, char* argument, argp_state* state) {
       finish(arguments, answer, state);
       return 0;
     default:
-      return ARGP_ERR_UNKNOWN;
+      return takeCommonOption(key, state);
   }
 }
 

@@ -41,6 +41,13 @@ void refuseUnknownOption(std::span<const argp_option> options, std::string_view 
                     (proposed.empty() ? "; --help lists them" : proposed));
 }
 
+// Prints help, by the flags of argp_state_help(). Where argp ends the process itself, it does so
+// with status 0 whatever became of the output.
+[[noreturn]] void giveHelp(const argp_state* state, unsigned int what) {
+  argp_state_help(state, stdout, what);
+  endAnswered();
+}
+
 }  // namespace
 
 void refuse(const argp_state* state, const std::string& message) {
@@ -56,14 +63,18 @@ void endAnswered() {
   std::exit(0);
 }
 
-void giveHelp(const argp_state* state, unsigned int what) {
-  argp_state_help(state, stdout, what);
-  endAnswered();
-}
-
-void giveVersion() {
-  std::puts(VERSION_TEXT);
-  endAnswered();
+error_t takeCommonOption(int key, const argp_state* state) {
+  switch (key) {
+    case '?':
+      giveHelp(state, ARGP_HELP_STD_HELP & ~ARGP_HELP_EXIT_OK);
+    case OPTION_USAGE:
+      giveHelp(state, ARGP_HELP_USAGE);
+    case 'V':
+      std::puts(VERSION_TEXT);
+      endAnswered();
+    default:
+      return ARGP_ERR_UNKNOWN;
+  }
 }
 
 void refuseUnknownOptions(std::span<const argp_option> options, std::string_view withValue,

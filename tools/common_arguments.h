@@ -15,11 +15,9 @@ void refuse(const argp_state* state, const std::string& message);
 /// Ends the process after an answer on standard output: with status 0, or 2 where the output cannot
 /// be written.
 [[noreturn]] void endAnswered();
-/// Prints help, by the flags of argp_state_help(), and ends the process. Where argp ends it itself,
-/// it does so with status 0 whatever became of the output.
-[[noreturn]] void giveHelp(const argp_state* state, unsigned int what);
-/// Prints the version, and ends the process.
-[[noreturn]] void giveVersion();
+/// Answers --help, --usage and --version, and ends the process; to be called with each key that is
+/// none of the tool's own. Returns ARGP_ERR_UNKNOWN for any other key.
+error_t takeCommonOption(int key, const argp_state* state);
 
 /// To be called at ARGP_KEY_INIT: refuses the first long option that is none of `options`, which
 /// end with an empty one. argp itself only says that it does not know an option. The one-letter

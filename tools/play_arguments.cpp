@@ -86,12 +86,6 @@ error_t takeOption(int key, char* argument, argp_state* state) {
     case 'q':
       arguments.isQuiet = true;
       return 0;
-    case '?':
-      giveHelp(state, ARGP_HELP_STD_HELP & ~ARGP_HELP_EXIT_OK);
-    case OPTION_USAGE:
-      giveHelp(state, ARGP_HELP_USAGE);
-    case 'V':
-      giveVersion();
     case ARGP_KEY_ARG:
       if (state->arg_num == 0) {
         arguments.definitions = argument;
@@ -103,7 +97,7 @@ error_t takeOption(int key, char* argument, argp_state* state) {
       finish(arguments, state);
       return 0;
     default:
-      return ARGP_ERR_UNKNOWN;
+      return takeCommonOption(key, state);
   }
 }
 

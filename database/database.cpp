@@ -106,7 +106,9 @@ void Database::keepIndexLines(std::string_view name, std::span<const uint32_t> l
 }
 
 void Database::keepParmLines(std::string_view name, std::span<const uint32_t> lines) {
-  findParm(name)->lines = keepLines(lines);
+  ParmEntry& last = parms_[parms_.size() - 1];
+  assert(last.parm.name() == name);
+  last.lines = keepLines(lines);
 }
 
 LinesOfDefinition Database::linesOf(const ParmEntry& entry) const {

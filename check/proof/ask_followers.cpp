@@ -10,7 +10,6 @@
 
 namespace {
 
-constexpr uint64_t FEW_VALUES = 12;
 constexpr size_t MANY_COMMITS = 200;
 
 // Looks for values that a parameter takes once what it follows has followed, and loses where both
@@ -54,7 +53,7 @@ class Follower {
   void askChange(const Instance& changed, ConfinedCommits& commits) {
     const std::string change = fullName(changed.parm->parm.name(), changed.indices);
     const NameDomain& domain = proof_.domains().of(database_.findSource(changed.parm->parm.name()));
-    const std::vector<std::string> values = valuesToTry(domain.values, FEW_VALUES);
+    const std::vector<std::string> values = valuesToTry(domain.values, TRIED_VALUES);
     std::vector<Domain> ranges;
     for (const std::string& value : values) {
       if (proof_.isOver()) break;
@@ -97,7 +96,7 @@ class Follower {
 
   // Where everything is taken, one value is as good as another.
   static std::vector<std::string> ownValues(const Domain& range) {
-    return range.isAll() ? std::vector<std::string>{"1"} : valuesToTry(range, FEW_VALUES);
+    return range.isAll() ? std::vector<std::string>{"1"} : valuesToTry(range, TRIED_VALUES);
   }
 
   // What the parameter takes in what is set now.

@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr uint64_t FEW_VALUES = 12;
 constexpr size_t MANY_SITUATIONS = 200;
 
 // Looks for a situation, one or two changes after the start, in which parameters that refer to each
@@ -79,7 +78,7 @@ class Ring {
       if (!instance.isComplete()) continue;
       const std::string& base = instance.parm->parm.name();
       const NameDomain& domain = proof_.domains().of(database_.findSource(base));
-      for (const std::string& value : valuesToTry(domain.values, FEW_VALUES)) {
+      for (const std::string& value : valuesToTry(domain.values, TRIED_VALUES)) {
         if (!value.empty()) changes.emplace_back(fullName(base, instance.indices), value);
       }
     }

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "base/number.h"
+#include "check/static/static_context.h"
 #include "check/static/token_place.h"
 #include "check/text/nearest_word.h"
 #include "deflang/expression/operators.h"
@@ -21,8 +22,6 @@ bool isLiteral(const Token& token) {
 }
 
 bool isEquality(int32_t code) { return code == OP_EQUAL || code == OP_NOT_EQUAL; }
-
-std::string inQuotes(const std::string& text) { return '"' + text + '"'; }
 
 std::vector<std::string> partsOf(const Domain& values) {
   std::vector<std::string> parts;

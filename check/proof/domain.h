@@ -46,6 +46,9 @@ class Domain {
   std::set<std::string, std::less<>> texts_;
 };
 
+/// How many values of one parameter are tried where several parameters are set one after the other.
+constexpr uint64_t TRIED_VALUES = 12;
+
 /// Values of `domain` to try: all where there are at most `few`, else so many of the ends of its
 /// spans and of its texts.
 std::vector<std::string> valuesToTry(const Domain& domain, uint64_t few);

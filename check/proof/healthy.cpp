@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr uint64_t FEW_VALUES = 12;
 // What depends on more than these is left undecided: to set them all takes the square of their
 // number, for each question.
 constexpr size_t MANY_INSTANCES = 60;
@@ -45,7 +44,7 @@ class Search {
 
   void setEach(size_t place) {
     ConeInstance& instance = cone_[place];
-    const Candidates candidates = candidatesFor(*instance.present, instance.use, FEW_VALUES);
+    const Candidates candidates = candidatesFor(*instance.present, instance.use, TRIED_VALUES);
     isComplete_ = isComplete_ && candidates.isComplete;
     std::set<std::string> tried;
     for (const std::optional<std::string>& candidate : candidates.values) {

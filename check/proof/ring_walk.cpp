@@ -6,7 +6,6 @@
 
 namespace {
 
-constexpr uint64_t FEW_VALUES = 12;
 constexpr size_t MAX_MOVES = 3;
 
 class RingWalk {
@@ -39,7 +38,7 @@ class RingWalk {
     for (const ConeInstance& instance : attempt_.cone().instances()) {
       const NameDomain& domain =
           question.domains.of(question.text.database().findSource(instance.parm->parm.name()));
-      for (const auto& value : candidatesFor(domain, instance.use, FEW_VALUES).values) {
+      for (const auto& value : candidatesFor(domain, instance.use, TRIED_VALUES).values) {
         if (!value || value->empty()) continue;
         open.push_back(moves);
         open.back().emplace_back(instance.name(), *value);

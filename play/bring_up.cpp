@@ -4,9 +4,8 @@
 #include <iterator>
 #include <utility>
 
-namespace {
+#include "sw/parm/parm_name.h"
 
-// Each of `names` with each of `values` in brackets behind it.
 DeviceClient::Names crossed(const DeviceClient::Names& names, const DeviceClient::Names& values) {
   DeviceClient::Names result;
   for (const std::string& name : names) {
@@ -16,10 +15,6 @@ DeviceClient::Names crossed(const DeviceClient::Names& names, const DeviceClient
   }
   return result;
 }
-
-}  // namespace
-
-std::string baseNameOf(const std::string& name) { return name.substr(0, name.find('[')); }
 
 BringUp::BringUp(DeviceClient& client, KnownDevice device)
     : client_(client), device_(std::move(device)) {
@@ -54,7 +49,8 @@ void BringUp::addInstances(Names& all, const std::string& parm, ValuesOf valuesO
 std::set<std::string> BringUp::parmsAmong(const Names& names) const {
   std::set<std::string> parms;
   for (const std::string& name : names) {
-    if (device_.parms.contains(baseNameOf(name))) parms.insert(baseNameOf(name));
+    const std::string parm(baseName(name));
+    if (device_.parms.contains(parm)) parms.insert(parm);
   }
   return parms;
 }
@@ -142,7 +138,7 @@ bool BringUp::resetMovesAny(const Names& ring) {
 
 void BringUp::setLastValues(const Names& step) {
   for (const auto& [name, value] : device_.lastValues) {
-    const bool isInStep = std::find(step.begin(), step.end(), baseNameOf(name)) != step.end();
+    const bool isInStep = std::find(step.begin(), step.end(), baseName(name)) != step.end();
     if (isInStep) client_.set(name, value);
   }
 }

@@ -49,8 +49,8 @@ struct KnownDevice {
   std::map<std::string, std::string> lastValues;  ///< by full name: what is known from before
 };
 
-/// What is before the first "[" of a name.
-std::string baseNameOf(const std::string& name);
+/// Each of `names` with each of `values` in brackets behind it.
+DeviceClient::Names crossed(const DeviceClient::Names& names, const DeviceClient::Names& values);
 
 /// Brings one device up, once: first the parameters that depend on no others, then step by step
 /// those whose dependencies are done. Parameters that depend on each other are a ring: they are

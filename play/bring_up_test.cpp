@@ -255,9 +255,10 @@ TEST_F(BringUpTest, FillsAFrameSynchroniserWithTwoAudioGroups) {
 // is itself outside the range that gave it, and a target of a translation may be.
 std::set<std::string> valuesOfReset(Device& device, const std::string& name) {
   device.client.reset({name});
-  const bool isFilled = device.value(name).empty() &&
-                        !knownDevice(device.database)->replacingZero.contains(baseNameOf(name)) &&
-                        device.client.allowsOnlyZero(name);
+  const bool isFilled =
+      device.value(name).empty() &&
+      !knownDevice(device.database)->replacingZero.contains(std::string(baseName(name))) &&
+      device.client.allowsOnlyZero(name);
   if (isFilled) device.client.set(name, "0");
   std::set<std::string> values = {device.value(name)};
   for (int turn = 0; turn < 10 && !isFilled; ++turn) {
@@ -272,7 +273,7 @@ Texts notAtRest(const std::string& text, const std::set<std::string>& restless) 
   Device device(text);
   Texts faults;
   for (const std::string& name : instancesOf(device.database)) {
-    if (restless.contains(baseNameOf(name))) continue;
+    if (restless.contains(std::string(baseName(name)))) continue;
     Device again(text);
     again.bringUp();
     const std::string held = again.value(name);

@@ -54,13 +54,7 @@ Texts instanceNames(const KnownDevice& known, std::string_view start) {
     if (!isMeant) continue;
     Texts names = {parm};
     for (const std::string& index : indices) {
-      Texts longer;
-      for (const std::string& name : names) {
-        for (const std::string& value : known.indices.at(index)) {
-          longer.push_back(std::string(name).append("[").append(value).append("]"));
-        }
-      }
-      names = std::move(longer);
+      names = crossed(names, known.indices.at(index));
       if (names.size() > MAX_COMPLETIONS) names.clear();
     }
     all.insert(all.end(), names.begin(), names.end());

@@ -95,17 +95,17 @@ int Database::registerParm(std::unique_ptr<ParmDef> parm) {
   return 0;
 }
 
-uint32_t Database::keepLines(std::span<const uint32_t> lines) {
+uint32_t Database::keepLines(const StatementLines& lines) {
   const auto begin = static_cast<uint32_t>(lines_.size());
-  lines_.insert(lines_.end(), lines.begin(), lines.end());
+  lines.appendTo(lines_);
   return begin;
 }
 
-void Database::keepIndexLines(std::string_view name, std::span<const uint32_t> lines) {
+void Database::keepIndexLines(std::string_view name, const StatementLines& lines) {
   findIndexEntry(name)->lines = keepLines(lines);
 }
 
-void Database::keepParmLines(std::string_view name, std::span<const uint32_t> lines) {
+void Database::keepParmLines(std::string_view name, const StatementLines& lines) {
   ParmEntry& last = parms_[parms_.size() - 1];
   assert(last.parm.name() == name);
   last.lines = keepLines(lines);

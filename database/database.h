@@ -93,8 +93,8 @@ class Database final : public DefinitionRegistry {
   // What the builder asks and registers: see DefinitionRegistry.
   [[nodiscard]] const std::string* findConstant(std::string_view name) const override;
   int registerIndex(std::unique_ptr<IndexDef> index) override;
-  void keepIndexLines(std::string_view name, std::span<const uint32_t> lines) override;
-  void keepParmLines(std::string_view name, std::span<const uint32_t> lines) override;
+  void keepIndexLines(std::string_view name, const StatementLines& lines) override;
+  void keepParmLines(std::string_view name, const StatementLines& lines) override;
   [[nodiscard]] const IndexDef* findIndex(std::string_view name) const override;
   int registerParm(std::unique_ptr<ParmDef> parm) override;
   int finish(std::string& name) override;
@@ -132,7 +132,7 @@ class Database final : public DefinitionRegistry {
   [[nodiscard]] uint32_t newWalk();
 
  private:
-  [[nodiscard]] uint32_t keepLines(std::span<const uint32_t> lines);
+  [[nodiscard]] uint32_t keepLines(const StatementLines& lines);
   [[nodiscard]] ParmEntry* findParm(std::string_view base, size_t hash);
   [[nodiscard]] const VariableSource& sourceOf(std::string_view variable);
   [[nodiscard]] bool isKnown(const VariableSource& source) const;

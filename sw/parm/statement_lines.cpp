@@ -2,12 +2,11 @@
 
 #include <cstddef>
 
-std::vector<uint32_t> StatementLines::joined() const {
-  std::vector<uint32_t> all = {definition, fallback, base};
-  for (const auto* list : {&validity, &ranges, &translations, &readOnly, &defaults, &documented}) {
-    all.insert(all.end(), list->begin(), list->end());
+void StatementLines::appendTo(std::vector<uint32_t>& list) const {
+  list.insert(list.end(), {definition, fallback, base});
+  for (const List* own : {&validity, &ranges, &translations, &readOnly, &defaults, &documented}) {
+    list.insert(list.end(), own->begin(), own->end());
   }
-  return all;
 }
 
 LinesOfDefinition::LinesOfDefinition(const IndexDef& index, const ParmDef* parm,

@@ -8,26 +8,30 @@
 #include <span>
 #include <vector>
 
+#include "base/small_vector.h"
 #include "sw/parm/parm_def.h"
 
 /// The lines of one definition, from 1, as the builder collects them. Each list has one line for
 /// each element of the definition's list of that name.
 struct StatementLines {
-  uint32_t definition = 0;             ///< of the name
-  std::vector<uint32_t> validity;      ///< of the validity conditions
-  std::vector<uint32_t> ranges;        ///< of the conditional bounds; of a set that of its first
-  std::vector<uint32_t> translations;  ///< by source
-  std::vector<uint32_t> readOnly;      ///< of the read-only conditions; the definition's for "ro"
-  std::vector<uint32_t> defaults;      ///< of the defaults
-  std::vector<uint32_t> documented;    ///< of the documented ranges
-  uint32_t fallback = 0;               ///< of the fallback default; 0 where there is none
-  uint32_t base = 0;                   ///< of the first of the base bounds; 0 where there are none
+  /// Few definitions have more statements of one kind, so collecting them takes no allocation.
+  using List = SmallVector<uint32_t, 4>;
 
-  /// All of them, one behind the other.
-  [[nodiscard]] std::vector<uint32_t> joined() const;
+  uint32_t definition = 0;  ///< of the name
+  List validity;            ///< of the validity conditions
+  List ranges;              ///< of the conditional bounds; of a set that of its first
+  List translations;        ///< by source
+  List readOnly;            ///< of the read-only conditions; the definition's for "ro"
+  List defaults;            ///< of the defaults
+  List documented;          ///< of the documented ranges
+  uint32_t fallback = 0;    ///< of the fallback default; 0 where there is none
+  uint32_t base = 0;        ///< of the first of the base bounds; 0 where there are none
+
+  /// Adds all of them to `list`, one behind the other.
+  void appendTo(std::vector<uint32_t>& list) const;
 };
 
-/// The lines of one definition again, in what StatementLines::joined() gave for it. It views the
+/// The lines of one definition again, in what StatementLines::appendTo() added for it. It views the
 /// numbers, which outlive it.
 class LinesOfDefinition {
  public:

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -37,11 +36,11 @@ class TestRegistry final : public DefinitionRegistry {
     const std::string name = parm->name();
     return parms_.emplace(name, std::move(parm)).second ? 0 : 1;
   }
-  void keepIndexLines(std::string_view name, std::span<const uint32_t> kept) override {
-    lines[std::string(name)].assign(kept.begin(), kept.end());
+  void keepIndexLines(std::string_view name, const StatementLines& kept) override {
+    kept.appendTo(lines[std::string(name)]);
   }
-  void keepParmLines(std::string_view name, std::span<const uint32_t> kept) override {
-    lines[std::string(name)].assign(kept.begin(), kept.end());
+  void keepParmLines(std::string_view name, const StatementLines& kept) override {
+    kept.appendTo(lines[std::string(name)]);
   }
   int finish(std::string& name) override {
     registered.emplace_back("finish");
@@ -56,7 +55,7 @@ class TestRegistry final : public DefinitionRegistry {
   }
 
   std::vector<std::string> registered;  ///< every call that changes something, in order
-  std::map<std::string, std::vector<uint32_t>> lines;  ///< of each definition, joined
+  std::map<std::string, std::vector<uint32_t>> lines;  ///< of each definition
   int finishResult = 0;                                ///< what finish() returns
   std::string finishName;                              ///< the name that finish() gives
 

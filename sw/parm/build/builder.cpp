@@ -76,7 +76,7 @@ class Builder {
     // A definition whose name is taken is dropped.
     auto index = std::make_unique<IndexDef>(std::move(draft.parts));
     if (context_.registry().registerIndex(std::move(index)) == 0) {
-      context_.registry().keepIndexLines(record.name, draft.lines.joined());
+      context_.registry().keepIndexLines(record.name, draft.lines);
     }
   }
 
@@ -95,7 +95,7 @@ class Builder {
     // A definition whose name is taken is dropped.
     auto parm = std::make_unique<ParmDef>(std::move(draft.parts), std::move(draft.parm));
     if (context_.registry().registerParm(std::move(parm)) == 0) {
-      context_.registry().keepParmLines(record.name, draft.lines.joined());
+      context_.registry().keepParmLines(record.name, draft.lines);
     }
   }
 

@@ -1,14 +1,13 @@
 // The definition registry: what the builder needs of the database, which is on a higher floor.
 #pragma once
 
-#include <cstdint>
 #include <memory>
-#include <span>
 #include <string>
 #include <string_view>
 
 #include "sw/parm/index_def.h"
 #include "sw/parm/parm_def.h"
+#include "sw/parm/statement_lines.h"
 
 /// The builder registers all indices of a text, then all parameters, and calls finish() once; it
 /// asks for constants and indices at any time in between. Definitions are owned by the registry
@@ -22,9 +21,9 @@ class DefinitionRegistry {
   /// the registry is then as before.
   virtual int registerIndex(std::unique_ptr<IndexDef> index) = 0;
   /// Keeps the lines of the definition that was just registered under `name`, for whoever tells
-  /// what has decided (StatementLines::joined()). A registry that nobody asks keeps none.
-  virtual void keepIndexLines(std::string_view /*name*/, std::span<const uint32_t> /*lines*/) {}
-  virtual void keepParmLines(std::string_view /*name*/, std::span<const uint32_t> /*lines*/) {}
+  /// what has decided (StatementLines::appendTo()). A registry that nobody asks keeps none.
+  virtual void keepIndexLines(std::string_view /*name*/, const StatementLines& /*lines*/) {}
+  virtual void keepParmLines(std::string_view /*name*/, const StatementLines& /*lines*/) {}
   /// The index definition of a name, or null. It stays where it is as long as the registry: a
   /// parameter definition points to its indices.
   [[nodiscard]] virtual const IndexDef* findIndex(std::string_view name) const = 0;

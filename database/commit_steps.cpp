@@ -4,16 +4,24 @@
 
 #include "database/gather.h"
 
+void resolveReset(StagedEntry& entry, const StagedValues& staged) {
+  std::string value;
+  // Without a default that applies, the value is the fallback: both serve.
+  static_cast<void>(
+      entry.parm->parm.defaultValue(value, gatherBound(*entry.parm, entry.indices, staged)));
+  entry.value.set(std::move(value));
+}
+
 void resolveResets(StagedValues& staged) {
   if (!staged.hasResets()) return;
   for (StagedEntry* entry : staged.inNameOrder()) {
-    if (entry->reset) {
-      std::string value;
-      // Without a default that applies, the value is the fallback: both serve.
-      static_cast<void>(
-          entry->parm->parm.defaultValue(value, gatherBound(*entry->parm, entry->indices, staged)));
-      entry->value.set(std::move(value));
-    }
+    if (entry->reset) resolveReset(*entry, staged);
+  }
+}
+
+void copyStaged(StagedValues& staged, StagedValues& copies) {
+  for (const StagedEntry* entry : staged.inNameOrder()) {
+    static_cast<void>(copies.stage(*entry->parm, entry->indices, false));
   }
 }
 

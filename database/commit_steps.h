@@ -9,9 +9,15 @@
 #include "database/level_walk.h"
 #include "database/plan.h"
 
+/// Gives an entry that is a reset its default, with the values of `staged`. Counts the work.
+void resolveReset(StagedEntry& entry, const StagedValues& staged);
 /// Gives each staged reset its default, in the order of names: each is worked out with the values
 /// that those before it got. Counts the work.
 void resolveResets(StagedValues& staged);
+
+/// Puts a copy of each entry of `staged` into `copies`, which is on top of it: so a commit can be
+/// gone through without changing what is staged. Counts the work.
+void copyStaged(StagedValues& staged, StagedValues& copies);
 
 /// Whether clients are told of a value that an instance of `parm` takes: it is `before` no more, or
 /// nobody was ever told, or each write is told. A "rostrict" parameter is never asked about.

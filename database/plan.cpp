@@ -35,7 +35,8 @@ Plan planStaged(const std::vector<StagedEntry*>& entries, std::vector<ParmEntry*
   return plan;
 }
 
-// What it costs to evaluate one instance, but for an index that is the same for all.
+}  // namespace
+
 uint64_t workOfInstance(const ParmEntry& entry) {
   uint64_t units = entry.parm.evaluationWork();
   for (const IndexEntry* index : entry.indices->own) {
@@ -43,8 +44,6 @@ uint64_t workOfInstance(const ParmEntry& entry) {
   }
   return units;
 }
-
-}  // namespace
 
 Extent extentOf(Database& database, std::span<ParmEntry* const> parms) {
   const uint32_t walk = database.newWalk();

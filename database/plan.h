@@ -34,6 +34,9 @@ struct Extent {
   uint64_t work = 0;  ///< in units, beside what is done to texts; at most
 };
 Extent extentOf(Database& database, std::span<ParmEntry* const> parms);
+/// What it takes to evaluate one instance of `entry`, in units, but for the situations of indices
+/// that are the same for all instances.
+uint64_t workOfInstance(const ParmEntry& entry);
 
 /// Which limit of a commit `extent` passes, MAX_PLANNED_INSTANCES or what the request may still
 /// take of work, in words for the system log; empty where it passes none.

@@ -30,19 +30,12 @@ int tryEntry(StagedEntry& entry, IndexSituations& situations, Reported& reported
   return stepResult(code);
 }
 
-// A copy of each entry of `staged`, on top of it: the trial changes the copies.
-void copyEntries(StagedValues& staged, StagedValues& copies) {
-  for (const StagedEntry* entry : staged.inNameOrder()) {
-    static_cast<void>(copies.stage(*entry->parm, entry->indices, false));
-  }
-}
-
 }  // namespace
 
 int tryCommit(Transaction& transaction, std::vector<TriedChange>& changes) {
   const LogRedirection silence([](const std::string& /*line*/) {});
   StagedValues copies(&transaction.staged());
-  copyEntries(transaction.staged(), copies);
+  copyStaged(transaction.staged(), copies);
   resolveResets(copies);
   const std::optional<Plan> plan = planCommit(transaction.database(), copies);
   if (!plan) return COMMIT_TOO_LARGE;

@@ -44,18 +44,17 @@ int evaluateEntry(StagedEntry& entry, IndexSituations& situations) {
   return result == 0 || result == WALK_AGAIN ? result : RANGE_REFUSED;
 }
 
-// Evaluates the target itself, this time with a refusal logged, and takes its range.
-int rangeOfTarget(StagedEntry& target, IndexSituations& situations, BoundsParm& out) {
+// Evaluates the target itself, this time with a refusal logged, and asks it in its situation.
+template <typename Ask>
+int askTarget(StagedEntry& target, IndexSituations& situations, const Ask& ask) {
   target.generated = false;
   if (evaluateEntry(target, situations) != RANGE_FOUND) return RANGE_REFUSED;
-  return target.parm->parm.range(out,
-                                 gatherBound(*target.parm, target.indices, situations.staged()));
+  return ask(*target.parm, gatherBound(*target.parm, target.indices, situations.staged()));
 }
 
-}  // namespace
-
-int queryRange(Database& database, const StagedValues& staged, std::string_view name,
-               BoundsParm& out) {
+// `ask(parm, situation)` returns 0, or why there is no answer.
+template <typename Ask>
+int query(Database& database, const StagedValues& staged, std::string_view name, const Ask& ask) {
   std::vector<Instance> instances;
   const int found = dependencyInstances(database, name, instances);
   if (found != DEPENDENCIES_FOUND) {
@@ -69,6 +68,23 @@ int queryRange(Database& database, const StagedValues& staged, std::string_view 
       plan, [&](StagedEntry& entry) { return evaluateEntry(entry, situations); },
       [](const StagedEntry& /*behind*/) {});
   StagedEntry& entry = scratch.stage(*target.parm, target.indices, true);
-  const int result = rangeOfTarget(entry, situations, out);
+  const int result = askTarget(entry, situations, ask);
   return result != RANGE_FOUND ? result : planned;
+}
+
+}  // namespace
+
+int queryRange(Database& database, const StagedValues& staged, std::string_view name,
+               BoundsParm& out) {
+  return query(database, staged, name, [&out](const ParmEntry& parm, const Situation& situation) {
+    return parm.parm.range(out, situation);
+  });
+}
+
+int visitQueried(Database& database, const StagedValues& staged, std::string_view name,
+                 const SituationVisit& visit) {
+  return query(database, staged, name, [&visit](const ParmEntry& parm, const Situation& situation) {
+    visit(parm, situation);
+    return 0;
+  });
 }

@@ -1,6 +1,7 @@
 // Range queries: the values that one parameter instance may take, as a transaction sees things.
 #pragma once
 
+#include <functional>
 #include <string_view>
 
 #include "database/database.h"
@@ -21,3 +22,11 @@ enum RangeResult : int {
 /// or the code of the range that applies.
 int queryRange(Database& database, const StagedValues& staged, std::string_view name,
                BoundsParm& out);
+
+/// What is asked of an instance in a situation with its index values bound.
+using SituationVisit = std::function<void(const ParmEntry& parm, const Situation& situation)>;
+
+/// Calls `visit` where queryRange() takes the range, with the same situation: for whoever tells
+/// why. Returns a RangeResult; `visit` is not called where the instance is refused.
+int visitQueried(Database& database, const StagedValues& staged, std::string_view name,
+                 const SituationVisit& visit);

@@ -254,7 +254,18 @@ TEST(RangeQueries, ChangeNothing) {
       }
       const std::string before = stateOf(database, transaction);
       BoundsParm bounds;
-      static_cast<void>(queryRange(database, transaction.staged(), name, bounds));
+      const int result = queryRange(database, transaction.staged(), name, bounds);
+      ASSERT_EQ(stateOf(database, transaction), before) << name;
+      // Whoever looks at the situation finds the same range there.
+      BoundsParm visited;
+      int taken = RANGE_FOUND;
+      const int visit = visitQueried(database, transaction.staged(), name,
+                                     [&](const ParmEntry& parm, const Situation& situation) {
+                                       taken = parm.parm.range(visited, situation);
+                                     });
+      ASSERT_EQ(taken != RANGE_FOUND ? taken : visit, result) << name;
+      ASSERT_EQ(visited.integers().spans(), bounds.integers().spans()) << name;
+      ASSERT_EQ(visited.strings().texts(), bounds.strings().texts()) << name;
       ASSERT_EQ(stateOf(database, transaction), before) << name;
     }
   }

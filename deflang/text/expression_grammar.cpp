@@ -14,12 +14,6 @@ namespace {
 
 constexpr StopSet OPERAND_STOPS("()|&^=!<>+-*/%$[]");
 
-std::string_view trimmed(std::string_view text) {
-  while (!text.empty() && isWhiteSpace(text.front())) text.remove_prefix(1);
-  while (!text.empty() && isWhiteSpace(text.back())) text.remove_suffix(1);
-  return text;
-}
-
 // In 32 bits, where the least number is its own opposite.
 int32_t negated(int32_t number) { return static_cast<int32_t>(0U - static_cast<uint32_t>(number)); }
 

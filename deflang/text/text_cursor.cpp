@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "deflang/text/text_pieces.h"
+
 namespace {
 
 bool isComment(std::string_view line) { return line.substr(firstWord(line)).starts_with('#'); }
@@ -43,4 +45,18 @@ TextCursor::NextLine linesIn(std::string_view text) {
     text.remove_prefix(line.size());
     return !line.empty();
   };
+}
+
+TextCursor::NextLine piecesIn(std::string_view text) {
+  if (text.starts_with(BYTE_ORDER_MARK)) text.remove_prefix(BYTE_ORDER_MARK.size());
+  return [text](std::string_view& line) mutable {
+    line = firstPiece(text);
+    text.remove_prefix(line.size());
+    return !line.empty();
+  };
+}
+
+std::string_view trimmed(std::string_view text) {
+  while (!text.empty() && isWhiteSpace(text.back())) text.remove_suffix(1);
+  return text.substr(firstWord(text));
 }

@@ -143,6 +143,13 @@ class TextCursor {
 /// where there is no such character.
 size_t firstWord(std::string_view line);
 
+/// `text` without the white space at its ends.
+std::string_view trimmed(std::string_view text);
+
 /// Gives the lines of `text`, each with its newline but perhaps the last. `text` has to outlive the
 /// function that is returned. For callers that have all of a text: tests, benchmarks, fuzz targets.
 TextCursor::NextLine linesIn(std::string_view text);
+
+/// Gives the pieces of `text` as the daemon reads them, without the byte order mark in front.
+/// `text` has to outlive the function that is returned.
+TextCursor::NextLine piecesIn(std::string_view text);

@@ -195,4 +195,18 @@ TEST(TextCursor, FailsAtAPlaceOfItsLineOrAtTheFirstWordOfIt) {
   }
 }
 
+TEST(PiecesIn, AreThoseOfTheDaemon) {
+  const std::string text = "\xEF\xBB\xBF" + std::string(1025, 'a') + "\nb\n\nc";
+  const TextCursor::NextLine next = piecesIn(text);
+  std::vector<std::string> pieces;
+  for (std::string_view piece; next(piece);) pieces.emplace_back(piece);
+  EXPECT_EQ(pieces, (std::vector<std::string>{std::string(1024, 'a'), "a\n", "b\n", "\n", "c"}));
+}
+
+TEST(TextCursor, TrimsWhiteSpaceOfBothEnds) {
+  EXPECT_EQ(trimmed(" \t\r\v\fgain 2\n "), "gain 2");
+  EXPECT_EQ(trimmed(" \n"), "");
+  EXPECT_EQ(trimmed(""), "");
+}
+
 }  // namespace

@@ -26,8 +26,12 @@ struct StatementLines {
   List documented;          ///< of the documented ranges
   uint32_t fallback = 0;    ///< of the fallback default; 0 where there is none
   uint32_t base = 0;        ///< of the first of the base bounds; 0 where there are none
+  // The statements that are one set, of which the lists above have one. Only tools look at these.
+  List inBase;           ///< of all statements that the base bounds are made of
+  List inSet;            ///< of all that the one of `ranges` without a condition is made of
+  List inDocumentedSet;  ///< of all that the one of `documented` without a condition is made of
 
-  /// Adds all of them to `list`, one behind the other.
+  /// Adds all of them to `list`, one behind the other, but for those of the sets.
   void appendTo(std::vector<uint32_t>& list) const;
 };
 

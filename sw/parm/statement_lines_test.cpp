@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "deflang/text/definition_grammar.h"
+#include "sw/parm/build/builder.h"
 #include "tests/support/build.h"
 
 namespace {
@@ -68,6 +70,56 @@ i index {
   EXPECT_EQ(i.base, 11U);
   EXPECT_EQ(linesIn(i.ranges), Lines{12});
   EXPECT_EQ(linesIn(i.validity), Lines{13});
+}
+
+// Keeps what is collected, all of it.
+class CollectingRegistry final : public DefinitionRegistry {
+ public:
+  [[nodiscard]] const std::string* findConstant(std::string_view /*name*/) const override {
+    return nullptr;
+  }
+  int registerIndex(std::unique_ptr<IndexDef> /*index*/) override { return 0; }
+  [[nodiscard]] const IndexDef* findIndex(std::string_view /*name*/) const override {
+    return nullptr;
+  }
+  int registerParm(std::unique_ptr<ParmDef> /*parm*/) override { return 0; }
+  void keepParmLines(std::string_view name, const StatementLines& kept) override {
+    lines[std::string(name)] = kept;
+  }
+  int finish(std::string& /*name*/) override { return 0; }
+
+  std::map<std::string, StatementLines> lines;
+};
+
+const char* const SETS = R"(mode rw { }
+p rw {
+  rangeValid { 1 }
+  rangeValid (mode == 1) { 2 }
+  rangeValid { (mode) }
+  rangeValid (2 > 1) { 4 }
+  rangeDoc { 5 }
+  rangeDoc (mode == 1) { 6 }
+  rangeDoc { (mode) }
+}
+q rw {
+  rangeValid { 1 }
+  rangeValid { 2 }
+  rangeValid (mode) { 3 }
+})";
+
+TEST(StatementLines, NameAllThatASetIsMadeOf) {
+  DefinitionText text;
+  ASSERT_EQ(readDefinitionText(::linesIn(SETS), text), PARSE_DONE);
+  CollectingRegistry registry;
+  DiagnosticCollector diagnostics;
+  ASSERT_EQ(buildDefinitions(diagnostics, text.records, text.lines, false, registry), 0);
+  const StatementLines& p = registry.lines.at("p");
+  EXPECT_EQ(linesIn(p.inBase), (Lines{3, 6}));
+  EXPECT_EQ(linesIn(p.inSet), (Lines{3, 5, 6}));
+  EXPECT_EQ(linesIn(p.inDocumentedSet), (Lines{7, 9}));
+  const StatementLines& q = registry.lines.at("q");
+  EXPECT_EQ(linesIn(q.inBase), (Lines{12, 13}));
+  EXPECT_EQ(linesIn(q.inSet), Lines{});
 }
 
 }  // namespace

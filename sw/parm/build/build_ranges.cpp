@@ -76,9 +76,15 @@ void buildRangeValid(DefinitionDraft& draft) {
       bounds.emplace_back();
       draft.lines.ranges.push_back(range.line);
     }
-    if (!range.items.runTime && draft.lines.base == 0) draft.lines.base = range.line;
-    if (!range.items.runTime) addConstants(range.items.items, draft.parts.baseBounds);
-    if (isRunTime) append(set, std::move(range.items));
+    if (!range.items.runTime) {
+      if (draft.lines.base == 0) draft.lines.base = range.line;
+      draft.lines.inBase.push_back(range.line);
+      addConstants(range.items.items, draft.parts.baseBounds);
+    }
+    if (isRunTime) {
+      draft.lines.inSet.push_back(range.line);
+      append(set, std::move(range.items));
+    }
   }
   if (place) bounds[*place] = conditional(Program::constant(1), std::move(set));
 }
@@ -98,6 +104,7 @@ void buildRangeDoc(DefinitionDraft& draft) {
       set.emplace();
       line = range.line;
     }
+    draft.lines.inDocumentedSet.push_back(range.line);
     append(*set, std::move(range.items));
   }
   if (!set) return;

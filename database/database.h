@@ -113,6 +113,10 @@ class Database final : public DefinitionRegistry {
   template <typename Visit>
   void findAll(std::span<const std::string_view> bases, const Visit& visit);
   static constexpr size_t NAMES_TOGETHER = 16;  ///< enough that memory has answered for the first
+  /// The constants of the command line by name; those that the text does not name are among them.
+  [[nodiscard]] const std::map<std::string, ValueText, std::less<>>& constants() const {
+    return constants_;
+  }
   /// The index of a name, or null.
   [[nodiscard]] IndexEntry* findIndexEntry(std::string_view name);
   /// Where an expression finds the value of `variable`: the parameter, constant and figure that it

@@ -39,6 +39,8 @@ TEST(Database, KeepsTheFirstOfTwoConstants) {
   ASSERT_NE(database.findConstant(""), nullptr);
   EXPECT_EQ(*database.findConstant(""), "");
   EXPECT_EQ(database.findConstant("y"), nullptr);
+  EXPECT_EQ(database.constants().size(), 2U);
+  EXPECT_EQ(database.constants().at("x").text(), "1");
 }
 
 TEST(Database, KeepsTheFirstOfTwoDefinitions) {

@@ -2,18 +2,8 @@
 
 #include <algorithm>
 
-namespace {
-
-std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
-
-std::string_view trimmed(std::string_view line) {
-  constexpr std::string_view WHITE_SPACE = " \t\r\v\f";
-  const size_t first = line.find_first_not_of(WHITE_SPACE);
-  if (first == std::string_view::npos) return {};
-  return line.substr(first, line.find_last_not_of(WHITE_SPACE) + 1 - first);
-}
-
-}  // namespace
+#include "check/text/wording.h"
+#include "deflang/text/text_cursor.h"
 
 std::string addConstantChoice(std::string_view definition, ConstantChoices& choices) {
   const size_t equals = definition.find('=');
@@ -22,7 +12,7 @@ std::string addConstantChoice(std::string_view definition, ConstantChoices& choi
   if (name.empty()) return "a name is missing; write NAME=VALUE";
   const bool isKnown = std::ranges::any_of(choices, [&](const auto& c) { return c.first == name; });
   if (isKnown) {
-    return "the constant " + quoted(name) +
+    return "the constant " + inQuotes(name) +
            " is given twice; several values are written NAME=VALUE,VALUE";
   }
   std::vector<std::string> values;
@@ -30,7 +20,7 @@ std::string addConstantChoice(std::string_view definition, ConstantChoices& choi
     const size_t comma = rest.find(',');
     const std::string value(rest.substr(0, comma));
     if (std::ranges::find(values, value) != values.end()) {
-      return "the constant " + quoted(name) + " has the value " + quoted(value) + " twice";
+      return "the constant " + inQuotes(name) + " has the value " + inQuotes(value) + " twice";
     }
     values.push_back(value);
     if (comma == std::string_view::npos) break;

@@ -141,10 +141,3 @@ IndexStatement indicesOf(const ParameterRecord& record) {
   if (record.indices.empty()) return {};
   return record.indices.front();
 }
-
-std::string inQuotes(std::string_view name) {
-  std::string quoted = "\"";
-  quoted += name;
-  quoted += '"';
-  return quoted;
-}

@@ -11,6 +11,7 @@
 #include "check/static/explained_places.h"
 #include "check/text/checked_text.h"
 #include "check/text/findings.h"
+#include "check/text/wording.h"
 
 /// A name with all its definitions, as the engine takes them together.
 struct NamedDefinition {
@@ -104,6 +105,3 @@ class StaticContext {
 
 /// The first list of indices of `record`, which is the one that counts.
 IndexStatement indicesOf(const ParameterRecord& record);
-
-/// `name` in double quotes.
-std::string inQuotes(std::string_view name);

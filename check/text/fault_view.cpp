@@ -1,15 +1,8 @@
 #include "check/text/fault_view.h"
 
 #include <algorithm>
-#include <span>
 
 #include "deflang/text/text_cursor.h"
-
-namespace {
-
-constexpr size_t LONGEST_QUOTATION = 40;
-
-}  // namespace
 
 std::string_view FaultView::lineFrom(size_t from) const {
   return text_.substr(from, text_.find('\n', from) - from);
@@ -29,20 +22,6 @@ TextPlace FaultView::placeOf(const TextPart& part) const {
 size_t FaultView::nextLine(size_t at) const {
   const size_t newline = text_.find('\n', at);
   return newline == std::string_view::npos ? text_.size() : newline + 1;
-}
-
-std::string quoted(std::string_view text) {
-  const bool isLong = text.size() > LONGEST_QUOTATION;
-  return "\"" + std::string(text.substr(0, LONGEST_QUOTATION)) + (isLong ? "...\"" : "\"");
-}
-
-std::string listOf(std::span<const std::string_view> words) {
-  std::string list;
-  for (size_t i = 0; i < words.size(); ++i) {
-    if (i > 0) list += i + 1 == words.size() ? " or " : ", ";
-    list += words[i];
-  }
-  return list;
 }
 
 bool isConstantName(std::string_view word) {

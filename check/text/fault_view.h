@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "check/text/reading_causes.h"
+#include "check/text/wording.h"
 
 /// A fault and its text. All of it has to outlive the view.
 class FaultView {
@@ -34,12 +35,6 @@ class FaultView {
   const SourceText& source_;
   std::string_view text_;
 };
-
-/// `text` in quotes, cut where it is long.
-std::string quoted(std::string_view text);
-
-/// "a, b or c".
-std::string listOf(std::span<const std::string_view> words);
 
 /// Whether a word looks like a constant of the command line: capitals, digits and underscores.
 bool isConstantName(std::string_view word);

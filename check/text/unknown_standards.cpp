@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "check/text/fault_view.h"
 #include "check/text/nearest_word.h"
 #include "check/text/record_expressions.h"
+#include "check/text/wording.h"
 #include "deflang/expression/operators.h"
 #include "deflang/expression/vid_std_name.h"
 #include "sw/parm/parm_name.h"

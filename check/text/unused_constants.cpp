@@ -1,7 +1,7 @@
 #include "check/text/unused_constants.h"
 
-#include "check/text/fault_view.h"
 #include "check/text/record_expressions.h"
+#include "check/text/wording.h"
 #include "deflang/expression/vid_std_name.h"
 
 std::set<std::string_view> namesInExpressions(const TextFacts& facts) {

@@ -7,6 +7,7 @@
 #include "check/named_values.h"
 #include "check/printable.h"
 #include "check/text/finding_codes.h"
+#include "check/text/wording.h"
 
 namespace {
 
@@ -25,19 +26,27 @@ const char* colourOf(std::string_view word) {
   return word == "warning" ? MAGENTA : CYAN;
 }
 
-// What a proposal says. What has quotes or numbers is as it is to be written, because further
-// quotes would look like a part of it.
+// Whether further quotes would look like a part of `text`, or hide that it has none.
+bool isShownBare(std::string_view text) {
+  const std::string_view signs = text.size() > 1 ? "\"{}()" : "";
+  return std::ranges::any_of(text, [signs](unsigned char c) {
+    return std::isdigit(c) != 0 || signs.find(static_cast<char>(c)) != std::string_view::npos;
+  });
+}
+
+// What a proposal says. What has quotes or numbers is as it is to be written, and so is what takes
+// the place of quotes.
 std::string proposalText(const Proposal& proposal, const SourceText& source) {
-  const auto quoted = [](std::string_view text) {
-    const bool isBare =
-        std::ranges::any_of(text, [](unsigned char c) { return c == '"' || std::isdigit(c) != 0; });
-    return isBare ? std::string(text) : '"' + std::string(text) + '"';
-  };
-  if (proposal.at.length == 0) return "add " + quoted(proposal.text);
-  if (!proposal.text.empty()) return "did you mean " + quoted(proposal.text) + "?";
   const std::string_view line = source.line(proposal.at.line);
   const size_t column = std::min<size_t>(proposal.at.column, line.size());
-  return "leave out " + quoted(line.substr(column, proposal.at.length));
+  const std::string_view replaced = line.substr(column, proposal.at.length);
+  const auto shown = [](std::string_view text, bool isBare) {
+    return isBare ? std::string(text) : inQuotes(text);
+  };
+  if (proposal.text.empty()) return "leave out " + shown(replaced, isShownBare(replaced));
+  const bool isBare = isShownBare(proposal.text) || replaced.find('"') != std::string_view::npos;
+  if (proposal.at.length == 0) return "add " + shown(proposal.text, isBare);
+  return "did you mean " + shown(proposal.text, isBare) + "?";
 }
 
 // Writes one report.

@@ -100,6 +100,9 @@ TEST(ReportText, SaysWhatAProposalChanges) {
       {{{1, 5, 2}, "ro"}, "a.ostrel:1:6: note: did you mean \"ro\"?\ngain rw {\n     ^~\n"},
       {{{1, 0, 4}, "hue"}, "a.ostrel:1:1: note: did you mean \"hue\"?\n"},  // the line is shown
       {{{1, 0, 4}, "\"gain\""}, "a.ostrel:1:1: note: did you mean \"gain\"?\n"},
+      {{{1, 0, 4}, "{ gain }"}, "a.ostrel:1:1: note: did you mean { gain }?\n"},
+      {{{1, 0, 4}, "(gain)"}, "a.ostrel:1:1: note: did you mean (gain)?\n"},
+      {{{1, 0, 4}, "5"}, "a.ostrel:1:1: note: did you mean 5?\n"},
       {{{5, 1, 0}, "}"}, "a.ostrel:5:2: note: add \"}\"\n}\n ^\n"},
       {{{1, 5, 2}, ""}, "a.ostrel:1:6: note: leave out \"rw\"\ngain rw {\n     ^~\n"},
       {{{}, "-D MODEL=..."}, "a.ostrel: note: add \"-D MODEL=...\"\n"},
@@ -110,6 +113,12 @@ TEST(ReportText, SaysWhatAProposalChanges) {
     EXPECT_EQ(written({{finding}, {}, {}}),
               std::string("a.ostrel:1:1: warning: x [octal]\ngain rw {\n^~~~\n") + c.shown);
   }
+}
+
+TEST(ReportText, ShowsWhatTakesThePlaceOfQuotesWithoutAny) {
+  Finding finding = {"undefined-index", {3, 12, 10}, "x"};
+  finding.proposal = {finding.at, "side"};
+  EXPECT_NE(written({{finding}, {}, {}}).find("note: did you mean side?\n"), std::string::npos);
 }
 
 TEST(ReportText, KeepsMessagesFromSteeringTheTerminal) {

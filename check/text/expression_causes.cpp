@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "check/text/fault_view.h"
+#include "check/text/name_words.h"
+#include "check/text/wording.h"
 #include "deflang/expression/operators.h"
 #include "sw/parm/parm_name.h"
 

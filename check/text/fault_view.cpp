@@ -24,12 +24,6 @@ size_t FaultView::nextLine(size_t at) const {
   return newline == std::string_view::npos ? text_.size() : newline + 1;
 }
 
-bool isConstantName(std::string_view word) {
-  const auto isCapital = [](char c) { return c >= 'A' && c <= 'Z'; };
-  const auto mayFollow = [&](char c) { return isCapital(c) || c == '_' || (c >= '0' && c <= '9'); };
-  return word.size() > 1 && isCapital(word.front()) && std::ranges::all_of(word, mayFollow);
-}
-
 ReadingCause commentAfterCode(const FaultView& view, size_t at, ResumePoint next) {
   std::string_view comment = view.lineFrom(at);
   while (!comment.empty() && isWhiteSpace(comment.back())) comment.remove_suffix(1);

@@ -36,9 +36,6 @@ class FaultView {
   std::string_view text_;
 };
 
-/// Whether a word looks like a constant of the command line: capitals, digits and underscores.
-bool isConstantName(std::string_view word);
-
 /// A comment that begins behind code, with `next` as the place to go on.
 ReadingCause commentAfterCode(const FaultView& view, size_t at, ResumePoint next);
 

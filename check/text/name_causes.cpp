@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <vector>
 
-#include "check/text/fault_view.h"
+#include "check/text/name_words.h"
 #include "check/text/nearest_word.h"
 #include "check/text/record_expressions.h"
+#include "check/text/wording.h"
 #include "deflang/expression/vid_std_name.h"
 #include "srcs/vid_std_figures.h"
 #include "sw/parm/parm_name.h"

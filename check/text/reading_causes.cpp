@@ -1,6 +1,7 @@
 #include "check/text/reading_causes.h"
 
 #include "check/text/definition_causes.h"
+#include "check/text/name_words.h"
 #include "check/text/statement_causes.h"
 
 ReadingCause causeOf(const ReadingFault& fault, const SourceText& source, std::string_view text) {

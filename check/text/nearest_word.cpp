@@ -52,8 +52,10 @@ NearestWord::NearestWord(std::string_view word) : word_(word), limit_(limitFor(w
 
 void NearestWord::offer(std::string_view candidate) {
   if (isSameButCase(word_, candidate)) {
-    if (limit_ > 0) found_ = candidate;
-    limit_ = 0;
+    const size_t changes = wordDistance(word_, candidate, word_.size());
+    if (changes < caseChanges_) found_ = candidate;
+    caseChanges_ = std::min(caseChanges_, changes);
+    limit_ = 0;  // nothing else is nearer
     return;
   }
   const size_t distance = wordDistance(word_, candidate, limit_);

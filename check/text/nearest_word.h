@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -24,6 +25,7 @@ class NearestWord {
 
  private:
   std::string_view word_;
-  size_t limit_;  // in halves
+  size_t limit_;                   // in halves
+  size_t caseChanges_ = SIZE_MAX;  // of a candidate that differs in case alone
   std::optional<std::string_view> found_;
 };

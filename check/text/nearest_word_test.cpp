@@ -25,8 +25,8 @@ TEST(WordDistance, CountsHalvesForAnotherCase) {
 }
 
 TEST(NearestWord, IsOneThatMayHaveBeenMeant) {
-  constexpr std::array<std::string_view, 6> words = {"rangeValid",   "rangeDoc", "ctrlRO",
-                                                     "follow_video", "rw",       "on"};
+  constexpr std::array<std::string_view, 8> words = {
+      "rangeValid", "rangeDoc", "ctrlRO", "follow_video", "rw", "on", "aes", "AES"};
   struct Case {
     std::string word;
     std::string nearest;  // empty: none
@@ -38,6 +38,8 @@ TEST(NearestWord, IsOneThatMayHaveBeenMeant) {
       {"rnageDoc", "rangeDoc"},
       {"follow_vido", "follow_video"},
       {"RW", "rw"},
+      {"AEs", "AES"},
+      {"Aes", "aes"},
       {"off", ""},
       {"x", ""},
       {"rx", ""},

@@ -5,6 +5,7 @@
 #include "check/static/static_bounds.h"
 #include "check/static/static_checks.h"
 #include "check/static/token_place.h"
+#include "check/text/unknown_standards.h"
 #include "srcs/vid_std_figures.h"
 #include "vid_std.h"
 
@@ -89,6 +90,9 @@ class StandardCheck {
       return vidStdFigure(text, *reference.figure).has_value();
     };
     if (std::ranges::any_of(texts, hasFigure)) return;
+    if (std::ranges::any_of(texts, isUnknownStandard)) {  // which is told already
+      return context_.explained().add(reference.token->at);
+    }
     const bool isSelected =
         std::ranges::any_of(texts, [](const auto& text) { return !selectedName(text).empty(); });
     tell(reference, "no value that " + inQuotes(reference.base) +

@@ -38,6 +38,9 @@ TEST(Standards, AreNeverSelected) {
       {"c index { rangeValid { \"720p/50\" } } a rw { index { c } ctrlRO (vidStd::c::fr) }",
        {"1:65 vidStd::c::fr"}},
       {"m rw { } a rw { ctrlRO (vidStd::m::fr) }"},
+      // what is misspelt is told as that
+      {"m rw { rangeValid { \"1080i50\", \"720p50\" } } a rw { rangeValid { 0..(vidStd::m::spal) } "
+       "}"},
       {"n rw { } m rw { rangeValid { (n) } } a rw { ctrlRO (vidStd::m::fr) }"},
       {"m rw { rangeValid { \"none\", \"720p/50\" } } a rw { ctrlRO (vidStd::m::fr) }"},
   };

@@ -270,6 +270,13 @@ TEST(BuildCauses, OfVideoStandards) {
       {"s rw { default { \"1080psF/25\" } }\n" + with,
        {"1:18 warning: \"1080psF/25\" selects no video standard [unknown-standard]",
         "1:18 meant: \"1080p/25\""}},
+      {"s rw { rangeValid { \"1080i/50 \", \"720p50\" } default { \"720p50\" } }\n" + with,
+       {"1:21 warning: \"1080i/50 \" is the name of a video standard with white space behind it "
+        "[unknown-standard]",
+        "1:21 meant: \"1080i/50\"",
+        "1:34 warning: \"720p50\" selects no video standard "
+        "[unknown-standard]",
+        "1:55 note: also used here", "1:34 meant: \"720p/50\""}},
       // No figure is asked of it; a part of a name; a text that is translated.
       {"s rw { rangeValid { \"720p50\" } }\n", {}},
       {"s rw { }\nb rw { ctrlRO (s $ \"1080I/5\") }\n" + with, {}},

@@ -631,7 +631,8 @@ Right:
     {"unknown-standard", GROUP_BUILDER, LEVEL_WARNING,
      "a value that names no standard of the catalogue",
      R"(The value is used to select a video standard, and looks like the name of one,
-but begins with no whole name of the catalogue. Its figures are undefined.
+but begins with no whole name of the catalogue. Its figures are undefined. Or it
+is a name with white space behind it, which no client would write.
 ostrel-vidstd(1) lists the names.
 
 Wrong:

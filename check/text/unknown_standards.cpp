@@ -8,9 +8,11 @@
 
 #include "check/text/nearest_word.h"
 #include "check/text/record_expressions.h"
+#include "check/text/repeated_findings.h"
 #include "check/text/wording.h"
 #include "deflang/expression/operators.h"
 #include "deflang/expression/vid_std_name.h"
+#include "deflang/text/text_cursor.h"
 #include "sw/parm/parm_name.h"
 #include "vid_std.h"
 
@@ -94,13 +96,14 @@ class StandardTexts {
     }
   }
 
-  void check() const {
+  void check() {
     if (selectors_.empty()) return;
     for (const ParameterRecord* record : facts_.records().inNameOrder()) {
       if (selectors_.contains(record->name)) checkValues(*record);
       forEachExpression(*record,
                         [this](const Expression& expression) { checkComparisons(expression); });
     }
+    repeated_.forEach([this](Finding finding, size_t) { findings_.add(std::move(finding)); });
   }
 
  private:
@@ -112,7 +115,7 @@ class StandardTexts {
     }
   }
 
-  void checkValues(const ParameterRecord& record) const {
+  void checkValues(const ParameterRecord& record) {
     const auto isTranslated = [&record](std::string_view text) {
       return std::ranges::any_of(record.valueChange,
                                  [text](const Translation& t) { return t.source == text; });
@@ -127,7 +130,7 @@ class StandardTexts {
     }
   }
 
-  void checkComparisons(const Expression& expression) const {
+  void checkComparisons(const Expression& expression) {
     for (size_t i = 1; i + 1 < expression.tokens.size(); ++i) {
       const int32_t kind = expression.tokens[i].kind;
       if (kind != OP_EQUAL && kind != OP_NOT_EQUAL) continue;
@@ -136,27 +139,46 @@ class StandardTexts {
     }
   }
 
-  void checkComparison(const Token& name, const Token& text) const {
+  void checkComparison(const Token& name, const Token& text) {
     const bool isSelector = name.kind == TOKEN_VARIABLE && selectors_.contains(baseName(name.text));
-    if (isSelector && text.kind == TOKEN_STRING) checkText(text.text, text.at);
+    if (!isSelector || text.kind != TOKEN_STRING) return;
+    if (std::optional<Finding> finding = findingOf(text.text, text.at)) {
+      findings_.add(*std::move(finding));
+    }
   }
 
-  void checkText(std::string_view text, Position at) const {
-    if (!selectsNothing(text)) return;
-    const std::optional<std::string> near = nearestStandard(text);
-    if (!near && !isWrittenLikeAStandard(text)) return;
+  void checkText(std::string_view text, Position at) {
+    std::optional<Finding> finding = findingOf(text, at);
+    if (finding) repeated_.add(std::string(text), *std::move(finding));
+  }
+
+  [[nodiscard]] std::optional<Finding> findingOf(std::string_view text, Position at) const {
     const TextPlace place = facts_.tokenAt(at);
-    Finding finding{"unknown-standard", place, quoted(text) + " selects no video standard"};
-    if (near) finding.proposal = Proposal{place, "\"" + *near + "\""};
-    findings_.add(std::move(finding));
+    if (isUnknownStandard(text)) {
+      Finding finding{"unknown-standard", place, quoted(text) + " selects no video standard"};
+      const std::optional<std::string> near = nearestStandard(text);
+      if (near) finding.proposal = Proposal{place, inQuotes(*near)};
+      return finding;
+    }
+    if (trimmed(text) == text || selectsNothing(text)) return {};
+    return Finding{"unknown-standard",
+                   place,
+                   quoted(text) + " is the name of a video standard with white space behind it",
+                   {},
+                   Proposal{place, inQuotes(trimmed(text))}};
   }
 
   const TextFacts& facts_;
   Findings& findings_;
+  RepeatedFindings repeated_;  // of the values of parameters, by what they are
   std::set<std::string_view> selectors_;
 };
 
 }  // namespace
+
+bool isUnknownStandard(std::string_view text) {
+  return selectsNothing(text) && (nearestStandard(text) || isWrittenLikeAStandard(text));
+}
 
 void addUnknownStandards(const TextFacts& facts, Findings& findings) {
   StandardTexts(facts, findings).check();

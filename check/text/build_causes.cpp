@@ -6,14 +6,17 @@
 
 #include "base/number.h"
 #include "check/text/expression_causes.h"
-#include "check/text/fault_view.h"
 #include "check/text/finding_codes.h"
+#include "check/text/index_causes.h"
 #include "check/text/name_causes.h"
 #include "check/text/nearest_word.h"
 #include "check/text/record_expressions.h"
+#include "check/text/repeated_findings.h"
 #include "check/text/text_facts.h"
+#include "check/text/text_scan.h"
 #include "check/text/unknown_standards.h"
 #include "check/text/unused_constants.h"
+#include "check/text/wording.h"
 #include "database/reference_ring.h"
 #include "deflang/expression/vid_std_name.h"
 #include "deflang/text/text_cursor.h"
@@ -23,8 +26,6 @@ namespace {
 
 // Orders of more index values are not tried.
 constexpr size_t MANY_INDICES = 5;
-// Of a constant that is not given.
-constexpr size_t MANY_PLACES = 8;
 
 bool isAt(Position a, Position b) { return a.line == b.line && a.column == b.column; }
 
@@ -58,6 +59,7 @@ class BuildCauses {
               Findings& findings)
       : facts_(source, text, *variant.database),
         names_(facts_, variant.constants),
+        indices_(facts_, names_, repeated_),
         variant_(variant),
         findings_(findings) {}
 
@@ -65,7 +67,8 @@ class BuildCauses {
     const std::vector<Diagnostic>& all = report.diagnostics.diagnostics();
     for (const Diagnostic& diagnostic : all) notePair(diagnostic);
     for (const Diagnostic& diagnostic : all) explainOne(diagnostic);
-    addMissing();
+    indices_.finish();
+    addRepeated();
     explainEmptyConditions();
     if (report.finishResult == 1) explainRing(report.onRing);
     addUnusedConstants(facts_, variant_.constants, misspeltConstants_, findings_);
@@ -93,9 +96,9 @@ class BuildCauses {
       case DIAG_MULTIPLE_INDEX_STATEMENTS:
         return secondIndexList(record, diagnostic);
       case DIAG_UNDEFINED_INDEX:
-        return undefinedIndex(diagnostic);
+        return indices_.undefined(diagnostic.at, diagnostic.text);
       case DIAG_INVALID_INDEX:
-        return notAnIndex(record, diagnostic);
+        return indices_.notAnIndex(record, diagnostic.at);
       case DIAG_UNDEFINED_VARIABLE:
         return undefinedName(diagnostic);
       case DIAG_INDEX_MISMATCH:
@@ -131,38 +134,6 @@ class BuildCauses {
          facts_.keywordAt(diagnostic.at),
          quoted(record.name) + " has an index statement already: this one is passed over",
          {{facts_.keywordAt(record.indices.front().front().at), "the first one is here"}}});
-  }
-
-  void undefinedIndex(const Diagnostic& diagnostic) {
-    const std::string& name = diagnostic.text;
-    if (facts_.text().isDoubtful(name)) return;
-    Finding finding = {"undefined-index", placeAt(diagnostic.at, name.size()),
-                       "there is no index " + quoted(name)};
-    std::string_view bare = name;
-    if (bare.size() > 2 && bare.front() == '"' && bare.back() == '"') {
-      bare = bare.substr(1, bare.size() - 2);
-      finding.text = "the name of an index has no quotes";
-      finding.proposal = {finding.at, std::string(bare)};
-    } else if (const std::optional<std::string> near = names_.nearest(name, true)) {
-      finding.proposal = {finding.at, *near};
-    }
-    add(std::move(finding));
-  }
-
-  void notAnIndex(const ParameterRecord& record, const Diagnostic& diagnostic) {
-    const ParameterRecord* named = nullptr;
-    for (const IndexName& index : record.indices.front()) {
-      if (isAt(index.at, diagnostic.at)) named = facts_.defined(index.name);
-    }
-    if (named == nullptr) return;
-    Finding finding = {"not-an-index",
-                       placeAt(diagnostic.at, named->name.size()),
-                       quoted(named->name) + " is a parameter, and no index",
-                       {{facts_.nameOf(*named), "defined here"}}};
-    if (const std::optional<std::string> near = names_.nearest(named->name, true)) {
-      finding.proposal = {finding.at, *near};
-    }
-    add(std::move(finding));
   }
 
   void indexMismatch(const ParameterRecord& record, const Diagnostic& diagnostic) {
@@ -240,13 +211,7 @@ class BuildCauses {
       return add({"index-mismatch", place,
                   quoted(parts.base) + " is an index, which has no indices itself"});
     }
-    add({"index-mismatch",
-         place,
-         quoted(record.name) + " is not indexed by " + quoted(index.name),
-         {{record.indices.empty() ? facts_.nameOf(record)
-                                  : facts_.keywordAt(record.indices.front().front().at),
-           record.indices.empty() ? "this definition has no index statement"
-                                  : "its indices are given here"}}});
+    indices_.foreign(record, index, place);
   }
 
   void wrongIndexValue(const ParameterRecord& record, const ParameterRecord& named, size_t i,
@@ -271,7 +236,14 @@ class BuildCauses {
     const bool isName = value == name || facts_.defined(value) != nullptr ||
                         facts_.isConstant(value) ||
                         (index->baseBounds().strings().count() == 0 && !wholeNumber(value));
-    if (isName && !isExpression && count == 1 && isShared) {
+    const bool isQuoted = value.size() > 2 && value.front() == '"' && value.back() == '"';
+    const std::string bare = isQuoted ? value.substr(1, value.size() - 2) : value;
+    if (isQuoted && fitIndices(one, {bare})) {
+      finding.text = "an index value in brackets has no quotes";
+      IndexTuple values = written.parts.indices;
+      values[i] = bare;
+      finding.proposal = written.with(written.withValues(values));
+    } else if (isName && !isExpression && count == 1 && isShared) {
       finding.text = "brackets hold an index value, and no name: without brackets, " +
                      quoted(written.parts.base) + " is that of the same " + std::string(name);
       finding.proposal = written.with(std::string(written.parts.base));
@@ -307,22 +279,18 @@ class BuildCauses {
                       " of the command line: one of the two is misspelt";
       misspeltConstants_.insert(finding.proposal->text);
     }
-    // One that is mended on the command line is told once.
-    if (!isMisspelt && finding.code != "missing-constant") return add(std::move(finding));
-    missing_[base].push_back(std::move(finding));
+    const std::string cause = finding.text;
+    repeated_.add(cause, std::move(finding));
   }
 
-  void addMissing() {
-    for (auto& [name, findings] : missing_) {
-      std::ranges::sort(findings, {}, &Finding::at);
-      Finding& first = findings.front();
-      // One that the text has again is right there.
-      if (findings.size() > 1) first.proposal.reset();
-      for (size_t i = 1; i < findings.size() && i < MANY_PLACES; ++i) {
-        first.related.push_back({findings[i].at, "and here"});
-      }
-      add(std::move(first));
-    }
+  void addRepeated() {
+    repeated_.forEach([this](Finding finding, size_t count) {
+      // A constant that the text has again is right there.
+      const bool isOnCommandLine =
+          finding.proposal && misspeltConstants_.contains(finding.proposal->text);
+      if (isOnCommandLine && count > 1) finding.proposal.reset();
+      add(std::move(finding));
+    });
   }
 
   [[nodiscard]] bool isUnusedConstant(const std::string& name) {
@@ -568,10 +536,11 @@ class BuildCauses {
 
   TextFacts facts_;
   NameCauses names_;
+  RepeatedFindings repeated_;
+  IndexCauses indices_;
   const Variant& variant_;
   Findings& findings_;
   std::set<std::pair<uint32_t, uint32_t>> pairs_;
-  std::map<std::string, std::vector<Finding>> missing_;  // by constants that are not given
   std::set<std::string> misspeltConstants_;
   std::optional<std::set<std::string_view>> used_;
   bool hasError_ = false;

@@ -27,9 +27,15 @@ TEST(BuildCauses, OfStatements) {
       {"index { nothing }", {"6:9 error: there is no index \"nothing\" [undefined-index]"}},
       {"index { \"channel\" }",
        {"6:9 error: the name of an index has no quotes [undefined-index]", "6:9 meant: channel"}},
+      {"index { 1..4 }",
+       {"6:9 error: an index statement has the names of indices, and no values: \"1..4\" "
+        "[undefined-index]"}},
+      {"ctrlRO (level[\"1\"])",
+       {"6:9 error: an index value in brackets has no quotes [index-mismatch]",
+        "1:1 note: defined here", "6:9 meant: level[1]"}},
       {"index { mode }",
-       {"6:9 error: \"mode\" is a parameter, and no index [not-an-index]",
-        "2:1 note: defined here"}},
+       {"2:6 error: \"mode\" is used as an index, and defined as a parameter [not-an-index]",
+        "6:9 note: used here", "2:6 meant: index"}},
       {"index { channel } index { channel }",
        {"6:19 warning: \"a\" has an index statement already: this one is passed over "
         "[second-index-list]",
@@ -47,7 +53,10 @@ TEST(BuildCauses, OfStatements) {
       {"ctrlRO (LIMIT)",
        {"6:9 error: there is no \"LIMIT\": as a constant of the command line it is given by -D "
         "LIMIT=... [missing-constant]"}},
-      {"ctrlRO (MODE)", {"6:9 error: there is no \"MODE\" [undefined-name]", "6:9 meant: mode"}},
+      {"ctrlRO (MODE)",
+       {"6:9 error: there is no \"MODE\", nor is it given as a constant by -D MODE=... "
+        "[undefined-name]",
+        "6:9 meant: mode"}},
       {"ctrlRO (nothing)",
        {"6:9 error: there is no \"nothing\" in the text, nor a constant of that name "
         "[undefined-name]"}},
@@ -188,6 +197,52 @@ TEST(BuildCauses, OfStatements) {
     SCOPED_TRACE(c.text);
     EXPECT_EQ(detailedTexts(findingsOf(before + "a rw {\n" + c.text + "\n}\n")), c.findings);
   }
+}
+
+TEST(BuildCauses, OfIndices) {
+  const BuildCase cases[] = {
+      // The access word is wrong, wherever it is used.
+      {"p rw { rangeValid { 1..2 } }\na rw { index { p } ctrlRO (p == 1) }\nb rw { index { p } }\n",
+       {"1:3 error: \"p\" is used as an index, and defined as a parameter [not-an-index]",
+        "2:16 note: used here", "3:16 note: also used here", "1:3 meant: index"}},
+      // No index has a default, or is a value elsewhere.
+      {"p rw { rangeValid { 1..2 } default { 1 } }\na rw { index { p } }\nb rw { index { p } }\n",
+       {"2:16 error: \"p\" is a parameter, and no index [not-an-index]", "1:1 note: defined here",
+        "3:16 note: also used here"}},
+      {"p rw { rangeValid { 1..2 } }\na rw { index { p } }\nb rw { ctrlRO (p == 1) }\n",
+       {"2:16 error: \"p\" is a parameter, and no index [not-an-index]", "1:1 note: defined here"}},
+      {"p rw { }\na rw { index { p } }\n",
+       {"2:16 error: \"p\" is a parameter, and no index [not-an-index]", "1:1 note: defined here"}},
+      {"a rw { index { p } }\nb rw { index { p } }\n",
+       {"1:16 error: there is no index \"p\" [undefined-index]", "2:16 note: also used here"}},
+      {"pip index { rangeValid { 1..2 } }\npips rw { }\na rw { ctrlRO (pip == 1) }\n"
+       "b rw { ctrlRO (pip == 2) }\n",
+       {"3:16 error: \"pip\" is an index, and \"a\" is not indexed by it [index-mismatch]",
+        "3:1 note: this definition has no index statement", "4:16 note: also used here",
+        "3:16 meant: pips"}},
+      // Each of the definitions lacks an index statement.
+      {"pip index { rangeValid { 1..2 } }\na rw { ctrlRO (pip == 1) ctrlRO (pip == 3) }\n"
+       "b rw { ctrlRO (pip == 2) }\n",
+       {"2:16 error: \"a\" is not indexed by \"pip\" [index-mismatch]",
+        "2:1 note: this definition has no index statement", "2:34 note: also used here",
+        "3:16 error: \"b\" is not indexed by \"pip\" [index-mismatch]",
+        "3:1 note: this definition has no index statement"}},
+  };
+  for (const BuildCase& c : cases) {
+    SCOPED_TRACE(c.text);
+    EXPECT_EQ(detailedTexts(findingsOf(c.text)), c.findings);
+  }
+}
+
+TEST(BuildCauses, AreToldOnceForManyPlaces) {
+  std::string text;
+  for (int i = 0; i < 9; ++i) text += "a" + std::to_string(i) + " rw { ctrlRO (nothing) }\n";
+  const Texts expected = {
+      "1:17 error: there is no \"nothing\" in the text, nor a constant of that name "
+      "[undefined-name]",
+      "2:17 note: also used here", "3:17 note: also used here", "4:17 note: also used here",
+      "5:17 note: also used here, and in 4 more places"};
+  EXPECT_EQ(detailedTexts(findingsOf(text)), expected);
 }
 
 TEST(BuildCauses, OfRings) {

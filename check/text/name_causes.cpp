@@ -88,17 +88,17 @@ NameCauses::NameCauses(const TextFacts& facts, const NamedValues& constants)
   }
 }
 
-std::optional<std::string> NameCauses::nearest(std::string_view name, bool isIndex) {
-  const std::string key = (isIndex ? "i" : "p") + std::string(name);
+std::optional<std::string> NameCauses::nearest(std::string_view name, NameKind kind) {
+  const std::string key = std::to_string(kind) + std::string(name);
   if (const auto known = known_.find(key); known != known_.end()) return known->second;
   comparisons_ += parameters_.size() + indices_.size();
   NearestWord nearest(name);
   if (comparisons_ <= MOST_COMPARISONS) {
-    nearest.offer(indices_);
-    if (!isIndex) nearest.offer(parameters_);
+    if (kind != NAME_PARAMETER) nearest.offer(indices_);
+    if (kind != NAME_INDEX) nearest.offer(parameters_);
   }
-  for (const auto& [constant, value] : constants_) {
-    if (!isIndex) nearest.offer(constant);
+  if (kind == NAME_ANY) {
+    for (const auto& [constant, value] : constants_) nearest.offer(constant);
   }
   const std::optional<std::string_view> found = nearest.found();
   return known_[key] = found ? std::optional(std::string(*found)) : std::nullopt;
@@ -149,7 +149,7 @@ std::optional<Finding> NameCauses::misspeltFigure(Position at, std::string_view 
   const std::string_view parameter = parts.front();
   const std::string base(baseName(parameter));
   const bool isKnown = facts_.defined(base) != nullptr || facts_.isConstant(base);
-  const std::optional<std::string> near = isKnown ? std::nullopt : nearest(base, false);
+  const std::optional<std::string> near = isKnown ? std::nullopt : nearest(base, NAME_ANY);
   Finding finding = {"unknown-figure", facts_.tokenAt(at),
                      quoted(name) +
                          " is no figure: its form is vidStd::P::F, where P is a "
@@ -239,7 +239,13 @@ Finding NameCauses::undefined(Position at, std::string_view name) {
     const std::string right = "\"" + base + "\"";
     return proposing("unquoted-text", place, missing + ": a text has to be in quotes", right);
   }
-  if (const std::optional<std::string> near = nearest(base, false)) {
+  const std::optional<std::string> near = nearest(base, NAME_ANY);
+  if (near) {
+    // A name in capitals may be meant to be a constant, even where a parameter is called alike.
+    if (isConstantName(base) && !isConstantName(*near)) {
+      return proposing("undefined-name", place,
+                       missing + ", nor is it given as a constant by -D " + base + "=...", *near);
+    }
     return proposing("undefined-name", place, missing, *near);
   }
   if (isConstantName(base)) {

@@ -8,6 +8,13 @@
 #include "check/text/findings.h"
 #include "check/text/text_facts.h"
 
+/// What a name may have been meant to be.
+enum NameKind {
+  NAME_ANY,        ///< a parameter, an index or a constant
+  NAME_PARAMETER,  ///< a parameter of the text
+  NAME_INDEX,      ///< an index of the text
+};
+
 /// Explains names that nothing defines. Looks for near names as long as that does not take the
 /// square of a long text.
 class NameCauses {
@@ -17,8 +24,8 @@ class NameCauses {
 
   /// What is wrong with the name `name`, as it is in an expression at `at`.
   [[nodiscard]] Finding undefined(Position at, std::string_view name);
-  /// The defined name that is nearest to `name`: among the indices alone where `isIndex`.
-  [[nodiscard]] std::optional<std::string> nearest(std::string_view name, bool isIndex);
+  /// The name of that kind that is nearest to `name`, and not `name` itself.
+  [[nodiscard]] std::optional<std::string> nearest(std::string_view name, NameKind kind);
 
  private:
   [[nodiscard]] Finding unknownFigure(Position at, std::string_view name) const;

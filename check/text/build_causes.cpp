@@ -69,6 +69,7 @@ class BuildCauses {
     for (const Diagnostic& diagnostic : all) explainOne(diagnostic);
     indices_.finish();
     addRepeated();
+    addOddNames();
     explainEmptyConditions();
     if (report.finishResult == 1) explainRing(report.onRing);
     addUnusedConstants(facts_, variant_.constants, misspeltConstants_, findings_);
@@ -291,6 +292,12 @@ class BuildCauses {
       if (isOnCommandLine && count > 1) finding.proposal.reset();
       add(std::move(finding));
     });
+  }
+
+  void addOddNames() {
+    for (Finding& finding : names_.oddNames().findings()) {
+      if (findings_.find(finding.code, finding.at) == nullptr) add(std::move(finding));
+    }
   }
 
   [[nodiscard]] bool isUnusedConstant(const std::string& name) {

@@ -245,6 +245,30 @@ TEST(BuildCauses, AreToldOnceForManyPlaces) {
   EXPECT_EQ(detailedTexts(findingsOf(text)), expected);
 }
 
+TEST(BuildCauses, OfOddNames) {
+  const BuildCase cases[] = {
+      {"gain, rw { }\n",
+       {"1:1 warning: the name of this definition is gain, with the sign at its end [odd-name]",
+        "1:1 meant: gain"}},
+      {"a rw { }\n\uFEFFb rw { }\n",
+       {"2:1 warning: the name of this definition has a byte order mark in front [odd-name]",
+        "2:1 meant: b"}},
+      {"'gain' rw { }\n",
+       {"1:1 warning: the name of this definition is 'gain' with its quotes [odd-name]",
+        "1:1 meant: gain"}},
+      {"\"gain\" rw { }\na rw { ctrlRO (gain == 1) }\n",
+       {"1:1 error: the name of this definition is \"gain\" with its quotes [odd-name]",
+        "2:16 note: there is no \"gain\"", "1:1 meant: gain"}},
+      // Both are names, and one may be misspelt.
+      {"gain: rw { }\ngain rw { }\n", {}},
+      {"a:b rw { }\n'a rw { }\n: rw { }\n", {}},
+  };
+  for (const BuildCase& c : cases) {
+    SCOPED_TRACE(c.text);
+    EXPECT_EQ(detailedTexts(findingsOf(c.text)), c.findings);
+  }
+}
+
 TEST(BuildCauses, OfRings) {
   const BuildCase cases[] = {
       {"b rw { ctrlRO (c) }\nc rw { ctrlRO (a) }\na rw { ctrlRO (b) }\n",

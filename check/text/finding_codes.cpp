@@ -334,6 +334,16 @@ Wrong:
 Right:
     gain rw { rangeValid { 0..10 } default { 0 } }
 )"},
+    {"odd-name", GROUP_BUILDER, LEVEL_WARNING, "a name with a sign that belongs to no name",
+     R"(A name may have nearly every sign, so one behind it, and quotes around it, are
+taken for a part of it. Clients would have to use the name with that sign. It is
+an error where an expression names the definition without it.
+
+Wrong:
+    gain: rw { rangeValid { 0..9 } default { 0 } }
+Right:
+    gain rw { rangeValid { 0..9 } default { 0 } }
+)"},
     {"open-definition", GROUP_READING, LEVEL_ERROR, "a definition is not closed",
      R"(A brace is missing, so that the next definition is read as statements of the
 one that is still open, or the text ends within it.

@@ -80,7 +80,7 @@ std::string allFigures() {
 }  // namespace
 
 NameCauses::NameCauses(const TextFacts& facts, const NamedValues& constants)
-    : facts_(facts), constants_(constants) {
+    : facts_(facts), constants_(constants), oddNames_(facts) {
   for (const ParameterRecord* record : facts.records().inNameOrder()) {
     if (record->access == ACCESS_NONE) continue;
     (record->access == ACCESS_INDEX ? indices_ : parameters_).push_back(record->name);
@@ -239,6 +239,7 @@ Finding NameCauses::undefined(Position at, std::string_view name) {
     const std::string right = "\"" + base + "\"";
     return proposing("unquoted-text", place, missing + ": a text has to be in quotes", right);
   }
+  if (std::optional<Finding> finding = oddNames_.usedPlainly(base, place)) return *finding;
   const std::optional<std::string> near = nearest(base, NAME_ANY);
   if (near) {
     // A name in capitals may be meant to be a constant, even where a parameter is called alike.

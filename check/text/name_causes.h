@@ -6,6 +6,7 @@
 #include <string>
 
 #include "check/text/findings.h"
+#include "check/text/odd_names.h"
 #include "check/text/text_facts.h"
 
 /// What a name may have been meant to be.
@@ -26,6 +27,7 @@ class NameCauses {
   [[nodiscard]] Finding undefined(Position at, std::string_view name);
   /// The name of that kind that is nearest to `name`, and not `name` itself.
   [[nodiscard]] std::optional<std::string> nearest(std::string_view name, NameKind kind);
+  [[nodiscard]] const OddNames& oddNames() const { return oddNames_; }
 
  private:
   [[nodiscard]] Finding unknownFigure(Position at, std::string_view name) const;
@@ -35,6 +37,7 @@ class NameCauses {
 
   const TextFacts& facts_;
   const NamedValues& constants_;
+  OddNames oddNames_;
   std::vector<std::string_view> parameters_;
   std::vector<std::string_view> indices_;
   std::set<std::string_view> texts_;  // all that the text has in quotes

@@ -3,6 +3,7 @@
 #include <unordered_map>
 
 #include "base/number.h"
+#include "check/static/expression_tree.h"
 #include "check/static/static_checks.h"
 #include "check/static/token_place.h"
 #include "sw/parm/parm_name.h"
@@ -52,6 +53,7 @@ class ForeignIndexCheck {
         if (token.kind != TOKEN_VARIABLE) continue;
         const Reference reference = context_.referenceOf(token);
         if (reference.named == nullptr) continue;
+        if (!ExpressionTree::make(expression)) return;
         std::optional<Finding> finding = definition.isIndex() ? foundInIndex(definition, reference)
                                                               : foundIn(definition, reference);
         if (!finding) continue;

@@ -20,7 +20,7 @@ TEST(BuildCauses, OfStatements) {
       "channel index { rangeValid { 1..2 } }\n"
       "mode rw { rangeValid { \"film\", \"off\" } }\n"
       "level rw { index { channel } }\n"
-      "standard rw { }\n";
+      "standard rw { } user_lock rw { }\n";
   const BuildCase cases[] = {
       {"index { chanel }",
        {"6:9 error: there is no index \"chanel\" [undefined-index]", "6:9 meant: channel"}},
@@ -50,6 +50,26 @@ TEST(BuildCauses, OfStatements) {
         "[undefined-name]"}},
       {"ctrlRO (mode == 'film')",
        {"6:17 error: a text has to be in double quotes [unquoted-text]", "6:17 meant: \"film\""}},
+      {"ctrlRO (mode == \u201Cfilm still\u201D)",
+       {"6:17 error: a text has to be in double quotes [unquoted-text]",
+        "6:17 meant: \"film still\""}},
+      {"ctrlRO (user-lock == 1)",
+       {"6:9 error: there is no \"user-lock\" [undefined-name]", "6:9 meant: user_lock"}},
+      {"ctrlRO (mode == true)",
+       {"6:17 error: there is no \"true\": a truth is 1 or 0 [undefined-name]", "6:17 meant: 1"}},
+      {"ctrlRO (mode == 1..3)",
+       {"6:17 error: \"1..3\" is no value: compare with both ends of the span, as in (a >= 1 && a "
+        "<= 9) [undefined-name]"}},
+      {"ctrlRO (mode == 1;)",
+       {"6:17 error: \"1;\" is no name: an expression has no \";\" [undefined-name]"}},
+      {"ctrlRO (mode in (1, 2))",
+       {"6:14 error: there is no operator \"in\": compare with each, as in (a == 1 || a == 2) "
+        "[invalid-expression]"}},
+      {"ctrlRO (mode \u2265 3)",
+       {"6:14 error: there is no operator \"\u2265\" [invalid-expression]", "6:14 meant: >="}},
+      {"ctrlRO (mode ** 2)", {"6:14 error: there is no operator \"**\" [invalid-expression]"}},
+      {"ctrlRO (level(1) == 2)",
+       {"6:9 error: an index value is in brackets: level[...] [invalid-expression]"}},
       {"ctrlRO (LIMIT)",
        {"6:9 error: there is no \"LIMIT\": as a constant of the command line it is given by -D "
         "LIMIT=... [missing-constant]"}},

@@ -61,6 +61,10 @@ class ExpressionCause {
 
   [[nodiscard]] std::optional<Finding> betweenValues(size_t i) const {
     const Token& before = tokens_[i - 1];
+    for (const size_t word : {i - 1, i}) {
+      if (tokens_[word].kind != TOKEN_VARIABLE) continue;
+      if (auto finding = foreignQuotationAt(facts_, tokens_[word].at)) return *std::move(finding);
+    }
     const bool hasSeparator = before.kind == TOKEN_VARIABLE && before.text.size() > 1 &&
                               (before.text.back() == ',' || before.text.back() == ';');
     if (hasSeparator) {
@@ -73,8 +77,23 @@ class ExpressionCause {
       const auto* const foreign = std::ranges::find(
           FOREIGN_OPERATORS, token.text, &std::pair<std::string_view, std::string_view>::first);
       if (foreign == std::end(FOREIGN_OPERATORS)) continue;
+      const bool isListed =
+          token.text == "in" && word + 1 < tokens_.size() && tokens_[word + 1].kind == TOKEN_OPEN;
+      if (isListed) {
+        return wrong(word,
+                     "there is no operator \"in\": compare with each, as in (a == 1 || a == 2)");
+      }
       Finding finding = wrong(word, "there is no operator " + quoted(token.text));
       finding.proposal = {finding.at, std::string(foreign->second)};
+      return finding;
+    }
+    for (const size_t word : {i - 1, i}) {
+      if (tokens_[word].kind != TOKEN_VARIABLE) continue;
+      const std::string sign = withPlainSigns(tokens_[word].text);
+      const std::optional<OperatorText> meant = operatorAt(sign);
+      if (!meant || meant->text.size() != sign.size()) continue;
+      Finding finding = wrong(word, "there is no operator " + quoted(tokens_[word].text));
+      finding.proposal = {finding.at, sign};
       return finding;
     }
     for (const size_t word : {i - 1, i}) {
@@ -84,14 +103,24 @@ class ExpressionCause {
     }
     if (std::optional<Finding> finding = nameInWords(i)) return *std::move(finding);
     if (tokens_[i].kind == TOKEN_OPEN && tokens_[i - 1].kind == TOKEN_VARIABLE) {
-      return wrong(i - 1, "there is no function " + textOf(i - 1) +
-                              ", and an operator is missing behind a name");
+      return callOf(i - 1);
     }
     if (tokens_[i].kind == TOKEN_VARIABLE && isQuestion(tokens_[i].text)) {
       return wrong(
           i, "there is no operator " + textOf(i) + ": write one statement for each condition");
     }
     return wrong(i, "an operator is missing between " + textOf(i - 1) + " and " + textOf(i));
+  }
+
+  // A name with something in parentheses behind it: perhaps an index value.
+  [[nodiscard]] Finding callOf(size_t name) const {
+    Finding finding = wrong(name, "there is no function " + textOf(name) +
+                                      ", and an operator is missing behind a name");
+    const ParameterRecord* const record = facts_.defined(tokens_[name].text);
+    if (record != nullptr && !record->indices.empty()) {
+      finding.text = "an index value is in brackets: " + std::string(record->name) + "[...]";
+    }
+    return finding;
   }
 
   static bool isNegation(const Token& token) {
@@ -121,7 +150,7 @@ class ExpressionCause {
   [[nodiscard]] std::optional<Finding> foreignSigns(size_t i) const {
     constexpr std::pair<std::string_view, std::string_view> SIGNS[] = {
         {"<>", "!="},  {"><", "!="},  {"=!", "!="},  {"^=", "!="},  {"&&&", "&&"},
-        {"|||", "||"}, {"!==", "!="}, {">>>", ">>"}, {"<<<", "<<"},
+        {"|||", "||"}, {"!==", "!="}, {">>>", ">>"}, {"<<<", "<<"}, {"**", ""},
     };
     if (i == 0 || tokens_[i - 1].at.line != tokens_[i].at.line) return {};
     const TextPlace first = facts_.tokenAt(tokens_[i - 1].at);
@@ -134,7 +163,7 @@ class ExpressionCause {
         std::ranges::find(SIGNS, written, &std::pair<std::string_view, std::string_view>::first);
     if (found == std::end(SIGNS)) return {};
     Finding finding = {CODE, both, "there is no operator " + quoted(written)};
-    finding.proposal = {both, std::string(found->second)};
+    if (!found->second.empty()) finding.proposal = {both, std::string(found->second)};
     return finding;
   }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "check/text/foreign_quotes.h"
 #include "check/text/name_words.h"
 #include "check/text/nearest_word.h"
 #include "check/text/record_expressions.h"
@@ -15,8 +16,6 @@ namespace {
 
 constexpr size_t MOST_COMPARISONS = 2'000'000;
 constexpr std::string_view PREFIX = "vidStd::";
-// A name with one of them cannot be used in an expression.
-constexpr std::string_view OPERATOR_SIGNS = "()|&^=!<>+-*/%$";
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
@@ -167,22 +166,37 @@ std::optional<Finding> NameCauses::misspeltFigure(Position at, std::string_view 
 std::optional<Finding> NameCauses::noName(Position at, std::string_view name) const {
   const TextPlace place = facts_.tokenAt(at);
   const char first = name.front();
-  if (first == '\'' || first == '`') {
-    Finding finding = {"unquoted-text", place, "a text has to be in double quotes"};
-    if (name.size() > 2 && name.back() == first) {
-      finding.proposal = {place, "\"" + std::string(name.substr(1, name.size() - 2)) + "\""};
-    }
-    return finding;
-  }
+  if (std::optional<Finding> finding = foreignQuotationAt(facts_, at)) return finding;
   if (first == '#') {
     return Finding{"comment-after-code", facts_.restOfLine(at),
                    "a comment has to be on a line of its own"};
+  }
+  if (isSameButCase(name, "true") || isSameButCase(name, "false")) {
+    return proposing("undefined-name", place, "there is no " + quoted(name) + ": a truth is 1 or 0",
+                     isSameButCase(name, "true") ? "1" : "0");
+  }
+  const Expression* const whole = facts_.expressionAt(at);
+  const bool isCompared = whole != nullptr && whole->tokens.size() > 1;
+  if (isCompared && name.find("..") != std::string_view::npos) {
+    return Finding{"undefined-name", place,
+                   quoted(name) +
+                       " is no value: compare with both ends of the span, as in "
+                       "(a >= 1 && a <= 9)"};
   }
   if (name.find("..") != std::string_view::npos) {
     return Finding{"undefined-name", place,
                    quoted(name) +
                        " is no name: the dots of a span are outside of the parentheses, "
                        "as in (a)..(b)"};
+  }
+  if (name.size() > 1 && (name.back() == ',' || name.back() == ';')) {
+    return Finding{
+        "undefined-name", place,
+        quoted(name) + " is no name: an expression has no " + quoted(name.substr(name.size() - 1))};
+  }
+  if (const std::string_view number = numberBeforeUnit(name); !number.empty()) {
+    return proposing("undefined-name", place, quoted(name) + " has a unit, and a number has none",
+                     std::string(number));
   }
   if (isDigit(first)) {
     const bool isOctal = first == '0' && std::ranges::all_of(name, isDigit);
@@ -194,16 +208,11 @@ std::optional<Finding> NameCauses::noName(Position at, std::string_view name) co
                                     : " is neither a number nor a name: a text has to be "
                                       "in quotes")};
   }
-  if (name.size() > 1 && (name.back() == ',' || name.back() == ';')) {
-    return Finding{
-        "undefined-name", place,
-        quoted(name) + " is no name: an expression has no " + quoted(name.substr(name.size() - 1))};
-  }
   return {};
 }
 
 // A defined name that no expression can name, because of a sign in it: "a-b" is read as a
-// difference. `at` is that of a part of it.
+// difference. Or one that is defined with underscores. `at` is that of a part of it.
 std::optional<Finding> NameCauses::unusableName(Position at) const {
   constexpr std::string_view ENDS = "()[]{},\" \t\r";
   const std::string_view line = facts_.source().line(at.line);
@@ -211,15 +220,17 @@ std::optional<Finding> NameCauses::unusableName(Position at) const {
   const size_t before = line.find_last_of(ENDS, at.column);
   const size_t from = before == std::string_view::npos ? 0 : before + 1;
   const std::string_view name = line.substr(from, line.find_first_of(ENDS, at.column) - from);
-  const ParameterRecord* const record = facts_.defined(name);
-  const size_t sign = name.find_first_of(OPERATOR_SIGNS);
-  if (record == nullptr || sign == std::string_view::npos) return {};
-  return Finding{"undefined-name",
-                 placeAt({at.line, static_cast<uint32_t>(from)}, name.size()),
-                 "no expression can name " + quoted(name) + ", as it takes the \"" +
-                     std::string(name.substr(sign, 1)) +
-                     "\" for an operator: give the parameter a name without it",
-                 {{facts_.nameOf(*record), "defined here"}}};
+  if (isNameOfExpressions(name)) return {};
+  const TextPlace place = placeAt({at.line, static_cast<uint32_t>(from)}, name.size());
+  if (const ParameterRecord* const record = facts_.defined(name)) {
+    return Finding{"undefined-name",
+                   place,
+                   unusableNameText(name),
+                   {{facts_.nameOf(*record), "defined here"}}};
+  }
+  const std::string right = withUnderscores(name);
+  if (!isNameOfExpressions(right) || facts_.defined(right) == nullptr) return {};
+  return proposing("undefined-name", place, "there is no " + quoted(name), right);
 }
 
 Finding NameCauses::undefined(Position at, std::string_view name) {

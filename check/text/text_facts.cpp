@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <tuple>
 
+#include "check/text/foreign_quotes.h"
 #include "check/text/record_expressions.h"
+#include "check/text/wording.h"
 #include "deflang/expression/operators.h"
 #include "deflang/expression/vid_std_name.h"
 #include "deflang/text/text_cursor.h"
@@ -42,6 +44,17 @@ size_t elementLength(std::string_view line) {
 
 TextPlace placeAt(Position at, size_t length) {
   return {at.line, at.column, static_cast<uint32_t>(length)};
+}
+
+std::optional<Finding> foreignQuotationAt(const TextFacts& facts, Position at) {
+  const std::string_view line = facts.source().line(at.line);
+  const std::optional<ForeignQuotation> quotation =
+      foreignQuotation(line.substr(std::min<size_t>(at.column, line.size())));
+  if (!quotation) return {};
+  const TextPlace place = placeAt(at, quotation->whole.size());
+  Finding finding = {"unquoted-text", place, "a text has to be in double quotes"};
+  if (quotation->isClosed) finding.proposal = {place, inQuotes(quotation->inner)};
+  return finding;
 }
 
 const DefinitionLayout* TextFacts::definitionAt(Position at) const {
@@ -83,9 +96,7 @@ TextPlace TextFacts::tokenAt(Position at) const {
 }
 
 TextPlace TextFacts::restOfLine(Position at) const {
-  std::string_view rest = source_.line(at.line).substr(at.column);
-  while (!rest.empty() && isWhiteSpace(rest.back())) rest.remove_suffix(1);
-  return placeAt(at, rest.size());
+  return placeAt(at, trimmed(source_.line(at.line).substr(at.column)).size());
 }
 
 TextPlace TextFacts::nameOf(const ParameterRecord& record) const {

@@ -60,5 +60,9 @@ class TextFacts {
   mutable std::unordered_map<uint64_t, const Expression*> expressions_;
 };
 
+/// What is wrong with the foreign quotes at `at`, within an expression; no value where there are
+/// none.
+std::optional<Finding> foreignQuotationAt(const TextFacts& facts, Position at);
+
 /// The place `at` with a length.
 TextPlace placeAt(Position at, size_t length);

@@ -127,7 +127,10 @@ std::optional<ReadingCause> wrongName(const FaultView& view) {
   const size_t at = view.fault.nameAt;
   const std::string name = view.name();
   if (startsComment(name)) {
-    return commentAfterCode(view, at, {RESUME_DEFINITION, view.nextLine(at)});
+    const TextPart comment = view.partAt(at);
+    const bool isBlock = comment.text.ends_with("*/");
+    return commentAfterCode(view, at,
+                            {RESUME_DEFINITION, isBlock ? comment.end() : view.nextLine(at)});
   }
   if (name.starts_with('}')) return extraBrace(view);
   const std::string word = name.substr(0, name.find_first_of("({"));

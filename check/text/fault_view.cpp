@@ -25,8 +25,14 @@ size_t FaultView::nextLine(size_t at) const {
 }
 
 ReadingCause commentAfterCode(const FaultView& view, size_t at, ResumePoint next) {
-  std::string_view comment = view.lineFrom(at);
-  while (!comment.empty() && isWhiteSpace(comment.back())) comment.remove_suffix(1);
+  std::string_view comment = trimmed(view.lineFrom(at));
+  if (comment.starts_with("/*")) {
+    const size_t end = view.text().find("*/", at + 2);
+    if (end != std::string_view::npos) comment = comment.substr(0, end + 2 - at);
+    // The rest of a definition is not within the comment.
+    const size_t behind = end == std::string_view::npos ? 0 : end + 2;
+    next.at = std::max(next.at, behind);
+  }
   const bool isOwnSign = comment.starts_with('#');
   return {{"comment-after-code", view.place(at, comment.size()),
            isOwnSign ? "a comment has to be on a line of its own"

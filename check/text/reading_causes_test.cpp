@@ -36,6 +36,15 @@ TEST(ReadingCauses, OfStatements) {
       {"rangeValid { (width) * 2 }",
        {"2:22 error: the whole expression has to be in parentheses [syntax]"}},
       {"rangeValid { 5dB }", {"2:14 error: a text has to be in quotes: \"5dB\" [unquoted-text]"}},
+      {"/* all */ default { 1 }",
+       {"2:1 error: a comment begins with \"#\" and has to be on a line of its own "
+        "[comment-after-code]"}},
+      {"/* all\n of it */ default { 1 }",
+       {"2:1 error: a comment begins with \"#\" and has to be on a line of its own "
+        "[comment-after-code]"}},
+      {"rangeValid { 1 /* all */ } default { 1 }",
+       {"2:16 error: a comment begins with \"#\" and has to be on a line of its own "
+        "[comment-after-code]"}},
       {"rangeValid { 1080i/50 }",
        {"2:14 error: a text has to be in quotes: \"1080i/50\" [unquoted-text]"}},
       {"rangeValid { 08 }",
@@ -208,6 +217,9 @@ TEST(ReadingCauses, OfDefinitions) {
        {"1:2 error: a definition has a name without index values; an index statement gives its "
         "indices [syntax]"}},
       {"rw b { }", {"1:1 error: the name comes before the access word: \"b rw\" [unknown-access]"}},
+      {"/* b\n c */ b rw { }",
+       {"1:1 error: a comment begins with \"#\" and has to be on a line of its own "
+        "[comment-after-code]"}},
       {"b rw ro { }",
        {"1:6 error: a definition has one access word: \"ro\" is a second one [syntax]"}},
       {"b rw default { 1 } }",

@@ -61,6 +61,8 @@ TextPart TextScan::next() {
   const std::string_view rest = text_.substr(at_, pieceEnd_ - at_);
   if (rest.front() == '"') return takeQuoted();
   if (SIGNS.find(rest.front()) != std::string_view::npos) return take(PART_SIGN, 1);
+  const size_t blockEnd = rest.starts_with("/*") ? rest.find("*/", 2) : std::string_view::npos;
+  if (blockEnd != std::string_view::npos) return take(PART_COMMENT, blockEnd + 2);
   if (startsComment(rest)) {
     return take(PART_COMMENT, rest.ends_with('\n') ? rest.size() - 1 : rest.size());
   }

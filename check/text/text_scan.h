@@ -16,8 +16,9 @@ enum TextPartKind {
   /// A quote that most likely misses its partner, and the rest of its line up to the signs that
   /// close the statement.
   PART_OPEN_QUOTE,
-  PART_COMMENT,  ///< from a "#", "//" or "/*" behind code to the end of the line
-  PART_END,      ///< the end of the text
+  /// From a "#", "//" or "/*" behind code to the end of the line, or to a "*/" on it.
+  PART_COMMENT,
+  PART_END,  ///< the end of the text
 };
 
 /// One part of a text.

@@ -2,8 +2,11 @@
 
 #include <algorithm>
 
+#include "check/text/name_words.h"
 #include "check/text/nearest_word.h"
+#include "check/text/odd_names.h"
 #include "deflang/text/definition_grammar.h"
+#include "deflang/text/text_cursor.h"
 
 namespace {
 
@@ -60,8 +63,9 @@ ResumePoint bodyBehind(const FaultView& view, size_t at) {
 ReadingCause wrongAccess(const FaultView& view, const TextPart& word) {
   const std::optional<std::string> meant = meantWord(word.text, ACCESS_SYNONYMS, accessWords());
   Finding finding = {"unknown-access", view.placeOf(word),
-                     quoted(word.text) + " is no access word: " + listOf(accessWords()) +
-                         " belongs behind " + quoted(view.name())};
+                     (word.kind == PART_QUOTED ? std::string(word.text) : quoted(word.text)) +
+                         " is no access word: " + listOf(accessWords()) + " belongs behind " +
+                         quoted(view.name())};
   if (meant) finding.proposal = {finding.at, *meant};
   return {std::move(finding), bodyBehind(view, word.end())};
 }
@@ -72,6 +76,32 @@ ReadingCause missingAccess(const FaultView& view, std::string_view name, ResumeP
           next};
 }
 
+// A brace behind one word: the name has no access word, has it behind the brace, or is missing.
+ReadingCause bodyWithoutAccess(const FaultView& view, const TextPart& brace) {
+  const ResumePoint next = {RESUME_STATEMENT, brace.end()};
+  if (isAmong(accessWords(), view.name())) {
+    return {{"unknown-access", view.namePlace(),
+             "a name is missing before the access word " + quoted(view.name())},
+            next};
+  }
+  const TextPart first = view.scanFrom(brace.end()).peek();
+  const TextPart behind = view.scanFrom(first.end()).peek();
+  const bool isAccess =
+      isAmong(accessWords(), first.text) && !behind.isSign('{') && !behind.isSign('(');
+  if (!isAccess) return missingAccess(view, view.name(), next);
+  if (first.isFirstOnLine) {
+    return {{"unknown-access", view.placeOf(first), "the access word is before the brace"},
+            {RESUME_STATEMENT, first.end()}};
+  }
+  const TextPlace both = view.place(brace.at, first.end() - brace.at);
+  return {{"unknown-access",
+           both,
+           "the access word is before the brace",
+           {},
+           Proposal{both, std::string(first.text) + " {"}},
+          {RESUME_STATEMENT, first.end()}};
+}
+
 ReadingCause extraBrace(const FaultView& view) {
   const bool isEnd = view.fault.result == PARSE_DONE;
   Finding finding = {"syntax", view.place(view.fault.nameAt, 1),
@@ -79,6 +109,19 @@ ReadingCause extraBrace(const FaultView& view) {
   // The daemon takes one at the very end for a name without a definition, and is content.
   if (isEnd && view.name() == "}") finding.level = LEVEL_WARNING;
   if (view.fault.closed) finding.related.push_back(*view.fault.closed);
+  return {std::move(finding), {RESUME_DEFINITION, view.fault.nameAt + 1}};
+}
+
+// A sign between definitions. The daemon takes one at the very end for a name, and is content.
+ReadingCause separator(const FaultView& view) {
+  const TextPlace at = view.namePlace();
+  Finding finding = {
+      "syntax",
+      at,
+      "there is nothing to separate with " + quoted(view.name()) + " between definitions",
+      {},
+      Proposal{at, ""}};
+  if (view.fault.result == PARSE_DONE) finding.level = LEVEL_WARNING;
   return {std::move(finding), {RESUME_DEFINITION, view.fault.nameAt + 1}};
 }
 
@@ -103,15 +146,62 @@ ReadingCause swapped(const FaultView& view, const TextPart& name) {
 
 // Two words before the access word.
 ReadingCause nameWithBlank(const FaultView& view, const TextPart& second) {
-  const std::string right = view.name() + "_" + std::string(second.text);
   const TextPlace at = view.place(view.fault.nameAt, second.end() - view.fault.nameAt);
+  if (plainName(second.text).empty()) {
+    const TextPlace sign = view.placeOf(second);
+    return {{"unknown-access",
+             sign,
+             "there is no " + quoted(second.text) + " between the name and the access word",
+             {},
+             Proposal{sign, ""}},
+            bodyBehind(view, second.end())};
+  }
+  constexpr std::string_view TYPES[] = {"int",   "integer", "bool",      "boolean", "string",
+                                        "enum",  "float",   "param",     "number",  "var",
+                                        "const", "define",  "parameter", "def",     "text"};
+  if (isAmong(TYPES, view.name())) {
+    const TextPlace word = view.place(view.fault.nameAt, second.at - view.fault.nameAt);
+    return {{"unknown-access",
+             view.namePlace(),
+             "a definition begins with its name, and has no " + quoted(view.name()),
+             {},
+             Proposal{word, ""}},
+            bodyBehind(view, second.end())};
+  }
+  const std::string both = view.name() + "_" + std::string(second.text);
+  const std::string right(plainName(both));
   return {{"unknown-access", at, "a name has no blank: " + quoted(right), {}, Proposal{at, right}},
           bodyBehind(view, second.end())};
 }
 
+// A name of several words in quotes. Returns nothing for any other.
+std::optional<ReadingCause> nameInQuotes(const FaultView& view) {
+  const size_t at = view.fault.nameAt;
+  const std::string_view line = view.lineFrom(at);
+  const size_t closing = line.find('"', 1);
+  if (!line.starts_with('"') || closing == std::string_view::npos) return {};
+  const std::string_view whole = line.substr(0, closing + 1);
+  std::string right(plainName(whole));
+  std::ranges::replace_if(right, isWhiteSpace, '_');
+  const TextPlace place = view.place(at, whole.size());
+  return ReadingCause{{"unknown-access",
+                       place,
+                       "a name has no quotes and no blanks: " + quoted(right),
+                       {},
+                       Proposal{place, right}},
+                      bodyBehind(view, at + whole.size())};
+}
+
+// Whether a word "index" begins the statement, which has names in braces, and is no access word.
+bool isIndexStatement(const FaultView& view, const TextPart& word) {
+  if (word.text != "index") return false;
+  const TextPart brace = view.partAt(word.end());
+  return brace.isSign('{') && !isAmong(statementKeywords(), view.partAt(brace.end()).text);
+}
+
 // Behind a name and an access word, where the brace has to be.
 ReadingCause missingBrace(const FaultView& view, const TextPart& found) {
-  if (isAmong(accessWords(), found.text)) {
+  if (isAmong(accessWords(), found.text) && !isIndexStatement(view, found)) {
     return {{"syntax", view.placeOf(found),
              "a definition has one access word: " + quoted(found.text) + " is a second one"},
             bodyBehind(view, found.end())};
@@ -132,7 +222,18 @@ std::optional<ReadingCause> wrongName(const FaultView& view) {
     return commentAfterCode(view, at,
                             {RESUME_DEFINITION, isBlock ? comment.end() : view.nextLine(at)});
   }
+  const std::string plain = withPlainSigns(name);
+  if (plain.find(' ') != std::string::npos && view.fault.result != PARSE_DONE) {
+    const TextPlace place = view.namePlace();
+    return ReadingCause{{"syntax",
+                         place,
+                         "the white space in this word is none for the daemon: write a blank",
+                         {},
+                         Proposal{place, plain}},
+                        bodyBehind(view, at + name.size())};
+  }
   if (name.starts_with('}')) return extraBrace(view);
+  if (name == ";" || name == ",") return separator(view);
   const std::string word = name.substr(0, name.find_first_of("({"));
   const TextPart found = view.partAt(view.fault.at);
   const bool isGlued = word.size() < name.size();
@@ -154,14 +255,60 @@ ResumePoint behindUnknown(const TextScan& behind) {
   }
 }
 
+// Words of languages in which a condition is in front of what it decides.
+constexpr std::string_view CONDITION_WORDS[] = {"if",     "else", "elif",   "elsif", "elseif",
+                                                "unless", "when", "switch", "case",  "otherwise"};
+
+// Behind the block that a word begins, with the statements in it; where the block has no end of its
+// own, as behindUnknown().
+ResumePoint behindBlock(const FaultView& view, size_t from) {
+  TextScan scan = view.scanFrom(from);
+  size_t depth = 0;
+  for (;;) {
+    const TextPart part = scan.next();
+    const bool isOpen = depth > 0;
+    if (part.kind == PART_END || beginsDefinition(part, scan) || (!isOpen && part.isSign('}'))) {
+      break;
+    }
+    if (part.isSign('{')) ++depth;
+    if (part.isSign('}') && --depth == 0) {
+      TextScan behind = scan;
+      const TextPart next = behind.next();
+      if (next.kind == PART_END || beginsDefinition(next, behind)) break;
+      return {RESUME_STATEMENT, part.end()};
+    }
+  }
+  return behindUnknown(view.scanFrom(from));
+}
+
+ReadingCause conditionWord(const FaultView& view, const TextPart& word) {
+  const bool isRest = word.text.starts_with("el") || word.text == "otherwise";
+  return {{"unknown-keyword", view.placeOf(word),
+           "there is no " + quoted(word.text) + ": " +
+               (isRest ? "a statement for all other cases has a condition of its own, as in "
+                       : "a condition is a part of each statement, behind its keyword, as in ") +
+               "rangeValid (condition) { item, ... }"},
+          behindBlock(view, word.end())};
+}
+
 ReadingCause unknownKeyword(const FaultView& view, const TextPart& word) {
+  if (const std::string plain = withPlainSigns(word.text); !plain.empty()) {
+    const TextPlace at = view.placeOf(word);
+    return {{"unknown-keyword",
+             at,
+             quoted(word.text) + " has a character that looks like another one, or like none",
+             {},
+             Proposal{at, plain}},
+            behindBlock(view, word.end())};
+  }
+  if (isAmong(CONDITION_WORDS, word.text)) return conditionWord(view, word);
   const std::optional<std::string> meant =
       meantWord(word.text, KEYWORD_SYNONYMS, statementKeywords());
   Finding finding = {"unknown-keyword", view.placeOf(word),
                      "there is no statement " + quoted(word.text) + ": " +
                          listOf(statementKeywords()) + " is expected, or \"}\""};
   if (meant) finding.proposal = {finding.at, *meant};
-  return {std::move(finding), behindUnknown(view.scanFrom(word.end()))};
+  return {std::move(finding), behindBlock(view, word.end())};
 }
 
 // Whether `part` looks like an item of a range: a number, a span or a text.
@@ -188,7 +335,8 @@ ReadingCause itemsWithoutKeyword(const FaultView& view, const TextPart& first, T
       "there is no statement " +
           (first.kind == PART_QUOTED ? std::string(first.text) : quoted(first.text)) +
           ": the values of a range belong in a \"rangeValid\""};
-  if (!last.isSign(',')) finding.proposal = {at, "rangeValid { " + std::string(items) + " }"};
+  const bool areItems = !last.isSign(',') && items.find_first_of(":[]=;") == std::string_view::npos;
+  if (areItems) finding.proposal = {at, "rangeValid { " + std::string(items) + " }"};
   return {std::move(finding), nextStatement(view.scanFrom(last.end()))};
 }
 
@@ -213,6 +361,7 @@ ReadingCause straySign(const FaultView& view, const TextPart& part) {
 
 ReadingCause causeInHead(const FaultView& view) {
   if (auto cause = wrongName(view)) return *std::move(cause);
+  if (auto cause = nameInQuotes(view)) return *std::move(cause);
   const TextPart found = view.partAt(view.fault.at);
   if (found.kind == PART_END) {
     ReadingCause cause = openDefinition(view, found);
@@ -221,7 +370,7 @@ ReadingCause causeInHead(const FaultView& view) {
     return cause;
   }
   if (view.fault.result == PARSE_SYNTAX_ERROR) return missingBrace(view, found);
-  if (found.isSign('{')) return missingAccess(view, view.name(), {RESUME_STATEMENT, found.end()});
+  if (found.isSign('{')) return bodyWithoutAccess(view, found);
   if (view.byteAt(view.fault.at) == '[') {
     return {{"syntax", view.place(found.at, found.text.size()),
              "a definition has a name without index values; an index statement gives its indices"},

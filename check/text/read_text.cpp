@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "check/text/bare_words.h"
 #include "check/text/long_lines.h"
+#include "check/text/name_words.h"
 #include "check/text/reading_causes.h"
 #include "check/text/rewindable_lines.h"
 #include "deflang/text/definition_grammar.h"
@@ -70,11 +72,7 @@ class LayoutObserver final : public ReadingObserver {
 
   // What is known only when all is read.
   void finish() {
-    for (auto& [finding, word] : bareWords_) {
-      const ParameterRecord* const record = text_.definitions.records.find(word);
-      nameBareWord(finding, word, record != nullptr && record->access != ACCESS_NONE);
-      findings_.add(std::move(finding));
-    }
+    for (const std::vector<BareWord>& words : bareWords_) explainBareWords(words);
     longLines_.report(findings_);
   }
 
@@ -88,6 +86,21 @@ class LayoutObserver final : public ReadingObserver {
       fault.closed = RelatedPlace{closedBy_, "\"" + std::string(closed_->name) + "\" ends here"};
     }
     return fault;
+  }
+
+  void explainBareWords(const std::vector<BareWord>& words) {
+    const auto isDefined = [this](std::string_view name) {
+      const ParameterRecord* const record = text_.definitions.records.find(name);
+      return record != nullptr && record->access != ACCESS_NONE;
+    };
+    for (const BareWord& word : words) {
+      if (word.isText || !isDefined(word.word) || isNameOfExpressions(word.word)) continue;
+      return findings_.add({"syntax", word.at, unusableNameText(word.word)});
+    }
+    findings_.add(findingOfBareWords(source_, words, [&](std::string_view word) {
+      const std::string name = withUnderscores(word);
+      return isDefined(name) ? std::optional(name) : std::nullopt;
+    }));
   }
 
   // Whether the brace behind name and access word is before the fault.
@@ -131,10 +144,10 @@ class LayoutObserver final : public ReadingObserver {
     if (longLines_.isToBlame(start) || longLines_.isToBlame(fault.at)) return;
     if (text_.linesWithNul.contains(cause.finding.at.line)) return;
     if (isBraceMissing_ && cause.finding.code == "open-definition") return;
-    if (cause.bareWord.empty()) {
+    if (cause.bareWords.empty()) {
       findings_.add(std::move(cause.finding));
     } else {
-      bareWords_.emplace_back(std::move(cause.finding), cause.bareWord);
+      bareWords_.push_back(std::move(cause.bareWords));
     }
   }
 
@@ -147,7 +160,7 @@ class LayoutObserver final : public ReadingObserver {
   ReadingFault open_;
   const ParameterRecord* closed_ = nullptr;
   TextPlace closedBy_;
-  std::vector<std::pair<Finding, std::string_view>> bareWords_;
+  std::vector<std::vector<BareWord>> bareWords_;  // of each statement
   size_t readAgain_ = 0;
   size_t resumedAt_ = 0;
   bool hasResumed_ = false;

@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include "check/text/finding.h"
 #include "check/text/recovery.h"
@@ -27,19 +28,25 @@ struct ReadingFault {
   std::optional<RelatedPlace> closed;
 };
 
+/// A word where a text or an expression belongs.
+struct BareWord {
+  TextPlace at;               ///< with quotes that the language does not have
+  std::string_view word;      ///< without them; a view of the text
+  bool isText = false;        ///< whether it cannot be a name
+  bool isClosed = true;       ///< whether such quotes are closed
+  bool isBehindWord = false;  ///< whether there is only white space between the word before and it
+};
+
 /// What is said about it.
 struct ReadingCause {
   Finding finding;
   ResumePoint next;
-  /// A bare word where a text or an expression belongs: which of the two is known once all names
-  /// are, see nameBareWord().
-  std::string_view bareWord = {};
+  /// The bare words of a statement: what to say about them is known once all names are, see
+  /// findingOfBareWords().
+  std::vector<BareWord> bareWords = {};
 };
 
 /// Why the reading stopped, and where it goes on: behind `fault.nameAt`, and not always behind
 /// `fault.at`, because a sign that is missing may let the grammar run on. `text` is that of
 /// `source`, perhaps with other bytes where no text may have them.
 ReadingCause causeOf(const ReadingFault& fault, const SourceText& source, std::string_view text);
-
-/// Says in `finding` what a bare word wants: parentheses where it is a name, else quotes.
-void nameBareWord(Finding& finding, std::string_view word, bool isName);

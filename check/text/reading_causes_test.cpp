@@ -35,7 +35,41 @@ TEST(ReadingCauses, OfStatements) {
       {"rangeValid { width * 2 }", {"2:14 error: an expression has to be in parentheses [syntax]"}},
       {"rangeValid { (width) * 2 }",
        {"2:22 error: the whole expression has to be in parentheses [syntax]"}},
-      {"rangeValid { 5dB }", {"2:14 error: a text has to be in quotes: \"5dB\" [unquoted-text]"}},
+      {"rangeValid (a)) { 1 } default { 1 }", {"2:15 error: this \")\" closes nothing [syntax]"}},
+      {"rangeValid [a == 1] { 1 }",
+       {"2:12 error: the condition of \"rangeValid\" has to be in parentheses: rangeValid "
+        "(condition) { item, ... } [syntax]"}},
+      {"default -> 5",
+       {"2:9 error: there is no \"->\" behind a keyword: the form is default (condition) { value "
+        "} [syntax]"}},
+      {"default { - 3 }", {"2:11 error: the sign is directly before its number [syntax]"}},
+      {"rangeValid { 0..1_000 }", {"2:17 error: a number has no separators [syntax]"}},
+      {"rangeValid { \"a\" | \"b\" }", {"2:18 error: items are separated by \",\" [syntax]"}},
+      {"valueChange { 1..2 -> 3 }",
+       {"2:15 error: a translation has one source, and no span [syntax]"}},
+      {"index { i = 1..2 }", {"2:11 error: a \",\" is missing between two names [syntax]"}},
+      {"rangeValid rangeValid { 1 }", {"2:12 error: the keyword is written twice [syntax]"}},
+      {"rangeValid { 0..FFh }", {"2:17 error: a hexadecimal number begins with 0x [syntax]"}},
+      {"rangeValid { 0..$FF }", {"2:17 error: a hexadecimal number begins with 0x [syntax]"}},
+      {"rangeValid { 0..min(a, 9) }", {"2:17 error: there is no function \"min\" [syntax]"}},
+      {"rangeValid { 0..9 step 3 }",
+       {"2:19 error: a span has no step: write the numbers as items [syntax]"}},
+      {"rangeValid { 0..3 5..9 }", {"2:19 error: a \",\" is missing between two items [syntax]"}},
+      {"rangeValid { * }",
+       {"2:14 error: there is no \"*\": a definition without a range takes every value [syntax]"}},
+      {"rangeValid { +-9 }",
+       {"2:14 error: \"+-9\" is neither a number nor a text in quotes [syntax]"}},
+      {"rangeValid { \u22129..9 }",
+       {"2:14 error: \"\u22129..9\" is written otherwise: -9..9 [syntax]"}},
+      {"rangeValid { (a) { 1 } }",
+       {"2:18 error: the condition belongs before the braces: rangeValid (condition) { item, ... } "
+        "[syntax]"}},
+      {"rangeValid { \"10\\\" x\", \"b\" }",
+       {"2:17 error: a text goes up to the next quote, and none can be written in it "
+        "[open-quote]"}},
+      {"ctrlRO (a := 1)", {"2:11 error: there is no operator \":=\": write \"==\" [syntax]"}},
+      {"ctrlRO (a == 1 } default { 1 }",
+       {"2:16 error: a \")\" closes the condition of \"ctrlRO\", and no \"}\" [syntax]"}},
       {"/* all */ default { 1 }",
        {"2:1 error: a comment begins with \"#\" and has to be on a line of its own "
         "[comment-after-code]"}},
@@ -48,6 +82,12 @@ TEST(ReadingCauses, OfStatements) {
       {"default\u00A0{ 1 }",
        {"2:1 error: \"default\u00A0\" has a character that looks like another one, or like none "
         "[unknown-keyword]"}},
+      {"rangeValid { 5dB }",
+       {"2:14 error: \"5dB\" is no number, as a number has no unit: write 5, or the text in quotes "
+        "[unquoted-text]"}},
+      {"rangeValid { 0..500ms }",
+       {"2:17 error: \"500ms\" has a unit, and a number has none [syntax]"}},
+      {"rangeValid { 0dB..10dB }", {"2:14 error: a number has no unit [syntax]"}},
       {"if (a) { rangeValid { 1 } } default { 1 }",
        {"2:1 error: there is no \"if\": a condition is a part of each statement, behind its "
         "keyword, as in rangeValid (condition) { item, ... } [unknown-keyword]"}},
@@ -59,6 +99,11 @@ TEST(ReadingCauses, OfStatements) {
       {"rangeValid { 08 }",
        {"2:14 error: \"08\" is no number: with a leading 0 it is octal [syntax]"}},
       {"rangeValid { -on }", {"2:14 error: a text has to be in quotes: \"-on\" [unquoted-text]"}},
+      {"rangeValid { 0..9 )",
+       {"2:19 error: a \"}\" closes the braces of \"rangeValid\", and no \")\" [syntax]"}},
+      {"rangeValid { 0..9 ]",
+       {"2:19 error: a \"}\" closes the braces of \"rangeValid\", and no \"]\" [syntax]"}},
+      {"rangeValid { 0..9 ) } default { 1 }", {"2:19 error: this \")\" closes nothing [syntax]"}},
       {"rangeValid { [0..9] }", {"2:14 error: there are no brackets around items [syntax]"}},
       {"rangeValid [0..9]",
        {"2:12 error: the braces of \"rangeValid\" are missing: its form is rangeValid (condition) "
@@ -93,6 +138,7 @@ TEST(ReadingCauses, OfStatements) {
       {"default { }",
        {"2:11 error: \"default\" cannot be empty: its form is default (condition) { value } "
         "[syntax]"}},
+      {"default { 1,000 }", {"2:11 error: a number has no separators [syntax]"}},
       {"default { 1, 2 }",
        {"2:12 error: a default has one value: write further ones in statements with conditions "
         "[syntax]"}},
@@ -170,7 +216,7 @@ TEST(ReadingCauses, OfStatements) {
       {"rangeValid { \"a, \"b\" }",
        {"2:14 error: the quote that opens here is not closed on line 2 [open-quote]"}},
       {"rangeValid { \"a\", b\" }",
-       {"2:19 error: a text has to be in quotes: \"b\" [unquoted-text]"}},
+       {"2:19 error: a text has to be in double quotes: \"b\" [unquoted-text]"}},
       {"rangevalid { 1 }",
        {"2:1 error: there is no statement \"rangevalid\": rangeValid, rangeDoc, ctrlRO, ctrlValid, "
         "default, valueChange or index is expected, or \"}\" [unknown-keyword]"}},
@@ -238,6 +284,8 @@ TEST(ReadingCauses, OfDefinitions) {
       {"/* b\n c */ b rw { }",
        {"1:1 error: a comment begins with \"#\" and has to be on a line of its own "
         "[comment-after-code]"}},
+      {"b rw { ctrlRO (1 } }",
+       {"1:18 error: a \")\" closes the condition of \"ctrlRO\", and no \"}\" [syntax]"}},
       {"b rw { };\nc rw { };\n",
        {"1:9 error: there is nothing to separate with \";\" between definitions [syntax]",
         "2:9 warning: there is nothing to separate with \";\" between definitions [syntax]"}},

@@ -6,6 +6,8 @@
 
 #include "base/number.h"
 #include "base/value_limit.h"
+#include "check/text/bare_words.h"
+#include "check/text/name_words.h"
 #include "deflang/text/text_cursor.h"
 
 namespace {
@@ -28,6 +30,10 @@ constexpr StatementForm FORMS[] = {
 };
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+bool isNameByte(char c) {
+  return isDigit(c) || c == '_' || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
 
 bool isOperatorSign(char c) {
   return std::string_view("+-*/%&|^<>=!$").find(c) != std::string_view::npos;
@@ -74,7 +80,7 @@ class StatementCause {
     const bool isEnd = part.kind == PART_END;
     const bool isNext = beginsDefinition(part, scan) || beginsStatement(part, scan);
     if (!open_.empty() && (isEnd || isNext || part.isSign('{') || part.isSign('}'))) {
-      return openParenthesis(part);
+      return openParenthesis(part, scan);
     }
     if (isEnd || beginsDefinition(part, scan)) return unfinished(part);
     if (isNext) return openStatement(part);
@@ -83,13 +89,30 @@ class StatementCause {
 
   [[nodiscard]] ReadingCause openQuote(const TextPart& part) const {
     TextPlace at = view_.placeOf(part);
+    const size_t escape = part.text.find("\\\"");
+    if (escape != std::string_view::npos) {
+      return cause("open-quote", view_.place(part.at + escape, 2),
+                   "a text goes up to the next quote, and none can be written in it");
+    }
     return cause("open-quote", {at.line, at.column, 1},
                  "the quote that opens here is not closed on line " + std::to_string(at.line));
   }
 
-  [[nodiscard]] ReadingCause openParenthesis(const TextPart& part) const {
+  [[nodiscard]] ReadingCause openParenthesis(const TextPart& part, const TextScan& scan) const {
     const bool isEnd = part.kind == PART_END;
     const TextPart& open = open_.back();
+    const bool isControl = form_.form.ends_with(')');
+    TextScan ahead = scan;
+    const TextPart next = ahead.next();
+    const bool goesOn = next.isSign('}') || beginsStatement(next, ahead);
+    if (isControl && part.isSign('}') && goesOn) {
+      ReadingCause found = cause(
+          "syntax", view_.placeOf(part),
+          "a \")\" closes the condition of \"" + std::string(form_.keyword) + "\", and no \"}\"",
+          Proposal{view_.placeOf(part), ")"});
+      found.next = {RESUME_STATEMENT, part.end()};
+      return found;
+    }
     ReadingCause found = cause(
         "syntax", isEnd ? view_.placeOf(open) : view_.placeOf(part),
         isEnd ? "this \"(\" is not closed" : "a \")\" is missing before " + quoted(part.text));
@@ -108,15 +131,24 @@ class StatementCause {
   [[nodiscard]] ReadingCause openStatement(const TextPart& part) const {
     const bool isControl = form_.form.ends_with(')');
     if (!hasBrace_ && last_.isSign(')') && form_.hasCondition) return valuesInParentheses(part);
-    ReadingCause found = isControl || !hasBrace_
-                             ? incomplete(part)
-                             : cause("syntax", view_.placeOf(part),
-                                     "a \"}\" is missing before " + quoted(part.text));
+    ReadingCause found =
+        isControl || !hasBrace_
+            ? incomplete(part)
+            : cause("syntax", view_.placeOf(part), "a \"}\" is missing before " + quoted(part.text),
+                    insertBehind(last_, "}"));
     found.finding.related.push_back({keywordPlace(), quoted(form_.keyword) + " begins here"});
     return found;
   }
 
   [[nodiscard]] ReadingCause incomplete(const TextPart& part) const {
+    const size_t behind = view_.fault.keywordAt + form_.keyword.size();
+    const bool isRepeated = part.text == form_.keyword && !part.isFirstOnLine &&
+                            view_.scanFrom(behind).peek().at == part.at;
+    if (isRepeated) {
+      const TextPlace place = view_.place(behind, part.end() - behind);
+      return cause("syntax", view_.placeOf(part), "the keyword is written twice",
+                   Proposal{place, ""});
+    }
     return cause("syntax", view_.placeOf(part),
                  quoted(form_.keyword) + " is not complete: its form is " + formText());
   }
@@ -143,8 +175,12 @@ class StatementCause {
     if (!hasBrace_) return beforeBrace(part);
     if (part.isSign('}')) return atClosingBrace(part);
     if (part.isSign(',')) return atComma(part);
+    if (part.isSign(')') || part.text.starts_with(']')) return wrongClosing(part);
     if (form_.keyword == "index") return inIndexList(part);
     if (part.kind == PART_QUOTED || part.isSign('(')) return secondValue(part);
+    if (part.isSign('{') && last_.isSign(')') && form_.hasCondition) {
+      return plain(part, "the condition belongs before the braces: " + formText());
+    }
     if (part.isSign('{')) return plain(part, "a \"{\" cannot come here");
     return form_.keyword == "valueChange" ? inTranslation(part, scan) : inItems(part, scan);
   }
@@ -169,6 +205,7 @@ class StatementCause {
     if (sign == '=' && (behind == '>' || behind == '<')) {
       return operatorCause({at, 2}, behind == '>' ? ">=" : "<=", "syntax");
     }
+    if (sign == '=' && before == ':') return operatorCause({at - 1, 2}, "==", "syntax");
     if (sign == '=') {
       const TextPlace place = view_.place(at, 1);
       return cause("single-equals", place, "\"=\" does not compare: write \"==\"",
@@ -203,11 +240,16 @@ class StatementCause {
 
   [[nodiscard]] ReadingCause beforeBrace(const TextPart& part) const {
     const std::string keyword(form_.keyword);
-    if (part.text == "=" || part.text == ":") {
+    constexpr std::array<std::string_view, 5> signs = {"=", ":", ":=", "->", "=>"};
+    if (std::ranges::find(signs, part.text) != signs.end()) {
       return cause(
           "syntax", view_.placeOf(part),
           "there is no " + quoted(part.text) + " behind a keyword: the form is " + formText(),
           withoutSign(part));
+    }
+    if (part.isSign(')')) {
+      return cause("syntax", view_.placeOf(part), "this \")\" closes nothing",
+                   Proposal{view_.placeOf(part), ""});
     }
     if (form_.form.ends_with(')')) return bareCondition(part);
     if (form_.hasCondition && (part.text == "if" || part.text == "when")) {
@@ -225,9 +267,7 @@ class StatementCause {
                    "\"" + keyword + "\" has no condition: its form is " + formText());
     }
     if (last_.isSign(')')) return valuesInParentheses(part);
-    if (form_.hasCondition && !part.text.starts_with('[') && reachesBrace(part)) {
-      return bareCondition(part);
-    }
+    if (form_.hasCondition && reachesBrace(part)) return bareCondition(part);
     return bareValues(part);
   }
 
@@ -272,8 +312,9 @@ class StatementCause {
     if (end <= part.at) return {};
     const std::string_view all = view_.text().substr(part.at, end - part.at);
     std::string_view inner = all;
-    const bool isBracketed = inner.size() > 2 && inner.front() == '[' && inner.back() == ']';
-    if (isBracketed) inner = inner.substr(1, inner.size() - 2);
+    const bool isBracketed = inner.size() > 2 && ((inner.front() == '[' && inner.back() == ']') ||
+                                                  (inner.front() == '<' && inner.back() == '>'));
+    if (isBracketed) inner = trimmed(inner.substr(1, inner.size() - 2));
     const bool isClean = inner.find_first_of("[]{};=") == std::string_view::npos ||
                          (opening == "(" && inner.find_first_of("[]{};") == std::string_view::npos);
     if (!isClean || inner.find('\n') != std::string_view::npos) return {};
@@ -344,7 +385,8 @@ class StatementCause {
   [[nodiscard]] std::optional<Proposal> bracesForParentheses() const {
     const TextPart opening = view_.scanFrom(view_.fault.keywordAt + form_.keyword.size()).peek();
     if (!opening.isSign('(') || !last_.isSign(')') || last_.at < opening.end()) return {};
-    const std::string_view inner = view_.text().substr(opening.end(), last_.at - opening.end());
+    const std::string_view inner =
+        trimmed(view_.text().substr(opening.end(), last_.at - opening.end()));
     if (inner.find_first_of("(){}=<>&|\n") != std::string_view::npos) return {};
     const bool isPlain = isNumber(inner) || inner.starts_with('"') || hasSpanInCondition_;
     return Proposal{
@@ -364,9 +406,37 @@ class StatementCause {
     return plain(part, "\"}\" cannot come here: the form is " + formText());
   }
 
+  // A sign that closes something else, in the place of the "}" or beside it.
+  [[nodiscard]] ReadingCause wrongClosing(const TextPart& part) const {
+    const TextPart sign = {PART_SIGN, part.at, part.text.substr(0, 1)};
+    TextScan scan = view_.scanFrom(sign.end());
+    const TextPart brace = scan.next();
+    const TextPart behind = scan.next();
+    const bool isClosedAnyway =
+        brace.isSign('}') && (behind.isSign('}') || beginsStatement(behind, scan));
+    if (isClosedAnyway) {
+      return cause("syntax", view_.placeOf(sign), "this " + quoted(sign.text) + " closes nothing",
+                   Proposal{view_.placeOf(sign), ""});
+    }
+    ReadingCause found = cause("syntax", view_.placeOf(sign),
+                               "a \"}\" closes the braces of \"" + std::string(form_.keyword) +
+                                   "\", and no " + quoted(sign.text),
+                               Proposal{view_.placeOf(sign), "}"});
+    found.next = {RESUME_STATEMENT, sign.end()};
+    return found;
+  }
+
   [[nodiscard]] ReadingCause atComma(const TextPart& part) const {
     if (last_.isSign('{') || last_.isSign(',')) return extraComma(part);
     if (form_.keyword == "default") {
+      const TextPart group = view_.scanFrom(part.end()).peek();
+      const bool isGroup = group.at == part.end() && group.text.size() == 3 &&
+                           std::ranges::all_of(group.text, isDigit);
+      if (isGroup && isNumber(last_.text)) {
+        const TextPlace whole = view_.place(last_.at, group.end() - last_.at);
+        return cause("syntax", whole, "a number has no separators",
+                     Proposal{whole, std::string(last_.text) + std::string(group.text)});
+      }
       return plain(part,
                    "a default has one value: write further ones in statements with conditions");
     }
@@ -401,8 +471,9 @@ class StatementCause {
 
   [[nodiscard]] ReadingCause missingComma(const TextPart& part, const std::string& what) const {
     ReadingCause found = plain(part, "a \",\" is missing between two " + what);
+    const bool isName = what == "names" && isNameByte(part.text.front());
     const bool isWord =
-        part.kind == PART_QUOTED || part.isSign('(') || isNumber(part.text) || what == "names";
+        part.kind == PART_QUOTED || part.isSign('(') || isNumber(part.text) || isName;
     if (isWord) found.finding.proposal = insertBehind(last_, ",");
     return found;
   }
@@ -412,9 +483,13 @@ class StatementCause {
   }
 
   [[nodiscard]] ReadingCause inTranslation(const TextPart& part, const TextScan& scan) const {
-    constexpr std::array<std::string_view, 7> arrows = {"=>", "=", ":", ">", "-", "-->", "to"};
+    constexpr std::array<std::string_view, 9> arrows = {"=>",  "=",  ":",      ">",     "-",
+                                                        "-->", "to", "\u2192", "\u21D2"};
     const bool isStart = last_.isSign('{') || last_.text.ends_with("->");
     const std::string_view word = wordAtFault(part);
+    if (word.find("..") != std::string_view::npos) {
+      return plain(part, "a translation has one source, and no span");
+    }
     if (!isStart && part.at == view_.fault.at && !hasArrow_) {
       ReadingCause found = missingArrow(part);
       const bool isWrongArrow = std::ranges::find(arrows, part.text) != arrows.end();
@@ -424,7 +499,7 @@ class StatementCause {
     if (word.starts_with('-') && isNumber(word)) {
       return quotesFor(word, "a negative number has to be in quotes here: ");
     }
-    if (!word.empty() && !isDigit(word.front())) return bareText(part, word);
+    if (!word.empty() && !isDigit(word.front())) return bareText(word);
     if (hasArrow_ && part.at == view_.fault.at) return secondValue(part);
     return badNumber(part, scan);
   }
@@ -432,14 +507,22 @@ class StatementCause {
   // In the braces of rangeValid, rangeDoc or default.
   [[nodiscard]] ReadingCause inItems(const TextPart& part, const TextScan& scan) const {
     const std::string_view word = part.text;
+    const bool isSeparator = word == ";" || (word == "|" && last_.kind == PART_QUOTED);
+    if (form_.isList && isSeparator) {
+      return cause("syntax", view_.placeOf(part), "items are separated by \",\"",
+                   Proposal{view_.placeOf(part), ","});
+    }
     if (word.starts_with(';')) {
       return plain({PART_SIGN, part.at, word.substr(0, 1)},
                    form_.isList ? "items are separated by \",\"" : "there is no \";\" here");
     }
     if (word.starts_with('[')) return plain(part, "there are no brackets around items");
     if (word.starts_with("->")) return plain(part, "a translation belongs in a \"valueChange\"");
+    const size_t dots = last_.text.find("..");
     const bool isBehindValue =
-        last_.kind == PART_QUOTED || last_.isSign(')') || isNumber(last_.text);
+        last_.kind == PART_QUOTED || last_.isSign(')') || isNumber(last_.text) ||
+        (dots != std::string_view::npos && isNumber(last_.text.substr(dots + 2)));
+    if (const std::optional<ReadingCause> cause = strangeSigns(part)) return *cause;
     if (isBehindValue && part.at == view_.fault.at) return behindValue(part, scan);
     if (form_.isList && word.ends_with(';')) {
       return plain({PART_SIGN, part.end() - 1, word.substr(word.size() - 1)},
@@ -451,8 +534,35 @@ class StatementCause {
     return bareName(part, scan);
   }
 
+  // A number or a sign in characters of other languages.
+  [[nodiscard]] std::optional<ReadingCause> strangeSigns(const TextPart& part) const {
+    const std::string_view word = part.text;
+    if (word == "*" && last_.isSign('{')) {
+      return plain(part, "there is no \"*\": a definition without a range takes every value");
+    }
+    const TextPart next = view_.scanFrom(part.end()).peek();
+    const bool isFirst = last_.isSign('{') || last_.isSign(',');
+    if (isFirst && word == "-" && isNumber(next.text) && !next.isFirstOnLine) {
+      const TextPlace whole = view_.place(part.at, next.end() - part.at);
+      return cause("syntax", whole, "the sign is directly before its number",
+                   Proposal{whole, "-" + std::string(next.text)});
+    }
+    const std::string plainSigns = withPlainSigns(word);
+    const size_t dots = plainSigns.find("..");
+    const bool isNumeric = isNumber(plainSigns) ||
+                           (dots != std::string::npos && isNumber(plainSigns.substr(0, dots)) &&
+                            isNumber(plainSigns.substr(dots + 2)));
+    const std::string right = isNumeric ? plainSigns : hexadecimalMeant(word);
+    if (right.empty()) return {};
+    return cause("syntax", view_.placeOf(part), quoted(word) + " is written otherwise: " + right,
+                 Proposal{view_.placeOf(part), right});
+  }
+
   [[nodiscard]] ReadingCause behindValue(const TextPart& part, const TextScan& scan) const {
     const std::string_view word = part.text;
+    if (form_.isList && (word == "step" || word == "by")) {
+      return plain(part, "a span has no step: write the numbers as items");
+    }
     if (last_.kind == PART_QUOTED && word.starts_with("..")) return spanOfTexts(part);
     if (isSpanSign(word)) return spanForm(part);
     if (form_.keyword == "default" && word.starts_with("..")) {
@@ -488,7 +598,10 @@ class StatementCause {
     size_t digits = numberLength(word);
     const std::string_view rest = word.substr(digits);
     for (const std::string_view sign : {"...", "-", ":", "~", "\xE2\x80\xA6", "\xE2\x80\x93"}) {
-      if (!form_.isList || !rest.starts_with(sign) || !isNumber(rest.substr(sign.size()))) continue;
+      const std::string_view upper = rest.substr(std::min(sign.size(), rest.size()));
+      if (!form_.isList || !rest.starts_with(sign) || !isNumber(upper)) continue;
+      const bool isRatio = sign == ":" && wholeNumber(word.substr(0, digits)) > wholeNumber(upper);
+      if (isRatio) return bareText(word);
       const TextPart wrong = {PART_WORD, part.at + digits, rest.substr(0, sign.size())};
       return spanForm(wrong);
     }
@@ -500,10 +613,15 @@ class StatementCause {
                    quoted(word) + " is no number: with a leading 0 it is octal",
                    Proposal{view_.placeOf(part), std::string(decimal)});
     }
+    if (!numberBeforeUnit(word).empty()) return numberWithUnit(word);
     const size_t dots = rest.find("..");
     const bool isHexadecimal = word.starts_with("0x") || word.starts_with("0X");
     if (isHexadecimal && dots != 0) {
       return badEnd({PART_WORD, part.at, word.substr(0, word.find(".."))});
+    }
+    if (const std::string right = spanWithoutUnits(word); !right.empty()) {
+      return cause("syntax", view_.placeOf(part), "a number has no unit",
+                   Proposal{view_.placeOf(part), right});
     }
     if (dots == 0) return badUpper(part, part.at + digits + 2, scan);
     if (rest.starts_with('.')) {
@@ -514,7 +632,28 @@ class StatementCause {
         isOperatorSign(rest.empty() ? ' ' : rest.front())) {
       return plain(part, quoted(word) + " is no number: an expression has to be in parentheses");
     }
-    return quotesFor(word, "a text has to be in quotes: ");
+    return bareText(word);
+  }
+
+  // A span without the unit of its lower end and perhaps of its upper one; empty where `word` is
+  // something else.
+  static std::string spanWithoutUnits(std::string_view word) {
+    const size_t dots = word.find("..");
+    if (dots == std::string_view::npos) return {};
+    const std::string_view lower = numberBeforeUnit(word.substr(0, dots));
+    const std::string_view end = word.substr(dots + 2);
+    const std::string_view upper = isNumber(end) ? end : numberBeforeUnit(end);
+    if (lower.empty() || upper.empty()) return {};
+    return std::string(lower) + ".." + std::string(upper);
+  }
+
+  // A number or, among items, perhaps a text.
+  [[nodiscard]] ReadingCause numberWithUnit(std::string_view word) const {
+    const auto at = static_cast<size_t>(word.data() - view_.text().data());
+    const std::string number(numberBeforeUnit(word));
+    return cause("unquoted-text", view_.place(at, word.size()),
+                 inQuotes(word) + " is no number, as a number has no unit: write " + number +
+                     ", or the text in quotes");
   }
 
   // What is behind the dots of a span.
@@ -536,6 +675,17 @@ class StatementCause {
     const bool isHexadecimal = end.text.starts_with("0x") || end.text.starts_with("0X");
     const bool isOctal = end.text.front() == '0' && std::ranges::all_of(end.text, isDigit);
     const bool isDecimal = end.text.find('.') != std::string_view::npos;
+    if (const std::string_view number = numberBeforeUnit(end.text); !number.empty()) {
+      return cause("syntax", view_.placeOf(end),
+                   quoted(end.text) + " has a unit, and a number has none",
+                   Proposal{view_.placeOf(end), std::string(number)});
+    }
+    std::string joined(end.text);
+    std::erase_if(joined, [](char c) { return c == '_' || c == '\''; });
+    if (joined != end.text && isNumber(joined)) {
+      return cause("syntax", view_.placeOf(end), "a number has no separators",
+                   Proposal{view_.placeOf(end), joined});
+    }
     return plain(end, quoted(end.text) + " is no number" +
                           (isHexadecimal ? ": hexadecimal digits are 0 to 9 and A to F"
                            : isOctal     ? ": with a leading 0 it is octal"
@@ -556,7 +706,7 @@ class StatementCause {
     }
     if (scan.peek().text.starts_with("..")) return parenthesesFor(part, scan);
     if (continuesAsExpression(part, scan)) return wholeExpression(part, scan);
-    return bareText(part, word);
+    return bareText(word);
   }
 
   // Whether the word is a part of an expression without parentheses.
@@ -585,6 +735,11 @@ class StatementCause {
   }
 
   [[nodiscard]] ReadingCause parenthesesFor(const TextPart& part, const TextScan& scan) const {
+    if (const std::string number = hexadecimalMeant(part.text); !number.empty()) {
+      return cause("syntax", view_.placeOf(part), "a hexadecimal number begins with 0x",
+                   Proposal{view_.placeOf(part), number});
+    }
+    if (scan.peek().isSign('(')) return plain(part, "there is no function " + quoted(part.text));
     if (continuesAsExpression(part, scan)) return wholeExpression(part, scan);
     const std::string right = "(" + std::string(part.text) + ")";
     return cause("syntax", view_.placeOf(part),
@@ -592,23 +747,19 @@ class StatementCause {
                  Proposal{view_.placeOf(part), right});
   }
 
-  // A word that is most likely a text. In a range or a default it may be a name, too.
-  [[nodiscard]] ReadingCause bareText(const TextPart& part, std::string_view word) const {
-    const bool isSingleQuoted = word.size() > 1 && (word.front() == '\'' || word.front() == '`');
-    if (isSingleQuoted) {
-      const bool isClosed = word.size() > 2 && word.back() == word.front();
-      ReadingCause found =
-          cause("unquoted-text", view_.placeOf(part), "a text has to be in double quotes");
-      if (isClosed) {
-        const std::string inner(word.substr(1, word.size() - 2));
-        found.finding.proposal = Proposal{view_.placeOf(part), "\"" + inner + "\""};
-      }
-      return found;
-    }
+  // A word that is most likely a text, and further ones behind it. In a range or a default it may
+  // be a name, too.
+  [[nodiscard]] ReadingCause bareText(std::string_view word) const {
+    const auto at = static_cast<size_t>(word.data() - view_.text().data());
+    const bool areNames = form_.keyword != "valueChange" && !isDigit(word.front());
     ReadingCause found = quotesFor(word, "a text has to be in quotes: ");
-    found.finding.at =
-        view_.place(part.at + static_cast<size_t>(word.data() - part.text.data()), word.size());
-    if (form_.keyword != "valueChange") found.bareWord = word;
+    found.bareWords = bareWordsFrom(view_, at, areNames);
+    const bool isSigns =
+        std::ranges::none_of(word, [](char c) { return (c & 0x80) != 0 || isNameByte(c); });
+    if (found.bareWords.empty() && (isSigns || isOperatorSign(word.front()))) {
+      found.finding = {"syntax", found.finding.at,
+                       quoted(word) + " is neither a number nor a text in quotes"};
+    }
     return found;
   }
 

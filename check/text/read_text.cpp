@@ -3,9 +3,11 @@
 #include <algorithm>
 
 #include "check/text/bare_words.h"
+#include "check/text/foreign_bytes.h"
 #include "check/text/long_lines.h"
 #include "check/text/name_words.h"
 #include "check/text/reading_causes.h"
+#include "check/text/repeated_findings.h"
 #include "check/text/rewindable_lines.h"
 #include "deflang/text/definition_grammar.h"
 #include "deflang/text/text_pieces.h"
@@ -170,16 +172,17 @@ class LayoutObserver final : public ReadingObserver {
 // The text with other bytes for its NUL bytes, which are reported here: the cursor would refuse the
 // whole line.
 std::string withoutNuls(const SourceText& source, ReadText& text, Findings& findings) {
+  RepeatedFindings found("here, too");
   std::string bytes = source.text();
   size_t start = 0;
   for (;;) {
     const std::string_view piece = firstPiece(std::string_view(source.text()).substr(start));
-    if (piece.empty()) return bytes;
+    if (piece.empty()) break;
     const bool isComment = piece.substr(firstWord(piece)).starts_with('#');
     const size_t nul = piece.find('\0');
     if (!isComment && nul != std::string_view::npos) {
       const Position at = source.positionOf(start + nul);
-      findings.add({"syntax", {at.line, at.column, 1}, "a text cannot hold a NUL byte"});
+      found.add("NUL", {"syntax", {at.line, at.column, 1}, "a text cannot hold a NUL byte"});
       text.isBroken = true;
       text.linesWithNul.insert(at.line);
       std::replace(bytes.begin() + static_cast<ptrdiff_t>(start),
@@ -187,12 +190,20 @@ std::string withoutNuls(const SourceText& source, ReadText& text, Findings& find
     }
     start += piece.size();
   }
+  found.forEach([&](Finding finding, size_t) { findings.add(std::move(finding)); });
+  return bytes;
 }
 
-// A text in 16 bits for each character makes no sense, and nothing more can be said of it.
-bool isInSixteenBits(std::string_view text) {
-  const bool isMarked = text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF");
-  return isMarked && text.find('\0') != std::string_view::npos;
+// Whether the daemon reads `bytes` to the end.
+bool isRead(std::string_view bytes) {
+  ParameterRecords records;
+  const auto nextLine = [&bytes](std::string_view& line) {
+    line = firstPiece(bytes);
+    bytes.remove_prefix(line.size());
+    return !line.empty();
+  };
+  TextCursor cursor(nextLine, records.arena());
+  return readDefinitions(cursor, records) == PARSE_DONE;
 }
 
 void readBytes(const SourceText& source, std::string_view bytes, ReadText& text,
@@ -216,9 +227,10 @@ bool ReadText::isDoubtful(std::string_view baseName) const {
 }
 
 void readText(const SourceText& source, ReadText& text, Findings& findings) {
-  if (isInSixteenBits(source.text())) {
+  const std::string kind = kindOfForeignBytes(source.text());
+  if (!kind.empty() && !isRead(source.text())) {
     text.isBroken = true;
-    findings.add({"syntax", {1, 0, 1}, "the text is in UTF-16: write it in UTF-8"});
+    findings.add({"syntax", {}, kind});
   } else if (source.text().find('\0') != std::string::npos) {
     readBytes(source, withoutNuls(source, text, findings), text, findings);
   } else {

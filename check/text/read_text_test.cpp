@@ -89,11 +89,12 @@ TEST(ReadText, RefusesBytesThatNoTextHas) {
   const Case cases[] = {
       {"# \0\na rw { }\n"s, {}},
       {"a rw { de\0fault { 1 } }\n"s, {"1:10 error: a text cannot hold a NUL byte [syntax]"}},
+      {"a rw {\0\n\0\0}\n# \0\nb rw { \0}\n"s,
+       {"1:7 error: a text cannot hold a NUL byte [syntax]"}},
       {"a rw { \0\n}\n"s, {"1:8 error: a text cannot hold a NUL byte [syntax]"}},
       {"a rw { default { \"\0\" } } b rw { = }\n"s,
        {"1:19 error: a text cannot hold a NUL byte [syntax]"}},
-      {"\xFF\xFE"s + "a\0 \0r\0w\0"s,
-       {"1:1 error: the text is in UTF-16: write it in UTF-8 [syntax]"}},
+      {"\xFF\xFE"s + "a\0 \0r\0w\0"s, {"error: the text is in UTF-16: write it in UTF-8 [syntax]"}},
       {"\xEF\xBB\xBF# c\na rw { }\n", {}},
       {"\xEF\xBB\xBF" + "a rw { = }\n"s,
        {"1:8 error: there is no statement \"=\": rangeValid, rangeDoc, ctrlRO, ctrlValid, default, "
@@ -114,6 +115,34 @@ TEST(ReadText, ComesToAnEndWhereEverythingIsOpen) {
     for (size_t i = 0; i < COUNT; ++i) text += line;
     EXPECT_LE(findingsOfReading(text).size(), 2 * COUNT) << line;
   }
+}
+
+TEST(ReadText, TellsOnceOfWhatIsNoText) {
+  std::string random;
+  uint32_t state = 1;
+  while (random.size() < 5000) {
+    state = state * 1664525 + 1013904223;
+    random += static_cast<char>(state >> 24U);
+  }
+  const std::string line = "gain rw { rangeValid { 0..9 } }\n";
+  std::string wide;
+  for (const char c : line) wide += {c, '\0'};
+  const std::pair<std::string, std::string> cases[] = {
+      {wide, "error: the text is in UTF-16: write it in UTF-8 [syntax]"},
+      {random.substr(0, 300) + line, ""},
+      {random, ""},
+  };
+  for (const auto& [text, finding] : cases) {
+    const std::vector<std::string> found = findingsOfReading(text);
+    ASSERT_EQ(found.size(), 1U);
+    if (finding.empty()) {
+      EXPECT_NE(found[0].find("error: this file is no text: "), std::string::npos) << found[0];
+    } else {
+      EXPECT_EQ(found[0], finding);
+    }
+  }
+  // The daemon reads it.
+  EXPECT_EQ(findingsOfReading("# " + std::string(50, '\1') + "\n" + line).size(), 0U);
 }
 
 }  // namespace

@@ -522,6 +522,15 @@ class BuildCauses {
 
   // ---- Helpers
 
+  // Whether the end of a piece cuts the token at `at` off, or something off it.
+  [[nodiscard]] bool isAtCut(Position at) const {
+    const std::set<size_t>& cuts = facts_.text().cuts;
+    if (cuts.empty()) return false;
+    const size_t from = facts_.source().offsetOf(at);
+    const auto cut = cuts.lower_bound(from);
+    return cut != cuts.end() && *cut <= from + facts_.tokenAt(at).length;
+  }
+
   [[nodiscard]] bool isBroken(const ParameterRecord& record) const {
     return facts_.text().brokenRecords.contains(&record);
   }
@@ -536,6 +545,7 @@ class BuildCauses {
   }
 
   void add(Finding finding) {
+    if (isAtCut({finding.at.line, finding.at.column})) return;
     const FindingCode* const code = findFindingCode(finding.code);
     hasError_ = hasError_ || finding.level.value_or(code->level) == LEVEL_ERROR;
     findings_.add(std::move(finding));

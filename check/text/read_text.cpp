@@ -28,7 +28,10 @@ class LayoutObserver final : public ReadingObserver {
         lines_(lines),
         text_(text),
         findings_(findings),
-        longLines_(source) {}
+        longLines_(source, bytes) {
+    text.cuts = longLines_.cuts();
+    text.isBroken = text.isBroken || !text.cuts.empty();
+  }
 
   void onDefinition(const ParameterRecord& record, Position at) override {
     text_.layout.definitions.push_back({&record, at, {at, at}});

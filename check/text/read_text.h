@@ -20,6 +20,8 @@ struct ReadText {
   std::set<const ParameterRecord*> brokenRecords;
   /// Words outside of definitions that were not understood; they may have been meant to be names.
   std::set<std::string, std::less<>> strayWords;
+  /// The bytes at which the end of a piece cuts a word in two, of which nothing else is said.
+  std::set<size_t> cuts;
   /// Lines with a NUL byte, of which nothing else is said.
   std::set<uint32_t> linesWithNul;
 

@@ -62,11 +62,10 @@ TEST(ReadText, SaysWhatBecomesOfALongLine) {
        {"1:1025 warning: a line of 1024 bytes is read in pieces" + piece + " [long-line]"}},
       {"a rw { }" + std::string(1016, ' '), {}},  // no newline needs a place
       {"a rw { default { \"" + std::string(1100, 'x') + "\" } }\n",
-       {"1:1025 warning: a line of 1123 bytes is read in pieces" + piece +
-        ", and a word or text is cut in two here [long-line]"}},
+       {"1:1025 warning: a line of 1123 bytes is read in pieces" + piece + " [long-line]"}},
       {"a rw {" + std::string(1015, ' ') + "default { 1 } }\n",
        {"1:1025 error: a line of 1036 bytes is read in pieces" + piece +
-        ", and a word or text is cut in two here [long-line]"}},
+        ", and a word is cut in two here [long-line]"}},
       {"#" + std::string(1023, ' ') + "a b c\nd rw { }\n",
        {"1:1025 error: a line of 1029 bytes is read in pieces" + piece +
         ", and the rest of this comment as definitions [long-line]"}},
@@ -77,6 +76,31 @@ TEST(ReadText, SaysWhatBecomesOfALongLine) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
     EXPECT_EQ(findingsOfReading(c.text), c.findings);
+  }
+}
+
+TEST(ReadText, CutsWordsOfALongLineOnly) {
+  struct Case {
+    std::string before;
+    std::string behind;
+    bool isCut;
+  };
+  const Case cases[] = {
+      {"rangeValid { 0", "..9 }", false},   {"rangeValid { 0..", "9 }", false},
+      {"rangeValid { 0.", ".9 }", true},    {"rangeValid { 1", "2 }", true},
+      {"rangeValid { \"a", "b\" }", false}, {"ctrlRO (b", "+1)", false},
+      {"ctrlRO (b+", "1)", false},          {"ctrlRO (b <", "< 1)", true},
+      {"ctrlRO (b", "b == 1)", true},       {"range", "Valid { 1 }", true},
+      {"valueChange { 1 -", "> 2 }", true}, {"valueChange { 1 ->", "2 }", false},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.before + "|" + c.behind);
+    std::string text = "b rw { } bb rw { } a rw { " + c.before;
+    text.insert(18, 1024 - text.size(), ' ');
+    const std::vector<std::string> found = findingTexts(findingsOf(text + c.behind + " }\n"));
+    ASSERT_EQ(found.size(), 1U) << found.back();
+    EXPECT_EQ(found[0].starts_with("1:1025 error: "), c.isCut) << found[0];
+    EXPECT_EQ(found[0].find("cut in two") != std::string::npos, c.isCut) << found[0];
   }
 }
 

@@ -34,6 +34,12 @@ class WatchedRegistry final : public DefinitionRegistry {
   int registerIndex(std::unique_ptr<IndexDef> index) override {
     return database_.registerIndex(std::move(index));
   }
+  void keepIndexLines(std::string_view name, const StatementLines& lines) override {
+    database_.keepIndexLines(name, lines);
+  }
+  void keepParmLines(std::string_view name, const StatementLines& lines) override {
+    database_.keepParmLines(name, lines);
+  }
   [[nodiscard]] const IndexDef* findIndex(std::string_view name) const override {
     return database_.findIndex(name);
   }

@@ -350,7 +350,8 @@ TEST(OstrelCheckUsage, ListsAndExplainsCodes) {
   EXPECT_EQ(run("--explain octal 2>&1").out,
             "octal (warning): a number with a leading 0 is octal\n"
             "\n"
-            "A leading 0 makes a number octal: 010 is 8. Leave it out, or write 8.\n"
+            "A leading 0 makes a number octal: 010 is 8. Leave it out, or write 8. The 000 of\n"
+            "1,000 is an item of its own: write 1000.\n"
             "\n"
             "Wrong:\n"
             "    gain rw { rangeValid { 0..010 } default { 0 } }\n"

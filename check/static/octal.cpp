@@ -64,7 +64,44 @@ class OctalCheck {
 
   void checkNumber(const TextPlace& at) {
     const std::string_view text = textAt(source(), at);
+    const std::optional<TextPlace> whole = thousandsAround(at);
+    if (whole) return tellThousands(at, *whole);
     if (const std::optional<OctalReading> reading = octalIn(text)) tell(at, text, *reading);
+  }
+
+  // The number of which the one at `at` is most likely a group of three digits: "000" in 1,000 is
+  // an item of its own.
+  [[nodiscard]] std::optional<TextPlace> thousandsAround(const TextPlace& at) const {
+    const std::string_view line = source().line(at.line);
+    const std::string_view group = line.substr(at.column, at.length);
+    const bool isGroup =
+        group.size() == 3 && group.front() == '0' && std::ranges::all_of(group, isDigit);
+    if (!isGroup || at.column < 2 || line[at.column - 1] != ',') return {};
+    size_t from = at.column - 1;
+    while (from > 0 && (isDigit(line[from - 1]) || line[from - 1] == ',')) --from;
+    const size_t first = line.find(',', from) - from;
+    if (first == 0 || first > 3) return {};
+    size_t end = at.column + at.length;
+    while (end + 3 < line.size() && line[end] == ',' &&
+           std::ranges::all_of(line.substr(end + 1, 3), isDigit)) {
+      end += 4;
+    }
+    return TextPlace{at.line, static_cast<uint32_t>(from), static_cast<uint32_t>(end - from)};
+  }
+
+  void tellThousands(const TextPlace& at, const TextPlace& whole) {
+    context_.explained().add({at.line, at.column});
+    if (!thousands_.insert(whole).second) return;
+    const std::string_view text = textAt(source(), whole);
+    std::string number(text);
+    std::erase(number, ',');
+    Finding finding = {"octal", whole,
+                       std::string(text) +
+                           " is read as items with \",\" between them, as a number "
+                           "has no separators; write " +
+                           number + ", or blanks behind the \",\""};
+    finding.proposal = {whole, number};
+    context_.add(std::move(finding));
   }
 
   // A bare number is the decimal text of its value, a quoted text is itself.
@@ -130,6 +167,7 @@ class OctalCheck {
   }
 
   StaticContext& context_;
+  std::set<TextPlace> thousands_;         // those that were told
   std::set<std::string_view> constants_;  // those that were told
 };
 

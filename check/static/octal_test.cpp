@@ -44,4 +44,18 @@ TEST(Octal, IsReadSoByTheEngine) {
   EXPECT_EQ(heldAfter(indexed, {{"a[8]", "1"}, {"a[10]", "2"}, {"!b", "0"}}, "b"), "100");
 }
 
+TEST(Octal, IsNoGroupOfThousands) {
+  const StaticCase cases[] = {
+      {"a rw { rangeValid { -1,000..1,000 } }", {"1:22 1,000", "1:29 1,000"}},
+      {"a rw { rangeValid { 0..1,024,500 } }", {"1:24 1,024,500"}},
+      {"a rw { rangeValid { 1,500 } }"},
+      {"a rw { rangeValid { 1, 000 } }"},
+      {"a rw { rangeValid { 1024,00 } }"},
+      {"a rw { rangeValid { 1024,000 } }"},
+  };
+  expectFound(checkOctal, cases);
+  EXPECT_EQ(proposalsOf(checkOctal, cases[1].text),
+            std::vector<std::string>{"1,024,500 -> 1024500"});
+}
+
 }  // namespace

@@ -327,7 +327,8 @@ Right:
     gain rw { index { channel } rangeValid { 0..9 } default { 0 } }
 )"},
     {"octal", GROUP_STATIC, LEVEL_WARNING, "a number with a leading 0 is octal",
-     R"(A leading 0 makes a number octal: 010 is 8. Leave it out, or write 8.
+     R"(A leading 0 makes a number octal: 010 is 8. Leave it out, or write 8. The 000 of
+1,000 is an item of its own: write 1000.
 
 Wrong:
     gain rw { rangeValid { 0..010 } default { 0 } }

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <map>
 #include <unordered_map>
 
 #include "base/number.h"
@@ -82,7 +83,9 @@ class PrecedenceCheck {
       if (isBitwise(code)) checkBitwise(node);
       if (isOneOf(code, {OP_SHIFT_LEFT, OP_SHIFT_RIGHT})) checkShift(node);
       if (isComparison(code)) checkChain(node);
+      if (isEquality(code)) checkAlternatives(node);
       if (isLogical(code)) checkAlternative(node);
+      if (code == OP_LOGICAL_OR) checkMixture(node);
     }
   }
 
@@ -163,12 +166,23 @@ class PrecedenceCheck {
     return token.kind == TOKEN_VARIABLE && context_.referenceOf(token).named == nullptr;
   }
 
+  // Whether the result of `left` is compared with 0 or 1 on purpose, as in mode == 2 == locked: a
+  // number that stands fast is compared with no further value, and a condition is one.
+  [[nodiscard]] bool comparesFlags(const ExpressionNode& left, const ExpressionNode& node) const {
+    if (!flags_[node.right]) return false;
+    return !tree_.node(node.right).isOperand() || isLiteral(*tree_.node(left.right).token);
+  }
+
+  static bool isLiteral(const Token& token) {
+    return isOneOf(token.kind, {TOKEN_NUMBER, TOKEN_STRING});
+  }
+
   // 0 < x < 10, and a == b == c
   void checkChain(const ExpressionNode& node) {
     const ExpressionNode& left = tree_.node(node.left);
     const bool isOrdered = isOrder(node.token->kind);
     if (!isBare(left, isOrdered ? isOrder : isEquality)) return;
-    if (!isOrdered && flags_[node.right]) return;
+    if (!isOrdered && comparesFlags(left, node)) return;
     const std::string middle = textOf(tree_.node(left.right));
     const std::string right = textOf(tree_.node(node.right));
     Finding finding = {"precedence", tokenPlace(context_.source(), *node.token), {}};
@@ -187,7 +201,7 @@ class PrecedenceCheck {
   // mode == 1 || 2
   void checkAlternative(const ExpressionNode& node) {
     const ExpressionNode& literal = tree_.node(node.right);
-    if (!isOneOf(literal.token->kind, {TOKEN_NUMBER, TOKEN_STRING}) || literal.isGrouped) return;
+    if (!isLiteral(*literal.token) || literal.isGrouped) return;
     const ExpressionNode* comparison = &tree_.node(node.left);
     while (isBare(*comparison, isLogical)) comparison = &tree_.node(comparison->right);
     if (!isBare(*comparison, isEquality)) return;
@@ -203,6 +217,63 @@ class PrecedenceCheck {
                    numberText(numberOf(*literal.token)) + "; write a comparison on this side, too";
     finding.proposal = Proposal{placeOf(literal), subject + " " + signOf(*comparison) + " " + text};
     add(std::move(finding), node);
+  }
+
+  // mode == (1 || 2)
+  void checkAlternatives(const ExpressionNode& node) {
+    const ExpressionNode& all = tree_.node(node.right);
+    if (all.isOperand() || !isLogical(all.token->kind)) return;
+    const ExpressionNode& first = tree_.node(all.left);
+    const ExpressionNode& second = tree_.node(all.right);
+    if (!isLiteral(*first.token) || !isLiteral(*second.token)) return;
+    const std::string compared = textOf(tree_.node(node.left)) + " " + signOf(node) + " ";
+    Finding finding = {"precedence", placeOf(all), {}};
+    finding.text = "the result of " + inQuotes(signOf(all)) +
+                   " is 0 or 1, and this is compared with it; write a comparison for each value";
+    const TextPlace whole = placeOf(node);
+    if (whole.length > 0) {
+      finding.proposal = Proposal{whole, "(" + compared + textOf(first) + " " + signOf(all) + " " +
+                                             compared + textOf(second) + ")"};
+    }
+    add(std::move(finding), node);
+  }
+
+  // mode == 1 || mode == 2 && mode == 3
+  void checkMixture(const ExpressionNode& node) {
+    for (const size_t side : {node.left, node.right}) {
+      const ExpressionNode& both = tree_.node(side);
+      if (!isBare(both, isConjunction) || !contradictsItself(both)) continue;
+      Finding finding = {"precedence", tokenPlace(context_.source(), *both.token), {}};
+      const std::string written = textOf(both);
+      finding.text = "\"&&\" binds more tightly than \"||\", so this takes " +
+                     (written.empty() ? "what is beside it" : written) +
+                     " as one operand, which is never true; write || here, or put what belongs "
+                     "together into parentheses";
+      add(std::move(finding), both);
+    }
+  }
+
+  static bool isConjunction(int32_t code) { return code == OP_LOGICAL_AND; }
+
+  // Whether two sides of the conjunctions of `whole` want one name to be two things.
+  [[nodiscard]] bool contradictsItself(const ExpressionNode& whole) const {
+    std::map<std::string_view, const Token*> wanted;
+    const auto contradicts = [&](const ExpressionNode& side) {
+      if (side.isOperand() || side.token->kind != OP_EQUAL) return false;
+      const Token& name = *tree_.node(side.left).token;
+      const Token& literal = *tree_.node(side.right).token;
+      if (name.kind != TOKEN_VARIABLE || !isLiteral(literal)) return false;
+      const Token& first = *wanted.emplace(name.text, &literal).first->second;
+      // A text may be equal to a number.
+      return first.kind == literal.kind &&
+             (literal.kind == TOKEN_NUMBER ? first.number != literal.number
+                                           : first.text != literal.text);
+    };
+    const ExpressionNode* node = &whole;
+    for (; isBare(*node, isConjunction); node = &tree_.node(node->left)) {
+      if (contradicts(tree_.node(node->right))) return true;
+    }
+    return contradicts(*node);
   }
 
   static int32_t numberOf(const Token& literal) {

@@ -446,7 +446,9 @@ Right:
 )"},
     {"precedence", GROUP_STATIC, LEVEL_WARNING,
      "a comparison binds tighter than \"&\", \"^\", \"|\"",
-     R"(mask & 8 == 0 is mask & (8 == 0). Write the parentheses that you mean.
+     R"(mask & 8 == 0 is mask & (8 == 0), a == b == 1 is (a == b) == 1, and
+a || b && c is a || (b && c), which is told where b and c cannot both hold.
+Write the parentheses that you mean.
 
 Wrong:
     mask rw { rangeValid { 0..255 } default { 0 } }

@@ -1,6 +1,7 @@
 #include "check/proof/abstract_value.h"
 
 #include <algorithm>
+#include <bit>
 #include <limits>
 
 #include "base/number.h"
@@ -57,6 +58,13 @@ AbstractValue truth(bool mayBeTrue, bool mayBeFalse) {
   return numberIn(mayBeFalse ? 0 : 1, mayBeTrue ? 1 : 0);
 }
 
+// All numbers of as many bits as `number` has, which is not negative.
+int64_t withAllBits(int64_t number) {
+  return static_cast<int64_t>(std::bit_ceil(static_cast<uint64_t>(number) + 1)) - 1;
+}
+
+bool isShiftCount(const Interval& a) { return a.low >= 0 && a.high < 32; }
+
 bool isZeroPossible(const Interval& a) { return a.low <= 0 && a.high >= 0; }
 bool isOtherPossible(const Interval& a) { return a.low != 0 || a.high != 0; }
 
@@ -93,8 +101,22 @@ AbstractValue ofNumbers(int32_t code, const Interval& a, const Interval& b) {
     case OP_MULTIPLY:
       return corners(a, b, [](int64_t x, int64_t y) { return x * y; });
     case OP_BIT_AND:
+      // A mask takes the sign away.
       if (a.low >= 0 && b.low >= 0) return wrapped(0, std::min(a.high, b.high));
+      if (a.low >= 0 || b.low >= 0) return wrapped(0, a.low >= 0 ? a.high : b.high);
       break;
+    case OP_BIT_OR:
+    case OP_BIT_XOR:
+      if (a.low < 0 || b.low < 0) break;
+      return wrapped(code == OP_BIT_OR ? std::max(a.low, b.low) : 0,
+                     withAllBits(std::max(a.high, b.high)));
+    case OP_SHIFT_LEFT:
+      if (!isShiftCount(b)) break;
+      return corners(a, b, [](int64_t x, int64_t y) { return x * (int64_t{1} << y); });
+    case OP_SHIFT_RIGHT:
+      // Whatever the count is, it leads towards the sign.
+      if (!isShiftCount(b)) return wrapped(a.low < 0 ? a.low : 0, a.high < 0 ? -1 : a.high);
+      return corners(a, b, [](int64_t x, int64_t y) { return x >> y; });
     case OP_DIVIDE:
       if (b.low > 0) return corners(a, b, [](int64_t x, int64_t y) { return x / y; });
       break;

@@ -65,8 +65,9 @@ class RandomDefinitions {
       case 0:
         return name(before);
       case 1:
-        return name(before) + oneOf({" + ", " - ", " * ", " / ", " % ", " & "}) + operand(before) +
-               oneOf({" == ", " > ", " < "}) + literal();
+        return name(before) +
+               oneOf({" + ", " - ", " * ", " / ", " % ", " & ", " | ", " ^ ", " << ", " >> "}) +
+               operand(before) + oneOf({" == ", " > ", " < "}) + literal();
       case 2:
         return name(before) + oneOf({" == ", " != ", " < ", " >= ", " $ "}) + operand(before);
       default:

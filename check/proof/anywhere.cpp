@@ -26,7 +26,7 @@ class Search {
   Search(const Goal& goal, Domains& domains, ConstantScope scope)
       : goal_(goal), domains_(domains), scope_(scope) {}
 
-  AnywhereResult run(Effort effort) {
+  AnywhereResult run(Effort effort, SolverBudget* budget) {
     if (isImpossible()) return {VERDICT_IMPOSSIBLE, {}};
     collectNames();
     AnywhereResult result;
@@ -38,18 +38,18 @@ class Search {
     } else if (left_ > 0 && isComplete_) {
       result.verdict = VERDICT_IMPOSSIBLE;
     } else if (effort == EFFORT_THOROUGH) {
-      result = solve();
+      result = solve(budget);
     }
     return result;
   }
 
   // Leaves it to the solver. What that says is possible has to be so for the engine.
-  AnywhereResult solve() {
+  AnywhereResult solve(SolverBudget* budget) {
     const KeyOf keyOf = [](const VariableSource& source) { return std::string(source.name); };
     SolverQuestion question;
     for (const GoalName& name : names_) question.declare(std::string(name.name), name.domain);
     for (const Clause& clause : goal_.clauses) question.require(clause, keyOf);
-    AnywhereResult result = question.solve();
+    AnywhereResult result = question.solve(budget);
     if (result.verdict != VERDICT_POSSIBLE) return result;
     for (GoalName& name : names_) name.value = &result.assignment.find(name.name)->second;
     const bool holdsAll = std::all_of(goal_.clauses.begin(), goal_.clauses.end(),
@@ -183,6 +183,6 @@ class Search {
 }  // namespace
 
 AnywhereResult decideAnywhere(const Goal& goal, Domains& domains, ConstantScope scope,
-                              Effort effort) {
-  return Search(goal, domains, scope).run(effort);
+                              Effort effort, SolverBudget* budget) {
+  return Search(goal, domains, scope).run(effort, budget);
 }

@@ -35,6 +35,8 @@ struct AnywhereResult {
 /// How many assignments are tried before a goal is left undecided.
 constexpr size_t MAX_TRIED_ASSIGNMENTS = 5000;
 
+class SolverBudget;
+
 /// How hard a question is tried.
 enum Effort {
   EFFORT_QUICK,     ///< by intervals and assignments
@@ -42,6 +44,7 @@ enum Effort {
 };
 
 /// Decides `goal`. An IMPOSSIBLE is proved: by intervals and sets of texts, or because every
-/// assignment that an expression of the goal can tell from the others was tried.
+/// assignment that an expression of the goal can tell from the others was tried. `budget` may be
+/// null.
 AnywhereResult decideAnywhere(const Goal& goal, Domains& domains, ConstantScope scope,
-                              Effort effort = EFFORT_THOROUGH);
+                              Effort effort = EFFORT_THOROUGH, SolverBudget* budget = nullptr);

@@ -7,6 +7,8 @@
 #include "check/proof/deadline.h"
 #include "check/proof/setter.h"
 
+class SolverBudget;
+
 /// What is looked for.
 struct HealthyQuestion {
   const Goal& goal;
@@ -14,6 +16,7 @@ struct HealthyQuestion {
   Domains& domains;
   /// What more is asked of the situation; may be null.
   const std::function<bool(const IndexTuple& indices)>& isMet;
+  SolverBudget* budget = nullptr;
 };
 
 /// How much more may be tried for a question.

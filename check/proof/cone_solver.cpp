@@ -12,7 +12,7 @@ class ConeSolver {
   AnywhereResult solve() {
     requireAll(attempt_.question().goal.clauses, attempt_.reader());
     for (const ConeInstance& instance : attempt_.cone().instances()) requireHealth(instance);
-    return question_.solve();
+    return question_.solve(attempt_.question().budget);
   }
 
  private:

@@ -190,8 +190,8 @@ class HealthyTrials {
 
 HealthyResult findHealthy(const Goal& goal, const CompiledText& text, Domains& domains,
                           const std::function<bool(const IndexTuple& indices)>& isMet,
-                          const Deadline& deadline) {
-  const HealthyQuestion question{goal, text, domains, isMet};
+                          const Deadline& deadline, SolverBudget* budget) {
+  const HealthyQuestion question{goal, text, domains, isMet, budget};
   HealthyResult result = HealthyTrials(question, deadline).run();
   if (result.verdict == VERDICT_POSSIBLE && !replay(result.witness, text.database())) return {};
   return result;

@@ -20,8 +20,8 @@ constexpr size_t MAX_SET_VALUES = 3000;
 /// Looks for a healthy situation that meets `goal`, by setting values on the engine, each after
 /// what it follows. `isMet` may ask more of the situation than the goal does: it is called where
 /// the goal holds, with the values set. An IMPOSSIBLE is proved: every value that a definition can
-/// tell from the others was tried. After `deadline` the goal is left undecided. All values of the
-/// database are unset before and afterwards.
+/// tell from the others was tried. After `deadline` the goal is left undecided. `budget` may be
+/// null. All values of the database are unset before and afterwards.
 HealthyResult findHealthy(const Goal& goal, const CompiledText& text, Domains& domains,
                           const std::function<bool(const IndexTuple& indices)>& isMet = {},
-                          const Deadline& deadline = {});
+                          const Deadline& deadline = {}, SolverBudget* budget = nullptr);

@@ -33,8 +33,13 @@ bool Proof::ask(const std::function<void()>& question, uint64_t units) {
 
 Verdict Proof::decide(const Goal& goal, ConstantScope scope, Effort effort) {
   Verdict verdict = VERDICT_UNDECIDED;
-  static_cast<void>(ask([&] { verdict = decideAnywhere(goal, domains_, scope, effort).verdict; }));
+  static_cast<void>(ask(
+      [&] { verdict = decideAnywhere(goal, domains_, scope, effort, &budgetOf(goal)).verdict; }));
   return verdict;
+}
+
+SolverBudget& Proof::budgetOf(const Goal& goal) {
+  return budgets_.try_emplace(goal.subject, text_.subjects().size()).first->second;
 }
 
 namespace {
@@ -63,8 +68,9 @@ void addIndexValues(const Goal& goal, HealthyResult& result) {
 HealthyResult Proof::findHealthy(const Goal& goal,
                                  const std::function<bool(const IndexTuple&)>& isMet) {
   HealthyResult result;
-  static_cast<void>(
-      ask([&] { result = ::findHealthy(goal, text_, domains_, isMet, limits_.deadline); }));
+  static_cast<void>(ask([&] {
+    result = ::findHealthy(goal, text_, domains_, isMet, limits_.deadline, &budgetOf(goal));
+  }));
   isCutShort_ = isCutShort_ || (result.verdict == VERDICT_UNDECIDED && isOver());
   addIndexValues(goal, result);
   return result;

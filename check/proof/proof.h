@@ -5,6 +5,7 @@
 #include "check/proof/healthy.h"
 #include "check/proof/limited.h"
 #include "check/proof/prove.h"
+#include "check/proof/solver.h"
 
 /// A text under proof, and what was found so far.
 class Proof {
@@ -58,6 +59,8 @@ class Proof {
   bool addIfHealthy(const Goal& goal, Finding finding);
 
  private:
+  SolverBudget& budgetOf(const Goal& goal);
+
   CompiledText text_;
   Domains domains_;
   const ProofLimits& limits_;
@@ -65,6 +68,7 @@ class Proof {
   Findings& findings_;
   Findings& undecided_;
   bool isCutShort_ = false;
+  std::map<const Subject*, SolverBudget> budgets_;
 };
 
 /// The place of a token.

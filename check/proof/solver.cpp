@@ -21,6 +21,12 @@ constexpr size_t MANY_TEXT_CASES = 200'000;
 constexpr size_t MANY_CONTAINED_TEXTS = 100;
 // About a tenth of a second.
 constexpr unsigned SOLVER_STEPS = 400'000;
+// What is easy needs no more.
+constexpr unsigned FEW_STEPS = 10'000;
+// What all definitions of a text may spend in vain, and each of them.
+constexpr int64_t TEXT_STEPS = 40'000'000;
+constexpr int64_t LEAST_STEPS = 100'000;
+constexpr int64_t MOST_STEPS = 2'000'000;
 
 // A value as a formula. A variable may be undefined; a result never is: it fails the expression.
 struct Symbolic {
@@ -36,8 +42,16 @@ struct SymbolicResult {
   z3::expr isMissing;
 };
 
-// What has been solved, by canonical text: the verdict, and the values in the order of the keys.
-using Answers = std::map<std::string, std::pair<Verdict, std::vector<std::optional<std::string>>>>;
+// What has been solved: the verdict, the steps that it took, or that were not enough, and the
+// values in the order of the keys.
+struct Answer {
+  Verdict verdict = VERDICT_UNDECIDED;
+  unsigned steps = 0;
+  std::vector<std::optional<std::string>> values = {};
+};
+
+// By canonical text.
+using Answers = std::map<std::string, Answer>;
 
 Answers& answers() {
   static Answers all;
@@ -59,7 +73,7 @@ class Formulas {
     collectTexts();
   }
 
-  AnywhereResult solve() {
+  AnywhereResult solve(unsigned limit) {
     if (texts_.size() > MANY_TEXTS) return {};
     for (const std::string& key : question_.order_) declare(key, question_.domains_.at(key));
     for (const auto& required : question_.clauses_) {
@@ -72,7 +86,7 @@ class Formulas {
     }
     if (isTooLarge_) return {};
     z3::params limits(context_);
-    limits.set("rlimit", SOLVER_STEPS);
+    limits.set("rlimit", limit);
     solver_.set(limits);
     switch (solver_.check()) {
       case z3::unsat:
@@ -82,6 +96,15 @@ class Formulas {
       default:
         return {};
     }
+  }
+
+  // What solve() has taken.
+  unsigned steps() {
+    const z3::stats all = solver_.statistics();
+    for (unsigned i = 0; i < all.size(); ++i) {
+      if (all.key(i) == "rlimit count") return all.uint_value(i);
+    }
+    return 0;
   }
 
  private:
@@ -518,9 +541,12 @@ class Formulas {
 namespace {
 
 // The solver has its own memory, and an exception of its own for its end.
-AnywhereResult solveFormulas(const SolverQuestion& question) {
+AnywhereResult solveFormulas(const SolverQuestion& question, unsigned limit, unsigned& steps) {
   try {
-    return Formulas(question).solve();
+    Formulas formulas(question);
+    AnywhereResult result = formulas.solve(limit);
+    steps = formulas.steps();
+    return result;
   } catch (const z3::exception&) {
     return {};
   }
@@ -579,18 +605,36 @@ std::string SolverQuestion::canonicalText() const {
 
 void SolverQuestion::forgetAnswers() { answers().clear(); }
 
-AnywhereResult SolverQuestion::solve() const {
-  const auto [answer, isNew] = answers().try_emplace(canonicalText(), VERDICT_UNDECIDED,
-                                                     Answers::mapped_type::second_type());
-  auto& [verdict, values] = answer->second;
-  if (isNew) {
-    AnywhereResult solved = solveFormulas(*this);
-    verdict = solved.verdict;
-    if (verdict == VERDICT_POSSIBLE) {
-      for (const std::string& key : order_) values.push_back(solved.assignment.at(key));
+AnywhereResult SolverQuestion::solve(SolverBudget* budget) const {
+  const unsigned limit = budget == nullptr ? SOLVER_STEPS : budget->limit();
+  if (limit == 0) return {};
+  Answer& answer = answers()[canonicalText()];
+  if (answer.verdict == VERDICT_UNDECIDED && answer.steps < limit) {
+    AnywhereResult solved = solveFormulas(*this, limit, answer.steps);
+    answer.verdict = solved.verdict;
+    if (answer.verdict == VERDICT_UNDECIDED) answer.steps = limit;
+    for (const std::string& key : order_) {
+      if (answer.verdict == VERDICT_POSSIBLE) answer.values.push_back(solved.assignment.at(key));
     }
   }
-  AnywhereResult result{verdict, {}};
-  for (size_t i = 0; i < values.size(); ++i) result.assignment.emplace(order_[i], values[i]);
+  // Whether it was solved before makes no difference.
+  if (answer.verdict == VERDICT_UNDECIDED || answer.steps > limit) {
+    if (budget != nullptr) budget->take(limit);
+    return {};
+  }
+  AnywhereResult result{answer.verdict, {}};
+  for (size_t i = 0; i < answer.values.size(); ++i) {
+    result.assignment.emplace(order_[i], answer.values[i]);
+  }
   return result;
+}
+
+SolverBudget::SolverBudget(size_t definitions)
+    : all_(std::clamp(TEXT_STEPS / static_cast<int64_t>(std::max<size_t>(definitions, 1)),
+                      LEAST_STEPS, MOST_STEPS)),
+      left_(all_) {}
+
+unsigned SolverBudget::limit() const {
+  if (left_ > 0) return SOLVER_STEPS;
+  return left_ > -all_ ? FEW_STEPS : 0;
 }

@@ -12,6 +12,24 @@
 
 #include "check/proof/anywhere.h"
 
+/// What the questions about one definition may spend on what they do not decide, in steps that the
+/// solver counts: then the result is the same on every machine, and however many processes share
+/// the definitions. A text full of hard questions ends.
+class SolverBudget {
+ public:
+  /// For one of `definitions` definitions of a text.
+  explicit SolverBudget(size_t definitions);
+
+  /// How many steps the next question may take: all while there are some left, then few, then none.
+  [[nodiscard]] unsigned limit() const;
+  /// Takes what a question has spent in vain.
+  void take(unsigned steps) { left_ -= steps; }
+
+ private:
+  int64_t all_;
+  int64_t left_;
+};
+
 /// Gives each name of an expression the key of its variable.
 using KeyOf = std::function<std::string(const VariableSource&)>;
 
@@ -32,10 +50,10 @@ class SolverQuestion {
     ranges_.push_back({key, &ranges, keyOf});
   }
 
-  /// Decides the question. The work is limited by what the solver counts, not by time, so the
-  /// result is the same on every machine. With VERDICT_POSSIBLE an assignment by key that the
-  /// formulas admit. The same question, whatever its names are, is solved once.
-  [[nodiscard]] AnywhereResult solve() const;
+  /// Decides the question within its own limit and `budget`, which may be null. With
+  /// VERDICT_POSSIBLE an assignment by key that the formulas admit. The same question, whatever its
+  /// names are, is solved once.
+  [[nodiscard]] AnywhereResult solve(SolverBudget* budget = nullptr) const;
   /// Forgets what was solved, so that a process that checks many texts does not grow.
   static void forgetAnswers();
 

@@ -45,7 +45,11 @@ class VariantChecks {
  public:
   VariantChecks(const SourceText& source, const ReadText& text, const CheckOptions& options,
                 Deadline::Clock::time_point start)
-      : source_(source), text_(text), options_(options), variants_(variantsOf(options.constants)) {
+      : source_(source),
+        text_(text),
+        options_(options),
+        variants_(variantsOf(options.constants)),
+        memory_(text, options.constants) {
     if (options.maxSeconds) deadline_ = Deadline(start + std::chrono::seconds(*options.maxSeconds));
     // A job asks its part of the questions in every variant: like questions are answered once.
     if (options.proofs) parts_ = std::min(options.jobs, MANY_JOBS);
@@ -87,7 +91,9 @@ class VariantChecks {
     const ExplainedPlaces explained = checkStatics(checked, result.findings);
     const size_t known = result.findings.all().size();
     if (variant.isBuilt && options_.proofs) {
-      prove(checked, explained, {deadline_, parts_, part}, result.findings, result.undecided);
+      ProofMemory* const memory = variants_.size() == 1 ? nullptr : &memory_;
+      prove(checked, explained, {deadline_, parts_, part, memory}, result.findings,
+            result.undecided);
     }
     if (part == 0) return result;
     const std::vector<Finding> all = result.findings.all();
@@ -100,6 +106,7 @@ class VariantChecks {
   const ReadText& text_;
   const CheckOptions& options_;
   std::vector<NamedValues> variants_;
+  mutable ProofMemory memory_;  // each job has its own
   Deadline deadline_;
   size_t parts_ = 1;
 };

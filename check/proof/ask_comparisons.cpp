@@ -85,11 +85,11 @@ void askComparisons(Proof& proof, const Explained& explained) {
       comparisons.ask(statement.condition->expression, FOR_TRUTH);
     }
   };
-  for (const Subject& subject : proof.subjects()) {
+  proof.forEachSubject([&](const Subject& subject) {
     ask(subject, subject.rangeValid, true);
     ask(subject, subject.rangeDoc, true);
     ask(subject, subject.ctrlRO, true);
     ask(subject, subject.ctrlValid, false);
     ask(subject, subject.defaults, true);
-  }
+  });
 }

@@ -131,7 +131,7 @@ void addFound(Proof& proof, const Subject& subject, FoundConditions& found, Expl
 }  // namespace
 
 void askConditions(Proof& proof, Explained& explained) {
-  for (const Subject& subject : proof.subjects()) {
+  proof.forEachSubject([&](const Subject& subject) {
     FoundConditions found;
     for (const ConditionKind& kind : KINDS) {
       for (const CompiledStatement& statement : subject.*kind.statements) {
@@ -142,5 +142,5 @@ void askConditions(Proof& proof, Explained& explained) {
       }
     }
     addFound(proof, subject, found, explained);
-  }
+  });
 }

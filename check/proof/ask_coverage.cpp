@@ -190,14 +190,14 @@ void askOfDefaults(Proof& proof, const Subject& subject, const Explained& explai
 }  // namespace
 
 void askCoverage(Proof& proof, const Explained& explained) {
-  for (const Subject& subject : proof.subjects()) {
-    if (explained.explains(subject.rangeValid)) continue;
-    if (subject.index != nullptr) {
+  proof.forEachSubject([&](const Subject& subject) {
+    if (explained.explains(subject.rangeValid)) return;
+    if (subject.parm == nullptr) {
       askIndex(proof, subject);
-      continue;
+      return;
     }
     if (!askRanges(proof, subject, explained) && !explained.explains(subject.defaults)) {
       askOfDefaults(proof, subject, explained);
     }
-  }
+  });
 }

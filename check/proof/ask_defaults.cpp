@@ -164,8 +164,8 @@ class DefaultsOfTheStart {
 }  // namespace
 
 void askDefaults(Proof& proof, const Explained& explained) {
-  for (const Subject& subject : proof.subjects()) {
-    if (subject.parm == nullptr || subject.parm->parm.mode() == MODE_NEVER) continue;
+  proof.forEachSubject([&](const Subject& subject) {
+    if (subject.parm == nullptr || subject.parm->parm.mode() == MODE_NEVER) return;
     bool isTold = false;
     for (const CompiledStatement& statement : subject.defaults) {
       const CompiledItem& value = statement.items.front();
@@ -180,5 +180,5 @@ void askDefaults(Proof& proof, const Explained& explained) {
         subject.record->access == ACCESS_RW || subject.record->access == ACCESS_WO;
     const bool follows = !subject.defaults.empty() && !subject.parm->sources.empty();
     if (isSetByClients && follows && !isTold) DefaultsOfTheStart(proof, explained, subject).ask();
-  }
+  });
 }

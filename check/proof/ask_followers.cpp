@@ -204,12 +204,12 @@ const Subject* derivedOf(const Proof& proof, const Subject& subject) {
 }  // namespace
 
 void askFollowers(Proof& proof) {
-  for (const Subject& subject : proof.subjects()) {
+  proof.forEachSubject([&](const Subject& subject) {
     if (subject.parm == nullptr || subject.parm->parm.mode() == MODE_NEVER ||
         subject.parm->hasDependents()) {
-      continue;
+      return;
     }
     const Subject* const derived = derivedOf(proof, subject);
     if (derived != nullptr) Follower(proof, subject, *derived).ask();
-  }
+  });
 }

@@ -65,7 +65,8 @@ void askIndex(Proof& proof, const Subject& subject) {
 }  // namespace
 
 void askIndices(Proof& proof) {
-  for (const Subject& subject : proof.subjects()) {
-    if (subject.index != nullptr) askIndex(proof, subject);
-  }
+  proof.forEachSubject([&](const Subject& subject) {
+    const bool isAsked = subject.index != nullptr;
+    if (isAsked) askIndex(proof, subject);
+  });
 }

@@ -66,11 +66,11 @@ void askStatements(Proof& proof, const Subject& subject,
 }  // namespace
 
 void askOverflow(Proof& proof, const Explained& explained) {
-  for (const Subject& subject : proof.subjects()) {
+  proof.forEachSubject([&](const Subject& subject) {
     askStatements(proof, subject, subject.rangeValid, true, explained);
     askStatements(proof, subject, subject.rangeDoc, true, explained);
     askStatements(proof, subject, subject.ctrlRO, true, explained);
     askStatements(proof, subject, subject.ctrlValid, false, explained);
     askStatements(proof, subject, subject.defaults, true, explained);
-  }
+  });
 }

@@ -283,8 +283,8 @@ class DerivedValues {
 }  // namespace
 
 void askReachability(Proof& proof, Explained& explained) {
-  for (const Subject& subject : proof.subjects()) {
-    if (subject.parm == nullptr) continue;
+  proof.forEachSubject([&](const Subject& subject) {
+    if (subject.parm == nullptr) return;
     for (const auto* statements : {&subject.defaults, &subject.rangeDoc, &subject.rangeValid}) {
       for (const CompiledStatement& statement : *statements) {
         if (explained.explains(statement)) explained.dead.insert(&statement);
@@ -296,5 +296,5 @@ void askReachability(Proof& proof, Explained& explained) {
                         "this range is never told: an earlier one always counts", explained);
     askRanges(proof, subject, explained);
     DerivedValues(proof, subject, explained).ask();
-  }
+  });
 }

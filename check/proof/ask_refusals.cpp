@@ -193,5 +193,5 @@ class Refusals {
 }  // namespace
 
 void askRefusals(Proof& proof, const Explained& explained) {
-  for (const Subject& subject : proof.subjects()) Refusals(proof, subject).ask(explained);
+  proof.forEachSubject([&](const Subject& subject) { Refusals(proof, subject).ask(explained); });
 }

@@ -121,7 +121,7 @@ bool leadsARing(const ParmEntry& parm) {
 }  // namespace
 
 void askRings(Proof& proof, const Explained& explained) {
-  for (const Subject& subject : proof.subjects()) {
+  proof.forEachSubject([&](const Subject& subject) {
     if (subject.parm != nullptr && leadsARing(*subject.parm)) Ring(proof, explained, subject).ask();
-  }
+  });
 }

@@ -119,14 +119,14 @@ void askDefault(Proof& proof, const Subject& subject, const CompiledStatement& s
 }  // namespace
 
 void askValues(Proof& proof, const Explained& explained) {
-  for (const Subject& subject : proof.subjects()) {
+  proof.forEachSubject([&](const Subject& subject) {
     askRanges(proof, subject, subject.rangeValid, explained);
     askRanges(proof, subject, subject.rangeDoc, explained);
-    if (subject.parm == nullptr) continue;
+    if (subject.parm == nullptr) return;
     for (const CompiledStatement& statement : subject.defaults) {
       if (!explained.dead.contains(&statement) && !explained.explains(statement)) {
         askDefault(proof, subject, statement);
       }
     }
-  }
+  });
 }

@@ -17,10 +17,45 @@ Proof::Proof(const CheckedText& checked, const ProofLimits& limits, Findings& fi
     : text_(checked), domains_(text_), limits_(limits), findings_(findings), undecided_(undecided) {
   uint32_t place = 0;
   for (const Subject& subject : text_.subjects()) {
-    if (scattered(place++) % limits.parts == limits.part) subjects_.emplace_back(subject);
+    if (scattered(place++) % limits.parts == limits.part) addSubject(subject);
     // Of a ring the domains depend on where it is entered: always at its first name.
     static_cast<void>(domains_.of(text_.database().findSource(subject.name())));
   }
+}
+
+// Asks of it, or takes what an earlier variant has found.
+void Proof::addSubject(const Subject& subject) {
+  const ProofResult* const known =
+      limits_.memory == nullptr
+          ? nullptr
+          : limits_.memory->find(subject.name(), text_.checked().variant.constants);
+  if (known == nullptr) {
+    subjects_.emplace_back(subject);
+    return;
+  }
+  for (const Finding& finding : known->findings) findings_.add(finding);
+  for (const Finding& finding : known->undecided) undecided_.add(finding);
+}
+
+void Proof::keepResults() {
+  if (limits_.memory == nullptr) return;
+  for (const Subject& subject : subjects_) {
+    const Places& places = places_[&subject];
+    ProofResult result;
+    for (const size_t place : places.findings) result.findings.push_back(findings_.all()[place]);
+    for (const size_t place : places.undecided) result.undecided.push_back(undecided_.all()[place]);
+    limits_.memory->keep(subject.name(), text_.checked().variant.constants, std::move(result));
+  }
+}
+
+void Proof::add(Finding finding) {
+  if (asked_ != nullptr) places_[asked_].findings.push_back(findings_.all().size());
+  findings_.add(std::move(finding));
+}
+
+void Proof::addUndecided(Finding finding) {
+  if (asked_ != nullptr) places_[asked_].undecided.push_back(undecided_.all().size());
+  undecided_.add(std::move(finding));
 }
 
 bool Proof::ask(const std::function<void()>& question, uint64_t units) {

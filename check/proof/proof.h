@@ -15,15 +15,22 @@ class Proof {
 
   [[nodiscard]] const CompiledText& text() const { return text_; }
   [[nodiscard]] Domains& domains() { return domains_; }
-  /// The subjects to ask about.
-  [[nodiscard]] const std::vector<std::reference_wrapper<const Subject>>& subjects() const {
-    return subjects_;
+  /// Calls `visit` with each subject to ask about. What is added meanwhile is about it.
+  template <typename Visit>
+  void forEachSubject(const Visit& visit) {
+    for (const Subject& subject : subjects_) {
+      asked_ = &subject;
+      visit(subject);
+    }
+    asked_ = nullptr;
   }
+  /// Keeps what was found of the subjects for the next variants, where they have a memory.
+  void keepResults();
   /// Whether the questions about the text as a whole are to be asked.
   [[nodiscard]] bool asksOfWhole() const { return limits_.part == 0; }
 
-  void add(Finding finding) { findings_.add(std::move(finding)); }
-  void addUndecided(Finding finding) { undecided_.add(std::move(finding)); }
+  void add(Finding finding);
+  void addUndecided(Finding finding);
   /// As Findings::find().
   [[nodiscard]] Finding* found(std::string_view code, TextPlace at) {
     return findings_.find(code, at);
@@ -59,6 +66,7 @@ class Proof {
   bool addIfHealthy(const Goal& goal, Finding finding);
 
  private:
+  void addSubject(const Subject& subject);
   SolverBudget& budgetOf(const Goal& goal);
 
   CompiledText text_;
@@ -69,6 +77,13 @@ class Proof {
   Findings& undecided_;
   bool isCutShort_ = false;
   std::map<const Subject*, SolverBudget> budgets_;
+  // The places of what is about one subject among all findings.
+  struct Places {
+    std::vector<size_t> findings = {};
+    std::vector<size_t> undecided = {};
+  };
+  const Subject* asked_ = nullptr;
+  std::map<const Subject*, Places> places_;
 };
 
 /// The place of a token.

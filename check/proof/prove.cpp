@@ -20,6 +20,7 @@ void prove(const CheckedText& checked, const ExplainedPlaces& explainedPlaces,
   askOverflow(proof, explained);
   askFollowers(proof);
   askRings(proof, explained);
+  proof.keepResults();
   if (!proof.asksOfWhole()) return;
   askBudget(proof);
   askStart(proof, explained);

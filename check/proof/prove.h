@@ -2,6 +2,7 @@
 #pragma once
 
 #include "check/proof/deadline.h"
+#include "check/proof/proof_memory.h"
 #include "check/static/explained_places.h"
 #include "check/text/checked_text.h"
 
@@ -14,6 +15,9 @@ struct ProofLimits {
   /// Of so many parts of all questions, which together find what one part of one finds, ...
   size_t parts = 1;
   size_t part = 0;  ///< ... the one that is asked, from 0
+  /// What other variants of the text have found, and what this one finds; may be null. It is kept
+  /// of definitions, not of the text as a whole.
+  ProofMemory* memory = nullptr;
 };
 
 /// Asks all questions about a text that the engine has built, but of expressions that `explained`

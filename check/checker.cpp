@@ -7,6 +7,7 @@
 #include "check/jobs.h"
 #include "check/merged_findings.h"
 #include "check/packed_findings.h"
+#include "check/partial_variant.h"
 #include "check/proof/prove.h"
 #include "check/static/static_checks.h"
 #include "check/text/checked_text.h"
@@ -89,17 +90,31 @@ class VariantChecks {
     result.isBuilt = variant.isBuilt;
     const CheckedText checked{source_, text_, options_.constants, variant};
     const ExplainedPlaces explained = checkStatics(checked, result.findings);
-    const size_t known = result.findings.all().size();
-    if (variant.isBuilt && options_.proofs) {
-      ProofMemory* const memory = variants_.size() == 1 ? nullptr : &memory_;
-      prove(checked, explained, {deadline_, parts_, part, memory}, result.findings,
-            result.undecided);
-    }
+    const std::vector<Finding> known = result.findings.all();
+    if (options_.proofs) prove(variant, explained, part, result);
     if (part == 0) return result;
     const std::vector<Finding> all = result.findings.all();
     result.findings = {};
-    for (size_t i = known; i < all.size(); ++i) result.findings.add(all[i]);
+    for (size_t i = 0; i < all.size(); ++i) {
+      // A proof may have said more in a finding that needed none.
+      const bool isNew = i >= known.size() || all[i].related.size() > known[i].related.size() ||
+                         all[i].level != known[i].level;
+      if (isNew) result.findings.add(all[i]);
+    }
     return result;
+  }
+
+  // Asks of what the engine has built, or could build without what is wrong.
+  void prove(const Variant& variant, const ExplainedPlaces& explained, size_t part,
+             VariantFindings& result) const {
+    std::optional<Variant> partial;
+    if (!variant.isBuilt) partial = buildPartly(source_, text_, variant.constants);
+    if (!variant.isBuilt && !partial) return;
+    const CheckedText checked{source_, text_, options_.constants, partial ? *partial : variant};
+    // What is left out may differ.
+    ProofMemory* const memory = partial || variants_.size() == 1 ? nullptr : &memory_;
+    ::prove(checked, explained, {deadline_, parts_, part, memory}, result.findings,
+            result.undecided);
   }
 
   const SourceText& source_;

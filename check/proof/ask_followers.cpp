@@ -206,7 +206,7 @@ const Subject* derivedOf(const Proof& proof, const Subject& subject) {
 void askFollowers(Proof& proof) {
   proof.forEachSubject([&](const Subject& subject) {
     if (subject.parm == nullptr || subject.parm->parm.mode() == MODE_NEVER ||
-        subject.parm->hasDependents()) {
+        subject.parm->hasDependents() || proof.text().isNamedByOthers(subject.name())) {
       return;
     }
     const Subject* const derived = derivedOf(proof, subject);

@@ -66,7 +66,7 @@ void askIndex(Proof& proof, const Subject& subject) {
 
 void askIndices(Proof& proof) {
   proof.forEachSubject([&](const Subject& subject) {
-    const bool isAsked = subject.index != nullptr;
+    const bool isAsked = subject.index != nullptr && !proof.text().isNamedByOthers(subject.name());
     if (isAsked) askIndex(proof, subject);
   });
 }

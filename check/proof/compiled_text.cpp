@@ -3,6 +3,8 @@
 #include <map>
 #include <set>
 
+#include "check/proof/references.h"
+
 namespace {
 
 // The layouts of a record's statements, by keyword, in the order of the text.
@@ -33,6 +35,11 @@ CompiledText::CompiledText(const CheckedText& checked) : checked_(checked) {
                                                : statements->second;
     });
   }
+}
+
+void CompiledText::noteUnbuilt(const ParameterRecord& record) {
+  forEachReference(record, [this](std::string_view name) { namedByUnbuilt_.insert(name); });
+  isWhole_ = false;
 }
 
 const Subject* CompiledText::find(std::string_view name) const {
@@ -79,6 +86,11 @@ void CompiledText::addSubject(const DefinitionLayout& definition,
   subject.at = definition.name;
   subject.parm = database().findParm(record.name);
   subject.index = subject.parm == nullptr ? database().findIndexEntry(record.name) : nullptr;
+  if (subject.parm == nullptr && subject.index == nullptr) {
+    subjects_.pop_back();
+    noteUnbuilt(record);
+    return;
+  }
   byName_.emplace(record.name, &subject);
   const auto layouts = [&](std::string_view keyword) {
     return [all = statementsOf(keyword), next = size_t{0}]() mutable { return all[next++]; };

@@ -4,6 +4,7 @@
 #include <deque>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -73,7 +74,8 @@ void forEachExpression(const Subject& subject, const Visit& visit) {
   }
 }
 
-/// Every definition of one variant. The text and its variant have to outlive it.
+/// Every definition of one variant that the engine has built. The text and its variant have to
+/// outlive it.
 class CompiledText {
  public:
   explicit CompiledText(const CheckedText& checked);
@@ -84,6 +86,12 @@ class CompiledText {
   [[nodiscard]] const std::deque<Subject>& subjects() const { return subjects_; }
   /// The subject of a base name, or null.
   [[nodiscard]] const Subject* find(std::string_view name) const;
+  /// Whether all definitions of the text are among them.
+  [[nodiscard]] bool isWhole() const { return isWhole_; }
+  /// Whether a definition that is not among them names the one of `name`.
+  [[nodiscard]] bool isNamedByOthers(std::string_view name) const {
+    return namedByUnbuilt_.contains(name);
+  }
   /// Compiles an expression of the text, which the engine has accepted.
   [[nodiscard]] CompiledExpression compile(const Expression& expression) const;
 
@@ -91,6 +99,7 @@ class CompiledText {
   using StatementsOf = std::function<std::vector<const StatementLayout*>(std::string_view keyword)>;
 
   void addSubject(const DefinitionLayout& definition, const StatementsOf& statementsOf);
+  void noteUnbuilt(const ParameterRecord& record);
   [[nodiscard]] CompiledItem compileItem(const RangeItem& item) const;
   [[nodiscard]] CompiledStatement compileCondition(const Expression& condition,
                                                    const StatementLayout* layout) const;
@@ -98,4 +107,6 @@ class CompiledText {
   const CheckedText& checked_;
   std::deque<Subject> subjects_;
   std::unordered_map<std::string_view, const Subject*> byName_;
+  std::set<std::string_view> namedByUnbuilt_;
+  bool isWhole_ = true;
 };

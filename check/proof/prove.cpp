@@ -22,6 +22,6 @@ void prove(const CheckedText& checked, const ExplainedPlaces& explainedPlaces,
   askRings(proof, explained);
   proof.keepResults();
   if (!proof.asksOfWhole()) return;
-  askBudget(proof);
+  if (proof.text().isWhole()) askBudget(proof);
   askStart(proof, explained);
 }

@@ -20,8 +20,8 @@ struct ProofLimits {
   ProofMemory* memory = nullptr;
 };
 
-/// Asks all questions about a text that the engine has built, but of expressions that `explained`
-/// says enough of. What is found goes to `findings`, and what could be neither shown nor ruled out
-/// to `undecided`. The values of the database are unset afterwards.
+/// Asks all questions about the definitions of a text that the engine has built, but of expressions
+/// that `explained` says enough of. What is found goes to `findings`, and what could be neither
+/// shown nor ruled out to `undecided`. The values of the database are unset afterwards.
 void prove(const CheckedText& checked, const ExplainedPlaces& explained, const ProofLimits& limits,
            Findings& findings, Findings& undecided);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <functional>
 #include <iterator>
 
 #include "check/named_values.h"
@@ -15,6 +16,13 @@ bool isForAllVariants(std::string_view code) {
   static constexpr std::string_view CODES[] = {"always-true", "dead-comparison", "never-true",
                                                "unreachable"};
   return std::find(std::begin(CODES), std::end(CODES), code) != std::end(CODES);
+}
+
+// Whether `a` says more than `b` of the same finding: what follows from it, or an earlier place.
+bool saysMore(const Finding& a, const Finding& b) {
+  if (levelOf(a) != levelOf(b)) return levelOf(a) < levelOf(b);
+  if (a.related.size() != b.related.size()) return a.related.size() > b.related.size();
+  return !a.related.empty() && a.related.front().at < b.related.front().at;
 }
 
 bool hasAny(const std::vector<bool>& states) {
@@ -37,23 +45,44 @@ void MergedFindings::addVariant(bool isBuilt, const Findings& findings, const Fi
 void MergedFindings::add(size_t variant, const Finding& finding, std::vector<bool> Entry::*states) {
   Entry& entry = entries_[{finding.at, finding.code, finding.text}];
   // A finding has more to tell than a question.
-  const bool isFirst = states == &Entry::has && !hasAny(entry.has);
-  if (entry.has.empty() || isFirst) entry.finding = finding;
+  const bool isFinding = states == &Entry::has;
+  if (entry.has.empty() ||
+      (isFinding && (!hasAny(entry.has) || isBetter(variant, finding, entry)))) {
+    entry.finding = finding;
+    entry.variant = variant;
+  }
   entry.has.resize(variants_.size());
   entry.isOpen.resize(variants_.size());
   (entry.*states)[variant] = true;
+}
+
+// Whether a finding has more to tell than the one of `entry`, which is of an earlier variant or of
+// the same.
+bool MergedFindings::isBetter(size_t variant, const Finding& finding, const Entry& entry) {
+  return levelOf(finding) < levelOf(entry.finding) ||
+         (variant == entry.variant && saysMore(finding, entry.finding));
 }
 
 Findings MergedFindings::merged() const {
   assert(isBuilt_.size() == variants_.size());
   Findings findings;
   for (const auto& [key, entry] : entries_) {
-    if (!isFound(entry)) continue;
+    if (!isFound(entry) || isSwallowed(entry)) continue;
     Finding finding = entry.finding;
     finding.variant = variantOf(entry);
     findings.add(std::move(finding));
   }
   return findings;
+}
+
+// Whether a graver finding says the same and more: of a default with a name that is misspelt.
+bool MergedFindings::isSwallowed(const Entry& entry) const {
+  if (entry.finding.code != "unknown-standard") return false;
+  return std::ranges::any_of(entries_, [&](const auto& other) {
+    const Finding& finding = other.second.finding;
+    return finding.code == "default-outside" && finding.at == entry.finding.at &&
+           isFound(other.second);
+  });
 }
 
 Findings MergedFindings::undecided() const {
@@ -62,7 +91,7 @@ Findings MergedFindings::undecided() const {
   for (const auto& [key, entry] : entries_) {
     if (!isUndecided(entry)) continue;
     Finding finding = entry.finding;
-    finding.variant = variantOf({finding, entry.isOpen, std::vector<bool>(variants_.size())});
+    finding.variant = variantOf({finding, 0, entry.isOpen, std::vector<bool>(variants_.size())});
     findings.add(std::move(finding));
   }
   return findings;
@@ -70,12 +99,20 @@ Findings MergedFindings::undecided() const {
 
 bool MergedFindings::isFound(const Entry& entry) const {
   if (!hasAny(entry.has)) return false;
-  return !isForAllVariants(entry.finding.code) || (!hasAny(entry.isOpen) && !isLackedBySome(entry));
+  return !isForAllVariants(entry.finding.code) || std::ranges::all_of(entry.has, std::identity());
 }
 
 bool MergedFindings::isUndecided(const Entry& entry) const {
   if (!hasAny(entry.isOpen)) return false;
-  return isForAllVariants(entry.finding.code) ? !isLackedBySome(entry) : !hasAny(entry.has);
+  return isForAllVariants(entry.finding.code) ? !isMissedBySome(entry) : !hasAny(entry.has);
+}
+
+// Whether a variant neither has it nor leaves it open; that may be one that is not built.
+bool MergedFindings::isMissedBySome(const Entry& entry) const {
+  for (size_t variant = 0; variant < variants_.size(); ++variant) {
+    if (!entry.has[variant] && !entry.isOpen[variant]) return true;
+  }
+  return false;
 }
 
 bool MergedFindings::isLackedBySome(const Entry& entry) const {

@@ -9,7 +9,8 @@
 #include "check/text/findings.h"
 #include "check/text/variant.h"
 
-/// Findings are the same where code, place and text are. One that not all variants have names the
+/// Findings are the same where code, place and text are; of those of one variant the one counts
+/// that says most. One that not all variants have names the
 /// first that has it, with those constants only that decide it. A variant in which it is undecided
 /// may have it.
 class MergedFindings {
@@ -28,14 +29,18 @@ class MergedFindings {
  private:
   using Key = std::tuple<TextPlace, std::string_view, std::string>;
   struct Entry {
-    Finding finding;  // as in the first variant that has it
+    Finding finding;
+    size_t variant = 0;  // that the finding is of: the first that has it, or has it graver
     std::vector<bool> has;
     std::vector<bool> isOpen;  // undecided
   };
 
   void add(size_t variant, const Finding& finding, std::vector<bool> Entry::*states);
+  static bool isBetter(size_t variant, const Finding& finding, const Entry& entry);
   [[nodiscard]] bool isFound(const Entry& entry) const;
+  [[nodiscard]] bool isSwallowed(const Entry& entry) const;
   [[nodiscard]] bool isUndecided(const Entry& entry) const;
+  [[nodiscard]] bool isMissedBySome(const Entry& entry) const;
   [[nodiscard]] bool isLackedBySome(const Entry& entry) const;
   [[nodiscard]] std::string variantOf(const Entry& entry) const;
   [[nodiscard]] bool isDecidedBy(const Entry& entry, size_t step, size_t values) const;

@@ -45,6 +45,21 @@ TEST(MergedFindings, ATextThatIsNotBuiltTellsNothingOfItsDefinitions) {
   EXPECT_EQ(variantNamed("merged", {0}, {1, 2, 3}), "MODEL=basic CHANNELS=1");
 }
 
+TEST(MergedFindings, NeverIsNeverInAllVariants) {
+  // Of the six variants the first ones are built and have the finding; of the others nobody knows.
+  const struct {
+    int built;
+    size_t found;
+  } cases[] = {{6, 1}, {5, 0}, {1, 0}};
+  for (const auto& [built, found] : cases) {
+    MergedFindings merged(CHOICES);
+    Findings findings;
+    findings.add({"never-true", {1, 2, 3}, "text"});
+    for (int i = 0; i < 6; ++i) merged.addVariant(i < built, i < built ? findings : Findings());
+    EXPECT_EQ(merged.merged().all().size(), found) << built;
+  }
+}
+
 TEST(MergedFindings, TellApartByCodePlaceAndText) {
   MergedFindings merged(CHOICES);
   Findings findings;
@@ -116,6 +131,49 @@ TEST(MergedFindings, WithoutConstantsNameNoVariant) {
   merged.addVariant(true, findings);
   ASSERT_EQ(merged.merged().all().size(), 1U);
   EXPECT_EQ(merged.merged().all()[0].variant, "");
+}
+
+// Parts of the questions of one variant come one after the other.
+TEST(MergedFindings, KeepWhatSaysMost) {
+  const ConstantChoices none;
+  const Finding plain = {"overlap", {1, 2, 3}, "text"};
+  Finding grave = plain;
+  grave.level = LEVEL_ERROR;
+  Finding earlier = plain;
+  earlier.related = {{{1, 0, 0}, "here"}};
+  Finding later = plain;
+  later.related = {{{2, 0, 0}, "here"}};
+  const std::pair<std::vector<Finding>, Finding> cases[] = {
+      {{plain, grave, later}, grave}, {{grave, plain}, grave},     {{plain, later}, later},
+      {{later, earlier}, earlier},    {{earlier, later}, earlier},
+  };
+  for (const auto& [all, kept] : cases) {
+    Findings findings;
+    for (const Finding& finding : all) findings.add(finding);
+    MergedFindings merged(none);
+    merged.addVariant(true, findings);
+    ASSERT_EQ(merged.merged().all().size(), 1U);
+    const Finding found = merged.merged().all()[0];
+    EXPECT_EQ(found.level, kept.level);
+    ASSERT_EQ(found.related.size(), kept.related.size());
+    for (size_t i = 0; i < kept.related.size(); ++i) {
+      EXPECT_EQ(found.related[i].at, kept.related[i].at);
+    }
+  }
+}
+
+TEST(MergedFindings, TellOfAMisspeltDefaultOnce) {
+  const ConstantChoices none;
+  Findings findings;
+  findings.add({"unknown-standard", {1, 2, 3}, "selects nothing"});
+  findings.add({"unknown-standard", {2, 2, 3}, "selects nothing"});
+  findings.add({"default-outside", {1, 2, 3}, "is not kept"});
+  MergedFindings merged(none);
+  merged.addVariant(true, findings);
+  const std::vector<Finding> all = merged.merged().inTextOrder();
+  ASSERT_EQ(all.size(), 2U);
+  EXPECT_EQ(all[0].code, "default-outside");
+  EXPECT_EQ(all[1].code, "unknown-standard");
 }
 
 }  // namespace

@@ -69,7 +69,7 @@ void askComparisons(Proof& proof, const Explained& explained) {
                        bool seesIndices) {
     Comparisons comparisons(proof, subject, seesIndices);
     const auto askValue = [&](const std::optional<CompiledExpression>& value) {
-      if (!value || explained.places.explains(value->expression)) return;
+      if (!value || explained.explains(*value)) return;
       comparisons.ask(value->expression, FOR_VALUE);
     };
     for (const CompiledStatement& statement : statements) {
@@ -79,7 +79,7 @@ void askComparisons(Proof& proof, const Explained& explained) {
         askValue(item.upper);
       }
       if (!statement.condition || explained.told.contains(&statement) ||
-          explained.places.explains(statement.condition->expression)) {
+          explained.explains(*statement.condition)) {
         continue;
       }
       comparisons.ask(statement.condition->expression, FOR_TRUTH);

@@ -44,6 +44,8 @@ struct FoundConditions {
   struct One {
     const CompiledStatement* statement;
     Finding finding;
+    bool isSettled =
+        false;  // so only once the device has settled: what names may hold tells nothing
   };
   std::vector<One> never = {};
   std::vector<One> always = {};
@@ -68,14 +70,15 @@ void askCondition(Proof& proof, const Subject& subject, const ConditionKind& kin
     found.always.push_back({&statement, always});
     return;
   }
-  if (canBeTrue != VERDICT_IMPOSSIBLE && dependsOnParameters(condition) &&
-      !proof.isImpossible(isTrue)) {
+  const bool isSettled = canBeTrue != VERDICT_IMPOSSIBLE && dependsOnParameters(condition) &&
+                         !proof.isImpossible(isTrue);
+  if (isSettled) {
     canBeTrue = proof.findHealthy(isTrue).verdict;
     never.text =
         std::string("this condition is never true once the device has settled, ") + kind.neverTrue;
   }
   if (canBeTrue == VERDICT_UNDECIDED) proof.addUndecided(never);
-  if (canBeTrue == VERDICT_IMPOSSIBLE) found.never.push_back({&statement, never});
+  if (canBeTrue == VERDICT_IMPOSSIBLE) found.never.push_back({&statement, never, isSettled});
 }
 
 // Whether `statement` has a true condition wherever those of `others` are untrue, by form alone:
@@ -108,7 +111,7 @@ void addExplained(Proof& proof, FoundConditions::One& found) {
     return isToldOfStandard(proof, one);
   });
   if (isTold) return;
-  explainValues(proof, condition, found.finding);
+  if (!found.isSettled) explainValues(proof, condition, found.finding);
   proof.add(std::move(found.finding));
 }
 

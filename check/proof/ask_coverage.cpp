@@ -111,18 +111,31 @@ class MendedCoverage {
   size_t left_ = 32;  // tries
 };
 
+// What has been told of a condition that is written twice: one of the two was meant for other
+// situations. Null where there is none.
+Finding* repetitionOf(Proof& proof, const std::vector<CompiledStatement>& statements) {
+  for (const CompiledStatement& statement : statements) {
+    if (!isRepeated(statement, statements)) continue;
+    Finding* const told = proof.found("overlap", placeOf(*statement.layout));
+    if (told != nullptr) return told;
+  }
+  return nullptr;
+}
+
 // Adds `finding` where a healthy situation meets `none`; where that only follows from a condition
-// that is never true, says so there. Returns whether there is such a situation.
+// that is never true, or is written twice, says so there. Returns whether there is such a
+// situation.
 bool addUncovered(Proof& proof, const Goal& none, const std::vector<CompiledStatement>& statements,
                   const Explained& explained, Finding finding) {
   if (proof.isImpossible(none, THIS_VARIANT, EFFORT_QUICK)) return false;
-  Finding* const cause = MendedCoverage(proof, none, statements, explained).cause();
+  Finding* cause = repetitionOf(proof, statements);
+  if (cause == nullptr) cause = MendedCoverage(proof, none, statements, explained).cause();
   if (cause == nullptr) {
     MendedCoverage mended(proof, none, statements, explained);
     return proof.addIfHealthy(mended.likeliest(), std::move(finding));
   }
   HealthyResult result = proof.findHealthy(none);
-  if (result.verdict != VERDICT_POSSIBLE) return false;
+  if (result.verdict != VERDICT_POSSIBLE || result.isAstray) return false;
   cause->related.push_back({finding.at, "so " + finding.text});
   if (cause->witness.empty()) cause->witness = std::move(result.witness);
   if (finding.level == LEVEL_ERROR) cause->level = LEVEL_ERROR;

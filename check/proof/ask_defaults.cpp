@@ -34,7 +34,6 @@ bool askDefault(Proof& proof, const Subject& subject, const CompiledStatement& s
   const CompiledItem& value = statement.items.front();
   const std::optional<std::string> text = constantText(value);
   if (!text) return false;
-  if (proof.isTold("unknown-standard", {{subject.name(), *text}})) return true;
   Goal counts{&subject};
   counts.dependsOnRanges = true;
   if (statement.condition) counts.clauses.push_back({{&*statement.condition, WANT_TRUE}});
@@ -51,8 +50,15 @@ bool askDefault(Proof& proof, const Subject& subject, const CompiledStatement& s
   }
   // Where it never counts, or the parameter is never there, another finding says so.
   if (result.verdict != VERDICT_IMPOSSIBLE || instead.empty()) return false;
-  proof.add({"default-outside", placeOf(value),
-             "no situation keeps this default: it becomes \"" + instead + '"'});
+  Finding finding{"default-outside", placeOf(value),
+                  "no situation keeps this default: it becomes \"" + instead + '"'};
+  // This then takes the place of what is told of its text.
+  if (const Finding* const cause = proof.found("unknown-standard", finding.at)) {
+    finding.at = cause->at;
+    finding.related.push_back({cause->at, cause->text});
+    finding.proposal = cause->proposal;
+  }
+  proof.add(std::move(finding));
   return true;
 }
 
@@ -130,13 +136,19 @@ class DefaultsOfTheStart {
     return true;
   }
 
-  // Whether there is only one value to have, so that the default is for other situations.
+  static bool hasSpan(const CompiledStatement& statement) {
+    return std::ranges::any_of(statement.items,
+                               [](const CompiledItem& item) { return item.upper.has_value(); });
+  }
+
+  // Whether there is only one value to have, so that the default is for other situations. A span
+  // that happens to have one is not written for that.
   [[nodiscard]] bool isDerived(const SituationView& situation) const {
     const PresentBounds present(subject_.parm->parm.conditionalBounds(), situation,
                                 UNUSABLE_ACCEPTS);
     Domain domain;
     for (const BoundsParm* const bounds : present.applying()) domain.add(*bounds);
-    return domain.size() == 1;
+    return domain.size() == 1 && std::ranges::none_of(subject_.rangeValid, hasSpan);
   }
 
   [[nodiscard]] const CompiledStatement* statementThatCounts(const IndexTuple& indices) const {
@@ -178,7 +190,8 @@ void askDefaults(Proof& proof, const Explained& explained) {
     // What the device itself sets, and what follows others, has a default only not to be empty.
     const bool isSetByClients =
         subject.record->access == ACCESS_RW || subject.record->access == ACCESS_WO;
-    const bool follows = !subject.defaults.empty() && !subject.parm->sources.empty();
+    const bool follows = !subject.defaults.empty() && !subject.parm->sources.empty() &&
+                         !explained.explains(subject.rangeValid);
     if (isSetByClients && follows && !isTold) DefaultsOfTheStart(proof, explained, subject).ask();
   });
 }

@@ -94,9 +94,11 @@ class Follower {
     return subject_.record->access == ACCESS_RO || subject_.record->access == ACCESS_ROSTRICT;
   }
 
-  // Where everything is taken, one value is as good as another.
-  static std::vector<std::string> ownValues(const Domain& range) {
-    return range.isAll() ? std::vector<std::string>{"1"} : valuesToTry(range, TRIED_VALUES);
+  // Where everything is taken, one value is as good as another; where that is because no range of
+  // several counts, that is told.
+  [[nodiscard]] std::vector<std::string> ownValues(const Domain& range) const {
+    if (!range.isAll()) return valuesToTry(range, TRIED_VALUES);
+    return subject_.rangeValid.empty() ? std::vector<std::string>{"1"} : std::vector<std::string>();
   }
 
   // What the parameter takes in what is set now.

@@ -287,7 +287,9 @@ void askReachability(Proof& proof, Explained& explained) {
     if (subject.parm == nullptr) return;
     for (const auto* statements : {&subject.defaults, &subject.rangeDoc, &subject.rangeValid}) {
       for (const CompiledStatement& statement : *statements) {
-        if (explained.explains(statement)) explained.dead.insert(&statement);
+        const bool isToldOf = isRepeated(statement, *statements) &&
+                              proof.found("overlap", placeOf(*statement.layout)) != nullptr;
+        if (isToldOf || explained.explains(statement)) explained.dead.insert(&statement);
       }
     }
     askFirstThatApplies(proof, subject, subject.defaults, passedOverDefault,

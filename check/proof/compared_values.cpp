@@ -49,6 +49,12 @@ std::string listed(std::vector<std::string> parts) {
   return text;
 }
 
+// Whether nothing is known of what is held.
+bool isAnyNumber(const Domain& held) {
+  return held.isAll() ||
+         std::ranges::find(held.spans(), Span(INT32_MIN, INT32_MAX)) != held.spans().end();
+}
+
 }  // namespace
 
 std::vector<ComparedValue> comparedValues(const Proof& proof, const Expression& expression) {
@@ -107,7 +113,7 @@ void explainValues(Proof& proof, const Expression& expression, Finding& finding)
     const Domain& held = proof.domains().ofAnyVariant(compared.source).values;
     const std::string_view name = baseName(compared.source.name);
     const Subject* const subject = proof.text().find(name);
-    if (subject == nullptr || held.isAll() || told.size() == MANY_NAMES) continue;
+    if (subject == nullptr || isAnyNumber(held) || told.size() == MANY_NAMES) continue;
     const std::vector<std::string> parts = partsOf(held);
     if (parts.empty() || !told.insert(name).second) continue;
     finding.related.push_back({placeOfName(*subject), std::string(name) + " is " + listed(parts)});

@@ -18,8 +18,12 @@ constexpr size_t MANY_INSTANCES = 60;
 // Sets the instances of a cone, each to every value that matters, one after the other.
 class Search {
  public:
-  Search(Attempt& attempt, TrialLimit& limit)
-      : attempt_(attempt), limit_(limit), cone_(attempt.cone().instances()) {}
+  // With `goesAstray`, also where an instance takes every value though it has ranges.
+  Search(Attempt& attempt, TrialLimit& limit, bool goesAstray)
+      : attempt_(attempt),
+        limit_(limit),
+        cone_(attempt.cone().instances()),
+        goesAstray_(goesAstray) {}
 
   // The situation that meets the goal, if one was found.
   std::optional<NamedValues> run() {
@@ -28,6 +32,8 @@ class Search {
   }
   // Whether every situation was tried that the goal can tell from others.
   [[nodiscard]] bool isComplete() const { return isComplete_; }
+  // Whether there was such an instance.
+  [[nodiscard]] bool hasStrayed() const { return hasStrayed_; }
 
  private:
   void setFrom(size_t place) {
@@ -37,7 +43,10 @@ class Search {
     }
     ConeInstance& instance = cone_[place];
     instance.present = presentDomain(instance);
-    if (isWithinReach()) setEach(place);
+    const bool isStray =
+        instance.present->values.isAll() && !instance.parm->parm.conditionalBounds().empty();
+    hasStrayed_ = hasStrayed_ || isStray;
+    if ((goesAstray_ || !isStray) && isWithinReach()) setEach(place);
     Setter::unset(*instance.parm, instance.indices);
     instance.present.reset();
   }
@@ -105,6 +114,8 @@ class Search {
   Attempt& attempt_;
   TrialLimit& limit_;
   std::vector<ConeInstance>& cone_;
+  bool goesAstray_;
+  bool hasStrayed_ = false;
   bool isComplete_ = true;
   std::optional<NamedValues> found_;
 };
@@ -126,8 +137,8 @@ class HealthyTrials {
     isImpossible = isImpossible && !limit_.isReached();
     // The solver does not know what else is asked of the situation.
     if (!found_ && !isImpossible && !question_.isMet) isImpossible = solveForAll();
-    if (found_) return {VERDICT_POSSIBLE, *std::move(found_), tried_->indices()};
-    return {isImpossible ? VERDICT_IMPOSSIBLE : VERDICT_UNDECIDED, {}, {}};
+    if (found_) return {VERDICT_POSSIBLE, *std::move(found_), tried_->indices(), isAstray_};
+    return {isImpossible ? VERDICT_IMPOSSIBLE : VERDICT_UNDECIDED, {}, {}, isAstray_};
   }
 
  private:
@@ -138,9 +149,14 @@ class HealthyTrials {
     if (attempt.cone().instances().size() > MANY_INSTANCES) return false;
     attempt.cone().noteUses(question_.goal, question_.text);
     if (attempt.cone().hasRing()) return tryRing(attempt);
-    Search search(attempt, limit_);
+    Search search(attempt, limit_, false);
     found_ = search.run();
-    return search.isComplete();
+    if (found_) isAstray_ = false;
+    if (found_ || !search.hasStrayed()) return search.isComplete();
+    isAstray_ = true;
+    Search further(attempt, limit_, true);
+    found_ = further.run();
+    return further.isComplete();
   }
 
   bool tryRing(Attempt& attempt) {
@@ -183,6 +199,7 @@ class HealthyTrials {
   Readers readers_;
   TrialLimit limit_;
   const Reader* tried_ = nullptr;  // the last
+  bool isAstray_ = false;          // whether some instance may go astray, and nothing else is known
   std::optional<NamedValues> found_;
 };
 

@@ -12,6 +12,10 @@ struct HealthyResult {
   /// set one after the other. The engine has been in this situation.
   NamedValues witness = {};
   IndexTuple indices = {};  ///< of VERDICT_POSSIBLE: those of the instance that reads the goal
+  /// Unless IMPOSSIBLE: whether only such values are known to meet the goal, or could, that are
+  /// there because a range of their own definition has no values, or none of its ranges counts.
+  /// That is told there.
+  bool isAstray = false;
 };
 
 /// How many values are set before a goal is left undecided.

@@ -114,7 +114,7 @@ HealthyResult Proof::findHealthy(const Goal& goal,
 bool Proof::addIfHealthy(const Goal& goal, Finding finding) {
   if (isImpossible(goal, THIS_VARIANT, EFFORT_QUICK)) return false;
   HealthyResult result = findHealthy(goal);
-  if (result.verdict == VERDICT_IMPOSSIBLE) return false;
+  if (result.verdict == VERDICT_IMPOSSIBLE || result.isAstray) return false;
   if (result.verdict == VERDICT_UNDECIDED) {
     addUndecided(std::move(finding));
     return false;

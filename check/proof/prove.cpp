@@ -8,7 +8,7 @@ void beginProofs() { SolverQuestion::forgetAnswers(); }
 void prove(const CheckedText& checked, const ExplainedPlaces& explainedPlaces,
            const ProofLimits& limits, Findings& findings, Findings& undecided) {
   Proof proof(checked, limits, findings, undecided);
-  Explained explained(explainedPlaces);
+  Explained explained(explainedPlaces, proof.text(), findings);
   askConditions(proof, explained);
   askReachability(proof, explained);
   askComparisons(proof, explained);

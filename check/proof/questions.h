@@ -1,11 +1,7 @@
 // The questions: each function asks one kind about a whole text, and adds its findings.
 #pragma once
 
-#include <algorithm>
-#include <optional>
-#include <set>
-#include <string_view>
-
+#include "check/proof/explained.h"
 #include "check/proof/proof.h"
 
 /// An index of more values is not looked at: to ask each of them in each situation takes too long.
@@ -13,40 +9,6 @@ constexpr size_t MAX_INDEX_VALUES = 1000;
 
 /// The parts of a longer expression are not asked one by one: that would take the square of it.
 constexpr size_t MAX_ASKED_TOKENS = 300;
-
-/// What one finding has said of a definition, so that no other says what follows from it.
-struct Explained {
-  explicit Explained(const ExplainedPlaces& explainedPlaces) : places(explainedPlaces) {}
-
-  /// Whether a static finding says enough of a part of `statement`.
-  [[nodiscard]] bool explains(const CompiledStatement& statement) const {
-    return (statement.condition && places.explains(statement.condition->expression)) ||
-           std::any_of(statement.items.begin(), statement.items.end(), [&](const auto& item) {
-             return (item.lower && places.explains(item.lower->expression)) ||
-                    (item.upper && places.explains(item.upper->expression));
-           });
-  }
-  [[nodiscard]] bool explains(const std::vector<CompiledStatement>& statements) const {
-    return std::any_of(statements.begin(), statements.end(),
-                       [&](const CompiledStatement& statement) { return explains(statement); });
-  }
-
-  /// The text of the ranges of `subject` about which one says so, that is `text` or any, or null:
-  /// what is corrected to it, or should be it, cannot be right.
-  [[nodiscard]] const CompiledItem* explainedText(const Subject& subject,
-                                                  std::optional<std::string_view> text = {}) const {
-    for (const CompiledStatement& range : subject.rangeValid) {
-      for (const CompiledItem& item : range.items) {
-        if (item.text && (!text || item.text == text) && places.contains(item.at)) return &item;
-      }
-    }
-    return nullptr;
-  }
-
-  const ExplainedPlaces& places;
-  std::set<const CompiledStatement*> dead = {};  ///< statements that never count
-  std::set<const CompiledStatement*> told = {};  ///< statements whose condition is told of
-};
 
 /// never-true and always-true: conditions.
 void askConditions(Proof& proof, Explained& explained);

@@ -54,7 +54,7 @@ struct FoundConditions {
 void askCondition(Proof& proof, const Subject& subject, const ConditionKind& kind,
                   const CompiledStatement& statement, FoundConditions& found) {
   const CompiledExpression& condition = *statement.condition;
-  const TextPlace at = placeOf(condition.expression);
+  const TextPlace at = placeOf(proof.text().checked().source, condition.expression);
   Finding never{"never-true", at, std::string("this condition is never true, ") + kind.neverTrue};
   const bool covers = kind.covers != nullptr && isFollowed(statement, subject.*kind.statements);
   const Finding always{

@@ -33,7 +33,8 @@ class MendedCoverage {
       const std::vector<ComparedValue> compared = comparedValues(proof, condition);
       if (!explained.dead.contains(&statement)) {
         others.insert(others.end(), compared.begin(), compared.end());
-      } else if (proof.found("never-true", placeOf(condition)) != nullptr) {
+      } else if (proof.found("never-true", placeOf(proof.text().checked().source, condition)) !=
+                 nullptr) {
         dead_.push_back({&*statement.condition, compared});
       }
     }
@@ -48,7 +49,8 @@ class MendedCoverage {
   // null where mending them would not help.
   Finding* cause() {
     if (dead_.empty() || !closesFrom(0)) return nullptr;
-    return proof_.found("never-true", placeOf(dead_.front().condition->expression));
+    return proof_.found(
+        "never-true", placeOf(proof_.text().checked().source, dead_.front().condition->expression));
   }
 
   // With what was probably meant, where that is known.

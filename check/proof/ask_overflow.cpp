@@ -1,45 +1,21 @@
+#include "check/proof/asked_operators.h"
 #include "check/proof/questions.h"
-#include "check/static/expression_tree.h"
-#include "deflang/expression/operators.h"
 
 namespace {
 
-std::optional<WantedResult> wishOf(int32_t code) {
-  switch (code) {
-    case OP_ADD:
-      return WANT_SUM_OVERFLOW;
-    case OP_SUBTRACT:
-      return WANT_DIFFERENCE_OVERFLOW;
-    case OP_MULTIPLY:
-      return WANT_PRODUCT_OVERFLOW;
-    default:
-      return std::nullopt;
-  }
-}
+bool canOverflow(int32_t code) { return overflowOf(code).has_value(); }
 
 // Asks the sums and products of one expression, in situations in which `counts` holds.
 void askExpression(Proof& proof, const Goal& counts, const Expression& expression) {
-  if (expression.tokens.size() > MAX_ASKED_TOKENS) return;
-  const std::optional<ExpressionTree> tree = ExpressionTree::make(expression);
-  if (!tree) return;
-  const auto compile = [&](const ExpressionNode& node) {
-    return proof.text().compile(
-        {expression.tokens.subspan(node.first, node.last - node.first + 1)});
-  };
-  for (const ExpressionNode& node : tree->nodes()) {
-    const std::optional<WantedResult> wanted =
-        node.isOperand() ? std::nullopt : wishOf(node.token->kind);
-    if (!wanted) continue;
-    const CompiledExpression left = compile(tree->node(node.left));
-    const CompiledExpression right = compile(tree->node(node.right));
-    if (left.sources.empty() && right.sources.empty()) continue;
+  for (const AskedOperator& one : operatorsOf(proof.text(), expression, canOverflow)) {
+    if (one.left.sources.empty() && one.right.sources.empty()) continue;
+    // What comes of it may be told there.
+    if (proof.found("overflow", one.at) != nullptr) return;
     Goal goal = counts;
-    goal.clauses.push_back({{&left, *wanted, &right}});
-    const TextPlace at = tree->place(proof.text().checked().source, node);
-    if (proof.addIfHealthy(goal,
-                           {"overflow", at,
-                            "this can pass what 32 bits hold, and then goes on from the other "
-                            "end"})) {
+    goal.clauses.push_back({{&one.left, *overflowOf(one.code), &one.right}});
+    if (proof.addIfHealthy(goal, {"overflow", one.at,
+                                  "this can pass what 32 bits hold, and then goes on from the "
+                                  "other end"})) {
       return;
     }
   }

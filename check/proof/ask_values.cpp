@@ -1,7 +1,10 @@
 #include <algorithm>
 
+#include "base/number.h"
+#include "check/proof/asked_operators.h"
+#include "check/proof/present_value.h"
 #include "check/proof/questions.h"
-#include "deflang/expression/operators.h"
+#include "check/static/token_place.h"
 #include "deflang/expression/vid_std_name.h"
 #include "srcs/vid_std_figures.h"
 #include "sw/parm/parm_name.h"
@@ -27,8 +30,10 @@ const CompiledExpression& computedEnd(const CompiledItem& item) {
   return usesVariables(item.lower) || !item.upper ? *item.lower : *item.upper;
 }
 
-// A figure that is undefined in the situation of `witness`, and why.
-std::optional<Finding> undefinedFigure(const CompiledExpression& expression,
+// A figure that is undefined in the situation of `witness`, and why. That a selector has no range
+// is told once, however many figures of it are used.
+std::optional<Finding> undefinedFigure(const CompiledText& text,
+                                       const CompiledExpression& expression,
                                        const NamedValues& witness) {
   for (const VariableSource& source : expression.sources) {
     if (source.figure == nullptr) continue;
@@ -41,40 +46,119 @@ std::optional<Finding> undefinedFigure(const CompiledExpression& expression,
                      [&](const Token& one) {
                        return one.kind == TOKEN_VARIABLE && referencedName(one.text) == source.name;
                      });
-    return Finding{"undefined-figure", placeOf(*token),
+    const Subject* const selector = text.find(baseName(source.name));
+    if (selector != nullptr && selector->rangeValid.empty()) {
+      return Finding{"undefined-figure",
+                     placeOfName(*selector),
+                     std::string(source.name) +
+                         " has no range, so it can be a text that selects no video standard, and "
+                         "its figures then have no value; give it a range of the standards' names",
+                     {{tokenPlace(text.checked().source, *token), "a figure of it is used here"}}};
+    }
+    return Finding{"undefined-figure", tokenPlace(text.checked().source, *token),
                    std::string(source.name) + " can be \"" + held->second +
                        "\", which has no figure " + std::string(source.figure->name)};
   }
   return std::nullopt;
 }
 
-// Asks whether `wish` can come true; what misses a figure is told as that.
-void ask(Proof& proof, Goal goal, Clause clause, const CompiledExpression& place,
-         std::string_view code, const char* text) {
-  goal.clauses.push_back(std::move(clause));
-  if (proof.isImpossible(goal, THIS_VARIANT, EFFORT_QUICK)) return;
-  const HealthyResult result = proof.findHealthy(goal);
-  if (result.verdict == VERDICT_IMPOSSIBLE) return;
-  Finding finding{code, placeOf(place.expression), text};
-  if (result.verdict == VERDICT_UNDECIDED) {
-    proof.addUndecided(std::move(finding));
-    return;
+// What can go wrong with a value, and what comes of it then.
+struct WrongValue {
+  std::string_view code;
+  std::string what;
+  std::string consequence;
+};
+
+// What can go wrong with values in the situations in which a statement counts.
+class WrongValues {
+ public:
+  WrongValues(Proof& proof, const Goal& counts) : proof_(proof), counts_(counts) {}
+
+  // Asks whether a wish of `clause` can come true. `place` is what is wrong then.
+  void ask(Clause clause, const CompiledExpression& place, const WrongValue& wrong) {
+    Goal goal = counts_;
+    goal.clauses.push_back(std::move(clause));
+    if (proof_.isImpossible(goal, THIS_VARIANT, EFFORT_QUICK)) return;
+    const HealthyResult result = proof_.findHealthy(goal);
+    if (result.verdict == VERDICT_IMPOSSIBLE || result.isAstray) return;
+    const TextPlace at = placeOf(proof_.text().checked().source, place.expression);
+    if (result.verdict == VERDICT_UNDECIDED) {
+      proof_.addUndecided({wrong.code, at, wrong.what + wrong.consequence});
+      return;
+    }
+    std::optional<Finding> finding = undefinedFigure(proof_.text(), place, result.witness);
+    if (finding && proof_.isTold("unknown-standard", result.witness)) return;
+    if (!finding) finding = divisionByZero(place, result, wrong);
+    if (!finding) finding = overflow(place, goal, result, wrong);
+    if (!finding) finding = Finding{wrong.code, at, wrong.what + wrong.consequence};
+    finding->witness = result.witness;
+    proof_.add(*std::move(finding));
   }
-  if (std::optional<Finding> figure = undefinedFigure(place, result.witness)) {
-    finding = *std::move(figure);
-    if (proof.isTold("unknown-standard", result.witness)) return;
+
+ private:
+  // The one that reads the goal in a situation; without a parameter nothing more is known of it.
+  [[nodiscard]] Reader readerOf(const IndexTuple& indices) const {
+    return counts_.subject->parm == nullptr
+               ? Reader()
+               : Reader(counts_.subject->parm, indices, indices.size());
   }
-  finding.witness = result.witness;
-  proof.add(std::move(finding));
-}
+
+  [[nodiscard]] std::optional<Finding> divisionByZero(const CompiledExpression& place,
+                                                      const HealthyResult& result,
+                                                      const WrongValue& wrong) const {
+    if (wrong.code != "no-value") return std::nullopt;
+    const Reader reader = readerOf(result.indices);
+    for (const AskedOperator& one : operatorsOf(proof_.text(), place.expression, divides)) {
+      const Value divisor = valueIn(result.witness, reader, one.right);
+      const bool isZero = (divisor.isNumber() ? divisor.number : leadingNumber(divisor.text)) == 0;
+      if (!divisor.valid() || !isZero) continue;
+      return Finding{wrong.code, one.at, "this can divide by 0" + wrong.consequence};
+    }
+    return std::nullopt;
+  }
+
+  // Where an end wraps around, that is why the ends are the wrong way round, unless they are so
+  // somewhere else as well.
+  std::optional<Finding> overflow(const CompiledExpression& place, const Goal& goal,
+                                  const HealthyResult& result, const WrongValue& wrong) {
+    if (wrong.code != "empty-range" || counts_.subject->parm == nullptr) return std::nullopt;
+    const std::vector<AskedOperator> operators = operatorsOf(
+        proof_.text(), place.expression, [](int32_t code) { return overflowOf(code).has_value(); });
+    const auto overflown = [&](const auto& valueOf) {
+      return std::ranges::find_if(operators, [&](const AskedOperator& one) {
+        return comesTrue({&one.left, *overflowOf(one.code), &one.right}, valueOf);
+      });
+    };
+    const Reader reader = readerOf(result.indices);
+    const auto found = overflown([&](const CompiledExpression& expression) {
+      return valueIn(result.witness, reader, expression);
+    });
+    if (found == operators.end()) return std::nullopt;
+    const StagedValues staged;
+    const HealthyResult other = proof_.findHealthy(goal, [&](const IndexTuple& indices) {
+      const Reader present = readerOf(indices);
+      return overflown([&](const CompiledExpression& expression) {
+               return presentValue(expression, present, staged);
+             }) == operators.end();
+    });
+    if (other.verdict == VERDICT_POSSIBLE) return std::nullopt;
+    Finding finding{"overflow", found->at,
+                    "this can pass what 32 bits hold, and then goes on from the other end: " +
+                        wrong.what + wrong.consequence};
+    finding.level = LEVEL_ERROR;
+    return finding;
+  }
+
+  Proof& proof_;
+  const Goal& counts_;
+};
 
 // Whether the expression can be without a value, other than by a text that is too long: every
 // operator but two has a result for whatever has a value.
 bool canBeMissing(const CompiledExpression& expression) {
-  const bool divides = std::ranges::any_of(expression.program.steps(), [](const auto& step) {
-    return step.kind == OP_DIVIDE || step.kind == OP_REMAINDER;
-  });
-  return divides || std::ranges::any_of(expression.sources, [](const VariableSource& source) {
+  const bool hasDivision = std::ranges::any_of(expression.program.steps(),
+                                               [](const auto& step) { return divides(step.kind); });
+  return hasDivision || std::ranges::any_of(expression.sources, [](const VariableSource& source) {
            return source.figure != nullptr ||
                   (source.parm == nullptr && source.constant == nullptr);
          });
@@ -88,12 +172,15 @@ void askItem(Proof& proof, const Goal& counts, const CompiledItem& item) {
     if (canBeMissing(**end)) missing.push_back({&**end, WANT_MISSING});
     if (item.upper) missing.push_back({&**end, WANT_TEXT});
     if (missing.empty()) continue;
-    ask(proof, counts, std::move(missing), **end, "no-value",
-        "this can be without a value, and the range then takes every value");
+    WrongValues(proof, counts)
+        .ask(std::move(missing), **end,
+             {"no-value", "this can be without a value", ", and the range then takes every value"});
   }
   if (!item.upper) return;
-  ask(proof, counts, {{&*item.lower, WANT_ABOVE, &*item.upper}}, computedEnd(item), "empty-range",
-      "the lower end can be above the upper end; the range then takes every value");
+  WrongValues(proof, counts)
+      .ask({{&*item.lower, WANT_ABOVE, &*item.upper}}, computedEnd(item),
+           {"empty-range", "the lower end can be above the upper end",
+            "; the range then takes every value"});
 }
 
 void askRanges(Proof& proof, const Subject& subject, const std::vector<CompiledStatement>& ranges,
@@ -112,8 +199,11 @@ void askRanges(Proof& proof, const Subject& subject, const std::vector<CompiledS
 void askDefault(Proof& proof, const Subject& subject, const CompiledStatement& statement) {
   const CompiledItem& value = statement.items.front();
   if (!usesVariables(value.lower) || !canBeMissing(*value.lower)) return;
-  ask(proof, countsIn(subject, statement), {{&*value.lower, WANT_MISSING}}, *value.lower,
-      "no-value", "this default can be without a value, and the next one counts then");
+  const Goal counts = countsIn(subject, statement);
+  WrongValues(proof, counts)
+      .ask({{&*value.lower, WANT_MISSING}}, *value.lower,
+           {"no-value", "this default can be without a value",
+            ", and the next default counts then"});
 }
 
 }  // namespace

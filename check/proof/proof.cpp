@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "check/static/token_place.h"
+
 namespace {
 
 // A number for each place that follows no pattern: in many texts every second definition is alike.
@@ -142,17 +144,12 @@ bool Proof::isTold(std::string_view code, const NamedValues& witness) const {
   });
 }
 
-TextPlace placeOf(const Token& token) {
-  const auto length = static_cast<uint32_t>(token.text.empty() ? 0 : token.text.size());
-  return {token.at.line, token.at.column, length};
-}
-
-TextPlace placeOf(const Expression& expression) {
+TextPlace placeOf(const SourceText& source, const Expression& expression) {
   const Token& first = expression.tokens.front();
   uint32_t end = first.at.column;
   for (const Token& token : expression.tokens) {
     if (token.at.line != first.at.line) break;
-    end = token.at.column + std::max(placeOf(token).length, 1U);
+    end = token.at.column + tokenPlace(source, token).length;
   }
   return {first.at.line, first.at.column, end - first.at.column};
 }

@@ -86,10 +86,8 @@ class Proof {
   std::map<const Subject*, Places> places_;
 };
 
-/// The place of a token.
-TextPlace placeOf(const Token& token);
-/// The place of all tokens of an expression on the line of its first one.
-TextPlace placeOf(const Expression& expression);
+/// The place of all tokens of an expression of `source` on the line of its first one.
+TextPlace placeOf(const SourceText& source, const Expression& expression);
 /// The place of a definition's name.
 TextPlace placeOfName(const Subject& subject);
 /// The place of a statement's keyword.

@@ -11,7 +11,7 @@
 namespace {
 
 // Of a parameter that many depend on, each instance is much like the other.
-constexpr size_t FEW_INSTANCES = 16;
+constexpr size_t FEW_INSTANCES = 64;
 
 // The text of a default that is the same in all situations.
 std::optional<std::string> constantText(const CompiledItem& value) {

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <span>
 
 #include "check/proof/questions.h"
 #include "check/proof/resting.h"
@@ -73,11 +74,23 @@ class Start {
     }
   }
 
-  void reset(const std::vector<std::string>& names) {
+  int resetAndCommit(std::span<const std::string> names) {
     Transaction transaction(database_);
     for (const std::string& name : names) static_cast<void>(transaction.reset(name, true));
     std::vector<Change> changes;
-    if (commit(transaction, changes) == COMMIT_TOO_LARGE) isAsked_ = false;
+    const int result = commit(transaction, changes);
+    if (result == COMMIT_TOO_LARGE) isAsked_ = false;
+    return result;
+  }
+
+  // Where one instance fails, or does not exist, a commit leaves out others of its level: then each
+  // is reset alone.
+  void reset(const std::vector<std::string>& names) {
+    const int result = resetAndCommit(names);
+    if (result == COMMIT_DONE || result == COMMIT_TOO_LARGE) return;
+    for (const std::string& name : names) {
+      if (!proof_.isOver()) static_cast<void>(resetAndCommit({&name, 1}));
+    }
   }
 
   // The parameters, each after what it follows.

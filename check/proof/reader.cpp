@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr size_t MANY_READERS = 16;
+constexpr size_t MANY_READERS = 64;
 
 // The first and the last value of an index that has any.
 std::vector<std::string> endsOf(const BoundsParm& bounds) {

@@ -1,5 +1,7 @@
 #include "check/proof/resting.h"
 
+#include <algorithm>
+
 #include "database/commit.h"
 #include "database/transaction.h"
 #include "sw/parm/parm_name.h"
@@ -11,6 +13,28 @@ constexpr size_t MANY_RELATED = 8;
 std::string motionText(const Motion& motion, std::string_view movement, std::string_view when) {
   return motion.name + std::string(movement) + ": " + std::string(when) + " it is \"" +
          motion.before + "\", and \"" + motion.after + "\" after the same values are set again";
+}
+
+using Pairs = std::vector<const NamedValues::value_type*>;
+
+int setAndCommit(const Pairs& pairs, Database& database) {
+  Transaction transaction(database);
+  for (const auto* pair : pairs) {
+    static_cast<void>(transaction.set(pair->first, pair->second, true));
+  }
+  std::vector<Change> changes;
+  return commit(transaction, changes);
+}
+
+// Where one value fails, a commit leaves out others of its level: then each is set alone. Returns
+// false where there is too much for a commit.
+bool commitTogether(const Pairs& pairs, Database& database) {
+  const int result = setAndCommit(pairs, database);
+  if (result == COMMIT_DONE || result == COMMIT_TOO_LARGE || pairs.size() == 1) {
+    return result != COMMIT_TOO_LARGE;
+  }
+  return std::ranges::all_of(
+      pairs, [&](const auto* pair) { return setAndCommit({pair}, database) != COMMIT_TOO_LARGE; });
 }
 
 }  // namespace
@@ -28,19 +52,14 @@ NamedValues heldValues(const std::vector<std::string>& names, Database& database
 
 bool commitAgain(const NamedValues& values, const Proof& proof) {
   Database& database = proof.text().database();
-  std::map<uint32_t, std::vector<const NamedValues::value_type*>> levels;
+  std::map<uint32_t, Pairs> levels;
   for (const auto& pair : values) {
     if (!pair.second.empty()) levels[database.findNamed(pair.first)->level].push_back(&pair);
   }
   bool areDone = true;
   for (const auto& [level, pairs] : levels) {
     if (proof.isOver()) break;
-    Transaction transaction(database);
-    for (const auto* pair : pairs) {
-      static_cast<void>(transaction.set(pair->first, pair->second, true));
-    }
-    std::vector<Change> changes;
-    areDone = commit(transaction, changes) != COMMIT_TOO_LARGE && areDone;
+    areDone = commitTogether(pairs, database) && areDone;
   }
   return areDone;
 }

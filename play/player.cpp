@@ -1,13 +1,13 @@
 #include "play/player.h"
 
 #include <algorithm>
+#include <charconv>
 #include <map>
 #include <set>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-#include "base/number.h"
 #include "play/loop_variables.h"
 #include "play/recipe_client.h"
 #include "vid_std.h"
@@ -99,8 +99,8 @@ class SessionPlayer::State {
                         variables_.find(word.pieces.front().text) == nullptr;
     if (isName) {
       addNamed(loop, word, values);
-    } else if (const std::optional<Span> span = spanOf(word)) {
-      addAll({{}, {}, {*span}}, loop, values);
+    } else if (isSpan(word)) {
+      addSpan(loop, word, values);
     } else {
       values.push_back(variables_.valueOf(word));
     }
@@ -142,15 +142,35 @@ class SessionPlayer::State {
     values.insert(values.end(), all.begin(), all.end());
   }
 
-  // The span that a word such as 1..4 is.
-  static std::optional<Span> spanOf(const SessionWord& word) {
+  // Whether a word is meant as a span such as 1..4: numbers around two dots or more.
+  static bool isSpan(const SessionWord& word) {
     const std::string text = word.isQuoted() || word.hasVariable() ? std::string() : word.text();
+    return text.find("..") != std::string::npos &&
+           text.find_first_not_of("+-.0123456789") == std::string::npos &&
+           text.find_first_of("0123456789") != std::string::npos;
+  }
+
+  void addSpan(const Loop& loop, const SessionWord& word, Texts& values) {
+    SessionPlace place = loop.place;
+    place.at = word.begin;
+    const std::string text = word.text();
     const size_t dots = text.find("..");
-    if (dots == std::string::npos || dots == 0 || dots + 2 == text.size()) return {};
-    const std::optional<int32_t> low = wholeNumber(std::string_view(text).substr(0, dots));
-    const std::optional<int32_t> high = wholeNumber(std::string_view(text).substr(dots + 2));
-    if (!low || !high) return {};
-    return Span{*low, *high};
+    Span span;
+    if (!takeNumber(std::string_view(text).substr(0, dots), span.first) ||
+        !takeNumber(std::string_view(text).substr(dots + 2), span.second)) {
+      return fail(place, "\"" + text + "\" is no span of whole numbers of 32 bits, such as 1..4");
+    }
+    if (span.first > span.second) {
+      return fail(place, "\"" + text + "\" has no number: the lower one comes first");
+    }
+    addAll({{}, {}, {span}}, loop, values);
+  }
+
+  // Returns whether `text` is a number, all of it.
+  static bool takeNumber(std::string_view text, int32_t& number) {
+    if (text.starts_with('+')) text.remove_prefix(1);
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc() && end == text.data() + text.size();
   }
 
   void playOperation(const Operation& operation) {
@@ -352,5 +372,11 @@ Device* SessionPlayer::device() { return state_->device(); }
 std::optional<SessionError> playSession(const Session& session, const StartDevice& start,
                                         const PlayConstants& constants, PlayObserver& observer,
                                         size_t most) {
-  return SessionPlayer(start, constants, observer, most).play(session);
+  SessionPlayer player(start, constants, observer, most);
+  std::optional<SessionError> error = player.play(session);
+  // A session without operations needs a device, too.
+  if (!error && player.device() == nullptr) {
+    error = {session.files.front()->name, 1, 1, "the device does not start"};
+  }
+  return error;
 }

@@ -149,6 +149,12 @@ TEST(Player, SaysWhyALoopHasNoValues) {
        "s:1:10: there is no variable, index or parameter instance \"position\""},
       {"for x in $title: up", "s:1:10: \"title\" may have any value"},
       {"for x y in 1 2 3: up", "s:1:1: 3 values are no whole rounds of 2"},
+      {"for x in 1 9..0: up", "s:1:12: \"9..0\" has no number: the lower one comes first"},
+      {"for x in 0..4294967296: up",
+       "s:1:10: \"0..4294967296\" is no span of whole numbers of 32 bits, such as 1..4"},
+      {"for x in 1...3: up",
+       "s:1:10: \"1...3\" is no span of whole numbers of 32 bits, such as 1..4"},
+      {"for x in 1..: up", "s:1:10: \"1..\" is no span of whole numbers of 32 bits, such as 1..4"},
       {"for x in 1..1000001: up", "s:1:1: the loop has more than 1000000 values"},
       {"for x in -2147483648..2147483647: up", "s:1:1: the loop has more than 1000000 values"},
   };

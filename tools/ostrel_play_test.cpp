@@ -52,6 +52,7 @@ TEST_F(OstrelPlay, ItsStatusSaysWhetherAllIsAsExpected) {
       {"device.ostrel broken.session", 2},
       {"device.ostrel broken.session wrong.session", 2},
       {"device.ostrel none.session", 2},
+      {"broken.session /dev/null", 2},
       {"none.ostrel right.session", 2},
       {"device.ostrel .", 2},
       {"device.ostrel right.session < /dev/null > /dev/full", 0},  // there is nothing to write

@@ -232,6 +232,12 @@ class FileReader {
     operation.word = operationOf(line, words);
     if (operation.word == nullptr) return;
     words = words.subspan(operation.word->word.find(' ') == std::string_view::npos ? 1 : 2);
+    for (const SessionWord& word : words) {
+      const bool hasArrow = !word.isQuoted() && word.text().find("->") != std::string::npos;
+      if (hasArrow && !word.is("->")) {
+        return fail(line, word, "write a blank on both sides of \"->\", or the word in quotes");
+      }
+    }
     const auto arrow =
         std::ranges::find_if(words, [](const SessionWord& word) { return word.is("->"); });
     operation.arguments.assign(words.begin(), arrow);

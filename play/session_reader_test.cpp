@@ -110,6 +110,8 @@ TEST(SessionReader, NamesLineAndColumnOfWhatIsWrong) {
        "\"commit\" or \"get\"\n"},
       {"set gain", "s:1:9: the form is \"set NAME VALUE [NAME VALUE...]\"\n"},
       {"set a 1 b -> x", "s:1:10: the form is \"set NAME VALUE [NAME VALUE...]\"\n"},
+      {"get a->7", "s:1:5: write a blank on both sides of \"->\", or the word in quotes\n"},
+      {"get a ->7", "s:1:7: write a blank on both sides of \"->\", or the word in quotes\n"},
       {"commit now", "s:1:8: the form is \"commit\"\n"},
       {"get", "s:1:4: the form is \"get NAME...\"\n"},
       {"deps a b", "s:1:8: the form is \"deps NAME\"\n"},

@@ -133,8 +133,8 @@ class WordReader {
 };
 
 bool isPlain(std::string_view text) {
-  return !text.empty() && text.front() != '#' && text.back() != ':' && text != "->" &&
-         std::ranges::none_of(text, [](char c) {
+  return !text.empty() && text.front() != '#' && text.back() != ':' &&
+         text.find("->") == std::string_view::npos && std::ranges::none_of(text, [](char c) {
            return isBlank(c) || isControl(c) || c == '"' || c == '\\' || c == '$';
          });
 }

@@ -41,8 +41,9 @@ std::vector<std::string> valuesOf(const NamedRange& range);
 /// What a call gives. After an error only `changes` and `notes` may hold something.
 struct Answer {
   std::string error = {};  ///< as in org.tavrel.transaction(7), "Set failed because ..."; or empty
-  uint32_t transaction = 0;             ///< of start
-  bool isValid = false;                 ///< of is_valid, check_set and their single_ forms
+  uint32_t transaction = 0;  ///< of start
+  /// Of is_valid, check_set and their single_ forms; of "why", whether the instance exists.
+  bool isValid = false;
   std::vector<std::string> texts = {};  ///< values or names
   /// Of a query for ranges; where that names no names, one range without a name.
   std::vector<NamedRange> ranges = {};

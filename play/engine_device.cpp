@@ -7,15 +7,19 @@
 #include <utility>
 
 #include "base/system_log.h"
+#include "base/work.h"
+#include "coverage/device_coverage.h"
+#include "database/explain.h"
 #include "database/trial.h"
 #include "deflang/text/definition_grammar.h"
-#include "deflang/text/text_pieces.h"
+#include "deflang/text/diagnostics.h"
 #include "play/explanation_text.h"
 #include "play/known_device.h"
 #include "sw/dbus/method_frame.h"
 #include "sw/dbus/reply.h"
 #include "sw/dbus/server_methods.h"
 #include "sw/dbus/service_state.h"
+#include "sw/parm/build/builder.h"
 #include "sw/parm/build/make_definitions.h"
 
 namespace {
@@ -70,6 +74,9 @@ gboolean explainOf(Serving& s) {
         const char* const name = s.names.first();
         s.notes = s.values.count() == 0 ? explanationLines(transaction, name)
                                         : explanationLines(transaction, name, s.values.first());
+        Explanation explanation;
+        const int result = explain(transaction.database(), transaction.staged(), name, explanation);
+        s.valid = result == EXPLAIN_DONE && explanation.exists ? TRUE : FALSE;
         return 0;
       });
 }
@@ -311,13 +318,19 @@ std::string textOf(const TriedChange& change) {
   return result;
 }
 
-TextCursor::NextLine piecesOf(std::string_view text) {
-  if (text.starts_with(BYTE_ORDER_MARK)) text.remove_prefix(BYTE_ORDER_MARK.size());
-  return [text](std::string_view& line) mutable {
-    line = firstPiece(text);
-    text.remove_prefix(line.size());
-    return !line.empty();
-  };
+// Stages what a "single_" method would commit.
+void stageSingle(const Call& call, Transaction& transaction) {
+  const bool isForced = call.method.find("_status") != std::string_view::npos;
+  const bool isReset = call.method.starts_with("single_reset");
+  const bool isChecked = call.method == "single_check_set";
+  for (size_t i = 0; i < call.names.size(); ++i) {
+    const std::string& name = call.names[i];
+    if (isReset) {
+      static_cast<void>(transaction.reset(name, isForced));
+    } else if (!isChecked || transaction.validate(name, call.values[i])) {
+      static_cast<void>(transaction.set(name, call.values[i], isForced));
+    }
+  }
 }
 
 // The service, its state and its object, as the daemon has them beside its bus.
@@ -338,14 +351,22 @@ class EngineDevice final : public Device {
   EngineDevice(const EngineDevice&) = delete;
   EngineDevice& operator=(const EngineDevice&) = delete;
 
-  // Returns whether the definitions of `text` could be built.
-  bool define(std::string_view text) {
+  // Returns whether the definitions of `text` could be built. What is wrong with them is printed
+  // unless that has been told before.
+  bool define(std::string_view text, TextCoverage* coverage, bool isTold = false) {
     DefinitionText definitions;
-    if (readDefinitionText(piecesOf(text), definitions) != PARSE_DONE) return false;
-    return makeDefinitions(false, definitions, database_) == 0;
+    if (readDefinitionText(piecesIn(text), definitions) != PARSE_DONE) return false;
+    DiagnosticCollector silent;
+    const int result =
+        isTold ? buildDefinitions(silent, definitions.records, definitions.lines, false, database_)
+               : makeDefinitions(false, definitions, database_);
+    if (result != 0) return false;
+    if (coverage != nullptr) coverage_.emplace(database_, *coverage);
+    return true;
   }
 
   Answer call(const Call& call) override {
+    if (coverage_) noteCoverage(call);
     const auto* const method = std::ranges::find(METHODS, call.method, &ServedMethod::name);
     assert(method != std::end(METHODS));
     Serving serving(object_, call);
@@ -365,18 +386,52 @@ class EngineDevice final : public Device {
     device->changes_.insert(device->changes_.end(), changes, changes + g_strv_length(changes));
   }
 
+  // Notes what a call is about to judge.
+  void noteCoverage(const Call& call) {
+    if (call.method.starts_with("single_set") || call.method.starts_with("single_reset") ||
+        call.method == "single_check_set") {
+      return noteSingle(call);
+    }
+    Transaction* const transaction = state_.transactions().find(call.transaction);
+    if (transaction == nullptr) return;
+    if (call.method == "commit") return coverage_->noteCommit(*transaction);
+    if (call.method.starts_with("get_range")) {
+      for (const std::string& name : call.names) coverage_->noteRange(*transaction, name);
+    }
+    if (call.method == "get_idx_range") coverage_->noteIndex(*transaction, call.names.front());
+  }
+
+  void noteSingle(const Call& call) {
+    Work::begin();
+    Transaction transaction(database_);
+    try {
+      stageSingle(call, transaction);
+    } catch (const WorkExceeded&) {
+      return;  // so will the call itself
+    }
+    coverage_->noteCommit(transaction);
+  }
+
   std::vector<std::string> logLines_;
   LogRedirection log_{[this](const std::string& line) { logLines_.push_back(line); }};
   Database database_;
   ServiceState state_{database_};
   ValueObject* object_;
   std::vector<std::string> changes_;
+  std::optional<DeviceCoverage> coverage_;
 };
 
 }  // namespace
 
-std::unique_ptr<Device> startEngineDevice(const std::string& text, const PlayConstants& constants) {
+std::unique_ptr<Device> startEngineDevice(const std::string& text, const PlayConstants& constants,
+                                          TextCoverage* coverage) {
   auto device = std::make_unique<EngineDevice>(constants);
-  if (!device->define(text)) return nullptr;
+  if (!device->define(text, coverage)) return nullptr;
+  return device;
+}
+
+std::unique_ptr<Device> startBuiltDevice(const std::string& text, const PlayConstants& constants) {
+  auto device = std::make_unique<EngineDevice>(constants);
+  if (!device->define(text, nullptr, true)) return nullptr;
   return device;
 }

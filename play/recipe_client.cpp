@@ -67,3 +67,9 @@ BroughtUp bringUpDevice(Device& device, KnownDevice known) {
   result.restless.assign(recipe.restless().begin(), recipe.restless().end());
   return result;
 }
+
+std::vector<std::string> presentInstances(Device& device, KnownDevice known) {
+  BroughtUp nothing;
+  RecipeClient client(device, nothing);
+  return BringUp(client, std::move(known)).instances();
+}

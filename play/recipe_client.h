@@ -18,3 +18,6 @@ struct BroughtUp {
 
 /// Brings `device` up in a transaction of its own. `known` is what is known of it.
 BroughtUp bringUpDevice(Device& device, KnownDevice known);
+
+/// The full names of all instances of `device` that exist now. `known` is what is known of it.
+std::vector<std::string> presentInstances(Device& device, KnownDevice known);

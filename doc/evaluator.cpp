@@ -1,0 +1,5 @@
+#include "doc/evaluator.h"
+
+#include "evaluator_files.h"
+
+std::string_view evaluatorScript() { return EVALUATOR_JS; }

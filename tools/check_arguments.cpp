@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
-#include <cstring>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -11,7 +10,7 @@
 #include "check/constant_choices.h"
 #include "startup/argp_frame.h"
 #include "tools/common_arguments.h"
-#include "tools/input_file.h"
+#include "tools/constant_arguments.h"
 
 namespace {
 
@@ -64,20 +63,6 @@ const char* const DOCUMENTATION =
     "\v"
     "FILE - is standard input. The status is 0 where there is no error, 1 where there is one, and "
     "2 for a fault of the command line or of reading and writing.";
-
-void takeConstants(const char* argument, ConstantChoices& choices, const argp_state* state) {
-  if (*argument != '@') {
-    const std::string wrong = addConstantChoice(argument, choices);
-    if (!wrong.empty()) refuse(state, std::string("-D ") + argument + ": " + wrong);
-    return;
-  }
-  const char* const name = argument + 1;
-  std::string text;
-  const int error = readInputFile(name, text);
-  if (error != 0) refuse(state, std::string("cannot read ") + name + ": " + std::strerror(error));
-  const std::string wrong = addConstantChoices(name, text, choices);
-  if (!wrong.empty()) refuse(state, wrong);
-}
 
 ReportFormat formatOf(std::string_view name, const argp_state* state) {
   constexpr std::string_view NAMES[] = {"text", "json", "sarif"};
@@ -177,7 +162,7 @@ error_t takeOption(int key, char* argument, argp_state* state) {
       refuseUnknownOptions(OPTIONS, "DWj", state);
       return 0;
     case 'D':
-      takeConstants(argument, arguments.options.constants, state);
+      takeChoices(argument, arguments.options.constants, state);
       return 0;
     case 'W': {
       const std::string wrong = arguments.levels.take(argument);

@@ -16,6 +16,7 @@
 #include "tools/input_file.h"
 #include "tools/interactive.h"
 #include "tools/play_arguments.h"
+#include "tools/play_coverage.h"
 #include "vid_std.h"
 
 namespace {
@@ -27,13 +28,21 @@ int readFile(const std::string& name, std::string& text) {
   return readInputFile(name.c_str(), text);
 }
 
+// Whether all that was printed is written; says so where it is not.
+bool isOutputWritten() {
+  if (std::ferror(stdout) == 0 && std::fflush(stdout) == 0) return true;
+  std::fprintf(stderr, "ostrel-play: cannot write: %s\n", std::strerror(errno));
+  return false;
+}
+
 // Plays the sessions, and reports each at once where it is for a person.
 class PlayRun {
  public:
   PlayRun(const PlayArguments& arguments, const std::string& definitions)
       : arguments_(arguments),
-        start_([&definitions](const PlayConstants& constants) {
-          return startEngineDevice(definitions, constants);
+        coverage_(arguments, definitions),
+        start_([this, &definitions](const PlayConstants& constants) {
+          return startEngineDevice(definitions, constants, coverage_.text());
         }),
         report_(newPlayReport(arguments.format, arguments.isQuiet, stdout)) {}
 
@@ -58,10 +67,11 @@ class PlayRun {
   // Returns the status of the process.
   int finish() {
     if (!arguments_.updates) report_->finish();
-    if (std::ferror(stdout) != 0 || std::fflush(stdout) != 0) {
-      std::fprintf(stderr, "ostrel-play: cannot write: %s\n", std::strerror(errno));
-      hasFailed_ = true;
-    }
+    // A report for programs stays as they know it.
+    const int covered = coverage_.report(arguments_.format == PLAY_TEXT ? stdout : stderr);
+    hasFailed_ = hasFailed_ || covered == STATUS_FAILED;
+    isDifferent_ = isDifferent_ || covered == STATUS_DIFFERENT;
+    hasFailed_ = !isOutputWritten() || hasFailed_;
     if (hasFailed_) return STATUS_FAILED;
     return isDifferent_ || !report_->isAsExpected() ? STATUS_DIFFERENT : 0;
   }
@@ -103,6 +113,7 @@ class PlayRun {
   }
 
   const PlayArguments& arguments_;
+  const PlayCoverage coverage_;
   const StartDevice start_;
   const std::unique_ptr<PlayReport> report_;
   bool isDifferent_ = false;
@@ -110,10 +121,12 @@ class PlayRun {
 };
 
 int talk(const PlayArguments& arguments, const std::string& definitions) {
-  const StartDevice start = [&definitions](const PlayConstants& constants) {
-    return startEngineDevice(definitions, constants);
+  const PlayCoverage coverage(arguments, definitions);
+  const StartDevice start = [&](const PlayConstants& constants) {
+    return startEngineDevice(definitions, constants, coverage.text());
   };
-  return playInteractively(start, arguments.constants) ? 0 : STATUS_FAILED;
+  if (!playInteractively(start, arguments.constants)) return STATUS_FAILED;
+  return coverage.report(stdout);
 }
 
 int run(int argc, char** argv) {

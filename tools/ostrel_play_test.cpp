@@ -171,6 +171,51 @@ TEST_F(OstrelPlay, WritesJunit) {
       "</testsuites>\n");
 }
 
+TEST_F(OstrelPlay, MeasuresCoverage) {
+  write("model.ostrel",
+        "a rw {\n  rangeValid { 0..9 }\n  default (MODEL == 1) { 1 }\n  default (b == 1) { 2 }\n}\n"
+        "b ro { default { 1 } }\n");
+  write("first.session", "constants MODEL=1\nup\n");
+  write("second.session", "constants MODEL=2\nsingle_set_status b 0\nsingle_reset a\n");
+  const Outcome first =
+      run("-q --coverage-summary --fail-under=80 model.ostrel first.session 2>&1");
+  EXPECT_EQ(first.out,
+            "60.0 % of model.ostrel: 3 of 4 statements, 1 of 4 outcomes of conditions, 2 of 2 "
+            "definitions\n"
+            "model.ostrel:3: a: the condition of default was never false\n"
+            "model.ostrel:4: a: the condition of default was never asked\n");
+  EXPECT_EQ(first.status, 1);
+  const Outcome both =
+      run("-q --coverage-summary --fail-under=80 --coverage=x.info model.ostrel first.session "
+          "second.session 2>&1");
+  EXPECT_EQ(both.out,
+            "80.0 % of model.ostrel: 3 of 4 statements, 3 of 4 outcomes of conditions, 2 of 2 "
+            "definitions\n");
+  EXPECT_EQ(both.status, 0);
+  EXPECT_EQ(contentsOf("x.info"),
+            "TN:\nSF:model.ostrel\nFN:1,a\nFN:6,b\nFNDA:4,a\nFNDA:2,b\nFNF:2\nFNH:2\n"
+            "BRDA:3,0,0,1\nBRDA:3,0,1,1\nBRDA:4,0,0,0\nBRDA:4,0,1,1\nBRF:4\nBRH:3\n"
+            "DA:1,4\nDA:2,4\nDA:3,1\nDA:4,0\nDA:6,1\nLF:5\nLH:4\nend_of_record\n");
+  // A report for programs stays as it is.
+  write("third.session",
+        "constants MODEL=2\nsingle_reset a -> a=\nsingle_set_status b 1\nsingle_reset a\n");
+  const Outcome tap =
+      run("-q --format=tap --coverage-summary --fail-under=100 model.ostrel *.session 2>/dev/null");
+  EXPECT_EQ(countOf(tap.out, "model.ostrel"), 0U) << tap.out;
+}
+
+TEST_F(OstrelPlay, SaysWhereItCannotWriteCoverage) {
+  for (const char* const file : {"none/x.info", "/dev/full", "."}) {
+    const Outcome outcome =
+        run(std::string("--coverage=") + file + " device.ostrel right.session 2>&1");
+    EXPECT_EQ(outcome.status, 2) << file;
+    EXPECT_TRUE(outcome.out.starts_with(std::string("ostrel-play: cannot write ") + file + ": "))
+        << outcome.out;
+  }
+  EXPECT_EQ(run("--coverage=- device.ostrel right.session 2>&1").out.substr(0, 21),
+            "TN:\nSF:device.ostrel\n");
+}
+
 // XML has no way to write some characters, and a definition text may have any byte.
 TEST_F(OstrelPlay, WritesXmlAndUtf8WhateverAValueIs) {
   write("bytes.ostrel", "t rw { default { \"\xff\" } }\nu rw { }\n");
@@ -250,6 +295,15 @@ TEST(OstrelPlayUsage, RefusesWhatItDoesNotUnderstand) {
       {"--updat x y --fromat=tap", "there is no option \"--fromat\"; did you mean \"--format\"?"},
       {"--xyzzy x y", "there is no option \"--xyzzy\"; --help lists them"},
       {"--format= x y", "--format is text, tap or junit, not \"\""},
+      {"--coverage=x x y", "--coverage would replace x"},
+      {"--coverage=y x y", "--coverage would replace y"},
+      {"--coverage= x y", "--coverage takes the name of a file"},
+      {"--fail-under= x y", "--fail-under takes a number from 0 to 100, not \"\""},
+      {"--fail-under=100.1 x y", "--fail-under takes a number from 0 to 100, not \"100.1\""},
+      {"--fail-under=-1 x y", "--fail-under takes a number from 0 to 100, not \"-1\""},
+      {"--fail-under=nan x y", "--fail-under takes a number from 0 to 100, not \"nan\""},
+      {"--fail-under=90% x y", "--fail-under takes a number from 0 to 100, not \"90%\""},
+      {"--fail-under=1e1 x y", "--fail-under takes a number from 0 to 100, not \"1e1\""},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.arguments);
@@ -268,6 +322,7 @@ TEST(OstrelPlayUsage, DescribesItsOptionsAfterExamples) {
       << help.out;
   EXPECT_LT(help.out.find("\nExamples:\n"), help.out.find("-D, --define=")) << help.out;
   for (const char* const name : {"-D, --define=NAME=VALUE", "--update", "--format=text|tap|junit",
+                                 "--coverage=FILE", "--coverage-summary", "--fail-under=PERCENT",
                                  "-q, --quiet", "-?, --help", "--usage", "-V, --version"}) {
     EXPECT_EQ(countOf(help.out, std::string("  ") + name), 1U) << name << help.out;
   }

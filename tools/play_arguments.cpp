@@ -4,24 +4,39 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <string_view>
+#include <system_error>
+#include <utility>
 
 #include "startup/argp_frame.h"
 #include "tools/common_arguments.h"
+#include "tools/constant_arguments.h"
 
 namespace {
 
-enum LongOption : int { OPTION_FORMAT = 256, OPTION_UPDATE };
+enum LongOption : int {
+  OPTION_FORMAT = 256,
+  OPTION_UPDATE,
+  OPTION_COVERAGE,
+  OPTION_COVERAGE_SUMMARY,
+  OPTION_FAIL_UNDER,
+};
 
 // The groups keep their order.
 const argp_option OPTIONS[] = {
     {"define", 'D', "NAME=VALUE", 0, "Give a constant of the definition text its value", 1},
-    {"update", OPTION_UPDATE, nullptr, 0, "Write what happens into the sessions as expected", 2},
-    {"format", OPTION_FORMAT, "text|tap|junit", 0, "The form of the report (text)", 3},
-    {"quiet", 'q', nullptr, 0, "Leave out what happens where nothing is expected", 3},
-    {"help", '?', nullptr, 0, "Give this help list", 4},
-    {"usage", OPTION_USAGE, nullptr, 0, "Give a short usage message", 4},
-    {"version", 'V', nullptr, 0, "Print program version", 4},
+    {"update", OPTION_UPDATE, nullptr, 0, "Write what happens into the sessions as expected", 3},
+    {"format", OPTION_FORMAT, "text|tap|junit", 0, "The form of the report (text)", 4},
+    {"quiet", 'q', nullptr, 0, "Leave out what happens where nothing is expected", 4},
+    {"coverage", OPTION_COVERAGE, "FILE", 0,
+     "Write what of DEFINITIONS was judged, as a tracefile of lcov", 5},
+    {"coverage-summary", OPTION_COVERAGE_SUMMARY, nullptr, 0, "Print how much that is", 5},
+    {"fail-under", OPTION_FAIL_UNDER, "PERCENT", 0,
+     "List what is missing, with status 1, where it is less", 5},
+    {"help", '?', nullptr, 0, "Give this help list", 8},
+    {"usage", OPTION_USAGE, nullptr, 0, "Give a short usage message", 8},
+    {"version", 'V', nullptr, 0, "Print program version", 8},
     {}};
 
 // The vertical tab separates what is before the options from what is behind them.
@@ -34,20 +49,14 @@ const char* const DOCUMENTATION =
     "  ostrel-play device.ostrel device.session\n"
     "  ostrel-play -D MODEL=pro --format=junit device.ostrel *.session > report.xml\n"
     "  ostrel-play --update device.ostrel new.session\n"
+    "  ostrel-play --coverage=device.info --fail-under=90 device.ostrel *.session\n"
     "\v"
     "A file - is standard input. The status is 0 where all is as expected, 1 where something is "
     "not, and 2 for a fault of the command line, of reading and writing, or of a session's text.";
 
-void takeConstant(const std::string& argument, PlayConstants& constants, const argp_state* state) {
-  const size_t sign = argument.find('=');
-  if (sign == std::string::npos) {
-    return refuse(state, "-D " + argument + ": a value is missing; write NAME=VALUE");
-  }
-  if (sign == 0) return refuse(state, "-D " + argument + ": a name is missing; write NAME=VALUE");
-  const std::string name = argument.substr(0, sign);
-  if (!constants.emplace(name, argument.substr(sign + 1)).second) {
-    refuse(state, "-D " + argument + ": the constant \"" + name + "\" is given twice");
-  }
+void addConstant(const std::string& argument, PlayConstants& constants, const argp_state* state) {
+  auto [name, value] = takeConstant(argument, state);
+  if (!constants.emplace(name, std::move(value)).second) refuseSecond(argument, name, state);
 }
 
 PlayFormat formatOf(std::string_view name, const argp_state* state) {
@@ -55,8 +64,24 @@ PlayFormat formatOf(std::string_view name, const argp_state* state) {
   return static_cast<PlayFormat>(placeAmong(NAMES, name, "--format is text, tap or junit", state));
 }
 
-void finish(const PlayArguments& arguments, const argp_state* state) {
-  if (arguments.definitions.empty()) refuse(state, "no DEFINITIONS are given");
+double percentOf(std::string_view text, const argp_state* state) {
+  double percent = 0;
+  const auto [end, error] =
+      std::from_chars(text.data(), text.data() + text.size(), percent, std::chars_format::fixed);
+  const bool isNumber = error == std::errc() && end == text.data() + text.size();
+  if (!isNumber || !(0 <= percent && percent <= 100)) {
+    refuse(state, "--fail-under takes a number from 0 to 100, not \"" + std::string(text) + "\"");
+  }
+  return percent;
+}
+
+// What the command line has said so far.
+struct TakenArguments {
+  PlayArguments arguments;
+  std::vector<std::string> definitions;  // of -D
+};
+
+void finishPlaying(const PlayArguments& arguments, const argp_state* state) {
   if (arguments.sessions.empty() && (isatty(STDIN_FILENO) == 0 || arguments.definitions == "-")) {
     refuse(state, "no SESSION is given; - is standard input");
   }
@@ -67,21 +92,51 @@ void finish(const PlayArguments& arguments, const argp_state* state) {
   if (inputs > 0 && arguments.updates) refuse(state, "standard input cannot be updated");
 }
 
+// A slip of the hand is not to cost a text.
+void refuseToReplace(const PlayArguments& arguments, const std::string& file, const char* option,
+                     const argp_state* state) {
+  if (file.empty() || file == "-") return;
+  if (file == arguments.definitions || std::ranges::count(arguments.sessions, file) > 0) {
+    refuse(state, std::string(option) + " would replace " + file);
+  }
+}
+
+void finish(TakenArguments& taken, const argp_state* state) {
+  PlayArguments& arguments = taken.arguments;
+  for (const std::string& definition : taken.definitions) {
+    addConstant(definition, arguments.constants, state);
+  }
+  if (arguments.definitions.empty()) refuse(state, "no DEFINITIONS are given");
+  refuseToReplace(arguments, arguments.coverageFile, "--coverage", state);
+  finishPlaying(arguments, state);
+}
+
 error_t takeOption(int key, char* argument, argp_state* state) {
-  PlayArguments& arguments = *static_cast<PlayArguments*>(state->input);
+  auto& taken = *static_cast<TakenArguments*>(state->input);
+  PlayArguments& arguments = taken.arguments;
   switch (key) {
     case ARGP_KEY_INIT:
       state->name = program_invocation_short_name;  // as argp itself sets it later
       refuseUnknownOptions(OPTIONS, "D", state);
       return 0;
     case 'D':
-      takeConstant(argument, arguments.constants, state);
+      taken.definitions.emplace_back(argument);
       return 0;
     case OPTION_FORMAT:
       arguments.format = formatOf(argument, state);
       return 0;
     case OPTION_UPDATE:
       arguments.updates = true;
+      return 0;
+    case OPTION_COVERAGE:
+      if (*argument == '\0') refuse(state, "--coverage takes the name of a file");
+      arguments.coverageFile = argument;
+      return 0;
+    case OPTION_COVERAGE_SUMMARY:
+      arguments.summarizesCoverage = true;
+      return 0;
+    case OPTION_FAIL_UNDER:
+      arguments.leastPercent = percentOf(argument, state);
       return 0;
     case 'q':
       arguments.isQuiet = true;
@@ -94,7 +149,7 @@ error_t takeOption(int key, char* argument, argp_state* state) {
       }
       return 0;
     case ARGP_KEY_END:
-      finish(arguments, state);
+      finish(taken, state);
       return 0;
     default:
       return takeCommonOption(key, state);
@@ -105,7 +160,7 @@ error_t takeOption(int key, char* argument, argp_state* state) {
 
 PlayArguments parsePlayArguments(int argc, char** argv) {
   argp_err_exit_status = 2;
-  PlayArguments arguments;
+  TakenArguments taken;
   const argp parser = {OPTIONS,
                        takeWithoutExceptions<takeOption>,
                        "DEFINITIONS [SESSION...]",
@@ -113,6 +168,6 @@ PlayArguments parsePlayArguments(int argc, char** argv) {
                        nullptr,
                        nullptr,
                        nullptr};
-  parseArguments(parser, argc, argv, ARGP_NO_HELP, &arguments);
-  return arguments;
+  parseArguments(parser, argc, argv, ARGP_NO_HELP, &taken);
+  return std::move(taken.arguments);
 }

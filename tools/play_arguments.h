@@ -1,6 +1,7 @@
 // The command line of ostrel-play.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,12 +10,20 @@
 
 /// What the command line asks for.
 struct PlayArguments {
-  PlayConstants constants;
+  PlayConstants constants;  ///< of a device that plays
   PlayFormat format = PLAY_TEXT;
-  bool isQuiet = false;               ///< no outcomes that nobody expects
-  bool updates = false;               ///< write expectations into the files
-  std::string definitions;            ///< a file; "-" is standard input
-  std::vector<std::string> sessions;  ///< files, none for a talk; "-" is standard input
+  bool isQuiet = false;                ///< no outcomes that nobody expects
+  bool updates = false;                ///< write expectations into the files
+  std::string coverageFile;            ///< for the tracefile; empty where none is asked for
+  bool summarizesCoverage = false;     ///< print the line of coverage
+  std::optional<double> leastPercent;  ///< of coverage, from 0 to 100
+  std::string definitions;             ///< a file; "-" is standard input
+  std::vector<std::string> sessions;   ///< files, none for a talk; "-" is standard input
+
+  /// Whether coverage is to be measured.
+  [[nodiscard]] bool asksCoverage() const {
+    return !coverageFile.empty() || summarizesCoverage || leastPercent;
+  }
 };
 
 /// Reads the arguments. Ends the process where that is all there is to do: with status 0 after

@@ -17,6 +17,7 @@
 #include "tools/interactive.h"
 #include "tools/play_arguments.h"
 #include "tools/play_coverage.h"
+#include "tools/record.h"
 #include "vid_std.h"
 
 namespace {
@@ -139,6 +140,7 @@ int run(int argc, char** argv) {
                  std::strerror(error));
     return STATUS_FAILED;
   }
+  if (arguments.records) return record(arguments.recording, definitions, arguments.constants);
   if (arguments.sessions.empty()) return talk(arguments, definitions);
   PlayRun playRun(arguments, definitions);
   for (const std::string& session : arguments.sessions) playRun.play(session);

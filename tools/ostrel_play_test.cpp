@@ -295,6 +295,11 @@ TEST(OstrelPlayUsage, RefusesWhatItDoesNotUnderstand) {
       {"--updat x y --fromat=tap", "there is no option \"--fromat\"; did you mean \"--format\"?"},
       {"--xyzzy x y", "there is no option \"--xyzzy\"; --help lists them"},
       {"--format= x y", "--format is text, tap or junit, not \"\""},
+      {"--bus=session x y", "--bus is for --record"},
+      {"--record --bus=session --daemon=d x", "--daemon and --bus exclude each other"},
+      {"--record --bus-suffix=s x", "a suffix goes with --bus"},
+      {"--record --update x", "--record and --update exclude each other"},
+      {"--record", "no DEFINITIONS are given"},
       {"--coverage=x x y", "--coverage would replace x"},
       {"--coverage=y x y", "--coverage would replace y"},
       {"--coverage= x y", "--coverage takes the name of a file"},
@@ -321,9 +326,11 @@ TEST(OstrelPlayUsage, DescribesItsOptionsAfterExamples) {
   EXPECT_TRUE(help.out.starts_with("Usage: ostrel-play [OPTION...] DEFINITIONS [SESSION...]\n"))
       << help.out;
   EXPECT_LT(help.out.find("\nExamples:\n"), help.out.find("-D, --define=")) << help.out;
-  for (const char* const name : {"-D, --define=NAME=VALUE", "--update", "--format=text|tap|junit",
-                                 "--coverage=FILE", "--coverage-summary", "--fail-under=PERCENT",
-                                 "-q, --quiet", "-?, --help", "--usage", "-V, --version"}) {
+  for (const char* const name :
+       {"-D, --define=NAME=VALUE", "--update", "--format=text|tap|junit", "--coverage=FILE",
+        "--coverage-summary", "--fail-under=PERCENT", "-q, --quiet", "--record[=FILE]",
+        "--bus=ADDRESS", "--bus-suffix=STRING", "--path-suffix=STRING", "--daemon=PROGRAM",
+        "-?, --help", "--usage", "-V, --version"}) {
     EXPECT_EQ(countOf(help.out, std::string("  ") + name), 1U) << name << help.out;
   }
   const Outcome version = runProgram(OSTREL_PLAY, "--version 2>&1");

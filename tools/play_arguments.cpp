@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <filesystem>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -18,6 +19,11 @@ namespace {
 enum LongOption : int {
   OPTION_FORMAT = 256,
   OPTION_UPDATE,
+  OPTION_RECORD,
+  OPTION_BUS,
+  OPTION_BUS_SUFFIX,
+  OPTION_PATH_SUFFIX,
+  OPTION_DAEMON,
   OPTION_COVERAGE,
   OPTION_COVERAGE_SUMMARY,
   OPTION_FAIL_UNDER,
@@ -34,6 +40,13 @@ const argp_option OPTIONS[] = {
     {"coverage-summary", OPTION_COVERAGE_SUMMARY, nullptr, 0, "Print how much that is", 5},
     {"fail-under", OPTION_FAIL_UNDER, "PERCENT", 0,
      "List what is missing, with status 1, where it is less", 5},
+    {"record", OPTION_RECORD, "FILE", OPTION_ARG_OPTIONAL,
+     "Write what the clients of a daemon do as a session (standard output)", 7},
+    {"bus", OPTION_BUS, "ADDRESS", 0,
+     "Record the daemon on that bus, \"session\" for your own, instead of starting one", 7},
+    {"bus-suffix", OPTION_BUS_SUFFIX, "STRING", 0, "The suffix of the bus name of that daemon", 7},
+    {"path-suffix", OPTION_PATH_SUFFIX, "STRING", 0, "The suffix of its object path", 7},
+    {"daemon", OPTION_DAEMON, "PROGRAM", 0, "The daemon to start (ostrel)", 7},
     {"help", '?', nullptr, 0, "Give this help list", 8},
     {"usage", OPTION_USAGE, nullptr, 0, "Give a short usage message", 8},
     {"version", 'V', nullptr, 0, "Print program version", 8},
@@ -49,6 +62,7 @@ const char* const DOCUMENTATION =
     "  ostrel-play device.ostrel device.session\n"
     "  ostrel-play -D MODEL=pro --format=junit device.ostrel *.session > report.xml\n"
     "  ostrel-play --update device.ostrel new.session\n"
+    "  ostrel-play --record=panel.session device.ostrel -- ./panel --demo\n"
     "  ostrel-play --coverage=device.info --fail-under=90 device.ostrel *.session\n"
     "\v"
     "A file - is standard input. The status is 0 where all is as expected, 1 where something is "
@@ -62,6 +76,25 @@ void addConstant(const std::string& argument, PlayConstants& constants, const ar
 PlayFormat formatOf(std::string_view name, const argp_state* state) {
   constexpr std::string_view NAMES[] = {"text", "tap", "junit"};
   return static_cast<PlayFormat>(placeAmong(NAMES, name, "--format is text, tap or junit", state));
+}
+
+// The daemon that was built or installed with this program, or else the one that a shell finds.
+std::string ownDaemon() {
+  std::error_code error;
+  const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+  const auto daemon = program.parent_path() / "ostrel";
+  return !error && std::filesystem::exists(daemon, error) ? daemon.string() : "ostrel";
+}
+
+void finishRecording(PlayArguments& arguments, const argp_state* state) {
+  RecordArguments& recording = arguments.recording;
+  recording.command = std::exchange(arguments.sessions, {});
+  const bool hasSuffix = !recording.busSuffix.empty() || !recording.pathSuffix.empty();
+  if (hasSuffix && recording.bus.empty()) refuse(state, "a suffix goes with --bus");
+  if (!recording.daemon.empty() && !recording.bus.empty()) {
+    refuse(state, "--daemon and --bus exclude each other");
+  }
+  if (recording.daemon.empty()) recording.daemon = ownDaemon();
 }
 
 double percentOf(std::string_view text, const argp_state* state) {
@@ -79,6 +112,7 @@ double percentOf(std::string_view text, const argp_state* state) {
 struct TakenArguments {
   PlayArguments arguments;
   std::vector<std::string> definitions;  // of -D
+  const char* recording = nullptr;       // an option that goes with --record
 };
 
 void finishPlaying(const PlayArguments& arguments, const argp_state* state) {
@@ -90,6 +124,19 @@ void finishPlaying(const PlayArguments& arguments, const argp_state* state) {
     refuse(state, "standard input is given twice");
   }
   if (inputs > 0 && arguments.updates) refuse(state, "standard input cannot be updated");
+}
+
+// What excludes each other is said by the first of its options that counts.
+void refuseTwoTasks(const TakenArguments& taken, const argp_state* state) {
+  const PlayArguments& arguments = taken.arguments;
+  std::vector<std::string> tasks;
+  if (arguments.records) tasks.emplace_back("--record");
+  if (arguments.updates) tasks.emplace_back("--update");
+  if (tasks.size() > 1) refuse(state, tasks[0] + " and " + tasks[1] + " exclude each other");
+  const auto refuseStray = [&](const char* option, const char* task, bool isAsked) {
+    if (option != nullptr && !isAsked) refuse(state, std::string(option) + " is for " + task);
+  };
+  refuseStray(taken.recording, "--record", arguments.records);
 }
 
 // A slip of the hand is not to cost a text.
@@ -106,8 +153,11 @@ void finish(TakenArguments& taken, const argp_state* state) {
   for (const std::string& definition : taken.definitions) {
     addConstant(definition, arguments.constants, state);
   }
+  refuseTwoTasks(taken, state);
   if (arguments.definitions.empty()) refuse(state, "no DEFINITIONS are given");
   refuseToReplace(arguments, arguments.coverageFile, "--coverage", state);
+  refuseToReplace(arguments, arguments.recording.output, "--record", state);
+  if (arguments.records) return finishRecording(arguments, state);
   finishPlaying(arguments, state);
 }
 
@@ -127,6 +177,26 @@ error_t takeOption(int key, char* argument, argp_state* state) {
       return 0;
     case OPTION_UPDATE:
       arguments.updates = true;
+      return 0;
+    case OPTION_RECORD:
+      arguments.records = true;
+      arguments.recording.output = argument == nullptr ? "-" : argument;
+      return 0;
+    case OPTION_BUS:
+      taken.recording = "--bus";
+      arguments.recording.bus = argument;
+      return 0;
+    case OPTION_BUS_SUFFIX:
+      taken.recording = "--bus-suffix";
+      arguments.recording.busSuffix = argument;
+      return 0;
+    case OPTION_PATH_SUFFIX:
+      taken.recording = "--path-suffix";
+      arguments.recording.pathSuffix = argument;
+      return 0;
+    case OPTION_DAEMON:
+      taken.recording = "--daemon";
+      arguments.recording.daemon = argument;
       return 0;
     case OPTION_COVERAGE:
       if (*argument == '\0') refuse(state, "--coverage takes the name of a file");
@@ -163,7 +233,8 @@ PlayArguments parsePlayArguments(int argc, char** argv) {
   TakenArguments taken;
   const argp parser = {OPTIONS,
                        takeWithoutExceptions<takeOption>,
-                       "DEFINITIONS [SESSION...]",
+                       "DEFINITIONS [SESSION...]\n--record "
+                       "DEFINITIONS [-- COMMAND [ARGUMENT...]]",
                        DOCUMENTATION,
                        nullptr,
                        nullptr,

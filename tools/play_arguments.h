@@ -7,6 +7,7 @@
 
 #include "play/device.h"
 #include "play/report.h"
+#include "tools/record.h"
 
 /// What the command line asks for.
 struct PlayArguments {
@@ -19,6 +20,8 @@ struct PlayArguments {
   std::optional<double> leastPercent;  ///< of coverage, from 0 to 100
   std::string definitions;             ///< a file; "-" is standard input
   std::vector<std::string> sessions;   ///< files, none for a talk; "-" is standard input
+  bool records = false;                ///< write a session instead of playing some
+  RecordArguments recording;           ///< where it records
 
   /// Whether coverage is to be measured.
   [[nodiscard]] bool asksCoverage() const {

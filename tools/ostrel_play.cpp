@@ -17,6 +17,7 @@
 #include "tools/interactive.h"
 #include "tools/play_arguments.h"
 #include "tools/play_coverage.h"
+#include "tools/play_explore.h"
 #include "tools/record.h"
 #include "vid_std.h"
 
@@ -130,6 +131,11 @@ int talk(const PlayArguments& arguments, const std::string& definitions) {
   return coverage.report(stdout);
 }
 
+int explore(const PlayArguments& arguments, const std::string& definitions) {
+  const int status = explorePlay(arguments, definitions);
+  return isOutputWritten() ? status : STATUS_FAILED;
+}
+
 int run(int argc, char** argv) {
   const PlayArguments arguments = parsePlayArguments(argc, argv);
   initVidStdTables();
@@ -141,6 +147,7 @@ int run(int argc, char** argv) {
     return STATUS_FAILED;
   }
   if (arguments.records) return record(arguments.recording, definitions, arguments.constants);
+  if (arguments.explores) return explore(arguments, definitions);
   if (arguments.sessions.empty()) return talk(arguments, definitions);
   PlayRun playRun(arguments, definitions);
   for (const std::string& session : arguments.sessions) playRun.play(session);

@@ -216,6 +216,69 @@ TEST_F(OstrelPlay, SaysWhereItCannotWriteCoverage) {
             "TN:\nSF:device.ostrel\n");
 }
 
+TEST_F(OstrelPlay, Explores) {
+  // The same walks each time, of which none finds anything.
+  const Outcome clean = run("--explore --steps=500 --fail-under=100 device.ostrel 2>&1");
+  EXPECT_TRUE(clean.out.ends_with(
+      "of 1 variant, seed 1\n"
+      "100.0 % of device.ostrel: 4 of 4 statements, 0 of 0 outcomes of conditions, 2 of 2 "
+      "definitions\n"))
+      << clean.out;
+  EXPECT_TRUE(clean.out.starts_with("0 finds in ")) << clean.out;
+  EXPECT_EQ(clean.status, 0);
+  EXPECT_EQ(run("--explore --steps=500 device.ostrel").out, clean.out);
+
+  // Variants are told apart; what only one of them has is reached there.
+  write("model.ostrel",
+        "a rw { rangeValid { 0..9 } default (MODEL == 1) { 1 } default (MODEL == 2) { 2 } }\n");
+  EXPECT_EQ(countOf(run("--explore --steps=300 -D MODEL=1,2 model.ostrel").out, "\n100.0 % of"),
+            1U);
+  const Outcome half = run("--explore --steps=300 -D MODEL=1 --fail-under=90 model.ostrel");
+  EXPECT_EQ(countOf(half.out, "model.ostrel:1: a: the condition of default was never true\n"), 1U)
+      << half.out;
+  EXPECT_EQ(half.status, 1);
+}
+
+TEST_F(OstrelPlay, WritesASessionForEachFind) {
+  write("wrong.ostrel",
+        "q rw { rangeValid { 5..9 } default { 9 } }\n"
+        "p rw { rangeValid { 0..(q) } valueChange { 1 -> 2 } valueChange { 2 -> 3 }\n"
+        "  valueChange { 3 -> 4 } default { 0 } }\n"
+        "r rw { default (r == 1) { 2 } default { 1 } }\n");
+  const Outcome outcome = run("--explore --steps=2000 -o x.y/found.session wrong.ostrel 2>&1");
+  EXPECT_EQ(outcome.status, 2) << outcome.out;
+  EXPECT_EQ(countOf(outcome.out, "ostrel-play: cannot write x.y/found.session: "), 1U);
+  const Outcome found = run("--explore --steps=2000 -o found.session wrong.ostrel 2>&1");
+  EXPECT_EQ(found.status, 1);
+  for (const char* const line :
+       {": p holds 3, which is not what it may be: it would become 4: see found",
+        "the commit of r once more changes r=", "2 finds in "}) {
+    EXPECT_EQ(countOf(found.out, line), 1U) << line << found.out;
+  }
+  // Each of them fails.
+  for (const char* const session : {"found.session", "found-2.session"}) {
+    const Outcome played = run(std::string("-q wrong.ostrel ") + session);
+    EXPECT_EQ(played.status, 1) << contentsOf(session) << played.out;
+  }
+  // Without a file they are printed.
+  const Outcome printed = run("--explore --steps=2000 wrong.ostrel 2>&1");
+  EXPECT_EQ(countOf(printed.out, contentsOf("found.session")), 1U) << printed.out;
+  EXPECT_EQ(countOf(printed.out, contentsOf("found-2.session")), 1U) << printed.out;
+}
+
+TEST_F(OstrelPlay, SaysWhatCannotBeExplored) {
+  write("none.ostrel", "# nothing\n");
+  EXPECT_EQ(run("--explore --steps=9 none.ostrel 2>&1").out,
+            "ostrel-play: cannot explore none.ostrel: the text has no parameter\n");
+  write("bad.ostrel", "gain rw {\n  oops\n");
+  const Outcome bad = run("--explore --steps=9 bad.ostrel 2>&1");
+  EXPECT_TRUE(bad.out.starts_with("Error on line 2\n")) << bad.out;
+  EXPECT_TRUE(bad.out.ends_with("cannot explore bad.ostrel: the device does not start\n"))
+      << bad.out;
+  EXPECT_EQ(bad.status, 2);
+  EXPECT_EQ(run("--explore --steps=9 device.ostrel > /dev/full 2>/dev/null").status, 2);
+}
+
 // XML has no way to write some characters, and a definition text may have any byte.
 TEST_F(OstrelPlay, WritesXmlAndUtf8WhateverAValueIs) {
   write("bytes.ostrel", "t rw { default { \"\xff\" } }\nu rw { }\n");
@@ -296,12 +359,28 @@ TEST(OstrelPlayUsage, RefusesWhatItDoesNotUnderstand) {
       {"--xyzzy x y", "there is no option \"--xyzzy\"; --help lists them"},
       {"--format= x y", "--format is text, tap or junit, not \"\""},
       {"--bus=session x y", "--bus is for --record"},
+      {"--record --explore x", "--explore and --record exclude each other"},
       {"--record --bus=session --daemon=d x", "--daemon and --bus exclude each other"},
       {"--record --bus-suffix=s x", "a suffix goes with --bus"},
       {"--record --update x", "--record and --update exclude each other"},
       {"--record", "no DEFINITIONS are given"},
+      {"--explore x y", "--explore takes no SESSION, but \"y\" is given"},
+      {"--explore --update x", "--explore and --update exclude each other"},
+      {"--explore --format=tap x", "--explore reports as text only"},
+      {"--explore", "no DEFINITIONS are given"},
+      {"--explore -D A x", "-D A: a value is missing; write NAME=VALUE"},
+      {"--explore -D A=1,1 x", "-D A=1,1: the constant \"A\" has the value \"1\" twice"},
+      {"--explore -D @none x", "cannot read none: No such file or directory"},
+      {"--explore --seconds=0 x", "--seconds takes a whole number from 1, not \"0\""},
+      {"--explore --seconds=1.5 x", "--seconds takes a whole number from 1, not \"1.5\""},
+      {"--explore --steps=x x", "--steps takes a whole number from 1, not \"x\""},
+      {"--explore --seed=-1 x", "--seed takes a whole number from 0, not \"-1\""},
+      {"--explore -o '' x", "-o takes the name of a file"},
+      {"--explore -o x x", "-o would replace x"},
       {"--coverage=x x y", "--coverage would replace x"},
       {"--coverage=y x y", "--coverage would replace y"},
+      {"--steps=5 x y", "--steps is for --explore"},
+      {"-o f x y", "-o is for --explore"},
       {"--coverage= x y", "--coverage takes the name of a file"},
       {"--fail-under= x y", "--fail-under takes a number from 0 to 100, not \"\""},
       {"--fail-under=100.1 x y", "--fail-under takes a number from 0 to 100, not \"100.1\""},
@@ -326,11 +405,26 @@ TEST(OstrelPlayUsage, DescribesItsOptionsAfterExamples) {
   EXPECT_TRUE(help.out.starts_with("Usage: ostrel-play [OPTION...] DEFINITIONS [SESSION...]\n"))
       << help.out;
   EXPECT_LT(help.out.find("\nExamples:\n"), help.out.find("-D, --define=")) << help.out;
-  for (const char* const name :
-       {"-D, --define=NAME=VALUE", "--update", "--format=text|tap|junit", "--coverage=FILE",
-        "--coverage-summary", "--fail-under=PERCENT", "-q, --quiet", "--record[=FILE]",
-        "--bus=ADDRESS", "--bus-suffix=STRING", "--path-suffix=STRING", "--daemon=PROGRAM",
-        "-?, --help", "--usage", "-V, --version"}) {
+  for (const char* const name : {"-D, --define=NAME=VALUE",
+                                 "--update",
+                                 "--format=text|tap|junit",
+                                 "--explore",
+                                 "--seconds=N",
+                                 "--steps=N",
+                                 "--seed=N",
+                                 "-o, --output=FILE",
+                                 "--coverage=FILE",
+                                 "--coverage-summary",
+                                 "--fail-under=PERCENT",
+                                 "-q, --quiet",
+                                 "--record[=FILE]",
+                                 "--bus=ADDRESS",
+                                 "--bus-suffix=STRING",
+                                 "--path-suffix=STRING",
+                                 "--daemon=PROGRAM",
+                                 "-?, --help",
+                                 "--usage",
+                                 "-V, --version"}) {
     EXPECT_EQ(countOf(help.out, std::string("  ") + name), 1U) << name << help.out;
   }
   const Outcome version = runProgram(OSTREL_PLAY, "--version 2>&1");

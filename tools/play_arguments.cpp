@@ -10,6 +10,7 @@
 #include <system_error>
 #include <utility>
 
+#include "check/constant_choices.h"
 #include "startup/argp_frame.h"
 #include "tools/common_arguments.h"
 #include "tools/constant_arguments.h"
@@ -27,11 +28,21 @@ enum LongOption : int {
   OPTION_COVERAGE,
   OPTION_COVERAGE_SUMMARY,
   OPTION_FAIL_UNDER,
+  OPTION_EXPLORE,
+  OPTION_SECONDS,
+  OPTION_STEPS,
+  OPTION_SEED,
 };
 
 // The groups keep their order.
 const argp_option OPTIONS[] = {
     {"define", 'D', "NAME=VALUE", 0, "Give a constant of the definition text its value", 1},
+    {"explore", OPTION_EXPLORE, nullptr, 0,
+     "Look for faults on walks that the program makes up; -D as for ostrel-check", 2},
+    {"seconds", OPTION_SECONDS, "N", 0, "Explore for so long (10)", 2},
+    {"steps", OPTION_STEPS, "N", 0, "Explore so many steps", 2},
+    {"seed", OPTION_SEED, "N", 0, "Make up other walks (1)", 2},
+    {"output", 'o', "FILE", 0, "Write the session of a find to FILE", 2},
     {"update", OPTION_UPDATE, nullptr, 0, "Write what happens into the sessions as expected", 3},
     {"format", OPTION_FORMAT, "text|tap|junit", 0, "The form of the report (text)", 4},
     {"quiet", 'q', nullptr, 0, "Leave out what happens where nothing is expected", 4},
@@ -64,13 +75,26 @@ const char* const DOCUMENTATION =
     "  ostrel-play --update device.ostrel new.session\n"
     "  ostrel-play --record=panel.session device.ostrel -- ./panel --demo\n"
     "  ostrel-play --coverage=device.info --fail-under=90 device.ostrel *.session\n"
+    "  ostrel-play --explore -D MODEL=basic,pro -o found.session device.ostrel\n"
     "\v"
     "A file - is standard input. The status is 0 where all is as expected, 1 where something is "
-    "not, and 2 for a fault of the command line, of reading and writing, or of a session's text.";
+    "not or a fault was found, and 2 for a fault of the command line, of reading and writing, or "
+    "of a session's text.";
 
 void addConstant(const std::string& argument, PlayConstants& constants, const argp_state* state) {
   auto [name, value] = takeConstant(argument, state);
   if (!constants.emplace(name, std::move(value)).second) refuseSecond(argument, name, state);
+}
+
+template <typename Number>
+Number numberOf(std::string_view text, const char* option, Number least, const argp_state* state) {
+  Number number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || end != text.data() + text.size() || number < least) {
+    refuse(state, std::string(option) + " takes a whole number from " + std::to_string(least) +
+                      ", not \"" + std::string(text) + "\"");
+  }
+  return number;
 }
 
 PlayFormat formatOf(std::string_view name, const argp_state* state) {
@@ -111,7 +135,8 @@ double percentOf(std::string_view text, const argp_state* state) {
 // What the command line has said so far.
 struct TakenArguments {
   PlayArguments arguments;
-  std::vector<std::string> definitions;  // of -D
+  std::vector<std::string> definitions;  // of -D: what they mean, --explore decides
+  const char* exploring = nullptr;       // an option that goes with --explore
   const char* recording = nullptr;       // an option that goes with --record
 };
 
@@ -126,16 +151,30 @@ void finishPlaying(const PlayArguments& arguments, const argp_state* state) {
   if (inputs > 0 && arguments.updates) refuse(state, "standard input cannot be updated");
 }
 
+void finishExploring(PlayArguments& arguments, const argp_state* state) {
+  if (!arguments.sessions.empty()) {
+    refuse(state,
+           "--explore takes no SESSION, but \"" + arguments.sessions.front() + "\" is given");
+  }
+  if (arguments.format != PLAY_TEXT) refuse(state, "--explore reports as text only");
+  const std::string tooMany = tooManyVariants(arguments.choices);
+  if (!tooMany.empty()) refuse(state, tooMany);
+  ExploreArguments& exploration = arguments.exploration;
+  if (!exploration.steps && !exploration.seconds) exploration.seconds = 10;
+}
+
 // What excludes each other is said by the first of its options that counts.
 void refuseTwoTasks(const TakenArguments& taken, const argp_state* state) {
   const PlayArguments& arguments = taken.arguments;
   std::vector<std::string> tasks;
+  if (arguments.explores) tasks.emplace_back("--explore");
   if (arguments.records) tasks.emplace_back("--record");
   if (arguments.updates) tasks.emplace_back("--update");
   if (tasks.size() > 1) refuse(state, tasks[0] + " and " + tasks[1] + " exclude each other");
   const auto refuseStray = [&](const char* option, const char* task, bool isAsked) {
     if (option != nullptr && !isAsked) refuse(state, std::string(option) + " is for " + task);
   };
+  refuseStray(taken.exploring, "--explore", arguments.explores);
   refuseStray(taken.recording, "--record", arguments.records);
 }
 
@@ -151,12 +190,18 @@ void refuseToReplace(const PlayArguments& arguments, const std::string& file, co
 void finish(TakenArguments& taken, const argp_state* state) {
   PlayArguments& arguments = taken.arguments;
   for (const std::string& definition : taken.definitions) {
-    addConstant(definition, arguments.constants, state);
+    if (arguments.explores) {
+      takeChoices(definition, arguments.choices, state);
+    } else {
+      addConstant(definition, arguments.constants, state);
+    }
   }
   refuseTwoTasks(taken, state);
   if (arguments.definitions.empty()) refuse(state, "no DEFINITIONS are given");
   refuseToReplace(arguments, arguments.coverageFile, "--coverage", state);
+  refuseToReplace(arguments, arguments.exploration.file, "-o", state);
   refuseToReplace(arguments, arguments.recording.output, "--record", state);
+  if (arguments.explores) return finishExploring(arguments, state);
   if (arguments.records) return finishRecording(arguments, state);
   finishPlaying(arguments, state);
 }
@@ -167,10 +212,30 @@ error_t takeOption(int key, char* argument, argp_state* state) {
   switch (key) {
     case ARGP_KEY_INIT:
       state->name = program_invocation_short_name;  // as argp itself sets it later
-      refuseUnknownOptions(OPTIONS, "D", state);
+      refuseUnknownOptions(OPTIONS, "Do", state);
       return 0;
     case 'D':
       taken.definitions.emplace_back(argument);
+      return 0;
+    case OPTION_EXPLORE:
+      arguments.explores = true;
+      return 0;
+    case OPTION_SECONDS:
+      taken.exploring = "--seconds";
+      arguments.exploration.seconds = numberOf<uint32_t>(argument, "--seconds", 1, state);
+      return 0;
+    case OPTION_STEPS:
+      taken.exploring = "--steps";
+      arguments.exploration.steps = numberOf<uint64_t>(argument, "--steps", 1, state);
+      return 0;
+    case OPTION_SEED:
+      taken.exploring = "--seed";
+      arguments.exploration.seed = numberOf<uint64_t>(argument, "--seed", 0, state);
+      return 0;
+    case 'o':
+      if (*argument == '\0') refuse(state, "-o takes the name of a file");
+      taken.exploring = "-o";
+      arguments.exploration.file = argument;
       return 0;
     case OPTION_FORMAT:
       arguments.format = formatOf(argument, state);
@@ -233,7 +298,7 @@ PlayArguments parsePlayArguments(int argc, char** argv) {
   TakenArguments taken;
   const argp parser = {OPTIONS,
                        takeWithoutExceptions<takeOption>,
-                       "DEFINITIONS [SESSION...]\n--record "
+                       "DEFINITIONS [SESSION...]\n--explore DEFINITIONS\n--record "
                        "DEFINITIONS [-- COMMAND [ARGUMENT...]]",
                        DOCUMENTATION,
                        nullptr,

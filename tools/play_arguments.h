@@ -1,17 +1,30 @@
 // The command line of ostrel-play.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "check/text/variant.h"
 #include "play/device.h"
 #include "play/report.h"
 #include "tools/record.h"
 
+/// How to explore.
+struct ExploreArguments {
+  std::optional<uint32_t> seconds;  ///< 10, where no steps are given either
+  std::optional<uint64_t> steps;
+  uint64_t seed = 1;
+  std::string file;  ///< for the session of a find; empty or "-" for standard output
+};
+
 /// What the command line asks for.
 struct PlayArguments {
   PlayConstants constants;  ///< of a device that plays
+  ConstantChoices choices;  ///< of those that are explored
+  bool explores = false;    ///< in place of playing
+  ExploreArguments exploration;
   PlayFormat format = PLAY_TEXT;
   bool isQuiet = false;                ///< no outcomes that nobody expects
   bool updates = false;                ///< write expectations into the files
@@ -25,7 +38,7 @@ struct PlayArguments {
 
   /// Whether coverage is to be measured.
   [[nodiscard]] bool asksCoverage() const {
-    return !coverageFile.empty() || summarizesCoverage || leastPercent;
+    return explores || !coverageFile.empty() || summarizesCoverage || leastPercent;
   }
 };
 

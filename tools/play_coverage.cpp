@@ -23,9 +23,11 @@ PlayCoverage::PlayCoverage(const PlayArguments& arguments, const std::string& de
 
 int PlayCoverage::report(std::FILE* out) const {
   if (text_ == nullptr) return 0;
-  if (arguments_.summarizesCoverage) printLine(out, coverageSummary(*text_, source_));
+  if (arguments_.summarizesCoverage || arguments_.explores) {
+    printLine(out, coverageSummary(*text_, source_));
+  }
   const bool isFailed = isTooLittle();
-  if (isFailed) {
+  if (isFailed || arguments_.explores) {
     for (const std::string& line : missingCoverage(*text_, source_)) printLine(out, line);
   }
   const std::string& file = arguments_.coverageFile;

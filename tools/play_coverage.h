@@ -17,8 +17,9 @@ class PlayCoverage {
   /// Where devices note what they judge; null where nobody asks.
   [[nodiscard]] TextCoverage* text() const { return text_.get(); }
   /// Writes the tracefile, prints the summary to `out`, and what is missing, where there is too
-  /// little of it. What cannot be written is told on standard error. Returns the status of the
-  /// process: 0, 1 where there is too little, or 2 where something cannot be written.
+  /// little of it or something was explored. What cannot be written is told on standard error.
+  /// Returns the status of the process: 0, 1 where there is too little, or 2 where something cannot
+  /// be written.
   [[nodiscard]] int report(std::FILE* out) const;
 
  private:

@@ -1,0 +1,107 @@
+#include "tools/play_explore.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <utility>
+#include <vector>
+
+#include "check/printable.h"
+#include "explore/explorer.h"
+#include "explore/proved.h"
+#include "play/engine_device.h"
+#include "tools/output_file.h"
+#include "tools/play_coverage.h"
+
+namespace {
+
+constexpr int STATUS_FOUND = 1;
+constexpr int STATUS_FAILED = 2;
+// Proofs are a help, and are not to take the time of the walks.
+constexpr uint32_t MOST_PROOF_SECONDS = 10;
+
+using Clock = std::chrono::steady_clock;
+
+std::vector<PlayConstants> variantsIn(const ConstantChoices& choices) {
+  std::vector<PlayConstants> variants;
+  for (const NamedValues& values : variantsOf(choices)) {
+    variants.emplace_back(values.begin(), values.end());
+  }
+  return variants;
+}
+
+// "found.session", "found-2.session", and so on.
+std::string numberedName(const std::string& name, size_t number) {
+  if (number == 1) return name;
+  const size_t slash = name.rfind('/');
+  const size_t dot = name.rfind('.');
+  const bool hasEnding =
+      dot != std::string::npos && dot > 0 && (slash == std::string::npos || dot > slash + 1);
+  const size_t end = hasEnding ? dot : name.size();
+  return name.substr(0, end) + "-" + std::to_string(number) + name.substr(end);
+}
+
+std::string counted(uint64_t count, const char* one, const char* many) {
+  return std::to_string(count) + " " + (count == 1 ? one : many);
+}
+
+// Returns whether it could be written.
+bool tell(const Find& find, size_t number, const std::string& file) {
+  const std::string heading = "find " + std::to_string(number) + ": " + printable(find.fault.text);
+  const std::string session = sessionOf(find);
+  if (file.empty() || file == "-") {
+    std::printf("%s\n%s\n", heading.c_str(), session.c_str());
+    return true;
+  }
+  const std::string name = numberedName(file, number);
+  const int error = writeOutputFile(name, session);
+  if (error == 0) {
+    std::printf("%s: see %s\n", heading.c_str(), printable(name).c_str());
+  } else {
+    std::fprintf(stderr, "ostrel-play: cannot write %s: %s\n", name.c_str(), std::strerror(error));
+  }
+  return error == 0;
+}
+
+}  // namespace
+
+int explorePlay(const PlayArguments& arguments, const std::string& definitions) {
+  const Clock::time_point start = Clock::now();
+  const PlayCoverage coverage(arguments, definitions);
+  ExploreTask task = {[&](const PlayConstants& constants) {
+                        return startEngineDevice(definitions, constants, coverage.text());
+                      },
+                      coverage.text(),
+                      variantsIn(arguments.choices),
+                      arguments.exploration.seed,
+                      {}};
+  if (arguments.exploration.steps) task.budget.steps = *arguments.exploration.steps;
+  if (const std::optional<uint32_t> seconds = arguments.exploration.seconds) {
+    const Clock::time_point end = start + std::chrono::seconds(*seconds);
+    task.budget.isOver = [end] { return Clock::now() >= end; };
+    const uint32_t proofSeconds = std::clamp(*seconds / 4, 1U, MOST_PROOF_SECONDS);
+    static_cast<void>(
+        leaveOutProved(definitions, arguments.choices, proofSeconds, *coverage.text()));
+  } else {
+    static_cast<void>(
+        leaveOutProved(definitions, arguments.choices, MOST_PROOF_SECONDS, *coverage.text()));
+  }
+  const ExploreResult result = explore(task);
+  if (!result.failure.empty()) {
+    std::fprintf(stderr, "ostrel-play: cannot explore %s: %s\n", arguments.definitions.c_str(),
+                 result.failure.c_str());
+    return STATUS_FAILED;
+  }
+  bool isWritten = true;
+  for (size_t i = 0; i < result.finds.size(); ++i) {
+    isWritten = tell(result.finds[i], i + 1, arguments.exploration.file) && isWritten;
+  }
+  std::printf("%s in %s of %s, seed %llu\n", counted(result.finds.size(), "find", "finds").c_str(),
+              counted(result.commits, "commit", "commits").c_str(),
+              counted(task.variants.size(), "variant", "variants").c_str(),
+              static_cast<unsigned long long>(arguments.exploration.seed));
+  const int covered = coverage.report(stdout);
+  if (!isWritten || covered == STATUS_FAILED) return STATUS_FAILED;
+  return result.finds.empty() ? covered : STATUS_FOUND;
+}

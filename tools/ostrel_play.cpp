@@ -17,6 +17,7 @@
 #include "tools/interactive.h"
 #include "tools/play_arguments.h"
 #include "tools/play_coverage.h"
+#include "tools/play_diff.h"
 #include "tools/play_explore.h"
 #include "tools/record.h"
 #include "vid_std.h"
@@ -148,6 +149,7 @@ int run(int argc, char** argv) {
   }
   if (arguments.records) return record(arguments.recording, definitions, arguments.constants);
   if (arguments.explores) return explore(arguments, definitions);
+  if (arguments.compares) return diffPlay(arguments, definitions);
   if (arguments.sessions.empty()) return talk(arguments, definitions);
   PlayRun playRun(arguments, definitions);
   for (const std::string& session : arguments.sessions) playRun.play(session);

@@ -20,6 +20,8 @@ namespace {
 enum LongOption : int {
   OPTION_FORMAT = 256,
   OPTION_UPDATE,
+  OPTION_DIFF,
+  OPTION_VALUES,
   OPTION_RECORD,
   OPTION_BUS,
   OPTION_BUS_SUFFIX,
@@ -51,6 +53,9 @@ const argp_option OPTIONS[] = {
     {"coverage-summary", OPTION_COVERAGE_SUMMARY, nullptr, 0, "Print how much that is", 5},
     {"fail-under", OPTION_FAIL_UNDER, "PERCENT", 0,
      "List what is missing, with status 1, where it is less", 5},
+    {"diff", OPTION_DIFF, nullptr, 0,
+     "Say what a NEW text means for devices of the OLD one; -D as for ostrel-check", 6},
+    {"values", OPTION_VALUES, "FILE", 0, "Also for these saved values, lines of name=value", 6},
     {"record", OPTION_RECORD, "FILE", OPTION_ARG_OPTIONAL,
      "Write what the clients of a daemon do as a session (standard output)", 7},
     {"bus", OPTION_BUS, "ADDRESS", 0,
@@ -76,6 +81,7 @@ const char* const DOCUMENTATION =
     "  ostrel-play --record=panel.session device.ostrel -- ./panel --demo\n"
     "  ostrel-play --coverage=device.info --fail-under=90 device.ostrel *.session\n"
     "  ostrel-play --explore -D MODEL=basic,pro -o found.session device.ostrel\n"
+    "  ostrel-play --diff device-1.ostrel device-2.ostrel --values=saved\n"
     "\v"
     "A file - is standard input. The status is 0 where all is as expected, 1 where something is "
     "not or a fault was found, and 2 for a fault of the command line, of reading and writing, or "
@@ -138,6 +144,7 @@ struct TakenArguments {
   std::vector<std::string> definitions;  // of -D: what they mean, --explore decides
   const char* exploring = nullptr;       // an option that goes with --explore
   const char* recording = nullptr;       // an option that goes with --record
+  const char* comparing = nullptr;       // an option that goes with --diff
 };
 
 void finishPlaying(const PlayArguments& arguments, const argp_state* state) {
@@ -163,11 +170,23 @@ void finishExploring(PlayArguments& arguments, const argp_state* state) {
   if (!exploration.steps && !exploration.seconds) exploration.seconds = 10;
 }
 
+void finishComparing(const PlayArguments& arguments, const argp_state* state) {
+  if (arguments.sessions.size() != 1) refuse(state, "--diff takes an OLD and a NEW text");
+  const std::string* const files[] = {&arguments.definitions, &arguments.sessions.front(),
+                                      &arguments.valuesFile};
+  if (std::ranges::count_if(files, [](const std::string* file) { return *file == "-"; }) > 1) {
+    refuse(state, "standard input is given twice");
+  }
+  const std::string tooMany = tooManyVariants(arguments.choices);
+  if (!tooMany.empty()) refuse(state, tooMany);
+}
+
 // What excludes each other is said by the first of its options that counts.
 void refuseTwoTasks(const TakenArguments& taken, const argp_state* state) {
   const PlayArguments& arguments = taken.arguments;
   std::vector<std::string> tasks;
   if (arguments.explores) tasks.emplace_back("--explore");
+  if (arguments.compares) tasks.emplace_back("--diff");
   if (arguments.records) tasks.emplace_back("--record");
   if (arguments.updates) tasks.emplace_back("--update");
   if (tasks.size() > 1) refuse(state, tasks[0] + " and " + tasks[1] + " exclude each other");
@@ -176,6 +195,7 @@ void refuseTwoTasks(const TakenArguments& taken, const argp_state* state) {
   };
   refuseStray(taken.exploring, "--explore", arguments.explores);
   refuseStray(taken.recording, "--record", arguments.records);
+  refuseStray(taken.comparing, "--diff", arguments.compares);
 }
 
 // A slip of the hand is not to cost a text.
@@ -190,7 +210,7 @@ void refuseToReplace(const PlayArguments& arguments, const std::string& file, co
 void finish(TakenArguments& taken, const argp_state* state) {
   PlayArguments& arguments = taken.arguments;
   for (const std::string& definition : taken.definitions) {
-    if (arguments.explores) {
+    if (arguments.explores || arguments.compares) {
       takeChoices(definition, arguments.choices, state);
     } else {
       addConstant(definition, arguments.constants, state);
@@ -201,6 +221,7 @@ void finish(TakenArguments& taken, const argp_state* state) {
   refuseToReplace(arguments, arguments.coverageFile, "--coverage", state);
   refuseToReplace(arguments, arguments.exploration.file, "-o", state);
   refuseToReplace(arguments, arguments.recording.output, "--record", state);
+  if (arguments.compares) return finishComparing(arguments, state);
   if (arguments.explores) return finishExploring(arguments, state);
   if (arguments.records) return finishRecording(arguments, state);
   finishPlaying(arguments, state);
@@ -242,6 +263,14 @@ error_t takeOption(int key, char* argument, argp_state* state) {
       return 0;
     case OPTION_UPDATE:
       arguments.updates = true;
+      return 0;
+    case OPTION_DIFF:
+      arguments.compares = true;
+      return 0;
+    case OPTION_VALUES:
+      if (*argument == '\0') refuse(state, "--values takes the name of a file");
+      taken.comparing = "--values";
+      arguments.valuesFile = argument;
       return 0;
     case OPTION_RECORD:
       arguments.records = true;
@@ -298,7 +327,7 @@ PlayArguments parsePlayArguments(int argc, char** argv) {
   TakenArguments taken;
   const argp parser = {OPTIONS,
                        takeWithoutExceptions<takeOption>,
-                       "DEFINITIONS [SESSION...]\n--explore DEFINITIONS\n--record "
+                       "DEFINITIONS [SESSION...]\n--explore DEFINITIONS\n--diff OLD NEW\n--record "
                        "DEFINITIONS [-- COMMAND [ARGUMENT...]]",
                        DOCUMENTATION,
                        nullptr,

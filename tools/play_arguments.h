@@ -22,7 +22,7 @@ struct ExploreArguments {
 /// What the command line asks for.
 struct PlayArguments {
   PlayConstants constants;  ///< of a device that plays
-  ConstantChoices choices;  ///< of those that are explored
+  ConstantChoices choices;  ///< of those that are explored or compared
   bool explores = false;    ///< in place of playing
   ExploreArguments exploration;
   PlayFormat format = PLAY_TEXT;
@@ -34,6 +34,8 @@ struct PlayArguments {
   std::string definitions;             ///< a file; "-" is standard input
   std::vector<std::string> sessions;   ///< files, none for a talk; "-" is standard input
   bool records = false;                ///< write a session instead of playing some
+  bool compares = false;               ///< definitions with the first of `sessions`, a newer text
+  std::string valuesFile;              ///< of saved values, for a comparison; empty for none
   RecordArguments recording;           ///< where it records
 
   /// Whether coverage is to be measured.

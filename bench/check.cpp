@@ -1,40 +1,12 @@
 // The checker: texts of any size without proofs, and the example of a device with proofs.
 #include <benchmark/benchmark.h>
 
-#include <fstream>
-#include <regex>
-#include <sstream>
-
 #include "bench/device.h"
+#include "bench/example.h"
 #include "check/checker.h"
 #include "vid_std.h"
 
 namespace {
-
-// From the top of the tree, where scripts/bench runs.
-constexpr const char* EXAMPLE = "examples/frame-synchroniser.ostrel";
-
-std::string exampleText() {
-  std::ostringstream text;
-  text << std::ifstream(EXAMPLE).rdbuf();
-  return text.str();
-}
-
-// The example `count` times, each with names of its own.
-std::string examples(int64_t count) {
-  const std::string text = exampleText();
-  const std::regex definition("(^|\\n)([a-z_0-9]+) (rw|ro|rostrict|wo|index) \\{");
-  std::string names;
-  for (std::sregex_iterator i(text.begin(), text.end(), definition), end; i != end; ++i) {
-    names += (names.empty() ? "" : "|") + (*i)[2].str();
-  }
-  const std::regex name("\\b(" + names + ")\\b");
-  std::string all;
-  for (int64_t i = 0; i < count; ++i) {
-    all += std::regex_replace(text, name, "$1_" + std::to_string(i));
-  }
-  return all;
-}
 
 void check(benchmark::State& state, const std::string& text, const CheckOptions& options) {
   initVidStdTables();

@@ -5,36 +5,9 @@
 #include <string_view>
 #include <utility>
 
+#include "deflang/text/comments.h"
+
 namespace {
-
-constexpr std::string_view WHITE_SPACE = " \t\r\v\f";
-constexpr std::string_view ORNAMENTS = "-=*#~";
-
-std::string_view trimmed(std::string_view text) {
-  const size_t first = text.find_first_not_of(WHITE_SPACE);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(WHITE_SPACE) - first + 1);
-}
-
-// What a comment line says; nothing where it is none.
-std::optional<std::string_view> commentOf(std::string_view line) {
-  line = trimmed(line);
-  if (!line.starts_with('#')) return {};
-  return trimmed(line.substr(1));
-}
-
-bool isOrnament(std::string_view comment) {
-  return !comment.empty() &&
-         comment.find_first_not_of(std::string(ORNAMENTS) + " ") == std::string_view::npos;
-}
-
-// The title of a section that `comment` begins, or an empty one.
-std::string_view titleOf(std::string_view comment) {
-  const size_t title = comment.find_first_not_of(ORNAMENTS);
-  if (title == std::string_view::npos || title < 2) return {};
-  comment.remove_prefix(title);
-  return trimmed(comment.substr(0, comment.find_last_not_of(ORNAMENTS) + 1));
-}
 
 // Goes through a text once, from its first line to its last.
 class Describer {
@@ -54,25 +27,20 @@ class Describer {
  private:
   void readSectionsTo(uint32_t line) {
     for (; next_ < line; ++next_) {
-      const std::optional<std::string_view> comment = commentOf(source_.line(next_));
+      const std::optional<std::string_view> comment = commentIn(source_.line(next_));
       if (!comment) continue;
-      const std::string_view title = titleOf(*comment);
+      const std::string_view title = sectionTitle(*comment);
       if (!title.empty()) section_ = title;
     }
   }
 
-  [[nodiscard]] bool isDescribing(uint32_t line) const {
-    const std::optional<std::string_view> comment = commentOf(source_.line(line));
-    return comment && !isOrnament(*comment) && titleOf(*comment).empty();
-  }
-
   void addParagraphs(uint32_t line, std::vector<std::string>& paragraphs) const {
     uint32_t first = line;
-    while (first > 1 && isDescribing(first - 1)) --first;
+    while (first > 1 && describingComment(source_.line(first - 1))) --first;
     bool isOpen = false;
     for (; first < line; ++first) {
-      const std::string_view comment = *commentOf(source_.line(first));
-      if (comment.starts_with("check:")) continue;
+      const std::string_view comment = *describingComment(source_.line(first));
+      if (isForChecker(comment)) continue;
       if (comment.empty()) {
         isOpen = false;
       } else if (isOpen) {

@@ -95,6 +95,24 @@ int Database::registerParm(std::unique_ptr<ParmDef> parm) {
   return 0;
 }
 
+void Database::keepDescription(std::string_view name, std::string_view text) {
+  descriptions_.emplace(name, text);
+}
+
+std::string_view Database::descriptionOf(std::string_view name) const {
+  const auto found = descriptions_.find(name);
+  return found == descriptions_.end() ? std::string_view() : std::string_view(found->second);
+}
+
+std::vector<IndexEntry*> Database::indicesInNameOrder() {
+  std::vector<IndexEntry*> indices;
+  for (auto& [name, entry] : indices_) indices.push_back(&entry);
+  std::ranges::sort(indices, {}, [](const IndexEntry* entry) -> const std::string& {
+    return entry->index->name();
+  });
+  return indices;
+}
+
 uint32_t Database::keepLines(const StatementLines& lines) {
   const auto begin = static_cast<uint32_t>(lines_.size());
   lines.appendTo(lines_);

@@ -95,6 +95,7 @@ class Database final : public DefinitionRegistry {
   int registerIndex(std::unique_ptr<IndexDef> index) override;
   void keepIndexLines(std::string_view name, const StatementLines& lines) override;
   void keepParmLines(std::string_view name, const StatementLines& lines) override;
+  void keepDescription(std::string_view name, std::string_view text) override;
   [[nodiscard]] const IndexDef* findIndex(std::string_view name) const override;
   int registerParm(std::unique_ptr<ParmDef> parm) override;
   int finish(std::string& name) override;
@@ -129,6 +130,14 @@ class Database final : public DefinitionRegistry {
   /// the database.
   [[nodiscard]] LinesOfDefinition linesOf(const ParmEntry& entry) const;
   [[nodiscard]] LinesOfDefinition linesOf(const IndexEntry& entry) const;
+  /// What the text's comments say of a definition: lines, with newlines between them. Empty where
+  /// they say nothing.
+  [[nodiscard]] std::string_view descriptionOf(std::string_view name) const;
+  /// The indices in name order.
+  [[nodiscard]] std::vector<IndexEntry*> indicesInNameOrder();
+  /// How many parameters, and how many indices, there are.
+  [[nodiscard]] size_t parmCount() const { return parms_.size(); }
+  [[nodiscard]] size_t indexCount() const { return indices_.size(); }
   /// The parameters in name order.
   [[nodiscard]] std::vector<ParmEntry*> parmsInNameOrder();
   /// Begins a walk over dependents, and gives its number: no parameter and no index has it yet as
@@ -149,8 +158,9 @@ class Database final : public DefinitionRegistry {
   std::map<std::string, ValueText, std::less<>> constants_;
   TextMap<IndexEntry> indices_;
   SegmentedList<ParmEntry> parms_;
-  HashIndex parmPlaces_;                   // by the hash of the name
-  std::vector<uint32_t> lines_;            // of all statements of all definitions
+  HashIndex parmPlaces_;         // by the hash of the name
+  std::vector<uint32_t> lines_;  // of all statements of all definitions
+  TextMap<std::string> descriptions_;
   SegmentedList<VariableSource> sources_;  // of the distinct variables of all definitions
   Interner sourceNames_;
   uint32_t walks_ = 0;  // the number of the last one

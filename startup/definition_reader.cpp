@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "deflang/text/comments.h"
 #include "deflang/text/definition_grammar.h"
 #include "sw/parm/build/make_definitions.h"
 
@@ -50,19 +51,28 @@ bool readRest(FILE* in, std::string& piece) {
   return !piece.empty() && ferror(in) == 0;
 }
 
-int parseText(FILE* in, DefinitionText& text) {
+int parseText(FILE* in, DefinitionText& text, LeadingComments& comments) {
   std::string piece;
   bool isFirst = true;
   const auto nextLine = [&](std::string_view& line) {
     const bool isRead =
         std::exchange(isFirst, false) ? readFirstPiece(in, piece) : readPiece(in, piece);
     line = piece;
+    if (isRead) comments.add(piece);
     return isRead;
   };
   if (readDefinitionText(nextLine, text) != PARSE_DONE) return 1;
   if (ferror(in) == 0) return 0;
   fprintf(stderr, "Error reading parameter definitions: %s\n", strerror(errno));
   return 1;
+}
+
+void keepDescriptions(const DefinitionText& text, const LeadingComments& comments,
+                      DefinitionRegistry& registry) {
+  for (const ParameterRecord* const record : text.records.inNameOrder()) {
+    const std::string_view description = comments.before(record->line);
+    if (!description.empty()) registry.keepDescription(record->name, description);
+  }
 }
 
 }  // namespace
@@ -82,8 +92,11 @@ bool readFirstPiece(FILE* in, std::string& piece) {
 int loadDefinitions(FILE* in, DefinitionRegistry& registry) {
   DefinitionText text;
   printf("Parsing file.\n");
-  const int result = parseText(in, text);
+  LeadingComments comments;
+  int result = parseText(in, text, comments);
   if (result != 0) return result;
   printf("Making parameter definitions.\n");
-  return makeDefinitions(false, text, registry);
+  result = makeDefinitions(false, text, registry);
+  if (result == 0) keepDescriptions(text, comments, registry);
+  return result;
 }

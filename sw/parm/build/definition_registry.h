@@ -24,6 +24,8 @@ class DefinitionRegistry {
   /// what has decided (StatementLines::appendTo()). A registry that nobody asks keeps none.
   virtual void keepIndexLines(std::string_view /*name*/, const StatementLines& /*lines*/) {}
   virtual void keepParmLines(std::string_view /*name*/, const StatementLines& /*lines*/) {}
+  /// Keeps what the text's comments say of the definition `name`.
+  virtual void keepDescription(std::string_view /*name*/, std::string_view /*text*/) {}
   /// The index definition of a name, or null. It stays where it is as long as the registry: a
   /// parameter definition points to its indices.
   [[nodiscard]] virtual const IndexDef* findIndex(std::string_view name) const = 0;

@@ -22,9 +22,15 @@ namespace {
 
 }  // namespace
 
+std::string_view accessText(AccessWord word) {
+  static constexpr std::string_view TEXTS[] = {"rw", "ro", "rostrict", "wo"};
+  return TEXTS[word];
+}
+
 ParmDef::ParmDef(DefinitionParts parts, ParmParts parmParts)
     : IndexDef(std::move(parts)),
       mode_(parmParts.mode),
+      access_(parmParts.access),
       fallbackDefault_(std::move(parmParts.fallbackDefault)),
       defaults_(std::move(parmParts.defaults)),
       readOnlyConditions_(std::move(parmParts.readOnlyConditions)),

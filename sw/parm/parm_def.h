@@ -22,6 +22,12 @@ enum AccessMode : int {
   MODE_WRITE_ONLY = 3,  ///< "wo": the read-only conditions are not asked, each write is reported
 };
 
+/// The access word of the text. What it means for writing is in AccessMode and in the conditions.
+enum AccessWord : uint8_t { WORD_RW, WORD_RO, WORD_ROSTRICT, WORD_WO };
+
+/// The word as it is written: "rw".
+std::string_view accessText(AccessWord word);
+
 /// While `condition` is true, `value` is the default.
 struct ConditionalDefault {
   Program condition;
@@ -52,6 +58,7 @@ struct CommittedValue {
 struct ParmParts {
   std::vector<const IndexDef*> indices;  ///< in the order of the index statement; not owned
   AccessMode mode = MODE_NORMAL;
+  AccessWord access = WORD_RW;
   std::string fallbackDefault;                  ///< while none of `defaults` applies; may be empty
   std::vector<ConditionalDefault> defaults;     ///< in the order they are asked
   std::vector<ConstraintRule> constraintRules;  ///< in the order they correct; none from a text
@@ -109,6 +116,8 @@ class ParmDef final : public IndexDef {
 
   /// Who may write.
   [[nodiscard]] AccessMode mode() const { return mode_; }
+  /// The access word, for whoever tells what there is.
+  [[nodiscard]] AccessWord access() const { return access_; }
   /// The conditions of which one that is true makes it read-only; the first is the constant 1 where
   /// the access word does. Empty with MODE_WRITE_ONLY.
   [[nodiscard]] std::span<const Program> readOnlyConditions() const {
@@ -192,6 +201,7 @@ class ParmDef final : public IndexDef {
   Boxed<Indexing> indexing_;
   CommittedValue single_;  // of a parameter without indices
   AccessMode mode_;
+  AccessWord access_;
   bool hasRunTimeRanges_ = false;
   uint32_t evaluationWork_;
   std::string fallbackDefault_;

@@ -28,6 +28,19 @@ AccessMode modeOf(AccessCode access) {
   }
 }
 
+AccessWord wordOf(AccessCode access) {
+  switch (access) {
+    case ACCESS_RO:
+      return WORD_RO;
+    case ACCESS_ROSTRICT:
+      return WORD_ROSTRICT;
+    case ACCESS_WO:
+      return WORD_WO;
+    default:
+      return WORD_RW;
+  }
+}
+
 // The order of the steps is the order of the diagnostics. `common` takes what an index and a
 // parameter have, `own` what only a parameter has; of a parameter they are one draft.
 void buildStatements(DefinitionDraft& common, DefinitionDraft& own) {
@@ -89,6 +102,7 @@ class Builder {
   void buildParm(const ParameterRecord& record) {
     DefinitionDraft draft(context_, record);
     draft.parm.mode = modeOf(record.access);
+    draft.parm.access = wordOf(record.access);
     buildIndices(draft);
     buildStatements(draft, draft);
     checkReferences(record, draft.kept(), context_);

@@ -30,12 +30,13 @@ class Report {
   // Adds a value that was just stored; where there is no room for it, the instance takes back the
   // one `before`, which takes no memory.
   void add(CommittedValue& held, std::string name, ValueText before) {
-    Change change{std::move(name), &held};
+    Change change{std::move(name), &held, {}, static_cast<uint32_t>(changes_.size())};
     if (room_ != nullptr && !room_->makeRoom(change)) {
       held.value = std::move(before);
       throw std::bad_alloc();
     }
     held.announced = true;
+    change.before = before.takeText();
     changes_.push_back(std::move(change));
   }
 
@@ -63,7 +64,7 @@ int commitEntry(StagedEntry& entry, IndexSituations& situations, Report& report)
 }
 
 // Leaves each name once, ascending, however a commit ends. An instance that was reported twice
-// holds one value.
+// holds one value, and what it held before is told by the first of the two.
 class Ordering {
  public:
   explicit Ordering(std::vector<Change>& changes) : changes_(changes) {}
@@ -71,10 +72,26 @@ class Ordering {
   Ordering& operator=(const Ordering&) = delete;
   ~Ordering() {
     sortByName(changes_);
-    changes_.erase(std::unique(changes_.begin(), changes_.end()), changes_.end());
+    size_t kept = 0;
+    for (size_t next = 1; next < changes_.size(); ++next) {
+      if (changes_[next] == changes_[kept]) {
+        takeFirst(changes_[kept], changes_[next]);
+      } else if (++kept != next) {
+        changes_[kept] = std::move(changes_[next]);
+      }
+    }
+    if (!changes_.empty())
+      changes_.erase(changes_.begin() + std::ptrdiff_t(kept) + 1, changes_.end());
   }
 
  private:
+  // Has `kept` tell for both, which are of one instance.
+  static void takeFirst(Change& kept, Change& other) {
+    if (other.number > kept.number) return;
+    kept.number = other.number;
+    kept.before = std::move(other.before);
+  }
+
   std::vector<Change>& changes_;
 };
 

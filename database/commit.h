@@ -1,6 +1,7 @@
 // Commit: staged values become committed ones, and everything that depends on them follows.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,8 @@ enum CommitResult : int {
 struct Change {
   std::string name;  ///< the full name
   const CommittedValue* held = nullptr;
+  std::string before = {};  ///< what it held before the commit
+  uint32_t number = 0;      ///< ascends in the order in which the values were stored
   bool operator==(const Change& other) const { return name == other.name; }
 };
 

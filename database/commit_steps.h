@@ -26,14 +26,22 @@ void copyStaged(StagedValues& staged, StagedValues& copies);
 
 /// Walks a plan in the order of its levels. `step(entry, situations)` evaluates one entry; it
 /// returns 0, WALK_AGAIN or a refusal, which leaves what is behind it in its level as if it had not
-/// been staged. Returns the first refusal, or 0.
-template <typename Step>
-int walkCommit(std::span<const PlanStep> plan, const StagedValues& staged, const Step& step) {
+/// been staged; `note(entry)` is called for each of these. Returns the first refusal, or 0.
+template <typename Step, typename Note>
+int walkCommit(std::span<const PlanStep> plan, const StagedValues& staged, const Step& step,
+               const Note& note) {
   IndexSituations situations(staged);
   return walkLevels(
       plan, [&](StagedEntry& entry) { return step(entry, situations); },
       [&](StagedEntry& behind) {
         Work::addSpent(WORK_PER_INSTANCE);  // for its place in the plan
         takeCommitted(behind, situations);
+        note(behind);
       });
+}
+
+/// The same without notes.
+template <typename Step>
+int walkCommit(std::span<const PlanStep> plan, const StagedValues& staged, const Step& step) {
+  return walkCommit(plan, staged, step, [](const StagedEntry& /*behind*/) {});
 }

@@ -23,26 +23,30 @@ void addReported(const StagedEntry& entry, Reported& reported) {
   }
 }
 
-// Returns 0, WALK_AGAIN, or a refusal.
-int tryEntry(StagedEntry& entry, IndexSituations& situations, Reported& reported) {
-  const SetCode code = evaluate(entry, situations, true);
-  if (code == SET_STORED) addReported(entry, reported);
-  return stepResult(code);
-}
-
 }  // namespace
 
-int tryCommit(Transaction& transaction, std::vector<TriedChange>& changes) {
+int tryCommit(Transaction& transaction, StagedValues& copies, const TriedEntry& note) {
   const LogRedirection silence([](const std::string& /*line*/) {});
-  StagedValues copies(&transaction.staged());
   copyStaged(transaction.staged(), copies);
   resolveResets(copies);
   const std::optional<Plan> plan = planCommit(transaction.database(), copies);
   if (!plan) return COMMIT_TOO_LARGE;
+  return walkCommit(
+      *plan, copies,
+      [&](StagedEntry& entry, IndexSituations& situations) {
+        const SetCode code = evaluate(entry, situations, true);
+        note(entry, code);
+        return stepResult(code);
+      },
+      [&](const StagedEntry& behind) { note(behind, std::nullopt); });
+}
+
+int tryCommit(Transaction& transaction, std::vector<TriedChange>& changes) {
+  StagedValues copies(&transaction.staged());
   Reported reported;
   const int result =
-      walkCommit(*plan, copies, [&](StagedEntry& entry, IndexSituations& situations) {
-        return tryEntry(entry, situations, reported);
+      tryCommit(transaction, copies, [&](const StagedEntry& entry, std::optional<SetCode> code) {
+        if (code == SET_STORED) addReported(entry, reported);
       });
   for (auto& [name, value] : reported) changes.push_back({name, std::move(value)});
   return result;

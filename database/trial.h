@@ -6,10 +6,13 @@
 //   tryCommit(transaction, changes);  // the same once more: nothing was stored
 #pragma once
 
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "database/commit.h"
+#include "sw/parm/set_value.h"
 
 /// A value that a commit would report.
 struct TriedChange {
@@ -24,3 +27,12 @@ struct TriedChange {
 /// that it would. It costs what the commit costs, and a copy of what is staged; it counts the work,
 /// and raises WorkExceeded, or std::bad_alloc where memory is exhausted.
 int tryCommit(Transaction& transaction, std::vector<TriedChange>& changes);
+
+/// Gets each entry that a trial has gone through, in the order of the commit, with what became of
+/// it; nullopt where it is behind a refusal in its level, and as if it had not been staged. An
+/// entry may come twice, and holds what the instance would hold then.
+using TriedEntry = std::function<void(const StagedEntry& entry, std::optional<SetCode> code)>;
+
+/// The same, for whoever asks more: `copies`, which is empty and on top of what is staged, holds
+/// afterwards what the commit would leave.
+int tryCommit(Transaction& transaction, StagedValues& copies, const TriedEntry& note);

@@ -96,16 +96,8 @@ std::vector<std::string> validIndices(Database& database, const StagedValues& st
   return names;
 }
 
-int indexRange(Database& database, const StagedValues& staged, const std::string& name,
-               std::vector<std::string>& texts, Spans& spans) {
-  const IndexEntry* entry = database.findIndexEntry(name);
-  if (entry == nullptr) return INDEX_RANGE_NO_INDEX;
-  const IndexDef& index = *entry->index;
-  Work::spendOn(index.name());
-  // What applies is worked out to find the ends of runs, for the numbers and for the texts.
-  Work::add(3 * index.situationWork());
-  const Situation situation = gather(*entry, staged);
-  if (!index.isAvailable(situation)) return INDEX_RANGE_NOT_AVAILABLE;
+int acceptedValues(const IndexDef& index, const Situation& situation,
+                   std::vector<std::string>& texts, Spans& spans) {
   spans = acceptedNumbers(index, situation);
   size_t bytes = bytesOf(spans);
   BoundsCheck check(index, situation);
@@ -118,4 +110,17 @@ int indexRange(Database& database, const StagedValues& staged, const std::string
     if (bytes > MAX_QUERY_BYTES) return INDEX_RANGE_TOO_LARGE;
   }
   return bytes > MAX_QUERY_BYTES ? INDEX_RANGE_TOO_LARGE : INDEX_RANGE_FOUND;
+}
+
+int indexRange(Database& database, const StagedValues& staged, const std::string& name,
+               std::vector<std::string>& texts, Spans& spans) {
+  const IndexEntry* entry = database.findIndexEntry(name);
+  if (entry == nullptr) return INDEX_RANGE_NO_INDEX;
+  const IndexDef& index = *entry->index;
+  Work::spendOn(index.name());
+  // What applies is worked out to find the ends of runs, for the numbers and for the texts.
+  Work::add(3 * index.situationWork());
+  const Situation situation = gather(*entry, staged);
+  if (!index.isAvailable(situation)) return INDEX_RANGE_NOT_AVAILABLE;
+  return acceptedValues(index, situation, texts, spans);
 }

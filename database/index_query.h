@@ -24,6 +24,12 @@ enum IndexRangeResult : int {
   INDEX_RANGE_TOO_LARGE = 3,      ///< what it takes has more than MAX_QUERY_BYTES
 };
 
+/// The values that `index` takes in `situation`, in which it is available: of the numbers and texts
+/// of its base bounds those that its full check accepts. Returns INDEX_RANGE_FOUND or
+/// INDEX_RANGE_TOO_LARGE; the caller counts the work of the situation.
+int acceptedValues(const IndexDef& index, const Situation& situation,
+                   std::vector<std::string>& texts, Spans& spans);
+
 /// The values that the index `name` takes just now: of the numbers and texts of its base bounds
 /// those that its full check accepts. `texts` gets the texts, ascending in byte order; `spans` the
 /// numbers, ascending, each span as long as it can be. An index whose base bounds have a million

@@ -1,0 +1,130 @@
+#include "database/preview.h"
+
+#include <gtest/gtest.h>
+
+#include "base/system_log.h"
+#include "database/commit.h"
+#include "tests/support/random_texts.h"
+
+namespace {
+
+constexpr std::string_view TEXT = R"(mode rw { rangeValid { "slow", "fast" } }
+rate rw { rangeValid (mode == "slow") { 1..10 } rangeValid (mode == "fast") { 1..100 } }
+double ro { rangeValid { (rate * 2) } }
+state ro { rangeValid { 0..9 } }
+boost rw { ctrlValid (mode == "fast") }
+channel index { rangeValid { 1..2 } }
+gain rw { index { channel } rangeValid { 0..9 } }
+aside rw { index { channel } }
+)";
+
+std::string shown(const Preview& found) {
+  std::string text;
+  for (const PreviewedChange& change : found.changes) {
+    text += change.name + ": " + change.before + " -> " + change.after + " (";
+    for (const std::string& cause : change.because) {
+      text += (&cause == &change.because.front() ? "" : " ") + cause;
+    }
+    text += ")\n";
+  }
+  for (const PreviewedRefusal& refusal : found.refusals) {
+    text += refusal.name + ": " + refusal.why + "\n";
+  }
+  return text;
+}
+
+TEST(Previews, TellWhatChangesBecauseOfWhat) {
+  const struct {
+    std::vector<std::pair<const char*, const char*>> staged;
+    const char* expected;
+    int result;
+  } cases[] = {
+      {{}, "", COMMIT_DONE},
+      {{{"mode", "slow"}},
+       "double: 100 -> 20 (rate)\nmode: fast -> slow (mode)\nrate: 50 -> 10 (mode)\n",
+       COMMIT_DONE},
+      {{{"rate", "7"}, {"gain[1]", "3"}},
+       "double: 100 -> 14 (rate)\ngain[1]:  -> 3 (gain[1])\nrate: 50 -> 7 (rate)\n",
+       COMMIT_DONE},
+      {{{"state", "3"}}, "state: is read-only, line 4: ro\n", COMMIT_DONE},
+      {{{"mode", "slow"}, {"boost", "1"}},
+       "double: 100 -> 20 (rate)\nmode: fast -> slow (mode)\nrate: 50 -> 10 (mode)\n"
+       "boost: does not exist, line 5: ctrlValid (mode == \"fast\")\n",
+       COMMIT_DONE},
+      {{{"gain[7]", "3"}},
+       "gain[7]: does not exist, line 6: rangeValid { 1..2 }\n",
+       COMMIT_INVALID_INDEX},
+      {{{"gain", "3"}},
+       "gain: there is no instance with so many index values\n",
+       COMMIT_INVALID_INDEX},
+      {{{"boost", "1"}, {"gain[7]", "3"}, {"gain[1]", "3"}, {"double", "7"}, {"rate", "7"}},
+       "boost:  -> 1 (boost)\ndouble: 100 -> 14 (rate)\ngain[1]:  -> 3 (gain[1])\n"
+       "rate: 50 -> 7 (rate)\ndouble: is read-only, line 3: ro\n"
+       "gain[7]: does not exist, line 6: rangeValid { 1..2 }\n",
+       COMMIT_INVALID_INDEX},
+      {{{"aside[7]", "1"}, {"boost", "1"}},
+       "aside[7]: does not exist, line 6: rangeValid { 1..2 }\n"
+       "boost: another value of its level is refused\n",
+       COMMIT_INVALID_INDEX},
+      {{{"gain[1]", "3"}, {"gain[7]", "3"}, {"rate", "7"}},
+       "double: 100 -> 14 (rate)\ngain[1]:  -> 3 (gain[1])\nrate: 50 -> 7 (rate)\n"
+       "gain[7]: does not exist, line 6: rangeValid { 1..2 }\n",
+       COMMIT_INVALID_INDEX},
+  };
+  Database database;
+  define(database, TEXT);
+  Transaction first(database);
+  ASSERT_EQ(first.set("mode", "fast", false), STAGE_DONE);
+  ASSERT_EQ(first.set("rate", "50", false), STAGE_DONE);
+  std::vector<std::string> names;
+  ASSERT_EQ(commitNames(first, names), COMMIT_DONE);
+  for (const auto& [staged, expected, result] : cases) {
+    Transaction transaction(database);
+    for (const auto& [name, value] : staged) {
+      ASSERT_EQ(transaction.set(name, value, false), STAGE_DONE) << name;
+    }
+    Preview found;
+    EXPECT_EQ(preview(transaction, found), result) << expected;
+    EXPECT_EQ(shown(found), expected);
+  }
+}
+
+TEST(RandomPreviews, TellWhatTheirCommitDoes) {
+  const LogRedirection silence([](const std::string& /*line*/) {});
+  size_t changes = 0;
+  size_t refusals = 0;
+  for (uint32_t seed = 0; seed < 4000 && !testing::Test::HasFailure(); ++seed) {
+    RandomTexts random(seed);
+    const std::string text = random.text();
+    Database database;
+    if (defineOrRefuse(database, text) != 0) continue;
+    SCOPED_TRACE(text);
+    for (int round = 0; round < 5; ++round) {
+      Transaction transaction(database);
+      for (size_t count = 1 + random.below(4); count > 0; --count) {
+        const std::string name =
+            random.oneOf({"a", "b", "c", "d"}) + random.oneOf({"", "[0]", "[1]", "[0][a]", "[7]"});
+        static_cast<void>(random.below(4) == 0
+                              ? transaction.reset(name, true)
+                              : transaction.set(name, random.oneOf(VALUES), random.below(2) == 0));
+      }
+      Preview found;
+      const int expected = preview(transaction, found);
+      std::vector<Change> done;
+      EXPECT_EQ(commit(transaction, done), expected);
+      ASSERT_EQ(found.changes.size(), done.size());
+      for (size_t i = 0; i < done.size(); ++i) {
+        EXPECT_EQ(found.changes[i].name, done[i].name);
+        EXPECT_EQ(found.changes[i].before, done[i].before) << done[i].name;
+        EXPECT_EQ(found.changes[i].after, done[i].held->value.text()) << done[i].name;
+      }
+      changes += done.size();
+      refusals += found.refusals.size();
+      EXPECT_EQ(expected == COMMIT_DONE || !found.refusals.empty(), true);
+    }
+  }
+  EXPECT_GT(changes, 1000U);
+  EXPECT_GT(refusals, 1000U);
+}
+
+}  // namespace

@@ -1,0 +1,76 @@
+#include "database/reason_rows.h"
+
+#include <algorithm>
+
+#include "base/system_log.h"
+#include "database/explain.h"
+#include "database/outlook.h"
+#include "database/range_query.h"
+#include "sw/parm/statement_text.h"
+
+namespace {
+
+using Rows = std::vector<ReasonRow>;
+
+void add(Rows& rows, const char* question, const std::string& answer,
+         const std::vector<Reason>& reasons) {
+  if (reasons.empty()) rows.push_back({question, answer, {}});
+  for (const Reason& reason : reasons) rows.push_back({question, answer, reason});
+}
+
+std::vector<Reason> listOf(const std::optional<Reason>& reason) {
+  return reason ? std::vector{*reason} : std::vector<Reason>();
+}
+
+const char* yesOrNo(bool isTrue) { return isTrue ? "yes" : "no"; }
+
+// The range that clients are told, in the situation in which they are.
+void addLimits(Transaction& transaction, std::string_view name, Rows& rows) {
+  BoundsParm range;
+  int code = 0;
+  std::optional<Reason> reason;
+  Database& database = transaction.database();
+  const int result = visitQueried(
+      database, transaction.staged(), name, [&](const ParmEntry& parm, const Situation& situation) {
+        code = parm.parm.range(range, situation);
+        reason = ParmReasons(parm.parm, database.linesOf(parm)).range(situation);
+      });
+  std::string answer = "none";
+  if (result == 0 && code == 0) answer = range.count() == 0 ? "any" : rangeItemsText(range);
+  add(rows, "limits", answer, listOf(reason));
+}
+
+void addValue(Transaction& transaction, const StagedValues& judged, std::string_view name,
+              Rows& rows) {
+  const std::string* const seen = transaction.find(name);
+  const std::string value = seen == nullptr ? std::string() : *seen;
+  ValueExplanation explained;
+  static_cast<void>(explainValue(transaction.database(), judged, name, value, true, explained));
+  std::vector<Reason> reasons;
+  const auto addOnce = [&](const Reason& reason) {
+    if (std::ranges::find(reasons, reason) == reasons.end()) reasons.push_back(reason);
+  };
+  for (const ValueStep& step : explained.reasons.steps) addOnce(step.reason);
+  if (explained.reasons.acceptedBy) addOnce(*explained.reasons.acceptedBy);
+  add(rows, "value", value, reasons);
+}
+
+}  // namespace
+
+std::optional<Rows> reasonRows(Transaction& transaction, std::string_view name) {
+  const LogRedirection silence([](const std::string& /*line*/) {});
+  const ParmEntry* const parm = transaction.database().findNamed(name);
+  if (parm == nullptr) return std::nullopt;
+  const Outlook outlook(transaction);
+  const StagedValues& judged = outlook.of(*parm);
+  Explanation why;
+  if (explain(transaction.database(), judged, name, why) != EXPLAIN_DONE) return std::nullopt;
+  Rows rows;
+  add(rows, "exists", yesOrNo(why.exists), why.existence);
+  add(rows, "writable", yesOrNo(why.exists && !why.isReadOnly),
+      why.exists ? why.readOnly : why.existence);
+  addLimits(transaction, name, rows);
+  add(rows, "default", why.defaultValue, listOf(why.defaultDecider));
+  addValue(transaction, judged, name, rows);
+  return rows;
+}

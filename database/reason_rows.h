@@ -1,0 +1,31 @@
+// Reason rows: the answers about an instance and the statements behind them, one row for each.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "database/transaction.h"
+#include "sw/parm/reasons.h"
+
+/// A question, its answer and one statement that decided. Several statements that decide together
+/// are several rows with one question and one answer; where none does, the line is 0.
+///
+///   question   answer
+///   exists     "yes" or "no": whether a commit would find the instance
+///   writable   "yes" or "no": whether it would store a value that is set without force
+///   limits     the range as a text, "any" where every value is allowed, "none" where it cannot be
+///              worked out
+///   default    the default, the empty text where there is none
+///   value      the value that the transaction sees
+struct ReasonRow {
+  std::string question;
+  std::string answer;
+  Reason reason;
+};
+
+/// The rows for the instance `name`, in the order of the table, as InstanceStates and queryRange()
+/// answer. nullopt where there is no such parameter, or not with so many index values. Counts the
+/// work, and raises WorkExceeded, or std::bad_alloc where memory is exhausted.
+std::optional<std::vector<ReasonRow>> reasonRows(Transaction& transaction, std::string_view name);

@@ -63,6 +63,8 @@ class StagedValues {
   /// Whether an entry here is to be replaced by its default.
   [[nodiscard]] bool hasResets() const;
   [[nodiscard]] bool empty() const { return entries_.empty(); }
+  /// How many entries are here.
+  [[nodiscard]] size_t count() const { return entries_.size(); }
   /// The memory that the entries take, in bytes, with what the allocator needs for itself. It is
   /// what a client's share is measured by.
   [[nodiscard]] size_t bytes() const;

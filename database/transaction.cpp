@@ -76,7 +76,10 @@ int Transactions::useId(uint32_t& id) {
 }
 
 Transaction* Transactions::open(uint32_t& id) {
-  return useId(id) == 0 ? &open_.try_emplace(id, database_).first->second : nullptr;
+  if (useId(id) != 0) return nullptr;
+  Transaction& transaction = open_.try_emplace(id, database_).first->second;
+  transaction.setOpenedAt(std::chrono::steady_clock::now());
+  return &transaction;
 }
 
 Transaction* Transactions::find(uint32_t id) {

@@ -16,6 +16,7 @@
 //                                            // changes are mode with "slow", rate with "10"
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <span>
@@ -67,6 +68,10 @@ class Transaction {
   /// parameter.
   [[nodiscard]] bool validate(std::string_view name, const std::string& value) const;
 
+  /// When it was opened, by the clock of Transactions::open(); only of transactions opened there.
+  [[nodiscard]] std::chrono::steady_clock::time_point openedAt() const { return openedAt_; }
+  void setOpenedAt(std::chrono::steady_clock::time_point time) { openedAt_ = time; }
+
   /// The memory that is taken by what is staged, in bytes.
   [[nodiscard]] size_t bytes() const { return staged_.bytes(); }
 
@@ -80,6 +85,7 @@ class Transaction {
 
   Database& database_;
   StagedValues staged_;
+  std::chrono::steady_clock::time_point openedAt_;
 };
 
 /// The open transactions by id.
@@ -95,6 +101,8 @@ class Transactions {
   [[nodiscard]] Transaction* find(uint32_t id);
   /// Discards a transaction with its staged values. Returns 0, or 1 for an id that is not open.
   int end(uint32_t id);
+  /// All that are open, by id.
+  [[nodiscard]] const std::map<uint32_t, Transaction>& all() const { return open_; }
   /// Goes on with `id`, as after so many transactions; tests reach the end of the ids with it.
   void continueWith(uint32_t id) { nextId_ = id; }
 

@@ -21,9 +21,15 @@ struct UnrefMessage {
 /// Owns one reference to a message.
 using MessagePointer = std::unique_ptr<DBusMessage, UnrefMessage>;
 
+/// Has an exported object serve a call: the reply is sent. Returns what a handler of the bus
+/// library does: DBUS_HANDLER_RESULT_NOT_YET_HANDLED where the object has no such method. Raises no
+/// exception.
+using ServeCall = DBusHandlerResult (*)(DBusConnection* connection, DBusMessage* call);
+
 /// A call with what has to be known when it is served.
 struct WaitingCall {
   MessagePointer message;
+  ServeCall serve = nullptr;
   uint64_t number = 0;   ///< ascends as the calls come in; given by the call server, from 1
   bool hasLeft = false;  ///< whether its sender has left the bus
 };

@@ -12,7 +12,7 @@ namespace {
 WaitingCall callOf(const char* method, bool wantsReply = true) {
   MessagePointer message(dbus_message_new_method_call(nullptr, "/", nullptr, method));
   dbus_message_set_no_reply(message.get(), wantsReply ? 0 : 1);
-  return {std::move(message), 0, false};
+  return {std::move(message), nullptr, 0, false};
 }
 
 // The methods of all calls, in the order of their turns.

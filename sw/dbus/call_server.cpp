@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "sw/dbus/bus_memory.h"
-#include "sw/dbus/exported_object.h"
 #include "sw/dbus/reply.h"
 
 namespace {
@@ -183,26 +182,27 @@ void CallServer::takeOrFree() {
   if (mustFreeMemory()) serveNext();
 }
 
-DBusHandlerResult CallServer::take(DBusMessage* call) noexcept {
+DBusHandlerResult CallServer::take(DBusMessage* message, ServeCall serveCall) noexcept {
   if (last_) return DBUS_HANDLER_RESULT_HANDLED;  // the bus answers it when the connection ends
-  const uint64_t number = ++taken_;
-  if (queue_.empty() && !hasMessage() && mayServe()) return serve(call, number, senderOf(call));
+  const CallToServe call{message, serveCall, ++taken_};
+  if (queue_.empty() && !hasMessage() && mayServe()) return serve(call, senderOf(message));
   if (queue_.count() >= MAX_TAKEN && mayServe()) serveNext();
   try {
-    queue_.add(senderOf(call), {MessagePointer(dbus_message_ref(call)), number, false});
+    queue_.add(senderOf(message),
+               {MessagePointer(dbus_message_ref(message)), serveCall, call.number, false});
   } catch (const std::exception&) {
     // There is no memory to keep the call, so those that wait are served first and then this one.
     while (!queue_.empty()) serveNext();
-    return serve(call, number, senderOf(call));
+    return serve(call, senderOf(message));
   }
   return DBUS_HANDLER_RESULT_HANDLED;
 }
 
-DBusHandlerResult CallServer::serve(DBusMessage* call, uint64_t number, std::string_view caller) {
+DBusHandlerResult CallServer::serve(const CallToServe& call, std::string_view caller) {
   state_.setCaller(caller);
-  const DBusHandlerResult result = serveExported(connection_, call);
+  const DBusHandlerResult result = call.serve(connection_, call.message);
   state_.finishCall();
-  if (!last_ && g_main_loop_is_running(state_.mainLoop()) == FALSE) last_ = number;
+  if (!last_ && g_main_loop_is_running(state_.mainLoop()) == FALSE) last_ = call.number;
   return result;
 }
 
@@ -211,7 +211,7 @@ void CallServer::serveNext() {
   if (last_ && call.number > *last_) return;
   DBusMessage* message = call.message.get();
   const std::string_view caller = call.hasLeft ? std::string_view() : senderOf(message);
-  if (serve(message, call.number, caller) == DBUS_HANDLER_RESULT_NOT_YET_HANDLED) {
+  if (serve({message, call.serve, call.number}, caller) == DBUS_HANDLER_RESULT_NOT_YET_HANDLED) {
     refuse(connection_, message);
   }
 }

@@ -43,12 +43,12 @@ class CallServer {
   CallServer(const CallServer&) = delete;
   CallServer& operator=(const CallServer&) = delete;
 
-  /// Serves a call, or keeps it with a reference of its own until it is its turn. Where there is no
-  /// memory to keep it, all that wait are served first, and then this one. Returns what
-  /// serveExported() gives for a call that is served at once, otherwise
+  /// Has `serve` serve a call, or keeps it with a reference of its own until it is its turn. Where
+  /// there is no memory to keep it, all that wait are served first, and then this one. Returns what
+  /// `serve` gives for a call that is served at once, otherwise
   /// DBUS_HANDLER_RESULT_HANDLED. A call that comes after the end of the main loop is dropped: the
   /// bus answers it when the connection ends.
-  DBusHandlerResult take(DBusMessage* call) noexcept;
+  DBusHandlerResult take(DBusMessage* message, ServeCall serve) noexcept;
   /// Ends the main loop, from within it. What has come in until now is still taken, up to
   /// some MAX_TAKEN calls; serveEarlier() serves them.
   void end();
@@ -59,6 +59,11 @@ class CallServer {
 
  private:
   struct Source;
+  struct CallToServe {
+    DBusMessage* message;
+    ServeCall serve;
+    uint64_t number;
+  };
   GSource* addSource(int priority, bool (CallServer::*isReady)() const, void (CallServer::*act)());
   static DBusHandlerResult filter(DBusConnection* connection, DBusMessage* message, void* self);
 
@@ -72,7 +77,7 @@ class CallServer {
   void takeOrFree();
   void serveBatch();
   void serveNext();
-  DBusHandlerResult serve(DBusMessage* call, uint64_t number, std::string_view caller);
+  DBusHandlerResult serve(const CallToServe& call, std::string_view caller);
 
   DBusConnection* connection_;
   ServiceState& state_;

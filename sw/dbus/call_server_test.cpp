@@ -109,7 +109,7 @@ TEST_F(CallServerTest, ServesACallThatNothingWaitsBehindAsItComes) {
 TEST_F(CallServerTest, LeavesTheAnswerToACallThatNobodyServesToTheBusLibrary) {
   bus.unknown = "none";
   DBusMessage* call = callOf("none");
-  EXPECT_EQ(server().take(call), DBUS_HANDLER_RESULT_NOT_YET_HANDLED);
+  EXPECT_EQ(server().take(call, serveExported), DBUS_HANDLER_RESULT_NOT_YET_HANDLED);
   dbus_message_unref(call);
   EXPECT_EQ(bus.sent, Names{});
 }
@@ -241,7 +241,7 @@ TEST_F(CallServerTest, EndsWithTheConnection) {
   EXPECT_FALSE(bus.isRunning);
   server().serveEarlier();
   DBusMessage* call = callOf("five");
-  EXPECT_EQ(server().take(call), DBUS_HANDLER_RESULT_HANDLED);
+  EXPECT_EQ(server().take(call, serveExported), DBUS_HANDLER_RESULT_HANDLED);
   dbus_message_unref(call);
   EXPECT_EQ(bus.served, (Names{"one", "two"}));
 }
@@ -378,7 +378,7 @@ DBusDispatchStatus dbus_connection_dispatch(DBusConnection* connection) {
   bus.arrived.pop_front();
   EXPECT_EQ(bus.filter(connection, message, bus.filterData), DBUS_HANDLER_RESULT_NOT_YET_HANDLED);
   if (dbus_message_get_type(message) == DBUS_MESSAGE_TYPE_METHOD_CALL) {
-    EXPECT_EQ(bus.server->take(message), DBUS_HANDLER_RESULT_HANDLED);
+    EXPECT_EQ(bus.server->take(message, serveExported), DBUS_HANDLER_RESULT_HANDLED);
   }
   dbus_message_unref(message);
   return dbus_connection_get_dispatch_status(connection);

@@ -102,7 +102,7 @@ void registerObject(DBusGConnection* bus, const std::string& path, CallServer& c
   }
   g_print("Transaction server:main Registering it on the D-Bus.\n");
   exportObject(bus, path, G_OBJECT(object),
-               [&calls](DBusMessage* call) { return calls.take(call); });
+               [&calls](DBusMessage* call) { return calls.take(call, serveExported); });
 }
 
 void detach(bool daemonize) {

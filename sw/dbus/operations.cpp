@@ -33,6 +33,11 @@ std::string_view orEmpty(const std::string* text) {
   return text == nullptr ? std::string_view("") : *text;
 }
 
+void announce(const std::vector<Change>& changes, ValueObject* object) {
+  publish(object, changes);
+  ServiceState::current().committed(changes);
+}
+
 // Adds the values of names that are looked up together, up to the first that is too much for a
 // message.
 void addTexts(const Transaction& transaction, std::span<char* const> names, TextList& list) {
@@ -161,11 +166,11 @@ int commitAndPublish(Transaction& transaction, ValueObject* object) {
   } catch (...) {
     // Where memory is exhausted in between, what is stored is told all the same.
     room.giveBack();
-    publish(object, changes);
+    announce(changes, object);
     throw;
   }
   room.giveBack();
-  publish(object, changes);
+  announce(changes, object);
   return result;
 }
 

@@ -46,14 +46,39 @@ int ServiceState::openTransaction(uint32_t& id) {
   return 0;
 }
 
+int ServiceState::openOwnTransaction(uint32_t& id) {
+  if (caller_.empty() || owned_.countOf(caller_) >= OwnedTransactions::MOST) return 2;
+  if (transactions_.open(id) == nullptr) return 1;
+  try {
+    owned_.add(id, caller_);
+  } catch (...) {
+    static_cast<void>(transactions_.end(id));  // nobody knows it yet
+    throw;
+  }
+  return 0;
+}
+
 Transaction* ServiceState::findTransaction(uint32_t id) {
+  if (owned_.isHiddenFrom(id, caller_)) return nullptr;
   used_ = id;
   return transactions_.find(id);
 }
 
 int ServiceState::endTransaction(uint32_t id) {
+  if (owned_.isHiddenFrom(id, caller_)) return 1;
   owners_.ended(id);
+  owned_.remove(id);
   return transactions_.end(id);
+}
+
+void ServiceState::clientLeft(std::string_view name) noexcept {
+  owners_.left(name);
+  while (const std::set<uint32_t>* const ids = owned_.transactionsOf(name)) {
+    const uint32_t id = *ids->begin();
+    owned_.remove(id);
+    static_cast<void>(transactions_.end(id));  // one that is not open need not be ended
+  }
+  if (observer_ != nullptr) observer_->clientLeft(name);
 }
 
 void ServiceState::finishCall() noexcept {

@@ -9,10 +9,27 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
+#include <vector>
 
+#include "database/commit.h"
 #include "database/database.h"
 #include "database/transaction.h"
+#include "sw/dbus/owned_transactions.h"
 #include "sw/dbus/transaction_owners.h"
+
+/// Is told what clients have done, for whoever serves more than the methods.
+class ServiceObserver {
+ public:
+  ServiceObserver() = default;
+  virtual ~ServiceObserver() = default;
+  ServiceObserver(const ServiceObserver&) = delete;
+  ServiceObserver& operator=(const ServiceObserver&) = delete;
+  /// `caller` has committed `changes`, ascending by name, which is not empty; the client is the
+  /// empty text where it has left. The values are stored and announced already.
+  virtual void committed(std::string_view caller, const std::vector<Change>& changes) noexcept = 0;
+  /// The client with this unique name has left the bus.
+  virtual void clientLeft(std::string_view name) noexcept = 0;
+};
 
 /// The methods are plain functions for the binding library and are handed no state of ours, so they
 /// find it through one pointer: the state that was made last. One lives at a time.
@@ -40,26 +57,39 @@ class ServiceState {
   /// The unique name of the client whose call is served next; empty where that has left. The text
   /// outlives the call.
   void setCaller(std::string_view name) { caller_ = name; }
+  [[nodiscard]] std::string_view caller() const { return caller_; }
+  /// `observer`, which outlives the state, is told from now on; null: nobody is.
+  void setObserver(ServiceObserver* observer) { observer_ = observer; }
+  /// To be called when `changes` of the caller's are stored and announced.
+  void committed(const std::vector<Change>& changes) noexcept {
+    if (observer_ != nullptr && !changes.empty()) observer_->committed(caller_, changes);
+  }
   /// Opens a transaction of the caller's under the next free id. Returns 0, or 1 where every id is
   /// in use; `id` is then the last one that was tried. Raises std::bad_alloc where memory is
   /// exhausted: no transaction is open then, but the id may be used up.
   int openTransaction(uint32_t& id);
-  /// The open transaction of `id`, or null. It is noted as that of the call: finishCall() counts
-  /// what it holds. Valid until it is ended.
+  /// As openTransaction(), but the transaction is the caller's alone and ends when that leaves the
+  /// bus. Returns 2 where the caller has OwnedTransactions::MOST already, or has left.
+  int openOwnTransaction(uint32_t& id);
+  /// The open transaction of `id`, or null where there is none that the caller may use. It is noted
+  /// as that of the call: finishCall() counts what it holds. Valid until it is ended.
   [[nodiscard]] Transaction* findTransaction(uint32_t id);
-  /// Ends a transaction and drops what is staged in it. Returns 0, or 1 for an id that is not open.
+  /// Ends a transaction and drops what is staged in it. Returns 0, or 1 for an id of none that the
+  /// caller may use.
   int endTransaction(uint32_t id);
   /// To be called when a call is done. Its transaction may have grown; where that is one whose
   /// client has left, the oldest of those may be ended (transaction_owners.h).
   void finishCall() noexcept;
   /// The client with this unique name has left the bus.
-  void clientLeft(std::string_view name) noexcept { owners_.left(name); }
+  void clientLeft(std::string_view name) noexcept;
 
   /// The database that was given to the constructor.
   [[nodiscard]] Database& database() { return database_; }
   /// The open transactions of all clients. Ending one here leaves its owner noted: use
   /// endTransaction().
   [[nodiscard]] Transactions& transactions() { return transactions_; }
+  /// The transactions that belong to one client each.
+  [[nodiscard]] const OwnedTransactions& owned() const { return owned_; }
   /// The main loop, which stays the state's; null before createMainLoop().
   [[nodiscard]] GMainLoop* mainLoop() { return mainLoop_; }
   /// The lock that methods hold while they run (method_frame.h says why there is one); null before
@@ -72,6 +102,8 @@ class ServiceState {
   Database& database_;
   Transactions transactions_;
   TransactionOwners owners_{transactions_};
+  OwnedTransactions owned_;
+  ServiceObserver* observer_ = nullptr;
   std::string_view caller_;
   std::optional<uint32_t> used_;  // the transaction of the call that is being served
   GMainLoop* mainLoop_ = nullptr;

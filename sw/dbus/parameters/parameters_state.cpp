@@ -1,0 +1,152 @@
+#include "sw/dbus/parameters/parameters_state.h"
+
+#include <glib.h>
+
+#include <algorithm>
+#include <exception>
+#include <new>
+#include <span>
+#include <utility>
+
+#include "sw/dbus/call_queue.h"
+#include "sw/dbus/parameters/message_writer.h"
+#include "sw/dbus/reply.h"
+
+namespace {
+
+constexpr const char* INTERFACE = "org.tavrel.parameters1";
+
+uint64_t now() { return static_cast<uint64_t>(g_get_real_time()); }
+
+// The bytes that a change takes in the signal.
+size_t bytesOf(const Change& change) {
+  constexpr size_t MENDED = 3;  // a byte that is not valid becomes so many
+  const size_t length =
+      change.name.size() + change.before.size() + change.held->value.text().size();
+  return MENDED * length + 32;
+}
+
+// The parameters that read one of those that have changed, by themselves or by an index, ascending.
+std::vector<std::string> readersOf(Database& database, const std::vector<Change>& changes) {
+  const uint32_t walk = database.newWalk();
+  std::vector<std::string> readers;
+  const auto add = [&](const std::vector<ParmEntry*>& parms) {
+    for (ParmEntry* parm : parms) {
+      if (std::exchange(parm->walk, walk) != walk) readers.push_back(parm->parm.name());
+    }
+  };
+  const ParmEntry* last = nullptr;
+  for (const Change& change : changes) {
+    const ParmEntry* const parm = database.findNamed(change.name);
+    if (parm == nullptr || parm == last) continue;
+    last = parm;
+    add(parm->dependents);
+    if (!parm->isNamedByIndices) continue;
+    for (const IndexEntry* index : parm->indices->naming) add(index->dependents);
+  }
+  std::ranges::sort(readers);
+  return readers;
+}
+
+// A signal of one object, to one client after the other.
+class Signal {
+ public:
+  Signal(DBusConnection* connection, const std::string& path, const char* member)
+      : connection_(connection),
+        message_(dbus_message_new_signal(path.c_str(), INTERFACE, member)) {
+    if (message_ == nullptr) throw std::bad_alloc();
+  }
+  [[nodiscard]] DBusMessage* message() { return message_.get(); }
+  void sendTo(const std::string& client) {
+    const MessagePointer copy(dbus_message_copy(message_.get()));
+    const bool isSent = copy != nullptr &&
+                        dbus_message_set_destination(copy.get(), client.c_str()) != 0 &&
+                        dbus_connection_send(connection_, copy.get(), nullptr) != 0;
+    if (!isSent) throw std::bad_alloc();
+  }
+
+ private:
+  DBusConnection* connection_;
+  MessagePointer message_;
+};
+
+void fillChanged(DBusMessage* message, uint32_t serial, std::string_view caller,
+                 std::span<const Change> changes) {
+  MessageWriter out(message);
+  out.number(serial);
+  out.text(std::string(caller));
+  out.array("(sss)", [&] {
+    for (const Change& change : changes) {
+      out.structure([&] {
+        out.text(change.name);
+        out.text(change.before);
+        out.text(change.held->value.text());
+      });
+    }
+  });
+}
+
+// How many of `changes` fit into one message; a single one that does not is tried all the same.
+size_t countFitting(std::span<const Change> changes) {
+  constexpr size_t HEADER = 1024;
+  size_t bytes = HEADER;
+  size_t count = 0;
+  while (count < changes.size() && bytes + bytesOf(changes[count]) <= MAX_MESSAGE_BYTES) {
+    bytes += bytesOf(changes[count++]);
+  }
+  return std::max<size_t>(count, 1);
+}
+
+}  // namespace
+
+ParametersState::ParametersState(DBusConnection* connection, std::string path,
+                                 ServiceState& service, std::string version)
+    : connection_(connection),
+      path_(std::move(path)),
+      service_(service),
+      version_(std::move(version)),
+      started_(now()) {
+  service_.setObserver(this);
+}
+
+void ParametersState::committed(std::string_view caller,
+                                const std::vector<Change>& changes) noexcept {
+  const auto serial = static_cast<uint32_t>(++commits_);
+  history_.add(serial, now(), caller, changes);
+  if (watchers_.all().empty()) return;
+  try {
+    tellWatchers(serial, caller, changes);
+  } catch (...) {
+    // The values are stored; whoever misses the signal sees it by the next serial.
+  }
+}
+
+void ParametersState::tellWatchers(uint32_t serial, std::string_view caller,
+                                   const std::vector<Change>& changes) {
+  const auto& watchers = watchers_.all();
+  const auto isWanted = [&](bool Watchers::Wishes::*wish) {
+    return std::ranges::any_of(watchers, [&](const auto& each) { return each.second.*wish; });
+  };
+  const auto send = [&](Signal& signal, bool Watchers::Wishes::*wish) {
+    for (const auto& [client, wishes] : watchers) {
+      if (wishes.*wish) signal.sendTo(client);
+    }
+  };
+  if (isWanted(&Watchers::Wishes::changes)) {
+    for (std::span<const Change> rest = changes; !rest.empty();) {
+      const size_t count = countFitting(rest);
+      Signal signal(connection_, path_, "Changed");
+      fillChanged(signal.message(), serial, caller, rest.first(count));
+      send(signal, &Watchers::Wishes::changes);
+      rest = rest.subspan(count);
+    }
+  }
+  if (!isWanted(&Watchers::Wishes::limits)) return;
+  const std::vector<std::string> readers = readersOf(service_.database(), changes);
+  if (readers.empty()) return;
+  Signal signal(connection_, path_, "LimitsChanged");
+  MessageWriter out(signal.message());
+  out.number(serial);
+  out.texts(readers);
+  send(signal, &Watchers::Wishes::limits);
+}

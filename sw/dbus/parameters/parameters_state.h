@@ -1,0 +1,48 @@
+// The state behind the interface: what is counted and kept beside the service's own, and the
+// signals that go out when something is committed.
+#pragma once
+
+#include <dbus/dbus.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "sw/dbus/parameters/history.h"
+#include "sw/dbus/parameters/watchers.h"
+#include "sw/dbus/service_state.h"
+
+/// Lives as long as the service serves. Without watchers a commit costs it an entry of the history.
+class ParametersState final : public ServiceObserver {
+ public:
+  /// Signals are sent on `connection`, as of the object at `path`. `service` outlives it and tells
+  /// it from now on. `version` is of the daemon.
+  ParametersState(DBusConnection* connection, std::string path, ServiceState& service,
+                  std::string version);
+  ~ParametersState() override { service_.setObserver(nullptr); }
+
+  void committed(std::string_view caller, const std::vector<Change>& changes) noexcept override;
+  void clientLeft(std::string_view name) noexcept override { watchers_.set(name, {}); }
+
+  [[nodiscard]] ServiceState& service() { return service_; }
+  [[nodiscard]] Watchers& watchers() { return watchers_; }
+  [[nodiscard]] const History& history() const { return history_; }
+  [[nodiscard]] const std::string& version() const { return version_; }
+  /// How many commits have changed something.
+  [[nodiscard]] uint64_t commits() const { return commits_; }
+  /// When it was made, in microseconds since 1970.
+  [[nodiscard]] uint64_t started() const { return started_; }
+
+ private:
+  void tellWatchers(uint32_t serial, std::string_view caller, const std::vector<Change>& changes);
+
+  DBusConnection* connection_;
+  std::string path_;
+  ServiceState& service_;
+  std::string version_;
+  Watchers watchers_;
+  History history_;
+  uint64_t commits_ = 0;
+  uint64_t started_;
+};

@@ -2,6 +2,7 @@
 #include <malloc.h>
 
 #include <cstdio>
+#include <memory>
 #include <new>
 
 #include "database/database.h"
@@ -10,10 +11,18 @@
 #include "startup/constants.h"
 #include "startup/definition_reader.h"
 #include "startup/standard_streams.h"
+#include "startup/version.h"
+#include "sw/dbus/parameters/parameters_object.h"
 #include "sw/dbus/server.h"
 #include "vid_std.h"
 
 namespace {
+
+std::shared_ptr<void> exportParameters(DBusConnection* connection, ServiceState& state,
+                                       CallServer& calls, const std::string& pathSuffix) {
+  return std::make_shared<ParametersObject>(connection, withSuffix("/parameters", "/", pathSuffix),
+                                            state, calls, VERSION_TEXT);
+}
 
 int start(int argc, char** argv) {
   openStandardStreams();
@@ -27,7 +36,8 @@ int start(int argc, char** argv) {
   if (result != 0) return result;
   reportLargestChange(database);
   malloc_trim(0);  // gives back the memory that reading took, which the heap would keep for ever
-  return runService(database, commandLine.busSuffix, commandLine.daemonize, commandLine.pathSuffix);
+  return runService(database, commandLine.busSuffix, commandLine.daemonize, commandLine.pathSuffix,
+                    exportParameters);
 }
 
 }  // namespace

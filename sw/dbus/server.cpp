@@ -21,6 +21,10 @@
 #include "sw/dbus/service_state.h"
 #include "sw/dbus/value_object.h"
 
+std::string withSuffix(const std::string& text, const char* separator, const std::string& suffix) {
+  return suffix.empty() ? text : text + separator + suffix;
+}
+
 namespace {
 
 constexpr bool FATAL = true;
@@ -56,10 +60,6 @@ DBusGConnection* connectToBus() {
   // Otherwise the bus library would end the process without a word when the bus is lost.
   dbus_connection_set_exit_on_disconnect(connection, FALSE);
   return bus;
-}
-
-std::string withSuffix(const std::string& text, const char* separator, const std::string& suffix) {
-  return suffix.empty() ? text : text + separator + suffix;
 }
 
 // The bus library ends the process without a word for a text that is not UTF-8 and for a path that
@@ -147,7 +147,7 @@ void sendRest(DBusConnection* connection) {
 }  // namespace
 
 int runService(Database& database, const std::string& busSuffix, bool daemonize,
-               const std::string& pathSuffix) {
+               const std::string& pathSuffix, const ExportMore& exportMore) {
   endInOrderWithoutMemory();
   printRawBytes();
   ServiceState state(database);
@@ -157,6 +157,7 @@ int runService(Database& database, const std::string& busSuffix, bool daemonize,
   requireValid(dbus_validate_path, path, "Invalid object path");
   DBusConnection* connection = dbus_g_connection_get_connection(bus);
   CallServer calls(connection, state);
+  const std::shared_ptr<void> more = exportMore(connection, state, calls, pathSuffix);
   const EndSignals endSignals([&calls] { calls.end(); });
   requestName(bus, withSuffix("org.tavrel.transaction", ".", busSuffix));
   registerObject(bus, path, calls);

@@ -29,8 +29,9 @@ class Report {
   Report(std::vector<Change>& changes, ChangeRoom* room) : changes_(changes), room_(room) {}
   // Adds a value that was just stored; where there is no room for it, the instance takes back the
   // one `before`, which takes no memory.
-  void add(CommittedValue& held, std::string name, ValueText before) {
-    Change change{std::move(name), &held, {}, static_cast<uint32_t>(changes_.size())};
+  void add(const StagedEntry& entry, std::string name, ValueText before) {
+    CommittedValue& held = *entry.held;
+    Change change{std::move(name), &held, {}, static_cast<uint32_t>(changes_.size()), entry.parm};
     if (room_ != nullptr && !room_->makeRoom(change)) {
       held.value = std::move(before);
       throw std::bad_alloc();
@@ -56,7 +57,7 @@ int commitEntry(StagedEntry& entry, IndexSituations& situations, Report& report)
   const SetCode code = evaluate(entry, situations, false);
   if (code == SET_STORED && isReported(entry.parm->parm, entry.held->announced,
                                        entry.held->value.text(), before.text())) {
-    report.add(*entry.held, std::move(name), std::move(before));
+    report.add(entry, std::move(name), std::move(before));
   }
   const int result = stepResult(code);
   if (result != 0 && result != WALK_AGAIN) logRefusal(entry, wanted, result);

@@ -21,6 +21,7 @@ struct Change {
   const CommittedValue* held = nullptr;
   std::string before = {};  ///< what it held before the commit
   uint32_t number = 0;      ///< ascends in the order in which the values were stored
+  const ParmEntry* parm = nullptr;
   bool operator==(const Change& other) const { return name == other.name; }
 };
 

@@ -1,6 +1,5 @@
 #include "database/instance_state.h"
 
-#include "base/system_log.h"
 #include "base/work.h"
 #include "database/gather.h"
 #include "database/range_query.h"
@@ -20,10 +19,12 @@ bool existsIn(const ParmEntry& parm, const IndexTuple& indices, IndexSituations&
 }
 
 InstanceStates::InstanceStates(Transaction& transaction)
-    : transaction_(transaction), outlook_(transaction), settled_(outlook_.values()) {}
+    : silence_([](const std::string& /*line*/) {}),
+      transaction_(transaction),
+      outlook_(transaction),
+      settled_(outlook_.values()) {}
 
 InstanceState InstanceStates::of(std::string_view name) {
-  const LogRedirection silence([](const std::string& /*line*/) {});
   InstanceState state;
   const ParmEntry* const parm = transaction_.database().findNamed(name);
   state.value = transaction_.find(name);

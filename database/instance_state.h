@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/system_log.h"
 #include "database/index_situations.h"
 #include "database/outlook.h"
 #include "sw/parm/bounds.h"
@@ -26,7 +27,8 @@ struct InstanceState {
   BoundsParm range;                    ///< of queryRange()
 };
 
-/// Answers for many instances of one transaction, which stays as it is meanwhile.
+/// Answers for many instances of one transaction, which stays as it is meanwhile. As long as it
+/// lives the system log gets nothing.
 class InstanceStates {
  public:
   /// Tries the commit of `transaction`, see Outlook.
@@ -36,10 +38,11 @@ class InstanceStates {
 
   [[nodiscard]] const Outlook& outlook() const { return outlook_; }
   /// The state of the instance `name`. Counts the work, and raises WorkExceeded, or std::bad_alloc
-  /// where memory is exhausted. Writes nothing to the system log.
+  /// where memory is exhausted.
   [[nodiscard]] InstanceState of(std::string_view name);
 
  private:
+  const LogRedirection silence_;
   Transaction& transaction_;
   Outlook outlook_;
   IndexSituations settled_;  // of what the commit would leave

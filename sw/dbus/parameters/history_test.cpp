@@ -10,7 +10,7 @@ class HistoryTest : public testing::Test {
   void add(uint32_t serial, const std::string& before, const std::string& after) {
     CommittedValue held;
     held.value.set(after);
-    history_.add(serial, serial * 10, ":1.5", {{"gain", &held, before, 0}});
+    history_.add(serial, serial * 10, ":1.5", {{"gain", &held, before, 0, nullptr}});
   }
   std::string shown() {
     std::string text;

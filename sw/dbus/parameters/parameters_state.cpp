@@ -26,25 +26,25 @@ size_t bytesOf(const Change& change) {
   return MENDED * length + 32;
 }
 
-// The parameters that read one of those that have changed, by themselves or by an index, ascending.
-std::vector<std::string> readersOf(Database& database, const std::vector<Change>& changes) {
+// The parameters that read one of those that have changed, by themselves or by an index, in name
+// order.
+std::vector<const ParmEntry*> readersOf(Database& database, const std::vector<Change>& changes) {
   const uint32_t walk = database.newWalk();
-  std::vector<std::string> readers;
+  std::vector<const ParmEntry*> readers;
   const auto add = [&](const std::vector<ParmEntry*>& parms) {
     for (ParmEntry* parm : parms) {
-      if (std::exchange(parm->walk, walk) != walk) readers.push_back(parm->parm.name());
+      if (std::exchange(parm->walk, walk) != walk) readers.push_back(parm);
     }
   };
   const ParmEntry* last = nullptr;
   for (const Change& change : changes) {
-    const ParmEntry* const parm = database.findNamed(change.name);
-    if (parm == nullptr || parm == last) continue;
-    last = parm;
-    add(parm->dependents);
-    if (!parm->isNamedByIndices) continue;
-    for (const IndexEntry* index : parm->indices->naming) add(index->dependents);
+    const ParmEntry* const parm = std::exchange(last, change.parm);
+    if (parm == change.parm) continue;
+    add(change.parm->dependents);
+    if (!change.parm->isNamedByIndices) continue;
+    for (const IndexEntry* index : change.parm->indices->naming) add(index->dependents);
   }
-  std::ranges::sort(readers);
+  std::ranges::sort(readers, {}, &ParmEntry::rank);
   return readers;
 }
 
@@ -57,15 +57,25 @@ class Signal {
     if (message_ == nullptr) throw std::bad_alloc();
   }
   [[nodiscard]] DBusMessage* message() { return message_.get(); }
-  void sendTo(const std::string& client) {
-    const MessagePointer copy(dbus_message_copy(message_.get()));
-    const bool isSent = copy != nullptr &&
-                        dbus_message_set_destination(copy.get(), client.c_str()) != 0 &&
-                        dbus_connection_send(connection_, copy.get(), nullptr) != 0;
-    if (!isSent) throw std::bad_alloc();
+  // Sends it to those who want it; there is at least one.
+  void send(const TextMap<Watchers::Wishes>& watchers, bool Watchers::Wishes::*wish) {
+    const std::string* next = nullptr;
+    for (const auto& [client, wishes] : watchers) {
+      if (!(wishes.*wish)) continue;
+      if (next != nullptr) sendTo(*next, MessagePointer(dbus_message_copy(message_.get())));
+      next = &client;
+    }
+    sendTo(*next, std::move(message_));  // most have one watcher, who needs no copy
   }
 
  private:
+  void sendTo(const std::string& client, const MessagePointer& message) {
+    const bool isSent = message != nullptr &&
+                        dbus_message_set_destination(message.get(), client.c_str()) != 0 &&
+                        dbus_connection_send(connection_, message.get(), nullptr) != 0;
+    if (!isSent) throw std::bad_alloc();
+  }
+
   DBusConnection* connection_;
   MessagePointer message_;
 };
@@ -127,26 +137,23 @@ void ParametersState::tellWatchers(uint32_t serial, std::string_view caller,
   const auto isWanted = [&](bool Watchers::Wishes::*wish) {
     return std::ranges::any_of(watchers, [&](const auto& each) { return each.second.*wish; });
   };
-  const auto send = [&](Signal& signal, bool Watchers::Wishes::*wish) {
-    for (const auto& [client, wishes] : watchers) {
-      if (wishes.*wish) signal.sendTo(client);
-    }
-  };
   if (isWanted(&Watchers::Wishes::changes)) {
     for (std::span<const Change> rest = changes; !rest.empty();) {
       const size_t count = countFitting(rest);
       Signal signal(connection_, path_, "Changed");
       fillChanged(signal.message(), serial, caller, rest.first(count));
-      send(signal, &Watchers::Wishes::changes);
+      signal.send(watchers, &Watchers::Wishes::changes);
       rest = rest.subspan(count);
     }
   }
   if (!isWanted(&Watchers::Wishes::limits)) return;
-  const std::vector<std::string> readers = readersOf(service_.database(), changes);
+  const std::vector<const ParmEntry*> readers = readersOf(service_.database(), changes);
   if (readers.empty()) return;
   Signal signal(connection_, path_, "LimitsChanged");
   MessageWriter out(signal.message());
   out.number(serial);
-  out.texts(readers);
-  send(signal, &Watchers::Wishes::limits);
+  out.array("s", [&] {
+    for (const ParmEntry* const reader : readers) out.text(reader->parm.name());
+  });
+  signal.send(watchers, &Watchers::Wishes::limits);
 }

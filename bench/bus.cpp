@@ -1,0 +1,118 @@
+// Calls of a client over a private bus, with the bus and the client's own work: the second interface
+// beside the first. What counts are ratios within one run:
+//
+//   GetState / get_range_bulk of the same names
+//   a commit with one watcher / one without
+#include <benchmark/benchmark.h>
+
+#include <map>
+#include <memory>
+#include <string>
+
+#include "bench/device.h"
+#include "tests/harness/client.h"
+#include "tests/harness/daemon.h"
+#include "tests/harness/private_bus.h"
+
+namespace {
+
+// A daemon on a bus of its own, and a client of it.
+class Served {
+ public:
+  explicit Served(const std::string& text)
+      : daemon_({.text = text, .busAddress = bus_.address()}), client_(bus_.address()) {
+    if (!client_.waitForService(daemon_.process())) abort();
+  }
+
+  void call(const char* path, const char* interface, const char* method, GVariant* arguments) {
+    GError* error = nullptr;
+    GVariant* const reply = g_dbus_connection_call_sync(
+        client_.connection(), "org.tavrel.transaction", path, interface, method, arguments, nullptr,
+        G_DBUS_CALL_FLAGS_NONE, 60000, nullptr, &error);
+    if (reply == nullptr) abort();
+    g_variant_unref(reply);
+  }
+  void parameters(const char* method, GVariant* arguments) {
+    call("/parameters", "org.tavrel.parameters1", method, arguments);
+  }
+  void transaction(const char* method, GVariant* arguments) {
+    call("/transaction", "org.tavrel.transaction", method, arguments);
+  }
+
+ private:
+  PrivateBus bus_;
+  Daemon daemon_;
+  Client client_;
+};
+
+// One at a time: the last one that was asked for.
+Served& served(const std::string& text) {
+  static std::string present;
+  static std::unique_ptr<Served> device;
+  if (device == nullptr || text != present) {
+    device.reset();
+    device = std::make_unique<Served>(text);
+    present = text;
+  }
+  return *device;
+}
+
+constexpr guint32 NO_TRANSACTION = 4294967295;
+
+GVariant* namesOf(int64_t count) {
+  GVariantBuilder names;
+  g_variant_builder_init(&names, G_VARIANT_TYPE("as"));
+  for (int64_t i = 0; i < count; ++i) {
+    g_variant_builder_add(&names, "s", ("p" + std::to_string(i)).c_str());
+  }
+  return g_variant_builder_end(&names);
+}
+
+std::string plainText(int64_t count) {
+  std::string text;
+  for (int64_t i = 0; i < count; ++i) {
+    text += "p" + std::to_string(i) + " rw { rangeValid { 0..1000 } }\n";
+  }
+  return text;
+}
+
+void list(benchmark::State& state) {
+  Served& device = served(plainText(state.range(0)));
+  while (state.KeepRunning()) device.parameters("List", g_variant_new("(s)", ""));
+}
+BENCHMARK(list)->Arg(100000)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void getState(benchmark::State& state) {
+  Served& device = served(plainText(state.range(0)));
+  while (state.KeepRunning()) {
+    device.parameters("GetState", g_variant_new("(u@as)", NO_TRANSACTION, namesOf(state.range(0))));
+  }
+}
+void getRangeBulk(benchmark::State& state) {
+  Served& device = served(plainText(state.range(0)));
+  device.transaction("start", nullptr);
+  while (state.KeepRunning()) {
+    device.transaction("get_range_bulk", g_variant_new("(u@as)", 0, namesOf(state.range(0))));
+  }
+}
+BENCHMARK(getState)->Arg(10000)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(getRangeBulk)->Arg(10000)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// A parameter and so many that follow it.
+void commit(benchmark::State& state) {
+  Served& device = served(fanText(state.range(0)));
+  const bool isWatched = state.range(1) != 0;
+  device.parameters("Watch", g_variant_new("(bb)", isWatched, isWatched));
+  int64_t commits = 0;
+  while (state.KeepRunning()) {
+    const char* const value = commits++ % 2 == 0 ? "1000" : "2000";
+    device.transaction("single_set", g_variant_new("(ss)", "limit", value));
+  }
+}
+BENCHMARK(commit)
+    ->ArgNames({"followers", "watchers"})
+    ->ArgsProduct({{1, 1000, 10000}, {0, 1}})
+    ->Unit(benchmark::kMicrosecond)
+    ->UseRealTime();
+
+}  // namespace

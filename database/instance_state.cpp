@@ -39,8 +39,7 @@ InstanceState InstanceStates::of(std::string_view name) {
   if (state.exists) {
     state.isWritable = !parm->parm.isReadOnly(gatherBound(*parm, indices, judged));
   }
-  const CommittedValue* const held = parm->parm.committed(indices);
-  state.hasValue = state.isStaged || (held != nullptr && held->announced);
+  state.hasValue = !state.value->empty();
   state.rangeResult = queryRange(transaction_.database(), staged, name, state.range);
   return state;
 }

@@ -21,7 +21,7 @@ struct InstanceState {
   bool exists = false;                 ///< a commit of the transaction would find it there
   bool isWritable = false;             ///< and would store a value that is set without force
   bool isStaged = false;               ///< the transaction has staged something for it
-  bool hasValue = false;               ///< it was ever stored, or is staged
+  bool hasValue = false;               ///< `value` is not empty
   const std::string* value = nullptr;  ///< that the transaction sees; as Transaction::find() has it
   int rangeResult = 0;                 ///< of queryRange()
   BoundsParm range;                    ///< of queryRange()

@@ -1,3 +1,4 @@
+#include "check/proof/ambiguity.h"
 #include "check/proof/questions.h"
 
 namespace {
@@ -188,13 +189,21 @@ class DerivedValues {
 
   void ask() {
     if (!findValues()) return;
+    bool isTold = false;
     for (size_t place = 0; place < values_.size(); ++place) {
       // What another range gives, too, may be meant to be held on to.
-      if (isGivenElsewhere(place) || askFirst(place)) continue;
+      if (isGivenElsewhere(place)) continue;
+      if (askFirst(place)) {
+        isTold = true;
+        continue;
+      }
       for (size_t later = place + 1; later < values_.size(); ++later) {
-        if (askPair(place, later)) break;
+        if (!askPair(place, later)) continue;
+        isTold = true;
+        break;
       }
     }
+    if (!isTold) askTogether();
   }
 
  private:
@@ -272,6 +281,14 @@ class DerivedValues {
     }
     proof_.add(std::move(finding));
     return true;
+  }
+
+  void askTogether() {
+    std::vector<DerivedRange> ranges;
+    for (const DerivedValue& derived : values_) {
+      ranges.push_back({derived.statement, derived.value.values(1)->front()});
+    }
+    askAmbiguity(proof_, subject_, ranges);
   }
 
   Proof& proof_;

@@ -158,6 +158,37 @@ TEST(Proofs, Decide) {
   }
 }
 
+TEST(Proofs, TellOfDerivedValuesThatAreHeld) {
+  const struct {
+    const char* ranges;  // with "t", 0..9, and "f[i]", 0..1
+    Codes codes;
+  } cases[] = {
+      {"rangeValid (t == 1 || f) { 1 } rangeValid (t != 1) { 0 }", {"overlap"}},
+      {"rangeValid (t == 1 && f) { 1 } rangeValid (t != 1 || f == 0) { 0 }", {}},
+      // One of several pairs is enough.
+      {"rangeValid (t) { 2 } rangeValid (f) { 1 } rangeValid (t == 0) { 0 }", {"overlap"}},
+      // A value that is given twice is held on purpose.
+      {"rangeValid (t == 1) { 1 } rangeValid (t != 1 && f) { 1 } rangeValid (t != 1) { 0 }", {}},
+      // A hysteresis has two limits; with one limit it is none.
+      {"rangeValid (t > 4) { 1 } rangeValid (t < 6) { 0 }", {}},
+      {"rangeValid (t > 4 - f) { 1 } rangeValid (t <= 4) { 0 }", {}},
+      {"rangeValid (t >= 4) { 1 } rangeValid (t <= 4) { 0 }", {"overlap"}},
+      // What is replaced is not held.
+      {"rangeValid (t) { 1 } rangeValid (f || t == 0) { \"a\" } valueChange { \"a\" -> 1 }", {}},
+      // Both count only where the parameter is not available.
+      {"ctrlValid (f[1] == 0) rangeValid (t || f[1]) { 1 } rangeValid (t == 0) { 0 }", {}}};
+  for (const auto& [ranges, codes] : cases) {
+    const Proved proved(
+        "i index { rangeValid { 1..2 } }\n"
+        "t rw { rangeValid { 0..9 } default { 0 } }\n"
+        "f rw { index { i } rangeValid { 0..1 } default { 0 } }\n"
+        "d ro { index { i } " +
+        std::string(ranges) + " }");
+    EXPECT_EQ(codesOf(proved.findings), codes) << ranges;
+    EXPECT_EQ(codesOf(proved.undecided), Codes()) << ranges;
+  }
+}
+
 // A text under proof, before any question.
 struct Asked {
   Asked() : proof(checked, limits, findings, undecided) {}

@@ -414,8 +414,13 @@ Right:
 statements of a kind have the same condition, or none, and differ. Of two such
 ranges a value is allowed when either allows it, and of two defaults only the
 first counts. So one of the two says nothing, or not what was meant. That is so,
-too, where one condition contains the other: the wider range counts as well, and
-of values that the device derives the one that is held stays.
+too, where one condition contains the other: the wider range counts as well.
+
+Of a parameter that the device derives, with one value in each range, the value
+that is held stays wherever its range still counts. So where two such ranges can
+count together, its value depends on what was before. The limits of a hysteresis
+are left alone. So are two ranges that give one value: write a value that is to
+be held on to in a range of its own.
 
 Wrong:
     gain rw { rangeValid { 0..5, 3..9 } default { 0 } }

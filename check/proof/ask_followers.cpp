@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "check/proof/cone.h"
 #include "check/proof/questions.h"
 #include "check/proof/replay.h"
 #include "check/proof/start_order.h"
@@ -11,6 +12,7 @@
 namespace {
 
 constexpr size_t MANY_COMMITS = 200;
+constexpr size_t MANY_OPENINGS = 8;
 
 // Looks for values that a parameter takes once what it follows has followed, and loses where both
 // are set in one commit: nothing depends on it, so it is judged first.
@@ -21,39 +23,128 @@ class Follower {
       : proof_(proof), database_(proof.text().database()), subject_(subject), derived_(&derived) {}
 
   void ask() {
-    std::optional<Finding> finding;
-    const bool isDone = proof_.ask([&] { finding = search(); });
-    if (finding) {
-      proof_.add(*std::move(finding));
-    } else if (!isDone || !isAsked_) {
+    const std::vector<IndexTuple> instances = someInstances(subject_.parm->parm, 1);
+    if (instances.empty()) return;
+    indices_ = instances.front();
+    name_ = fullName(subject_.name(), indices_);
+    bool isDone = search();
+    for (const Goal& goal : openings()) {
+      if (found_ || !isDone) break;
+      const HealthyResult open = proof_.findHealthy(
+          goal, [this](const IndexTuple& indices) { return indices == indices_; });
+      if (open.verdict != VERDICT_POSSIBLE) continue;
+      base_ = open.witness;
+      isDone = search();
+    }
+    if (found_) {
+      proof_.add(*std::move(found_));
+    } else if (!isDone) {
       proof_.addUndecided(
           findingWith("set in one commit with others, this", "a value that fits can be lost"));
     }
   }
 
  private:
-  std::optional<Finding> search() {
-    const std::vector<IndexTuple> instances = someInstances(subject_.parm->parm, 1);
-    if (instances.empty()) return std::nullopt;
-    indices_ = instances.front();
-    name_ = fullName(subject_.name(), indices_);
-    StartOrder order;
-    isAsked_ = findStartOrder(database_, name_, order);
-    names_ = order.names;
-    ConfinedCommits commits(names_, database_);
-    for (const Instance& instance : order.instances) {
-      if (found_ || !isAsked_) break;
-      const bool isDerived = !instance.parm->sources.empty();
-      if (!isDerived && instance.isComplete()) askChange(instance, commits);
+  // That clients may set it.
+  [[nodiscard]] Goal isOpen() const {
+    Goal goal{&subject_};
+    for (const CompiledStatement& control : subject_.ctrlValid) {
+      if (control.condition) goal.clauses.push_back({{&*control.condition, WANT_TRUE}});
     }
-    return found_;
+    for (const CompiledStatement& control : subject_.ctrlRO) {
+      if (control.condition) goal.clauses.push_back({{&*control.condition, WANT_UNTRUE}});
+    }
+    return goal;
+  }
+
+  // Situations to look at besides the defaults: it is open, and each of its ranges counts.
+  [[nodiscard]] std::vector<Goal> openings() const {
+    std::vector<Goal> goals;
+    if (!isOpen().clauses.empty()) goals.push_back(isOpen());
+    for (const CompiledStatement& range : subject_.rangeValid) {
+      if (!range.condition || goals.size() == MANY_OPENINGS) continue;
+      goals.push_back(isOpen());
+      goals.back().clauses.push_back({{&*range.condition, WANT_TRUE}});
+    }
+    return goals;
+  }
+
+  // What it depends on.
+  [[nodiscard]] Cone cone() const {
+    Goal goal{&subject_};
+    goal.dependsOnRanges = true;
+    for (const auto* controls : {&subject_.ctrlValid, &subject_.ctrlRO}) {
+      for (const CompiledStatement& control : *controls) {
+        if (control.condition) goal.clauses.push_back({{&*control.condition, WANT_TRUE}});
+      }
+    }
+    Cone cone(goal, Reader(subject_.parm, indices_, indices_.size()));
+    cone.noteUses(goal, proof_.text());
+    return cone;
+  }
+
+  // Whether it holds what others say, whoever sets it.
+  [[nodiscard]] bool isDerived(const ParmEntry& parm) const {
+    const ParameterRecord& record = *proof_.text().find(parm.parm.name())->record;
+    return !parm.sources.empty() &&
+           (record.access == ACCESS_RO || record.access == ACCESS_ROSTRICT);
+  }
+
+  // Whether a change of `parm` may be seen too late: what it follows itself may be all that lies
+  // between.
+  [[nodiscard]] bool mayTakeAway(const ParmEntry& parm) const {
+    if (&parm == subject_.parm || isDerived(parm)) return false;
+    return parm.sources.empty() || derivedFrom(&parm) != nullptr;
+  }
+
+  // Leaves in `found_` what is lost from the base on, if anything. Returns whether no limit was
+  // passed.
+  bool search() {
+    isAsked_ = true;
+    commits_ = 0;
+    const bool isDone = proof_.ask([this] {
+      StartOrder order;
+      isAsked_ = findStartOrder(database_, name_, order);
+      if (!isAsked_) return;
+      names_ = order.names;
+      ConfinedCommits commits(names_, database_);
+      const Cone followed = cone();
+      leaveSettable(followed, commits);
+      for (const ConeInstance& instance : followed.instances()) {
+        if (found_ || !isAsked_) break;
+        if (mayTakeAway(*instance.parm)) askChange(instance, commits);
+      }
+    });
+    return isDone && isAsked_;
+  }
+
+  // Leaves of the base what no default and no other value gives.
+  void leaveSettable(const Cone& followed, ConfinedCommits& commits) {
+    static_cast<void>(commits.moveFromDefaults({}));
+    std::erase_if(base_, [&](const auto& move) {
+      const auto instance =
+          std::ranges::find(followed.instances(), move.first, &ConeInstance::name);
+      return instance == followed.instances().end() || isDerived(*instance->parm) ||
+             instance->held() == move.second;
+    });
+  }
+
+  // The values of an instance to try; the empty one, which stands for the default, first.
+  std::vector<std::string> valuesOf(const ConeInstance& instance) {
+    const NameDomain& domain =
+        proof_.domains().of(database_.findSource(instance.parm->parm.name()));
+    std::vector<std::string> values;
+    for (const auto& value : candidatesFor(domain, instance.use, TRIED_VALUES).values) {
+      if (value && !value->empty()) values.push_back(*value);
+    }
+    if (domain.values.contains("")) values.insert(values.begin(), std::string());
+    return values;
   }
 
   // Leaves in `found_` what is lost, if anything.
-  void askChange(const Instance& changed, ConfinedCommits& commits) {
-    const std::string change = fullName(changed.parm->parm.name(), changed.indices);
-    const NameDomain& domain = proof_.domains().of(database_.findSource(changed.parm->parm.name()));
-    const std::vector<std::string> values = valuesToTry(domain.values, TRIED_VALUES);
+  void askChange(const ConeInstance& changed, ConfinedCommits& commits) {
+    const std::string change = changed.name();
+    const std::vector<std::string> values = valuesOf(changed);
     std::vector<Domain> ranges;
     for (const std::string& value : values) {
       if (proof_.isOver()) break;
@@ -77,9 +168,12 @@ class Follower {
     }
   }
 
-  // The one move that sets `value`; none for the empty one, with which everything has its default.
-  static NamedValues startWith(const std::string& name, const std::string& value) {
-    return value.empty() ? NamedValues() : NamedValues{{name, value}};
+  // The base, but with `value` of `name`; with its default where that is empty.
+  [[nodiscard]] NamedValues startWith(const std::string& name, const std::string& value) const {
+    NamedValues start = base_;
+    std::erase_if(start, [&](const auto& move) { return move.first == name; });
+    if (!value.empty()) start.emplace_back(name, value);
+    return start;
   }
 
   // Whether a value is taken at all in what is set now.
@@ -118,14 +212,16 @@ class Follower {
     static_cast<void>(commits.moveFromDefaults(start));
     commitOf({change});
     commitOf({{name_, own}});
-    if (held() != own) return;
+    if (held() != own || !isHeld(change)) return;
     static_cast<void>(commits.moveFromDefaults(start));
     const bool wasWritable = isWritable();
     commitOf({change, {name_, own}});
     const std::string left = held();
-    if (left == own) return;
+    if (left == own || !isHeld(change)) return;
     const std::string changed = '"' + std::string(baseName(change.first)) + '"';
-    derived_ = derivedFrom(database_.findNamed(change.first));
+    if (const Subject* const derived = derivedFrom(database_.findNamed(change.first))) {
+      derived_ = derived;
+    }
     const std::string loss =
         wasWritable ? "\" becomes \"" + left + '"'
                     : "\" is passed over, because the parameter was read-only or not available";
@@ -152,7 +248,7 @@ class Follower {
             {{placeOfName(*derived_), "defined here"}}};
   }
 
-  // What it follows and what follows `changed`.
+  // What it follows and what follows `changed`, or null.
   [[nodiscard]] const Subject* derivedFrom(const ParmEntry* changed) const {
     for (const VariableSource& source : subject_.parm->sources) {
       std::set<const ParmEntry*> seen = {subject_.parm, changed};
@@ -161,7 +257,7 @@ class Follower {
         return proof_.text().find(source.parm->parm.name());
       }
     }
-    return derived_;
+    return nullptr;
   }
 
   static bool follows(const ParmEntry& parm, const ParmEntry* changed,
@@ -174,11 +270,20 @@ class Follower {
   }
 
   static std::string beforeText(const NamedValues& start) {
-    if (start.empty()) return {};
-    return ", where " + start.front().first + " was \"" + start.front().second + '"';
+    std::string text;
+    for (const auto& [name, value] : start) {
+      text.append(text.empty() ? ", where " : " and ").append(name).append(" was \"");
+      text.append(value).append("\"");
+    }
+    return text;
   }
 
   [[nodiscard]] std::string held() const { return subject_.parm->parm.committedText(indices_); }
+
+  [[nodiscard]] bool isHeld(const std::pair<std::string, std::string>& value) const {
+    const std::string* const held = Transaction(database_).find(value.first);
+    return held != nullptr && *held == value.second;
+  }
 
   Proof& proof_;
   Database& database_;
@@ -186,6 +291,7 @@ class Follower {
   const Subject* derived_;
   std::string name_;
   IndexTuple indices_;
+  NamedValues base_ = {};           // what is set before, beside the defaults
   std::vector<std::string> names_;  // of what it depends on, and its own
   size_t commits_ = 0;
   std::optional<Finding> found_;

@@ -189,6 +189,35 @@ TEST(Proofs, TellOfDerivedValuesThatAreHeld) {
   }
 }
 
+TEST(Proofs, TellOfValuesThatFollowersLose) {
+  const struct {
+    const char* text;
+    Codes codes;
+  } cases[] = {
+      // One number of many, and one text of all.
+      {"a rw { rangeValid { 0..100 } default { 0 } } d ro { rangeValid { (a == 37) } }\n"
+       "f rw { rangeValid { 0..9 } default { 0 } ctrlRO (d == 0) }",
+       {"late-follower"}},
+      {"a rw { } d ro { rangeValid { (a $ \"x\") } }\n"
+       "f rw { rangeValid (d) { 0..9 } rangeValid (d == 0) { 0 } default { 0 } }",
+       {"late-follower"}},
+      // Of an instance, where two have to be right.
+      {"i index { rangeValid { 1..2 } } a rw { rangeValid { 0..1 } default { 0 } }\n"
+       "b rw { index { i } rangeValid { 0..1 } default { 0 } }\n"
+       "d ro { index { i } rangeValid { (a && b) } }\n"
+       "f rw { index { i } rangeValid { 0..9 } default { 0 } ctrlValid (a) ctrlRO (d == 0) }",
+       {"late-follower"}},
+      // All that lies between is what is set: it is seen at once.
+      {"a rw { rangeValid { 1..9 } default { 9 } } b rw { rangeValid { 0..(a) } default { 0 } }\n"
+       "f rw { rangeValid { 0..(b) } default { 0 } }",
+       {}}};
+  for (const auto& [text, codes] : cases) {
+    const Proved proved(text);
+    EXPECT_EQ(codesOf(proved.findings), codes) << text;
+    EXPECT_EQ(codesOf(proved.undecided), Codes()) << text;
+  }
+}
+
 // A text under proof, before any question.
 struct Asked {
   Asked() : proof(checked, limits, findings, undecided) {}

@@ -218,6 +218,40 @@ TEST(Proofs, TellOfValuesThatFollowersLose) {
   }
 }
 
+TEST(Proofs, TellOfControlsThatAreLocked) {
+  const struct {
+    const char* statements;  // with "a", 0..1, and "b", 0..2
+    Codes codes;
+  } cases[] = {{"ctrlRO (a == 0) ctrlRO (a == 1)", {"always-true"}},
+               {"ctrlRO (a == 0) ctrlRO (b == 1)", {}},
+               {"ctrlRO (b == 0) ctrlRO (b == 1) ctrlRO (b == 2)", {"always-true"}},
+               {"ctrlRO (b == 0) ctrlRO (b == 1)", {}},
+               {"ctrlValid (a) ctrlRO (a == 1)", {"always-true"}},
+               {"ctrlValid (a) ctrlRO (a == 0)", {}},
+               {"ctrlValid (a) ctrlRO (a == 0) ctrlRO (b == 1)", {}},
+               {"ctrlValid (b) ctrlValid (b != 1) ctrlRO (b == 2)", {"always-true"}},
+               {"ctrlValid (a) ctrlValid (a == 0)", {"never-true"}},
+               {"ctrlValid (a) ctrlValid (b < 2) ctrlValid (b == 2)", {"never-true"}},
+               // One that is told of alone says enough.
+               {"ctrlRO (a < 2) ctrlRO (a == 1)", {"always-true"}},
+               {"ctrlValid (a == 2) ctrlValid (a == 1)", {"never-true"}},
+               // A ctrlRO knows the index value.
+               {"ctrlRO (i == 1) ctrlRO (i == 2)", {"always-true"}},
+               {"ctrlValid (a) ctrlRO (i == 1) ctrlRO (a == 0)", {}},
+               // What is decided when the text is read may be meant.
+               {"ctrlRO (1) ctrlRO (a == 0)", {}}};
+  for (const auto& [statements, codes] : cases) {
+    const Proved proved(
+        "i index { rangeValid { 1..2 } }\n"
+        "a rw { rangeValid { 0..1 } default { 0 } }\n"
+        "b rw { rangeValid { 0..2 } default { 0 } }\n"
+        "c rw { index { i } rangeValid { 0..9 } default { 0 } " +
+        std::string(statements) + " }");
+    EXPECT_EQ(codesOf(proved.findings), codes) << statements;
+    EXPECT_EQ(codesOf(proved.undecided), Codes()) << statements;
+  }
+}
+
 // A text under proof, before any question.
 struct Asked {
   Asked() : proof(checked, limits, findings, undecided) {}

@@ -10,6 +10,7 @@ void prove(const CheckedText& checked, const ExplainedPlaces& explainedPlaces,
   Proof proof(checked, limits, findings, undecided);
   Explained explained(explainedPlaces, proof.text(), findings);
   askConditions(proof, explained);
+  askControls(proof, explained);
   askReachability(proof, explained);
   askComparisons(proof, explained);
   askValues(proof, explained);

@@ -12,6 +12,8 @@ constexpr size_t MAX_ASKED_TOKENS = 300;
 
 /// never-true and always-true: conditions.
 void askConditions(Proof& proof, Explained& explained);
+/// always-true and never-true: controls that several statements together lock for good.
+void askControls(Proof& proof, const Explained& explained);
 /// unreachable: defaults and ranges that an earlier statement always covers.
 void askReachability(Proof& proof, Explained& explained);
 /// dead-comparison: comparisons in an item, a default or a part of a condition that are the same in

@@ -14,8 +14,9 @@ constexpr FindingCode CODES[] = {
     {"always-true", GROUP_PROVED, LEVEL_WARNING, "a condition holds in every situation",
      R"(A condition is true whatever the parameters hold, in all variants that were
 asked for. So it decides nothing: what it governs applies always, and a ctrlRO
-makes the parameter read-only for good. Mostly a comparison is the wrong way
-round, or a bound is not the one that was meant.
+makes the parameter read-only for good; so do several of which one always holds.
+Mostly a comparison is the wrong way round, or a bound is not the one that was
+meant.
 
 Wrong:
     speed rw { rangeValid { 0..9 } default { 0 } }
@@ -293,9 +294,10 @@ Right:
 )"},
     {"never-true", GROUP_PROVED, LEVEL_WARNING, "a condition holds in no situation",
      R"(A condition is never true whatever the parameters hold, in all variants that
-were asked for. What it governs never applies. Mostly an && was to be an ||, or
-a word is misspelt. It is an error where that leaves a parameter without a range
-in some situation.
+were asked for. What it governs never applies. Two ctrlValid that are never true
+together leave a definition that is never available. Mostly an && was to be an
+||, or a word is misspelt. It is an error where that leaves a parameter without
+a range in some situation.
 
 Wrong:
     mode rw { rangeValid { 0..3 } default { 0 } }

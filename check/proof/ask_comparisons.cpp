@@ -13,8 +13,8 @@ bool isLiteral(const ExpressionNode& node) {
 // Asks the comparisons of an expression, of a condition those that are only a part of it.
 class Comparisons {
  public:
-  Comparisons(Proof& proof, const Subject& subject, bool seesIndices)
-      : proof_(proof), subject_(subject), seesIndices_(seesIndices) {}
+  Comparisons(Proof& proof, const Explained& explained, const Subject& subject, bool seesIndices)
+      : proof_(proof), explained_(explained), subject_(subject), seesIndices_(seesIndices) {}
 
   void ask(const Expression& expression, ExpressionPurpose purpose) {
     if (expression.tokens.size() > MAX_ASKED_TOKENS) return;
@@ -36,6 +36,7 @@ class Comparisons {
  private:
   // Tells that `part` is never true or always true, if so.
   void askPart(const CompiledExpression& part, const TextPlace& at) {
+    if (explained_.usesMisspelt(part)) return;
     for (const ComparedValue& compared : comparedValues(proof_, part.expression)) {
       if (isToldOfStandard(proof_, compared)) return;
     }
@@ -58,6 +59,7 @@ class Comparisons {
   }
 
   Proof& proof_;
+  const Explained& explained_;
   const Subject& subject_;
   bool seesIndices_;
 };
@@ -67,7 +69,7 @@ class Comparisons {
 void askComparisons(Proof& proof, const Explained& explained) {
   const auto ask = [&](const Subject& subject, const std::vector<CompiledStatement>& statements,
                        bool seesIndices) {
-    Comparisons comparisons(proof, subject, seesIndices);
+    Comparisons comparisons(proof, explained, subject, seesIndices);
     const auto askValue = [&](const std::optional<CompiledExpression>& value) {
       if (!value || explained.explains(*value)) return;
       comparisons.ask(value->expression, FOR_VALUE);

@@ -140,7 +140,8 @@ void askConditions(Proof& proof, Explained& explained) {
       for (const CompiledStatement& statement : subject.*kind.statements) {
         const bool isAsked = statement.condition &&
                              !statement.condition->sources.empty() &&  // the builder tells of these
-                             !explained.explains(statement);
+                             !explained.explains(statement) &&
+                             !explained.usesMisspelt(*statement.condition);
         if (isAsked) askCondition(proof, subject, kind, statement, found);
       }
     }

@@ -71,7 +71,9 @@ Explained::Explained(const ExplainedPlaces& explainedPlaces, const CompiledText&
     if (explains(subject.rangeValid) || explainedText(subject) != nullptr) doubts.add(subject);
     for (const CompiledStatement& range : subject.rangeValid) {
       for (const CompiledItem& item : range.items) {
-        if (misspelt.contains({item.at.line, item.at.column})) doubts.addUsersOf(subject.parm);
+        if (!misspelt.contains({item.at.line, item.at.column})) continue;
+        misspelt_.insert(subject.parm);
+        doubts.addUsersOf(subject.parm);
       }
     }
   }
@@ -96,6 +98,12 @@ bool Explained::explains(const CompiledStatement& statement) const {
 bool Explained::explains(const std::vector<CompiledStatement>& statements) const {
   return std::ranges::any_of(
       statements, [this](const CompiledStatement& statement) { return explains(statement); });
+}
+
+bool Explained::usesMisspelt(const CompiledExpression& expression) const {
+  return std::ranges::any_of(expression.sources, [this](const VariableSource& source) {
+    return source.figure != nullptr && misspelt_.contains(source.parm);
+  });
 }
 
 const CompiledItem* Explained::explainedText(const Subject& subject,

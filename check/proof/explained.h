@@ -27,6 +27,10 @@ class Explained {
   [[nodiscard]] bool explains(const CompiledStatement& statement) const;
   [[nodiscard]] bool explains(const std::vector<CompiledStatement>& statements) const;
 
+  /// Whether `expression` uses a figure of a parameter with a value that was to select a standard
+  /// and does not: what it gives in all situations may be due to that.
+  [[nodiscard]] bool usesMisspelt(const CompiledExpression& expression) const;
+
   /// The text of the ranges of `subject` about which one says so, that is `text` or any, or null:
   /// what is corrected to it, or should be it, cannot be right.
   [[nodiscard]] const CompiledItem* explainedText(const Subject& subject,
@@ -38,6 +42,7 @@ class Explained {
 
  private:
   std::set<const ParmEntry*> doubtful_;
+  std::set<const ParmEntry*> misspelt_;  // those with such a value
 };
 
 /// Whether `statement` has the condition of an earlier one of `statements`.

@@ -376,6 +376,24 @@ TEST(BuildCauses, OfVideoStandards) {
         "1:34 warning: \"720p50\" selects no video standard "
         "[unknown-standard]",
         "1:55 note: also used here", "1:34 meant: \"720p/50\""}},
+      // Without a rate; where a link could follow, it is no name.
+      {"s rw { rangeValid { \"1080i\", \"625i\", \"3G\", \"720\" } }\n" + with,
+       {"1:21 warning: \"1080i\" selects no video standard: the rate is missing, as in "
+        "1080i/60.00, 1080i/59.94 or 1080i/50 [unknown-standard]",
+        "1:30 warning: \"625i\" selects no video standard [unknown-standard]",
+        "1:30 meant: \"625i/50\""}},
+      // What is compared with is one of the values.
+      {"s rw { rangeValid { \"1080i/59.94\", \"720p/50\" } ctrlRO (s == \"1080i/60\") }\n" + with,
+       {"1:61 warning: \"1080i/60\" selects no video standard [unknown-standard]",
+        "1:1 note: s is \"1080i/59.94\" or \"720p/50\""}},
+      {"s rw { rangeValid { \"1080i/59.94\", \"720p/50\" } ctrlRO (s == \"1080i\") }\n" + with,
+       {"1:61 warning: \"1080i\" selects no video standard: the rate is missing, as in "
+        "1080i/60.00, 1080i/59.94 or 1080i/50 [unknown-standard]",
+        "1:1 note: s is \"1080i/59.94\" or \"720p/50\"", "1:61 meant: \"1080i/59.94\""}},
+      {"s rw { rangeValid { \"1080i\" } ctrlRO (s == \"1080i\") }\n" + with,
+       {"1:21 warning: \"1080i\" selects no video standard: the rate is missing, as in "
+        "1080i/60.00, 1080i/59.94 or 1080i/50 [unknown-standard]",
+        "1:44 note: also used here"}},
       // No figure is asked of it; a part of a name; a text that is translated.
       {"s rw { rangeValid { \"720p50\" } }\n", {}},
       {"s rw { }\nb rw { ctrlRO (s $ \"1080I/5\") }\n" + with, {}},

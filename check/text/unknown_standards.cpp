@@ -82,6 +82,54 @@ bool isWrittenLikeAStandard(std::string_view text) {
                              [&](std::string_view name) { return shapeOf(name) == shape; });
 }
 
+// The names that go on behind `text` with a rate: "720p/50" of "720p".
+std::vector<std::string_view> namesWithRate(std::string_view text) {
+  const std::string start = std::string(text) + "/";
+  std::vector<std::string_view> names;
+  for (const std::string_view name : namesOfTheCatalogue()) {
+    const bool goesOn =
+        name.starts_with(start) && name.find('/', start.size()) == std::string_view::npos;
+    // Some are standards and formats.
+    if (goesOn && std::ranges::find(names, name) == names.end()) names.push_back(name);
+  }
+  return names;
+}
+
+// "720p/60.00, 720p/59.94 or others".
+std::string someOf(std::vector<std::string_view> names) {
+  constexpr size_t FEW = 3;
+  if (names.size() > FEW) {
+    names.resize(FEW - 1);
+    names.emplace_back("others");
+  }
+  return listOf(names);
+}
+
+// The texts of a parameter that takes no others; none where its range is not known.
+std::vector<std::string_view> textsTakenBy(const ParameterRecord& record) {
+  std::vector<std::string_view> texts;
+  for (const RangeStatement& range : record.rangeValid) {
+    for (const RangeItem& item : range.items) {
+      if (!item.text) return {};
+      texts.push_back(*item.text);
+    }
+  }
+  return texts;
+}
+
+// What of `texts` was most likely meant by `text`, which is none of them.
+std::optional<std::string> nearestOf(std::span<const std::string_view> texts,
+                                     std::string_view text) {
+  const auto isLonger = [&](std::string_view one) { return one.starts_with(text); };
+  if (std::ranges::count_if(texts, isLonger) == 1) {
+    return std::string(*std::ranges::find_if(texts, isLonger));
+  }
+  NearestWord nearest(text);
+  nearest.offer(texts);
+  if (!nearest.found()) return {};
+  return std::string(*nearest.found());
+}
+
 bool selectsNothing(std::string_view text) {
   const vidSelection_t selected = selectVid(text);
   return selected.standard == nullptr && selected.format == nullptr;
@@ -142,9 +190,35 @@ class StandardTexts {
   void checkComparison(const Token& name, const Token& text) {
     const bool isSelector = name.kind == TOKEN_VARIABLE && selectors_.contains(baseName(name.text));
     if (!isSelector || text.kind != TOKEN_STRING) return;
-    if (std::optional<Finding> finding = findingOf(text.text, text.at)) {
-      findings_.add(*std::move(finding));
+    std::optional<Finding> finding = findingOf(text.text, text.at);
+    if (!finding) return;
+    const ParameterRecord* const record = facts_.defined(baseName(name.text));
+    const std::vector<std::string_view> taken =
+        record == nullptr ? std::vector<std::string_view>() : textsTakenBy(*record);
+    if (std::ranges::find(taken, text.text) != taken.end()) {
+      repeated_.add(std::string(text.text), *std::move(finding));
+      return;
     }
+    if (!taken.empty()) proposeTaken(*finding, text.text, *record, taken);
+    findings_.add(*std::move(finding));
+  }
+
+  // Nothing that the parameter does not take helps in a comparison.
+  void proposeTaken(Finding& finding, std::string_view text, const ParameterRecord& record,
+                    const std::vector<std::string_view>& taken) const {
+    const bool isTaken = finding.proposal && std::ranges::any_of(taken, [&](std::string_view one) {
+                           return inQuotes(one) == finding.proposal->text;
+                         });
+    if (isTaken) return;
+    finding.proposal.reset();
+    if (const std::optional<std::string> near = nearestOf(taken, text)) {
+      finding.proposal = Proposal{finding.at, inQuotes(*near)};
+    }
+    std::vector<std::string> quotations;
+    for (const std::string_view one : taken) quotations.push_back(quoted(one));
+    finding.related.push_back(
+        {facts_.nameOf(record),
+         std::string(record.name) + " is " + someOf({quotations.begin(), quotations.end()})});
   }
 
   void checkText(std::string_view text, Position at) {
@@ -156,8 +230,14 @@ class StandardTexts {
     const TextPlace place = facts_.tokenAt(at);
     if (isUnknownStandard(text)) {
       Finding finding{"unknown-standard", place, quoted(text) + " selects no video standard"};
-      const std::optional<std::string> near = nearestStandard(text);
-      if (near) finding.proposal = Proposal{place, inQuotes(*near)};
+      std::optional<std::string> near = nearestStandard(text);
+      const std::vector<std::string_view> longer = namesWithRate(text);
+      if (!near && longer.size() == 1) near = std::string(longer.front());
+      if (near) {
+        finding.proposal = Proposal{place, inQuotes(*near)};
+      } else if (!longer.empty()) {
+        finding.text += ": the rate is missing, as in " + someOf(longer);
+      }
       return finding;
     }
     if (trimmed(text) == text || selectsNothing(text)) return {};
@@ -177,7 +257,8 @@ class StandardTexts {
 }  // namespace
 
 bool isUnknownStandard(std::string_view text) {
-  return selectsNothing(text) && (nearestStandard(text) || isWrittenLikeAStandard(text));
+  return selectsNothing(text) &&
+         (nearestStandard(text) || isWrittenLikeAStandard(text) || !namesWithRate(text).empty());
 }
 
 void addUnknownStandards(const TextFacts& facts, Findings& findings) {

@@ -252,6 +252,33 @@ TEST(Proofs, TellOfControlsThatAreLocked) {
   }
 }
 
+TEST(Proofs, TellOfDeadPartsOfAnExpression) {
+  const struct {
+    const char* expression;  // of "a" and "b", 1..3
+    Codes codes;
+  } cases[] = {{"a == 1 || (a == 2 && a == 3)", {"dead-comparison"}},
+               {"a == 1 || (a == 2 && b == 3)", {}},
+               {"b == 1 && (a != 2 || a != 3)", {"dead-comparison"}},
+               {"b == 1 && (a != 2 || b != 3)", {}},
+               // All of a row together, and with what is within.
+               {"b == 2 || (a == 2 && b == 1 && a == 3)", {"dead-comparison"}},
+               {"b == 2 || (a == 2 && (b == 1 || a == 1) && b == 3)", {"dead-comparison"}},
+               // Once, where a part of it is told.
+               {"b == 1 || (a == 4 && a == 3)", {"dead-comparison"}},
+               {"b == 1 || (a == 3 && (b == 2 || (a == 1 && a == 2)))", {"dead-comparison"}},
+               // The whole is told as a condition.
+               {"a == 2 && a == 3 && b == 1", {"never-true"}}};
+  for (const auto& [expression, codes] : cases) {
+    const Proved proved(
+        "a rw { rangeValid { 1..3 } default { 1 } }\n"
+        "b rw { rangeValid { 1..3 } default { 1 } }\n"
+        "c rw { rangeValid { 0..9 } default { 0 } ctrlRO (" +
+        std::string(expression) + ") }");
+    EXPECT_EQ(codesOf(proved.findings), codes) << expression;
+    EXPECT_EQ(codesOf(proved.undecided), Codes()) << expression;
+  }
+}
+
 // A text under proof, before any question.
 struct Asked {
   Asked() : proof(checked, limits, findings, undecided) {}

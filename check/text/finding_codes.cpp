@@ -93,8 +93,9 @@ Right:
 )"},
     {"dead-comparison", GROUP_PROVED, LEVEL_WARNING, "a comparison with what is never there",
      R"(One side of a comparison can never be equal to the other, or is always less, or
-a number is compared with a text. Mostly a word is misspelt, or the range has
-changed and the condition has not.
+a number is compared with a text. Or the comparisons in a part of a condition
+are never true together, or one of them always is. Mostly a word is misspelt, or
+the range has changed and the condition has not.
 
 Wrong:
     mode rw { rangeValid { "film", "video", "still" } default { "film" } }

@@ -49,6 +49,10 @@ std::string valuesText(const BoundsParm& bounds) {
   return text.size() < LONGEST ? text : text + ", ...";
 }
 
+bool isQuotedText(std::string_view value) {
+  return value.size() > 2 && value.front() == '"' && value.back() == '"';
+}
+
 std::string countOf(size_t count, const std::string& one, const std::string& many) {
   return (count == 0 ? "no" : std::to_string(count)) + " " + (count == 1 ? one : many);
 }
@@ -148,9 +152,12 @@ class BuildCauses {
     const size_t count = named->indices.empty() ? 0 : named->indices.front().size();
     const size_t given = parts.indices.size();
     if (count != given) {
-      const std::string text = std::string(named->name) + " has " +
-                               countOf(count, "index", "indices") + ", " + std::to_string(given) +
-                               (given == 1 ? " is" : " are") + " given";
+      std::string text = std::string(named->name) + " has " + countOf(count, "index", "indices") +
+                         ", " + std::to_string(given) + (given == 1 ? " is" : " are") + " given";
+      if (count == 0 && given == 1 && isQuotedText(parts.indices.front())) {
+        text += "; a comparison with its value is written " + std::string(named->name) +
+                " == " + parts.indices.front();
+      }
       return add({"index-mismatch", place, text, {{facts_.nameOf(*named), "defined here"}}});
     }
     const IndexedName written = {name, referenced, parts, place};
@@ -237,7 +244,7 @@ class BuildCauses {
     const bool isName = value == name || facts_.defined(value) != nullptr ||
                         facts_.isConstant(value) ||
                         (index->baseBounds().strings().count() == 0 && !wholeNumber(value));
-    const bool isQuoted = value.size() > 2 && value.front() == '"' && value.back() == '"';
+    const bool isQuoted = isQuotedText(value);
     const std::string bare = isQuoted ? value.substr(1, value.size() - 2) : value;
     if (isQuoted && fitIndices(one, {bare})) {
       finding.text = "an index value in brackets has no quotes";

@@ -121,6 +121,11 @@ TEST(BuildCauses, OfStatements) {
        {"6:9 error: level has 1 index, 2 are given [index-mismatch]", "3:1 note: defined here"}},
       {"ctrlRO (mode[1])",
        {"6:9 error: mode has no indices, 1 is given [index-mismatch]", "2:1 note: defined here"}},
+      {"ctrlRO (mode[\"film\"])",
+       {"6:9 error: mode has no indices, 1 is given; a comparison with its value is written mode "
+        "== "
+        "\"film\" [index-mismatch]",
+        "2:1 note: defined here"}},
       {"ctrlRO (level[3])",
        {"6:9 error: the index \"channel\" has no value \"3\": it has 1..2 [index-mismatch]",
         "1:1 note: defined here"}},

@@ -181,7 +181,9 @@ void askDefaults(Proof& proof, const Explained& explained) {
     bool isTold = false;
     for (const CompiledStatement& statement : subject.defaults) {
       const CompiledItem& value = statement.items.front();
-      if (value.text && explained.explainedText(subject, *value.text) != nullptr) {
+      const bool isExplained = value.text ? explained.explainedText(subject, *value.text) != nullptr
+                                          : explained.places.contains(value.at);
+      if (isExplained) {
         isTold = true;
       } else if (!explained.dead.contains(&statement)) {
         isTold = askDefault(proof, subject, statement) || isTold;

@@ -44,6 +44,7 @@ class OctalCheck {
     forEachExpression(record, [&](ExpressionUse /*use*/, const Expression& expression) {
       checkExpression(expression);
     });
+    for (const RangeStatement& range : record.rangeValid) checkSpans(range, record);
     for (const Translation& translation : record.valueChange) checkTranslation(translation, record);
     for (const DefaultStatement& statement : record.defaults) {
       if (statement.text) checkQuoted(valuePlace(source(), statement.at), *statement.text, record);
@@ -87,6 +88,58 @@ class OctalCheck {
       end += 4;
     }
     return TextPlace{at.line, static_cast<uint32_t>(from), static_cast<uint32_t>(end - from)};
+  }
+
+  // 1..86,400 is a span and an item, and may be meant so, unless a default lies between.
+  void checkSpans(const RangeStatement& range, const ParameterRecord& record) {
+    for (size_t i = 1; i < range.items.size(); ++i) {
+      const RangeItem& span = range.items[i - 1];
+      const RangeItem& item = range.items[i];
+      if (!span.upper || item.text || item.upper) continue;
+      const std::optional<int32_t> end = numberOf(*span.upper);
+      const std::optional<int32_t> group = numberOf(item.lower);
+      if (!end || !group || *end < 1 || *end > 999 || *group < 100 || *group > 999) continue;
+      const TextPlace from = tokenPlace(source(), span.upper->tokens.front());
+      const TextPlace at = tokenPlace(source(), item.lower.tokens.front());
+      const bool isJoined = from.line == at.line && from.column + from.length + 1 == at.column;
+      const TextPlace whole = {from.line, from.column, from.length + 1 + at.length};
+      const DefaultStatement* const between =
+          isJoined ? defaultBetween(record, *end, *end * 1000 + *group) : nullptr;
+      if (between == nullptr) continue;
+      tellThousands(at, whole);
+      context_.explained().add(between->at);
+    }
+  }
+
+  // A default above `low`, up to `high`, that no range takes; null where there is none.
+  static const DefaultStatement* defaultBetween(const ParameterRecord& record, int32_t low,
+                                                int32_t high) {
+    for (const DefaultStatement& statement : record.defaults) {
+      const std::optional<int32_t> number =
+          statement.text ? std::nullopt : numberOf(statement.value);
+      if (number && low < *number && *number <= high && !mayTake(record, *number)) {
+        return &statement;
+      }
+    }
+    return nullptr;
+  }
+
+  // Whether a range has the number, or an item that is no number.
+  static bool mayTake(const ParameterRecord& record, int32_t number) {
+    return std::ranges::any_of(record.rangeValid, [&](const RangeStatement& range) {
+      return std::ranges::any_of(range.items, [&](const RangeItem& item) {
+        if (item.text) return false;
+        const std::optional<int32_t> low = numberOf(item.lower);
+        const std::optional<int32_t> high = item.upper ? numberOf(*item.upper) : low;
+        return !low || !high || (*low <= number && number <= *high);
+      });
+    });
+  }
+
+  static std::optional<int32_t> numberOf(const Expression& expression) {
+    const std::span<const Token> tokens = expression.tokens;
+    if (tokens.size() != 1 || tokens.front().kind != TOKEN_NUMBER) return std::nullopt;
+    return tokens.front().number;
   }
 
   void tellThousands(const TextPlace& at, const TextPlace& whole) {

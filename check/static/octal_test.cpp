@@ -52,6 +52,16 @@ TEST(Octal, IsNoGroupOfThousands) {
       {"a rw { rangeValid { 1, 000 } }"},
       {"a rw { rangeValid { 1024,00 } }"},
       {"a rw { rangeValid { 1024,000 } }"},
+      // A default tells what a span is.
+      {"a rw { rangeValid { 1..86,400 } default { 3600 } }", {"1:24 86,400"}},
+      {"a rw { rangeValid { 1..86,400 } default { 86400 } }", {"1:24 86,400"}},
+      {"a rw { rangeValid { 1..86,400 } default { 86401 } }"},
+      {"a rw { rangeValid { 1..86,400 } default { 86 } }"},
+      {"a rw { rangeValid { 1..86,400 } default { 400 } }"},
+      {"a rw { rangeValid { 1..86,400, 3600 } default { 3600 } }"},
+      {"a rw { rangeValid { 1..86, 400 } default { 3600 } }"},
+      {"a rw { rangeValid { 1..86,400..500 } default { 3600 } }"},
+      {"a rw { rangeValid { 1..1086,400 } default { 3600 } }"},
   };
   expectFound(checkOctal, cases);
   EXPECT_EQ(proposalsOf(checkOctal, cases[1].text),

@@ -126,6 +126,12 @@ class VariantChecks {
   size_t parts_ = 1;
 };
 
+// Whether a text has nothing that anybody could be told of.
+bool hasNothing(const SourceText& source, const ReadText& text, const Findings& ofReading) {
+  return text.layout.definitions.empty() && ofReading.all().empty() && !text.isBroken &&
+         source.text().find("# check:") == std::string_view::npos;
+}
+
 }  // namespace
 
 CheckReport checkText(const SourceText& source, const CheckOptions& options) {
@@ -144,6 +150,9 @@ CheckReport checkText(const SourceText& source, const CheckOptions& options) {
 
   Findings all = found.merged();
   for (const Finding& finding : ofReading.all()) all.add(finding);
+  if (hasNothing(source, text, ofReading)) {
+    all.add({"nothing-defined", {}, "the text has no definition, so the device has no parameters"});
+  }
   CheckReport report = {all.inTextOrder(), {}, found.undecided().inTextOrder(), {}};
   Allowances allowances(source, text.layout);
   report.allowed = takeAllowed(allowances, report.findings);

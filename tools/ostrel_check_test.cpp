@@ -88,7 +88,10 @@ TEST_F(OstrelCheck, ReportsEachTextUnderItsName) {
 TEST_F(OstrelCheck, ReadsStandardInput) {
   EXPECT_EQ(run("- 2>&1 < doubtful.ostrel").out, std::string("<stdin>") + WARNING);
   EXPECT_EQ(run("- right.ostrel 2>&1 < doubtful.ostrel").out, std::string("<stdin>") + WARNING);
-  EXPECT_EQ(run("- 2>&1 < /dev/null").out, "");
+  EXPECT_EQ(run("- 2>&1 < right.ostrel").out, "");
+  EXPECT_EQ(run("- 2>&1 < /dev/null").out,
+            "<stdin>: warning: the text has no definition, so the device has no parameters "
+            "[nothing-defined]\n");
   const Outcome twice = run("- right.ostrel - 2>&1 < doubtful.ostrel");
   EXPECT_EQ(countOf(twice.out, "ostrel-check: standard input is given twice\n"), 1U) << twice.out;
   EXPECT_EQ(twice.status, 2);
@@ -127,7 +130,7 @@ TEST_F(OstrelCheck, LeavesOutWhatIsNotAskedFor) {
 }
 
 TEST_F(OstrelCheck, WritesOneDocumentForAllTexts) {
-  EXPECT_EQ(run("--format=json right.ostrel - 2>&1 </dev/null").out,
+  EXPECT_EQ(run("--format=json right.ostrel - 2>&1 <right.ostrel").out,
             R"({
   "version": 1,
   "files": [

@@ -329,6 +329,16 @@ Right:
     channel index { rangeValid { 1..2 } }
     gain rw { index { channel } rangeValid { 0..9 } default { 0 } }
 )"},
+    {"nothing-defined", GROUP_READING, LEVEL_WARNING, "a text without a definition",
+     R"(The text is empty, or has comments only. The daemon takes it, and the device has
+no parameters then. Mostly it is another file that was meant, or one that was
+written in vain. A text with a comment for ostrel-check is taken as it is.
+
+Wrong:
+    # gain rw { rangeValid { 0..9 } default { 0 } }
+Right:
+    gain rw { rangeValid { 0..9 } default { 0 } }
+)"},
     {"octal", GROUP_STATIC, LEVEL_WARNING, "a number with a leading 0 is octal",
      R"(A leading 0 makes a number octal: 010 is 8. Leave it out, or write 8. The 000 of
 1,000 is an item of its own: write 1000.

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "sw/parm/parm_name.h"
@@ -19,16 +21,18 @@ DeviceClient::Names crossed(const DeviceClient::Names& names, const DeviceClient
 BringUp::BringUp(DeviceClient& client, KnownDevice device)
     : client_(client), device_(std::move(device)) {
   for (const auto& [parm, indices] : device_.parms) parms_.push_back(parm);
-  for (const std::string& parm : parms_) {
-    dependencies_[parm] = parmsAmong(client_.dependencies(parm));
+  for (const auto& [name, value] : device_.lastValues) {
+    lastNames_[std::string(baseName(name))].push_back(name);
   }
 }
 
 void BringUp::run() {
-  std::set<std::string> done;
-  while (done.size() < parms_.size()) {
-    const Names step = nextStep(done);
-    done.insert(step.begin(), step.end());
+  const BringUpSteps plan = bringUpSteps(dependencies());
+  for (size_t i = 0; i < parms_.size(); ++i) {
+    if (plan.isInRing[i]) rings_.insert(parms_[i]);
+  }
+  for (const std::vector<uint32_t>& parms : plan.steps) {
+    const Names step = namesOf(parms);
     ++steps_;
     resetStep(step);
     resetVaried(step);
@@ -46,38 +50,29 @@ void BringUp::addInstances(Names& all, const std::string& parm, ValuesOf valuesO
   all.insert(all.end(), names.begin(), names.end());
 }
 
-std::set<std::string> BringUp::parmsAmong(const Names& names) const {
-  std::set<std::string> parms;
-  for (const std::string& name : names) {
-    const std::string parm(baseName(name));
-    if (device_.parms.contains(parm)) parms.insert(parm);
+// Those of all parameters, by their places in `parms_`. What is no parameter is left out.
+ParmDependencies BringUp::dependencies() {
+  std::unordered_map<std::string_view, uint32_t> places;
+  for (const std::string& parm : parms_) {
+    places.emplace(parm, static_cast<uint32_t>(places.size()));
   }
-  return parms;
-}
-
-// Whether `parm`, which depends on `other`, is `other` itself or in a ring with it.
-bool BringUp::isRing(const std::string& parm, const std::string& other) const {
-  return other == parm || dependencies_.at(other).contains(parm);
-}
-
-bool BringUp::isInRing(const std::string& parm) const {
-  const std::set<std::string>& others = dependencies_.at(parm);
-  return std::any_of(others.begin(), others.end(),
-                     [&](const std::string& other) { return isRing(parm, other); });
-}
-
-// The parameters whose dependencies are all done, or in a ring with them.
-BringUp::Names BringUp::nextStep(const std::set<std::string>& done) const {
-  Names step;
-  for (const auto& [parm, others] : dependencies_) {
-    const auto isReady = [&, &name = parm](const std::string& other) {
-      return done.contains(other) || isRing(name, other);
-    };
-    if (!done.contains(parm) && std::all_of(others.begin(), others.end(), isReady)) {
-      step.push_back(parm);
+  ParmDependencies dependencies;
+  for (const std::string& parm : parms_) {
+    std::vector<uint32_t>& others = dependencies.emplace_back();
+    for (const std::string& name : client_.dependencies(parm)) {
+      const auto place = places.find(baseName(name));
+      if (place != places.end()) others.push_back(place->second);
     }
+    std::ranges::sort(others);
+    others.erase(std::unique(others.begin(), others.end()), others.end());
   }
-  return step;
+  return dependencies;
+}
+
+BringUp::Names BringUp::namesOf(const std::vector<uint32_t>& parms) const {
+  Names names;
+  for (const uint32_t parm : parms) names.push_back(parms_[parm]);
+  return names;
 }
 
 // Resets all instances at once. Where that fails, resets each alone, so that no instance keeps
@@ -137,9 +132,10 @@ bool BringUp::resetMovesAny(const Names& ring) {
 }
 
 void BringUp::setLastValues(const Names& step) {
-  for (const auto& [name, value] : device_.lastValues) {
-    const bool isInStep = std::find(step.begin(), step.end(), baseName(name)) != step.end();
-    if (isInStep) client_.set(name, value);
+  for (const std::string& parm : step) {
+    const auto names = lastNames_.find(parm);
+    if (names == lastNames_.end()) continue;
+    for (const std::string& name : names->second) client_.set(name, device_.lastValues.at(name));
   }
 }
 

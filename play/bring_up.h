@@ -1,8 +1,8 @@
 // The recipe that brings a device up, as ostrel(1) tells it. It sees the device only through what a
 // client of the bus can ask and do, so that one recipe serves devices with a bus and those without.
 //
-//   BringUp recipe(client, known);  // asks for the dependencies
-//   recipe.run();                   // writes
+//   BringUp recipe(client, known);
+//   recipe.run();  // asks for the dependencies, and writes
 //   EXPECT_TRUE(recipe.restless().empty());
 #pragma once
 
@@ -11,6 +11,8 @@
 #include <set>
 #include <string>
 #include <vector>
+
+#include "play/bring_up_steps.h"
 
 /// What a client asks of a device and does to it. Each call that writes is a commit of its own.
 class DeviceClient {
@@ -41,8 +43,9 @@ class DeviceClient {
 /// What the author of a definition text knows of the device.
 struct KnownDevice {
   using Names = DeviceClient::Names;
-  std::map<std::string, Names> parms;    ///< base names, each with its indices in their order
-  std::map<std::string, Names> indices;  ///< names, each with the values of its constant range
+  std::map<std::string, Names> parms;  ///< base names, each with its indices in their order
+  /// Names, each with the values of its constant range; none where these are too many to list.
+  std::map<std::string, Names> indices;
   /// The indices whose statements look at the index values of an instance.
   std::set<std::string> variedIndices;
   std::set<std::string> replacingZero;            ///< the parameters with a valueChange of 0
@@ -62,10 +65,11 @@ class BringUp {
   /// After that many rounds, a ring is taken to be one that never comes to rest.
   static constexpr size_t MOST_ROUNDS = 10;
 
-  /// Asks `client`, which has to outlive the recipe, for the dependencies of all parameters.
+  /// `client` has to outlive the recipe.
   BringUp(DeviceClient& client, KnownDevice device);
 
-  /// Does all steps: resets, settles rings, sets the last values, and fills zeros at the end.
+  /// Asks for the dependencies of all parameters, and does all steps: resets, settles rings, sets
+  /// the last values, and fills zeros at the end.
   void run();
 
   /// The full names of all instances that exist now, as the index queries tell.
@@ -80,10 +84,9 @@ class BringUp {
   [[nodiscard]] const std::set<std::string>& restless() const { return restless_; }
 
  private:
-  [[nodiscard]] std::set<std::string> parmsAmong(const Names& names) const;
-  [[nodiscard]] bool isRing(const std::string& parm, const std::string& other) const;
-  [[nodiscard]] bool isInRing(const std::string& parm) const;
-  [[nodiscard]] Names nextStep(const std::set<std::string>& done) const;
+  [[nodiscard]] ParmDependencies dependencies();
+  [[nodiscard]] Names namesOf(const std::vector<uint32_t>& parms) const;
+  [[nodiscard]] bool isInRing(const std::string& parm) const { return rings_.contains(parm); }
   void resetStep(const Names& step);
   void resetAlone(const Names& names);
   [[nodiscard]] bool isVaried(const std::string& parm) const;
@@ -101,7 +104,8 @@ class BringUp {
   DeviceClient& client_;
   KnownDevice device_;
   Names parms_;
-  std::map<std::string, std::set<std::string>> dependencies_;  // by base name, base names
+  std::set<std::string> rings_;             // the parameters that are in one
+  std::map<std::string, Names> lastNames_;  // the full names of the last values, by base name
   size_t steps_ = 0;
   size_t rounds_ = 0;
   std::set<std::string> restless_;

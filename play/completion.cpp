@@ -26,14 +26,6 @@ class ShortTransaction {
   uint32_t id_;
 };
 
-size_t countOf(const NamedRange& range) {
-  uint64_t count = range.texts.size();
-  for (const auto& [low, high] : range.spans) {
-    count += static_cast<uint64_t>(int64_t{high} - low) + 1;
-  }
-  return static_cast<size_t>(std::min<uint64_t>(count, MAX_COMPLETIONS + 1));
-}
-
 Texts operationNames() {
   Texts names = {"for", "include"};
   for (const OperationWord& word : operationWords()) names.emplace_back(word.word);
@@ -42,7 +34,7 @@ Texts operationNames() {
 
 Texts valuesFor(Device& device, const std::string& name) {
   const Answer answer = ShortTransaction(device).ask("get_range", name);
-  if (answer.ranges.empty() || countOf(answer.ranges.front()) > MAX_COMPLETIONS) return {};
+  if (answer.ranges.empty() || countValues(answer.ranges.front()) > MAX_COMPLETIONS) return {};
   return valuesOf(answer.ranges.front());
 }
 

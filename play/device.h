@@ -35,6 +35,8 @@ struct NamedRange {
   [[nodiscard]] bool isOpen() const { return texts.empty() && spans.empty(); }
 };
 
+/// How many values a range has; 0 where every value is allowed.
+uint64_t countValues(const NamedRange& range);
 /// All values of a range, each number of a span by itself.
 std::vector<std::string> valuesOf(const NamedRange& range);
 

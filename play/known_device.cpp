@@ -17,6 +17,13 @@ bool isTooLarge(const std::vector<ParmEntry*>& parms) {
   return false;
 }
 
+// Of more values than there may be instances, the parameters have none: another of their indices
+// has no values.
+const std::vector<std::string>& listedValues(IndexEntry& index) {
+  static const std::vector<std::string> NONE;
+  return countIndexValues(*index.index) > MAX_KNOWN_INSTANCES ? NONE : indexValues(index);
+}
+
 }  // namespace
 
 std::optional<KnownDevice> knownDevice(Database& database) {
@@ -29,7 +36,7 @@ std::optional<KnownDevice> knownDevice(Database& database) {
     for (IndexEntry* index : entry->indices->own) {
       const std::string& indexName = index->index->name();
       indices.push_back(indexName);
-      if (!device.indices.contains(indexName)) device.indices[indexName] = indexValues(*index);
+      if (!device.indices.contains(indexName)) device.indices[indexName] = listedValues(*index);
       if (!index->isShared) device.variedIndices.insert(indexName);
     }
     if (entry->parm.translations().contains("0")) device.replacingZero.insert(name);

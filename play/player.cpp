@@ -132,9 +132,7 @@ class SessionPlayer::State {
   }
 
   void addAll(const NamedRange& range, const Loop& loop, Texts& values) {
-    int64_t numbers = 0;
-    for (const auto& [low, high] : range.spans) numbers += int64_t{high} - low + 1;
-    if (numbers > static_cast<int64_t>(MAX_PLAYED)) {
+    if (countValues(range) > MAX_PLAYED) {
       fail(loop.place, "the loop has more than 1000000 values");
       return;
     }

@@ -206,6 +206,12 @@ TEST(Player, BringsTheDeviceUp) {
                  "i index { rangeValid { 1..1001 } } j index { rangeValid { 1..1000 } }\n"
                  "a rw { index { i, j } }"),
             (Texts{"1: up -> refused: the device has more than 1000000 instances"}));
+  // An index without values leaves no instance, however many values another has.
+  EXPECT_EQ(
+      play("up",
+           "i index { rangeValid { 0..2147483647 } } j index { }\n"
+           "a rw { index { i, j } default { 1 } } b rw { index { j, i } } c rw { default { 2 } }"),
+      (Texts{"1: up -> c=2"}));
 }
 
 TEST(Player, TriesACommit) {

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "play/known_device.h"
+
 namespace {
 
 class RecipeClient final : public DeviceClient {
@@ -21,6 +23,8 @@ class RecipeClient final : public DeviceClient {
   Names indexValues(const std::string& index) override {
     const Answer answer = device_.call({"get_idx_range", id_, {index}});
     if (answer.ranges.empty()) return {};
+    // Only what has no instances has such an index: see MAX_KNOWN_INSTANCES.
+    if (countValues(answer.ranges.front()) > MAX_KNOWN_INSTANCES) return {};
     return valuesOf(answer.ranges.front());
   }
   bool reset(const Names& names) override {

@@ -10,6 +10,7 @@
 
 #include "play/loop_variables.h"
 #include "play/recipe_client.h"
+#include "play/wrong_name.h"
 #include "vid_std.h"
 
 namespace {
@@ -260,17 +261,32 @@ class SessionPlayer::State {
     return id;
   }
 
-  Outcome bringUp(const Operation& operation, const Texts& arguments) {
+  std::optional<Outcome> bringUp(const Operation& operation, const Texts& arguments) {
     std::optional<KnownDevice> known = device_->known();
     if (!known) {
       return ::outcomeOf(*operation.word, {.error = "the device has more than 1000000 instances"});
     }
     known->lastValues = settingsOf(arguments);
+    if (!checkNames(operation, arguments, *known)) return {};
     const BroughtUp result = bringUpDevice(*device_, *std::move(known));
     Answer answer = {.changes = linesOf(result.changes)};
     if (!result.restless.empty()) answer.error = "these never agree:";
     for (const std::string& name : result.restless) answer.error += " " + spelledWord(name);
     return ::outcomeOf(*operation.word, answer);
+  }
+
+  // Returns whether the device can have the instances that are set.
+  bool checkNames(const Operation& operation, const Texts& settings, const KnownDevice& known) {
+    for (size_t i = 0; i < settings.size(); ++i) {
+      const std::string name = settings[i].substr(0, settings[i].find('='));
+      const std::optional<std::string> wrong = wrongName(known, name);
+      if (!wrong) continue;
+      SessionPlace place = operation.place;
+      place.at = operation.arguments[i].begin;
+      fail(place, *wrong);
+      return false;
+    }
+    return true;
   }
 
   // With settings, the device starts anew.

@@ -214,6 +214,33 @@ TEST(Player, BringsTheDeviceUp) {
       (Texts{"1: up -> c=2"}));
 }
 
+TEST(Player, RefusesToBringUpWhatTheTextDoesNotHave) {
+  const struct {
+    const char* operation;
+    const char* error;
+  } cases[] = {
+      {"up nosuch=1", "s:1:4: there is no parameter \"nosuch\""},
+      {"up title=a  mod=1", "s:1:13: there is no parameter \"mod\"; did you mean \"mode\"?"},
+      {"up postion[1]=1", "s:1:4: there is no parameter \"postion\"; did you mean \"position\"?"},
+      {"up =1", "s:1:4: there is no parameter \"\""},
+      {"up channel=1", "s:1:4: there is no parameter \"channel\""},
+      {"up position=1", "s:1:4: \"position\" has 1 index value, and \"position\" names none"},
+      {"up position[1][2]=1",
+       "s:1:4: \"position\" has 1 index value, and \"position[1][2]\" names 2"},
+      {"up title[1]=1", "s:1:4: \"title\" has no index values, and \"title[1]\" names 1"},
+      {"for p in mode moed: up $p=x",
+       "s:1:24: there is no parameter \"moed\"; did you mean \"mode\"?"},
+  };
+  for (const auto& c : cases) {
+    const Texts lines = play(c.operation);
+    EXPECT_EQ(lines.empty() ? "" : lines.back(), c.error) << c.operation;
+  }
+  // An instance that does not exist now, or ever, is one that a device may have had.
+  EXPECT_EQ(
+      play("up position[3]=1 mode=sepia").front(),
+      "1: up position[3]=1 mode=sepia -> mode=1080i/50 position[1]=960 position[2]=960 title=");
+}
+
 TEST(Player, TriesACommit) {
   EXPECT_EQ(play("up\nsingle_set position[1] 1500\nset mode 720p/50\n"
                  "try -> mode=720p/50 position[1]=1279\ntry -> mode=720p/50 position[1]=1279\n"

@@ -1,6 +1,7 @@
 #include "explore/explorer.h"
 
 #include <algorithm>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -20,6 +21,16 @@ constexpr size_t STEPS_OF_WALK = 150;
 constexpr size_t STEPS_OF_COLD_WALK = 30;
 // So many steps are taken between looks at what is missing.
 constexpr size_t STEPS_BETWEEN_LOOKS = 20;
+// A kind of fault that has a find is looked at so many times more, with so many walks each, for
+// one that is shorter.
+constexpr size_t MOST_AGAIN = 3;
+constexpr size_t WALKS_AGAIN = 60;
+
+// The finds with the same cause, as far as that can be told.
+struct FindKind {
+  size_t place = 0;  // among the finds
+  size_t again = 0;  // how often it was looked at since
+};
 
 // One variant, with what is known of its devices, and how far its tour has come.
 struct ExploredVariant {
@@ -48,8 +59,9 @@ class Explorer {
  private:
   bool isOver() const {
     return result_.steps >= task_.budget.steps || result_.finds.size() >= MAX_FINDS ||
-           (task_.budget.isOver && task_.budget.isOver());
+           (task_.budget.isOver && task_.budget.isOver()) || isInterrupted();
   }
+  bool isInterrupted() const { return task_.budget.isInterrupted && task_.budget.isInterrupted(); }
 
   // Returns whether the variant can be explored.
   bool learn(ExploredVariant& variant, Device& device) {
@@ -91,9 +103,25 @@ class Explorer {
     result_.commits += probe.commits();
     if (!fault) return;
     device.reset();  // one lives at a time, and shrinking takes many
-    told_.emplace(fault->property, baseName(fault->name));
-    Find find = repeatable({std::move(walk), *std::move(fault)}, *variant.names);
-    result_.finds.push_back(shrunk(std::move(find), task_.start, *variant.names));
+    keep({std::move(walk), *std::move(fault)}, *variant.names);
+  }
+
+  // Keeps the shortest of each kind.
+  void keep(Find find, const DeviceNames& names) {
+    const auto [kind, isNew] = kinds_.try_emplace({find.fault.property, find.fault.failed},
+                                                  FindKind{result_.finds.size()});
+    ShrinkBudget budget = {.isOver = task_.budget.isInterrupted};
+    if (!isNew) {
+      ++kind->second.again;
+      budget.walks = WALKS_AGAIN;
+    }
+    Find shorter = shrunk(repeatable(std::move(find), names), task_.start, names, budget);
+    if (isNew) {
+      result_.finds.push_back(std::move(shorter));
+    } else if (Find& kept = result_.finds[kind->second.place];
+               shorter.walk.steps.size() < kept.walk.steps.size()) {
+      kept = std::move(shorter);
+    }
   }
 
   // A session commits each step once, the probe has done so twice: where that matters, each is
@@ -107,9 +135,13 @@ class Explorer {
     return find;
   }
 
-  // A fault of a kind about a definition is told once; the walk goes on where it is known.
+  // The walk goes on where a fault is known, and its find is short or was looked at often enough.
   std::optional<Fault> untold(std::optional<Fault> fault) const {
-    if (!fault || told_.contains({fault->property, std::string(baseName(fault->name))})) return {};
+    if (!fault) return {};
+    const auto kind = kinds_.find({fault->property, fault->failed});
+    if (kind == kinds_.end()) return fault;
+    const bool isShort = result_.finds[kind->second.place].walk.steps.size() <= 1;
+    if (isShort || kind->second.again == MOST_AGAIN) return {};
     return fault;
   }
 
@@ -268,7 +300,7 @@ class Explorer {
   const Vocabulary vocabulary_;
   std::vector<ExploredVariant> variants_;
   ExploreResult result_;
-  std::set<std::pair<Property, std::string>> told_;
+  std::map<std::pair<Property, std::string>, FindKind> kinds_;  // by what fails of which parameter
   std::vector<size_t> missing_;  // statements of which something was missing at the last look
   uint64_t lookedAt_ = 0;        // the step of the next one
 };

@@ -19,6 +19,8 @@
 struct ExploreBudget {
   uint64_t steps = UINT64_MAX;        ///< of all walks
   std::function<bool()> isOver = {};  ///< asked before each step; may be null
+  /// Asked also while finds are shortened: whoever has explored wants what is there. May be null.
+  std::function<bool()> isInterrupted = {};
 };
 
 /// What is explored.
@@ -34,7 +36,7 @@ struct ExploreTask {
 struct ExploreResult {
   uint64_t steps = 0;
   uint64_t commits = 0;     ///< of steps; a second commit of the same and trials do not count
-  std::vector<Find> finds;  ///< shrunk; one of a kind about a definition
+  std::vector<Find> finds;  ///< shrunk; one of a kind (foundAgain()), the shortest that was seen
   std::string failure;      ///< why a variant could not be explored, else empty
 };
 

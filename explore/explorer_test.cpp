@@ -141,6 +141,45 @@ TEST_F(ExplorerTest, FindsWhatOnlyASecondCommitLeadsTo) {
   EXPECT_TRUE(foundAgain(find, startLying(text, lie), DeviceNames(*known)));
 }
 
+// Thirty parameters, and after some commits "try" tells of each that r becomes what it does not.
+std::string crowdText() {
+  std::string text = "r rw { rangeValid { 0..9 } default { 1 } }\n";
+  for (int i = 0; i < 30; ++i) {
+    text += "a" + std::to_string(i) + " rw { rangeValid { 0..9 } default { 1 } }\n";
+  }
+  return text;
+}
+Lie lieAfter(int most) {
+  return [most, committed = 0](const Call& call, Answer& answer) mutable {
+    if (call.method == "commit" && !answer.changes.empty()) ++committed;
+    if (call.method == "try" && committed > most) answer.changes.push_back("r=77");
+  };
+}
+
+// What one property says of one parameter is one find, whichever others show it.
+TEST_F(ExplorerTest, KeepsTheShortestFindOfACause) {
+  const Explored explored = exploreText(crowdText(), 2000, 1, lieAfter(3));
+  // That what it holds would change is the other.
+  ASSERT_EQ(explored.result.finds.size(), 2U);
+  for (const Find& find : explored.result.finds) {
+    EXPECT_EQ(find.fault.failed, "r") << sessionOf(find);
+    EXPECT_LE(find.walk.steps.size(), 4U) << sessionOf(find);
+  }
+}
+
+TEST_F(ExplorerTest, KeepsItsFindsWhenItIsInterrupted) {
+  const std::string text = crowdText();
+  TextCoverage coverage(text);
+  for (const int most : {200, 500}) {
+    int asked = 0;
+    const ExploreBudget budget = {.isInterrupted = [&] { return ++asked > most; }};
+    const ExploreResult result =
+        explore({startLying(text, lieAfter(50), &coverage), &coverage, {{}}, 1, budget});
+    EXPECT_FALSE(result.finds.empty());
+    EXPECT_LE(asked, most + 10);
+  }
+}
+
 TEST_F(ExplorerTest, SaysWhatCannotBeExplored) {
   EXPECT_EQ(exploreText("i index { rangeValid { 1 } }", 10, 1).result.failure,
             "the text has no parameter");

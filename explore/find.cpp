@@ -4,18 +4,17 @@
 #include <utility>
 
 #include "play/session_words.h"
-#include "sw/parm/parm_name.h"
 
 namespace {
 
 // Half of the steps are left out at a time, then a quarter, up to each of them.
 class Shrinking {
  public:
-  Shrinking(Find find, const StartDevice& start, const DeviceNames& names, size_t walks)
-      : find_(std::move(find)), start_(start), names_(names), left_(walks) {}
+  Shrinking(Find find, const StartDevice& start, const DeviceNames& names, ShrinkBudget budget)
+      : find_(std::move(find)), start_(start), names_(names), budget_(std::move(budget)) {}
 
   Find result() {
-    for (size_t count = (find_.walk.steps.size() + 1) / 2; count > 0 && left_ > 0;) {
+    for (size_t count = (find_.walk.steps.size() + 1) / 2; count > 0 && !isOver();) {
       const bool isShorter = leaveOut(count);
       if (count > 1) {
         count = (count + 1) / 2;
@@ -27,10 +26,14 @@ class Shrinking {
   }
 
  private:
+  [[nodiscard]] bool isOver() const {
+    return budget_.walks == 0 || (budget_.isOver && budget_.isOver());
+  }
+
   // Leaves out `count` steps wherever that is possible, but never the last one of all.
   bool leaveOut(size_t count) {
     bool isShorter = false;
-    for (size_t at = 0; at + 1 < find_.walk.steps.size() && left_ > 0;) {
+    for (size_t at = 0; at + 1 < find_.walk.steps.size() && !isOver();) {
       const size_t end = std::min(at + count, find_.walk.steps.size() - 1);
       if (showsWithout(at, end)) {
         isShorter = true;
@@ -46,7 +49,7 @@ class Shrinking {
     std::vector<WalkStep>& steps = shorter.walk.steps;
     steps.erase(steps.begin() + static_cast<std::ptrdiff_t>(begin),
                 steps.begin() + static_cast<std::ptrdiff_t>(end));
-    --left_;
+    --budget_.walks;
     std::optional<Fault> fault = foundAgain(shorter, start_, names_);
     if (!fault) return false;
     shorter.fault = *std::move(fault);
@@ -57,7 +60,7 @@ class Shrinking {
   Find find_;
   const StartDevice& start_;
   const DeviceNames& names_;
-  size_t left_;
+  ShrinkBudget budget_;
 };
 
 // An operation with its arguments.
@@ -130,13 +133,13 @@ std::optional<Fault> foundAgain(const Find& find, const StartDevice& start,
   }
   // What no commit has touched, only a look at all finds.
   if (!fault && find.fault.property == PROPERTY_LIMITS) fault = probe.look();
-  const bool isSame = fault && fault->property == find.fault.property &&
-                      baseName(fault->name) == baseName(find.fault.name);
+  const bool isSame =
+      fault && fault->property == find.fault.property && fault->failed == find.fault.failed;
   return isSame ? fault : std::nullopt;
 }
 
-Find shrunk(Find find, const StartDevice& start, const DeviceNames& names, size_t walks) {
-  return Shrinking(std::move(find), start, names, walks).result();
+Find shrunk(Find find, const StartDevice& start, const DeviceNames& names, ShrinkBudget budget) {
+  return Shrinking(std::move(find), start, names, std::move(budget)).result();
 }
 
 std::string sessionOf(const Find& find) {

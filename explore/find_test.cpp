@@ -148,7 +148,7 @@ TEST_F(Finds, AreMadeShortAndFailAsSessions) {
     Find find = {{{}, true, c.steps}, {.property = c.property, .other = c.other}};
     // The definition that is at fault is that of the expected session.
     for (const std::string& parm : names.parms()) {
-      find.fault.name = parm;
+      find.fault.failed = parm;
       if (std::optional<Fault> fault = foundAgain(find, start, names)) {
         find.fault = *std::move(fault);
         break;

@@ -42,6 +42,27 @@ Texts those(const Texts& changes, const Texts& known, bool areAmong) {
   return chosen;
 }
 
+// The first of the changes that only one of two answers has, as a name; `otherwise` without any.
+std::string differing(const Texts& a, const Texts& b, const std::string& otherwise) {
+  const Texts only = those(a, b, false);
+  const Texts others = those(b, a, false);
+  const std::string& change = !only.empty() ? only.front() : !others.empty() ? others.front() : "";
+  return std::string(baseName(change.empty() ? otherwise : change.substr(0, change.find('='))));
+}
+
+// What the commit has refused, as the log names it: that may be something that follows what was
+// set. `otherwise` where there is no log.
+std::string refused(const Texts& log, const std::string& otherwise) {
+  constexpr std::string_view START = "commit: ERROR \"";
+  for (const std::string& line : log) {
+    const size_t begin = line.find(START);
+    if (begin == std::string::npos) continue;
+    const std::string name = line.substr(begin + START.size());
+    return std::string(baseName(name.substr(0, name.find('"'))));
+  }
+  return std::string(baseName(otherwise));
+}
+
 bool intersect(const std::set<std::string>& a, const std::set<std::string>& b) {
   return std::ranges::any_of(a, [&](const std::string& name) { return b.contains(name); });
 }
@@ -137,6 +158,7 @@ std::optional<Fault> Probe::commit(const WalkStep& step, const WalkStep* other) 
   if (tried.changes != done.changes || tried.error != done.error) {
     return Fault{PROPERTY_TRIAL,
                  step.name,
+                 differing(tried.changes, done.changes, step.name),
                  "try says " + shownOrNothing(tried) + ", and commit does " + shownOrNothing(done),
                  {},
                  shown(tried)};
@@ -146,6 +168,7 @@ std::optional<Fault> Probe::commit(const WalkStep& step, const WalkStep* other) 
     if (!hasRange || !isUp_) return {};
     return Fault{PROPERTY_REFUSAL,
                  step.name,
+                 refused(done.notes, step.name),
                  "the commit of " + spelledWord(step.name) +
                      (step.isReset() ? "" : "=" + spelledWord(step.value)) + " fails, which " +
                      (step.isReset() ? "reset" : "set") + " has taken: " + done.error,
@@ -166,6 +189,7 @@ std::optional<Fault> Probe::commit(const WalkStep& step, const WalkStep* other) 
   if (before.changes == after.changes && before.error == after.error) return {};
   return Fault{PROPERTY_ORDER,
                other->name,
+               differing(before.changes, after.changes, other->name),
                spelledWord(other->name) + " does not depend on " + spelledWord(step.name) +
                    ", but its commit does " + shownOrNothing(before) +
                    " before the one of that, and " + shownOrNothing(after) + " after it",
@@ -185,6 +209,7 @@ std::optional<Fault> Probe::checkRepeat(const WalkStep& step, const Answer& done
       again.error.empty() ? "changes " + joined(changed) : "fails: " + again.error;
   return Fault{PROPERTY_REPEAT,
                name,
+               changed.empty() ? refused(again.notes, name) : std::string(baseName(name)),
                "the commit of " + spelledWord(step.name) + " once more " + what,
                {},
                joined(those(again.changes, done.changes, true))};
@@ -229,10 +254,13 @@ std::optional<Fault> Probe::checkLimit(const std::string& name) {
     Texts kept;  // of a trigger
     std::ranges::copy_if(tried.changes, std::back_inserter(kept),
                          [&](const std::string& one) { return isKept(changeIn(one)); });
-    return Fault{PROPERTY_LIMITS, name,
+    return Fault{PROPERTY_LIMITS,
+                 name,
+                 std::string(baseName(change.name)),
                  spelledWord(change.name) + " holds " + spelledWord(valueOf(change.name)) +
                      ", which is not what it may be: it would become " + spelledWord(change.value),
-                 value, joined(kept)};
+                 value,
+                 joined(kept)};
   }
   return {};
 }
@@ -262,6 +290,7 @@ std::optional<Fault> Probe::checkStart(const std::vector<std::string>& restless)
       if (change.name != name || change.value.empty()) continue;
       return Fault{PROPERTY_START,
                    name,
+                   std::string(baseName(name)),
                    spelledWord(name) + " is empty when the device is up, and a reset makes it " +
                        spelledWord(change.value),
                    {},

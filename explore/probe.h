@@ -24,10 +24,11 @@ enum Property {
 /// Something that does not hold.
 struct Fault {
   Property property = PROPERTY_LIMITS;
-  std::string name = {};               ///< the full name that shows it
-  std::string text = {};               ///< a sentence
-  std::string value = {};              ///< of PROPERTY_LIMITS: what the instance holds
-  std::string expected = {};           ///< behind the arrow of the operation that shows it
+  std::string name = {};      ///< the full name that shows it
+  std::string failed = {};    ///< the base name of the parameter whose value is not as it shall be
+  std::string text = {};      ///< a sentence
+  std::string value = {};     ///< of PROPERTY_LIMITS: what the instance holds
+  std::string expected = {};  ///< behind the arrow of the operation that shows it
   std::optional<WalkStep> other = {};  ///< of PROPERTY_ORDER: what was tried before and after
 };
 

@@ -247,7 +247,8 @@ TEST_F(OstrelPlay, WritesASessionForEachFind) {
         "r rw { default (r == 1) { 2 } default { 1 } }\n");
   const Outcome outcome = run("--explore --steps=2000 -o x.y/found.session wrong.ostrel 2>&1");
   EXPECT_EQ(outcome.status, 2) << outcome.out;
-  EXPECT_EQ(countOf(outcome.out, "ostrel-play: cannot write x.y/found.session: "), 1U);
+  EXPECT_EQ(outcome.out,
+            "ostrel-play: cannot write x.y/found.session: No such file or directory\n");
   const Outcome found = run("--explore --steps=2000 -o found.session wrong.ostrel 2>&1");
   EXPECT_EQ(found.status, 1);
   for (const char* const line :
@@ -264,6 +265,38 @@ TEST_F(OstrelPlay, WritesASessionForEachFind) {
   const Outcome printed = run("--explore --steps=2000 wrong.ostrel 2>&1");
   EXPECT_EQ(countOf(printed.out, contentsOf("found.session")), 1U) << printed.out;
   EXPECT_EQ(countOf(printed.out, contentsOf("found-2.session")), 1U) << printed.out;
+}
+
+// The time of the walks is not spent on what cannot be kept.
+TEST_F(OstrelPlay, LooksForItsFilesBeforeItExplores) {
+  const struct {
+    const char* options;
+    const char* error;
+  } cases[] = {
+      {"-o none/x", "none/x: No such file or directory"},
+      {"-o .", ".: Is a directory"},
+      {"-o device.ostrel/x", "device.ostrel/x: Not a directory"},
+      {"--coverage=none/x", "none/x: No such file or directory"},
+  };
+  for (const auto& c : cases) {
+    const Outcome outcome =
+        run(std::string("--explore --seconds=100 ") + c.options + " device.ostrel 2>&1");
+    EXPECT_EQ(outcome.out, std::string("ostrel-play: cannot write ") + c.error + "\n");
+    EXPECT_EQ(outcome.status, 2);
+  }
+}
+
+TEST_F(OstrelPlay, WritesWhatItHasFoundWhenItIsInterrupted) {
+  write("wrong.ostrel", "r rw { default (r == 1) { 2 } default { 1 } }\n");
+  for (const char* const signal : {"INT", "TERM"}) {
+    const Outcome outcome =
+        runCommand("cd '" + folder_.path() + "' && timeout --preserve-status --signal=" + signal +
+                   " 1 '" + OSTREL_PLAY + "' --explore --seconds=100 -o found wrong.ostrel 2>&1");
+    EXPECT_EQ(outcome.status, 1) << outcome.out;
+    EXPECT_EQ(countOf(outcome.out, "the commit of r once more changes r="), 1U) << outcome.out;
+    EXPECT_EQ(countOf(outcome.out, ", interrupted\n"), 1U) << outcome.out;
+    EXPECT_EQ(run("-q wrong.ostrel found").status, 1);
+  }
 }
 
 TEST_F(OstrelPlay, SaysWhatCannotBeExplored) {

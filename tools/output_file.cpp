@@ -1,7 +1,11 @@
 #include "tools/output_file.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdio>
+#include <filesystem>
 
 namespace {
 
@@ -10,6 +14,18 @@ bool write(const std::string& text, std::FILE* file) {
 }
 
 }  // namespace
+
+int whyNotWritable(const std::string& name) {
+  if (name == "-") return 0;
+  struct stat status = {};
+  if (stat(name.c_str(), &status) == 0) {
+    if (S_ISDIR(status.st_mode)) return EISDIR;
+    return access(name.c_str(), W_OK) == 0 ? 0 : errno;
+  }
+  if (errno != ENOENT) return errno;
+  const std::filesystem::path directory = std::filesystem::path(name).parent_path();
+  return access(directory.empty() ? "." : directory.c_str(), W_OK | X_OK) == 0 ? 0 : errno;
+}
 
 int writeOutputFile(const std::string& name, const std::string& text) {
   if (name == "-") return write(text, stdout) && std::fflush(stdout) == 0 ? 0 : errno;

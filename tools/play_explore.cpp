@@ -1,7 +1,9 @@
 #include "tools/play_explore.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <utility>
@@ -29,6 +31,31 @@ std::vector<PlayConstants> variantsIn(const ConstantChoices& choices) {
     variants.emplace_back(values.begin(), values.end());
   }
   return variants;
+}
+
+// Whether a signal has asked to come to an end.
+std::atomic<bool> isStopped = false;
+static_assert(std::atomic<bool>::is_always_lock_free, "a signal sets it");
+
+// What was found is worth writing, so the first of these signals only ends the walks. A second one
+// ends the process.
+void stopAtSignals() {
+  struct sigaction action = {};
+  action.sa_handler = [](int) { isStopped = true; };
+  action.sa_flags = static_cast<int>(SA_RESETHAND);
+  for (const int signal : {SIGINT, SIGTERM}) sigaction(signal, &action, nullptr);
+}
+
+// Nobody is to wait for finds that cannot be written. Returns whether all files can be, as far as
+// that can be known before.
+bool areFilesWritable(const PlayArguments& arguments) {
+  for (const std::string& file : {arguments.exploration.file, arguments.coverageFile}) {
+    const int error = file.empty() ? 0 : whyNotWritable(file);
+    if (error == 0) continue;
+    std::fprintf(stderr, "ostrel-play: cannot write %s: %s\n", file.c_str(), std::strerror(error));
+    return false;
+  }
+  return true;
 }
 
 // "found.session", "found-2.session", and so on.
@@ -67,6 +94,7 @@ bool tell(const Find& find, size_t number, const std::string& file) {
 }  // namespace
 
 int explorePlay(const PlayArguments& arguments, const std::string& definitions) {
+  if (!areFilesWritable(arguments)) return STATUS_FAILED;
   const Clock::time_point start = Clock::now();
   const PlayCoverage coverage(arguments, definitions);
   ExploreTask task = {[&](const PlayConstants& constants) {
@@ -87,6 +115,8 @@ int explorePlay(const PlayArguments& arguments, const std::string& definitions) 
     static_cast<void>(
         leaveOutProved(definitions, arguments.choices, MOST_PROOF_SECONDS, *coverage.text()));
   }
+  task.budget.isInterrupted = [] { return isStopped.load(); };
+  stopAtSignals();
   const ExploreResult result = explore(task);
   if (!result.failure.empty()) {
     std::fprintf(stderr, "ostrel-play: cannot explore %s: %s\n", arguments.definitions.c_str(),
@@ -97,10 +127,12 @@ int explorePlay(const PlayArguments& arguments, const std::string& definitions) 
   for (size_t i = 0; i < result.finds.size(); ++i) {
     isWritten = tell(result.finds[i], i + 1, arguments.exploration.file) && isWritten;
   }
-  std::printf("%s in %s of %s, seed %llu\n", counted(result.finds.size(), "find", "finds").c_str(),
+  std::printf("%s in %s of %s, seed %llu%s\n",
+              counted(result.finds.size(), "find", "finds").c_str(),
               counted(result.commits, "commit", "commits").c_str(),
               counted(task.variants.size(), "variant", "variants").c_str(),
-              static_cast<unsigned long long>(arguments.exploration.seed));
+              static_cast<unsigned long long>(arguments.exploration.seed),
+              isStopped ? ", interrupted" : "");
   const int covered = coverage.report(stdout);
   if (!isWritten || covered == STATUS_FAILED) return STATUS_FAILED;
   return result.finds.empty() ? covered : STATUS_FOUND;

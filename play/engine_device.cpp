@@ -352,10 +352,11 @@ class EngineDevice final : public Device {
   EngineDevice& operator=(const EngineDevice&) = delete;
 
   // Returns whether the definitions of `text` could be built. What is wrong with them is printed
-  // unless that has been told before.
+  // unless that is told otherwise.
   bool define(std::string_view text, TextCoverage* coverage, bool isTold = false) {
     DefinitionText definitions;
-    if (readDefinitionText(piecesIn(text), definitions) != PARSE_DONE) return false;
+    std::FILE* const report = isTold ? nullptr : stderr;
+    if (readDefinitionText(piecesIn(text), definitions, report) != PARSE_DONE) return false;
     DiagnosticCollector silent;
     const int result =
         isTold ? buildDefinitions(silent, definitions.records, definitions.lines, false, database_)
@@ -430,8 +431,9 @@ std::unique_ptr<Device> startEngineDevice(const std::string& text, const PlayCon
   return device;
 }
 
-std::unique_ptr<Device> startBuiltDevice(const std::string& text, const PlayConstants& constants) {
+std::unique_ptr<Device> startBuiltDevice(const std::string& text, const PlayConstants& constants,
+                                         TextCoverage* coverage) {
   auto device = std::make_unique<EngineDevice>(constants);
-  if (!device->define(text, nullptr, true)) return nullptr;
+  if (!device->define(text, coverage, true)) return nullptr;
   return device;
 }

@@ -14,5 +14,6 @@
 std::unique_ptr<Device> startEngineDevice(const std::string& text, const PlayConstants& constants,
                                           TextCoverage* coverage = nullptr);
 
-/// The same, and says nothing: for a text that has been built and reported on before.
-std::unique_ptr<Device> startBuiltDevice(const std::string& text, const PlayConstants& constants);
+/// The same, and says nothing: for whoever reports on the text otherwise.
+std::unique_ptr<Device> startBuiltDevice(const std::string& text, const PlayConstants& constants,
+                                         TextCoverage* coverage = nullptr);

@@ -170,7 +170,8 @@ ParseResult readDefinitions(TextCursor& cursor, ParameterRecords& records,
   return DefinitionReader(cursor, records, observer).read();
 }
 
-ParseResult readDefinitionText(TextCursor::NextLine nextLine, DefinitionText& text) {
+ParseResult readDefinitionText(TextCursor::NextLine nextLine, DefinitionText& text,
+                               std::FILE* report) {
   uint32_t number = 0;
   const auto nextKept = [&, nextLine = std::move(nextLine)](std::string_view& line) {
     if (!nextLine(line)) return false;
@@ -180,9 +181,9 @@ ParseResult readDefinitionText(TextCursor::NextLine nextLine, DefinitionText& te
   };
   TextCursor cursor(nextKept, text.records.arena());
   const ParseResult result = readDefinitions(cursor, text.records);
-  if (result != PARSE_DONE) {
-    fprintf(stderr, "Error on line %u\n%s\n", number, parseResultMessage(result));
-    printCaretLine(stderr, cursor.line(), cursor.position().column);
+  if (result != PARSE_DONE && report != nullptr) {
+    fprintf(report, "Error on line %u\n%s\n", number, parseResultMessage(result));
+    printCaretLine(report, cursor.line(), cursor.position().column);
   }
   return result;
 }

@@ -5,6 +5,7 @@
 //   statement  = KEYWORD and what belongs to it, see statement_grammar.h
 #pragma once
 
+#include <cstdio>
 #include <span>
 #include <string_view>
 
@@ -31,6 +32,7 @@ ParseResult readDefinitions(TextCursor& cursor, ParameterRecords& records,
 
 /// As readDefinitions(), from the lines that `nextLine` gives, into `text`, which is empty before.
 /// Keeps the texts of the lines with words (not those that are blank or a comment). No line behind
-/// the one with the error is asked for. Prints an error to standard error: the line's number, the
-/// message, and the line with a caret under the column.
-ParseResult readDefinitionText(TextCursor::NextLine nextLine, DefinitionText& text);
+/// the one with the error is asked for. Prints an error to `report`, unless that is null: the
+/// line's number, the message, and the line with a caret under the column.
+ParseResult readDefinitionText(TextCursor::NextLine nextLine, DefinitionText& text,
+                               std::FILE* report = stderr);

@@ -9,7 +9,6 @@
 #include <utility>
 #include <vector>
 
-#include "play/engine_device.h"
 #include "play/report.h"
 #include "play/session_reader.h"
 #include "play/session_update.h"
@@ -20,6 +19,7 @@
 #include "tools/play_diff.h"
 #include "tools/play_explore.h"
 #include "tools/record.h"
+#include "tools/text_device.h"
 #include "vid_std.h"
 
 namespace {
@@ -45,7 +45,7 @@ class PlayRun {
       : arguments_(arguments),
         coverage_(arguments, definitions),
         start_([this, &definitions](const PlayConstants& constants) {
-          return startEngineDevice(definitions, constants, coverage_.text());
+          return startTextDevice(arguments_.definitions, definitions, constants, coverage_.text());
         }),
         report_(newPlayReport(arguments.format, arguments.isQuiet, stdout)) {}
 
@@ -126,7 +126,7 @@ class PlayRun {
 int talk(const PlayArguments& arguments, const std::string& definitions) {
   const PlayCoverage coverage(arguments, definitions);
   const StartDevice start = [&](const PlayConstants& constants) {
-    return startEngineDevice(definitions, constants, coverage.text());
+    return startTextDevice(arguments.definitions, definitions, constants, coverage.text());
   };
   if (!playInteractively(start, arguments.constants)) return STATUS_FAILED;
   return coverage.report(stdout);
@@ -147,7 +147,9 @@ int run(int argc, char** argv) {
                  std::strerror(error));
     return STATUS_FAILED;
   }
-  if (arguments.records) return record(arguments.recording, definitions, arguments.constants);
+  if (arguments.records) {
+    return record(arguments.recording, arguments.definitions, definitions, arguments.constants);
+  }
   if (arguments.explores) return explore(arguments, definitions);
   if (arguments.compares) return diffPlay(arguments, definitions);
   if (arguments.sessions.empty()) return talk(arguments, definitions);

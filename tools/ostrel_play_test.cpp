@@ -114,9 +114,32 @@ TEST_F(OstrelPlay, SaysThatTheDeviceDoesNotStart) {
   write("bad.ostrel", "gain rw { rangeValid { 9..0 } }\n");
   const Outcome outcome = run("bad.ostrel right.session 2>&1");
   EXPECT_EQ(outcome.status, 2);
-  EXPECT_TRUE(outcome.out.starts_with("Error on line 1\n")) << outcome.out;
+  EXPECT_TRUE(outcome.out.starts_with("bad.ostrel:1:")) << outcome.out;
   EXPECT_TRUE(outcome.out.ends_with("right.session:1:1: the device does not start\n"))
       << outcome.out;
+}
+
+// A constant that is missing is the most likely cause.
+TEST_F(OstrelPlay, SaysWhichConstantIsMissing) {
+  write("model.ostrel", "gain rw {\n  rangeValid { 0..(TOP) }\n}\n");
+  const struct {
+    const char* arguments;
+    const char* last;
+  } cases[] = {
+      {"model.ostrel right.session", "right.session:1:1: the device does not start\n"},
+      {"--explore --steps=9 model.ostrel",
+       "ostrel-play: cannot explore model.ostrel: the device does not start\n"},
+      {"--record model.ostrel -- true",
+       "ostrel-play: there is no device of model.ostrel to record\n"},
+  };
+  for (const auto& c : cases) {
+    const Outcome outcome = run(std::string(c.arguments) + " 2>&1");
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_TRUE(outcome.out.starts_with("model.ostrel:2:20: error: ")) << outcome.out;
+    EXPECT_EQ(countOf(outcome.out, " -D TOP=..."), 1U) << outcome.out;
+    EXPECT_EQ(countOf(outcome.out, "Error creating"), 0U) << outcome.out;
+    EXPECT_TRUE(outcome.out.ends_with(c.last)) << outcome.out;
+  }
 }
 
 TEST_F(OstrelPlay, GivesConstantsToTheText) {
@@ -305,7 +328,7 @@ TEST_F(OstrelPlay, SaysWhatCannotBeExplored) {
             "ostrel-play: cannot explore none.ostrel: the text has no parameter\n");
   write("bad.ostrel", "gain rw {\n  oops\n");
   const Outcome bad = run("--explore --steps=9 bad.ostrel 2>&1");
-  EXPECT_TRUE(bad.out.starts_with("Error on line 2\n")) << bad.out;
+  EXPECT_TRUE(bad.out.starts_with("bad.ostrel:2:3: error: ")) << bad.out;
   EXPECT_TRUE(bad.out.ends_with("cannot explore bad.ostrel: the device does not start\n"))
       << bad.out;
   EXPECT_EQ(bad.status, 2);

@@ -12,9 +12,9 @@
 #include "check/printable.h"
 #include "explore/explorer.h"
 #include "explore/proved.h"
-#include "play/engine_device.h"
 #include "tools/output_file.h"
 #include "tools/play_coverage.h"
+#include "tools/text_device.h"
 
 namespace {
 
@@ -98,7 +98,8 @@ int explorePlay(const PlayArguments& arguments, const std::string& definitions) 
   const Clock::time_point start = Clock::now();
   const PlayCoverage coverage(arguments, definitions);
   ExploreTask task = {[&](const PlayConstants& constants) {
-                        return startEngineDevice(definitions, constants, coverage.text());
+                        return startTextDevice(arguments.definitions, definitions, constants,
+                                               coverage.text());
                       },
                       coverage.text(),
                       variantsIn(arguments.choices),

@@ -20,6 +20,7 @@
 #include "play/served_device.h"
 #include "play/session_words.h"
 #include "tools/child_program.h"
+#include "tools/text_device.h"
 
 namespace {
 
@@ -254,19 +255,17 @@ int recordTo(std::FILE* out, const RecordArguments& arguments, const std::string
   return recordClients(recording);
 }
 
-std::optional<KnownDevice> knownOf(const std::string& text, const PlayConstants& constants) {
-  const std::unique_ptr<Device> device = startEngineDevice(text, constants);
-  return device == nullptr ? std::nullopt : device->known();
-}
-
 }  // namespace
 
-int record(const RecordArguments& arguments, const std::string& text,
+int record(const RecordArguments& arguments, const std::string& name, const std::string& text,
            const PlayConstants& constants) {
   // A daemon that ends before it has read all says why itself.
   static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
-  std::optional<KnownDevice> known = knownOf(text, constants);
-  if (!known) return complain("the device does not start, or has more than 1000000 instances");
+  std::unique_ptr<Device> device = startTextDevice(name, text, constants);
+  if (device == nullptr) return complain("there is no device of " + name + " to record");
+  std::optional<KnownDevice> known = device->known();
+  if (!known) return complain("the device has more than 1000000 instances");
+  device.reset();  // one lives at a time
   std::FILE* const out =
       arguments.output == "-" ? stdout : std::fopen(arguments.output.c_str(), "we");
   if (out == nullptr) {

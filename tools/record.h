@@ -18,9 +18,9 @@ struct RecordArguments {
   std::string output = {};                ///< the session file; "-" is standard output
 };
 
-/// Records what clients do with a daemon of the definitions `text` and with `constants`, until the
-/// command ends, or where there is none until SIGINT or SIGTERM comes or the daemon leaves the bus.
-/// Faults are reported on standard error. Returns 0; 1 where the command has failed; 2 where
-/// nothing could be recorded or written.
-int record(const RecordArguments& arguments, const std::string& text,
+/// Records what clients do with a daemon of the definitions `text`, called `name`, and with
+/// `constants`, until the command ends, or where there is none until SIGINT or SIGTERM comes or the
+/// daemon leaves the bus. Faults are reported on standard error. Returns 0; 1 where the command has
+/// failed; 2 where nothing could be recorded or written.
+int record(const RecordArguments& arguments, const std::string& name, const std::string& text,
            const PlayConstants& constants);

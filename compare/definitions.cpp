@@ -8,6 +8,7 @@
 
 #include "check/text/nearest_word.h"
 #include "play/device.h"
+#include "play/known_device.h"
 #include "play/session_words.h"
 
 namespace {
@@ -17,9 +18,9 @@ using Texts = std::vector<std::string>;
 // A definition as far as names, access and indices go.
 struct Face {
   uint32_t line = 0;
-  std::string access;                 // "index" of an index
-  Texts indices = {};                 // of a parameter
-  std::set<std::string> values = {};  // of an index
+  std::string access;                                // "index" of an index
+  Texts indices = {};                                // of a parameter
+  std::optional<std::set<std::string>> values = {};  // of an index, unless these are very many
   std::string statements = {};
 };
 using Faces = std::map<std::string, Face>;
@@ -31,7 +32,7 @@ void addStatements(const DocDefinition& definition, std::string& text) {
   for (const DocReplacement& replacement : definition.replacements) add(replacement.statement);
 }
 
-std::set<std::string> constantValues(const DocDefinition& definition) {
+std::optional<std::set<std::string>> constantValues(const DocDefinition& definition) {
   NamedRange values;
   for (const DocRange& range : definition.ranges) {
     for (const DocItem& item : range.items) {
@@ -39,8 +40,9 @@ std::set<std::string> constantValues(const DocDefinition& definition) {
       if (item.text) values.texts.push_back(*item.text);
     }
   }
+  if (countValues(values) > MAX_KNOWN_INSTANCES) return {};
   const Texts all = valuesOf(values);
-  return {all.begin(), all.end()};
+  return std::set<std::string>(all.begin(), all.end());
 }
 
 Faces facesOf(const DocModel& model) {
@@ -166,8 +168,9 @@ class DefinitionComparison {
   }
 
   void compareValues(const std::string& name, const Face& old, const Face& now) {
-    const std::set<std::string> lost = without(old.values, now.values);
-    const std::set<std::string> gained = without(now.values, old.values);
+    if (!old.values || !now.values) return;
+    const std::set<std::string> lost = without(*old.values, *now.values);
+    const std::set<std::string> gained = without(*now.values, *old.values);
     if (!lost.empty()) add(true, name, now, " has no longer the values " + listed(lost));
     if (!gained.empty()) add(false, name, now, " has the new values " + listed(gained));
   }

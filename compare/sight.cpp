@@ -13,8 +13,8 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-// The end of the error of a query for the range of what does not exist.
-constexpr std::string_view NOBODY = "(1)";
+// What an explanation begins with where an index has no such value.
+constexpr std::string_view BY_INDEX = "does not exist, by the index ";
 
 bool isWithin(const Span& span, const Spans& spans) {
   return std::ranges::any_of(spans, [&](const Span& other) {
@@ -118,9 +118,11 @@ Sight LedDevice::look(const std::string& name, const Texts& values) {
   const uint32_t id = device_->call({"start"}).transaction;
   Sight sight;
   Answer range = device_->call({"get_range", id, {name}});
-  sight.exists = !range.error.ends_with(NOBODY);
   sight.hasRange = range.error.empty();
-  if (sight.hasRange) {
+  if (!sight.hasRange) {
+    lookAtExistence(id, name, sight);
+  } else {
+    sight.exists = true;
     sight.range = std::move(range.ranges.front());
     static_cast<void>(device_->call({"reset_status", id, {name}}));
     sight.fallback = valueAfter(name, device_->call({"try", id}));
@@ -130,6 +132,18 @@ Sight LedDevice::look(const std::string& name, const Texts& values) {
     for (const std::string& value : values) sight.outcomes.push_back(outcomeOf(name, value, sight));
   }
   return sight;
+}
+
+// What has no range may exist all the same.
+void LedDevice::lookAtExistence(uint32_t id, const std::string& name, Sight& sight) {
+  const Answer answer = device_->call({"why", id, {name}});
+  sight.exists = answer.isValid;
+  for (const std::string& line : answer.notes) {
+    if (!line.starts_with(BY_INDEX)) continue;
+    sight.refusingIndex = line.substr(BY_INDEX.size());
+    sight.refusingIndex.resize(
+        std::min(sight.refusingIndex.find(": "), sight.refusingIndex.size()));
+  }
 }
 
 std::optional<std::string> LedDevice::outcomeOf(const std::string& name, const std::string& value,

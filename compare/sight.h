@@ -12,7 +12,8 @@
 /// An instance as a client sees it.
 struct Sight {
   bool exists = false;
-  bool hasRange = false;  ///< its range can be worked out; else nothing below counts
+  std::string refusingIndex = {};  ///< the index that has no such value, where that is why not
+  bool hasRange = false;           ///< its range can be worked out; else nothing below counts
   NamedRange range = {};
   std::string fallback = {};  ///< what a reset makes of it
   /// What becomes of each of some values when a client sets it: empty where that is refused or
@@ -58,6 +59,7 @@ class LedDevice {
   std::string reasonOf(const std::string& name, ChangeKind kind);
 
  private:
+  void lookAtExistence(uint32_t id, const std::string& name, Sight& sight);
   std::string valueAfter(const std::string& name, const Answer& tried);
   std::optional<std::string> outcomeOf(const std::string& name, const std::string& value,
                                        const Sight& sight);

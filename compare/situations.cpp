@@ -57,6 +57,11 @@ class SituationComparison {
 
   void run() {
     if (!knowDevices()) return;
+    // An index that has lost values in the text itself is told of already.
+    for (const Difference& told : differences_) {
+      const bool isIndex = now_.model.indexPlaces.contains(told.name);
+      if (told.isIncompatible && isIndex) noted_.insert({told.name, CHANGE_ABSENT});
+    }
     planWays();
     const std::vector<std::vector<Sight>> before = sightsOf(old_);
     const std::vector<std::vector<Sight>> after = sightsOf(now_);
@@ -237,13 +242,21 @@ class SituationComparison {
     const Common& common = commonOf(name);
     for (const ChangeKind kind : changesBetween(before, after, common.values)) {
       if (kind == CHANGE_DEFAULT && !common.isAnnounced) continue;
-      if (!noted_.insert({parm, kind}).second) continue;
+      if (!noted_.insert({subject(parm, kind, after), kind}).second) continue;
       std::vector<WalkStep> steps(
           way.steps.begin(),
           way.steps.begin() + static_cast<std::ptrdiff_t>(std::min(step + 1, way.steps.size())));
       steps = shortened(std::move(steps), name, kind);
       add(steps, name, kind);
     }
+  }
+
+  // What a change is about: what does not exist by an index is told once for the index.
+  [[nodiscard]] std::string subject(const std::string& parm, ChangeKind kind,
+                                    const Sight& after) const {
+    const bool isOfIndex =
+        kind == CHANGE_ABSENT && now_.model.indexPlaces.contains(after.refusingIndex);
+    return isOfIndex ? after.refusingIndex : parm;
   }
 
   // Where a device cannot be led there, nothing exists.
@@ -290,11 +303,22 @@ class SituationComparison {
     LedDevice device(now_.start, constants_);
     for (const WalkStep& step : steps) device.walk(step);
     const Sight after = device.look(name, common.values);
+    const std::string reason = device.reasonOf(name, kind);
+    if (const std::string index = subject({}, kind, after); !index.empty()) {
+      differences_.push_back({true, DIFFERENCE_IN_NEW, lineOfIndex(index), index,
+                              " no longer has the value of " + spelledWord(name) + shownWay(steps),
+                              reason});
+      return;
+    }
     const bool isIncompatible =
         kind != CHANGE_PRESENT && kind != CHANGE_WIDER && kind != CHANGE_DEFAULT;
     differences_.push_back({isIncompatible, DIFFERENCE_IN_NEW, common.line, name,
                             sentence(kind, before, after, common.values) + shownWay(steps),
-                            device.reasonOf(name, kind)});
+                            reason});
+  }
+
+  [[nodiscard]] uint32_t lineOfIndex(const std::string& name) const {
+    return now_.model.indices[now_.model.indexPlaces.at(name)].line;
   }
 
   static std::string rangesText(const char* what, const Sight& before, const Sight& after) {

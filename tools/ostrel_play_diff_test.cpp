@@ -85,9 +85,7 @@ TEST_F(PlayDiff, TellsWhatTheNewTextMeans) {
        "i index { rangeValid { 1..2, 4 } }\nx rw { index { i } }\n",
        "new:1: incompatible: i has no longer the values 3\n"
        "new:1: change: i has the new values 4\n"
-       "new:2: incompatible: x[3] no longer exists\n"
-       "  x[3] does not exist, by the index i: line 1, rangeValid { 1..2, 4 }\n"
-       "2 incompatible, 1 other changes\n",
+       "1 incompatible, 1 other changes\n",
        1},
       {"i index { rangeValid { 1..3 } }\nx rw { index { i } }\n",
        "i index { rangeValid { 1..3 } }\nx rw { }\n",
@@ -158,6 +156,39 @@ TEST_F(PlayDiff, ComparesEachVariant) {
             "  gain has the range 0..4: line 1, rangeValid { 0..4 }\n"
             "1 incompatible, 0 other changes\n");
   EXPECT_EQ(outcome.status, 1);
+}
+
+// However many parameters have the index.
+TEST_F(PlayDiff, TellsOnceOfAnIndexThatBecomesNarrower) {
+  const std::string parameters =
+      "x rw { index { i } default { 1 } }\ny rw { index { i } default { 1 } }\n"
+      "m rw { rangeValid { 0..1 } default { 0 } }\n";
+  const struct {
+    const char* old;
+    const char* now;
+    const char* options;
+    const char* expected;
+  } cases[] = {
+      {"rangeValid { 1..4 }", "rangeValid (M == 1) { 1..2 } rangeValid (M != 1) { 1..4 }",
+       "-D M=1,2",
+       "new:1: incompatible: i has no longer the values 3, 4, where M=1\n"
+       "1 incompatible, 0 other changes\n"},
+      {"rangeValid { 1..4 }",
+       "rangeValid { 1..4 } rangeValid (m == 1) { 1..2 } rangeValid (m != 1) { 1..4 }", "",
+       "new:1: incompatible: i no longer has the value of x[3], with m=1\n"
+       "  x[3] does not exist, by the index i: line 1, rangeValid (m == 1) { 1..2 }; m is 1\n"
+       "1 incompatible, 0 other changes\n"},
+      // What is too much to list is not compared.
+      {"rangeValid { 0..2147483647 }", "rangeValid { 0..2147483646 }", "",
+       "0 incompatible, 0 other changes\n"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.now);
+    const Outcome outcome =
+        diff(std::string("i index { ") + c.old + " }\n" + parameters,
+             std::string("i index { ") + c.now + " }\n" + parameters, c.options);
+    EXPECT_EQ(outcome.out, c.expected);
+  }
 }
 
 TEST_F(PlayDiff, SavedValuesAreKeptOrNot) {

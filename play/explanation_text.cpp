@@ -86,6 +86,18 @@ void addSteps(const ValueReasons& reasons, Lines& lines) {
   if (reasons.acceptedBy) add(lines, "is accepted", reasons.acceptedBy);
 }
 
+// A default goes the way of any value: it may be replaced, or be cut.
+void addStepsOfDefault(Transaction& transaction, const std::string& name,
+                       const Explanation& explanation, Lines& lines) {
+  if (!explanation.exists || !explanation.defaultDecider) return;
+  ValueExplanation explained;
+  static_cast<void>(explainValue(transaction.database(), transaction.staged(), name,
+                                 explanation.defaultValue, true, explained));
+  for (const ValueStep& step : explained.reasons.steps) {
+    lines.push_back("becomes " + spelledWord(step.value) + " by a reset: " + shown(step.reason));
+  }
+}
+
 const char* const NO_INSTANCE = "there is no such parameter, or not with so many index values";
 
 }  // namespace
@@ -102,6 +114,7 @@ Lines explanationLines(Transaction& transaction, const std::string& name) {
   addAccess(explanation, lines);
   addRange(explanation, lines);
   addDefault(explanation, lines);
+  addStepsOfDefault(transaction, name, explanation, lines);
   return lines;
 }
 

@@ -209,16 +209,41 @@ class SessionPlayer::State {
     }
     if (call.names.size() > 1) call.method = word.bulkMethod;
     const Answer answer = device_->call(call);
+    noteWritten(call);
     return ::outcomeOf(word, answer);
+  }
+
+  // Keeps what was asked for last of each name, for reasons.
+  void noteWritten(const Call& call) {
+    std::string_view method = call.method;
+    if (method.starts_with("single_")) method.remove_prefix(7);
+    if (!method.starts_with("set") && !method.starts_with("reset")) return;
+    for (size_t i = 0; i < call.names.size(); ++i) {
+      written_.erase(call.names[i]);
+      if (!call.values.empty()) written_[call.names[i]] = call.values[i];
+    }
   }
 
   // Why the names that a difference is about are as they are, where the device can tell.
   void addReasons(const Operation& operation, const Texts& arguments, Outcome& outcome) {
     for (const std::string& name : namesToExplain(operation, arguments, outcome)) {
       const uint32_t id = idOf(operation.transaction);
+      if (operation.word->outcome == OUTCOME_CHANGES) addSteps(name, id, outcome);
       for (const std::string& line : device_->call({"why", id, {name}}).notes) {
         outcome.notes.push_back(spelledWord(name) + " " + line);
       }
+    }
+  }
+
+  // What has made another value of the one that was written.
+  void addSteps(const std::string& name, uint32_t id, Outcome& outcome) {
+    const auto written = written_.find(name);
+    if (written == written_.end()) return;
+    const std::string& value = written->second;
+    for (const std::string& line : device_->call({"why", id, {name}, {value}}).notes) {
+      if (!line.starts_with("becomes ")) continue;
+      outcome.notes.push_back(spelledChange(std::string(name).append("=").append(value)) + " " +
+                              line);
     }
   }
 
@@ -296,6 +321,7 @@ class SessionPlayer::State {
     for (const auto& [name, value] : settingsOf(arguments)) constants_[name] = value;
     device_.reset();
     transactions_.clear();
+    written_.clear();
     if (!startDevice(operation.place)) return {};
     return ::outcomeOf(*operation.word, {});
   }
@@ -366,6 +392,7 @@ class SessionPlayer::State {
   const size_t most_;
   std::unique_ptr<Device> device_;
   std::map<std::string, uint32_t> transactions_;  // ids by name
+  std::map<std::string, std::string> written_;    // the last values by full name
   LoopVariables variables_;
   size_t played_ = 0;
   std::optional<SessionError> error_;

@@ -276,6 +276,29 @@ TEST(Player, ExplainsDifferences) {
   }
 }
 
+// A value that was replaced is told with the statement that has done so.
+TEST(Player, ExplainsWhatAValueHasBecome) {
+  const char* const text =
+      "p rw { rangeValid { 0..9 } valueChange { \"top\" -> 5 } valueChange { 3 -> 4 } default { 3 "
+      "} }\n"
+      "q rw { rangeValid { 0..(p) } default { 7 } }";
+  const Texts ofP = {"p is 5", "p has the range 0..9: line 1, rangeValid { 0..9 }",
+                     "p has the default 3: line 1, default { 3 }",
+                     "p becomes 4 by a reset: line 1, valueChange { 3 -> 4 }"};
+  Texts all = {"p=top becomes 5: line 1, valueChange { \"top\" -> 5 }"};
+  all.insert(all.end(), ofP.begin(), ofP.end());
+  for (const char* const operations :
+       {"single_set p top -> p=top", "set p top\ncommit -> p=top", "set_status p top\ncommit ->"}) {
+    EXPECT_EQ(played(std::string("up\n") + operations, text, {}).notes, all) << operations;
+  }
+  // What was reset was not written.
+  EXPECT_EQ(played("single_set p top\nsingle_reset p -> p=3", text, {}).notes.front(), "p is 4");
+  EXPECT_EQ(played("up\nsingle_set q 9 -> q=9", text, {}).notes.front(),
+            "q=9 becomes 4: line 2, rangeValid { 0..(p) }; p is 4");
+  EXPECT_EQ(played("up\nwhy q", text, {}).notes.back(),
+            "becomes 4 by a reset: line 2, rangeValid { 0..(p) }; p is 4");
+}
+
 TEST(Player, ExplainsWhatIsAsked) {
   EXPECT_EQ(notesOf("up\nwhy title"), (Texts{"is \"\"", "may have any value", "has no default"}));
   EXPECT_EQ(notesOf("up\nset mode 720p/50\nwhy position[2] 1500"),

@@ -1,5 +1,5 @@
-// Calls of a client over a private bus, with the bus and the client's own work: the second interface
-// beside the first. What counts are ratios within one run:
+// Calls of a client over a private bus, with the bus and the client's own work: the second
+// interface beside the first. What counts are ratios within one run:
 //
 //   GetState / get_range_bulk of the same names
 //   a commit with one watcher / one without

@@ -81,8 +81,8 @@ class Ordering {
         changes_[kept] = std::move(changes_[next]);
       }
     }
-    if (!changes_.empty())
-      changes_.erase(changes_.begin() + std::ptrdiff_t(kept) + 1, changes_.end());
+    if (changes_.empty()) return;
+    changes_.erase(changes_.begin() + std::ptrdiff_t(kept) + 1, changes_.end());
   }
 
  private:

@@ -36,9 +36,7 @@ InstanceState InstanceStates::of(std::string_view name) {
   const StagedValues& judged = outlook_.of(*parm);
   IndexSituations other(judged);
   state.exists = existsIn(*parm, indices, &judged == &outlook_.values() ? settled_ : other);
-  if (state.exists) {
-    state.isWritable = !parm->parm.isReadOnly(gatherBound(*parm, indices, judged));
-  }
+  if (state.exists) state.isWritable = !parm->parm.isReadOnly(gatherBound(*parm, indices, judged));
   state.hasValue = !state.value->empty();
   state.rangeResult = queryRange(transaction_.database(), staged, name, state.range);
   return state;

@@ -53,9 +53,7 @@ void BringUp::addInstances(Names& all, const std::string& parm, ValuesOf valuesO
 // Those of all parameters, by their places in `parms_`. What is no parameter is left out.
 ParmDependencies BringUp::dependencies() {
   std::unordered_map<std::string_view, uint32_t> places;
-  for (const std::string& parm : parms_) {
-    places.emplace(parm, static_cast<uint32_t>(places.size()));
-  }
+  for (const std::string& parm : parms_) places.emplace(parm, static_cast<uint32_t>(places.size()));
   ParmDependencies dependencies;
   for (const std::string& parm : parms_) {
     std::vector<uint32_t>& others = dependencies.emplace_back();

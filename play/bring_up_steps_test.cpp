@@ -45,8 +45,9 @@ TEST(BringUpSteps, AreOneForEachOfALongChain) {
   }
   const BringUpSteps result = bringUpSteps(dependencies);
   ASSERT_EQ(result.steps.size(), LENGTH);
-  for (uint32_t parm = 0; parm < LENGTH; ++parm)
+  for (uint32_t parm = 0; parm < LENGTH; ++parm) {
     EXPECT_EQ(result.steps[parm], Steps::value_type{parm});
+  }
 }
 
 }  // namespace

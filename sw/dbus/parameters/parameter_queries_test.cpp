@@ -1,6 +1,6 @@
 #include "sw/dbus/parameters/parameter_queries.h"
 
-#include "sw/dbus/parameters/testing.h"
+#include "tests/support/parameters.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "sw/dbus/parameters/standard_interfaces.h"
 
-#include "sw/dbus/parameters/testing.h"
+#include "tests/support/parameters.h"
 
 namespace {
 

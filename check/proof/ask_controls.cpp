@@ -77,7 +77,7 @@ class Controls {
          verdict == VERDICT_UNDECIDED
              ? statements
              : fewest(statements,
-                      [&](const Statements& some) {
+                      [&, isSettled = isSettled](const Statements& some) {
                         return verdictOf(isOpen(some, {}), isSettled) == VERDICT_IMPOSSIBLE;
                       }),
          std::string(isSettled ? "once the device has settled, " : "") +
@@ -93,7 +93,8 @@ class Controls {
     if (readOnly.empty()) return;
     const auto [verdict, isSettled] = decide(isOpen(available, readOnly));
     if (verdict == VERDICT_POSSIBLE) return;
-    const auto isLock = [&](const Statements& among, const Statements& some) {
+    const auto isLock = [&, isSettled = isSettled](const Statements& among,
+                                                   const Statements& some) {
       return verdictOf(isOpen(among, some), isSettled) == VERDICT_IMPOSSIBLE;
     };
     Statements culprits = readOnly;

@@ -36,7 +36,9 @@ EQUIVALENT = os.path.join(TOP, "tests", "mutation", "equivalent.txt")
 NO_PRODUCT = ("tests/", "fuzz/", "bench/", "examples/")
 TEST_SOURCE = re.compile(r".*_test\.cpp$")
 FILE_SHARE = 4000  # numbers that each file has for its mutants
-GENERATED = ("generated/commit_id.h", "sw/dbus/generated/transaction_binding.h")
+GENERATED = ("generated/commit_id.h", "generated/page_files.h",
+             "generated/evaluator_files.h", "generated/parameters_interface.h",
+             "sw/dbus/generated/transaction_binding.h")
 # What the sanitizers would notice of a place beyond an end ends the program here too.
 FLAGS = ("-std=gnu++20 -O1 -w -D_GLIBCXX_ASSERTIONS -fsanitize=signed-integer-overflow,bounds"
          " -fsanitize-undefined-trap-on-error")

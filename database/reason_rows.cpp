@@ -4,7 +4,6 @@
 
 #include "base/system_log.h"
 #include "database/explain.h"
-#include "database/outlook.h"
 #include "database/range_query.h"
 #include "sw/parm/statement_text.h"
 
@@ -57,11 +56,11 @@ void addValue(Transaction& transaction, const StagedValues& judged, std::string_
 
 }  // namespace
 
-std::optional<Rows> reasonRows(Transaction& transaction, std::string_view name) {
+std::optional<Rows> reasonRows(Transaction& transaction, const Outlook& outlook,
+                               std::string_view name) {
   const LogRedirection silence([](const std::string& /*line*/) {});
   const ParmEntry* const parm = transaction.database().findNamed(name);
   if (parm == nullptr) return std::nullopt;
-  const Outlook outlook(transaction);
   const StagedValues& judged = outlook.of(*parm);
   Explanation why;
   if (explain(transaction.database(), judged, name, why) != EXPLAIN_DONE) return std::nullopt;

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "database/outlook.h"
 #include "database/transaction.h"
 #include "sw/parm/reasons.h"
 
@@ -26,6 +27,8 @@ struct ReasonRow {
 };
 
 /// The rows for the instance `name`, in the order of the table, as InstanceStates and queryRange()
-/// answer. nullopt where there is no such parameter, or not with so many index values. Counts the
-/// work, and raises WorkExceeded, or std::bad_alloc where memory is exhausted.
-std::optional<std::vector<ReasonRow>> reasonRows(Transaction& transaction, std::string_view name);
+/// answer; `outlook` is of `transaction`, and not COMMIT_TOO_LARGE. nullopt where there is no such
+/// parameter, or not with so many index values. Counts the work, and raises WorkExceeded, or
+/// std::bad_alloc where memory is exhausted.
+std::optional<std::vector<ReasonRow>> reasonRows(Transaction& transaction, const Outlook& outlook,
+                                                 std::string_view name);

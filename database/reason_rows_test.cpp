@@ -25,7 +25,7 @@ broken rw { rangeValid { 0..(7 / lock) } }
 
 // The rows of one question, without it.
 std::string rowsOf(Transaction& transaction, const char* name, const std::string& question) {
-  const auto rows = reasonRows(transaction, name);
+  const auto rows = reasonRows(transaction, Outlook(transaction), name);
   if (!rows) return "no instance";
   std::string text;
   for (const ReasonRow& row : *rows) {
@@ -86,7 +86,7 @@ TEST(RandomReasonRows, AnswerAsTheEngineDoes) {
     }
     InstanceStates states(transaction);
     for (const char* name : {"a", "a[0]", "b", "b[1]", "c", "c[0]", "d[0][a]", "d[1]"}) {
-      const auto rows = reasonRows(transaction, name);
+      const auto rows = reasonRows(transaction, Outlook(transaction), name);
       if (!rows) continue;
       ++compared;
       const InstanceState state = states.of(name);

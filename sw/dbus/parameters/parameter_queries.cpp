@@ -190,6 +190,14 @@ void writeIndex(Database& database, const IndexEntry& index, DefinitionWriter& o
   throw BusError{UNKNOWN_PARAMETER_ERROR, "No definition has the name " + quoted(name)};
 }
 
+[[noreturn]] void refuseInstance(Database& database, const std::string& name) {
+  if (database.findNamed(name) == nullptr) {
+    throw BusError{UNKNOWN_PARAMETER_ERROR, "No parameter has the name " + quoted(name)};
+  }
+  throw BusError{UNKNOWN_PARAMETER_ERROR,
+                 "No instance of its parameter has so many index values: " + quoted(name)};
+}
+
 // The flags of GetState.
 constexpr uint32_t FLAG_KNOWN = 1;
 constexpr uint32_t FLAG_EXISTS = 2;
@@ -298,11 +306,10 @@ void answerGetState(ParametersState& state, MessageReader& in, MessageWriter& ou
 void answerExplain(ParametersState& state, MessageReader& in, MessageWriter& out) {
   AskedTransaction transaction(state, in.number());
   const std::string name = in.text();
-  const std::optional<std::vector<ReasonRow>> rows = reasonRows(transaction.get(), name);
-  if (!rows) {
-    throw BusError{UNKNOWN_PARAMETER_ERROR,
-                   "No parameter has the name " + quoted(name) + " with so many index values"};
-  }
+  const Outlook outlook(transaction.get());
+  requirePlanned(outlook.result());
+  const std::optional<std::vector<ReasonRow>> rows = reasonRows(transaction.get(), outlook, name);
+  if (!rows) refuseInstance(state.service().database(), name);
   out.array("(ssusa{ss})", [&] {
     for (const ReasonRow& row : *rows) {
       out.structure([&] {

@@ -42,13 +42,6 @@ CallText parseCall(const std::string& text) {
   return call;
 }
 
-std::string printed(GVariant* value) {
-  gchar* text = g_variant_print(value, FALSE);
-  std::string result = text;
-  g_free(text);
-  return result;
-}
-
 Reply replyOf(GVariant* value, GError* error) {
   Reply reply;
   reply.value.reset(value);
@@ -61,6 +54,29 @@ Reply replyOf(GVariant* value, GError* error) {
     g_error_free(error);
   }
   return reply;
+}
+
+gboolean stopWaiting(gpointer waiting) {
+  *static_cast<bool*>(waiting) = false;
+  return G_SOURCE_CONTINUE;
+}
+
+gboolean stopWaitingAtEnd(gint /*descriptor*/, GIOCondition /*condition*/, gpointer waiting) {
+  return stopWaiting(waiting);
+}
+
+void onNameAppeared(GDBusConnection* /*connection*/, const gchar* /*name*/, const gchar* /*owner*/,
+                    gpointer appeared) {
+  *static_cast<bool*>(appeared) = true;
+}
+
+}  // namespace
+
+std::string printed(GVariant* value) {
+  gchar* text = g_variant_print(value, FALSE);
+  std::string result = text;
+  g_free(text);
+  return result;
 }
 
 std::string textOf(const Reply& reply) {
@@ -80,22 +96,6 @@ void iterateUntilIdle() {
   while (g_main_context_iteration(nullptr, FALSE) != FALSE) {
   }
 }
-
-gboolean stopWaiting(gpointer waiting) {
-  *static_cast<bool*>(waiting) = false;
-  return G_SOURCE_CONTINUE;
-}
-
-gboolean stopWaitingAtEnd(gint /*descriptor*/, GIOCondition /*condition*/, gpointer waiting) {
-  return stopWaiting(waiting);
-}
-
-void onNameAppeared(GDBusConnection* /*connection*/, const gchar* /*name*/, const gchar* /*owner*/,
-                    gpointer appeared) {
-  *static_cast<bool*>(appeared) = true;
-}
-
-}  // namespace
 
 std::vector<std::string> textsOf(GVariant* array) {
   std::vector<std::string> texts;
@@ -158,9 +158,14 @@ bool Client::waitForService(const Process& daemon) {
 }
 
 Reply Client::call(const std::string& method, GVariant* arguments) const {
+  return callObject(objectPath_, INTERFACE_NAME, method, arguments);
+}
+
+Reply Client::callObject(const std::string& path, const std::string& interface,
+                         const std::string& method, GVariant* arguments) const {
   GError* error = nullptr;
   GVariant* value = g_dbus_connection_call_sync(
-      connection_, busName_.c_str(), objectPath_.c_str(), INTERFACE_NAME, method.c_str(), arguments,
+      connection_, busName_.c_str(), path.c_str(), interface.c_str(), method.c_str(), arguments,
       nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, PATIENCE * 1000, nullptr, &error);
   return replyOf(value, error);
 }

@@ -39,6 +39,10 @@ class Client {
   /// Calls a method with in-arguments that may be floating.
   [[nodiscard]] Reply call(const std::string& method, GVariant* arguments) const;
 
+  /// Calls a method of any interface of any object of the target.
+  [[nodiscard]] Reply callObject(const std::string& path, const std::string& interface,
+                                 const std::string& method, GVariant* arguments) const;
+
   /// Makes the call that `text` spells, as in "set(0, 'gain', '5')", with the arguments in GLib's
   /// text format of values. The answer is as text too: "()" from a method without out-arguments,
   /// the value from one with one, the list of values in brackets from others; an error's message
@@ -78,5 +82,11 @@ class Client {
 /// Waits until the bus has passed on what the client has sent.
 void waitForBus(const Client& client);
 
+/// A value in GLib's text format, without types.
+std::string printed(GVariant* value);
+/// What Client::answer() gives for a reply.
+std::string textOf(const Reply& reply);
+/// Gives out what has come for the connections, and returns when there is nothing more.
+void iterateUntilIdle();
 /// The texts of an array of strings.
 std::vector<std::string> textsOf(GVariant* array);

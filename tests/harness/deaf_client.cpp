@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/harness/bus_methods.h"
+#include "tests/harness/parameters_client.h"
 
 DeafClient::DeafClient(const std::string& busAddress)
     : connection_(dbus_connection_open_private(busAddress.c_str(), nullptr)) {
@@ -20,6 +21,19 @@ void DeafClient::send(const char* method, const char* argument) {
   if (argument != nullptr) {
     dbus_message_append_args(message, DBUS_TYPE_STRING, &argument, DBUS_TYPE_INVALID);
   }
+  sendMessage(message);
+}
+
+void DeafClient::watch() {
+  DBusMessage* message =
+      dbus_message_new_method_call(INTERFACE_NAME, PARAMETERS_PATH, PARAMETERS_INTERFACE, "Watch");
+  const dbus_bool_t yes = TRUE;
+  dbus_message_append_args(message, DBUS_TYPE_BOOLEAN, &yes, DBUS_TYPE_BOOLEAN, &yes,
+                           DBUS_TYPE_INVALID);
+  sendMessage(message);
+}
+
+void DeafClient::sendMessage(DBusMessage* message) {
   EXPECT_NE(dbus_connection_send(connection_, message, nullptr), 0);
   dbus_message_unref(message);
   dbus_connection_flush(connection_);

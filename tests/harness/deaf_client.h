@@ -16,9 +16,12 @@ class DeafClient {
 
   /// Calls a method that takes no argument, or one text; the call has left when this returns.
   void send(const char* method, const char* argument = nullptr);
+  /// Calls Watch of the second interface, for both of its signals.
+  void watch();
   /// Has every signal of the bus sent to it.
   void subscribe();
 
  private:
+  void sendMessage(DBusMessage* message);
   DBusConnection* connection_;
 };

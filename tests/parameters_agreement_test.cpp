@@ -1,0 +1,360 @@
+// What the second interface tells of random devices, against what the first one does.
+#include <algorithm>
+#include <map>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tests/harness/parameters_client.h"
+#include "tests/harness/service_test.h"
+#include "tests/support/random_device.h"
+#include "tests/support/random_texts.h"
+
+namespace {
+
+constexpr uint32_t EXISTS = 2;
+constexpr uint32_t WRITABLE = 4;
+constexpr uint32_t LIMITED = 16;
+constexpr uint32_t NO_LIMITS = 32;
+
+VariantPointer childOf(GVariant* value, size_t i) {
+  return VariantPointer(g_variant_get_child_value(value, i));
+}
+
+std::string textAt(GVariant* value, size_t i) {
+  return g_variant_get_string(childOf(value, i).get(), nullptr);
+}
+
+std::string quoted(const std::string& text) {
+  const VariantPointer value(g_variant_ref_sink(g_variant_new_string(text.c_str())));
+  return printed(value.get());
+}
+
+std::string listed(const Texts& names) {
+  std::string text = "[";
+  for (const std::string& name : names) text += (text.size() == 1 ? "" : ", ") + quoted(name);
+  return text + "]";
+}
+
+// What is not UTF-8 in a name cannot be asked for, and an index value with brackets makes the name
+// of another instance.
+bool isAddressed(const std::string& name) {
+  return name.find("\xEF\xBF\xBD") == std::string::npos && name.find("[]") == std::string::npos;
+}
+
+// Values of both kinds of texts.
+Texts allValues() {
+  Texts values = VALUES;
+  values.insert(values.end(), {"on", "7", "20", "1080i/50", "720p/50"});
+  return values;
+}
+
+struct State {
+  uint32_t flags = 0;
+  std::string value;
+  std::string range;  // texts and spans, as get_range gives them
+};
+
+class Agreement {
+ public:
+  Agreement(Client& client, uint32_t seed) : client_(client), watching_(client), random_(seed) {
+    EXPECT_EQ(watching_.answer("Watch(true, true)"), "()");
+    readDefinitions();
+  }
+
+  void compareRound() {
+    addNames();
+    const std::string id = watching_.answer(below(2) == 0 ? "Begin()" : "ListTransactions()");
+    const std::string own = id.starts_with("[") ? client_.answer("start()") : id;
+    const Texts calls = randomCalls();
+    stage(own, calls);
+    compareQueries(own);
+    compareSets(own, calls);
+    compareCommit(own);
+    EXPECT_EQ(client_.answer("end(" + own + ")"), "()");
+  }
+
+  size_t states = 0;
+  size_t sets = 0;
+  size_t changes = 0;
+  size_t limits = 0;
+
+ private:
+  size_t below(size_t end) { return random_() % end; }
+  std::string oneOf(const Texts& texts) { return texts[below(texts.size())]; }
+
+  void readDefinitions() {
+    const VariantPointer reply = watching_.ask("List('')");
+    const VariantPointer list = childOf(reply.get(), 0);
+    for (gsize i = 0; i < g_variant_n_children(list.get()); ++i) {
+      const VariantPointer row = childOf(list.get(), i);
+      const std::string name = textAt(row.get(), 0);
+      if (!isAddressed(name)) continue;
+      const VariantPointer definition = watching_.ask("GetDefinition(" + quoted(name) + ")");
+      const VariantPointer dictionary = childOf(definition.get(), 0);
+      const VariantPointer users(
+          g_variant_lookup_value(dictionary.get(), "used-by", G_VARIANT_TYPE("as")));
+      usedBy_[name] = textsOf(users.get());
+      if (textAt(row.get(), 1) != "index") parms_.push_back(name);
+    }
+  }
+
+  void addNames() {
+    const VariantPointer reply = watching_.ask("ListInstances(NONE, [])");
+    for (const std::string& name : textsOf(childOf(reply.get(), 0).get())) {
+      if (isAddressed(name)) names_.insert(name);
+    }
+    for (const std::string& parm : parms_) {
+      for (const char* suffix : {"", "[0]", "[1]", "[7]", "[a]", "[0][a]", "[1][1]"}) {
+        names_.insert(parm + suffix);
+      }
+    }
+    names_.insert("nosuch");
+  }
+
+  Texts randomCalls() {
+    const Texts all(names_.begin(), names_.end());
+    Texts calls;
+    for (size_t count = 1 + below(4); count > 0; --count) {
+      const std::string name = quoted(oneOf(all));
+      const std::string method = oneOf({"set", "set_status", "set", "reset_status"});
+      calls.push_back(method + "(ID, " + name +
+                      (method == "reset_status" ? ")" : ", " + quoted(oneOf(values_)) + ")"));
+    }
+    return calls;
+  }
+
+  void stage(const std::string& id, const Texts& calls) {
+    for (std::string call : calls) {
+      call.replace(call.find("ID"), 2, id);
+      static_cast<void>(client_.answer(call));
+    }
+  }
+
+  std::map<std::string, State> statesIn(const std::string& id) {
+    const VariantPointer reply =
+        watching_.ask("GetState(" + id + ", " + listed({names_.begin(), names_.end()}) + ")");
+    const VariantPointer list = childOf(reply.get(), 0);
+    std::map<std::string, State> all;
+    for (gsize i = 0; i < g_variant_n_children(list.get()); ++i) {
+      const VariantPointer row = childOf(list.get(), i);
+      State state;
+      state.flags = g_variant_get_uint32(childOf(row.get(), 1).get());
+      state.value = textAt(row.get(), 2);
+      state.range = "(" + printed(childOf(row.get(), 4).get()) + ", " +
+                    printed(childOf(row.get(), 3).get()) + ")";
+      all[textAt(row.get(), 0)] = state;
+    }
+    EXPECT_EQ(all.size(), names_.size());
+    return all;
+  }
+
+  // Question and answer; empty where there is no such instance.
+  std::map<std::string, std::string> answersOf(const std::string& id, const std::string& name) {
+    const std::string call = "Explain(" + id + ", " + quoted(name) + ")";
+    if (watching_.answer(call).starts_with("UnknownParameter")) return {};
+    const VariantPointer reply = watching_.ask(call);
+    const VariantPointer list = childOf(reply.get(), 0);
+    std::map<std::string, std::string> answers;
+    for (gsize i = 0; i < g_variant_n_children(list.get()); ++i) {
+      const VariantPointer row = childOf(list.get(), i);
+      answers[textAt(row.get(), 0)] = textAt(row.get(), 1);
+    }
+    return answers;
+  }
+
+  void compareQueries(const std::string& id) {
+    const VariantPointer reply = watching_.ask("ListInstances(" + id + ", [])");
+    const Texts present = textsOf(childOf(reply.get(), 0).get());
+    for (const auto& [name, state] : statesIn(id)) {
+      SCOPED_TRACE(name + " " + std::to_string(state.flags));
+      ++states;
+      const std::string get = "(" + id + ", " + quoted(name) + ")";
+      EXPECT_EQ(client_.answer("get" + get), quoted(state.value));
+      const Reply range = client_.call(
+          "get_range", g_variant_new("(us)", static_cast<guint32>(std::stoul(id)), name.c_str()));
+      EXPECT_EQ(range.value == nullptr, state.flags == 0 || (state.flags & NO_LIMITS) != 0)
+          << range.errorMessage;
+      if (range.value != nullptr) {
+        EXPECT_EQ(printed(range.value.get()), state.range);
+        EXPECT_EQ(state.range != "([], [])", (state.flags & LIMITED) != 0);
+      }
+      EXPECT_EQ(std::ranges::count(present, name), (state.flags & EXISTS) != 0 ? 1 : 0);
+      compareExplanation(id, name, state);
+    }
+  }
+
+  void compareExplanation(const std::string& id, const std::string& name, const State& state) {
+    std::map<std::string, std::string> answers = answersOf(id, name);
+    if (answers.empty()) {
+      EXPECT_EQ(state.flags & (EXISTS | WRITABLE | LIMITED), 0U);
+      return;
+    }
+    EXPECT_EQ(answers.size(), 5U);
+    EXPECT_EQ(answers["exists"], (state.flags & EXISTS) != 0 ? "yes" : "no");
+    EXPECT_EQ(answers["writable"], (state.flags & WRITABLE) != 0 ? "yes" : "no");
+    EXPECT_EQ(answers["value"], state.value);
+    EXPECT_EQ(answers["limits"] == "none", (state.flags & NO_LIMITS) != 0);
+    EXPECT_EQ(answers["limits"] == "any", (state.flags & (LIMITED | NO_LIMITS)) == 0);
+  }
+
+  // Whether what is set for a parameter may decide about itself, by way of whatever uses it.
+  bool followsItself(const std::string& parm) {
+    std::set<std::string> reached;
+    Texts open = usedBy_[parm];
+    while (!open.empty()) {
+      const std::string name = open.back();
+      open.pop_back();
+      if (name == parm) return true;
+      if (!reached.insert(name).second) continue;
+      open.insert(open.end(), usedBy_[name].begin(), usedBy_[name].end());
+    }
+    return false;
+  }
+
+  // A plain set on top of the same staged values is refused for what the flag says, or it is not.
+  void compareSets(const std::string& id, const Texts& calls) {
+    for (const auto& [name, state] : statesIn(id)) {
+      if (below(3) != 0) continue;
+      if (state.flags == 0 || followsItself(name.substr(0, name.find('[')))) continue;
+      const std::string tried = watching_.answer("Begin()");
+      stage(tried, calls);
+      const bool isStaged = std::ranges::any_of(values_, [&](const std::string& value) {
+        return client_.answer("set(" + tried + ", " + quoted(name) + ", " + quoted(value) + ")") ==
+               "()";
+      });
+      if (isStaged) compareSet(tried, name, state);
+      EXPECT_EQ(client_.answer("end(" + tried + ")"), "()");
+    }
+  }
+
+  void compareSet(const std::string& id, const std::string& name, const State& state) {
+    const VariantPointer reply = watching_.ask("Preview(" + id + ")");
+    const VariantPointer refused = childOf(reply.get(), 1);
+    std::string why;
+    for (gsize i = 0; i < g_variant_n_children(refused.get()); ++i) {
+      const VariantPointer row = childOf(refused.get(), i);
+      if (textAt(row.get(), 0) == name) why = textAt(row.get(), 1);
+    }
+    if (why.starts_with("another value")) return;
+    ++sets;
+    const bool isStored = why.empty() || why.starts_with("its value");
+    EXPECT_EQ(isStored, (state.flags & WRITABLE) != 0) << name << " " << state.flags << " " << why;
+  }
+
+  // Flags without those of transactions, limits and default of each instance.
+  std::map<std::string, std::string> limitsNow() {
+    std::map<std::string, std::string> all;
+    for (const auto& [name, state] : statesIn("NONE")) {
+      all[name] = std::to_string(state.flags & (EXISTS | WRITABLE | LIMITED | NO_LIMITS)) +
+                  state.range + answersOf("NONE", name)["default"];
+    }
+    return all;
+  }
+
+  void compareCommit(const std::string& id) {
+    const std::map<std::string, std::string> before = limitsNow();
+    const VariantPointer preview = watching_.ask("Preview(" + id + ")");
+    static_cast<void>(client_.newSignals());
+    static_cast<void>(watching_.newSignals());
+    const std::string done = client_.answer("commit(" + id + ")");
+    const VariantPointer refused = childOf(preview.get(), 1);
+    EXPECT_TRUE(done == "()" || g_variant_n_children(refused.get()) > 0) << done;
+    std::string expected;
+    Texts announced;
+    const VariantPointer rows = childOf(preview.get(), 0);
+    for (gsize i = 0; i < g_variant_n_children(rows.get()); ++i) {
+      const VariantPointer row = childOf(rows.get(), i);
+      expected += (i == 0 ? "(" : ", (") + quoted(textAt(row.get(), 0)) + ", " +
+                  quoted(textAt(row.get(), 1)) + ", " + quoted(textAt(row.get(), 2)) + ")";
+      announced.push_back(textAt(row.get(), 0) + "=" + textAt(row.get(), 2));
+      ++changes;
+    }
+    std::vector<Texts> expectedSignals;
+    if (!announced.empty()) expectedSignals.push_back(announced);
+    EXPECT_EQ(client_.newSignals(), expectedSignals);
+    const Texts told = watching_.newSignals();
+    ASSERT_EQ(told.empty(), announced.empty());
+    if (told.empty()) return;
+    EXPECT_TRUE(told[0].ends_with("[" + expected + "])")) << told[0] << " expected " << expected;
+    compareLimits(before, told.size() > 1 ? told[1] : "");
+  }
+
+  void compareLimits(const std::map<std::string, std::string>& before, const std::string& told) {
+    for (const auto& [name, now] : limitsNow()) {
+      if (before.at(name) == now) continue;
+      ++limits;
+      EXPECT_NE(told.find(quoted(name.substr(0, name.find('[')))), std::string::npos)
+          << name << ": " << before.at(name) << " to " << now << "; told was " << told;
+    }
+  }
+
+  const Texts values_ = allValues();
+  Client& client_;
+  ParametersClient watching_;
+  std::mt19937 random_;
+  std::map<std::string, Texts> usedBy_;
+  Texts parms_;
+  std::set<std::string> names_;
+};
+
+class ParametersAgreement : public testing::Test {
+ protected:
+  // Returns whether the text could be served.
+  bool compare(const std::string& text, const Texts& constants, uint32_t seed) {
+    SCOPED_TRACE(text);
+    Texts arguments = {"--debug", "--"};
+    arguments.insert(arguments.end(), constants.begin(), constants.end());
+    Daemon daemon({.text = text, .arguments = arguments, .busAddress = bus_.address()});
+    Client client(bus_.address());
+    if (!client.waitForService(daemon.process())) return false;
+    {
+      Agreement agreement(client, seed);
+      for (int round = 0; round < 10; ++round) agreement.compareRound();
+      states_ += agreement.states;
+      sets_ += agreement.sets;
+      changes_ += agreement.changes;
+      limits_ += agreement.limits;
+    }
+    EXPECT_EQ(client.answer("die()"), "()");
+    static_cast<void>(daemon.waitForEnd());
+    static_cast<void>(daemon.newLogLines());
+    return true;
+  }
+  void expectMany() const {
+    EXPECT_GT(states_, 1000U);
+    EXPECT_GT(sets_, 200U);
+    EXPECT_GT(changes_, 20U);
+    EXPECT_GT(limits_, 3U);
+  }
+
+ private:
+  PrivateBus bus_;
+  size_t states_ = 0;
+  size_t sets_ = 0;
+  size_t changes_ = 0;
+  size_t limits_ = 0;
+};
+
+TEST_F(ParametersAgreement, OnTextsOfNamesThatReferToOneAnother) {
+  int served = 0;
+  for (uint32_t seed = 0; served < 10 && !HasFailure(); ++seed) {
+    RandomTexts random(seed);
+    served += compare(random.text(), {}, seed) ? 1 : 0;
+  }
+  expectMany();
+}
+
+TEST_F(ParametersAgreement, OnTextsWithAllStatements) {
+  int served = 0;
+  for (uint32_t seed = 0; served < 10 && !HasFailure(); ++seed) {
+    RandomDevice random(seed);
+    served += compare(random.text(), {"MODEL=pro", "LIMIT=7", "EMPTY=", "STANDARD=1080i/50"}, seed)
+                  ? 1
+                  : 0;
+  }
+  expectMany();
+}
+
+}  // namespace

@@ -192,14 +192,14 @@ class StandardTexts {
     if (!isSelector || text.kind != TOKEN_STRING) return;
     std::optional<Finding> finding = findingOf(text.text, text.at);
     if (!finding) return;
-    const ParameterRecord* const record = facts_.defined(baseName(name.text));
-    const std::vector<std::string_view> taken =
-        record == nullptr ? std::vector<std::string_view>() : textsTakenBy(*record);
-    if (std::ranges::find(taken, text.text) != taken.end()) {
-      repeated_.add(std::string(text.text), *std::move(finding));
-      return;
+    if (const ParameterRecord* const record = facts_.defined(baseName(name.text))) {
+      const std::vector<std::string_view> taken = textsTakenBy(*record);
+      if (std::ranges::find(taken, text.text) != taken.end()) {
+        repeated_.add(std::string(text.text), *std::move(finding));
+        return;
+      }
+      if (!taken.empty()) proposeTaken(*finding, text.text, *record, taken);
     }
-    if (!taken.empty()) proposeTaken(*finding, text.text, *record, taken);
     findings_.add(*std::move(finding));
   }
 
@@ -215,6 +215,7 @@ class StandardTexts {
       finding.proposal = Proposal{finding.at, inQuotes(*near)};
     }
     std::vector<std::string> quotations;
+    quotations.reserve(taken.size());
     for (const std::string_view one : taken) quotations.push_back(quoted(one));
     finding.related.push_back(
         {facts_.nameOf(record),

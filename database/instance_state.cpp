@@ -33,10 +33,13 @@ InstanceState InstanceStates::of(std::string_view name) {
   const StagedValues& staged = transaction_.staged();
   state.isKnown = true;
   state.isStaged = staged.find(*parm, indices) != nullptr;
+  state.exists = existsIn(*parm, indices, settled_);
   const StagedValues& judged = outlook_.of(*parm);
-  IndexSituations other(judged);
-  state.exists = existsIn(*parm, indices, &judged == &outlook_.values() ? settled_ : other);
-  if (state.exists) state.isWritable = !parm->parm.isReadOnly(gatherBound(*parm, indices, judged));
+  IndexSituations atFirst(judged);
+  const bool isSettled = &judged == &outlook_.values();
+  if (isSettled ? state.exists : existsIn(*parm, indices, atFirst)) {
+    state.isWritable = !parm->parm.isReadOnly(gatherBound(*parm, indices, judged));
+  }
   state.hasValue = !state.value->empty();
   state.rangeResult = queryRange(transaction_.database(), staged, name, state.range);
   return state;

@@ -17,9 +17,12 @@ bool existsIn(const ParmEntry& parm, const IndexTuple& indices, IndexSituations&
 /// What an instance is. Of parameters that follow each other, exists and isWritable are as they are
 /// after the commit of what is staged, not as they would be on the way through the ring.
 struct InstanceState {
-  bool isKnown = false;                ///< there is such a parameter; else nothing below counts
-  bool exists = false;                 ///< a commit of the transaction would find it there
-  bool isWritable = false;             ///< and would store a value that is set without force
+  bool isKnown = false;  ///< there is such a parameter; else nothing below counts
+  bool exists = false;   ///< it is there after a commit of the transaction
+  /// The commit would store a value that is set without force. Of a parameter without dependents it
+  /// is judged with the values as they are staged, see Outlook::of(): so one that the commit itself
+  /// brings about may not be writable yet.
+  bool isWritable = false;
   bool isStaged = false;               ///< the transaction has staged something for it
   bool hasValue = false;               ///< `value` is not empty
   const std::string* value = nullptr;  ///< that the transaction sees; as Transaction::find() has it

@@ -62,10 +62,13 @@ std::optional<Rows> reasonRows(Transaction& transaction, const Outlook& outlook,
   const ParmEntry* const parm = transaction.database().findNamed(name);
   if (parm == nullptr) return std::nullopt;
   const StagedValues& judged = outlook.of(*parm);
+  Explanation settled;
   Explanation why;
-  if (explain(transaction.database(), judged, name, why) != EXPLAIN_DONE) return std::nullopt;
+  Database& database = transaction.database();
+  if (explain(database, outlook.values(), name, settled) != EXPLAIN_DONE) return std::nullopt;
+  static_cast<void>(explain(database, judged, name, why));  // of the same name
   Rows rows;
-  add(rows, "exists", yesOrNo(why.exists), why.existence);
+  add(rows, "exists", yesOrNo(settled.exists), settled.existence);
   add(rows, "writable", yesOrNo(why.exists && !why.isReadOnly),
       why.exists ? why.readOnly : why.existence);
   addLimits(transaction, name, rows);

@@ -14,8 +14,8 @@
 /// are several rows with one question and one answer; where none does, the line is 0.
 ///
 ///   question   answer
-///   exists     "yes" or "no": whether a commit would find the instance
-///   writable   "yes" or "no": whether it would store a value that is set without force
+///   exists     "yes" or "no": whether the instance is there after a commit
+///   writable   "yes" or "no": whether that would store a value that is set without force
 ///   limits     the range as a text, "any" where every value is allowed, "none" where it cannot be
 ///              worked out
 ///   default    the default, the empty text where there is none

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <set>
 #include <utility>
 
 #include "base/number.h"
@@ -36,12 +37,14 @@ struct Tried {
 class Previewing {
  public:
   explicit Previewing(Transaction& transaction)
-      : transaction_(transaction), copies_(&transaction.staged()) {}
+      : transaction_(transaction), first_(&transaction.staged()), copies_(&transaction.staged()) {}
 
   int run(Preview& out) {
     for (const StagedEntry* entry : transaction_.staged().inNameOrder()) {
       staged_.emplace(fullName(*entry), std::nullopt);
     }
+    copyStaged(transaction_.staged(), first_);
+    resolveResets(first_);
     const int result = tryCommit(transaction_, copies_,
                                  [this](const StagedEntry& entry, std::optional<SetCode> code) {
                                    note(entry, code.value_or(PASSED_OVER));
@@ -66,6 +69,9 @@ class Previewing {
     if (const auto own = staged_.find(name); own != staged_.end() && !own->second) {
       own->second = code;
     }
+    if (code == SET_STORED_UNREPORTED && entry.value.text() != committedText(entry)) {
+      unreported_.insert(name);
+    }
     if (code != SET_STORED) return;
     const bool wasAnnounced = entry.held != nullptr && entry.held->announced;
     const std::string& after = entry.value.text();
@@ -86,7 +92,8 @@ class Previewing {
         if (source.parm == nullptr) continue;
         std::string read = source.parm->parm.name() +
                            indexSuffix(indicesOf(source, tried.parm->parm, tried.indices));
-        if (read != name && changes_.contains(read)) causes.push_back(std::move(read));
+        const bool hasChanged = changes_.contains(read) || unreported_.contains(read);
+        if (read != name && hasChanged) causes.push_back(std::move(read));
       }
     };
     add(tried.parm->sources);
@@ -101,7 +108,9 @@ class Previewing {
   [[nodiscard]] std::string whyNot(const std::string& name, SetCode code) const {
     if (code == PASSED_OVER) return "another value of its level is refused";
     Explanation explanation;
-    if (explain(transaction_.database(), copies_, name, explanation) != EXPLAIN_DONE) {
+    Database& database = transaction_.database();
+    const bool isFirst = !database.findNamed(name)->hasDependents();
+    if (explain(database, isFirst ? first_ : copies_, name, explanation) != EXPLAIN_DONE) {
       return "there is no instance with so many index values";
     }
     if (!explanation.exists) return withReasons("does not exist", explanation.existence);
@@ -112,9 +121,11 @@ class Previewing {
   }
 
   Transaction& transaction_;
-  StagedValues copies_;
+  StagedValues first_;   // what the values without dependents are judged with
+  StagedValues copies_;  // what the commit would leave
   std::map<std::string, std::optional<SetCode>> staged_;  // what became of each staged value
   std::map<std::string, Tried> changes_;                  // by full name
+  std::set<std::string> unreported_;                      // "rostrict" instances that change
 };
 
 }  // namespace

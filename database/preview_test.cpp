@@ -89,6 +89,22 @@ TEST(Previews, TellWhatChangesBecauseOfWhat) {
   }
 }
 
+// A commit judges what nothing depends on before other values have followed.
+TEST(Previews, TellWhyInTheSituationInWhichAValueIsJudged) {
+  Database database;
+  define(database,
+         "mode rw { }\nspeed ro { rangeValid { (mode * 2) } }\n"
+         "turbo rw { ctrlValid (speed == 4) }\n");
+  Transaction transaction(database);
+  ASSERT_EQ(transaction.set("mode", "2", false), STAGE_DONE);
+  ASSERT_EQ(transaction.set("turbo", "1", false), STAGE_DONE);
+  Preview found;
+  EXPECT_EQ(preview(transaction, found), COMMIT_DONE);
+  EXPECT_EQ(shown(found),
+            "mode:  -> 2 (mode)\nspeed:  -> 4 (mode)\nturbo:  ->  (speed)\n"
+            "turbo: does not exist, line 3: ctrlValid (speed == 4)\n");
+}
+
 TEST(RandomPreviews, TellWhatTheirCommitDoes) {
   const LogRedirection silence([](const std::string& /*line*/) {});
   size_t changes = 0;

@@ -26,7 +26,19 @@ ValueText committedValue(const StagedEntry& entry) {
 // What a commit has changed, in the order in which it was stored.
 class Report {
  public:
-  Report(std::vector<Change>& changes, ChangeRoom* room) : changes_(changes), room_(room) {}
+  Report(std::vector<Change>& changes, ChangeRoom* room, std::vector<ParmEntry*>* unreported)
+      : changes_(changes), room_(room), unreported_(unreported) {}
+  // Makes room for an entry that is about to be stored and may not be reported.
+  void prepare(const StagedEntry& entry) {
+    if (unreported_ == nullptr || entry.parm->parm.mode() != MODE_ROSTRICT) return;
+    if (unreported_->size() == unreported_->capacity()) {
+      unreported_->reserve(2 * unreported_->size() + 8);
+    }
+  }
+  // Adds the parameter of such an entry, which has changed.
+  void addUnreported(const StagedEntry& entry) {
+    if (unreported_ != nullptr) unreported_->push_back(entry.parm);
+  }
   // Adds a value that was just stored; where there is no room for it, the instance takes back the
   // one `before`, which takes no memory.
   void add(const StagedEntry& entry, std::string name, ValueText before) {
@@ -44,6 +56,7 @@ class Report {
  private:
   std::vector<Change>& changes_;
   ChangeRoom* room_;
+  std::vector<ParmEntry*>* unreported_;
 };
 
 // Commits one entry. Returns 0, WALK_AGAIN, or a refusal, which is logged with the value as it was
@@ -54,7 +67,11 @@ int commitEntry(StagedEntry& entry, IndexSituations& situations, Report& report)
   std::string name = fullName(entry);
   ValueText before = committedValue(entry);
   const std::string wanted = entry.value.text();
+  report.prepare(entry);
   const SetCode code = evaluate(entry, situations, false);
+  if (code == SET_STORED_UNREPORTED && entry.held->value.text() != before.text()) {
+    report.addUnreported(entry);
+  }
   if (code == SET_STORED && isReported(entry.parm->parm, entry.held->announced,
                                        entry.held->value.text(), before.text())) {
     report.add(entry, std::move(name), std::move(before));
@@ -110,7 +127,8 @@ class Emptying {
 
 }  // namespace
 
-int commit(Transaction& transaction, std::vector<Change>& changes, ChangeRoom* room) {
+int commit(Transaction& transaction, std::vector<Change>& changes, ChangeRoom* room,
+           std::vector<ParmEntry*>* unreported) {
   StagedValues& staged = transaction.staged();
   const Emptying emptying(staged);
   resolveResets(staged);
@@ -118,7 +136,7 @@ int commit(Transaction& transaction, std::vector<Change>& changes, ChangeRoom* r
   if (!plan) return COMMIT_TOO_LARGE;
   changes.reserve(changes.size() + plan->size());
   const Ordering ordering(changes);
-  Report report(changes, room);
+  Report report(changes, room, unreported);
   return walkCommit(*plan, staged, [&](StagedEntry& entry, IndexSituations& situations) {
     return commitEntry(entry, situations, report);
   });

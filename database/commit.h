@@ -43,5 +43,7 @@ class ChangeRoom {
 /// is empty afterwards. Returns a CommitResult, the first failure; a write that the parameter
 /// does not allow just now is no failure and changes nothing. Where memory is exhausted in between,
 /// or there is no `room` for a change, std::bad_alloc is raised and `changes` has what was stored
-/// until then; without `room` there is room for all.
-int commit(Transaction& transaction, std::vector<Change>& changes, ChangeRoom* room = nullptr);
+/// until then; without `room` there is room for all. `unreported` receives the "rostrict"
+/// parameters whose values have changed, also more than once.
+int commit(Transaction& transaction, std::vector<Change>& changes, ChangeRoom* room = nullptr,
+           std::vector<ParmEntry*>* unreported = nullptr);

@@ -33,9 +33,10 @@ std::string_view orEmpty(const std::string* text) {
   return text == nullptr ? std::string_view("") : *text;
 }
 
-void announce(const std::vector<Change>& changes, ValueObject* object) {
+void announce(const std::vector<Change>& changes, const std::vector<ParmEntry*>& unreported,
+              ValueObject* object) {
   publish(object, changes);
-  ServiceState::current().committed(changes);
+  ServiceState::current().committed(changes, unreported);
 }
 
 // Adds the values of names that are looked up together, up to the first that is too much for a
@@ -159,18 +160,19 @@ int resetAll(Transaction& transaction, char** names, bool force) {
 int commitAndPublish(Transaction& transaction, ValueObject* object) {
   returnSpareMemorySoon();
   std::vector<Change> changes;
+  std::vector<ParmEntry*> unreported;
   SignalRoom room;
   int result = INTERNAL_ERROR;
   try {
-    result = commit(transaction, changes, &room);
+    result = commit(transaction, changes, &room, &unreported);
   } catch (...) {
     // Where memory is exhausted in between, what is stored is told all the same.
     room.giveBack();
-    announce(changes, object);
+    announce(changes, unreported, object);
     throw;
   }
   room.giveBack();
-  announce(changes, object);
+  announce(changes, unreported, object);
   return result;
 }
 

@@ -24,9 +24,11 @@ class ServiceObserver {
   virtual ~ServiceObserver() = default;
   ServiceObserver(const ServiceObserver&) = delete;
   ServiceObserver& operator=(const ServiceObserver&) = delete;
-  /// `caller` has committed `changes`, ascending by name, which is not empty; the client is the
-  /// empty text where it has left. The values are stored and announced already.
-  virtual void committed(std::string_view caller, const std::vector<Change>& changes) noexcept = 0;
+  /// `caller` has committed `changes`, ascending by name, and changed the parameters `unreported`
+  /// (see commit()); one of the two is not empty. The client is the empty text where it has left.
+  /// The values are stored and announced already.
+  virtual void committed(std::string_view caller, const std::vector<Change>& changes,
+                         const std::vector<ParmEntry*>& unreported) noexcept = 0;
   /// The client with this unique name has left the bus.
   virtual void clientLeft(std::string_view name) noexcept = 0;
 };
@@ -61,8 +63,10 @@ class ServiceState {
   /// `observer`, which outlives the state, is told from now on; null: nobody is.
   void setObserver(ServiceObserver* observer) { observer_ = observer; }
   /// To be called when `changes` of the caller's are stored and announced.
-  void committed(const std::vector<Change>& changes) noexcept {
-    if (observer_ != nullptr && !changes.empty()) observer_->committed(caller_, changes);
+  void committed(const std::vector<Change>& changes,
+                 const std::vector<ParmEntry*>& unreported = {}) noexcept {
+    const bool hasChanged = !changes.empty() || !unreported.empty();
+    if (observer_ != nullptr && hasChanged) observer_->committed(caller_, changes, unreported);
   }
   /// Opens a transaction of the caller's under the next free id. Returns 0, or 1 where every id is
   /// in use; `id` is then the last one that was tried. Raises std::bad_alloc where memory is

@@ -28,7 +28,8 @@ size_t bytesOf(const Change& change) {
 
 // The parameters that read one of those that have changed, by themselves or by an index, in name
 // order.
-std::vector<const ParmEntry*> readersOf(Database& database, const std::vector<Change>& changes) {
+std::vector<const ParmEntry*> readersOf(Database& database, const std::vector<Change>& changes,
+                                        const std::vector<ParmEntry*>& unreported) {
   const uint32_t walk = database.newWalk();
   std::vector<const ParmEntry*> readers;
   const auto add = [&](const std::vector<ParmEntry*>& parms) {
@@ -37,13 +38,14 @@ std::vector<const ParmEntry*> readersOf(Database& database, const std::vector<Ch
     }
   };
   const ParmEntry* last = nullptr;
-  for (const Change& change : changes) {
-    const ParmEntry* const parm = std::exchange(last, change.parm);
-    if (parm == change.parm) continue;
-    add(change.parm->dependents);
-    if (!change.parm->isNamedByIndices) continue;
-    for (const IndexEntry* index : change.parm->indices->naming) add(index->dependents);
-  }
+  const auto addReadersOf = [&](const ParmEntry* parm) {
+    if (std::exchange(last, parm) == parm) return;
+    add(parm->dependents);
+    if (!parm->isNamedByIndices) return;
+    for (const IndexEntry* index : parm->indices->naming) add(index->dependents);
+  };
+  for (const Change& change : changes) addReadersOf(change.parm);
+  for (const ParmEntry* const parm : unreported) addReadersOf(parm);
   std::ranges::sort(readers, {}, &ParmEntry::rank);
   return readers;
 }
@@ -119,20 +121,21 @@ ParametersState::ParametersState(DBusConnection* connection, std::string path,
   service_.setObserver(this);
 }
 
-void ParametersState::committed(std::string_view caller,
-                                const std::vector<Change>& changes) noexcept {
+void ParametersState::committed(std::string_view caller, const std::vector<Change>& changes,
+                                const std::vector<ParmEntry*>& unreported) noexcept {
   const auto serial = static_cast<uint32_t>(++commits_);
-  history_.add(serial, now(), caller, changes);
+  if (!changes.empty()) history_.add(serial, now(), caller, changes);
   if (watchers_.all().empty()) return;
   try {
-    tellWatchers(serial, caller, changes);
+    tellWatchers(serial, caller, changes, unreported);
   } catch (...) {
     // The values are stored; whoever misses the signal sees it by the next serial.
   }
 }
 
 void ParametersState::tellWatchers(uint32_t serial, std::string_view caller,
-                                   const std::vector<Change>& changes) {
+                                   const std::vector<Change>& changes,
+                                   const std::vector<ParmEntry*>& unreported) {
   const auto& watchers = watchers_.all();
   const auto isWanted = [&](bool Watchers::Wishes::*wish) {
     return std::ranges::any_of(watchers, [&](const auto& each) { return each.second.*wish; });
@@ -147,7 +150,7 @@ void ParametersState::tellWatchers(uint32_t serial, std::string_view caller,
     }
   }
   if (!isWanted(&Watchers::Wishes::limits)) return;
-  const std::vector<const ParmEntry*> readers = readersOf(service_.database(), changes);
+  const std::vector<const ParmEntry*> readers = readersOf(service_.database(), changes, unreported);
   if (readers.empty()) return;
   Signal signal(connection_, path_, "LimitsChanged");
   MessageWriter out(signal.message());

@@ -22,7 +22,8 @@ class ParametersState final : public ServiceObserver {
                   std::string version);
   ~ParametersState() override { service_.setObserver(nullptr); }
 
-  void committed(std::string_view caller, const std::vector<Change>& changes) noexcept override;
+  void committed(std::string_view caller, const std::vector<Change>& changes,
+                 const std::vector<ParmEntry*>& unreported) noexcept override;
   void clientLeft(std::string_view name) noexcept override { watchers_.set(name, {}); }
 
   [[nodiscard]] ServiceState& service() { return service_; }
@@ -35,7 +36,8 @@ class ParametersState final : public ServiceObserver {
   [[nodiscard]] uint64_t started() const { return started_; }
 
  private:
-  void tellWatchers(uint32_t serial, std::string_view caller, const std::vector<Change>& changes);
+  void tellWatchers(uint32_t serial, std::string_view caller, const std::vector<Change>& changes,
+                    const std::vector<ParmEntry*>& unreported);
 
   DBusConnection* connection_;
   std::string path_;

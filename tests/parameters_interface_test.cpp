@@ -56,6 +56,18 @@ class ParametersInterfaceTest : public ServiceTest {
   ParametersClient parameters_{client()};
 };
 
+// The serials of an answer of History.
+std::vector<uint32_t> serialsOf(const VariantPointer& history) {
+  std::vector<uint32_t> serials;
+  const VariantPointer list(g_variant_get_child_value(history.get(), 0));
+  for (gsize i = 0; i < g_variant_n_children(list.get()); ++i) {
+    guint32 serial = 0;
+    g_variant_get_child(list.get(), i, "(utsa(sss))", &serial, nullptr, nullptr, nullptr);
+    serials.push_back(serial);
+  }
+  return serials;
+}
+
 TEST_F(ParametersInterfaceTest, ListGivesDefinitionsByPattern) {
   expectAnswers({
       {"List('')",
@@ -154,8 +166,8 @@ TEST_F(ParametersInterfaceTest, GetStateGivesFlagsValueAndLimits) {
        "'10', [(10, 10)], []), ('order', 7, '', [], []), ('serial', 3, '', [], []), "
        "('boost', 17, '', [(0, 1)], [])]"},
       {"GetState(NONE, ['gain[9][left]', 'gain[8][left]', 'gain[9]', 'gain', 'broken'])",
-       "[('gain[9][left]', 87, '', [(0, 10)], []), ('gain[8][left]', 33, '', [], []), "
-       "('gain[9]', 33, '', [], []), ('gain', 33, '', [], []), ('broken', 103, '', [], [])]"},
+       "[('gain[9][left]', 23, '', [(0, 10)], []), ('gain[8][left]', 33, '', [], []), "
+       "('gain[9]', 33, '', [], []), ('gain', 33, '', [], []), ('broken', 39, '', [], [])]"},
       {"GetState(NONE, ['nosuch', '', 'input', 'rate', 'rate'])",
        "[('nosuch', 0, '', [], []), ('', 0, '', [], []), ('input', 0, '', [], []), ('rate', "
        "87, '5', [(1, 10)], []), ('rate', 87, '5', [(1, 10)], [])]"},
@@ -374,18 +386,6 @@ TEST_F(ParametersInterfaceTest, AWatcherThatLeavesIsForgotten) {
   EXPECT_EQ(parameters().answer("Get('Watchers')"), "<uint32 0>");
 }
 
-// The serials of an answer of History.
-std::vector<uint32_t> serialsOf(const VariantPointer& history) {
-  std::vector<uint32_t> serials;
-  const VariantPointer list(g_variant_get_child_value(history.get(), 0));
-  for (gsize i = 0; i < g_variant_n_children(list.get()); ++i) {
-    guint32 serial = 0;
-    g_variant_get_child(list.get(), i, "(utsa(sss))", &serial, nullptr, nullptr, nullptr);
-    serials.push_back(serial);
-  }
-  return serials;
-}
-
 TEST_F(ParametersInterfaceTest, HistoryGivesTheLastCommits) {
   const auto now = static_cast<uint64_t>(g_get_real_time());
   for (const char* value : {"1", "0"}) {
@@ -460,6 +460,59 @@ TEST_F(ParametersInterfaceTest, PropertiesTellOfTheDaemon) {
                      started + "}");
   const auto now = static_cast<double>(g_get_real_time());
   EXPECT_NEAR(std::stod(started.substr(started.find(' '))), now, 60e6);
+}
+
+class SmallDeviceTest : public ServiceTest {};
+
+// A "rostrict" parameter is never announced, but what it decides about is.
+TEST_F(SmallDeviceTest, WhatIsNeverAnnouncedChangesLimits) {
+  serve("alarm rostrict { }\nsilent rw { ctrlRO (alarm == 1) }\n");
+  ParametersClient parameters(client());
+  EXPECT_EQ(parameters.answer("Watch(true, true)"), "()");
+  EXPECT_EQ(client().answer("start()"), "0");
+  const struct {
+    const char* alarm;
+    const char* preview;
+    std::vector<std::string> signals;
+  } cases[] = {
+      {"1",
+       "([('silent', '', '', ['alarm'])], [])",
+       {"Changed (1, 'ME', [('silent', '', '')])", "LimitsChanged (1, ['silent'])"}},
+      {"0", "([], [])", {"LimitsChanged (2, ['silent'])"}},
+      {"0", "([], [])", {}},
+  };
+  for (const auto& [alarm, preview, signals] : cases) {
+    EXPECT_EQ(client().answer("set_status(0, 'alarm', '" + std::string(alarm) + "')"), "()");
+    EXPECT_EQ(parameters.answer("Preview(0)"), preview);
+    EXPECT_EQ(client().answer("commit(0)"), "()");
+    EXPECT_EQ(parameters.newSignals(), signals);
+  }
+  EXPECT_EQ(serialsOf(parameters.ask("History(0)")), (std::vector<uint32_t>{1}));
+  static_cast<void>(client().newSignals());
+}
+
+TEST_F(SmallDeviceTest, ChangesThatAreTooLongForOneSignalComeInSeveral) {
+  serve("i index { rangeValid { 1..40 } }\nnote rw { index { i } }\n");
+  ParametersClient parameters(client());
+  EXPECT_EQ(parameters.answer("Watch(true, true)"), "()");
+  EXPECT_EQ(client().answer("start()"), "0");
+  const std::string value(size_t{1} << 20U, 'x');
+  for (int i = 1; i <= 40; ++i) {
+    const std::string name = "note[" + std::to_string(i) + "]";
+    const Reply set = client().call("set", g_variant_new("(uss)", 0U, name.c_str(), value.c_str()));
+    EXPECT_NE(set.value, nullptr) << set.errorMessage;
+  }
+  EXPECT_EQ(client().answer("commit(0)"), "()");
+  const std::vector<std::string> signals = parameters.newSignals();
+  size_t seen = 0;
+  for (const std::string& signal : signals) {
+    EXPECT_TRUE(signal.starts_with("Changed (1, 'ME', [('note["));
+    for (size_t at = 0; (at = signal.find("note[", at)) != std::string::npos; ++at) ++seen;
+  }
+  EXPECT_EQ(seen, 40U);
+  EXPECT_GT(signals.size(), 1U);
+  EXPECT_EQ(serialsOf(parameters.ask("History(0)")), std::vector<uint32_t>());
+  static_cast<void>(client().newSignals());
 }
 
 class LargeDeviceTest : public ServiceTest {};

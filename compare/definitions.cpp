@@ -6,7 +6,7 @@
 #include <set>
 #include <string_view>
 
-#include "check/text/nearest_word.h"
+#include "base/nearest_word.h"
 #include "play/device.h"
 #include "play/known_device.h"
 #include "play/session_words.h"

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <utility>
 
-#include "check/text/nearest_word.h"
+#include "base/nearest_word.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "check/text/nearest_word.h"
+#include "base/nearest_word.h"
 #include "sw/parm/parm_name.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "check/text/nearest_word.h"
+#include "base/nearest_word.h"
 #include "startup/version.h"
 
 namespace {

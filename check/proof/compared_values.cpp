@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <set>
 
+#include "base/nearest_word.h"
 #include "base/number.h"
 #include "check/static/static_context.h"
 #include "check/static/token_place.h"
-#include "check/text/nearest_word.h"
 #include "deflang/expression/operators.h"
 #include "sw/parm/parm_name.h"
 

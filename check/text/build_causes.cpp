@@ -4,12 +4,12 @@
 #include <set>
 #include <tuple>
 
+#include "base/nearest_word.h"
 #include "base/number.h"
 #include "check/text/expression_causes.h"
 #include "check/text/finding_codes.h"
 #include "check/text/index_causes.h"
 #include "check/text/name_causes.h"
-#include "check/text/nearest_word.h"
 #include "check/text/record_expressions.h"
 #include "check/text/repeated_findings.h"
 #include "check/text/text_facts.h"

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "base/nearest_word.h"
 #include "check/text/name_words.h"
-#include "check/text/nearest_word.h"
 #include "check/text/odd_names.h"
 #include "deflang/text/definition_grammar.h"
 #include "deflang/text/text_cursor.h"

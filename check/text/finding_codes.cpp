@@ -5,7 +5,7 @@
 #include <iterator>
 #include <vector>
 
-#include "check/text/nearest_word.h"
+#include "base/nearest_word.h"
 
 namespace {
 

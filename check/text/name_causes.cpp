@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <vector>
 
+#include "base/nearest_word.h"
 #include "check/text/foreign_quotes.h"
 #include "check/text/name_words.h"
-#include "check/text/nearest_word.h"
 #include "check/text/record_expressions.h"
 #include "check/text/wording.h"
 #include "deflang/expression/vid_std_name.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "check/text/nearest_word.h"
+#include "base/nearest_word.h"
 #include "check/text/record_expressions.h"
 #include "check/text/repeated_findings.h"
 #include "check/text/wording.h"

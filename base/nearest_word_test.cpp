@@ -1,4 +1,4 @@
-#include "check/text/nearest_word.h"
+#include "base/nearest_word.h"
 
 #include <gtest/gtest.h>
 

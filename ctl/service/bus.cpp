@@ -1,0 +1,183 @@
+#include "ctl/service/bus.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr const char* SERVICE_NAME = "org.tavrel.transaction";
+constexpr const char* INTERFACES[] = {"org.tavrel.transaction", "org.tavrel.parameters1"};
+constexpr const char* PATHS[] = {"/transaction", "/parameters"};
+// What the service puts before each error of its first interface.
+constexpr std::string_view ERROR_START = "dbus_tavrel_transaction: ";
+constexpr std::string_view BUS_ERROR = "org.freedesktop.DBus.Error.";
+
+// Errors of the bus that say that there is nobody who answers, without that start.
+constexpr std::array<std::string_view, 3> NO_OWNER = {"ServiceUnknown", "NameHasNoOwner",
+                                                      "Spawn.ServiceNotFound"};
+constexpr std::array<std::string_view, 3> NO_OBJECT = {"UnknownMethod", "UnknownObject",
+                                                       "UnknownInterface"};
+constexpr std::array<std::string_view, 4> NO_REPLY = {"NoReply", "Timeout", "TimedOut",
+                                                      "Disconnected"};
+
+std::string suffixed(const char* start, char sign, const std::string& suffix) {
+  return suffix.empty() ? start : start + (sign + suffix);
+}
+
+bool isAmong(std::string_view word, const auto& words) {
+  return std::ranges::find(words, word) != words.end();
+}
+
+std::string takeText(GError* error) {
+  std::string text = error->message;
+  g_error_free(error);
+  return text;
+}
+
+// The name of an error as it travels on the bus; of one that arose here that of its kind.
+std::string errorNameOf(const GError& error) {
+  gchar* const remote = g_dbus_error_get_remote_error(&error);
+  if (remote != nullptr) {
+    std::string name = remote;
+    g_free(remote);
+    return name;
+  }
+  const bool isLate = g_error_matches(&error, G_IO_ERROR, G_IO_ERROR_TIMED_OUT) != FALSE;
+  const bool isClosed = g_error_matches(&error, G_IO_ERROR, G_IO_ERROR_CLOSED) != FALSE;
+  return std::string(BUS_ERROR) + (isLate ? "NoReply" : isClosed ? "Disconnected" : "Failed");
+}
+
+// Calls that wait for their replies.
+struct Waiting {
+  std::vector<std::pair<GVariant*, GError*>> replies;
+  size_t missing;
+};
+struct WaitingCall {
+  Waiting* waiting;
+  size_t number;
+};
+
+void takeReply(GObject* connection, GAsyncResult* result, gpointer data) {
+  const auto& call = *static_cast<WaitingCall*>(data);
+  auto& [value, error] = call.waiting->replies[call.number];
+  value = g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), result, &error);
+  --call.waiting->missing;
+}
+
+}  // namespace
+
+const char* interfaceName(BusInterface interface) { return INTERFACES[interface]; }
+
+bool isBusSuffix(const std::string& suffix) {
+  return suffix.empty() || g_dbus_is_name((std::string(SERVICE_NAME) + "." + suffix).c_str());
+}
+
+bool isPathSuffix(const std::string& suffix) {
+  return suffix.empty() || g_variant_is_object_path(("/" + suffix).c_str());
+}
+
+std::unique_ptr<Bus> Bus::connect(const BusOptions& options, std::string& error) {
+  GError* failure = nullptr;
+  std::string address = options.address;
+  if (address.empty()) {
+    gchar* const session = g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, nullptr, &failure);
+    if (session == nullptr) {
+      error = "no session bus: " + takeText(failure);
+      return nullptr;
+    }
+    address = session;
+    g_free(session);
+  }
+  GDBusConnection* const connection = g_dbus_connection_new_for_address_sync(
+      address.c_str(),
+      static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                        G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
+      nullptr, nullptr, &failure);
+  if (connection == nullptr) {
+    error = "no bus at " + address + ": " + takeText(failure);
+    return nullptr;
+  }
+  return std::unique_ptr<Bus>(new Bus(connection, options));
+}
+
+Bus::Bus(GDBusConnection* connection, const BusOptions& options)
+    : connection_(connection),
+      options_(options),
+      name_(suffixed(SERVICE_NAME, '.', options.busSuffix)),
+      paths_{suffixed(PATHS[TRANSACTION_INTERFACE], '/', options.pathSuffix),
+             suffixed(PATHS[PARAMETERS_INTERFACE], '/', options.pathSuffix)} {}
+
+Bus::~Bus() { g_object_unref(connection_); }
+
+BusReply Bus::call(const BusCall& call) {
+  GError* error = nullptr;
+  const BusMethod& method = call.method;
+  GVariant* const value = g_dbus_connection_call_sync(
+      connection_, name_.c_str(), path(method.interface).c_str(), interfaceName(method.interface),
+      method.name, call.arguments, G_VARIANT_TYPE(method.replyType),
+      G_DBUS_CALL_FLAGS_NO_AUTO_START, options_.timeout * 1000, nullptr, &error);
+  return replyOf(call, value, error);
+}
+
+std::vector<BusReply> Bus::callAll(const std::vector<BusCall>& calls) {
+  Waiting waiting = {.replies = {calls.size(), {nullptr, nullptr}}, .missing = calls.size()};
+  std::vector<WaitingCall> each;
+  each.reserve(calls.size());
+  GMainContext* const context = g_main_context_new();
+  g_main_context_push_thread_default(context);
+  for (const BusCall& call : calls) {
+    each.push_back({&waiting, each.size()});
+    const BusMethod& method = call.method;
+    g_dbus_connection_call(connection_, name_.c_str(), path(method.interface).c_str(),
+                           interfaceName(method.interface), method.name, call.arguments,
+                           G_VARIANT_TYPE(method.replyType), G_DBUS_CALL_FLAGS_NO_AUTO_START,
+                           options_.timeout * 1000, nullptr, takeReply, &each.back());
+  }
+  while (waiting.missing > 0) g_main_context_iteration(context, TRUE);
+  g_main_context_pop_thread_default(context);
+  g_main_context_unref(context);
+  std::vector<BusReply> replies;
+  for (size_t i = 0; i < calls.size(); ++i) {
+    replies.push_back(replyOf(calls[i], waiting.replies[i].first, waiting.replies[i].second));
+  }
+  return replies;
+}
+
+void Bus::send(const BusCall& call) {
+  const BusMethod& method = call.method;
+  g_dbus_connection_call(connection_, name_.c_str(), path(method.interface).c_str(),
+                         interfaceName(method.interface), method.name, call.arguments, nullptr,
+                         G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr, nullptr, nullptr);
+}
+
+std::string Bus::noServiceText(std::string_view errorName, const BusCall& call) const {
+  if (!errorName.starts_with(BUS_ERROR)) return {};
+  const std::string_view kind = errorName.substr(BUS_ERROR.size());
+  if (isAmong(kind, NO_OWNER)) {
+    return "no service: nobody has the bus name " + name_ +
+           "; is ostrel running, with the same -b?";
+  }
+  if (isAmong(kind, NO_OBJECT)) {
+    return "no service: " + name_ + " does not serve " + interfaceName(call.method.interface) +
+           " at " + path(call.method.interface) +
+           "; was it started with another -o, or is it older than this program?";
+  }
+  if (!isAmong(kind, NO_REPLY)) return {};
+  return "no service: " + name_ + " does not reply to " + call.method.name +
+         (kind == "Disconnected" ? ", as the bus has gone"
+                                 : " within " + std::to_string(options_.timeout) + " s");
+}
+
+BusReply Bus::replyOf(const BusCall& call, GVariant* value, GError* error) const {
+  if (error == nullptr) return {.value = VariantHolder(value)};
+  BusReply reply = {.outcome = BUS_REFUSED, .errorName = errorNameOf(*error)};
+  g_dbus_error_strip_remote_error(error);
+  reply.error = takeText(error);
+  if (reply.error.starts_with(ERROR_START)) reply.error.erase(0, ERROR_START.size());
+  const std::string noService = noServiceText(reply.errorName, call);
+  if (!noService.empty()) {
+    reply.outcome = BUS_NO_SERVICE;
+    reply.error = noService;
+  }
+  return reply;
+}

@@ -1,0 +1,91 @@
+// The bus as a client sees it: one connection, calls of the two objects of the service.
+#pragma once
+
+#include <gio/gio.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct UnrefVariant {
+  void operator()(GVariant* value) const { g_variant_unref(value); }
+};
+using VariantHolder = std::unique_ptr<GVariant, UnrefVariant>;
+
+/// Where the service is.
+struct BusOptions {
+  std::string address = {};     ///< of the bus; empty for the session's
+  std::string busSuffix = {};   ///< as of the daemon's -b
+  std::string pathSuffix = {};  ///< as of the daemon's -o
+  int timeout = 30;             ///< for each reply, in seconds
+};
+
+/// The interfaces of the service; each has an object of its own.
+enum BusInterface : int { TRANSACTION_INTERFACE, PARAMETERS_INTERFACE };
+
+/// A method, and the type of its reply.
+struct BusMethod {
+  BusInterface interface;
+  const char* name;
+  const char* replyType;
+};
+
+struct BusCall {
+  BusMethod method;
+  GVariant* arguments;  ///< a tuple that may be floating; null for none
+};
+
+/// How a call ended.
+enum BusOutcome : int {
+  BUS_ANSWERED = 0,
+  BUS_REFUSED = 1,     ///< the service itself answers with an error
+  BUS_NO_SERVICE = 2,  ///< no service, or not in time
+};
+
+struct BusReply {
+  BusOutcome outcome = BUS_ANSWERED;
+  VariantHolder value = {};    ///< a tuple; null for an error
+  std::string errorName = {};  ///< as on the bus
+  std::string error = {};      ///< a text for people
+};
+
+/// One connection to a bus.
+class Bus {
+ public:
+  /// Connects; null where there is no bus, and why is in `error`.
+  static std::unique_ptr<Bus> connect(const BusOptions& options, std::string& error);
+  ~Bus();
+  Bus(const Bus&) = delete;
+  Bus& operator=(const Bus&) = delete;
+
+  /// Calls a method and waits for its reply.
+  BusReply call(const BusCall& call);
+  /// Makes all calls before it waits for the first reply. The replies have the order of the calls.
+  std::vector<BusReply> callAll(const std::vector<BusCall>& calls);
+  /// Calls a method that nobody waits for.
+  void send(const BusCall& call);
+
+  [[nodiscard]] GDBusConnection& connection() { return *connection_; }
+  /// The bus name of the service.
+  [[nodiscard]] const std::string& name() const { return name_; }
+  /// The object with an interface.
+  [[nodiscard]] const std::string& path(BusInterface interface) const { return paths_[interface]; }
+
+ private:
+  Bus(GDBusConnection* connection, const BusOptions& options);
+  BusReply replyOf(const BusCall& call, GVariant* value, GError* error) const;
+  [[nodiscard]] std::string noServiceText(std::string_view errorName, const BusCall& call) const;
+
+  GDBusConnection* connection_;
+  const BusOptions options_;
+  const std::string name_;
+  const std::string paths_[2];
+};
+
+/// Whether `suffix` can be behind a bus name, or behind an object path.
+bool isBusSuffix(const std::string& suffix);
+bool isPathSuffix(const std::string& suffix);
+
+/// The name of an interface.
+const char* interfaceName(BusInterface interface);

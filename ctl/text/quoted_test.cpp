@@ -1,0 +1,56 @@
+#include "ctl/text/quoted.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(Quoted, AreTextsThatAreNotThemselves) {
+  struct Case {
+    std::string text;
+    std::string line;
+    std::string word;
+  };
+  const Case cases[] = {
+      {"720p/50", "720p/50", "720p/50"},
+      {"", "", R"("")"},  // nothing behind a sign is an empty text, nothing among words is missing
+      {"frame store", "frame store", R"("frame store")"},
+      {" a", R"(" a")", R"(" a")"},
+      {"a ", R"("a ")", R"("a ")"},
+      {R"("a")", R"("\"a\"")", R"("\"a\"")"},
+      {R"(a"b\c)", R"(a"b\c)", R"("a\"b\\c")"},
+      {"a,b", "a,b", R"("a,b")"},
+      {"(a)", "(a)", R"x("(a)")x"},
+      {"a;b", "a;b", R"("a;b")"},
+      {"a\nb\tc\rd", R"("a\nb\tc\rd")", R"("a\nb\tc\rd")"},
+      {"\x1b[31m", R"("\x1b[31m")", R"("\x1b[31m")"},
+      {"\x7f", R"("\x7f")", R"("\x7f")"},
+      {"\xc2\x85", R"("\xc2\x85")", R"("\xc2\x85")"},  // a control character
+      {"a\xe2\x80\xae"
+       "b",
+       R"("a\xe2\x80\xaeb")", R"("a\xe2\x80\xaeb")"},  // turns the text round
+      {"grün ▲", "grün ▲", R"("grün ▲")"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.line);
+    EXPECT_EQ(quotedLine(c.text), c.line);
+    EXPECT_EQ(quotedWord(c.text), c.word);
+  }
+}
+
+TEST(Quoted, AssignmentsShowWhereTheNameEnds) {
+  EXPECT_EQ(quotedAssignment("gain", "5"), "gain=5");
+  EXPECT_EQ(quotedAssignment("gain", ""), "gain=");
+  EXPECT_EQ(quotedAssignment("gain", "a=b"), "gain=a=b");
+  EXPECT_EQ(quotedAssignment("gain[a=b]", "5"), "gain[a=b]=5");
+  EXPECT_EQ(quotedAssignment("gain[a\n]", "5\n"), R"("gain[a\n]"="5\n")");
+  EXPECT_EQ(quotedAssignment("a=b", "5"), R"("a=b"=5)");
+}
+
+TEST(ShellWord, IsOneWord) {
+  EXPECT_EQ(shellWord("mode=720p/50"), "mode=720p/50");
+  EXPECT_EQ(shellWord("position[1]=5"), "'position[1]=5'");
+  EXPECT_EQ(shellWord("it's"), R"('it'\''s')");
+  EXPECT_EQ(shellWord(""), "''");
+}
+
+}  // namespace

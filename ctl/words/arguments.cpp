@@ -1,0 +1,71 @@
+#include "ctl/words/arguments.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "ctl/service/exit_status.h"
+#include "ctl/text/assignment.h"
+
+namespace {
+
+constexpr char MARK = '\x01';
+
+std::string unmarked(std::string text) {
+  if (text.starts_with(MARK)) text.erase(0, 1);
+  return text;
+}
+
+}  // namespace
+
+Texts markedArguments(int argc, char** argv) {
+  Texts marked;
+  bool isBehindSign = false;
+  for (int i = 1; i < argc; ++i) {
+    const std::string_view argument = argv[i];
+    if (!isBehindSign && argument == "--") {
+      isBehindSign = true;
+      continue;
+    }
+    const bool needsMark = isBehindSign || argument.starts_with('[') || argument.starts_with(MARK);
+    marked.push_back((needsMark ? std::string(1, MARK) : "") + std::string(argument));
+  }
+  return marked;
+}
+
+void addTexts(CLI::App& word, const std::string& name, Texts& texts, const std::string& help,
+              bool isOptional) {
+  CLI::Option* const option = word.add_option(name, texts, help)->transform(unmarked);
+  option->type_name("")->expected(isOptional ? 0 : 1, -1);
+  if (!isOptional) option->required();
+}
+
+CLI::Option* addText(CLI::App& word, const std::string& name, std::string& text,
+                     const std::string& help) {
+  return word.add_option(name, text, help)->transform(unmarked)->type_name("");
+}
+
+void addRepeated(CLI::App& word, const std::string& name, Texts& texts, const std::string& help) {
+  word.add_option(name, texts, help)
+      ->transform(unmarked)
+      ->expected(1)
+      ->allow_extra_args(false)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+      ->type_name("NAME=VALUE");
+}
+
+void addWith(CLI::App& word, Texts& texts) {
+  addRepeated(word, "--with", texts, "As it would be after setting this; may be repeated");
+}
+
+std::vector<Assignment> assignmentsOf(const Texts& texts) {
+  std::vector<Assignment> assignments;
+  for (const std::string& text : texts) {
+    std::optional<Assignment> assignment = assignmentOf(text);
+    if (!assignment) endWith(STATUS_USAGE, "\"" + text + "\" is not of the form NAME=VALUE");
+    if (std::ranges::count(assignments, assignment->name, &Assignment::name) > 0) {
+      endWith(STATUS_USAGE, "\"" + assignment->name + "\" is given two values");
+    }
+    assignments.push_back(*std::move(assignment));
+  }
+  return assignments;
+}

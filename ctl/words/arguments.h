@@ -1,0 +1,31 @@
+// Arguments of the words, on top of CLI11.
+//
+// CLI11 takes an argument in square brackets for a list, and reads on after "--" where a word has
+// taken its first argument. So both kinds are marked before it sees them, and unmarked behind it.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
+#include "ctl/service/answers.h"
+
+using Texts = std::vector<std::string>;
+
+/// The arguments as CLI11 may see them, the program's name left out.
+Texts markedArguments(int argc, char** argv);
+
+/// Adds the arguments of a word: one or more, or any number where they are `optional`.
+void addTexts(CLI::App& word, const std::string& name, Texts& texts, const std::string& help,
+              bool isOptional = false);
+/// Adds an argument of a word.
+CLI::Option* addText(CLI::App& word, const std::string& name, std::string& text,
+                     const std::string& help);
+/// Adds an option that may be given several times.
+void addRepeated(CLI::App& word, const std::string& name, Texts& texts, const std::string& help);
+/// Adds --with NAME=VALUE.
+void addWith(CLI::App& word, Texts& texts);
+
+/// Each of the texts as NAME=VALUE; ends the program where one is none, or a name is
+/// given twice.
+std::vector<Assignment> assignmentsOf(const Texts& texts);

@@ -1,0 +1,192 @@
+#include "ctl/words/asked.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "ctl/service/exit_status.h"
+#include "ctl/text/assignment.h"
+#include "ctl/text/quoted.h"
+#include "ctl/text/range_text.h"
+#include "ctl/text/sentences.h"
+#include "ctl/text/suggestion.h"
+
+namespace {
+
+// Parts of the service's texts.
+constexpr std::string_view INVALID_NAME = "parameter name is invalid";
+constexpr std::string_view INVALID_VALUE = "parameter value is invalid";
+constexpr std::string_view WRONG_INDEX_COUNT = "there is no instance with so many index values";
+
+constexpr std::string_view VALUE_REFUSED = "its value is refused";
+
+constexpr size_t MOST_COMPLAINTS = 10;
+
+bool contains(std::string_view text, std::string_view part) {
+  return text.find(part) != std::string_view::npos;
+}
+
+// The instances that fit the pattern, in the order of names.
+Names fittingInstances(Client& client, uint32_t transaction, const std::string& pattern) {
+  Names bases;
+  for (const ListedParameter& listed : client.service.list("")) {
+    const bool mayFit = pattern.find('[') == std::string::npos ||
+                        fitsPattern(std::string(baseOf(pattern)), listed.name);
+    if (!listed.isIndex() && mayFit) bases.push_back(listed.name);
+  }
+  Names fitting;
+  if (bases.empty()) return fitting;
+  for (std::string& name : client.service.instances(transaction, bases)) {
+    if (fitsPattern(pattern, name)) fitting.push_back(std::move(name));
+  }
+  return fitting;
+}
+
+// Replaces the patterns by what they fit.
+Names withoutPatterns(Client& client, uint32_t transaction, const Names& asked, AskedStates& out) {
+  Names names;
+  for (const std::string& name : asked) {
+    if (!isNamePattern(name)) {
+      names.push_back(name);
+      continue;
+    }
+    out.isList = true;
+    const Names fitting = fittingInstances(client, transaction, name);
+    if (fitting.empty()) out.unknown.push_back(name);
+    names.insert(names.end(), fitting.begin(), fitting.end());
+  }
+  return names;
+}
+
+// Whether the name may be the base of instances. What exists has its own name.
+bool mayBeBase(const InstanceState& state) {
+  return state.is(STATE_KNOWN) && !state.is(STATE_EXISTS) &&
+         state.name.find('[') == std::string::npos;
+}
+
+// The names of all parameters with indices.
+Names indexedNames(Client& client) {
+  Names names;
+  for (const ListedParameter& listed : client.service.list("")) {
+    if (!listed.indices.empty()) names.push_back(listed.name);
+  }
+  return names;
+}
+
+// Replaces base names by their instances.
+void replaceBases(Client& client, uint32_t transaction, AskedStates& out) {
+  if (std::ranges::none_of(out.states, mayBeBase)) return;
+  const Names indexed = indexedNames(client);
+  std::vector<InstanceState> states;
+  for (InstanceState& state : out.states) {
+    if (!mayBeBase(state) || std::ranges::find(indexed, state.name) == indexed.end()) {
+      states.push_back(std::move(state));
+      continue;
+    }
+    out.isList = true;
+    const Names names = client.service.instances(transaction, {state.name});
+    for (InstanceState& each : client.service.states(transaction, names)) {
+      states.push_back(std::move(each));
+    }
+  }
+  out.states = std::move(states);
+}
+
+// What the service says of a staged name, about "it".
+std::string refusalSentence(const std::string& why) {
+  if (!why.starts_with(VALUE_REFUSED)) return "it " + why;
+  return "it refuses the value" + why.substr(VALUE_REFUSED.size());
+}
+
+// What the service says of a value that no situation allows.
+void complainOfValue(Client& client, const Assignment& assignment) {
+  const InstanceState state = client.service.states(COMMITTED, {assignment.name}).front();
+  complain("cannot set " + quotedWord(assignment.name) + " to " + quotedWord(assignment.value) +
+           (state.is(STATE_LIMITED) ? ": it takes " + rangeText(state) : ": the value is invalid"));
+}
+
+}  // namespace
+
+AskedStates findStates(Client& client, uint32_t transaction, const Names& asked) {
+  AskedStates out;
+  out.isList = asked.size() > 1;
+  const Names names = withoutPatterns(client, transaction, asked, out);
+  if (names.empty()) return out;
+  out.states = client.service.states(transaction, names);
+  std::erase_if(out.states, [&](const InstanceState& state) {
+    if (state.is(STATE_KNOWN)) return false;
+    out.unknown.push_back(state.name);
+    return true;
+  });
+  replaceBases(client, transaction, out);
+  return out;
+}
+
+void complainOfUnknown(Client& client, const Names& names) {
+  if (names.empty()) return;
+  const std::vector<ListedParameter> listed = client.service.list("");
+  for (const std::string& name : names) {
+    complain(isNamePattern(name) ? "no parameter fits \"" + name + "\""
+                                 : unknownNameText(name, listed));
+  }
+}
+
+void stage(Client& client, uint32_t transaction, const std::vector<Assignment>& assignments,
+           bool isStatus) {
+  const std::vector<Refusal> refused = client.service.set(transaction, assignments, isStatus);
+  Names unknown;
+  for (const Refusal& refusal : refused) {
+    if (contains(refusal.why, INVALID_NAME)) {
+      unknown.push_back(refusal.name);
+    } else if (contains(refusal.why, INVALID_VALUE)) {
+      complainOfValue(client, *std::ranges::find(assignments, refusal.name, &Assignment::name));
+    } else {
+      complain("cannot set " + quotedWord(refusal.name) + ": " + refusal.why);
+    }
+  }
+  complainOfUnknown(client, unknown);
+  if (!unknown.empty()) std::exit(STATUS_UNKNOWN);
+  if (!refused.empty()) std::exit(STATUS_REFUSED);
+}
+
+std::vector<std::string> translatedValues(Client& client,
+                                          const std::vector<Assignment>& assignments) {
+  Names bases;
+  for (const Assignment& assignment : assignments) bases.emplace_back(baseOf(assignment.name));
+  const std::vector<Definition> definitions = client.service.definitions(bases);
+  std::vector<std::string> values;
+  for (size_t i = 0; i < assignments.size(); ++i) {
+    const std::string& value = assignments[i].value;
+    const std::vector<Assignment>& known = definitions[i].translations;
+    const auto found = std::ranges::find(known, value, &Assignment::name);
+    values.push_back(found == known.end() ? value : found->value);
+  }
+  return values;
+}
+
+int complainOfRefusals(Client& client, const std::vector<Refusal>& refused) {
+  Names unknown;
+  Names known;
+  for (const Refusal& refusal : refused) {
+    if (contains(refusal.why, WRONG_INDEX_COUNT)) {
+      unknown.push_back(refusal.name);
+      continue;
+    }
+    known.push_back(refusal.name);
+    if (known.size() > MOST_COMPLAINTS) continue;
+    complain("cannot set " + quotedWord(refusal.name) + ": " + refusalSentence(refusal.why));
+  }
+  if (known.size() > MOST_COMPLAINTS) {
+    complain("and " + std::to_string(known.size() - MOST_COMPLAINTS) + " more");
+  }
+  if (!known.empty()) complain("see ostrelctl why " + shellWord(known.front()));
+  complainOfUnknown(client, unknown);
+  if (!unknown.empty()) return STATUS_UNKNOWN;
+  return refused.empty() ? STATUS_DONE : STATUS_REFUSED;
+}
+
+Preview previewAccepted(Client& client, uint32_t transaction) {
+  Preview preview = client.service.preview(transaction);
+  const int status = complainOfRefusals(client, preview.refused);
+  if (status != STATUS_DONE) std::exit(status);
+  return preview;
+}

@@ -1,0 +1,29 @@
+// Words: what the first argument of the program may be. A word is a file and a row in words.cpp.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "ctl/words/client.h"
+
+/// Does what the word says; returns the exit status.
+using RunWord = std::function<int(Client&)>;
+
+struct Word {
+  const char* name;
+  const char* summary;
+  const char* examples;  ///< lines
+  bool hasNullForm;      ///< whether --null is for it
+  /// Adds the arguments of the word, which the result holds.
+  RunWord (*define)(CLI::App& word);
+};
+
+/// All of them, in the order of the help.
+const std::vector<Word>& words();
+
+RunWord defineDeps(CLI::App& word);
+RunWord defineGet(CLI::App& word);
+RunWord defineLs(CLI::App& word);
+RunWord defineRange(CLI::App& word);

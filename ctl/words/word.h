@@ -27,3 +27,5 @@ RunWord defineDeps(CLI::App& word);
 RunWord defineGet(CLI::App& word);
 RunWord defineLs(CLI::App& word);
 RunWord defineRange(CLI::App& word);
+RunWord defineReset(CLI::App& word);
+RunWord defineSet(CLI::App& word);

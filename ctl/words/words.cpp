@@ -13,6 +13,16 @@ const std::vector<Word>& words() {
        "  ostrelctl get 'audio_*'\n"
        "  ostrelctl get --with mode=720p/50 'position[1]'\n",
        true, defineGet},
+      {"set", "Set values in one commit, and tell what was cut",
+       "  ostrelctl set mode=720p/50 'position[1]=300'\n"
+       "  ostrelctl set black_level[1]=-20\n"
+       "  ostrelctl set --status temperature=61\n"
+       "  ostrelctl set --strict 'position[1]=300' || echo 'not as asked'\n",
+       true, defineSet},
+      {"reset", "Set parameters to their defaults",
+       "  ostrelctl reset mode\n"
+       "  ostrelctl reset 'position*'\n",
+       true, defineReset},
       {"range", "Print what parameters take now",
        "  ostrelctl range 'position[1]'\n"
        "  ostrelctl range --with mode=720p/50 'position[1]'\n",

@@ -1,0 +1,76 @@
+// set and reset: values and defaults, several in one commit.
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+
+#include "ctl/service/exit_status.h"
+#include "ctl/words/arguments.h"
+#include "ctl/words/asked.h"
+#include "ctl/words/commit_and_tell.h"
+#include "ctl/words/word.h"
+
+namespace {
+
+struct SetArguments {
+  Texts texts;
+  bool isStatus = false;
+  bool isStrict = false;
+};
+
+int set(Client& client, const SetArguments& arguments) {
+  const std::vector<Assignment> assignments = assignmentsOf(arguments.texts);
+  const OwnTransaction transaction(client.service);
+  stage(client, transaction.id(), assignments, arguments.isStatus);
+  std::vector<Wanted> wanted;
+  for (const Assignment& assignment : assignments) {
+    wanted.push_back({assignment.name, assignment.value});
+  }
+  return commitAndTell(client, transaction.id(), wanted, {.isStrict = arguments.isStrict});
+}
+
+// The full names that are to be reset. Of a list those that can be: the rest are not asked for.
+Names resettable(Client& client, const SetArguments& arguments) {
+  const AskedStates asked = findStates(client, COMMITTED, arguments.texts);
+  if (!asked.unknown.empty()) {
+    complainOfUnknown(client, asked.unknown);
+    std::exit(STATUS_UNKNOWN);
+  }
+  Names names;
+  for (const InstanceState& state : asked.states) {
+    const bool isNamed = std::ranges::find(arguments.texts, state.name) != arguments.texts.end();
+    if (isNamed || arguments.isStatus || state.is(STATE_WRITABLE)) names.push_back(state.name);
+  }
+  return names;
+}
+
+int reset(Client& client, const SetArguments& arguments) {
+  const Names names = resettable(client, arguments);
+  const OwnTransaction transaction(client.service);
+  const std::optional<std::string> refusal =
+      client.service.reset(transaction.id(), names, arguments.isStatus);
+  if (refusal) endWith(STATUS_REFUSED, *refusal);
+  std::vector<Wanted> wanted;
+  for (const std::string& name : names) wanted.push_back({name, std::nullopt});
+  return commitAndTell(client, transaction.id(), wanted, {});
+}
+
+void addStatus(CLI::App& word, SetArguments& arguments) {
+  word.add_flag("--status", arguments.isStatus, "As the device itself: also what is read-only");
+}
+
+}  // namespace
+
+RunWord defineSet(CLI::App& word) {
+  const auto arguments = std::make_shared<SetArguments>();
+  addTexts(word, "NAME=VALUE", arguments->texts, "Parameters with their values");
+  addStatus(word, *arguments);
+  word.add_flag("--strict", arguments->isStrict, "End with status 4 where a value was cut");
+  return [arguments](Client& client) { return set(client, *arguments); };
+}
+
+RunWord defineReset(CLI::App& word) {
+  const auto arguments = std::make_shared<SetArguments>();
+  addTexts(word, "NAME", arguments->texts, "Parameters; * and ? fit several");
+  addStatus(word, *arguments);
+  return [arguments](Client& client) { return reset(client, *arguments); };
+}

@@ -25,7 +25,10 @@ const std::vector<Word>& words();
 
 RunWord defineDeps(CLI::App& word);
 RunWord defineGet(CLI::App& word);
+RunWord defineLog(CLI::App& word);
 RunWord defineLs(CLI::App& word);
 RunWord defineRange(CLI::App& word);
 RunWord defineReset(CLI::App& word);
 RunWord defineSet(CLI::App& word);
+RunWord defineTransactions(CLI::App& word);
+RunWord defineUndo(CLI::App& word);

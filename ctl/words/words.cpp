@@ -31,6 +31,18 @@ const std::vector<Word>& words() {
        "  ostrelctl deps blanking\n"
        "  ostrelctl deps 'position[1]' mode\n",
        true, defineDeps},
+      {"transactions", "List the open transactions",
+       "  ostrelctl transactions\n"
+       "  ostrelctl transactions --end 7\n",
+       false, defineTransactions},
+      {"log", "Print the last commits",
+       "  ostrelctl log\n"
+       "  ostrelctl log -n 100\n",
+       false, defineLog},
+      {"undo", "Take back what a commit has changed, by another commit",
+       "  ostrelctl undo 12\n"
+       "  ostrelctl undo --dry-run 12\n",
+       false, defineUndo},
   };
   return all;
 }

@@ -1,0 +1,119 @@
+// undo: takes back what a commit has changed, by an ordinary commit.
+#include <algorithm>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "ctl/service/exit_status.h"
+#include "ctl/text/quoted.h"
+#include "ctl/words/asked.h"
+#include "ctl/words/commit_and_tell.h"
+#include "ctl/words/commits.h"
+#include "ctl/words/word.h"
+
+namespace {
+
+struct UndoArguments {
+  uint32_t serial = 0;
+  bool isDry = false;
+  bool isForced = false;
+};
+
+PastCommit findCommit(Client& client, uint32_t serial) {
+  std::vector<PastCommit> commits = client.service.history(0);
+  const auto found = std::ranges::find(commits, serial, &PastCommit::serial);
+  if (found != commits.end()) return std::move(*found);
+  const std::string kept = commits.empty()
+                               ? ": none is kept"
+                               : ": kept are " + std::to_string(commits.front().serial) + " to " +
+                                     std::to_string(commits.back().serial);
+  endWith(STATUS_UNKNOWN, "no commit " + std::to_string(serial) + kept);
+}
+
+// What is left to be taken back: what a client can set, and had a value before.
+struct Reversal {
+  std::vector<Assignment> assignments;
+  std::vector<Change> overtaken;  // that later commits have changed again; with the value of now
+};
+
+Reversal reversalOf(Client& client, const PastCommit& commit) {
+  Names names;
+  for (const Change& change : commit.changes) names.push_back(change.name);
+  const std::vector<InstanceState> states = client.service.states(COMMITTED, names);
+  Reversal reversal;
+  for (size_t i = 0; i < names.size(); ++i) {
+    const Change& change = commit.changes[i];
+    if (change.before == change.after || change.before.empty()) continue;
+    if (states[i].value != change.after) {
+      reversal.overtaken.push_back({change.name, change.after, states[i].value});
+    }
+    reversal.assignments.push_back({change.name, change.before});
+  }
+  return reversal;
+}
+
+// Stages what can be set once the rest is taken back, and returns that. What follows others comes
+// back by itself.
+std::vector<Assignment> stageReversal(Client& client, uint32_t transaction,
+                                      std::vector<Assignment> assignments) {
+  const auto remove = [&](const std::vector<Refusal>& refused) {
+    std::erase_if(assignments, [&](const Assignment& assignment) {
+      return std::ranges::find(refused, assignment.name, &Refusal::name) != refused.end();
+    });
+  };
+  remove(client.service.set(transaction, assignments, false));
+  remove(client.service.preview(transaction).refused);
+  return assignments;
+}
+
+void show(const Output& out, const Preview& preview, bool isDry) {
+  Json json = Json::array();
+  for (const Change& change : preview.changes) {
+    if (change.before == change.after) continue;
+    json.push_back(changeJson(change));
+    if (!out.isJson()) out.line(changeLine(out.style(), change));
+  }
+  if (out.isJson() && isDry) out.json(json);
+}
+
+int complainOfOvertaken(const std::vector<Change>& overtaken) {
+  for (const Change& change : overtaken) {
+    complain(quotedWord(change.name) + " is " + quotedWord(change.after) + " by now, not " +
+             quotedWord(change.before));
+  }
+  complain("nothing is taken back; --force does it all the same");
+  return STATUS_REFUSED;
+}
+
+int undo(Client& client, const UndoArguments& arguments) {
+  const PastCommit commit = findCommit(client, arguments.serial);
+  const Reversal reversal = reversalOf(client, commit);
+  if (!reversal.overtaken.empty() && !arguments.isForced) {
+    return complainOfOvertaken(reversal.overtaken);
+  }
+  std::vector<Assignment> assignments;
+  {
+    const OwnTransaction trial(client.service);
+    assignments = stageReversal(client, trial.id(), reversal.assignments);
+  }
+  const OwnTransaction transaction(client.service);
+  stage(client, transaction.id(), assignments);
+  show(client.out, client.service.preview(transaction.id()), arguments.isDry);
+  if (arguments.isDry || assignments.empty()) return STATUS_DONE;
+  std::vector<Wanted> wanted;
+  for (const Assignment& assignment : assignments) {
+    wanted.push_back({assignment.name, assignment.value});
+  }
+  return commitAndTell(client, transaction.id(), wanted, {.onlyCut = true});
+}
+
+}  // namespace
+
+RunWord defineUndo(CLI::App& word) {
+  const auto arguments = std::make_shared<UndoArguments>();
+  word.add_option("SERIAL", arguments->serial, "Of the commit, as in ostrelctl log")
+      ->required()
+      ->type_name("");
+  word.add_flag("-n,--dry-run", arguments->isDry, "Only show what would change");
+  word.add_flag("--force", arguments->isForced, "Also what later commits have changed again");
+  return [arguments](Client& client) { return undo(client, *arguments); };
+}

@@ -31,4 +31,5 @@ RunWord defineRange(CLI::App& word);
 RunWord defineReset(CLI::App& word);
 RunWord defineSet(CLI::App& word);
 RunWord defineTransactions(CLI::App& word);
+RunWord defineTry(CLI::App& word);
 RunWord defineUndo(CLI::App& word);

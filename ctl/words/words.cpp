@@ -31,6 +31,8 @@ const std::vector<Word>& words() {
        "  ostrelctl deps blanking\n"
        "  ostrelctl deps 'position[1]' mode\n",
        true, defineDeps},
+      {"try", "Tell what a commit would change, and store nothing",
+       "  ostrelctl try mode=720p/50\n", false, defineTry},
       {"transactions", "List the open transactions",
        "  ostrelctl transactions\n"
        "  ostrelctl transactions --end 7\n",

@@ -1,0 +1,20 @@
+// What a commit would do to what parameters take, and to whether they exist and can be written.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "ctl/words/client.h"
+
+struct LimitChange {
+  InstanceState before;
+  InstanceState after;
+  std::vector<std::string> because;  ///< the base names of changed parameters that it refers to
+};
+
+/// Of the instances that refer to one of the changes, those that would be different, by name.
+std::vector<LimitChange> limitChanges(Client& client, uint32_t transaction,
+                                      const std::vector<Change>& changes);
+
+/// What is different, in words: "takes 0..9, was 0..5", "can be written", and so on.
+std::vector<std::string> limitTexts(const LimitChange& change);

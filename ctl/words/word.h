@@ -33,3 +33,4 @@ RunWord defineSet(CLI::App& word);
 RunWord defineTransactions(CLI::App& word);
 RunWord defineTry(CLI::App& word);
 RunWord defineUndo(CLI::App& word);
+RunWord defineWhy(CLI::App& word);

@@ -33,6 +33,10 @@ const std::vector<Word>& words() {
        true, defineDeps},
       {"try", "Tell what a commit would change, and store nothing",
        "  ostrelctl try mode=720p/50\n", false, defineTry},
+      {"why", "Tell why a parameter is as it is, and how to change that",
+       "  ostrelctl why blanking\n"
+       "  ostrelctl why 'position[1]=1500'\n",
+       false, defineWhy},
       {"transactions", "List the open transactions",
        "  ostrelctl transactions\n"
        "  ostrelctl transactions --end 7\n",

@@ -1,0 +1,156 @@
+#include "ctl/words/unlock.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "base/number.h"
+#include "ctl/text/assignment.h"
+#include "ctl/text/range_text.h"
+#include "ctl/words/candidates.h"
+
+namespace {
+
+constexpr size_t MOST_TRIALS = 1000;
+constexpr ptrdiff_t MOST_VALUES_AT_ENDS = 5;
+
+// Tries sets of changes until there were too many.
+class UnlockTrials {
+ public:
+  UnlockTrials(Client& client, const UnlockGoal& goal) : client_(client), goal_(goal) {}
+
+  [[nodiscard]] size_t tried() const { return tried_; }
+  [[nodiscard]] bool isExhausted() const { return tried_ >= MOST_TRIALS; }
+
+  // Whether the changes reach the goal, by themselves: all of them stored as they are.
+  std::optional<Unlock> tryChanges(const std::vector<Assignment>& changes) {
+    if (isExhausted()) return std::nullopt;
+    ++tried_;
+    const OwnTransaction transaction(client_.service);
+    if (!client_.service.set(transaction.id(), changes, false).empty()) return std::nullopt;
+    if (!isReached(client_.service.states(transaction.id(), {goal_.name}).front())) {
+      return std::nullopt;
+    }
+    return checked(changes, client_.service.preview(transaction.id()));
+  }
+
+ private:
+  [[nodiscard]] bool isReached(const InstanceState& state) const {
+    return state.is(STATE_WRITABLE) && (!goal_.value || isAllowed(state, *goal_.value));
+  }
+
+  static std::optional<Unlock> checked(const std::vector<Assignment>& changes,
+                                       const Preview& preview) {
+    if (!preview.refused.empty()) return std::nullopt;
+    Unlock unlock = {.changes = changes};
+    for (const Change& change : preview.changes) {
+      const auto own = std::ranges::find(changes, change.name, &Assignment::name);
+      if (own == changes.end()) {
+        if (change.before != change.after) unlock.effects.push_back(change);
+      } else if (!isSameValue(own->value, change.after)) {
+        return std::nullopt;
+      }
+    }
+    return unlock;
+  }
+
+  Client& client_;
+  const UnlockGoal& goal_;
+  size_t tried_ = 0;
+};
+
+// Goes from a number that is enough towards one that is not, as far as it stays enough.
+Unlock nearest(UnlockTrials& trials, const Candidate& candidate, Unlock enough, int64_t tooLittle) {
+  int64_t good = wholeNumber(enough.changes.front().value).value_or(0);
+  while (std::abs(good - tooLittle) > 1 && !trials.isExhausted()) {
+    const int64_t middle = tooLittle + (good - tooLittle) / 2;
+    std::optional<Unlock> better =
+        trials.tryChanges({{candidate.state.name, std::to_string(middle)}});
+    if (better) {
+      enough = *std::move(better);
+      good = middle;
+    } else {
+      tooLittle = middle;
+    }
+  }
+  return enough;
+}
+
+// The number from which to go on towards `value`: the nearest that was tried on its side before.
+std::optional<int64_t> startTowards(const Candidate& candidate, const std::string& value) {
+  const std::optional<int32_t> good = wholeNumber(value);
+  const std::optional<int32_t> own = wholeNumber(candidate.state.value);
+  if (!good || !own || candidate.state.value.empty()) return std::nullopt;
+  int64_t start = *own;
+  for (const std::string& tried : candidate.values) {
+    if (tried == value) break;
+    const std::optional<int32_t> number = wholeNumber(tried);
+    if (number &&
+        (*good > *own ? *number > start && *number < *good : *number<start&& * number> * good)) {
+      start = *number;
+    }
+  }
+  return start;
+}
+
+std::optional<Unlock> unlockBy(UnlockTrials& trials, const Candidate& candidate) {
+  for (const std::string& value : candidate.values) {
+    std::optional<Unlock> found = trials.tryChanges({{candidate.state.name, value}});
+    if (!found) continue;
+    const std::optional<int64_t> start = startTowards(candidate, value);
+    return start ? nearest(trials, candidate, *std::move(found), *start) : found;
+  }
+  return std::nullopt;
+}
+
+// The values to try in a pair: the nearest ones, and the last ones.
+std::vector<std::string> few(const Candidate& candidate) {
+  std::vector<std::string> values = candidate.values;
+  if (std::ssize(values) > 2 * MOST_VALUES_AT_ENDS) {
+    values.erase(values.begin() + MOST_VALUES_AT_ENDS, values.end() - MOST_VALUES_AT_ENDS);
+  }
+  return values;
+}
+
+std::optional<Unlock> unlockBy(UnlockTrials& trials, const Candidate& one, const Candidate& other) {
+  for (const std::string& first : few(one)) {
+    for (const std::string& second : few(other)) {
+      std::optional<Unlock> found =
+          trials.tryChanges({{one.state.name, first}, {other.state.name, second}});
+      if (found) return found;
+    }
+  }
+  return std::nullopt;
+}
+
+std::optional<Unlock> unlockByPair(UnlockTrials& trials, const std::vector<Candidate>& candidates) {
+  for (size_t i = 0; i < candidates.size(); ++i) {
+    for (size_t j = i + 1; j < candidates.size(); ++j) {
+      std::optional<Unlock> found = unlockBy(trials, candidates[i], candidates[j]);
+      if (found) return found;
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+UnlockSearch findUnlocks(Client& client, const UnlockGoal& goal,
+                         const std::vector<Reason>& reasons) {
+  const std::vector<Candidate> candidates =
+      findCandidates(client, goal.name, decidingReasons(reasons, goal.value.has_value()),
+                     goal.value.value_or(std::string()));
+  UnlockTrials trials(client, goal);
+  UnlockSearch search;
+  for (const Candidate& candidate : candidates) {
+    std::optional<Unlock> found = unlockBy(trials, candidate);
+    if (found) search.found.push_back(*std::move(found));
+  }
+  std::ranges::stable_sort(search.found, {},
+                           [](const Unlock& each) { return each.effects.size(); });
+  if (search.found.empty()) {
+    std::optional<Unlock> found = unlockByPair(trials, candidates);
+    if (found) search.found.push_back(*std::move(found));
+  }
+  search.tried = trials.tried();
+  return search;
+}

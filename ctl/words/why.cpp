@@ -1,0 +1,200 @@
+// why: why a parameter is as it is, what becomes of a value, and what would have to change.
+#include <algorithm>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "ctl/service/exit_status.h"
+#include "ctl/text/assignment.h"
+#include "ctl/text/quoted.h"
+#include "ctl/text/range_text.h"
+#include "ctl/text/sentences.h"
+#include "ctl/words/arguments.h"
+#include "ctl/words/asked.h"
+#include "ctl/words/commits.h"
+#include "ctl/words/unlock.h"
+#include "ctl/words/word.h"
+
+namespace {
+
+constexpr size_t MOST_SHOWN = 3;
+
+// All that is said of one argument.
+struct Answer {
+  std::vector<std::string> lines;
+  Json json;
+};
+
+// What becomes of a value.
+struct Verdict {
+  std::string value;  // as translated, where it is wanted in vain
+  std::string sentence = {};
+  bool isStored = false;
+  bool isHopeless = false;  // in every situation
+};
+
+Json jsonOf(const Reason& reason) {
+  Json names = Json::object();
+  for (const Assignment& used : reason.names) names[used.name] = used.value;
+  return {{"question", reason.question},
+          {"answer", reason.answer},
+          {"line", reason.line},
+          {"statement", reason.statement},
+          {"names", names}};
+}
+
+Json jsonOf(const Unlock& unlock) {
+  Json json = {{"set", Json::object()}, {"effects", Json::array()}};
+  for (const Assignment& change : unlock.changes) json["set"][change.name] = change.value;
+  for (const Change& effect : unlock.effects) json["effects"].push_back(changeJson(effect));
+  return json;
+}
+
+std::string commandOf(const std::vector<Assignment>& changes) {
+  std::string command = "ostrelctl set";
+  for (const Assignment& change : changes) {
+    command += " " + shellWord(change.name + "=" + change.value);
+  }
+  return command;
+}
+
+std::string effectsText(const std::vector<Change>& effects) {
+  if (effects.empty()) return {};
+  Names names;
+  for (const Change& effect : effects) names.push_back(effect.name);
+  return " (this also changes " + namesText(names, MOST_SHOWN) + ")";
+}
+
+// Whether one commit does for both the changes and the value.
+bool isOneCommit(Client& client, const std::vector<Assignment>& changes, const Assignment& wanted) {
+  const OwnTransaction transaction(client.service);
+  std::vector<Assignment> all = changes;
+  all.push_back(wanted);
+  if (!client.service.set(transaction.id(), all, false).empty()) return false;
+  const Preview preview = client.service.preview(transaction.id());
+  const auto own = std::ranges::find(preview.changes, wanted.name, &Change::name);
+  return preview.refused.empty() && own != preview.changes.end() &&
+         isSameValue(own->after, wanted.value);
+}
+
+std::string commandsOf(Client& client, const Unlock& unlock, const UnlockGoal& goal) {
+  if (!goal.value) return commandOf(unlock.changes);
+  const Assignment wanted = {goal.name, *goal.value};
+  if (!isOneCommit(client, unlock.changes, wanted)) {
+    return commandOf(unlock.changes) + " && " + commandOf({wanted});
+  }
+  std::vector<Assignment> all = unlock.changes;
+  all.push_back(wanted);
+  return commandOf(all);
+}
+
+void addUnlocks(Client& client, const UnlockGoal& goal, const std::vector<Reason>& reasons,
+                Answer& answer) {
+  const UnlockSearch search = findUnlocks(client, goal, reasons);
+  answer.json["unlocks"] = Json::array();
+  answer.json["tried"] = search.tried;
+  if (search.found.empty()) {
+    answer.lines.push_back(search.tried == 0
+                               ? "no parameter that a client can set changes that"
+                               : "no change of one or two parameters makes it possible (" +
+                                     std::to_string(search.tried) + " tried)");
+  }
+  const char* start = goal.value ? "to have it stored: " : "to make it writable: ";
+  for (size_t i = 0; i < search.found.size(); ++i) {
+    answer.json["unlocks"].push_back(jsonOf(search.found[i]));
+    if (i >= MOST_SHOWN) continue;
+    answer.lines.push_back(start + commandsOf(client, search.found[i], goal) +
+                           effectsText(search.found[i].effects));
+    start = "or: ";
+  }
+}
+
+void addState(const InstanceState& state, const std::vector<Reason>& reasons, Answer& answer) {
+  answer.json = {{"name", state.name},
+                 {"value", state.value},
+                 {"exists", state.is(STATE_EXISTS)},
+                 {"writable", state.is(STATE_WRITABLE)},
+                 {"range", rangeJson(state)},
+                 {"reasons", Json::array()}};
+  for (const Reason& reason : reasons) answer.json["reasons"].push_back(jsonOf(reason));
+  answer.lines = reasonLines(state, reasons);
+}
+
+// What a commit would do with the value in the present situation.
+Verdict judge(Client& client, const Assignment& wanted, const InstanceState& state) {
+  Verdict verdict = {.value = translatedValues(client, {wanted}).front()};
+  const std::string shown = quotedWord(wanted.value);
+  const OwnTransaction transaction(client.service);
+  if (!client.service.set(transaction.id(), {wanted}, false).empty()) {
+    verdict.isHopeless = true;
+    verdict.sentence = shown + " is refused in every situation";
+    return verdict;
+  }
+  const Preview preview = client.service.preview(transaction.id());
+  if (!preview.refused.empty()) {
+    verdict.sentence = shown + " would be refused";
+    return verdict;
+  }
+  const auto own = std::ranges::find(preview.changes, wanted.name, &Change::name);
+  const std::string after = own == preview.changes.end() ? state.value : own->after;
+  verdict.isStored = isSameValue(verdict.value, after);
+  verdict.sentence = shown + (isSameValue(wanted.value, after) ? " would be stored"
+                              : verdict.isStored ? " would be stored as " + quotedWord(after)
+                                                 : " would be cut to " + quotedWord(after));
+  return verdict;
+}
+
+Answer why(Client& client, const InstanceState& state, const std::vector<Reason>& reasons,
+           const std::optional<std::string>& value) {
+  Answer answer;
+  addState(state, reasons, answer);
+  if (!value) {
+    if (!state.is(STATE_WRITABLE)) addUnlocks(client, {state.name, {}}, reasons, answer);
+    return answer;
+  }
+  const Verdict verdict = judge(client, {state.name, *value}, state);
+  answer.lines.insert(answer.lines.begin() + 1, verdict.sentence);
+  answer.json["asked"] = *value;
+  answer.json["stored"] = verdict.isStored;
+  if (verdict.isStored || verdict.isHopeless) return answer;
+  addUnlocks(client, {state.name, verdict.value}, reasons, answer);
+  return answer;
+}
+
+int whyAll(Client& client, const Texts& texts) {
+  std::vector<Assignment> asked;
+  std::vector<bool> hasValue;
+  Names names;
+  for (const std::string& text : texts) {
+    const std::optional<Assignment> assignment = assignmentOf(text);
+    hasValue.push_back(assignment.has_value());
+    asked.push_back(assignment.value_or(Assignment{text, {}}));
+    names.push_back(asked.back().name);
+  }
+  const std::vector<InstanceState> states = client.service.states(COMMITTED, names);
+  const auto reasons = client.service.explain(COMMITTED, names);
+  Names unknown;
+  Json json = Json::array();
+  for (size_t i = 0; i < names.size(); ++i) {
+    if (reasons[i].empty()) {
+      unknown.push_back(names[i]);
+      continue;
+    }
+    const Answer answer = why(client, states[i], reasons[i],
+                              hasValue[i] ? std::optional(asked[i].value) : std::nullopt);
+    json.push_back(answer.json);
+    if (client.out.isJson()) continue;
+    if (i > 0) client.out.line("");
+    for (const std::string& line : answer.lines) client.out.line(line);
+  }
+  if (client.out.isJson()) client.out.json(json);
+  complainOfUnknown(client, unknown);
+  return unknown.empty() ? STATUS_DONE : STATUS_UNKNOWN;
+}
+
+}  // namespace
+
+RunWord defineWhy(CLI::App& word) {
+  const auto texts = std::make_shared<Texts>();
+  addTexts(word, "NAME[=VALUE]", *texts, "A parameter, or a value for it");
+  return [texts](Client& client) { return whyAll(client, *texts); };
+}

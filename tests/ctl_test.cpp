@@ -1,0 +1,489 @@
+// ostrelctl with a daemon: command lines, and what is printed and returned.
+#include <csignal>
+#include <fstream>
+#include <iterator>
+
+#include "tests/harness/service_test.h"
+
+namespace {
+
+std::string exampleText(const std::string& name) {
+  std::ifstream file(std::string(EXAMPLES_DIRECTORY) + "/" + name);
+  EXPECT_TRUE(file) << name;
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+// A line of a shell, in which the program is the word "ctl", and all that can be seen of it.
+struct CtlRun {
+  std::string line;
+  std::string out = {};
+  std::string err = {};  // without the program's name before each line
+  int status = 0;
+};
+
+class CtlTest : public ServiceTest {
+ protected:
+  std::unique_ptr<Process> start(const std::string& line) {
+    return std::make_unique<Process>(Process::Options{
+        .command = {"/bin/sh", "-c", "ctl() { \"$0\" \"$@\"; }\n" + line, OSTRELCTL},
+        .environment = {{"DBUS_SESSION_BUS_ADDRESS", bus().address()},
+                        {"BUS", bus().address()},
+                        {"LC_ALL", "C.UTF-8"},
+                        {"TZ", "UTC"}}});
+  }
+  void expectRuns(const std::vector<CtlRun>& runs) {
+    for (const CtlRun& run : runs) {
+      SCOPED_TRACE(run.line);
+      const Ending ending = start(run.line)->waitForEnd();
+      EXPECT_EQ(ending.out, run.out);
+      EXPECT_EQ(withoutName(ending.err), run.err);
+      EXPECT_EQ(ending.status, run.status);
+    }
+    // What the daemon has said of refused values.
+    if (hasDaemon_) static_cast<void>(daemon().newLogLines());
+  }
+  void serveExample(const std::string& name, const std::vector<std::string>& constants = {}) {
+    serve(exampleText(name), constants);
+    hasDaemon_ = true;
+  }
+  void servePicture() {
+    serveExample("picture.ostrel");
+    for (const char* name : {"mode", "position", "blanking"}) {
+      expectRuns({{.line = std::string("ctl --quiet reset ") + name}});
+    }
+  }
+  void serveText(const std::string& text) {
+    serve(text);
+    hasDaemon_ = true;
+  }
+
+ private:
+  static std::string withoutName(std::string err) {
+    constexpr std::string_view NAME = "ostrelctl: ";
+    for (size_t at = 0; at < err.size(); at = err.find('\n', at) + 1) {
+      EXPECT_EQ(err.substr(at, NAME.size()), NAME);
+      err.erase(at, NAME.size());
+    }
+    return err;
+  }
+
+  bool hasDaemon_ = false;
+};
+
+TEST_F(CtlTest, ListsWhatThereIs) {
+  servePicture();
+  expectRuns({
+      {.line = "ctl ls", .out = "blanking\nchannel\nmode\nposition\n"},
+      {.line = "ctl ls '[bm]*'", .out = "blanking\nmode\n"},
+      {.line = "ctl ls --instances", .out = "blanking\nmode\nposition[1]\nposition[2]\n"},
+      {.line = "ctl ls -i 'pos*'", .out = "position[1]\nposition[2]\n"},
+      {.line = "ctl ls -l",
+       .out = "ACCESS  NAME               RANGE                       DEFAULT   LINE\n"
+              "rw      blanking           0..960                      10        10\n"
+              "index   channel            1..2                        -         4\n"
+              "rw      mode               1080i/50, 625i/50, 720p/50  1080i/50  3\n"
+              "rw      position[channel]  0..1919                     960       5\n"},
+      {.line = "ctl ls -li blanking",
+       .out = "ACCESS  NAME      VALUE  RANGE   DEFAULT  LINE\n"
+              "rw      blanking  10     0..960  10       10\n"},
+      {.line = "ctl ls --null 'm*' | tr '\\0' '|'", .out = "mode|"},
+      {.line = "ctl ls --json 'pos*'",
+       .out = R"([{"name":"position","access":"rw","indices":["channel"],"line":5,"level":1}])"
+              "\n"},
+      {.line = "ctl ls --json -l blanking",
+       .out = R"([{"name":"blanking","access":"rw","indices":[],"line":10,"level":2,)"
+              R"("range":{"spans":[[0,960]],"texts":[]},"default":"10"}])"
+              "\n"},
+      {.line = "ctl ls modes", .err = "no parameter \"modes\": did you mean mode?\n", .status = 5},
+      {.line = "ctl ls --quiet"},
+  });
+}
+
+TEST_F(CtlTest, GetsValues) {
+  servePicture();
+  expectRuns({
+      {.line = "ctl get mode", .out = "1080i/50\n"},
+      {.line = "ctl get mode blanking", .out = "mode=1080i/50\nblanking=10\n"},
+      {.line = "ctl get position", .out = "position[1]=960\nposition[2]=960\n"},
+      {.line = "ctl get '*[2]' 'm?de'", .out = "position[2]=960\nmode=1080i/50\n"},
+      {.line = "ctl get --json mode 'position[1]'",
+       .out = "{\"mode\":\"1080i/50\",\"position[1]\":\"960\"}\n"},
+      {.line = "ctl -z get mode | tr '\\0' '|'", .out = "1080i/50|"},
+      {.line = "ctl -z get mode blanking | tr '\\0' '|'", .out = "mode=1080i/50|blanking=10|"},
+      {.line = "ctl get --with mode=720p/50 --with 'position[1]=1500' 'position[1]' mode",
+       .out = "position[1]=1279\nmode=720p/50\n"},
+      {.line = "ctl get mode", .out = "1080i/50\n"},  // nothing was stored
+      {.line = "ctl get --with mode=sepia mode",
+       .err = "cannot set mode to sepia: it takes 1080i/50, 625i/50, 720p/50\n",
+       .status = 1},
+      {.line = "ctl get mode moed blanking",
+       .out = "mode=1080i/50\nblanking=10\n",
+       .err = "no parameter \"moed\": did you mean mode?\n",
+       .status = 5},
+      {.line = "ctl get 'x*'", .err = "no parameter fits \"x*\"\n", .status = 5},
+      {.line = "ctl get -3", .err = "no parameter \"-3\"\n", .status = 5},
+      {.line = "ctl get -- -x", .err = "no parameter \"-x\"\n", .status = 5},
+      {.line = "ctl get --quiet mode"},
+      {.line = "ctl transactions"},
+  });
+}
+
+TEST_F(CtlTest, SetsValuesAndTellsWhatWasCut) {
+  servePicture();
+  expectRuns({
+      {.line = "ctl set 'position[1]=1500' blanking=-5",
+       .out = "position[1] = 1500\nblanking = 0 (cut from -5: 0..1500, line 10)\n"},
+      {.line = "ctl set mode=720p/50",
+       .out = "mode = 720p/50\nposition[1] = 1279 (was 1500, because of mode)\n"},
+      {.line = "ctl set --strict blanking=0x10", .out = "blanking = 0x10\n"},
+      {.line = "ctl set --strict 'position[2]=1500'",
+       .out = "position[2] = 1279 (cut from 1500: 0..1279, line 7)\n",
+       .status = 4},
+      {.line = "ctl set 'position[2]=1500'",
+       .out = "position[2] = 1279 (cut from 1500: 0..1279, line 7)\n"},
+      {.line = "ctl set --quiet --strict 'position[2]=1500'", .status = 4},
+      {.line = "ctl set --json mode=625i/50 blanking=700",
+       .out = R"({"stored":[{"name":"mode","value":"625i/50","asked":"625i/50","cut":false},)"
+              R"({"name":"blanking","value":"700","asked":"700","cut":false}],)"
+              R"("followed":[{"name":"position[1]","before":"1279","after":"719",)"
+              R"("because":["mode"]},{"name":"position[2]","before":"1279","after":"719",)"
+              R"("because":["mode"]}]})"
+              "\n"},
+      {.line = "ctl --json set blanking=900",
+       .out = R"({"stored":[{"name":"blanking","value":"719","asked":"900","cut":true,)"
+              R"("range":{"spans":[[0,719]],"texts":[]},"line":10}],"followed":[]})"
+              "\n"},
+      {.line = "ctl -z set blanking=1 mode=720p/50 | tr '\\0' '|'",
+       .out = "blanking=1|mode=720p/50|"},
+      // One refusal, and nothing is stored.
+      {.line = "ctl set blanking=7 mode=sepia",
+       .err = "cannot set mode to sepia: it takes 1080i/50, 625i/50, 720p/50\n",
+       .status = 1},
+      {.line = "ctl set blanking=7 mdoe=625i/50",
+       .err = "no parameter \"mdoe\": did you mean mode?\n",
+       .status = 5},
+      {.line = "ctl set blanking=7 position=5",
+       .err = "no parameter \"position\": it is position[channel]\n",
+       .status = 5},
+      {.line = "ctl set blanking=7 'position[3]=5'",
+       .err = "cannot set position[3]: it does not exist, line 4: rangeValid { 1..2 }\n"
+              "see ostrelctl why 'position[3]'\n",
+       .status = 1},
+      {.line = "ctl get blanking", .out = "1\n"},
+      {.line = "ctl reset blanking mode", .out = "blanking = 10\nmode = 1080i/50\n"},
+      {.line = "ctl reset moed", .err = "no parameter \"moed\": did you mean mode?\n", .status = 5},
+      {.line = "ctl transactions"},
+  });
+}
+
+TEST_F(CtlTest, KeepsTextsAsTheyAre) {
+  serveText(
+      "name rw { }\nother rw { index { key } }\nkey index { rangeValid { \"a b\", \"c=d\" } }\n");
+  expectRuns({
+      {.line = R"x(ctl set "name=$(printf ' two\nlines\t"x" \\ ')")x",
+       .out = R"(name = " two\nlines\t\"x\" \\ ")"
+              "\n"},
+      {.line = "ctl get name",
+       .out = R"(" two\nlines\t\"x\" \\ ")"
+              "\n"},
+      {.line = "ctl -z get name | tr '\\0' '|'", .out = " two\nlines\t\"x\" \\ |"},
+      {.line = "ctl --json get name",
+       .out = R"({"name":" two\nlines\t\"x\" \\ "})"
+              "\n"},
+      {.line = "ctl set 'name=frame store' 'other[c=d]=1=2'",
+       .out = "name = \"frame store\"\nother[c=d] = 1=2\n"},
+      {.line = "ctl get name", .out = "frame store\n"},
+      {.line = "ctl get other", .out = "other[a b]=\nother[c=d]=1=2\n"},
+      {.line = "ctl set name=", .out = "name = \"\"\n"},
+      {.line = R"x(ctl set "name=$(printf '\377')")x",
+       .err = "argument 2 is not valid UTF-8\n",
+       .status = 2},
+  });
+}
+
+TEST_F(CtlTest, AnswersWhatIf) {
+  servePicture();
+  expectRuns({
+      {.line = "ctl range 'position[1]'", .out = "0..1919\n"},
+      {.line = "ctl range --with mode=720p/50 'position[1]' blanking",
+       .out = "position[1]: 0..1279\nblanking: 0..960\n"},
+      {.line = "ctl range channel mode",
+       .out = "mode: 1080i/50, 625i/50, 720p/50\nchannel: 1..2\n"},
+      {.line = "ctl range --json mode channel",
+       .out = R"({"mode":{"spans":[],"texts":["1080i/50","625i/50","720p/50"]},)"
+              R"("channel":{"spans":[[1,2]],"texts":[]}})"
+              "\n"},
+      {.line = "ctl range 'position[3]'",
+       .out = "unknown\n",
+       .err = "what position[3] takes cannot be computed now: see ostrelctl why 'position[3]'\n",
+       .status = 1},
+      {.line = "ctl range moed", .err = "no parameter \"moed\": did you mean mode?\n", .status = 5},
+      {.line = "ctl deps blanking", .out = "mode\nposition[1]\n"},
+      {.line = "ctl deps blanking mode", .out = "blanking: mode position[1]\nmode:\n"},
+      {.line = "ctl deps --json blanking mode",
+       .out = "{\"blanking\":[\"mode\",\"position[1]\"],\"mode\":[]}\n"},
+      {.line = "ctl deps -z blanking | tr '\\0' '|'", .out = "mode|position[1]|"},
+      {.line = "ctl deps moed", .err = "no parameter \"moed\": did you mean mode?\n", .status = 5},
+      {.line = "ctl try mode=625i/50",
+       .out = "level 0\n"
+              "  mode: 1080i/50 -> 625i/50\n"
+              "level 1\n"
+              "  position[1]: 960 -> 719 (because of mode)\n"
+              "  position[2]: 960 -> 719 (because of mode)\n"
+              "  position[1] would take 0..719, not 0..1919 (because of mode)\n"
+              "  position[2] would take 0..719, not 0..1919 (because of mode)\n"
+              "level 2\n"
+              "  blanking would take 0..719, not 0..960 (because of position)\n"},
+      {.line = "ctl try --strict blanking=2000",
+       .out = "level 2\n  blanking: 10 -> 960 (in place of 2000)\n",
+       .status = 4},
+      {.line = "ctl try blanking=10"},
+      {.line = "ctl try --json blanking=2000",
+       .out = R"({"changes":[{"name":"blanking","before":"10","after":"960",)"
+              R"("because":["blanking"],"asked":"2000","level":2}],"limits":[],"refused":[]})"
+              "\n"},
+      {.line = "ctl set blanking=960 -q; ctl try blanking=2000",
+       .out = "level 2\n  blanking stays 960 (in place of 2000)\n"},
+      {.line = "ctl try 'position[3]=5'",
+       .err = "cannot set position[3]: it does not exist, line 4: rangeValid { 1..2 }\n"
+              "see ostrelctl why 'position[3]'\n",
+       .status = 1},
+      {.line = "ctl get mode", .out = "1080i/50\n"},
+      {.line = "ctl transactions"},
+  });
+}
+
+TEST_F(CtlTest, TellsWhyAndWhatToDo) {
+  servePicture();
+  expectRuns({
+      {.line = "ctl why blanking",
+       .out =
+           "blanking is 10\n"
+           "it can be written\n"
+           "it takes 0..960: line 10, rangeValid { 0..(position[1]) }, where position[1] is 960\n"
+           "its default is 10: line 10, default { 10 }\n"},
+      {.line = "ctl why blanking=960 | sed -n 2p", .out = "960 would be stored\n"},
+      {.line = "ctl why mode=sepia | sed -n 2p", .out = "sepia is refused in every situation\n"},
+      // The smallest change of another parameter is found between the ends of its range.
+      {.line = "ctl why blanking=1200 | sed -n '2p;$p'",
+       .out = "1200 would be cut to 960\n"
+              "to have it stored: ostrelctl set 'position[1]=1200' blanking=1200\n"},
+      {.line = "ctl set mode=720p/50 -q; ctl why 'position[2]=1500' | tail -1",
+       .out = "to have it stored: ostrelctl set mode=1080i/50 'position[2]=1500'\n"},
+      {.line = "ctl why blanking=1500 | tail -1",
+       .out = "to have it stored: ostrelctl set 'position[1]=1500' mode=1080i/50 blanking=1500\n"},
+      {.line = "ctl why blanking=5000 | tail -1 | sed 's/([0-9]* /(N /'",
+       .out = "no change of one or two parameters makes it possible (N tried)\n"},
+      {.line = "ctl why 'position[3]'",
+       .out = "position[3] is \"\"\n"
+              "it does not exist now: line 4, rangeValid { 1..2 }\n"
+              "no parameter that a client can set changes that\n"},
+      {.line = "ctl why moed", .err = "no parameter \"moed\": did you mean mode?\n", .status = 5},
+      {.line = "ctl why position",
+       .err = "no parameter \"position\": it is position[channel]\n",
+       .status = 5},
+      {.line = "ctl transactions"},
+      {.line = "ctl get mode", .out = "720p/50\n"},
+  });
+}
+
+TEST_F(CtlTest, UnlocksControls) {
+  serveExample("frame-synchroniser.ostrel", {"MODEL=pro", "CHANNELS=2", "AUDIO=1"});
+  expectRuns({
+      {.line = "for i in 1 2 3; do ctl reset -q --status '*'; done"},
+      {.line = "ctl set proc_link=1 'picture_gain[1]=unity'",
+       .out = "proc_link = 1\npicture_gain[1] = 1000 (translated from unity)\n"},
+      {.line = "ctl set 'picture_gain[2]=500'",
+       .err = "cannot set picture_gain[2]: it is read-only, line 174: ctrlRO (proc_link == 1 && "
+              "channel != 1)\nsee ostrelctl why 'picture_gain[2]'\n",
+       .status = 1},
+      {.line = "ctl why 'picture_gain[2]'",
+       .out = "picture_gain[2] is 1000\n"
+              "it cannot be written now: line 174, ctrlRO (proc_link == 1 && channel != 1), where "
+              "proc_link is 1 and channel is 2\n"
+              "it takes 0..2000: line 173, rangeValid { 0..2000 }\n"
+              "its default is 1000: line 176, default { 1000 }\n"
+              "to make it writable: ostrelctl set proc_link=0\n"},
+      {.line = "ctl why 'picture_gain[2]=500' | tail -1",
+       .out = "to have it stored: ostrelctl set proc_link=0 'picture_gain[2]=500'\n"},
+      {.line = "ctl why test_pattern_speed | tail -1",
+       .out = "to make it writable: ostrelctl set test_pattern=zone_plate\n"},
+      {.line = "ctl why wss_mode | tail -1",
+       .out = "to make it writable: ostrelctl set output_standard=625i/50 (this also changes "
+              "h_active, h_total, switch_line and 3 more)\n"},
+      // Two changes are needed: the mode, and fewer groups that share the memory.
+      {.line = "ctl why 'audio_delay[1][1]=3000' | tail -1",
+       .out = "to have it stored: ostrelctl set audio_delay_mode=manual embed_groups=2 "
+              "'audio_delay[1][1]=3000'\n"},
+      {.line = "ctl why h_active | tail -1",
+       .out = "no parameter that a client can set changes that\n"},
+      {.line = "ctl why --json test_pattern_speed",
+       .out =
+           R"([{"name":"test_pattern_speed","value":"1","exists":true,"writable":false,)"
+           R"("range":{"spans":[[-16,16]],"texts":[]},"reasons":[)"
+           R"({"question":"exists","answer":"yes","line":0,"statement":"","names":{}},)"
+           R"({"question":"writable","answer":"no","line":436,)"
+           R"x("statement":"ctrlRO (test_pattern != \"zone_plate\")",)x"
+           R"("names":{"test_pattern":"off"}},)"
+           R"({"question":"limits","answer":"-16..16","line":437,)"
+           R"("statement":"rangeValid { -16..16 }","names":{}},)"
+           R"({"question":"default","answer":"1","line":438,"statement":"default { 1 }","names":{}},)"
+           R"({"question":"value","answer":"1","line":437,"statement":"rangeValid { -16..16 }",)"
+           R"("names":{}}],"unlocks":[{"set":{"test_pattern":"zone_plate"},"effects":[]}],)"
+           R"("tried":6}])"
+           "\n"},
+      {.line = "ctl set temperature=80",
+       .err = "cannot set temperature: it is read-only, line 527: ro\n"
+              "see ostrelctl why temperature\n",
+       .status = 1},
+      {.line = "ctl set --status genlock_locked=1",
+       .out = "genlock_locked = 1\nalarm_summary = 0 (was 1)\n"},
+      {.line = "ctl get alarm_reference MODEL", .out = "alarm_reference=0\nMODEL=pro\n"},
+      {.line = "ctl reset 'alarm_*' | wc -l", .out = "1\n"},  // what can be written
+      {.line = "ctl reset alarm_fan 2>&1 | wc -l", .out = "2\n"},
+      {.line = "ctl transactions"},
+  });
+}
+
+TEST_F(CtlTest, ShowsAndUndoesCommits) {
+  servePicture();
+  const std::string shown = "| sed 's/^\\(commit [0-9]*\\), [-0-9]* [:0-9]*, by :1.[0-9]*$/\\1/'";
+  expectRuns({
+      {.line = "ctl set -q mode=720p/50 'position[1]=1000'; ctl set -q blanking=900"},
+      {.line = "ctl log -n 2 " + shown,
+       .out = "commit 4\n  mode: 1080i/50 -> 720p/50\n  position[1]: 960 -> 1000\n"
+              "commit 5\n  blanking: 10 -> 900\n"},
+      {.line = "ctl log " + shown + " | wc -l", .out = "12\n"},
+      {.line = "ctl --json log -n 1 | sed 's/\"time\":[0-9]*,\"caller\":\":[0-9.]*\"/T/'",
+       .out = R"([{"serial":5,T,"changes":[{"name":"blanking","before":"10","after":"900"}]}])"
+              "\n"},
+      {.line = "ctl undo --dry-run 4",
+       .out = "mode: 720p/50 -> 1080i/50\nposition[1]: 1000 -> 960\n"},
+      {.line = "ctl undo 4", .out = "mode: 720p/50 -> 1080i/50\nposition[1]: 1000 -> 960\n"},
+      {.line = "ctl get mode 'position[1]' blanking",
+       .out = "mode=1080i/50\nposition[1]=960\nblanking=900\n"},
+      {.line = "ctl undo 4",
+       .err = "mode is 1080i/50 by now, not 720p/50\nposition[1] is 960 by now, not 1000\n"
+              "nothing is taken back; --force does it all the same\n",
+       .status = 1},
+      {.line = "ctl undo 5 --json",
+       .out = R"({"stored":[{"name":"blanking","value":"10","asked":"10","cut":false}],)"
+              R"("followed":[]})"
+              "\n"},
+      {.line = "ctl undo 100", .err = "no commit 100: kept are 1 to 7\n", .status = 5},
+      {.line = "ctl undo x", .err = "undo: Could not convert: SERIAL = x\n", .status = 2},
+  });
+}
+
+TEST_F(CtlTest, ListsAndEndsTransactions) {
+  servePicture();
+  const std::string id = client().answer("start()");
+  EXPECT_EQ(client().answer("set(" + id + ", 'mode', '720p/50')"), "()");
+  expectRuns({
+      {.line = "ctl transactions --json | sed 's/\"id\":[0-9]*/I/;s/\"seconds\":[0-9]*/S/'",
+       .out = "[{I,\"owner\":\"\",\"staged\":1,S}]\n"},
+      {.line = "ctl transactions | sed 's/[ 0-9]*//g'", .out = "IDOWNERSTAGEDSECONDS\nanybody\n"},
+      {.line = "ctl transactions --end " + id},
+      {.line = "ctl transactions --end " + id,
+       .err = "no transaction " + id + " is open\n",
+       .status = 5},
+      {.line = "ctl transactions --json", .out = "[]\n"},
+  });
+}
+
+TEST_F(CtlTest, LeavesNoTransactionOpenWhereItIsInterrupted) {
+  servePicture();
+  pause();
+  const std::unique_ptr<Process> client = start("exec \"$0\" set mode=720p/50");
+  usleep(300000);  // so that it waits for its first reply
+  kill(client->pid(), SIGINT);
+  EXPECT_EQ(client->waitForEnd().status, -SIGINT);
+  resume();
+  expectRuns({{.line = "ctl transactions"}, {.line = "ctl get mode", .out = "1080i/50\n"}});
+}
+
+TEST_F(CtlTest, SaysWhereThereIsNoService) {
+  const std::string noName =
+      "no service: nobody has the bus name org.tavrel.transaction; is ostrel running, with the "
+      "same -b?\n";
+  expectRuns({{.line = "ctl get mode", .err = noName, .status = 3},
+              {.line = "ctl set mode=1", .err = noName, .status = 3},
+              {.line = "ctl get mode --address \"$BUS\"", .err = noName, .status = 3},
+              {.line = "DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent ctl ls",
+               .err = "no bus at unix:path=/nonexistent: Could not connect: No such file or "
+                      "directory\n",
+               .status = 3}});
+  servePicture();
+  expectRuns({
+      {.line = "DBUS_SESSION_BUS_ADDRESS= ctl --address=\"$BUS\" get mode", .out = "1080i/50\n"},
+      {.line = "ctl -b rack get mode",
+       .err = "no service: nobody has the bus name org.tavrel.transaction.rack; is ostrel running, "
+              "with the same -b?\n",
+       .status = 3},
+      {.line = "ctl -o rack get mode",
+       .err = "no service: org.tavrel.transaction does not serve org.tavrel.parameters1 at "
+              "/parameters/rack; was it started with another -o, or is it older than this "
+              "program?\n",
+       .status = 3},
+  });
+  pause();
+  expectRuns({{.line = "ctl --timeout 1 get mode",
+               .err = "no service: org.tavrel.transaction does not reply to GetState within 1 s\n",
+               .status = 3}});
+  resume();
+}
+
+TEST_F(CtlTest, RefusesWrongCommandLines) {
+  expectRuns({
+      {.line = "ctl", .err = "no word is given; ostrelctl --help lists them\n", .status = 2},
+      {.line = "ctl gte mode", .err = "no word \"gte\": did you mean get?\n", .status = 2},
+      {.line = "ctl frobnicate",
+       .err = "no word \"frobnicate\"; ostrelctl --help lists them\n",
+       .status = 2},
+      {.line = "ctl get", .err = "get: NAME is required\n", .status = 2},
+      {.line = "ctl get --jsn a",
+       .err = "no option \"--jsn\": did you mean --json?\n",
+       .status = 2},
+      {.line = "ctl set --strct a=1",
+       .err = "no option \"--strct\": did you mean --strict?\n",
+       .status = 2},
+      {.line = "ctl set gain", .err = "\"gain\" is not of the form NAME=VALUE\n", .status = 2},
+      {.line = "ctl set a=1 a=2", .err = "\"a\" is given two values\n", .status = 2},
+      {.line = "ctl transactions 5", .err = "transactions does not take \"5\"\n", .status = 2},
+      {.line = "ctl --json --null ls",
+       .err = "--json and --null exclude each other\n",
+       .status = 2},
+      {.line = "ctl --null why a", .err = "--null is not for why\n", .status = 2},
+      {.line = "ctl -b 'a b' ls", .err = "\"a b\" cannot end a bus name\n", .status = 2},
+      {.line = "ctl -o 'a b' ls", .err = "\"a b\" cannot end an object path\n", .status = 2},
+      {.line = "ctl --timeout 0 ls 2>&1 | wc -l", .out = "1\n"},
+  });
+}
+
+TEST_F(CtlTest, HelpsWithExamplesFirst) {
+  expectRuns({
+      {.line = "ctl --help | head -2", .out = "Examples:\n  ostrelctl ls --long\n"},
+      {.line = "ctl get --help | head -2", .out = "Examples:\n  ostrelctl get mode\n"},
+      {.line = "ctl --version | cut -c 1-15", .out = "ostrel Built on\n"},
+      // Each word has help of its own.
+      {.line = "for word in $(ctl --help | sed -n 's/^  \\([a-z]\\{2,\\}\\)  .*/\\1/p'); do "
+               "ctl $word --help | grep -c \"ostrelctl $word\" | sed 's/^[1-9][0-9]*$/ok/'; done | "
+               "sort -u",
+       .out = "ok\n"},
+      {.line = "ctl --help > /dev/full",
+       .err = "cannot write: No space left on device\n",
+       .status = 1},
+  });
+}
+
+TEST_F(CtlTest, ColoursOnlyATerminal) {
+  servePicture();
+  const std::string onTerminal =
+      "script -qec '\"'$0'\" ls -l blanking' /dev/null | head -1 | cut -c 1-2 | od -An -c";
+  expectRuns({{.line = onTerminal, .out = " 033   [  \\n\n"},
+              {.line = "NO_COLOR=1; export NO_COLOR; " + onTerminal, .out = "   A   C  \\n\n"},
+              {.line = "ctl ls -l blanking | head -1 | cut -c 1-2 | od -An -c",
+               .out = "   A   C  \\n\n"}});
+}
+
+}  // namespace

@@ -73,12 +73,11 @@ class Previewing {
       unreported_.insert(name);
     }
     if (code != SET_STORED) return;
-    const bool wasAnnounced = entry.held != nullptr && entry.held->announced;
     const std::string& after = entry.value.text();
     const std::string& before = committedText(entry);
     if (const auto known = changes_.find(name); known != changes_.end()) {
       known->second.after = after;
-    } else if (isReported(entry.parm->parm, wasAnnounced, after, before)) {
+    } else if (isReported(entry.parm->parm, wasAnnounced(entry), after, before)) {
       changes_.emplace(std::move(name), Tried{entry.parm, entry.indices, before, after});
     }
   }

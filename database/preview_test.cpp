@@ -89,6 +89,24 @@ TEST(Previews, TellWhatChangesBecauseOfWhat) {
   }
 }
 
+// Another transaction may commit what this one has staged before.
+TEST(Previews, KnowWhatWasAnnouncedMeanwhile) {
+  Database database;
+  define(database, "i index { rangeValid { 1..2 } }\nnote rw { index { i } }\n");
+  Transaction transaction(database);
+  Transaction other(database);
+  ASSERT_EQ(transaction.set("note[1]", "", false), STAGE_DONE);
+  ASSERT_EQ(other.set("note[1]", "", false), STAGE_DONE);
+  Preview found;
+  EXPECT_EQ(preview(transaction, found), COMMIT_DONE);
+  EXPECT_EQ(shown(found), "note[1]:  ->  (note[1])\n");
+  std::vector<std::string> names;
+  ASSERT_EQ(commitNames(other, names), COMMIT_DONE);
+  Preview again;
+  EXPECT_EQ(preview(transaction, again), COMMIT_DONE);
+  EXPECT_EQ(shown(again), "");
+}
+
 // A commit judges what nothing depends on before other values have followed.
 TEST(Previews, TellWhyInTheSituationInWhichAValueIsJudged) {
   Database database;

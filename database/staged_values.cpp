@@ -52,6 +52,13 @@ const std::string& committedText(const StagedEntry& entry) {
                                : entry.parm->parm.committedText(entry.indices);
 }
 
+bool wasAnnounced(const StagedEntry& entry) {
+  const ParmDef& parm = entry.parm->parm;
+  const CommittedValue* const held =
+      entry.held != nullptr ? entry.held : parm.committed(entry.indices);
+  return held != nullptr && held->announced;
+}
+
 std::optional<uint32_t> StagedValues::placeOf(const ParmEntry& parm, const IndexTuple& indices,
                                               size_t hash) const {
   return places_.find(hash, [&](uint32_t place) {

@@ -28,6 +28,9 @@ std::string fullName(const StagedEntry& entry);
 
 /// What the instance of a staged entry holds, the empty text where it was never stored.
 const std::string& committedText(const StagedEntry& entry);
+/// Whether clients were ever told what the instance of a staged entry holds. It may have been
+/// stored by another transaction after it was staged.
+bool wasAnnounced(const StagedEntry& entry);
 
 /// What a transaction has staged, one entry for each instance. A commit adds the instances that
 /// depend on them. A range query works on a scratch copy of its own, which only holds what differs:

@@ -14,11 +14,10 @@ using Reported = std::map<std::string, std::string>;
 
 // Adds what an entry has just taken, where clients would be told of it.
 void addReported(const StagedEntry& entry, Reported& reported) {
-  const bool wasAnnounced = entry.held != nullptr && entry.held->announced;
   const std::string& value = entry.value.text();
   std::string name = fullName(entry);
   if (reported.contains(name) ||
-      isReported(entry.parm->parm, wasAnnounced, value, committedText(entry))) {
+      isReported(entry.parm->parm, wasAnnounced(entry), value, committedText(entry))) {
     reported.insert_or_assign(std::move(name), value);
   }
 }

@@ -19,6 +19,8 @@ from gi.repository import Gio, GLib
 DEFINITIONS = "examples/frame-synchroniser.ostrel"
 CONSTANTS = ["MODEL=pro", "CHANNELS=2", "AUDIO=1"]
 NAME, PATH = "org.tavrel.transaction", "/transaction"
+SECOND_NAME, SECOND_PATH = "org.tavrel.parameters1", "/parameters"
+PROPERTIES = ["Version", "Definitions", "Commits", "OpenTransactions", "Watchers", "Started"]
 BATCH = 100  # calls
 TRANSACTIONS = 10  # open at the beginning of a batch; some of its calls end some
 LIVES = 50  # batches from one start of the daemon to the next
@@ -32,7 +34,8 @@ RANGES = {"y": (0, 255), "n": (-2**15, 2**15 - 1), "q": (0, 2**16 - 1), "i": (-2
 BASIC = "ybnqiuxtdsog"
 PIECES = ["", " ", "[", "]", "[[", "]]", "[]", "[0]", "[1]", "[2][1]", "%s", "%n%n", "%d", "%", "0", "-1", "0x", "0x7f",
           "2147483647", "2147483648", "-2147483648", "99999999999", "=", "\"", "#", "::", "vidStd::", "\\", "\t", "\n",
-          "\u007f", "\u00e9", "\u20ac", "\U0001f4fa", "\ufffd", "/", ".", "(", ")", "{", "}", ".."]
+          "\u007f", "\u00e9", "\u20ac", "\U0001f4fa", "\ufffd", "/", ".", "(", ")", "{", "}", "..", "*", "?", "[a-m]",
+          "[!x]*", "\\*"]
 
 
 class Failure(Exception):
@@ -82,7 +85,9 @@ class Daemon:
             raise Failure(f"has {self.resident()} kB of memory")
 
     def start_some(self):
-        return [self.call("start")[0] for _ in range(TRANSACTIONS)]
+        """Half of them are this client's alone, and end with it, too."""
+        begun = [self.call("Begin", None, SECOND_NAME, SECOND_PATH)[0] for _ in range(TRANSACTIONS // 2)]
+        return begun + [self.call("start")[0] for _ in range(TRANSACTIONS - len(begun))]
 
     def end_transactions(self, first):
         """All from `first` on, also those that the calls have started."""
@@ -153,8 +158,8 @@ class Generator:
         if self.random.random() < 0.15:
             signature = "".join(self.signature(3) for _ in range(self.random.randrange(5)))
         if self.random.random() < 0.02:
-            path = self.random.choice(["/", "/transaction/x", "/a/b", PATH])
-            interface = self.random.choice([NAME, "a.b", "org.freedesktop.DBus.Properties"])
+            path = self.random.choice(["/", "/transaction/x", "/a/b", PATH, SECOND_PATH])
+            interface = self.random.choice([NAME, SECOND_NAME, "a.b", "org.freedesktop.DBus.Properties"])
         if signature == "":
             return path, interface, method, None
         return path, interface, method, GLib.Variant("(" + signature + ")", self.tuple(signature, LONG))
@@ -226,6 +231,8 @@ class Generator:
             return self.name()
         if kind < 0.6:
             return self.random.choice(self.values)
+        if kind < 0.62:
+            return self.random.choice([SECOND_NAME, *PROPERTIES])
         if kind < 0.65 and room > 4:
             piece = self.random.choice(PIECES + self.names) or "a"
             return piece * (self.random.choice([room // 4, self.random.randrange(room // 4)]) // len(piece) + 1)

@@ -14,7 +14,11 @@
 #include "database/commit.h"
 #include "database/dependencies.h"
 #include "database/index_query.h"
+#include "database/instance_state.h"
+#include "database/present_instances.h"
+#include "database/preview.h"
 #include "database/range_query.h"
+#include "database/reason_rows.h"
 #include "database/transaction.h"
 #include "fuzz/built_text.h"
 #include "fuzz/commit_watch.h"
@@ -143,6 +147,8 @@ class Script {
     const RangeWatch range(database_, transaction.staged(), pickName());
     const CommitWatch watch(database_, transaction.staged(), instances_);
     std::vector<Change> changes;
+    Preview foretold;
+    const int expected = preview(transaction, foretold);
     const int result = commit(transaction, changes);
     trace("commit -> ", std::to_string(result), "\n", isTracing() ? committedState() : "");
     demand(
@@ -151,9 +157,43 @@ class Script {
     demand(transaction.staged().empty(), "a commit left something staged");
     watch.expectOnlyPlannedChanged(instances_);
     expectAnnounced(changes, watch);
+    demand(result == expected, "the preview foretold another result");
+    expectForetold(changes, foretold);
     if (result != COMMIT_DONE) return;
     watch.expectSettled();
     range.expectForetold();
+  }
+
+  static void expectForetold(const std::vector<Change>& changes, const Preview& foretold) {
+    demand(changes.size() == foretold.changes.size(), "the preview foretold other changes");
+    for (size_t i = 0; i < changes.size(); ++i) {
+      const PreviewedChange& previewed = foretold.changes[i];
+      const bool isSame = previewed.name == changes[i].name &&
+                          previewed.before == changes[i].before &&
+                          previewed.after == changes[i].held->value.text();
+      demand(isSame, changes[i].name, " was foretold otherwise");
+    }
+  }
+
+  // What the state of an instance says, its reasons and the list of instances say, too.
+  void compareState(Transaction& transaction, const std::string& name) {
+    InstanceStates states(transaction);
+    const InstanceState state = states.of(name);
+    const auto rows = reasonRows(transaction, states.outlook(), name);
+    demand(rows.has_value(), name, " has no reasons");
+    for (const ReasonRow& row : *rows) {
+      if (row.question == "exists") demand((row.answer == "yes") == state.exists, "exists");
+      if (row.question == "writable") demand((row.answer == "yes") == state.isWritable, "writable");
+      if (row.question == "value") demand(row.answer == *state.value, "value");
+    }
+    size_t count = 0;
+    PresentInstances present(states.outlook().values());
+    present.visit(*database_.findNamed(name), [&](const std::string& each) {
+      count += each == name ? 1 : 0;
+      return true;
+    });
+    const bool isListed = count == 1;
+    demand(count <= 1 && (state.exists || !isListed), name, " is listed and does not exist");
   }
 
   static bool isHeld(const Instance& instance) {
@@ -203,7 +243,7 @@ class Script {
            "an ended transaction left traces");
   }
 
-  void runQueries(const Transaction& transaction) {
+  void runQueries(Transaction& transaction) {
     const std::string name = pickName();
     trace("query ", name);
     const std::string before = state();
@@ -221,6 +261,7 @@ class Script {
       Spans spans;
       static_cast<void>(indexRange(database_, staged, index->name(), texts, spans));
     }
+    compareState(transaction, name);
     demand(state() == before, "a query of ", name, " changed something");
   }
 

@@ -19,6 +19,8 @@ class Service {
   /// `bus` outlives it.
   explicit Service(Bus& bus) : bus_(bus) {}
 
+  [[nodiscard]] Bus& bus() { return bus_; }
+
   // What there is. `transaction` may be COMMITTED.
   [[nodiscard]] std::vector<ListedParameter> list(const std::string& pattern);
   [[nodiscard]] Names instances(uint32_t transaction, const Names& names);

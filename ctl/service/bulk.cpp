@@ -1,0 +1,99 @@
+#include "ctl/service/bulk.h"
+
+#include <algorithm>
+
+#include "ctl/service/exit_status.h"
+
+namespace {
+
+constexpr BusMethod RESET_BULK = {TRANSACTION_INTERFACE, "reset_bulk", "()"};
+constexpr BusMethod RESET_STATUS_BULK = {TRANSACTION_INTERFACE, "reset_status_bulk", "()"};
+constexpr BusMethod SET_BULK = {TRANSACTION_INTERFACE, "set_bulk", "()"};
+constexpr BusMethod SET_STATUS_BULK = {TRANSACTION_INTERFACE, "set_status_bulk", "()"};
+constexpr BusMethod COMMIT = {TRANSACTION_INTERFACE, "commit", "()"};
+
+// A bus may limit the calls of a connection that wait for their replies.
+constexpr size_t MOST_CALLS = 100;
+
+GVariant* listOf(const auto& all, const auto& textOf) {
+  GVariantBuilder list;
+  g_variant_builder_init(&list, G_VARIANT_TYPE_STRING_ARRAY);
+  for (const auto& each : all) g_variant_builder_add(&list, "s", textOf(each).c_str());
+  return g_variant_builder_end(&list);
+}
+
+GVariant* namesOf(uint32_t transaction, const Names& names) {
+  return g_variant_new("(u@as)", transaction,
+                       listOf(names, [](const std::string& name) { return name; }));
+}
+
+BusCall valuesCall(uint32_t transaction, const std::vector<Assignment>& assignments,
+                   bool isStatus) {
+  GVariant* const names = listOf(assignments, [](const Assignment& each) { return each.name; });
+  GVariant* const values = listOf(assignments, [](const Assignment& each) { return each.value; });
+  return {isStatus ? SET_STATUS_BULK : SET_BULK,
+          g_variant_new("(u@as@as)", transaction, names, values)};
+}
+
+// The service serves the calls of a client in their order, so nothing is waited for in between.
+std::vector<std::optional<std::string>> inOrder(Service& service,
+                                                const std::vector<BusCall>& calls) {
+  std::vector<std::optional<std::string>> errors;
+  for (const BusReply& reply : service.bus().callAll(calls)) {
+    if (reply.outcome == BUS_NO_SERVICE) endWith(STATUS_NO_SERVICE, reply.error);
+    errors.push_back(reply.outcome == BUS_ANSWERED ? std::nullopt : std::optional(reply.error));
+  }
+  return errors;
+}
+
+BulkAnswer stageAndCommit(Service& service, uint32_t transaction, const BusCall& staging) {
+  const auto errors = inOrder(service, {staging, {COMMIT, g_variant_new("(u)", transaction)}});
+  return {errors[0], errors[1]};
+}
+
+}  // namespace
+
+BulkAnswer commitDefaults(Service& service, uint32_t transaction, const Names& names,
+                          bool isStatus) {
+  return stageAndCommit(service, transaction,
+                        {isStatus ? RESET_STATUS_BULK : RESET_BULK, namesOf(transaction, names)});
+}
+
+BulkAnswer commitValues(Service& service, uint32_t transaction,
+                        const std::vector<Assignment>& assignments, bool isStatus) {
+  return stageAndCommit(service, transaction, valuesCall(transaction, assignments, isStatus));
+}
+
+std::vector<Refusal> stageValues(Service& service, uint32_t transaction,
+                                 const std::vector<Assignment>& assignments, bool isStatus) {
+  const auto error = inOrder(service, {valuesCall(transaction, assignments, isStatus)}).front();
+  if (!error) return {};
+  // The error does not name them; what is not staged has been refused.
+  Names names;
+  for (const Assignment& assignment : assignments) names.push_back(assignment.name);
+  std::vector<Refusal> refused;
+  for (const InstanceState& state : service.states(transaction, names)) {
+    if (!state.is(STATE_STAGED)) refused.push_back({state.name, *error});
+  }
+  return refused;
+}
+
+std::vector<Refusal> commitDefaultsAlone(Service& service, uint32_t transaction,
+                                         const Names& names) {
+  std::vector<Refusal> refused;
+  for (size_t begin = 0; begin < names.size(); begin += MOST_CALLS / 2) {
+    const size_t end = std::min(names.size(), begin + MOST_CALLS / 2);
+    std::vector<BusCall> calls;
+    for (size_t i = begin; i < end; ++i) {
+      calls.push_back({RESET_STATUS_BULK, namesOf(transaction, {names[i]})});
+      calls.push_back({COMMIT, g_variant_new("(u)", transaction)});
+    }
+    const auto errors = inOrder(service, calls);
+    for (size_t i = begin; i < end; ++i) {
+      const size_t at = (i - begin) * 2;
+      const auto& error = errors[at] ? errors[at] : errors[at + 1];
+      if (error) refused.push_back({names[i], *error});
+    }
+  }
+  return refused;
+}

@@ -24,13 +24,18 @@ struct Word {
 const std::vector<Word>& words();
 
 RunWord defineDeps(CLI::App& word);
+RunWord defineDiff(CLI::App& word);
 RunWord defineGet(CLI::App& word);
 RunWord defineLog(CLI::App& word);
 RunWord defineLs(CLI::App& word);
 RunWord defineRange(CLI::App& word);
 RunWord defineReset(CLI::App& word);
+RunWord defineRestore(CLI::App& word);
+RunWord defineSave(CLI::App& word);
 RunWord defineSet(CLI::App& word);
 RunWord defineTransactions(CLI::App& word);
 RunWord defineTry(CLI::App& word);
 RunWord defineUndo(CLI::App& word);
+RunWord defineUp(CLI::App& word);
+RunWord defineWatch(CLI::App& word);
 RunWord defineWhy(CLI::App& word);

@@ -49,6 +49,26 @@ const std::vector<Word>& words() {
        "  ostrelctl undo 12\n"
        "  ostrelctl undo --dry-run 12\n",
        false, defineUndo},
+      {"watch", "Print changes as they are committed",
+       "  ostrelctl watch\n"
+       "  ostrelctl watch --time --limits 'position*'\n",
+       false, defineWatch},
+      {"up", "Bring the device up: defaults, and what a file holds",
+       "  ostrelctl up\n"
+       "  ostrelctl up --from /var/lib/device/values\n",
+       false, defineUp},
+      {"save", "Write values to a file",
+       "  ostrelctl save values\n"
+       "  ostrelctl save | grep '^audio_'\n",
+       true, defineSave},
+      {"restore", "Set the values of a file, in the order in which they follow each other",
+       "  ostrelctl restore --dry-run values\n"
+       "  ostrelctl restore values\n",
+       false, defineRestore},
+      {"diff", "Compare a file of values with the stored ones, or with another",
+       "  ostrelctl diff values\n"
+       "  ostrelctl diff values values.old\n",
+       false, defineDiff},
   };
   return all;
 }

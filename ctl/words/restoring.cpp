@@ -1,0 +1,203 @@
+#include "ctl/words/restoring.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <set>
+
+#include "ctl/service/bulk.h"
+#include "ctl/service/exit_status.h"
+#include "ctl/text/assignment.h"
+#include "ctl/text/quoted.h"
+#include "ctl/text/sentences.h"
+#include "ctl/words/asked.h"
+
+namespace {
+
+// After that many rounds, values are taken to be ones that never agree.
+constexpr size_t MOST_ROUNDS = 10;
+
+Names namesOf(const std::vector<Assignment>& assignments) {
+  Names names;
+  for (const Assignment& assignment : assignments) names.push_back(assignment.name);
+  return names;
+}
+
+// Those of the values that exist and are not stored already.
+std::vector<Assignment> missing(Service& service, const std::vector<Assignment>& wanted) {
+  if (wanted.empty()) return {};
+  const std::vector<InstanceState> states = service.states(COMMITTED, namesOf(wanted));
+  std::vector<Assignment> all;
+  for (size_t i = 0; i < wanted.size(); ++i) {
+    if (states[i].is(STATE_EXISTS) && states[i].value != wanted[i].value) all.push_back(wanted[i]);
+  }
+  return all;
+}
+
+void remove(std::vector<Assignment>& assignments, const std::vector<Refusal>& refused) {
+  std::set<std::string_view> names;
+  for (const Refusal& refusal : refused) names.insert(refusal.name);
+  std::erase_if(assignments, [&](const Assignment& each) { return names.contains(each.name); });
+}
+
+// One round through the levels; returns what was refused.
+std::vector<Refusal> restoreOnce(Service& service, uint32_t transaction,
+                                 const std::map<uint32_t, std::vector<Assignment>>& wanted,
+                                 bool isStatus) {
+  std::vector<Refusal> refused;
+  for (const auto& [level, assignments] : wanted) {
+    const std::vector<Assignment> left = missing(service, assignments);
+    if (left.empty()) continue;
+    for (Refusal& refusal : commitLevel(service, transaction, left, isStatus)) {
+      refused.push_back(std::move(refusal));
+    }
+  }
+  return refused;
+}
+
+Names valuesOf(Service& service, const std::vector<Assignment>& wanted) {
+  Names values;
+  for (InstanceState& state : service.states(COMMITTED, namesOf(wanted))) {
+    values.push_back(std::move(state.value));
+  }
+  return values;
+}
+
+// Those that the definition has turned into what is stored are not cut.
+void forgiveTranslated(Client& client, Restored& restored) {
+  std::vector<Assignment> wanted;
+  for (const CutValue& each : restored.cut) wanted.push_back(each.wanted);
+  if (wanted.empty()) return;
+  const std::vector<std::string> translated = translatedValues(client, wanted);
+  std::vector<CutValue> cut;
+  for (size_t i = 0; i < wanted.size(); ++i) {
+    if (isSameValue(translated[i], restored.cut[i].stored.value)) {
+      ++restored.count;
+    } else {
+      cut.push_back(std::move(restored.cut[i]));
+    }
+  }
+  restored.cut = std::move(cut);
+}
+
+std::string refusalText(const Refusal& refusal) {
+  return "refused: " + quotedWord(refusal.name) + ": " + refusal.why;
+}
+
+Json jsonOf(const Restored& restored, const std::string& verb) {
+  Json json = {{verb, restored.count},
+               {"cut", Json::array()},
+               {"refused", Json::array()},
+               {"absent", restored.absent},
+               {"unknown", restored.unknown}};
+  for (const CutValue& cut : restored.cut) {
+    json["cut"].push_back({{"name", cut.wanted.name},
+                           {"asked", cut.wanted.value},
+                           {"value", cut.stored.value},
+                           {"range", rangeJson(cut.stored)}});
+  }
+  for (const Refusal& refusal : restored.refused) {
+    json["refused"].push_back({{"name", refusal.name}, {"why", refusal.why}});
+  }
+  return json;
+}
+
+void tellCut(Client& client, const Restored& restored) {
+  Names names;
+  for (const CutValue& cut : restored.cut) names.push_back(cut.wanted.name);
+  if (names.empty()) return;
+  const auto reasons = client.service.explain(COMMITTED, names);
+  for (size_t i = 0; i < names.size(); ++i) {
+    const CutValue& cut = restored.cut[i];
+    const std::string why = cutText(cut.wanted.value, cut.wanted.value, cut.stored, reasons[i]);
+    client.out.line(client.out.style().name(quotedWord(names[i])) + " = " +
+                    quotedWord(cut.stored.value) + " " + client.out.style().note("(" + why + ")"));
+  }
+}
+
+}  // namespace
+
+std::vector<Refusal> commitLevel(Service& service, uint32_t transaction,
+                                 const std::vector<Assignment>& assignments, bool isStatus) {
+  if (commitValues(service, transaction, assignments, isStatus).isDone()) return {};
+  // One that is refused keeps others of its level from being stored: they are committed without it.
+  std::vector<Assignment> left = assignments;
+  std::vector<Refusal> refused;
+  {
+    const OwnTransaction trial(service);
+    refused = stageValues(service, trial.id(), left, isStatus);
+    remove(left, refused);
+    const std::vector<Refusal> later = service.preview(trial.id()).refused;
+    remove(left, later);
+    refused.insert(refused.end(), later.begin(), later.end());
+  }
+  if (!left.empty()) static_cast<void>(commitValues(service, transaction, left, isStatus));
+  // What was only behind another refusal is accepted by itself.
+  std::erase_if(refused, [&](const Refusal& refusal) {
+    const auto each = std::ranges::find(assignments, refusal.name, &Assignment::name);
+    return each == assignments.end() ||
+           commitValues(service, transaction, {*each}, isStatus).isDone();
+  });
+  return refused;
+}
+
+Restored restoreByLevels(Service& service, const Levels& levels,
+                         const std::vector<Assignment>& wanted, bool isStatus) {
+  std::vector<Assignment> known;
+  std::ranges::copy_if(wanted, std::back_inserter(known),
+                       [&](const Assignment& each) { return levels.has(each.name); });
+  const auto byLevel = levels.sorted(known);
+  std::vector<Refusal> refused;
+  Names before;
+  for (size_t round = 0; round < MOST_ROUNDS; ++round) {
+    const OwnTransaction transaction(service);
+    refused = restoreOnce(service, transaction.id(), byLevel, isStatus);
+    Names after = valuesOf(service, known);
+    if (after == before) break;
+    before = std::move(after);
+  }
+  return restoredOf(service, levels, wanted, refused);
+}
+
+Restored restoredOf(Service& service, const Levels& levels, const std::vector<Assignment>& wanted,
+                    const std::vector<Refusal>& refused) {
+  Restored restored;
+  restored.refused = refused;
+  std::set<std::string_view> refusedNames;
+  for (const Refusal& refusal : refused) refusedNames.insert(refusal.name);
+  const std::vector<InstanceState> states = service.states(COMMITTED, namesOf(wanted));
+  for (size_t i = 0; i < wanted.size(); ++i) {
+    const std::string& name = wanted[i].name;
+    if (!levels.has(name) || !states[i].is(STATE_KNOWN)) {
+      restored.unknown.push_back(name);
+    } else if (!states[i].is(STATE_EXISTS)) {
+      restored.absent.push_back(name);
+      std::erase_if(restored.refused, [&](const Refusal& each) { return each.name == name; });
+    } else if (isSameValue(states[i].value, wanted[i].value)) {
+      ++restored.count;
+    } else if (!refusedNames.contains(name)) {
+      restored.cut.push_back({wanted[i], states[i]});
+    }
+  }
+  return restored;
+}
+
+int tellRestored(Client& client, const Restored& restored, const std::string& verb, bool isStrict) {
+  Restored told = restored;
+  forgiveTranslated(client, told);
+  if (client.out.isJson()) {
+    client.out.json(jsonOf(told, verb));
+  } else {
+    tellCut(client, told);
+    client.out.line(verb + " " + std::to_string(told.count) + " of " +
+                    std::to_string(told.count + told.cut.size() + told.refused.size() +
+                                   told.absent.size() + told.unknown.size()));
+  }
+  for (const Refusal& refusal : told.refused) complain(refusalText(refusal));
+  for (const std::string& name : told.absent) {
+    complain("absent: " + quotedWord(name) + " does not exist now");
+  }
+  complainOfUnknown(client, told.unknown);
+  if (!told.unknown.empty()) return STATUS_UNKNOWN;
+  if (!told.refused.empty() || !told.absent.empty()) return STATUS_REFUSED;
+  return isStrict && !told.cut.empty() ? STATUS_CUT : STATUS_DONE;
+}

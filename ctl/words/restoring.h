@@ -1,0 +1,38 @@
+// Restoring: many values at once, in an order in which each is judged after those that it follows.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "ctl/words/client.h"
+#include "ctl/words/levels.h"
+
+/// A value that was not stored as it was wanted.
+struct CutValue {
+  Assignment wanted;
+  InstanceState stored;
+};
+
+/// What became of values.
+struct Restored {
+  size_t count = 0;  ///< that are as wanted, those that were so before included
+  std::vector<CutValue> cut;
+  std::vector<Refusal> refused;
+  Names absent;   ///< instances that do not exist now
+  Names unknown;  ///< names of no parameter
+};
+
+/// Commits the values of one level; returns those that are refused. The others are stored.
+std::vector<Refusal> commitLevel(Service& service, uint32_t transaction,
+                                 const std::vector<Assignment>& assignments, bool isStatus);
+
+/// Commits the values level by level, until that changes no more. `isStatus` as of the device.
+Restored restoreByLevels(Service& service, const Levels& levels,
+                         const std::vector<Assignment>& wanted, bool isStatus);
+
+/// Compares with what is stored; `refused` is what a commit has refused on the way.
+Restored restoredOf(Service& service, const Levels& levels, const std::vector<Assignment>& wanted,
+                    const std::vector<Refusal>& refused);
+
+/// Prints what was cut and complains of the rest; `verb` as in "kept". Returns the exit status.
+int tellRestored(Client& client, const Restored& restored, const std::string& verb, bool isStrict);

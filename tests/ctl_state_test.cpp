@@ -1,0 +1,166 @@
+// ostrelctl: whole devices and files of values.
+#include "tests/harness/ctl_test.h"
+
+namespace {
+
+constexpr const char* PICTURE =
+    "mode rw { rangeValid { \"wide\", \"slim\" } default { \"wide\" } }\n"
+    "channel index { rangeValid { 1..2 } }\n"
+    "position rw { index { channel } rangeValid ( mode == \"wide\" ) { 0..100 }\n"
+    "  rangeValid ( mode == \"slim\" ) { 0..50 } default { 40 } }\n"
+    "note rw { }\n"
+    "temperature ro { default { 30 } }\n";
+
+TEST_F(CtlServiceTest, BringsUpByLevels) {
+  const struct {
+    const char* what;
+    std::string text;
+    std::string up;
+    std::vector<std::string> values;
+    std::string err = {};
+    int status = 0;
+  } cases[] = {
+      {"a range that follows later",
+       "gain rw { rangeValid { 0..(limit) } default { 70 } }\n"
+       "limit ro { rangeValid ( mode == \"video\" ) { 100 } rangeValid ( mode != \"video\" ) { 10 "
+       "} }\nmode rw { rangeValid { \"film\", \"video\" } default { \"video\" } }\n",
+       "up: 3 values in 3 levels\n",
+       {"gain=70", "limit=100", "mode=video"}},
+      {"an index that a default narrows",
+       "n rw { rangeValid { 1..3 } default { 2 } }\n"
+       "i index { rangeValid { 1..3 } rangeValid ( n == 0 ) { 1..3 } rangeValid ( n ) { 1..(n) } "
+       "}\ngain rw { index { i } default { 5 } }\n",
+       "up: 3 values in 2 levels\n",
+       {"gain[1]=5", "gain[2]=5", "n=2"}},
+      {"a ring, against the order of names",
+       "a rw { default { (b + 1) } }\nb rw { rangeValid { 3..5 } rangeValid ( a < 0 ) { 4 } "
+       "default { 3 } }\n",
+       "up: 2 values in 1 level\n",
+       {"a=4", "b=3"}},
+      {"limits of each other",
+       "high rw { rangeValid { (low + 1)..9 } default { 4 } }\n"
+       "low rw { rangeValid { 0..(high - 1) } default { 3 } }\n",
+       "up: 2 values in 1 level\n",
+       {"high=4", "low=3"}},
+      {"a computed value of 0",
+       "mode rw { default { 5 } }\nsecond ro { rangeValid { (mode == 4) } }\n",
+       "up: 2 values in 2 levels\n",
+       {"mode=5", "second=0"}},
+      {"no default",
+       "mode rw { rangeValid { 0..1 } }\nother rw { default { 1 } }\n",
+       "up: 2 values in 1 level, 1 of them empty, without a default\n",
+       {"mode=", "other=1"}},
+      {"a ring that never rests",
+       "a rw { default { (a + 1) } }\nb rw { default { (a > 0) } }\n",
+       "up: 2 values in 2 levels\n",
+       {"b=1"},
+       "a depend on each other and never come to rest\n",
+       1},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    serve(c.text);
+    expectLines({{.line = "ctl up", .out = c.up, .err = c.err, .status = c.status}});
+    for (const std::string& value : c.values) {
+      const std::string name = value.substr(0, value.find('='));
+      expectLines(
+          {{.line = "ctl get '" + name + "'", .out = value.substr(name.size() + 1) + "\n"}});
+    }
+    static_cast<void>(client().newSignals());
+    expectOrderlyEnd();
+  }
+}
+
+TEST_F(CtlServiceTest, KeepsWhatAFileHolds) {
+  serve(PICTURE);
+  expectLines({
+      {.line = "printf 'position[1]=80\\nposition[2]=20\\nmode=slim\\n' >file; ctl up --from file",
+       .out = "up: 5 values in 2 levels, 1 of them empty, without a default\n"
+              "position[1] = 50 (cut from 80: 0..50, line 4)\n"
+              "kept 2 of 3\n"},
+      {.line = "ctl get '*'",
+       .out = "mode=slim\nnote=\nposition[1]=50\nposition[2]=20\ntemperature=30\n"},
+      {.line = "ctl up --strict --from file >/dev/null", .status = 4},
+      {.line =
+           "printf 'temperature=61\\npositon[1]=5\\nposition[3]=1\\n' >file; ctl up --from file",
+       .out = "up: 5 values in 2 levels, 1 of them empty, without a default\nkept 1 of 3\n",
+       .err = "absent: position[3] does not exist now\n"
+              "no parameter \"positon[1]\": did you mean position[1]?\n",
+       .status = 5},
+      {.line = "ctl get temperature", .out = "61\n"},
+      {.line = "ctl up --from nowhere",
+       .err = "cannot read nowhere: No such file or directory\n",
+       .status = 2},
+      {.line = "echo mode >file; ctl up --from file",
+       .err = "file, line 1: this is not NAME=VALUE\n",
+       .status = 2},
+      {.line = "printf 'mode=wide\\n\\nmode=slim\\n' | ctl up --from -",
+       .err = "-, line 3: mode is given two values\n",
+       .status = 2},
+  });
+}
+
+TEST_F(CtlServiceTest, SavesRestoresAndCompares) {
+  serve(PICTURE);
+  expectLines({
+      {.line = "ctl -q up"},
+      {.line = "ctl -q set \"note= a\nb\""},
+      {.line = "ctl save", .out = "mode=wide\nnote=\" a\\nb\"\nposition[1]=40\nposition[2]=40\n"},
+      {.line = "ctl save --status | tail -n 1", .out = "temperature=30\n"},
+      {.line = "ln -s real file; echo old >real; chmod 600 real; ctl save file; stat -c %a real; "
+               "test -L file; ls; head -n 1 real",
+       .out = "600\nfile\nreal\nmode=wide\n"},
+      {.line = "ctl save nowhere/file",
+       .err = "cannot write nowhere/file: No such file or directory\n",
+       .status = 1},
+      {.line = "ctl diff file"},
+      {.line = "ctl -q set mode=slim 'position[1]=7' note=x"},
+      {.line = "ctl diff file",
+       .out = "mode: wide -> slim\nnote: \" a\\nb\" -> x\nposition[1]: 40 -> 7\n",
+       .status = 1},
+      {.line = "ctl save now; echo 'gian=1' >>now; ctl diff now file",
+       .out = "gian: 1 -> (absent)\nmode: slim -> wide\nnote: x -> \" a\\nb\"\n"
+              "position[1]: 7 -> 40\n",
+       .status = 1},
+      {.line = "sed -i 's/\\[1\\]=40/[1]=90/' real; ctl restore --dry-run file",
+       .out = "mode: slim -> wide\nnote: x -> \" a\\nb\"\nposition[1]: 7 -> 90\n"},
+      {.line = "ctl get mode", .out = "slim\n"},
+      {.line = "ctl restore file", .out = "restored 4 of 4\n"},
+      {.line = "ctl get 'position[1]'", .out = "90\n"},
+      {.line = "ctl restore now",
+       .out = "restored 4 of 5\n",
+       .err = "no parameter \"gian\"\n",
+       .status = 5},
+      {.line = "echo 'position[2]=999' | ctl restore -",
+       .out = "position[2] = 50 (cut from 999: 0..50, line 4)\nrestored 0 of 1\n"},
+      {.line = "echo temperature=99 | ctl restore --status -", .out = "restored 1 of 1\n"},
+  });
+}
+
+TEST_F(CtlServiceTest, WatchesAlsoAnotherDaemon) {
+  serve(PICTURE);
+  expectLines({{.line = "ctl -q up"}});
+  const std::unique_ptr<Process> watch = start("exec \"$0\" watch 'position*'");
+  // It watches as soon as it is told of a change.
+  while (client().answer("single_get('note')") != "'seen'" && watch->running()) {
+    expectLines({{.line = "sleep 0.2; ctl -q set note=seen"}});
+  }
+  expectLines({{.line = "sleep 0.3; ctl -q set 'position[2]=5'"}});
+  EXPECT_EQ(watch->readLine(), "position[2]: 40 -> 5");
+  static_cast<void>(client().newSignals());
+  expectOrderlyEnd();
+  serve(PICTURE);
+  expectLines({{.line = "sleep 0.3; ctl -q up"}});
+  // They follow the mode before they get their own defaults.
+  EXPECT_EQ(watch->readLine(), "position[1]: \"\" -> \"\"");
+  EXPECT_EQ(watch->readLine(), "position[2]: \"\" -> \"\"");
+  EXPECT_EQ(watch->readLine(), "position[1]: \"\" -> 40");
+  EXPECT_EQ(watch->errorsSoFar(),
+            "ostrelctl: the service has gone; waiting for it\n"
+            "ostrelctl: the service is back; all values may be others\n");
+  expectOrderlyEnd();
+  bus().stop();
+  EXPECT_EQ(watch->waitForEnd().status, 3);
+}
+
+}  // namespace

@@ -337,7 +337,7 @@ TEST_F(CtlTest, UnlocksControls) {
               "see ostrelctl why temperature\n",
        .status = 1},
       {.line = "ctl set --status genlock_locked=1",
-       .out = "genlock_locked = 1\nalarm_summary = 0 (was 1)\n"},
+       .out = "genlock_locked = 1\nalarm_summary = 0 (was 1, because of alarm_reference)\n"},
       {.line = "ctl get alarm_reference MODEL", .out = "alarm_reference=0\nMODEL=pro\n"},
       {.line = "ctl reset 'alarm_*' | wc -l", .out = "1\n"},  // what can be written
       {.line = "ctl reset alarm_fan 2>&1 | wc -l", .out = "2\n"},

@@ -109,10 +109,10 @@ class DefinitionWriter {
   void statements(const std::vector<DefinitionStatement>& statements) {
     add("statements", "a(us)", [&] {
       out_.array("(us)", [&] {
-        for (const auto& [line, statement] : statements) {
-          out_.structure([&, line = line] {
-            out_.number(line);
-            out_.text(statement);
+        for (const DefinitionStatement& statement : statements) {
+          out_.structure([&] {
+            out_.number(statement.line);
+            out_.text(statement.text);
           });
         }
       });
@@ -121,10 +121,10 @@ class DefinitionWriter {
   void translations(const std::map<std::string, std::string>& translations) {
     add("translations", "a(ss)", [&] {
       out_.array("(ss)", [&] {
-        for (const auto& [source, target] : translations) {
+        for (const auto& translation : translations) {
           out_.structure([&] {
-            out_.text(source);
-            out_.text(target);
+            out_.text(translation.first);
+            out_.text(translation.second);
           });
         }
       });

@@ -123,7 +123,7 @@ TEST_F(ParameterQueries, Explain) {
             "(\"limits\", \"any\", 0, \"\", {}), (\"default\", \"\", 0, \"\", {}), "
             "(\"value\", \"\", 0, \"\", {})]");
   EXPECT_EQ(device_.call(answerExplain, NO_TRANSACTION, "gain"),
-            "UnknownParameter: No parameter has the name \"gain\" with so many index values");
+            "UnknownParameter: No instance of its parameter has so many index values: \"gain\"");
 }
 
 TEST_F(ParameterQueries, Preview) {

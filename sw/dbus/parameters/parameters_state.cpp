@@ -67,7 +67,7 @@ class Signal {
       if (next != nullptr) sendTo(*next, MessagePointer(dbus_message_copy(message_.get())));
       next = &client;
     }
-    sendTo(*next, std::move(message_));  // most have one watcher, who needs no copy
+    sendTo(*next, message_);  // most have one watcher, who needs no copy
   }
 
  private:

@@ -314,7 +314,7 @@ TEST_F(OstrelPlay, WritesWhatItHasFoundWhenItIsInterrupted) {
   for (const char* const signal : {"INT", "TERM"}) {
     const Outcome outcome =
         runCommand("cd '" + folder_.path() + "' && timeout --preserve-status --signal=" + signal +
-                   " 1 '" + OSTREL_PLAY + "' --explore --seconds=100 -o found wrong.ostrel 2>&1");
+                   " 4 '" + OSTREL_PLAY + "' --explore --seconds=100 -o found wrong.ostrel 2>&1");
     EXPECT_EQ(outcome.status, 1) << outcome.out;
     EXPECT_EQ(countOf(outcome.out, "the commit of r once more changes r="), 1U) << outcome.out;
     EXPECT_EQ(countOf(outcome.out, ", interrupted\n"), 1U) << outcome.out;

@@ -192,6 +192,7 @@ std::vector<std::vector<Reason>> Service::explain(uint32_t transaction, const Na
     return g_variant_new("(us)", transaction, name.c_str());
   }));
   std::vector<std::vector<Reason>> all;
+  all.reserve(replies.size());
   for (const BusReply& reply : replies) {
     all.push_back(reply.outcome == BUS_ANSWERED ? eachOf(*reply.value, 0, reasonOf)
                                                 : std::vector<Reason>());
@@ -204,6 +205,7 @@ std::vector<Definition> Service::definitions(const Names& names) {
     return g_variant_new("(s)", name.c_str());
   }));
   std::vector<Definition> all;
+  all.reserve(replies.size());
   for (const BusReply& reply : replies) {
     all.push_back(reply.outcome == BUS_ANSWERED ? definitionOf(*memberOf(*reply.value, 0))
                                                 : Definition());
@@ -288,10 +290,11 @@ std::vector<std::optional<InstanceState>> Service::indexRanges(uint32_t transact
       continue;
     }
     GVariant& reply = *replies[i].value;
-    ranges.push_back(InstanceState{.name = indices[i],
-                                   .flags = STATE_KNOWN | STATE_LIMITED,
-                                   .spans = eachOf(reply, 1, spanOf),
-                                   .texts = textsOf(reply, 0)});
+    InstanceState& range = *ranges.emplace_back(InstanceState());
+    range.name = indices[i];
+    range.flags = STATE_KNOWN | STATE_LIMITED;
+    range.spans = eachOf(reply, 1, spanOf);
+    range.texts = textsOf(reply, 0);
   }
   return ranges;
 }

@@ -14,7 +14,7 @@ void add(std::vector<std::string>& lines, const std::string& sentence,
   for (const Reason& reason : reasons) {
     const std::string statement = statementText(reason);
     if (statement.empty()) continue;
-    lines.push_back(line + before + statement);
+    lines.push_back(std::string(line).append(before).append(statement));
     line = "  and ";
     before = "";
   }

@@ -167,6 +167,7 @@ std::vector<std::string> valuesToTry(const InstanceState& state,
   const int64_t own = state.value.empty() ? 0 : wholeNumber(state.value).value_or(0);
   std::ranges::stable_sort(nearest, {}, [&](int64_t number) { return std::abs(number - own); });
   std::vector<std::string> values;
+  values.reserve(nearest.size());
   for (const int64_t number : nearest) values.push_back(std::to_string(number));
   const size_t texts = std::min(state.texts.size(), MOST_TEXTS);
   values.insert(values.end(), state.texts.begin(),

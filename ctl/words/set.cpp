@@ -22,6 +22,7 @@ int set(Client& client, const SetArguments& arguments) {
   const OwnTransaction transaction(client.service);
   stage(client, transaction.id(), assignments, arguments.isStatus);
   std::vector<Wanted> wanted;
+  wanted.reserve(assignments.size());
   for (const Assignment& assignment : assignments) {
     wanted.push_back({assignment.name, assignment.value});
   }

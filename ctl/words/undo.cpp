@@ -100,6 +100,7 @@ int undo(Client& client, const UndoArguments& arguments) {
   show(client.out, client.service.preview(transaction.id()), arguments.isDry);
   if (arguments.isDry || assignments.empty()) return STATUS_DONE;
   std::vector<Wanted> wanted;
+  wanted.reserve(assignments.size());
   for (const Assignment& assignment : assignments) {
     wanted.push_back({assignment.name, assignment.value});
   }

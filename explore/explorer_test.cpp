@@ -152,7 +152,7 @@ std::string crowdText() {
 Lie lieAfter(int most) {
   return [most, committed = 0](const Call& call, Answer& answer) mutable {
     if (call.method == "commit" && !answer.changes.empty()) ++committed;
-    if (call.method == "try" && committed > most) answer.changes.push_back("r=77");
+    if (call.method == "try" && committed > most) answer.changes.emplace_back("r=77");
   };
 }
 

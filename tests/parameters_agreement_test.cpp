@@ -220,10 +220,11 @@ class Agreement {
       if (state.flags == 0 || followsItself(name.substr(0, name.find('[')))) continue;
       const std::string tried = watching_.answer("Begin()");
       stage(tried, calls);
-      const bool isStaged = std::ranges::any_of(values_, [&](const std::string& value) {
-        return client_.answer("set(" + tried + ", " + quoted(name) + ", " + quoted(value) + ")") ==
-               "()";
-      });
+      const bool isStaged =
+          std::ranges::any_of(values_, [&, name = name](const std::string& value) {
+            return client_.answer("set(" + tried + ", " + quoted(name) + ", " + quoted(value) +
+                                  ")") == "()";
+          });
       if (isStaged) compareSet(tried, name, state);
       EXPECT_EQ(client_.answer("end(" + tried + ")"), "()");
     }

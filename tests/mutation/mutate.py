@@ -137,7 +137,7 @@ def parse(job):
 
 
 def parser_arguments(files):
-    """The options of each source's compilation; a header has those of a source beside it."""
+    """The options of each source's compilation; a header has those of its own source, or of one beside it."""
     with open(os.path.join(BUILD, "compile_commands.json"), encoding="utf-8") as file:
         commands = json.load(file)
     result, of_folder = {}, {}
@@ -148,7 +148,8 @@ def parser_arguments(files):
         result[path] = words
         of_folder.setdefault(os.path.dirname(path), words)
     first = next(iter(result.values()))
-    return {path: result.get(path) or of_folder.get(os.path.dirname(path), first) for path in files}
+    own = {os.path.splitext(path)[0] + ".h": words for path, words in result.items()}
+    return {path: result.get(path) or own.get(path) or of_folder.get(os.path.dirname(path), first) for path in files}
 
 
 def find_places(files, jobs):

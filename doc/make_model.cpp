@@ -22,19 +22,6 @@ Sentence constantSentence(const std::string& value) {
   return {{isNumber ? PART_OF_NUMBER : PART_OF_TEXT, printable(value)}};
 }
 
-std::string_view accessWord(AccessCode access) {
-  switch (access) {
-    case ACCESS_RO:
-      return "ro";
-    case ACCESS_ROSTRICT:
-      return "rostrict";
-    case ACCESS_WO:
-      return "wo";
-    default:
-      return "rw";
-  }
-}
-
 std::vector<DocItem> constantItems(const BoundsParm& bounds) {
   std::vector<DocItem> items;
   for (const Span& span : bounds.integers().spans()) items.push_back({.span = span});
@@ -216,7 +203,7 @@ class ModelMaker {
 
   void addParameter(const ParameterRecord& record, const ParmEntry& entry) {
     DocParameter parameter;
-    parameter.access = accessWord(record.access);
+    parameter.access = accessText(entry.parm.access());
     DefinitionReader(entry.parm, database_.linesOf(entry)).read(entry.parm, parameter);
     addDescription(record, parameter);
     parameter.level = entry.level;

@@ -33,17 +33,31 @@ std::vector<PlayConstants> variantsIn(const ConstantChoices& choices) {
   return variants;
 }
 
-// Whether a signal has asked to come to an end.
-std::atomic<bool> isStopped = false;
-static_assert(std::atomic<bool>::is_always_lock_free, "a signal sets it");
+// When a signal asked to come to an end, in steady nanoseconds; 0 until then.
+std::atomic<int64_t> stoppedAt = 0;
+static_assert(std::atomic<int64_t>::is_always_lock_free, "a signal sets it");
 
-// What was found is worth writing, so the first of these signals only ends the walks. A second one
+bool isStopped() { return stoppedAt != 0; }
+
+int64_t steadyNanoseconds() {
+  return std::chrono::nanoseconds(Clock::now().time_since_epoch()).count();
+}
+
+// timeout(1) tells the process and at once its group as well: within this time they are one signal.
+constexpr int64_t ONE_SIGNAL_NS = 500'000'000;
+
+void stop(int signal) {
+  const int64_t now = steadyNanoseconds();
+  int64_t first = 0;
+  if (stoppedAt.compare_exchange_strong(first, now) || now - first < ONE_SIGNAL_NS) return;
+  std::signal(signal, SIG_DFL);
+  std::raise(signal);
+}
+
+// What was found is worth writing, so the first of these signals only ends the walks. A later one
 // ends the process.
 void stopAtSignals() {
-  struct sigaction action = {};
-  action.sa_handler = [](int) { isStopped = true; };
-  action.sa_flags = static_cast<int>(SA_RESETHAND);
-  for (const int signal : {SIGINT, SIGTERM}) sigaction(signal, &action, nullptr);
+  for (const int signal : {SIGINT, SIGTERM}) std::signal(signal, stop);
 }
 
 // Nobody is to wait for finds that cannot be written. Returns whether all files can be, as far as
@@ -116,7 +130,7 @@ int explorePlay(const PlayArguments& arguments, const std::string& definitions) 
     static_cast<void>(
         leaveOutProved(definitions, arguments.choices, MOST_PROOF_SECONDS, *coverage.text()));
   }
-  task.budget.isInterrupted = [] { return isStopped.load(); };
+  task.budget.isInterrupted = [] { return isStopped(); };
   stopAtSignals();
   const ExploreResult result = explore(task);
   if (!result.failure.empty()) {
@@ -133,7 +147,7 @@ int explorePlay(const PlayArguments& arguments, const std::string& definitions) 
               counted(result.commits, "commit", "commits").c_str(),
               counted(task.variants.size(), "variant", "variants").c_str(),
               static_cast<unsigned long long>(arguments.exploration.seed),
-              isStopped ? ", interrupted" : "");
+              isStopped() ? ", interrupted" : "");
   const int covered = coverage.report(stdout);
   if (!isWritten || covered == STATUS_FAILED) return STATUS_FAILED;
   return result.finds.empty() ? covered : STATUS_FOUND;

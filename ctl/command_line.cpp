@@ -8,6 +8,7 @@
 
 #include "base/nearest_word.h"
 #include "ctl/service/exit_status.h"
+#include "ctl/text/quoted.h"
 #include "ctl/words/arguments.h"
 #include "startup/version.h"
 
@@ -128,6 +129,15 @@ std::string faultText(const CLI::App& app, const CLI::ParseError& fault) {
   return chosen.front()->get_name() + ": " + fault.what();
 }
 
+// What is not the default of the service that is meant.
+std::string programFor(const BusOptions& bus) {
+  std::string program = "ostrelctl";
+  if (!bus.busSuffix.empty()) program += " -b " + shellWord(bus.busSuffix);
+  if (!bus.pathSuffix.empty()) program += " -o " + shellWord(bus.pathSuffix);
+  if (!bus.address.empty()) program += " --address " + shellWord(bus.address);
+  return program;
+}
+
 void finish(Taken& taken, int argc, char** argv) {
   if (taken.isJson && taken.isNull) endWith(STATUS_USAGE, "--json and --null exclude each other");
   for (int i = 1; i < argc; ++i) {
@@ -142,6 +152,7 @@ void finish(Taken& taken, int argc, char** argv) {
   if (!isPathSuffix(bus.pathSuffix)) {
     endWith(STATUS_USAGE, "\"" + bus.pathSuffix + "\" cannot end an object path");
   }
+  taken.line.program = programFor(bus);
   taken.line.form = taken.isJson ? FORM_JSON : taken.isNull ? FORM_NULL : FORM_TEXT;
 }
 

@@ -7,6 +7,7 @@
 
 struct CommandLine {
   BusOptions bus;
+  std::string program;  ///< as of Client
   OutputForm form = FORM_TEXT;
   bool isQuiet = false;
   RunWord run;

@@ -18,7 +18,7 @@ int run(int argc, char** argv) {
   if (bus == nullptr) endWith(STATUS_NO_SERVICE, error);
   Service service(*bus);
   const Output out(line.form, line.isQuiet, Style(isColoured(STDOUT_FILENO)));
-  Client client = {service, out};
+  Client client = {service, out, line.program};
   const int status = line.run(client);
   if (std::ferror(stdout) == 0 && std::fflush(stdout) == 0) return status;
   endWith(STATUS_REFUSED, std::string("cannot write: ") + std::strerror(errno));

@@ -336,6 +336,8 @@ TEST_F(CtlTest, UnlocksControls) {
        .err = "cannot set temperature: it is read-only, line 527: ro\n"
               "see ostrelctl why temperature\n",
        .status = 1},
+      {.line = "ctl --address \"$BUS\" set temperature=80 2>&1 | tail -1",
+       .out = "ostrelctl: see ostrelctl --address " + bus().address() + " why temperature\n"},
       {.line = "ctl set --status genlock_locked=1",
        .out = "genlock_locked = 1\nalarm_summary = 0 (was 1, because of alarm_reference)\n"},
       {.line = "ctl get alarm_reference MODEL", .out = "alarm_reference=0\nMODEL=pro\n"},

@@ -178,7 +178,7 @@ int complainOfRefusals(Client& client, const std::vector<Refusal>& refused) {
   if (known.size() > MOST_COMPLAINTS) {
     complain("and " + std::to_string(known.size() - MOST_COMPLAINTS) + " more");
   }
-  if (!known.empty()) complain("see ostrelctl why " + shellWord(known.front()));
+  if (!known.empty()) complain("see " + client.program + " why " + shellWord(known.front()));
   complainOfUnknown(client, unknown);
   if (!unknown.empty()) return STATUS_UNKNOWN;
   return refused.empty() ? STATUS_DONE : STATUS_REFUSED;

@@ -48,12 +48,12 @@ void print(const Output& out, const AskedStates& asked) {
   }
 }
 
-int complainOfMissing(const std::vector<InstanceState>& states) {
+int complainOfMissing(const Client& client, const std::vector<InstanceState>& states) {
   int status = STATUS_DONE;
   for (const InstanceState& state : states) {
     if (!state.is(STATE_NO_LIMITS)) continue;
     const std::string name = quotedWord(state.name);
-    complain("what " + name + " takes cannot be computed now: see ostrelctl why " +
+    complain("what " + name + " takes cannot be computed now: see " + client.program + " why " +
              shellWord(state.name));
     status = STATUS_REFUSED;
   }
@@ -68,7 +68,7 @@ int rangeIn(Client& client, uint32_t transaction, const Texts& names) {
   }
   print(client.out, asked);
   complainOfUnknown(client, asked.unknown);
-  const int status = complainOfMissing(asked.states);
+  const int status = complainOfMissing(client, asked.states);
   return asked.unknown.empty() ? status : STATUS_UNKNOWN;
 }
 

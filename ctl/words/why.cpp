@@ -50,8 +50,8 @@ Json jsonOf(const Unlock& unlock) {
   return json;
 }
 
-std::string commandOf(const std::vector<Assignment>& changes) {
-  std::string command = "ostrelctl set";
+std::string setCommand(const Client& client, const std::vector<Assignment>& changes) {
+  std::string command = client.program + " set";
   for (const Assignment& change : changes) {
     command += " " + shellWord(change.name + "=" + change.value);
   }
@@ -78,14 +78,14 @@ bool isOneCommit(Client& client, const std::vector<Assignment>& changes, const A
 }
 
 std::string commandsOf(Client& client, const Unlock& unlock, const UnlockGoal& goal) {
-  if (!goal.value) return commandOf(unlock.changes);
+  if (!goal.value) return setCommand(client, unlock.changes);
   const Assignment wanted = {goal.name, *goal.value};
   if (!isOneCommit(client, unlock.changes, wanted)) {
-    return commandOf(unlock.changes) + " && " + commandOf({wanted});
+    return setCommand(client, unlock.changes) + " && " + setCommand(client, {wanted});
   }
   std::vector<Assignment> all = unlock.changes;
   all.push_back(wanted);
-  return commandOf(all);
+  return setCommand(client, all);
 }
 
 void addUnlocks(Client& client, const UnlockGoal& goal, const std::vector<Reason>& reasons,

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <new>
 
+#include "base/terminal.h"
 #include "ctl/command_line.h"
 #include "ctl/service/exit_status.h"
 

@@ -481,7 +481,8 @@ TEST_F(CtlTest, HelpsWithExamplesFirst) {
 TEST_F(CtlTest, ColoursOnlyATerminal) {
   servePicture();
   const std::string onTerminal =
-      "script -qec '\"'$0'\" ls -l blanking' /dev/null | head -1 | cut -c 1-2 | od -An -c";
+      "TERM=xterm script -qec '\"'$0'\" ls -l blanking' /dev/null | head -1 | cut -c 1-2 | od -An "
+      "-c";
   expectRuns({{.line = onTerminal, .out = " 033   [  \\n\n"},
               {.line = "NO_COLOR=1; export NO_COLOR; " + onTerminal, .out = "   A   C  \\n\n"},
               {.line = "ctl ls -l blanking | head -1 | cut -c 1-2 | od -An -c",

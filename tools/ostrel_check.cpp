@@ -3,13 +3,12 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <new>
 #include <string>
-#include <string_view>
 #include <vector>
 
+#include "base/terminal.h"
 #include "check/report_json.h"
 #include "check/report_sarif.h"
 #include "check/report_text.h"
@@ -22,23 +21,12 @@ namespace {
 constexpr int STATUS_ERRORS = 1;
 constexpr int STATUS_FAILED = 2;
 
-bool isSet(const char* variable) {
-  const char* const value = std::getenv(variable);
-  return value != nullptr && *value != '\0';
-}
-
-bool wantsColours() {
-  const char* const terminal = std::getenv("TERM");
-  const bool isDumb = terminal == nullptr || std::string_view(terminal) == "dumb";
-  return isatty(STDOUT_FILENO) != 0 && !isSet("NO_COLOR") && !isDumb;
-}
-
 // Checks the texts, and reports each at once where it is for a person.
 class CheckRun {
  public:
   explicit CheckRun(const CheckArguments& arguments)
       : arguments_(arguments),
-        style_{wantsColours(), arguments.showsAllowed, arguments.showsUndecided} {}
+        style_{isColoured(STDOUT_FILENO), arguments.showsAllowed, arguments.showsUndecided} {}
 
   void check(const std::string& name) {
     std::string text;

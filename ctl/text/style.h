@@ -20,7 +20,3 @@ class Style {
 
   bool isColoured_;
 };
-
-/// Whether what is written to the descriptor is coloured: on a terminal, unless NO_COLOR is set and
-/// not empty.
-bool isColoured(int descriptor);

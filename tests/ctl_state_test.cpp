@@ -46,6 +46,7 @@ TEST_F(CtlServiceTest, BringsUpByLevels) {
        "mode rw { default { 5 } }\nsecond ro { rangeValid { (mode == 4) } }\n",
        "up: 2 values in 2 levels\n",
        {"mode=5", "second=0"}},
+      {"one parameter", "mode rw { default { 5 } }\n", "up: 1 value in 1 level\n", {"mode=5"}},
       {"no default",
        "mode rw { rangeValid { 0..1 } }\nother rw { default { 1 } }\n",
        "up: 2 values in 1 level, 1 of them empty, without a default\n",

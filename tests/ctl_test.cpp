@@ -165,6 +165,23 @@ TEST_F(CtlTest, SetsValuesAndTellsWhatWasCut) {
       {.line = "ctl set blanking=7 position=5",
        .err = "no parameter \"position\": it is position[channel]\n",
        .status = 5},
+      {.line = "ctl set 'mode[1]=sepia'",
+       .err = "no parameter \"mode[1]\": mode has no index\n",
+       .status = 5},
+      {.line = "ctl get 'mode[1]' mode",
+       .out = "mode=720p/50\n",
+       .err = "no parameter \"mode[1]\": mode has no index\n",
+       .status = 5},
+      {.line = "ctl range 'position[1][1]'",
+       .err = "no parameter \"position[1][1]\": it is position[channel]\n",
+       .status = 5},
+      {.line = "ctl set position=-5",
+       .err = "no parameter \"position\": it is position[channel]\n",
+       .status = 5},
+      // Of one level is lost what comes behind the value that fails.
+      {.line = "ctl set 'position[3]=5' 'position[1]=6' 2>&1 | head -2",
+       .out = "ostrelctl: cannot set position[3]: it does not exist, line 4: rangeValid { 1..2 }\n"
+              "ostrelctl: see ostrelctl why 'position[3]'\n"},
       {.line = "ctl set blanking=7 'position[3]=5'",
        .err = "cannot set position[3]: it does not exist, line 4: rangeValid { 1..2 }\n"
               "see ostrelctl why 'position[3]'\n",

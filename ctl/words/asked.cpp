@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <functional>
+#include <map>
 
 #include "ctl/service/exit_status.h"
 #include "ctl/text/assignment.h"
@@ -13,7 +15,6 @@
 namespace {
 
 // Parts of the service's texts.
-constexpr std::string_view INVALID_NAME = "parameter name is invalid";
 constexpr std::string_view INVALID_VALUE = "parameter value is invalid";
 constexpr std::string_view WRONG_INDEX_COUNT = "there is no instance with so many index values";
 
@@ -57,44 +58,50 @@ Names withoutPatterns(Client& client, uint32_t transaction, const Names& asked, 
   return names;
 }
 
-// Whether the name may be the base of instances. What exists has its own name.
-bool mayBeBase(const InstanceState& state) {
-  return state.is(STATE_KNOWN) && !state.is(STATE_EXISTS) &&
-         state.name.find('[') == std::string::npos;
-}
-
-// The names of all parameters with indices.
-Names indexedNames(Client& client) {
-  Names names;
-  for (const ListedParameter& listed : client.service.list("")) {
-    if (!listed.indices.empty()) names.push_back(listed.name);
+// How many indices the parameters have that fit the pattern.
+std::map<std::string, size_t, std::less<>> indexCounts(Client& client, const std::string& pattern) {
+  std::map<std::string, size_t, std::less<>> counts;
+  for (const ListedParameter& listed : client.service.list(pattern)) {
+    counts.emplace(listed.name, listed.indices.size());
   }
-  return names;
+  return counts;
 }
 
-// Replaces base names by their instances.
-void replaceBases(Client& client, uint32_t transaction, AskedStates& out) {
-  if (std::ranges::none_of(out.states, mayBeBase)) return;
-  const Names indexed = indexedNames(client);
+// Replaces base names by their instances, and takes out what cannot be an instance.
+void resolveAbsent(Client& client, uint32_t transaction, AskedStates& out) {
+  const auto isThere = [](const InstanceState& state) { return state.is(STATE_EXISTS); };
+  if (std::ranges::all_of(out.states, isThere)) return;
+  const auto counts = indexCounts(client, "");
   std::vector<InstanceState> states;
   for (InstanceState& state : out.states) {
-    if (!mayBeBase(state) || std::ranges::find(indexed, state.name) == indexed.end()) {
+    const auto parameter = counts.find(baseOf(state.name));
+    const size_t given = indexCountOf(state.name);
+    if (isThere(state) || (parameter != counts.end() && parameter->second == given)) {
       states.push_back(std::move(state));
-      continue;
-    }
-    out.isList = true;
-    const Names names = client.service.instances(transaction, {state.name});
-    for (InstanceState& each : client.service.states(transaction, names)) {
-      states.push_back(std::move(each));
+    } else if (given != 0 || parameter == counts.end()) {
+      out.unknown.push_back(state.name);
+    } else {
+      out.isList = true;
+      const Names names = client.service.instances(transaction, {state.name});
+      for (InstanceState& each : client.service.states(transaction, names)) {
+        states.push_back(std::move(each));
+      }
     }
   }
   out.states = std::move(states);
 }
 
-// What the service says of a staged name, about "it".
+// What the service says of a staged name, mostly about "it".
 std::string refusalSentence(const std::string& why) {
+  if (why.starts_with("another ")) return why;
   if (!why.starts_with(VALUE_REFUSED)) return "it " + why;
   return "it refuses the value" + why.substr(VALUE_REFUSED.size());
+}
+
+// Whether there can be such an instance.
+bool isInstance(Client& client, const std::string& name) {
+  const auto counts = indexCounts(client, std::string(baseOf(name)));
+  return !counts.empty() && counts.begin()->second == indexCountOf(name);
 }
 
 // What the service says of a value that no situation allows.
@@ -117,7 +124,7 @@ AskedStates findStates(Client& client, uint32_t transaction, const Names& asked)
     out.unknown.push_back(state.name);
     return true;
   });
-  replaceBases(client, transaction, out);
+  resolveAbsent(client, transaction, out);
   return out;
 }
 
@@ -135,7 +142,8 @@ void stage(Client& client, uint32_t transaction, const std::vector<Assignment>& 
   const std::vector<Refusal> refused = client.service.set(transaction, assignments, isStatus);
   Names unknown;
   for (const Refusal& refusal : refused) {
-    if (contains(refusal.why, INVALID_NAME)) {
+    // Of an instance that cannot be, the service judges the value first.
+    if (!isInstance(client, refusal.name)) {
       unknown.push_back(refusal.name);
     } else if (contains(refusal.why, INVALID_VALUE)) {
       complainOfValue(client, *std::ranges::find(assignments, refusal.name, &Assignment::name));

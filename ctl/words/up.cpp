@@ -20,8 +20,9 @@ struct UpArguments {
 
 void tell(Client& client, const BroughtUp& result, size_t levels) {
   if (client.out.isJson()) return;
-  client.out.line("up: " + std::to_string(result.instances) + " values in " +
-                  std::to_string(levels) + (levels == 1 ? " level" : " levels") +
+  client.out.line("up: " + std::to_string(result.instances) +
+                  (result.instances == 1 ? " value in " : " values in ") + std::to_string(levels) +
+                  (levels == 1 ? " level" : " levels") +
                   (result.empty == 0 ? ""
                                      : ", " + std::to_string(result.empty) +
                                            " of them empty, without a default"));

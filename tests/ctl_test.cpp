@@ -364,6 +364,21 @@ TEST_F(CtlTest, UnlocksControls) {
   });
 }
 
+// That the parameter itself changes is no effect to be warned of.
+TEST_F(CtlTest, NamesTheOtherEffectsOfAnUnlock) {
+  serveText(
+      "ip rw { rangeValid { 0..255, \"dhcp\" } default { \"dhcp\" } }\n"
+      "mask rw { rangeValid (ip != \"dhcp\") { 1..32 } rangeValid (ip == \"dhcp\") { 0 }\n"
+      "  ctrlRO (ip == \"dhcp\") }\n");
+  expectRuns({
+      {.line = "ctl up -q"},
+      {.line = "ctl why mask=12 | tail -1",
+       .out = "to have it stored: ostrelctl set ip=0 mask=12\n"},
+      {.line = "ctl why mask | tail -1",
+       .out = "to make it writable: ostrelctl set ip=0 (this also changes mask)\n"},
+  });
+}
+
 TEST_F(CtlTest, ShowsAndUndoesCommits) {
   servePicture();
   const std::string shown = "| sed 's/^\\(commit [0-9]*\\), [-0-9]* [:0-9]*, by :1.[0-9]*$/\\1/'";
@@ -389,6 +404,10 @@ TEST_F(CtlTest, ShowsAndUndoesCommits) {
        .out = R"({"stored":[{"name":"blanking","value":"10","asked":"10","cut":false}],)"
               R"("followed":[]})"
               "\n"},
+      // The first values of a device have taken the place of empty ones.
+      {.line = "ctl undo 1 --force", .out = "nothing to take back\n"},
+      {.line = "ctl undo 1 --force --json", .out = "{\"stored\":[],\"followed\":[]}\n"},
+      {.line = "ctl undo 1 --force -n --json", .out = "[]\n"},
       {.line = "ctl undo 100", .err = "no commit 100: kept are 1 to 7\n", .status = 5},
       {.line = "ctl undo x", .err = "undo: Could not convert: SERIAL = x\n", .status = 2},
   });

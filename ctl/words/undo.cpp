@@ -84,6 +84,15 @@ int complainOfOvertaken(const std::vector<Change>& overtaken) {
   return STATUS_REFUSED;
 }
 
+// Says that a commit stays, as it has changed only what was empty or what comes back by itself.
+int tellNothing(const Output& out, bool isDry) {
+  if (!out.isJson()) out.line("nothing to take back");
+  if (out.isJson()) {
+    out.json(isDry ? Json::array() : Json{{"stored", Json::array()}, {"followed", Json::array()}});
+  }
+  return STATUS_DONE;
+}
+
 int undo(Client& client, const UndoArguments& arguments) {
   const PastCommit commit = findCommit(client, arguments.serial);
   const Reversal reversal = reversalOf(client, commit);
@@ -95,10 +104,11 @@ int undo(Client& client, const UndoArguments& arguments) {
     const OwnTransaction trial(client.service);
     assignments = stageReversal(client, trial.id(), reversal.assignments);
   }
+  if (assignments.empty()) return tellNothing(client.out, arguments.isDry);
   const OwnTransaction transaction(client.service);
   stage(client, transaction.id(), assignments);
   show(client.out, client.service.preview(transaction.id()), arguments.isDry);
-  if (arguments.isDry || assignments.empty()) return STATUS_DONE;
+  if (arguments.isDry) return STATUS_DONE;
   std::vector<Wanted> wanted;
   wanted.reserve(assignments.size());
   for (const Assignment& assignment : assignments) {

@@ -58,10 +58,13 @@ std::string setCommand(const Client& client, const std::vector<Assignment>& chan
   return command;
 }
 
-std::string effectsText(const std::vector<Change>& effects) {
-  if (effects.empty()) return {};
+// That the parameter itself changes is what was wanted.
+std::string effectsText(const std::vector<Change>& effects, const UnlockGoal& goal) {
   Names names;
-  for (const Change& effect : effects) names.push_back(effect.name);
+  for (const Change& effect : effects) {
+    if (!goal.value || effect.name != goal.name) names.push_back(effect.name);
+  }
+  if (names.empty()) return {};
   return " (this also changes " + namesText(names, MOST_SHOWN) + ")";
 }
 
@@ -104,7 +107,7 @@ void addUnlocks(Client& client, const UnlockGoal& goal, const std::vector<Reason
     answer.json["unlocks"].push_back(jsonOf(search.found[i]));
     if (i >= MOST_SHOWN) continue;
     answer.lines.push_back(start + commandsOf(client, search.found[i], goal) +
-                           effectsText(search.found[i].effects));
+                           effectsText(search.found[i].effects, goal));
     start = "or: ";
   }
 }

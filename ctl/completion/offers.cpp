@@ -1,0 +1,194 @@
+#include "ctl/completion/offers.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+#include "ctl/text/assignment.h"
+#include "ctl/text/range_text.h"
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+constexpr const char* OPTIONAL_VALUE = "NAME[=VALUE]";
+
+// Of longer spans, no values are offered.
+constexpr int64_t LONGEST_SPAN = 10000;
+// Nor are values where so many begin with what is typed.
+constexpr size_t MOST_VALUES = 100;
+// As many commits as undo is offered.
+constexpr uint32_t LAST_COMMITS = 20;
+
+// Of an assignment that is being typed.
+struct TypedAssignment {
+  std::string name;
+  std::optional<std::string> value;  // none where the name is still typed
+};
+
+TypedAssignment typedAssignment(const std::string& text) {
+  const size_t sign = signOfAssignment(text);
+  const std::string name = text.substr(0, sign);
+  // A bracket is still open: the sign is one of an index value.
+  const bool isIndex = std::ranges::count(name, '[') > std::ranges::count(name, ']');
+  if (sign == std::string::npos || isIndex) return {text, std::nullopt};
+  return {name, text.substr(sign + 1)};
+}
+
+// Signs that List would take for a pattern.
+bool isPlain(const std::string& base) { return base.find_first_of("*?\\]") == std::string::npos; }
+
+bool canBeSet(const ListedParameter& listed) {
+  return listed.access == "rw" || listed.access == "wo";
+}
+
+class Offers {
+ public:
+  Offers(Service& service, const TypedLine& typed)
+      : service_(service), typed_(typed), word_(typed.word->get_name()) {}
+
+  Candidates bases() {
+    Words all;
+    for (const ListedParameter& listed : listedFor(typed_.text)) all.push_back(listed.name);
+    return narrowed(std::move(all));
+  }
+
+  Candidates names() { return narrowed(instancesFor(typed_.text)); }
+
+  Candidates assignments() {
+    const TypedAssignment assignment = typedAssignment(typed_.text);
+    if (assignment.value) return values(assignment.name, *assignment.value);
+    Words all = instancesFor(assignment.name);
+    std::erase_if(all, [&](const std::string& name) { return isAssigned(name); });
+    Candidates offered = narrowed(std::move(all));
+    if (typed_.kind == OPTIONAL_VALUE || !offered.isWhole) return offered;
+    for (std::string& name : offered.words) name += '=';
+    offered.isWhole = false;
+    return offered;
+  }
+
+  Candidates transactions() {
+    Words all;
+    for (const OpenTransaction& each : service_.transactions()) {
+      if (each.owner.empty()) all.push_back(std::to_string(each.id));
+    }
+    return fitting(std::move(all));
+  }
+
+  Candidates commits() {
+    Words all;
+    for (const PastCommit& each : service_.history(LAST_COMMITS)) {
+      all.push_back(std::to_string(each.serial));
+    }
+    return fitting(std::move(all));
+  }
+
+ private:
+  [[nodiscard]] Candidates fitting(Words all) const {
+    std::erase_if(all, [&](const std::string& word) { return !word.starts_with(typed_.text); });
+    return {.words = std::move(all)};
+  }
+
+  std::vector<ListedParameter> listedFor(const std::string& text) {
+    const std::string base(baseOf(text));
+    if (!isPlain(base)) return {};
+    return service_.list(base.size() < text.size() ? base : base + "*");
+  }
+
+  [[nodiscard]] bool isWanted(const ListedParameter& listed) const {
+    if (listed.isIndex()) return false;
+    const bool isToBeSet = word_ == "set" || word_ == "try" || word_ == "reset";
+    return !isToBeSet || typed_.isStatus || canBeSet(listed);
+  }
+
+  // The instances with a name that begins with the text, also what has no indices.
+  Words instancesFor(const std::string& text) {
+    Words all;
+    Names indexed;
+    for (const ListedParameter& listed : listedFor(text)) {
+      if (!isWanted(listed)) continue;
+      (listed.indices.empty() ? all : indexed).push_back(listed.name);
+    }
+    // No names would be all of them.
+    if (!indexed.empty()) {
+      for (std::string& name : service_.instances(COMMITTED, indexed)) {
+        all.push_back(std::move(name));
+      }
+    }
+    std::erase_if(all, [&](const std::string& name) { return !name.starts_with(text); });
+    return all;
+  }
+
+  [[nodiscard]] bool isAssigned(const std::string& name) const {
+    return std::ranges::any_of(typed_.others, [&](const std::string& other) {
+      const std::optional<Assignment> assignment = assignmentOf(other);
+      return assignment && assignment->name == name;
+    });
+  }
+
+  // As the other assignments of the line would leave it.
+  InstanceState stateOf(const std::string& name) {
+    std::vector<Assignment> others;
+    for (const std::string& other : typed_.others) {
+      std::optional<Assignment> assignment = assignmentOf(other);
+      if (assignment && assignment->name != name) others.push_back(*std::move(assignment));
+    }
+    if (others.empty()) return service_.states(COMMITTED, {name}).front();
+    const OwnTransaction transaction(service_);
+    // What is refused is left out.
+    static_cast<void>(service_.set(transaction.id(), others, typed_.isStatus));
+    return service_.states(transaction.id(), {name}).front();
+  }
+
+  Candidates values(const std::string& name, const std::string& text) {
+    const InstanceState state = stateOf(name);
+    if (!state.is(STATE_EXISTS) || !state.is(STATE_LIMITED)) return {};
+    Words all = state.texts;
+    const auto definition = service_.definitions({std::string(baseOf(name))}).front();
+    for (const Assignment& translation : definition.translations) {
+      if (isAllowed(state, translation.value)) all.push_back(translation.name);
+    }
+    for (const Span& span : state.spans) addNumbers(span, text, all);
+    std::erase_if(all, [&](const std::string& value) { return !value.starts_with(text); });
+    if (all.size() > MOST_VALUES) return {};
+    for (std::string& value : all) value.insert(0, name + "=");
+    return {.words = std::move(all)};
+  }
+
+  static void addNumbers(const Span& span, const std::string& text, Words& all) {
+    const auto [low, high] = span;
+    if (int64_t{high} - low > LONGEST_SPAN) return;
+    for (int64_t number = low; number <= high; ++number) {
+      std::string value = std::to_string(number);
+      if (value.starts_with(text)) all.push_back(std::move(value));
+    }
+  }
+
+  Service& service_;
+  const TypedLine& typed_;
+  const std::string word_;
+};
+
+struct Kind {
+  std::string_view name;
+  Candidates (Offers::*offer)();
+};
+constexpr std::array<Kind, 6> KINDS = {{{"NAME", &Offers::names},
+                                        {"NAME=VALUE", &Offers::assignments},
+                                        {OPTIONAL_VALUE, &Offers::assignments},
+                                        {"PATTERN", &Offers::bases},
+                                        {"ID", &Offers::transactions},
+                                        {"SERIAL", &Offers::commits}}};
+
+}  // namespace
+
+Candidates offersOf(Service& service, const TypedLine& typed) {
+  const auto found = std::ranges::find(KINDS, typed.kind, &Kind::name);
+  if (found == KINDS.end()) return {};
+  Offers offers(service, typed);
+  return (offers.*found->offer)();
+}
+
+bool isOfService(const std::string& kind) {
+  return std::ranges::find(KINDS, kind, &Kind::name) != KINDS.end();
+}

@@ -33,14 +33,7 @@ constexpr const char* FOOTER =
 
 constexpr const char* WORD_FOOTER = "The options that ostrelctl --help lists are for all words.";
 
-// What the command line has said so far.
-struct Taken {
-  CommandLine line;
-  bool isJson = false;
-  bool isNull = false;
-};
-
-void addCommonOptions(CLI::App& app, Taken& taken) {
+void addCommonOptions(CLI::App& app, TakenLine& taken) {
   BusOptions& bus = taken.line.bus;
   app.add_option("-b,--bus", bus.busSuffix, "The suffix of the bus name, as of ostrel -b")
       ->type_name("STRING");
@@ -56,7 +49,7 @@ void addCommonOptions(CLI::App& app, Taken& taken) {
   app.add_flag("-q,--quiet", taken.line.isQuiet, "Print no results; the status tells");
 }
 
-void addWords(CLI::App& app, Taken& taken) {
+void addWords(CLI::App& app, TakenLine& taken) {
   for (const Word& word : words()) {
     CLI::App* const own = app.add_subcommand(word.name, word.summary);
     own->fallthrough();
@@ -138,7 +131,7 @@ std::string programFor(const BusOptions& bus) {
   return program;
 }
 
-void finish(Taken& taken, int argc, char** argv) {
+void finish(TakenLine& taken, int argc, char** argv) {
   if (taken.isJson && taken.isNull) endWith(STATUS_USAGE, "--json and --null exclude each other");
   for (int i = 1; i < argc; ++i) {
     if (g_utf8_validate(argv[i], -1, nullptr) == FALSE) {
@@ -158,9 +151,9 @@ void finish(Taken& taken, int argc, char** argv) {
 
 }  // namespace
 
-CommandLine parseCommandLine(int argc, char** argv) {
-  Taken taken;
-  CLI::App app(DESCRIPTION, "ostrelctl");
+void defineCommandLine(CLI::App& app, TakenLine& taken) {
+  app.description(DESCRIPTION);
+  app.name("ostrelctl");
   app.set_help_flag("-h,-?,--help", "Print examples and the options");
   app.set_version_flag("-V,--version", VERSION_TEXT, "Print the version");
   app.footer(FOOTER);
@@ -172,6 +165,12 @@ CommandLine parseCommandLine(int argc, char** argv) {
   app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
   addCommonOptions(app, taken);
   addWords(app, taken);
+}
+
+CommandLine parseCommandLine(int argc, char** argv) {
+  TakenLine taken;
+  CLI::App app;
+  defineCommandLine(app, taken);
   Texts arguments = markedArguments(argc, argv);
   std::ranges::reverse(arguments);  // as CLI11 wants them
   try {

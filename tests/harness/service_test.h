@@ -28,6 +28,7 @@ class ServiceTest : public testing::Test {
   /// Makes the calls one after the other and compares what is seen of each.
   void expectFacts(const std::vector<Fact>& facts);
   [[nodiscard]] Client& client() { return client_; }
+  [[nodiscard]] bool hasDaemon() const { return daemon_ != nullptr; }
   [[nodiscard]] Daemon& daemon() { return *daemon_; }
   [[nodiscard]] PrivateBus& bus() { return bus_; }
   /// What the daemon shall have written to standard error at its end; by default nothing.

@@ -5,9 +5,11 @@
 #include <cstdio>
 #include <cstring>
 #include <new>
+#include <string_view>
 
 #include "base/terminal.h"
 #include "ctl/command_line.h"
+#include "ctl/complete.h"
 #include "ctl/service/exit_status.h"
 
 namespace {
@@ -29,6 +31,7 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   try {
+    if (argc > 1 && std::string_view(argv[1]) == "complete") return complete(argc - 2, argv + 2);
     return run(argc, argv);
   } catch (const std::bad_alloc&) {
     endWith(STATUS_REFUSED, "memory is exhausted");

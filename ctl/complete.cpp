@@ -19,7 +19,7 @@ namespace {
 
 constexpr const char* FILE_KINDS[] = {"FILE", "OTHER"};
 
-constexpr int PATIENCE = 1;  // in seconds
+constexpr int PATIENCE = 3;  // in seconds
 
 [[noreturn]] void giveUp(int /*signal*/) { _exit(STATUS_NO_SERVICE); }
 

@@ -12,7 +12,7 @@
 // and where there is something to say about it a tab and that.
 //
 // Nothing goes to standard error, and no service is started or waited for: where there is none, or
-// it does not reply within a second, no word is printed.
+// it does not reply within three seconds, no word is printed.
 #pragma once
 
 /// Does that, with the arguments behind "complete"; returns the exit status, of which nobody takes

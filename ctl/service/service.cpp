@@ -14,6 +14,7 @@ constexpr BusMethod EXPLAIN = {PARAMETERS_INTERFACE, "Explain", "(a(ssusa{ss}))"
 constexpr BusMethod PREVIEW = {PARAMETERS_INTERFACE, "Preview", "(a(sssas)a(ss))"};
 constexpr BusMethod BEGIN = {PARAMETERS_INTERFACE, "Begin", "(u)"};
 constexpr BusMethod LIST_TRANSACTIONS = {PARAMETERS_INTERFACE, "ListTransactions", "(a(usuu))"};
+constexpr BusMethod WATCH = {PARAMETERS_INTERFACE, "Watch", "()"};
 constexpr BusMethod HISTORY = {PARAMETERS_INTERFACE, "History", "(a(utsa(sss)))"};
 
 constexpr BusMethod END = {TRANSACTION_INTERFACE, "end", "()"};
@@ -224,6 +225,10 @@ std::vector<OpenTransaction> Service::transactions() {
 
 std::vector<PastCommit> Service::history(uint32_t last) {
   return eachOf(*ask(HISTORY, g_variant_new("(u)", last)), 0, commitOf);
+}
+
+void Service::watch(bool changes, bool limits) {
+  static_cast<void>(ask(WATCH, g_variant_new("(bb)", changes, limits)));
 }
 
 uint32_t Service::begin() { return numberOf(*ask(BEGIN, nullptr), 0); }

@@ -33,6 +33,9 @@ class Service {
   /// The `last` commits, the oldest first; 0 is all that are kept.
   [[nodiscard]] std::vector<PastCommit> history(uint32_t last);
 
+  /// Has the signals of the second interface sent to this client, or not.
+  void watch(bool changes, bool limits);
+
   // Transactions.
   [[nodiscard]] uint32_t begin();
   /// Ends a transaction of this client, without waiting for that.

@@ -6,6 +6,7 @@
 
 #include "ctl/text/assignment.h"
 #include "ctl/text/range_text.h"
+#include "ctl/words/waiting_commits.h"
 
 namespace {
 
@@ -79,6 +80,14 @@ class Offers {
     Words all;
     for (const PastCommit& each : service_.history(LAST_COMMITS)) {
       all.push_back(std::to_string(each.serial));
+    }
+    return fitting(std::move(all));
+  }
+
+  Candidates waiting() {
+    Words all;
+    for (const WaitingCommit& each : waitingCommits(service_)) {
+      all.push_back(std::to_string(each.process));
     }
     return fitting(std::move(all));
   }
@@ -173,11 +182,12 @@ struct Kind {
   std::string_view name;
   Candidates (Offers::*offer)();
 };
-constexpr std::array<Kind, 6> KINDS = {{{"NAME", &Offers::names},
+constexpr std::array<Kind, 7> KINDS = {{{"NAME", &Offers::names},
                                         {"NAME=VALUE", &Offers::assignments},
                                         {OPTIONAL_VALUE, &Offers::assignments},
                                         {"PATTERN", &Offers::bases},
                                         {"ID", &Offers::transactions},
+                                        {"PROCESS", &Offers::waiting},
                                         {"SERIAL", &Offers::commits}}};
 
 }  // namespace

@@ -4,9 +4,12 @@
 #include <memory>
 
 #include "ctl/service/exit_status.h"
+#include "ctl/text/quoted.h"
 #include "ctl/words/arguments.h"
 #include "ctl/words/asked.h"
 #include "ctl/words/commit_and_tell.h"
+#include "ctl/words/take_back.h"
+#include "ctl/words/waiting_commits.h"
 #include "ctl/words/word.h"
 
 namespace {
@@ -15,10 +18,19 @@ struct SetArguments {
   Texts texts;
   bool isStatus = false;
   bool isStrict = false;
+  int seconds = 0;  // to confirm it; 0 where that is not needed
 };
 
-int set(Client& client, const SetArguments& arguments) {
-  const std::vector<Assignment> assignments = assignmentsOf(arguments.texts);
+std::string wordsOf(const std::vector<Assignment>& assignments) {
+  std::string text;
+  for (const Assignment& each : assignments) {
+    text += (text.empty() ? "" : " ") + quotedWord(each.name) + "=" + quotedWord(each.value);
+  }
+  return text;
+}
+
+int setNow(Client& client, const SetArguments& arguments,
+           const std::vector<Assignment>& assignments) {
   const OwnTransaction transaction(client.service);
   stage(client, transaction.id(), assignments, arguments.isStatus);
   std::vector<Wanted> wanted;
@@ -27,6 +39,18 @@ int set(Client& client, const SetArguments& arguments) {
     wanted.push_back({assignment.name, assignment.value});
   }
   return commitAndTell(client, transaction.id(), wanted, {.isStrict = arguments.isStrict});
+}
+
+int set(Client& client, const SetArguments& arguments) {
+  const std::vector<Assignment> assignments = assignmentsOf(arguments.texts);
+  if (arguments.seconds == 0) return setNow(client, arguments, assignments);
+  requireWaitingDirectory();
+  Confirmation confirmation(client.service);
+  const int status = setNow(client, arguments, assignments);
+  confirmation.takeSignals();
+  if (confirmation.changes().empty()) return status;
+  return awaitConfirmation(client, confirmation, wordsOf(assignments), arguments.seconds,
+                           arguments.isStatus, status);
 }
 
 // The full names that are to be reset. Of a list those that can be: the rest are not asked for.
@@ -66,6 +90,9 @@ RunWord defineSet(CLI::App& word) {
   addTexts(word, "NAME=VALUE", arguments->texts, "Parameters with their values");
   addStatus(word, *arguments);
   word.add_flag("--strict", arguments->isStrict, "End with status 4 where a value was cut");
+  word.add_option("--confirm", arguments->seconds, "Take it back after that time, unless confirmed")
+      ->check(CLI::Range(1, 86400).description(""))
+      ->type_name("SECONDS");
   return [arguments](Client& client) { return set(client, *arguments); };
 }
 

@@ -23,6 +23,7 @@ struct Word {
 /// All of them, in the order of the help.
 const std::vector<Word>& words();
 
+RunWord defineConfirm(CLI::App& word);
 RunWord defineDeps(CLI::App& word);
 RunWord defineDiff(CLI::App& word);
 RunWord defineGet(CLI::App& word);

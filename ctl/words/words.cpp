@@ -17,8 +17,13 @@ const std::vector<Word>& words() {
        "  ostrelctl set mode=720p/50 'position[1]=300'\n"
        "  ostrelctl set black_level[1]=-20\n"
        "  ostrelctl set --status temperature=61\n"
+       "  ostrelctl set --confirm 60 mode=720p/50\n"
        "  ostrelctl set --strict 'position[1]=300' || echo 'not as asked'\n",
        true, defineSet},
+      {"confirm", "Let what set --confirm has stored stay",
+       "  ostrelctl confirm\n"
+       "  ostrelctl confirm 4711\n",
+       false, defineConfirm},
       {"reset", "Set parameters to their defaults",
        "  ostrelctl reset mode\n"
        "  ostrelctl reset 'position*'\n",

@@ -2,8 +2,10 @@
 #include <malloc.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <new>
+#include <string_view>
 
 #include "database/database.h"
 #include "database/largest_change.h"
@@ -18,10 +20,16 @@
 
 namespace {
 
+// Who starts the daemon and then brings the device up says so, and clients can wait for that.
+bool isBroughtUpByOthers() {
+  const char* const told = std::getenv("OSTREL_BRING_UP");
+  return told != nullptr && std::string_view(told) == "1";
+}
+
 std::shared_ptr<void> exportParameters(DBusConnection* connection, ServiceState& state,
                                        CallServer& calls, const std::string& pathSuffix) {
   return std::make_shared<ParametersObject>(connection, withSuffix("/parameters", "/", pathSuffix),
-                                            state, calls, VERSION_TEXT);
+                                            state, calls, VERSION_TEXT, !isBroughtUpByOthers());
 }
 
 int start(int argc, char** argv) {

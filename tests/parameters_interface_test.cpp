@@ -457,7 +457,7 @@ TEST_F(ParametersInterfaceTest, PropertiesTellOfTheDaemon) {
   EXPECT_EQ(all, "{'Version': <'" + line +
                      "'>, 'Definitions': <uint32 12>, 'Commits': <uint64 1>, 'OpenTransactions': "
                      "<uint32 0>, 'Watchers': <uint32 0>, 'Started': " +
-                     started + "}");
+                     started + ", 'Ready': <true>}");
   const auto now = static_cast<double>(g_get_real_time());
   EXPECT_NEAR(std::stod(started.substr(started.find(' '))), now, 60e6);
 }

@@ -17,6 +17,7 @@ const std::map<std::string, std::string>& argumentTypes() {
       {"GetState", "(uas)"},    {"Preview", "(u)"},
       {"Begin", "()"},          {"ListTransactions", "()"},
       {"Watch", "(bb)"},        {"History", "(u)"},
+      {"WaitReady", "()"},      {"SetReady", "()"},
       {"Get", "(ss)"},          {"GetAll", "(s)"},
       {"Set", "(ssv)"}};
   return types;

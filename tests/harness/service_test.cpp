@@ -5,11 +5,15 @@
 ServiceTest::ServiceTest(const PrivateBus::Options& options)
     : bus_(options), client_(bus_.address()) {}
 
-void ServiceTest::serve(const std::string& text, const std::vector<std::string>& constants) {
+void ServiceTest::serve(const std::string& text, const std::vector<std::string>& constants,
+                        const std::map<std::string, std::string>& environment) {
   std::vector<std::string> arguments = {"--debug", "--"};
   arguments.insert(arguments.end(), constants.begin(), constants.end());
   daemon_ = std::make_unique<Daemon>(
-      Daemon::Options{.text = text, .arguments = arguments, .busAddress = bus_.address()});
+      Daemon::Options{.text = text,
+                      .arguments = arguments,
+                      .busAddress = bus_.address(),
+                      .environment = environment});
   if (!client_.waitForService(daemon_->process())) {
     const Ending ending = daemon_->waitForEnd();
     daemon_.reset();

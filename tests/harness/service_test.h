@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -24,7 +25,8 @@ class ServiceTest : public testing::Test {
  protected:
   explicit ServiceTest(const PrivateBus::Options& options = {});
   /// Starts the daemon on `text` in the foreground and waits until it serves.
-  void serve(const std::string& text, const std::vector<std::string>& constants = {});
+  void serve(const std::string& text, const std::vector<std::string>& constants = {},
+             const std::map<std::string, std::string>& environment = {});
   /// Makes the calls one after the other and compares what is seen of each.
   void expectFacts(const std::vector<Fact>& facts);
   [[nodiscard]] Client& client() { return client_; }

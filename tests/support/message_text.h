@@ -41,6 +41,9 @@ inline std::string textOf(DBusMessageIter& place) {
     case DBUS_TYPE_STRING:
       dbus_message_iter_get_basic(&place, &value);
       return '"' + std::string(value.str) + '"';
+    case DBUS_TYPE_BOOLEAN:
+      dbus_message_iter_get_basic(&place, &value);
+      return value.bool_val != 0 ? "true" : "false";
     case DBUS_TYPE_UINT32:
       dbus_message_iter_get_basic(&place, &value);
       return std::to_string(value.u32);

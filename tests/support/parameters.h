@@ -18,8 +18,9 @@ class TestParameters {
  public:
   using Answer = void (*)(ParametersState& state, MessageReader& in, MessageWriter& out);
 
-  explicit TestParameters(std::string_view definitions)
-      : service_(definitions), state_(nullptr, "/parameters", service_.state(), "2.0 test") {}
+  explicit TestParameters(std::string_view definitions, bool isReady = true)
+      : service_(definitions),
+        state_(nullptr, "/parameters", service_.state(), "2.0 test", isReady) {}
 
   TestService& service() { return service_; }
   ParametersState& state() { return state_; }

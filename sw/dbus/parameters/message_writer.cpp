@@ -36,6 +36,11 @@ void MessageWriter::text(const std::string& text) {
   append(DBUS_TYPE_STRING, &mended.text, bytesInMessage(mended.length));
 }
 
+void MessageWriter::flag(bool flag) {
+  const dbus_bool_t value = flag ? TRUE : FALSE;
+  append(DBUS_TYPE_BOOLEAN, &value, sizeof(value));
+}
+
 void MessageWriter::number(uint32_t number) {
   const dbus_uint32_t value = number;
   append(DBUS_TYPE_UINT32, &value, sizeof(value));

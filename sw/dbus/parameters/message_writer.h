@@ -29,6 +29,7 @@ class MessageWriter {
 
   /// `text` without NUL bytes; what is not valid UTF-8 in it is replaced by U+FFFD.
   void text(const std::string& text);
+  void flag(bool flag);
   void number(uint32_t number);
   void signedNumber(int32_t number);
   void longNumber(uint64_t number);

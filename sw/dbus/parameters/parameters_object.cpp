@@ -10,6 +10,7 @@
 #include "sw/dbus/method_frame.h"
 #include "sw/dbus/parameters/bus_error.h"
 #include "sw/dbus/parameters/parameter_queries.h"
+#include "sw/dbus/parameters/readiness_methods.h"
 #include "sw/dbus/parameters/standard_interfaces.h"
 #include "sw/dbus/parameters/transaction_methods.h"
 #include "sw/dbus/reply.h"
@@ -24,6 +25,8 @@ struct Method {
   std::string_view member;
   const char* signature;  // of its arguments
   void (*answer)(ParametersState& state, MessageReader& in, MessageWriter& out);
+  // Whether a call is answered later, by somebody who has noted it. Null: none is.
+  bool (*isLater)(ParametersState& state, DBusMessage* call) = nullptr;
 };
 
 constexpr Method METHODS[] = {
@@ -37,6 +40,8 @@ constexpr Method METHODS[] = {
     {INTERFACE, "ListTransactions", "", answerListTransactions},
     {INTERFACE, "Watch", "bb", answerWatch},
     {INTERFACE, "History", "u", answerHistory},
+    {INTERFACE, "WaitReady", "", answerWaitReady, isAnsweredLater},
+    {INTERFACE, "SetReady", "", answerSetReady},
     {DBUS_INTERFACE_INTROSPECTABLE, "Introspect", "", answerIntrospect},
     {PROPERTIES, "Get", "ss", answerGet},
     {PROPERTIES, "GetAll", "s", answerGetAll},
@@ -54,12 +59,14 @@ const Method* methodOf(DBusMessage* call) {
   return found == std::end(METHODS) ? nullptr : found;
 }
 
+// Null where the call is answered later.
 MessagePointer makeReply(ParametersState& state, const Method& method, DBusMessage* call) {
   if (dbus_message_has_signature(call, method.signature) == 0) {
     throw BusError{DBUS_ERROR_INVALID_ARGS, std::string(method.member) + " takes (" +
                                                 method.signature + "), not (" +
                                                 dbus_message_get_signature(call) + ")"};
   }
+  if (method.isLater != nullptr && method.isLater(state, call)) return nullptr;
   MessagePointer reply(dbus_message_new_method_return(call));
   if (reply == nullptr) throw std::bad_alloc();
   MessageReader in(call);
@@ -104,11 +111,11 @@ ParametersState* served = nullptr;
 
 ParametersObject::ParametersObject(DBusConnection* connection, const std::string& path,
                                    ServiceState& service, CallServer& calls,
-                                   const std::string& version)
+                                   const std::string& version, bool isReady)
     : connection_(connection),
       path_(path),
       calls_(calls),
-      state_(connection, path, service, version) {
+      state_(connection, path, service, version, isReady) {
   static constexpr DBusObjectPathVTable HANDLERS = {nullptr, take,    nullptr,
                                                     nullptr, nullptr, nullptr};
   if (dbus_connection_register_object_path(connection, path.c_str(), &HANDLERS, this) == 0) {
@@ -134,7 +141,7 @@ DBusHandlerResult ParametersObject::serve(DBusConnection* connection, DBusMessag
   const Method* const method = methodOf(call);
   if (method == nullptr || served == nullptr) return DBUS_HANDLER_RESULT_NOT_YET_HANDLED;
   const MessagePointer reply = answer(*served, *method, call);
-  if (dbus_message_get_no_reply(call) != 0) return DBUS_HANDLER_RESULT_HANDLED;
+  if (reply == nullptr || dbus_message_get_no_reply(call) != 0) return DBUS_HANDLER_RESULT_HANDLED;
   retried("reply", [&] {
     const bool isSent = dbus_connection_send(connection, reply.get(), nullptr) != 0;
     return isSent ? reply.get() : nullptr;

@@ -12,9 +12,10 @@
 class ParametersObject {
  public:
   /// Exports the object at `path`, which is valid and free; its calls go to `calls`, in turns with
-  /// all others. All that is given outlives it. Raises std::bad_alloc where memory is exhausted.
+  /// all others. All that is given outlives it. Where the device `isReady`, nobody has to bring it
+  /// up. Raises std::bad_alloc where memory is exhausted.
   ParametersObject(DBusConnection* connection, const std::string& path, ServiceState& service,
-                   CallServer& calls, const std::string& version);
+                   CallServer& calls, const std::string& version, bool isReady);
   ~ParametersObject();
   ParametersObject(const ParametersObject&) = delete;
   ParametersObject& operator=(const ParametersObject&) = delete;

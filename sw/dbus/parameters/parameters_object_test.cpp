@@ -28,7 +28,7 @@ class ParametersObjectTest : public testing::Test {
     calls_ = std::make_unique<CallServer>(nullptr, service_.state());
     bus.isListening = true;
     object_ = std::make_unique<ParametersObject>(nullptr, "/parameters/x", service_.state(),
-                                                 *calls_, "2.0 test");
+                                                 *calls_, "2.0 test", true);
   }
   void TearDown() override {
     object_.reset();
@@ -104,6 +104,17 @@ TEST_F(ParametersObjectTest, AnswersNobodyWhoWantsNoReply) {
   EXPECT_NE(service_.state().findTransaction(0), nullptr);
 }
 
+TEST_F(ParametersObjectTest, AnswersLaterWhoWaits) {
+  object_.reset();
+  object_ = std::make_unique<ParametersObject>(nullptr, "/parameters/x", service_.state(), *calls_,
+                                               "2", false);
+  EXPECT_EQ(answer(call("org.tavrel.parameters1", "WaitReady")), "no reply");
+  const MessagePointer set = call("org.tavrel.parameters1", "SetReady");
+  dbus_message_set_no_reply(set.get(), TRUE);
+  EXPECT_EQ(answer(set), "");
+  EXPECT_EQ(answer(call("org.tavrel.parameters1", "WaitReady")), "");
+}
+
 TEST_F(ParametersObjectTest, TakesCallsOnly) {
   const MessagePointer signal(dbus_message_new_signal("/parameters/x", "a.b", "List"));
   EXPECT_EQ(answer(signal, "a"), "not handled");
@@ -121,8 +132,8 @@ TEST_F(ParametersObjectTest, RefusesWhatIsTooMuchWork) {
   TestService large(
       "i index { rangeValid { 0..2000000000 } }\nj index { rangeValid { 0..2000000000 } }\n"
       "a rw { index { i, j } }\n");
-  object_ =
-      std::make_unique<ParametersObject>(nullptr, "/parameters/x", large.state(), *calls_, "2");
+  object_ = std::make_unique<ParametersObject>(nullptr, "/parameters/x", large.state(), *calls_,
+                                               "2", true);
   const MessagePointer message = call("org.tavrel.parameters1", "ListInstances");
   const uint32_t none = 4294967295;
   const char* names[] = {"a"};
@@ -138,7 +149,7 @@ TEST_F(ParametersObjectTest, RefusesWhatIsTooMuchWork) {
 TEST_F(ParametersObjectTest, FailsWithoutMemoryForIt) {
   object_.reset();
   bus.hasMemory = false;
-  EXPECT_THROW(ParametersObject(nullptr, "/parameters", service_.state(), *calls_, "2"),
+  EXPECT_THROW(ParametersObject(nullptr, "/parameters", service_.state(), *calls_, "2", true),
                std::bad_alloc);
 }
 

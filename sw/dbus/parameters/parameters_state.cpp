@@ -112,11 +112,12 @@ size_t countFitting(std::span<const Change> changes) {
 }  // namespace
 
 ParametersState::ParametersState(DBusConnection* connection, std::string path,
-                                 ServiceState& service, std::string version)
+                                 ServiceState& service, std::string version, bool isReady)
     : connection_(connection),
       path_(std::move(path)),
       service_(service),
       version_(std::move(version)),
+      readiness_(connection, isReady),
       started_(now()) {
   service_.setObserver(this);
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "sw/dbus/parameters/history.h"
+#include "sw/dbus/parameters/readiness.h"
 #include "sw/dbus/parameters/watchers.h"
 #include "sw/dbus/service_state.h"
 
@@ -17,17 +18,21 @@
 class ParametersState final : public ServiceObserver {
  public:
   /// Signals are sent on `connection`, as of the object at `path`. `service` outlives it and tells
-  /// it from now on. `version` is of the daemon.
+  /// it from now on. `version` is of the daemon. Where it `isReady`, nobody has to say so.
   ParametersState(DBusConnection* connection, std::string path, ServiceState& service,
-                  std::string version);
+                  std::string version, bool isReady);
   ~ParametersState() override { service_.setObserver(nullptr); }
 
   void committed(std::string_view caller, const std::vector<Change>& changes,
                  const std::vector<ParmEntry*>& unreported) noexcept override;
-  void clientLeft(std::string_view name) noexcept override { watchers_.set(name, {}); }
+  void clientLeft(std::string_view name) noexcept override {
+    watchers_.set(name, {});
+    readiness_.leave(name);
+  }
 
   [[nodiscard]] ServiceState& service() { return service_; }
   [[nodiscard]] Watchers& watchers() { return watchers_; }
+  [[nodiscard]] Readiness& readiness() { return readiness_; }
   [[nodiscard]] const History& history() const { return history_; }
   [[nodiscard]] const std::string& version() const { return version_; }
   /// How many commits have changed something.
@@ -44,6 +49,7 @@ class ParametersState final : public ServiceObserver {
   ServiceState& service_;
   std::string version_;
   Watchers watchers_;
+  Readiness readiness_;
   History history_;
   uint64_t commits_ = 0;
   uint64_t started_;

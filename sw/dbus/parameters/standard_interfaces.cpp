@@ -65,6 +65,8 @@ constexpr Property PROPERTIES[] = {
      }},
     {"Started", "t",
      [](ParametersState& state, MessageWriter& out) { out.longNumber(state.started()); }},
+    {"Ready", "b",
+     [](ParametersState& state, MessageWriter& out) { out.flag(state.readiness().isReady()); }},
 };
 
 // The empty text stands for any interface.

@@ -21,6 +21,7 @@ TEST(StandardInterfaces, GiveProperties) {
       {"OpenTransactions", "<1>"},
       {"Watchers", "<1>"},
       {"Started", "<" + std::to_string(device.state().started()) + ">"},
+      {"Ready", "<true>"},
       {"Nosuch", "UnknownProperty: There is no property \"Nosuch\""},
   };
   for (const auto& [property, answer] : cases) {
@@ -30,7 +31,7 @@ TEST(StandardInterfaces, GiveProperties) {
   EXPECT_EQ(device.call(answerGetAll, interface),
             "{\"Version\": <\"2.0 test\">, \"Definitions\": <2>, \"Commits\": <1>, "
             "\"OpenTransactions\": <1>, \"Watchers\": <1>, \"Started\": <" +
-                std::to_string(device.state().started()) + ">}");
+                std::to_string(device.state().started()) + ">, \"Ready\": <true>}");
   EXPECT_EQ(device.call(answerGetAll, "a.b"),
             "UnknownInterface: The interface \"a.b\" has no properties here; "
             "org.tavrel.parameters1 has");

@@ -13,7 +13,7 @@ SetInstance(name, {key: value}) of org.freedesktop.DBus.Mock:
     definition       what GetDefinition answers, and List; its "used-by" are announced by LimitsChanged
 
 What is staged is seen in its transaction, shown by Preview, and stored by a commit, with the signals of both
-interfaces. Of the properties, Commits alone moves. Fail(method, error, text) lets the next call of a method fail.
+interfaces. It is ready from its start. Of the properties, Commits alone moves. Fail(method, error, text) lets the next call of a method fail.
 What was called is in GetCalls().
 """
 import fnmatch
@@ -233,6 +233,8 @@ expose(MAIN_IFACE, "Begin", "", "u", begin)
 expose(MAIN_IFACE, "ListTransactions", "", "a(usuu)", list_transactions)
 expose(MAIN_IFACE, "Watch", "bb", "", watch)
 expose(MAIN_IFACE, "History", "u", "a(utsa(sss))", lambda _, last: commits[-last:])
+expose(MAIN_IFACE, "WaitReady", "", "", lambda _: None)
+expose(MAIN_IFACE, "SetReady", "", "", lambda _: None)
 
 
 # ---- org.tavrel.transaction ----
@@ -339,5 +341,6 @@ def load(mock, parameters):
     objects["/transaction"].methods[FIRST] = mock.methods.pop(FIRST)
     mock.AddProperties(MAIN_IFACE, {"Version": "mock", "Definitions": dbus.UInt32(len(instances)),
                                     "Commits": dbus.UInt64(0), "OpenTransactions": dbus.UInt32(0),
-                                    "Watchers": dbus.UInt32(0), "Started": dbus.UInt64(time.time_ns() // 1000)})
+                                    "Watchers": dbus.UInt32(0), "Started": dbus.UInt64(time.time_ns() // 1000),
+                                    "Ready": dbus.Boolean(True)})
     mock.connection.add_signal_receiver(on_owner, "NameOwnerChanged", "org.freedesktop.DBus")

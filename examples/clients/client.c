@@ -47,8 +47,7 @@ static void goWrong(void) {  // each error once
   call(FIRST, "set", g_variant_new("(uss)", transaction, "input_select[1]", "radio"), "()");
   call(FIRST, "set", g_variant_new("(uss)", transaction, names[0], longText), "()");
   call(SECOND, "GetState", g_variant_new("(u^as)", transaction, names), "*", NULL);
-  // Nothing of this is to be committed.
-  call(FIRST, "end", g_variant_new("(u)", transaction), "()");
+  call(FIRST, "end", g_variant_new("(u)", transaction), "()");  // nothing of this is committed
   call(SECOND, "Begin", NULL, "(u)", &transaction);
 }
 
@@ -91,6 +90,7 @@ static void onService(GDBusConnection* b, const char* name, const char* owner, v
   gboolean again = transaction != NOBODYS;
   puts("service: there");
   // Transactions and watches end with the daemon, so each run of it is begun anew.
+  call(SECOND, "WaitReady", NULL, "()");  // until then, values may be empty
   call(SECOND, "Begin", NULL, "(u)", &transaction);
   call(SECOND, "Watch", g_variant_new("(bb)", TRUE, TRUE), "()");
   if (again) {

@@ -36,6 +36,7 @@ class Panel : public QObject {
   void onService() {
     const bool again = transaction_ != NOBODYS;
     say("service: there");
+    second("WaitReady");  // until then, values may be empty
     // Transactions and watches end with the daemon, so each run of it is begun anew.
     transaction_ = begin();
     second("Watch", true, true);

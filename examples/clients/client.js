@@ -81,6 +81,7 @@ async function onService() {
   console.log('service: there');
   const again = transaction !== null;
   // Transactions and watches end with the daemon, so each run of it is begun anew.
+  await second('WaitReady'); // until then, values may be empty
   [transaction] = await second('Begin');
   await second('Watch', 'bb', true, true);
   if (again) {

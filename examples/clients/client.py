@@ -42,6 +42,7 @@ class Panel:
 
     def on_service(self, *_):
         print("service: there")
+        self.second("WaitReady", "()")  # until then, values may be empty
         # Transactions and watches end with the daemon, so each run of it is begun anew.
         self.transaction, = self.second("Begin", "()")
         self.second("Watch", "(bb)", True, True)

@@ -94,8 +94,8 @@ report() {
 on_service() {
   echo 'service: there'
   local was_there=$id
-  # Transactions end with the daemon, so each run of it is begun anew.
-  id=$(begin) && seen=$(second History 1 | rows | cut -d $US -f 1)
+  # Transactions end with the daemon, so each run of it is begun anew, once its values are there.
+  second WaitReady >/dev/null && id=$(begin) && seen=$(second History 1 | rows | cut -d $US -f 1)
   [ -z "$was_there" ] || { show "$id" "$2" && exit; }
   discover "$1"
   show $committed "$2"

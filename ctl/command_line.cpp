@@ -44,6 +44,7 @@ void addCommonOptions(CLI::App& app, TakenLine& taken) {
   app.add_option("--timeout", bus.timeout, "Wait so long for each reply (30)")
       ->check(CLI::Range(1, 86400).description(""))
       ->type_name("SECONDS");
+  app.add_flag("!--no-wait", bus.waits, "Do not wait until the device has been brought up");
   app.add_flag("--json", taken.isJson, "Print one JSON value");
   app.add_flag("-z,--null", taken.isNull, "Print texts as they are, a NUL behind each");
   app.add_flag("-q,--quiet", taken.line.isQuiet, "Print no results; the status tells");

@@ -51,6 +51,7 @@ std::string errorNameOf(const GError& error) {
 struct Waiting {
   std::vector<std::pair<GVariant*, GError*>> replies;
   size_t missing;
+  size_t last = 0;  // the call whose reply has come last
 };
 struct WaitingCall {
   Waiting* waiting;
@@ -62,6 +63,31 @@ void takeReply(GObject* connection, GAsyncResult* result, gpointer data) {
   auto& [value, error] = call.waiting->replies[call.number];
   value = g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), result, &error);
   --call.waiting->missing;
+  call.waiting->last = call.number;
+}
+
+constexpr BusMethod WAIT_READY = {PARAMETERS_INTERFACE, "WaitReady", "()"};
+
+BusReply errorOf(const BusReply& reply) {
+  return {.outcome = reply.outcome, .errorName = reply.errorName, .error = reply.error};
+}
+
+// Whether the answer to the wait says that there is nobody to ask. An older service does not know
+// the call, and another may not allow it: what is asked next tells. So it does where there is
+// nobody at all, or nobody who answers anything.
+bool isUnready(const BusReply& waited, const std::vector<BusReply>& others) {
+  if (!waited.errorName.starts_with(BUS_ERROR)) return false;
+  const std::string_view kind = std::string_view(waited.errorName).substr(BUS_ERROR.size());
+  if (isAmong(kind, NO_OWNER)) return false;
+  const bool isSilent = !others.empty() && std::ranges::all_of(others, [](const BusReply& reply) {
+    return reply.outcome == BUS_NO_SERVICE;
+  });
+  return kind.starts_with("Spawn.") || (isAmong(kind, NO_REPLY) && !isSilent);
+}
+
+// Nobody but who waits for the device starts it.
+GDBusCallFlags flagsOf(const BusMethod& method) {
+  return method.name == WAIT_READY.name ? G_DBUS_CALL_FLAGS_NONE : G_DBUS_CALL_FLAGS_NO_AUTO_START;
 }
 
 }  // namespace
@@ -105,21 +131,27 @@ Bus::Bus(GDBusConnection* connection, const BusOptions& options)
       options_(options),
       name_(suffixed(SERVICE_NAME, '.', options.busSuffix)),
       paths_{suffixed(PATHS[TRANSACTION_INTERFACE], '/', options.pathSuffix),
-             suffixed(PATHS[PARAMETERS_INTERFACE], '/', options.pathSuffix)} {}
+             suffixed(PATHS[PARAMETERS_INTERFACE], '/', options.pathSuffix)},
+      mustWait_(options.waits) {}
 
 Bus::~Bus() { g_object_unref(connection_); }
 
 BusReply Bus::call(const BusCall& call) {
+  if (mustWait_) return std::move(callAll({call}).front());
   GError* error = nullptr;
   const BusMethod& method = call.method;
   GVariant* const value = g_dbus_connection_call_sync(
       connection_, name_.c_str(), path(method.interface).c_str(), interfaceName(method.interface),
-      method.name, call.arguments, G_VARIANT_TYPE(method.replyType),
-      G_DBUS_CALL_FLAGS_NO_AUTO_START, options_.timeout * 1000, nullptr, &error);
+      method.name, call.arguments, G_VARIANT_TYPE(method.replyType), flagsOf(method),
+      options_.timeout * 1000, nullptr, &error);
   return replyOf(call, value, error);
 }
 
 std::vector<BusReply> Bus::callAll(const std::vector<BusCall>& calls) {
+  return mustWait_ ? callWhenReady(calls) : callInOrder(calls);
+}
+
+std::vector<BusReply> Bus::callInOrder(const std::vector<BusCall>& calls, bool* isFirstLast) {
   Waiting waiting = {.replies = {calls.size(), {nullptr, nullptr}}, .missing = calls.size()};
   std::vector<WaitingCall> each;
   each.reserve(calls.size());
@@ -130,15 +162,45 @@ std::vector<BusReply> Bus::callAll(const std::vector<BusCall>& calls) {
     const BusMethod& method = call.method;
     g_dbus_connection_call(connection_, name_.c_str(), path(method.interface).c_str(),
                            interfaceName(method.interface), method.name, call.arguments,
-                           G_VARIANT_TYPE(method.replyType), G_DBUS_CALL_FLAGS_NO_AUTO_START,
+                           G_VARIANT_TYPE(method.replyType), flagsOf(method),
                            options_.timeout * 1000, nullptr, takeReply, &each.back());
   }
   while (waiting.missing > 0) g_main_context_iteration(context, TRUE);
   g_main_context_pop_thread_default(context);
   g_main_context_unref(context);
+  if (isFirstLast != nullptr) *isFirstLast = waiting.last == 0;
   std::vector<BusReply> replies;
   for (size_t i = 0; i < calls.size(); ++i) {
     replies.push_back(replyOf(calls[i], waiting.replies[i].first, waiting.replies[i].second));
+  }
+  return replies;
+}
+
+// Questions are sent right behind the call that waits, which costs no round trip: the service
+// answers in order. Where the answer to the wait comes last, they were answered too early and are
+// asked again. What changes something is sent once the device is ready.
+std::vector<BusReply> Bus::callWhenReady(const std::vector<BusCall>& calls) {
+  mustWait_ = false;
+  // Floating arguments would be gone with the first call.
+  for (const BusCall& call : calls) {
+    if (call.arguments != nullptr) g_variant_ref_sink(call.arguments);
+  }
+  std::vector<BusCall> all = {{WAIT_READY, nullptr}};
+  if (std::ranges::all_of(calls, [](const BusCall& call) { return call.method.isQuestion; })) {
+    all.insert(all.end(), calls.begin(), calls.end());
+  }
+  bool hasWaited = false;
+  std::vector<BusReply> replies = callInOrder(all, &hasWaited);
+  const BusReply waited = std::move(replies.front());
+  replies.erase(replies.begin());
+  if (isUnready(waited, replies)) {
+    replies.clear();
+    for (size_t i = 0; i < calls.size(); ++i) replies.push_back(errorOf(waited));
+  } else if (hasWaited) {
+    replies = callInOrder(calls);
+  }
+  for (const BusCall& call : calls) {
+    if (call.arguments != nullptr) g_variant_unref(call.arguments);
   }
   return replies;
 }
@@ -150,7 +212,8 @@ void Bus::send(const BusCall& call) {
                          G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr, nullptr, nullptr);
 }
 
-std::string Bus::noServiceText(std::string_view errorName, const BusCall& call) const {
+std::string Bus::noServiceText(std::string_view errorName, const BusCall& call,
+                               const std::string& text) const {
   if (!errorName.starts_with(BUS_ERROR)) return {};
   const std::string_view kind = errorName.substr(BUS_ERROR.size());
   if (isAmong(kind, NO_OWNER)) {
@@ -162,7 +225,12 @@ std::string Bus::noServiceText(std::string_view errorName, const BusCall& call) 
            " at " + path(call.method.interface) +
            "; was it started with another -o, or is it older than this program?";
   }
+  if (kind.starts_with("Spawn.")) return "no service: " + name_ + " cannot be started: " + text;
   if (!isAmong(kind, NO_REPLY)) return {};
+  if (call.method.name == WAIT_READY.name && kind != "Disconnected") {
+    return "no service: " + name_ + " has not become ready within " +
+           std::to_string(options_.timeout) + " s; --no-wait asks it as it is";
+  }
   return "no service: " + name_ + " does not reply to " + call.method.name +
          (kind == "Disconnected" ? ", as the bus has gone"
                                  : " within " + std::to_string(options_.timeout) + " s");
@@ -174,7 +242,7 @@ BusReply Bus::replyOf(const BusCall& call, GVariant* value, GError* error) const
   g_dbus_error_strip_remote_error(error);
   reply.error = takeText(error);
   if (reply.error.starts_with(ERROR_START)) reply.error.erase(0, ERROR_START.size());
-  const std::string noService = noServiceText(reply.errorName, call);
+  const std::string noService = noServiceText(reply.errorName, call, reply.error);
   if (!noService.empty()) {
     reply.outcome = BUS_NO_SERVICE;
     reply.error = noService;

@@ -19,6 +19,7 @@ struct BusOptions {
   std::string busSuffix = {};   ///< as of the daemon's -b
   std::string pathSuffix = {};  ///< as of the daemon's -o
   int timeout = 30;             ///< for each reply, in seconds
+  bool waits = true;            ///< whether the first call waits until the device is ready
 };
 
 /// The interfaces of the service; each has an object of its own.
@@ -29,6 +30,7 @@ struct BusMethod {
   BusInterface interface;
   const char* name;
   const char* replyType;
+  bool isQuestion = false;  ///< whether it changes nothing and can be asked again
 };
 
 struct BusCall {
@@ -59,7 +61,10 @@ class Bus {
   Bus(const Bus&) = delete;
   Bus& operator=(const Bus&) = delete;
 
-  /// Calls a method and waits for its reply.
+  /// Does not wait until the device is ready, whatever the options say.
+  void doNotWait() { mustWait_ = false; }
+  /// Calls a method and waits for its reply. The first call first waits until the device is ready,
+  /// and lets the bus start the service.
   BusReply call(const BusCall& call);
   /// Makes all calls before it waits for the first reply. The replies have the order of the calls.
   std::vector<BusReply> callAll(const std::vector<BusCall>& calls);
@@ -74,13 +79,17 @@ class Bus {
 
  private:
   Bus(GDBusConnection* connection, const BusOptions& options);
+  std::vector<BusReply> callInOrder(const std::vector<BusCall>& calls, bool* isFirstLast = nullptr);
+  std::vector<BusReply> callWhenReady(const std::vector<BusCall>& calls);
   BusReply replyOf(const BusCall& call, GVariant* value, GError* error) const;
-  [[nodiscard]] std::string noServiceText(std::string_view errorName, const BusCall& call) const;
+  [[nodiscard]] std::string noServiceText(std::string_view errorName, const BusCall& call,
+                                          const std::string& text) const;
 
   GDBusConnection* connection_;
   const BusOptions options_;
   const std::string name_;
   const std::string paths_[2];
+  bool mustWait_;
 };
 
 /// Whether `suffix` can be behind a bus name, or behind an object path.

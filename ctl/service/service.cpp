@@ -6,16 +6,21 @@
 
 namespace {
 
-constexpr BusMethod LIST = {PARAMETERS_INTERFACE, "List", "(a(ssasuu))"};
-constexpr BusMethod LIST_INSTANCES = {PARAMETERS_INTERFACE, "ListInstances", "(as)"};
-constexpr BusMethod GET_DEFINITION = {PARAMETERS_INTERFACE, "GetDefinition", "(a{sv})"};
-constexpr BusMethod GET_STATE = {PARAMETERS_INTERFACE, "GetState", "(a(susa(ii)as))"};
-constexpr BusMethod EXPLAIN = {PARAMETERS_INTERFACE, "Explain", "(a(ssusa{ss}))"};
-constexpr BusMethod PREVIEW = {PARAMETERS_INTERFACE, "Preview", "(a(sssas)a(ss))"};
+constexpr bool QUESTION = true;
+
+constexpr BusMethod LIST = {PARAMETERS_INTERFACE, "List", "(a(ssasuu))", QUESTION};
+constexpr BusMethod LIST_INSTANCES = {PARAMETERS_INTERFACE, "ListInstances", "(as)", QUESTION};
+constexpr BusMethod GET_DEFINITION = {PARAMETERS_INTERFACE, "GetDefinition", "(a{sv})", QUESTION};
+constexpr BusMethod GET_STATE = {PARAMETERS_INTERFACE, "GetState", "(a(susa(ii)as))", QUESTION};
+constexpr BusMethod EXPLAIN = {PARAMETERS_INTERFACE, "Explain", "(a(ssusa{ss}))", QUESTION};
+constexpr BusMethod PREVIEW = {PARAMETERS_INTERFACE, "Preview", "(a(sssas)a(ss))", QUESTION};
 constexpr BusMethod BEGIN = {PARAMETERS_INTERFACE, "Begin", "(u)"};
-constexpr BusMethod LIST_TRANSACTIONS = {PARAMETERS_INTERFACE, "ListTransactions", "(a(usuu))"};
+constexpr BusMethod LIST_TRANSACTIONS = {PARAMETERS_INTERFACE, "ListTransactions", "(a(usuu))",
+                                         QUESTION};
+constexpr BusMethod HISTORY = {PARAMETERS_INTERFACE, "History", "(a(utsa(sss)))", QUESTION};
+
 constexpr BusMethod WATCH = {PARAMETERS_INTERFACE, "Watch", "()"};
-constexpr BusMethod HISTORY = {PARAMETERS_INTERFACE, "History", "(a(utsa(sss)))"};
+constexpr BusMethod SET_READY = {PARAMETERS_INTERFACE, "SetReady", "()"};
 
 constexpr BusMethod END = {TRANSACTION_INTERFACE, "end", "()"};
 constexpr BusMethod COMMIT = {TRANSACTION_INTERFACE, "commit", "()"};
@@ -23,9 +28,9 @@ constexpr BusMethod SET = {TRANSACTION_INTERFACE, "set", "()"};
 constexpr BusMethod SET_STATUS = {TRANSACTION_INTERFACE, "set_status", "()"};
 constexpr BusMethod RESET_BULK = {TRANSACTION_INTERFACE, "reset_bulk", "()"};
 constexpr BusMethod RESET_STATUS_BULK = {TRANSACTION_INTERFACE, "reset_status_bulk", "()"};
-constexpr BusMethod GET_DEPS = {TRANSACTION_INTERFACE, "get_deps", "(as)"};
-constexpr BusMethod SINGLE_GET_BULK = {TRANSACTION_INTERFACE, "single_get_bulk", "(as)"};
-constexpr BusMethod GET_IDX_RANGE = {TRANSACTION_INTERFACE, "get_idx_range", "(asa(ii))"};
+constexpr BusMethod GET_DEPS = {TRANSACTION_INTERFACE, "get_deps", "(as)", QUESTION};
+constexpr BusMethod SINGLE_GET_BULK = {TRANSACTION_INTERFACE, "single_get_bulk", "(as)", QUESTION};
+constexpr BusMethod GET_IDX_RANGE = {TRANSACTION_INTERFACE, "get_idx_range", "(asa(ii))", QUESTION};
 
 // In the texts of get_deps about a name: its base is unknown, or its index values are not right.
 constexpr std::string_view INVALID_NAME = "because of invalid parameter";
@@ -229,6 +234,13 @@ std::vector<PastCommit> Service::history(uint32_t last) {
 
 void Service::watch(bool changes, bool limits) {
   static_cast<void>(ask(WATCH, g_variant_new("(bb)", changes, limits)));
+}
+
+std::optional<std::string> Service::setReady() {
+  const BusReply reply = bus_.call({SET_READY, nullptr});
+  const bool isOlder = reply.errorName == "org.freedesktop.DBus.Error.UnknownMethod";
+  if (reply.outcome == BUS_NO_SERVICE && !isOlder) giveUp(reply);
+  return reply.outcome == BUS_ANSWERED || isOlder ? std::nullopt : std::optional(reply.error);
 }
 
 uint32_t Service::begin() { return numberOf(*ask(BEGIN, nullptr), 0); }

@@ -35,6 +35,9 @@ class Service {
 
   /// Has the signals of the second interface sent to this client, or not.
   void watch(bool changes, bool limits);
+  /// Says that the device has been brought up, which an older service need not know; the service's
+  /// text where it refuses.
+  [[nodiscard]] std::optional<std::string> setReady();
 
   // Transactions.
   [[nodiscard]] uint32_t begin();

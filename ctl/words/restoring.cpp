@@ -201,3 +201,10 @@ int tellRestored(Client& client, const Restored& restored, const std::string& ve
   if (!told.refused.empty() || !told.absent.empty()) return STATUS_REFUSED;
   return isStrict && !told.cut.empty() ? STATUS_CUT : STATUS_DONE;
 }
+
+int tellReady(Client& client, int status) {
+  const std::optional<std::string> error = client.service.setReady();
+  if (!error) return status;
+  complain("cannot say that the device is ready: " + *error);
+  return status == STATUS_DONE ? STATUS_REFUSED : status;
+}

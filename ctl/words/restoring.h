@@ -30,6 +30,10 @@ std::vector<Refusal> commitLevel(Service& service, uint32_t transaction,
 Restored restoreByLevels(Service& service, const Levels& levels,
                          const std::vector<Assignment>& wanted, bool isStatus);
 
+/// Says that the device has been brought up. Returns `status`, or STATUS_REFUSED after a complaint
+/// where it was STATUS_DONE and the service refuses.
+int tellReady(Client& client, int status);
+
 /// Compares with what is stored; `refused` is what a commit has refused on the way.
 Restored restoredOf(Service& service, const Levels& levels, const std::vector<Assignment>& wanted,
                     const std::vector<Refusal>& refused);

@@ -176,11 +176,12 @@ int showRestoration(Client& client, const Levels& levels, const std::vector<Assi
 }
 
 int restore(Client& client, const FileArguments& arguments) {
+  client.service.bus().doNotWait();  // others wait for this
   const std::vector<Assignment> wanted = readValuesFile(arguments.file);
   const Levels levels(client.service);
   if (arguments.isDry) return showRestoration(client, levels, wanted, arguments);
-  return tellRestored(client, restoreByLevels(client.service, levels, wanted, arguments.isStatus),
-                      "restored", arguments.isStrict);
+  const Restored restored = restoreByLevels(client.service, levels, wanted, arguments.isStatus);
+  return tellReady(client, tellRestored(client, restored, "restored", arguments.isStrict));
 }
 
 }  // namespace

@@ -48,6 +48,7 @@ std::vector<Assignment> knownOnes(const Levels& levels, const std::vector<Assign
 }
 
 int up(Client& client, const UpArguments& arguments) {
+  client.service.bus().doNotWait();  // others wait for this
   std::vector<Assignment> wanted;
   if (!arguments.file.empty()) wanted = readValuesFile(arguments.file);
   const Levels levels(client.service);
@@ -63,7 +64,8 @@ int up(Client& client, const UpArguments& arguments) {
                      {"refused", result.refusedDefaults.size()}});
   }
   const int own = complainOfDefaults(result);
-  return status == STATUS_DONE ? own : status;
+  // Clients wait until the device is ready; what was refused is told, and keeps nobody waiting.
+  return tellReady(client, status == STATUS_DONE ? own : status);
 }
 
 }  // namespace

@@ -94,6 +94,11 @@ class Watcher {
     return arguments_.pattern.empty() || fitsPattern(arguments_.pattern, name);
   }
 
+  // The limits of all instances of a parameter are told as one.
+  [[nodiscard]] bool hasWantedInstances(const std::string& base) const {
+    return isWanted(base) || fitsPattern(std::string(baseOf(arguments_.pattern)), base);
+  }
+
   [[nodiscard]] std::string timeStart() const {
     if (!arguments_.hasTime) return {};
     return timeText(static_cast<uint64_t>(g_get_real_time())) + " ";
@@ -124,7 +129,7 @@ class Watcher {
     g_variant_get(parameters, "(uas)", nullptr, &names);
     const gchar* name = nullptr;
     while (g_variant_iter_next(names, "&s", &name) != FALSE) {
-      if (!isWanted(name)) continue;
+      if (!hasWantedInstances(name)) continue;
       print({{"limits", name}}, client_.out.style().name(quotedWord(name)) + ": limits changed");
     }
     g_variant_iter_free(names);

@@ -155,11 +155,11 @@ Restored restoreByLevels(Service& service, const Levels& levels,
     if (after == before) break;
     before = std::move(after);
   }
-  return restoredOf(service, levels, wanted, refused);
+  return restoredOf(service, levels, wanted, refused, isStatus);
 }
 
 Restored restoredOf(Service& service, const Levels& levels, const std::vector<Assignment>& wanted,
-                    const std::vector<Refusal>& refused) {
+                    const std::vector<Refusal>& refused, bool isStatus) {
   Restored restored;
   restored.refused = refused;
   std::set<std::string_view> refusedNames;
@@ -174,7 +174,11 @@ Restored restoredOf(Service& service, const Levels& levels, const std::vector<As
       std::erase_if(restored.refused, [&](const Refusal& each) { return each.name == name; });
     } else if (isSameValue(states[i].value, wanted[i].value)) {
       ++restored.count;
-    } else if (!refusedNames.contains(name)) {
+    } else if (refusedNames.contains(name)) {
+      continue;
+    } else if (!isStatus && !states[i].is(STATE_WRITABLE)) {
+      restored.refused.push_back({name, "it is not writable"});
+    } else {
       restored.cut.push_back({wanted[i], states[i]});
     }
   }

@@ -34,9 +34,11 @@ Restored restoreByLevels(Service& service, const Levels& levels,
 /// where it was STATUS_DONE and the service refuses.
 int tellReady(Client& client, int status);
 
-/// Compares with what is stored; `refused` is what a commit has refused on the way.
+/// Compares with what is stored; `refused` is what a commit has refused on the way. A commit passes
+/// over what is read-only without a word: where it was not made as of the device, that is refused,
+/// too.
 Restored restoredOf(Service& service, const Levels& levels, const std::vector<Assignment>& wanted,
-                    const std::vector<Refusal>& refused);
+                    const std::vector<Refusal>& refused, bool isStatus);
 
 /// Prints what was cut and complains of the rest; `verb` as in "kept". Returns the exit status.
 int tellRestored(Client& client, const Restored& restored, const std::string& verb, bool isStrict);

@@ -56,8 +56,9 @@ int up(Client& client, const UpArguments& arguments) {
   tell(client, result, levels.bases().size());
   int status = STATUS_DONE;
   if (!arguments.file.empty()) {
-    status = tellRestored(client, restoredOf(client.service, levels, wanted, result.refusedValues),
-                          "kept", arguments.isStrict);
+    status =
+        tellRestored(client, restoredOf(client.service, levels, wanted, result.refusedValues, true),
+                     "kept", arguments.isStrict);
   } else if (client.out.isJson()) {
     client.out.json({{"up", result.instances},
                      {"empty", result.empty},

@@ -164,4 +164,80 @@ TEST_F(CtlServiceTest, WatchesAlsoAnotherDaemon) {
   EXPECT_EQ(watch->waitForEnd().status, 3);
 }
 
+TEST_F(CtlServiceTest, WatchesLimits) {
+  serve(PICTURE);
+  expectLines({{.line = "ctl -q up"}});
+  const struct {
+    const char* arguments;
+    std::vector<std::string> lines;
+  } cases[] = {
+      {"--limits",
+       {"mode: wide -> slim", "position[1]: 80 -> 50", "position: limits changed",
+        "note: \"\" -> x"}},
+      {"", {"mode: wide -> slim", "position[1]: 80 -> 50", "note: \"\" -> x"}},
+      {"--limits 'position[2]'", {"position: limits changed"}},
+      {"--limits 'pos*'", {"position[1]: 80 -> 50", "position: limits changed"}},
+      {"--limits mode", {"mode: wide -> slim"}},
+      {"--json --limits 'm*'", {R"({"name":"mode","before":"wide","after":"slim"})"}},
+      {"--json --limits 'position[2]'", {R"({"limits":"position"})"}},
+      {"--json --time note", {R"({"name":"note","before":"","after":"x","time":T})"}},
+      {"--time note", {"T note: \"\" -> x"}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.arguments);
+    expectLines({{.line = "ctl -q set mode=wide 'position[1]=80' note="}});
+    // It watches once the first change is told; after the last one, it has told all.
+    const std::unique_ptr<Process> watch = start(
+        std::string("exec sh -c '\"$0\" watch \"$@\" | sed -u \"s/:[0-9]\\{16\\}/:T/; s/^[-0-9]* "
+                    "[:0-9]* /T /\"' \"$0\" ") +
+        c.arguments);
+    expectLines({{.line = "sleep 0.3; ctl -q set mode=slim; ctl -q set note=x"}});
+    for (const std::string& line : c.lines) EXPECT_EQ(watch->readLine(), line);
+  }
+  static_cast<void>(client().newSignals());
+}
+
+TEST_F(CtlServiceTest, PrintsJson) {
+  serve(PICTURE);
+  expectLines({
+      {.line = "ctl --json up",
+       .out = R"({"up":5,"empty":1,"refused":0})"
+              "\n"},
+      {.line = "printf 'position[1]=180\\ntemperature=61\\npositon=3\\nposition[9]=1\\n' | "
+               "ctl --json up --from - 2>/dev/null",
+       .out = R"({"kept":1,"cut":[{"name":"position[1]","asked":"180","value":"100",)"
+              R"("range":{"spans":[[0,100]],"texts":[]}}],"refused":[],"absent":["position[9]"],)"
+              R"("unknown":["positon"]})"
+              "\n",
+       .status = 5},
+      {.line = "ctl --json save",
+       .out = R"({"mode":"wide","position[1]":"100","position[2]":"40"})"
+              "\n"},
+      {.line = "ctl --json save --status file; cat file",
+       .out = "mode=wide\nposition[1]=100\nposition[2]=40\ntemperature=61\n"},
+      {.line = "ctl --json diff file", .out = "[]\n"},
+      {.line = "sed -i 's/=40/=30/' file; echo gone=4 >>file; ctl --json diff file 2>/dev/null",
+       .out = R"([{"name":"gone","before":"4","after":null},)"
+              R"({"name":"position[2]","before":"30","after":"40"}])"
+              "\n",
+       .status = 5},
+      {.line = "sed -i '/temp/d;/gone/d' file; ctl --json restore --dry-run file",
+       .out = R"([{"name":"position[2]","before":"40","after":"30"}])"
+              "\n"},
+      {.line = "ctl --json restore file",
+       .out = R"({"restored":3,"cut":[],"refused":[],"absent":[],"unknown":[]})"
+              "\n"},
+      {.line = "echo temperature=1 | ctl --json restore - 2>/dev/null",
+       .out = R"({"restored":0,"cut":[],"refused":[{"name":"temperature",)"
+              R"("why":"it is not writable"}],"absent":[],"unknown":[]})"
+              "\n",
+       .status = 1},
+      // Nothing to take back: the first commit has filled empty values.
+      {.line = "ctl --json undo 1 --force",
+       .out = R"({"stored":[],"followed":[]})"
+              "\n"},
+      {.line = "ctl --json undo 1 --force --dry-run", .out = "[]\n"},
+  });
+}
+
 }  // namespace

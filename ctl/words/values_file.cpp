@@ -4,13 +4,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <iostream>
-#include <iterator>
 #include <set>
 
 #include "ctl/service/exit_status.h"
@@ -19,17 +17,24 @@
 
 namespace {
 
+[[noreturn]] void refuseReading(const std::string& path) {
+  endWith(STATUS_USAGE, "cannot read " + quotedWord(path) + ": " + std::strerror(errno));
+}
+
 std::string readAll(const std::string& path) {
-  if (path == "-") return {std::istreambuf_iterator<char>(std::cin), {}};
-  std::ifstream file(path, std::ios::binary);
-  const bool isOpen = file.is_open();
+  const int descriptor = path == "-" ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) refuseReading(path);
   std::string text;
-  if (isOpen) text.assign(std::istreambuf_iterator<char>(file), {});
-  struct stat status = {};
-  if (isOpen && stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) errno = EISDIR;
-  if (!isOpen || S_ISDIR(status.st_mode)) {
-    endWith(STATUS_USAGE, "cannot read " + quotedWord(path) + ": " + std::strerror(errno));
+  std::array<char, 65536> part;
+  ssize_t length = 0;
+  while ((length = read(descriptor, part.data(), part.size())) != 0) {
+    if (length > 0) {
+      text.append(part.data(), static_cast<size_t>(length));
+    } else if (errno != EINTR) {
+      refuseReading(path);  // a directory, for example
+    }
   }
+  close(descriptor);
   return text;
 }
 

@@ -123,6 +123,9 @@ TEST_F(CtlConfirmTest, ConfirmsOneOfSeveral) {
        .err = first + second + "say which, by the number: ostrelctl confirm " +
               first.substr(0, first.find(':')) + "\n",
        .status = 1},
+      {.line = "XDG_RUNTIME_DIR=. ctl --address \"$DBUS_SESSION_BUS_ADDRESS\" confirm 2>&1 | "
+               "sed -n 's/.* --address .* confirm [0-9]*$/the same bus/p'",
+       .out = "the same bus\n"},
       {.line = "XDG_RUNTIME_DIR=. ctl confirm --json " + std::to_string(other->pid()),
        .out = "{\"confirmed\":" + std::to_string(other->pid()) + ",\"what\":\"position[2]=2\"}\n"},
   });

@@ -15,12 +15,13 @@ std::string lineOf(const WaitingCommit& commit) {
 }
 
 // The one that is meant. Ends the program where that is not clear.
-WaitingCommit chosen(const std::vector<WaitingCommit>& waiting, std::optional<pid_t> process) {
+WaitingCommit chosen(const Client& client, std::optional<pid_t> process) {
+  const std::vector<WaitingCommit> waiting = waitingCommits(client.service);
   if (waiting.empty()) endWith(STATUS_UNKNOWN, "no commit waits to be confirmed");
   if (!process) {
     if (waiting.size() == 1) return waiting.front();
     for (const WaitingCommit& each : waiting) complain(lineOf(each));
-    endWith(STATUS_REFUSED, "say which, by the number: ostrelctl confirm " +
+    endWith(STATUS_REFUSED, "say which, by the number: " + client.program + " confirm " +
                                 std::to_string(waiting.front().process));
   }
   const auto found = std::ranges::find(waiting, *process, &WaitingCommit::process);
@@ -30,7 +31,7 @@ WaitingCommit chosen(const std::vector<WaitingCommit>& waiting, std::optional<pi
 }
 
 int confirm(Client& client, std::optional<pid_t> process) {
-  const WaitingCommit commit = chosen(waitingCommits(client.service), process);
+  const WaitingCommit commit = chosen(client, process);
   if (!confirmWaiting(commit)) endWith(STATUS_REFUSED, "too late: " + lineOf(commit));
   if (client.out.isJson()) {
     client.out.json({{"confirmed", commit.process}, {"what", commit.what}});

@@ -85,7 +85,7 @@ int awaitConfirmation(Client& client, Confirmation& confirmation, const std::str
   const bool hasTerminal = isatty(STDIN_FILENO) == 1;
   complain("this is taken back in " + std::to_string(seconds) +
            " s, unless it is confirmed: " + (hasTerminal ? "press Enter, or elsewhere: " : "") +
-           "ostrelctl confirm " + std::to_string(getpid()));
+           client.program + " confirm " + std::to_string(getpid()));
   std::fflush(stdout);
   const Decision decision = confirmation.wait(seconds);
   switch (decision) {

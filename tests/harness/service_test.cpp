@@ -9,11 +9,10 @@ void ServiceTest::serve(const std::string& text, const std::vector<std::string>&
                         const std::map<std::string, std::string>& environment) {
   std::vector<std::string> arguments = {"--debug", "--"};
   arguments.insert(arguments.end(), constants.begin(), constants.end());
-  daemon_ = std::make_unique<Daemon>(
-      Daemon::Options{.text = text,
-                      .arguments = arguments,
-                      .busAddress = bus_.address(),
-                      .environment = environment});
+  daemon_ = std::make_unique<Daemon>(Daemon::Options{.text = text,
+                                                     .arguments = arguments,
+                                                     .busAddress = bus_.address(),
+                                                     .environment = environment});
   if (!client_.waitForService(daemon_->process())) {
     const Ending ending = daemon_->waitForEnd();
     daemon_.reset();

@@ -86,6 +86,7 @@ Completion offersFor(const TypedLine& typed) {
   if (!isUsable || !hasBus(typed.bus)) return {};
   const std::unique_ptr<Bus> bus = Bus::connect(typed.bus, error);
   if (bus == nullptr) return {};
+  bus->doNotWait();  // a call that waits would start the service, too
   Service service(*bus);
   return {.candidates = offersOf(service, typed)};
 }

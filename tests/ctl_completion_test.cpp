@@ -125,6 +125,12 @@ TEST_F(CtlCompletionTest, OffersTransactionsThatCanBeEnded) {
   expectCompletions({{"transactions --end ''", "whole\n" + id + "\n"}});
 }
 
+// Nobody waits for a tab, and none brings up a device.
+TEST_F(CtlCompletionTest, DoesNotWaitForTheBringUp) {
+  serve(DEVICE, {}, {{"OSTREL_BRING_UP", "1"}});
+  expectCompletions({{"get mo", "whole\nmode\n"}, {"set mode=s", "whole\nmode=slim\n"}});
+}
+
 TEST_F(CtlCompletionTest, SpeaksToBash) {
   serve(DEVICE);
   expectLines({

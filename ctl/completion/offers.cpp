@@ -39,10 +39,6 @@ TypedAssignment typedAssignment(const std::string& text) {
 // Signs that List would take for a pattern.
 bool isPlain(const std::string& base) { return base.find_first_of("*?\\]") == std::string::npos; }
 
-bool canBeSet(const ListedParameter& listed) {
-  return listed.access == "rw" || listed.access == "wo";
-}
-
 class Offers {
  public:
   Offers(Service& service, const TypedLine& typed)
@@ -107,7 +103,7 @@ class Offers {
   [[nodiscard]] bool isWanted(const ListedParameter& listed) const {
     if (listed.isIndex()) return false;
     const bool isToBeSet = word_ == "set" || word_ == "try" || word_ == "reset";
-    return !isToBeSet || typed_.isStatus || canBeSet(listed);
+    return !isToBeSet || typed_.isStatus || listed.canBeSet();
   }
 
   // The instances with a name that begins with the text, also what has no indices.

@@ -25,6 +25,8 @@ struct ListedParameter {
   uint32_t level = 0;
 
   [[nodiscard]] bool isIndex() const { return access == "index"; }
+  /// Whether a client may ever set it, and not the device alone.
+  [[nodiscard]] bool canBeSet() const { return access == "rw" || access == "wo"; }
 };
 
 /// The integers from the first to the second, both included.

@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
-#include <map>
 #include <set>
 
 #include "base/number.h"
 #include "ctl/text/assignment.h"
 #include "ctl/text/range_text.h"
 #include "ctl/text/sentences.h"
+#include "ctl/words/levels.h"
 
 namespace {
 
@@ -49,16 +49,13 @@ class CandidateWalk {
   CandidateWalk(Client& client, const std::string& name, const std::string& wanted)
       : client_(client),
         wanted_(wanted),
-        dependencies_(client.service.dependencies({name}).front().value_or(Names())) {
-    for (const ListedParameter& listed : client.service.list("")) {
-      accesses_[listed.name] = listed.access;
-    }
-  }
+        dependencies_(client.service.dependencies({name}).front().value_or(Names())),
+        parameters_(client.service) {}
 
   void add(const std::vector<Reason>& reasons) {
     Names deciding;
     for (const std::string& name : dependencies_) {
-      if (!isParameter(name) || !isMentioned(reasons, name)) continue;
+      if (!parameters_.has(name) || !isMentioned(reasons, name)) continue;
       if (known_.insert(name).second) deciding.push_back(name);
     }
     addLiterals(reasons);
@@ -66,7 +63,7 @@ class CandidateWalk {
     // What limits a candidate decides with it, where a value is wanted.
     Names decided;
     for (const InstanceState& state : client_.service.states(COMMITTED, deciding)) {
-      if (canBeSet(state.name)) candidates_.push_back(state);
+      if (parameters_.canBeSet(state.name)) candidates_.push_back(state);
       if (!wanted_.empty() || !state.is(STATE_WRITABLE)) decided.push_back(state.name);
     }
     if (decided.empty() || candidates_.size() >= MOST_CANDIDATES) return;
@@ -93,14 +90,6 @@ class CandidateWalk {
   }
 
  private:
-  [[nodiscard]] bool isParameter(const std::string& name) const {
-    const auto found = accesses_.find(std::string(baseOf(name)));
-    return found != accesses_.end() && found->second != "index";
-  }
-  [[nodiscard]] bool canBeSet(const std::string& name) const {
-    const std::string& access = accesses_.at(std::string(baseOf(name)));
-    return access == "rw" || access == "wo";
-  }
   static bool isMentioned(const std::vector<Reason>& reasons, const std::string& name) {
     return std::ranges::any_of(
         reasons, [&](const Reason& reason) { return mentions(reason.statement, baseOf(name)); });
@@ -116,7 +105,7 @@ class CandidateWalk {
   Client& client_;
   const std::string wanted_;
   const Names dependencies_;
-  std::map<std::string, std::string> accesses_;
+  const Levels parameters_;
   std::set<std::string> known_;
   std::set<std::string> literals_;
   std::vector<InstanceState> candidates_;

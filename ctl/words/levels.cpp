@@ -1,5 +1,8 @@
 #include "ctl/words/levels.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "ctl/text/assignment.h"
 
 Levels::Levels(Service& service) {
@@ -18,6 +21,18 @@ uint32_t Levels::of(const std::string& name) const {
 
 const std::string& Levels::access(const std::string& name) const {
   return parameters_.find(baseOf(name))->second.access;
+}
+
+bool Levels::canBeSet(const std::string& name) const {
+  const auto found = parameters_.find(baseOf(name));
+  return found != parameters_.end() && found->second.canBeSet();
+}
+
+std::vector<Assignment> Levels::known(const std::vector<Assignment>& assignments) const {
+  std::vector<Assignment> known;
+  std::ranges::copy_if(assignments, std::back_inserter(known),
+                       [&](const Assignment& each) { return has(each.name); });
+  return known;
 }
 
 std::map<uint32_t, Names> Levels::sorted(const Names& names) const {

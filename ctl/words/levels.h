@@ -19,6 +19,10 @@ class Levels {
   /// The level of a parameter that there is.
   [[nodiscard]] uint32_t of(const std::string& name) const;
   [[nodiscard]] const std::string& access(const std::string& name) const;
+  /// Whether there is such a parameter, and a client may ever set it.
+  [[nodiscard]] bool canBeSet(const std::string& name) const;
+  /// Those of parameters that there are.
+  [[nodiscard]] std::vector<Assignment> known(const std::vector<Assignment>& assignments) const;
 
   [[nodiscard]] std::map<uint32_t, Names> sorted(const Names& names) const;
   [[nodiscard]] std::map<uint32_t, std::vector<Assignment>> sorted(

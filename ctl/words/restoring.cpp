@@ -142,9 +142,7 @@ std::vector<Refusal> commitLevel(Service& service, uint32_t transaction,
 
 Restored restoreByLevels(Service& service, const Levels& levels,
                          const std::vector<Assignment>& wanted, bool isStatus) {
-  std::vector<Assignment> known;
-  std::ranges::copy_if(wanted, std::back_inserter(known),
-                       [&](const Assignment& each) { return levels.has(each.name); });
+  const std::vector<Assignment> known = levels.known(wanted);
   const auto byLevel = levels.sorted(known);
   std::vector<Refusal> refused;
   Names before;

@@ -132,11 +132,7 @@ int diff(Client& client, const FileArguments& arguments) {
 int showRestoration(Client& client, const Levels& levels, const std::vector<Assignment>& wanted,
                     const FileArguments& arguments) {
   const OwnTransaction trial(client.service);
-  std::vector<Assignment> known;
-  for (const Assignment& each : wanted) {
-    if (levels.has(each.name)) known.push_back(each);
-  }
-  static_cast<void>(client.service.set(trial.id(), known, arguments.isStatus));
+  static_cast<void>(client.service.set(trial.id(), levels.known(wanted), arguments.isStatus));
   Names names;
   for (const Assignment& each : wanted) names.push_back(each.name);
   const std::vector<InstanceState> now = client.service.states(COMMITTED, names);

@@ -11,12 +11,11 @@
 #include "ctl/words/arguments.h"
 #include "ctl/words/asked.h"
 #include "ctl/words/commits.h"
+#include "ctl/words/levels.h"
 #include "ctl/words/limit_changes.h"
 #include "ctl/words/word.h"
 
 namespace {
-
-using Parameters = std::map<std::string, ListedParameter>;
 
 struct TryArguments {
   Texts texts;
@@ -30,15 +29,6 @@ struct Effect {
   std::string line;
   Json json;
 };
-
-Parameters parametersOf(Client& client) {
-  Parameters parameters;
-  for (ListedParameter& listed : client.service.list("")) {
-    std::string name = listed.name;
-    parameters.emplace(std::move(name), std::move(listed));
-  }
-  return parameters;
-}
 
 std::string causeText(const std::string& name, const std::vector<std::string>& because) {
   Names others = because;
@@ -63,13 +53,12 @@ std::map<std::string, std::string> valuesAfter(Client& client, const Preview& pr
 }
 
 // A preview says nothing of what is never announced.
-bool isAnnounced(const Parameters& parameters, const std::string& name) {
-  const auto found = parameters.find(std::string(baseOf(name)));
-  return found != parameters.end() && found->second.access != "rostrict";
+bool isAnnounced(const Levels& levels, const std::string& name) {
+  return levels.has(name) && levels.access(name) != "rostrict";
 }
 
 Cuts findCuts(Client& client, const Preview& preview, const std::vector<Assignment>& assignments,
-              const Parameters& parameters) {
+              const Levels& levels) {
   const std::map<std::string, std::string> after = valuesAfter(client, preview, assignments);
   const std::vector<std::string> translated = translatedValues(client, assignments);
   Cuts cuts;
@@ -77,7 +66,7 @@ Cuts findCuts(Client& client, const Preview& preview, const std::vector<Assignme
     const auto& [name, value] = assignments[i];
     const bool isRefused =
         std::ranges::find(preview.refused, name, &Refusal::name) != preview.refused.end();
-    if (isRefused || !isAnnounced(parameters, name)) continue;
+    if (isRefused || !isAnnounced(levels, name)) continue;
     if (!isSameValue(translated[i], after.at(name))) cuts.push_back({name, value, after.at(name)});
   }
   return cuts;
@@ -120,8 +109,7 @@ Effect effectOf(const Style& style, const LimitChange& change) {
 
 class TryReport {
  public:
-  TryReport(Client& client, const Parameters& parameters)
-      : client_(client), parameters_(parameters) {}
+  TryReport(Client& client, const Levels& levels) : client_(client), levels_(levels) {}
 
   void add(const std::vector<Change>& changes, const Cuts& cuts) {
     Names shown;
@@ -136,7 +124,7 @@ class TryReport {
   void add(const std::vector<LimitChange>& changes) {
     for (const LimitChange& change : changes) {
       // What the device itself sets has no limits that anybody chooses in.
-      if (!client_.out.isJson() && !canBeSet(change.after.name)) continue;
+      if (!client_.out.isJson() && !levels_.canBeSet(change.after.name)) continue;
       add(limits_, change.after.name, effectOf(client_.out.style(), change));
     }
   }
@@ -157,17 +145,12 @@ class TryReport {
   }
 
  private:
-  [[nodiscard]] bool canBeSet(const std::string& name) const {
-    const auto found = parameters_.find(std::string(baseOf(name)));
-    return found != parameters_.end() && !found->second.access.starts_with("ro");
-  }
   void add(const Change& change, const Change* cut, Names& shown) {
     add(changes_, change.name, effectOf(client_.out.style(), change, cut));
     shown.push_back(change.name);
   }
   void add(std::vector<Effect>& effects, const std::string& name, Effect effect) {
-    const auto found = parameters_.find(std::string(baseOf(name)));
-    effect.level = found == parameters_.end() ? 0 : found->second.level;
+    effect.level = levels_.has(name) ? levels_.of(name) : 0;
     effect.json["level"] = effect.level;
     effects.push_back(std::move(effect));
   }
@@ -183,7 +166,7 @@ class TryReport {
   }
 
   Client& client_;
-  const Parameters& parameters_;
+  const Levels& levels_;
   std::vector<Effect> changes_;
   std::vector<Effect> limits_;
 };
@@ -193,9 +176,9 @@ int tryCommit(Client& client, const TryArguments& arguments) {
   const OwnTransaction transaction(client.service);
   stage(client, transaction.id(), assignments, arguments.isStatus);
   const Preview preview = client.service.preview(transaction.id());
-  const Parameters parameters = parametersOf(client);
-  const Cuts cuts = findCuts(client, preview, assignments, parameters);
-  TryReport report(client, parameters);
+  const Levels levels(client.service);
+  const Cuts cuts = findCuts(client, preview, assignments, levels);
+  TryReport report(client, levels);
   report.add(preview.changes, cuts);
   report.add(limitChanges(client, transaction.id(), preview.changes));
   report.print(preview.refused);

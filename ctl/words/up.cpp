@@ -39,20 +39,12 @@ int complainOfDefaults(const BroughtUp& result) {
   return result.refusedDefaults.empty() && result.restless.empty() ? STATUS_DONE : STATUS_REFUSED;
 }
 
-std::vector<Assignment> knownOnes(const Levels& levels, const std::vector<Assignment>& wanted) {
-  std::vector<Assignment> known;
-  for (const Assignment& each : wanted) {
-    if (levels.has(each.name)) known.push_back(each);
-  }
-  return known;
-}
-
 int up(Client& client, const UpArguments& arguments) {
   client.service.bus().doNotWait();  // others wait for this
   std::vector<Assignment> wanted;
   if (!arguments.file.empty()) wanted = readValuesFile(arguments.file);
   const Levels levels(client.service);
-  const BroughtUp result = BringUp(client.service, levels, knownOnes(levels, wanted)).run();
+  const BroughtUp result = BringUp(client.service, levels, levels.known(wanted)).run();
   tell(client, result, levels.bases().size());
   int status = STATUS_DONE;
   if (!arguments.file.empty()) {

@@ -104,3 +104,8 @@ struct Definition {
   std::vector<Assignment> translations;  ///< a value, and what it becomes
   std::vector<std::string> usedBy;       ///< parameters and indices that refer to it, ascending
 };
+
+/// The names of assignments, in their order.
+std::vector<std::string> namesOf(const std::vector<Assignment>& assignments);
+/// Takes out what has been refused.
+void removeRefused(std::vector<Assignment>& assignments, const std::vector<Refusal>& refused);

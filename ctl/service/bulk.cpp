@@ -69,10 +69,8 @@ std::vector<Refusal> stageValues(Service& service, uint32_t transaction,
   const auto error = inOrder(service, {valuesCall(transaction, assignments, isStatus)}).front();
   if (!error) return {};
   // The error does not name them; what is not staged has been refused.
-  Names names;
-  for (const Assignment& assignment : assignments) names.push_back(assignment.name);
   std::vector<Refusal> refused;
-  for (const InstanceState& state : service.states(transaction, names)) {
+  for (const InstanceState& state : service.states(transaction, namesOf(assignments))) {
     if (!state.is(STATE_STAGED)) refused.push_back({state.name, *error});
   }
   return refused;

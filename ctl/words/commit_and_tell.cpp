@@ -9,6 +9,7 @@
 #include "ctl/text/range_text.h"
 #include "ctl/text/sentences.h"
 #include "ctl/words/asked.h"
+#include "ctl/words/commits.h"
 
 namespace {
 
@@ -74,10 +75,9 @@ Json jsonOf(const Stored& stored) {
 }
 
 Json jsonOf(const Change& change) {
-  return {{"name", change.name},
-          {"before", change.before},
-          {"after", change.after},
-          {"because", change.because}};
+  Json json = changeJson(change);
+  json["because"] = change.because;
+  return json;
 }
 
 bool isAmong(const std::vector<Wanted>& wanted, const Change& change) {
@@ -105,6 +105,13 @@ void tell(const Output& out, const std::vector<Stored>& stored,
 }
 
 }  // namespace
+
+std::vector<Wanted> wantedOf(const std::vector<Assignment>& assignments) {
+  std::vector<Wanted> wanted;
+  wanted.reserve(assignments.size());
+  for (const Assignment& each : assignments) wanted.push_back({each.name, each.value});
+  return wanted;
+}
 
 std::string followerLine(const Style& style, const Change& change) {
   std::string note = "was " + quotedWord(change.before);

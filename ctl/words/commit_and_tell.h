@@ -13,6 +13,8 @@ struct Wanted {
   std::optional<std::string> value;
 };
 
+std::vector<Wanted> wantedOf(const std::vector<Assignment>& assignments);
+
 struct TellOptions {
   bool isStrict = false;  ///< STATUS_CUT where something was cut
   bool onlyCut = false;   ///< prints lines only for what was cut

@@ -16,12 +16,6 @@ namespace {
 // After that many rounds, values are taken to be ones that never agree.
 constexpr size_t MOST_ROUNDS = 10;
 
-Names namesOf(const std::vector<Assignment>& assignments) {
-  Names names;
-  for (const Assignment& assignment : assignments) names.push_back(assignment.name);
-  return names;
-}
-
 // Those of the values that exist and are not stored already.
 std::vector<Assignment> missing(Service& service, const std::vector<Assignment>& wanted) {
   if (wanted.empty()) return {};
@@ -31,12 +25,6 @@ std::vector<Assignment> missing(Service& service, const std::vector<Assignment>&
     if (states[i].is(STATE_EXISTS) && states[i].value != wanted[i].value) all.push_back(wanted[i]);
   }
   return all;
-}
-
-void remove(std::vector<Assignment>& assignments, const std::vector<Refusal>& refused) {
-  std::set<std::string_view> names;
-  for (const Refusal& refusal : refused) names.insert(refusal.name);
-  std::erase_if(assignments, [&](const Assignment& each) { return names.contains(each.name); });
 }
 
 // One round through the levels; returns what was refused.
@@ -125,9 +113,9 @@ std::vector<Refusal> commitLevel(Service& service, uint32_t transaction,
   {
     const OwnTransaction trial(service);
     refused = stageValues(service, trial.id(), left, isStatus);
-    remove(left, refused);
+    removeRefused(left, refused);
     const std::vector<Refusal> later = service.preview(trial.id()).refused;
-    remove(left, later);
+    removeRefused(left, later);
     refused.insert(refused.end(), later.begin(), later.end());
   }
   if (!left.empty()) static_cast<void>(commitValues(service, transaction, left, isStatus));

@@ -133,8 +133,7 @@ int showRestoration(Client& client, const Levels& levels, const std::vector<Assi
                     const FileArguments& arguments) {
   const OwnTransaction trial(client.service);
   static_cast<void>(client.service.set(trial.id(), levels.known(wanted), arguments.isStatus));
-  Names names;
-  for (const Assignment& each : wanted) names.push_back(each.name);
+  const Names names = namesOf(wanted);
   const std::vector<InstanceState> now = client.service.states(COMMITTED, names);
   const std::vector<InstanceState> then = client.service.states(trial.id(), names);
   const std::vector<std::string> values = translatedValues(client, wanted);

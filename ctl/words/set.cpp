@@ -33,12 +33,8 @@ int setNow(Client& client, const SetArguments& arguments,
            const std::vector<Assignment>& assignments) {
   const OwnTransaction transaction(client.service);
   stage(client, transaction.id(), assignments, arguments.isStatus);
-  std::vector<Wanted> wanted;
-  wanted.reserve(assignments.size());
-  for (const Assignment& assignment : assignments) {
-    wanted.push_back({assignment.name, assignment.value});
-  }
-  return commitAndTell(client, transaction.id(), wanted, {.isStrict = arguments.isStrict});
+  return commitAndTell(client, transaction.id(), wantedOf(assignments),
+                       {.isStrict = arguments.isStrict});
 }
 
 int set(Client& client, const SetArguments& arguments) {

@@ -42,10 +42,8 @@ using Cuts = std::vector<Change>;
 // Where nothing changes, the committed value stays.
 std::map<std::string, std::string> valuesAfter(Client& client, const Preview& preview,
                                                const std::vector<Assignment>& assignments) {
-  Names names;
-  for (const Assignment& assignment : assignments) names.push_back(assignment.name);
   std::map<std::string, std::string> values;
-  for (const InstanceState& state : client.service.states(COMMITTED, names)) {
+  for (const InstanceState& state : client.service.states(COMMITTED, namesOf(assignments))) {
     values[state.name] = state.value;
   }
   for (const Change& change : preview.changes) values[change.name] = change.after;

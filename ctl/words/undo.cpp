@@ -55,13 +55,8 @@ Reversal reversalOf(Client& client, const PastCommit& commit) {
 // back by itself.
 std::vector<Assignment> stageReversal(Client& client, uint32_t transaction,
                                       std::vector<Assignment> assignments) {
-  const auto remove = [&](const std::vector<Refusal>& refused) {
-    std::erase_if(assignments, [&](const Assignment& assignment) {
-      return std::ranges::find(refused, assignment.name, &Refusal::name) != refused.end();
-    });
-  };
-  remove(client.service.set(transaction, assignments, false));
-  remove(client.service.preview(transaction).refused);
+  removeRefused(assignments, client.service.set(transaction, assignments, false));
+  removeRefused(assignments, client.service.preview(transaction).refused);
   return assignments;
 }
 
@@ -86,9 +81,10 @@ int complainOfOvertaken(const std::vector<Change>& overtaken) {
 
 // Says that a commit stays, as it has changed only what was empty or what comes back by itself.
 int tellNothing(const Output& out, bool isDry) {
-  if (!out.isJson()) out.line("nothing to take back");
   if (out.isJson()) {
     out.json(isDry ? Json::array() : Json{{"stored", Json::array()}, {"followed", Json::array()}});
+  } else {
+    out.line("nothing to take back");
   }
   return STATUS_DONE;
 }
@@ -109,12 +105,7 @@ int undo(Client& client, const UndoArguments& arguments) {
   stage(client, transaction.id(), assignments);
   show(client.out, client.service.preview(transaction.id()), arguments.isDry);
   if (arguments.isDry) return STATUS_DONE;
-  std::vector<Wanted> wanted;
-  wanted.reserve(assignments.size());
-  for (const Assignment& assignment : assignments) {
-    wanted.push_back({assignment.name, assignment.value});
-  }
-  return commitAndTell(client, transaction.id(), wanted, {.onlyCut = true});
+  return commitAndTell(client, transaction.id(), wantedOf(assignments), {.onlyCut = true});
 }
 
 }  // namespace

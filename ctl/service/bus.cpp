@@ -212,6 +212,12 @@ void Bus::send(const BusCall& call) {
                          G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr, nullptr, nullptr);
 }
 
+guint Bus::subscribe(const char* signal, GDBusSignalCallback taken, gpointer data) {
+  return g_dbus_connection_signal_subscribe(
+      connection_, name_.c_str(), interfaceName(PARAMETERS_INTERFACE), signal,
+      path(PARAMETERS_INTERFACE).c_str(), nullptr, G_DBUS_SIGNAL_FLAGS_NONE, taken, data, nullptr);
+}
+
 std::string Bus::noServiceText(std::string_view errorName, const BusCall& call,
                                const std::string& text) const {
   if (!errorName.starts_with(BUS_ERROR)) return {};

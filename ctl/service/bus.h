@@ -71,6 +71,10 @@ class Bus {
   /// Calls a method that nobody waits for.
   void send(const BusCall& call);
 
+  /// Has `taken` called for each such signal of the second interface, with `data`. Returns the
+  /// subscription.
+  guint subscribe(const char* signal, GDBusSignalCallback taken, gpointer data);
+
   [[nodiscard]] GDBusConnection& connection() { return *connection_; }
   /// The bus name of the service.
   [[nodiscard]] const std::string& name() const { return name_; }

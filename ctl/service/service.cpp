@@ -161,6 +161,10 @@ std::vector<BusCall> callsFor(const BusMethod& method, const std::vector<Each>& 
 
 }  // namespace
 
+PastCommit changedCommit(GVariant& arguments) {
+  return {numberOf(arguments, 0), 0, textOf(arguments, 1), eachOf(arguments, 2, changeOf)};
+}
+
 VariantHolder Service::ask(const BusMethod& method, GVariant* arguments) {
   BusReply reply = bus_.call({method, arguments});
   if (reply.outcome != BUS_ANSWERED) giveUp(reply);

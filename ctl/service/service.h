@@ -73,6 +73,9 @@ class Service {
   Bus& bus_;
 };
 
+/// What the signal Changed tells, from its arguments; its time is 0.
+PastCommit changedCommit(GVariant& arguments);
+
 /// A transaction of this client alone, dropped with its holder, and by the service where the
 /// program ends in any other way.
 class OwnTransaction {

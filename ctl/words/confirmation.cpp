@@ -49,10 +49,7 @@ Confirmation::Confirmation(Service& service)
   nameWatch_ = g_bus_watch_name_on_connection(connection, service.bus().name().c_str(),
                                               G_BUS_NAME_WATCHER_FLAGS_NONE, onAppeared, onVanished,
                                               this, nullptr);
-  subscription_ = g_dbus_connection_signal_subscribe(
-      connection, service.bus().name().c_str(), interfaceName(PARAMETERS_INTERFACE), "Changed",
-      service.bus().path(PARAMETERS_INTERFACE).c_str(), nullptr, G_DBUS_SIGNAL_FLAGS_NONE,
-      onChanged, this, nullptr);
+  subscription_ = service.bus().subscribe("Changed", onChanged, this);
   service.watch(true, false);
   while (owner_.empty() && !isDecided_) g_main_context_iteration(nullptr, TRUE);
 }
@@ -113,21 +110,15 @@ void Confirmation::onChanged(GDBusConnection* /*connection*/, const gchar* /*sen
                              const gchar* /*path*/, const gchar* /*interface*/,
                              const gchar* /*signal*/, GVariant* parameters, gpointer self) {
   auto& confirmation = *static_cast<Confirmation*>(self);
-  guint32 serial = 0;
-  const gchar* caller = nullptr;
-  GVariantIter* changes = nullptr;
-  g_variant_get(parameters, "(u&sa(sss))", &serial, &caller, &changes);
-  const gchar* name = nullptr;
-  const gchar* before = nullptr;
-  const gchar* after = nullptr;
-  while (g_variant_iter_next(changes, "(&s&s&s)", &name, &before, &after) != FALSE) {
-    if (confirmation.own_ == caller) {
-      confirmation.changes_.push_back({name, before, after});
+  const PastCommit commit = changedCommit(*parameters);
+  for (const Change& change : commit.changes) {
+    if (commit.caller == confirmation.own_) {
+      confirmation.changes_.push_back(change);
     } else {
-      confirmation.later_[name] = {.serial = serial, .time = 0, .caller = caller, .changes = {}};
+      confirmation.later_[change.name] = {
+          .serial = commit.serial, .time = 0, .caller = commit.caller, .changes = {}};
     }
   }
-  g_variant_iter_free(changes);
 }
 
 gboolean Confirmation::onSignal(gint descriptor, GIOCondition /*condition*/, gpointer self) {

@@ -30,10 +30,7 @@ class Watcher {
     GDBusConnection* const connection = &client_.service.bus().connection();
     const std::string& name = client_.service.bus().name();
     for (const char* signal : {"Changed", "LimitsChanged"}) {
-      g_dbus_connection_signal_subscribe(
-          connection, name.c_str(), interfaceName(PARAMETERS_INTERFACE), signal,
-          client_.service.bus().path(PARAMETERS_INTERFACE).c_str(), nullptr,
-          G_DBUS_SIGNAL_FLAGS_NONE, onSignal, this, nullptr);
+      client_.service.bus().subscribe(signal, onSignal, this);
     }
     g_signal_connect(connection, "closed", G_CALLBACK(onClosed), this);
     g_bus_watch_name_on_connection(connection, name.c_str(), G_BUS_NAME_WATCHER_FLAGS_NONE,
@@ -111,17 +108,10 @@ class Watcher {
   }
 
   void tellChanges(GVariant* parameters) {
-    GVariantIter* changes = nullptr;
-    g_variant_get(parameters, "(u&sa(sss))", nullptr, nullptr, &changes);
-    const gchar* name = nullptr;
-    const gchar* before = nullptr;
-    const gchar* after = nullptr;
-    while (g_variant_iter_next(changes, "(&s&s&s)", &name, &before, &after) != FALSE) {
-      const Change change = {name, before, after};
+    for (const Change& change : changedCommit(*parameters).changes) {
       if (!isWanted(change.name)) continue;
       print(changeJson(change), changeLine(client_.out.style(), change));
     }
-    g_variant_iter_free(changes);
   }
 
   void tellLimits(GVariant* parameters) {

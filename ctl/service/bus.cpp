@@ -136,16 +136,7 @@ Bus::Bus(GDBusConnection* connection, const BusOptions& options)
 
 Bus::~Bus() { g_object_unref(connection_); }
 
-BusReply Bus::call(const BusCall& call) {
-  if (mustWait_) return std::move(callAll({call}).front());
-  GError* error = nullptr;
-  const BusMethod& method = call.method;
-  GVariant* const value = g_dbus_connection_call_sync(
-      connection_, name_.c_str(), path(method.interface).c_str(), interfaceName(method.interface),
-      method.name, call.arguments, G_VARIANT_TYPE(method.replyType), flagsOf(method),
-      options_.timeout * 1000, nullptr, &error);
-  return replyOf(call, value, error);
-}
+BusReply Bus::call(const BusCall& call) { return std::move(callAll({call}).front()); }
 
 std::vector<BusReply> Bus::callAll(const std::vector<BusCall>& calls) {
   return mustWait_ ? callWhenReady(calls) : callInOrder(calls);

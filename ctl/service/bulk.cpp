@@ -2,37 +2,24 @@
 
 #include <algorithm>
 
+#include "ctl/service/calls.h"
 #include "ctl/service/exit_status.h"
 
 namespace {
 
-constexpr BusMethod RESET_BULK = {TRANSACTION_INTERFACE, "reset_bulk", "()"};
-constexpr BusMethod RESET_STATUS_BULK = {TRANSACTION_INTERFACE, "reset_status_bulk", "()"};
 constexpr BusMethod SET_BULK = {TRANSACTION_INTERFACE, "set_bulk", "()"};
 constexpr BusMethod SET_STATUS_BULK = {TRANSACTION_INTERFACE, "set_status_bulk", "()"};
-constexpr BusMethod COMMIT = {TRANSACTION_INTERFACE, "commit", "()"};
 
 // A bus may limit the calls of a connection that wait for their replies.
 constexpr size_t MOST_CALLS = 100;
 
-GVariant* listOf(const auto& all, const auto& textOf) {
-  GVariantBuilder list;
-  g_variant_builder_init(&list, G_VARIANT_TYPE_STRING_ARRAY);
-  for (const auto& each : all) g_variant_builder_add(&list, "s", textOf(each).c_str());
-  return g_variant_builder_end(&list);
-}
-
-GVariant* namesOf(uint32_t transaction, const Names& names) {
-  return g_variant_new("(u@as)", transaction,
-                       listOf(names, [](const std::string& name) { return name; }));
-}
-
 BusCall valuesCall(uint32_t transaction, const std::vector<Assignment>& assignments,
                    bool isStatus) {
-  GVariant* const names = listOf(assignments, [](const Assignment& each) { return each.name; });
-  GVariant* const values = listOf(assignments, [](const Assignment& each) { return each.value; });
+  Names values;
+  values.reserve(assignments.size());
+  for (const Assignment& assignment : assignments) values.push_back(assignment.value);
   return {isStatus ? SET_STATUS_BULK : SET_BULK,
-          g_variant_new("(u@as@as)", transaction, names, values)};
+          g_variant_new("(u@as@as)", transaction, listOf(namesOf(assignments)), listOf(values))};
 }
 
 // The service serves the calls of a client in their order, so nothing is waited for in between.
@@ -56,7 +43,7 @@ BulkAnswer stageAndCommit(Service& service, uint32_t transaction, const BusCall&
 BulkAnswer commitDefaults(Service& service, uint32_t transaction, const Names& names,
                           bool isStatus) {
   return stageAndCommit(service, transaction,
-                        {isStatus ? RESET_STATUS_BULK : RESET_BULK, namesOf(transaction, names)});
+                        {isStatus ? RESET_STATUS_BULK : RESET_BULK, withNames(transaction, names)});
 }
 
 BulkAnswer commitValues(Service& service, uint32_t transaction,
@@ -83,7 +70,7 @@ std::vector<Refusal> commitDefaultsAlone(Service& service, uint32_t transaction,
     const size_t end = std::min(names.size(), begin + MOST_CALLS / 2);
     std::vector<BusCall> calls;
     for (size_t i = begin; i < end; ++i) {
-      calls.push_back({RESET_STATUS_BULK, namesOf(transaction, {names[i]})});
+      calls.push_back({RESET_STATUS_BULK, withNames(transaction, {names[i]})});
       calls.push_back({COMMIT, g_variant_new("(u)", transaction)});
     }
     const auto errors = inOrder(service, calls);

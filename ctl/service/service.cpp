@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "ctl/service/calls.h"
 #include "ctl/service/exit_status.h"
 
 namespace {
@@ -23,11 +24,8 @@ constexpr BusMethod WATCH = {PARAMETERS_INTERFACE, "Watch", "()"};
 constexpr BusMethod SET_READY = {PARAMETERS_INTERFACE, "SetReady", "()"};
 
 constexpr BusMethod END = {TRANSACTION_INTERFACE, "end", "()"};
-constexpr BusMethod COMMIT = {TRANSACTION_INTERFACE, "commit", "()"};
 constexpr BusMethod SET = {TRANSACTION_INTERFACE, "set", "()"};
 constexpr BusMethod SET_STATUS = {TRANSACTION_INTERFACE, "set_status", "()"};
-constexpr BusMethod RESET_BULK = {TRANSACTION_INTERFACE, "reset_bulk", "()"};
-constexpr BusMethod RESET_STATUS_BULK = {TRANSACTION_INTERFACE, "reset_status_bulk", "()"};
 constexpr BusMethod GET_DEPS = {TRANSACTION_INTERFACE, "get_deps", "(as)", QUESTION};
 constexpr BusMethod SINGLE_GET_BULK = {TRANSACTION_INTERFACE, "single_get_bulk", "(as)", QUESTION};
 constexpr BusMethod GET_IDX_RANGE = {TRANSACTION_INTERFACE, "get_idx_range", "(asa(ii))", QUESTION};
@@ -136,17 +134,6 @@ Definition definitionOf(GVariant& dictionary) {
     definition.usedBy = textsOf(*wrapped(list), 0);
   }
   return definition;
-}
-
-GVariant* listOf(const Names& names) {
-  GVariantBuilder list;
-  g_variant_builder_init(&list, G_VARIANT_TYPE_STRING_ARRAY);
-  for (const std::string& name : names) g_variant_builder_add(&list, "s", name.c_str());
-  return g_variant_builder_end(&list);
-}
-
-GVariant* withNames(uint32_t number, const Names& names) {
-  return g_variant_new("(u@as)", number, listOf(names));
 }
 
 // The call of a method for each of the names, with the arguments that `make` gives.

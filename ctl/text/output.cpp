@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "ctl/text/quoted.h"
+#include "ctl/text/table.h"
 
 void Output::line(const std::string& text) const {
   if (isQuiet_) return;
@@ -24,6 +25,14 @@ void Output::text(const std::string& text) const {
 void Output::assignment(const std::string& name, const std::string& value) const {
   if (form_ == FORM_NULL) return record(name + "=" + value);
   line(quotedAssignment(name, value));
+}
+
+void Output::table(const std::vector<std::vector<std::string>>& rows) const {
+  bool isHeading = true;
+  for (const std::string& text : tableLines(rows)) {
+    line(isHeading ? style_.heading(text) : text);
+    isHeading = false;
+  }
 }
 
 void Output::json(const Json& value) const {

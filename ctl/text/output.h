@@ -3,6 +3,7 @@
 
 #include <nlohmann/json_fwd.hpp>
 #include <string>
+#include <vector>
 
 #include "ctl/service/answers.h"
 #include "ctl/text/style.h"
@@ -33,6 +34,8 @@ class Output {
   void text(const std::string& text) const;
   /// name=value: a line, quoted where it has to be, or a record.
   void assignment(const std::string& name, const std::string& value) const;
+  /// The rows of a table (table.h), of which the first is the heading, as lines.
+  void table(const std::vector<std::vector<std::string>>& rows) const;
   void json(const Json& value) const;
 
  private:

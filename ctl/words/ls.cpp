@@ -9,7 +9,6 @@
 #include "ctl/text/range_text.h"
 #include "ctl/text/sentences.h"
 #include "ctl/text/suggestion.h"
-#include "ctl/text/table.h"
 #include "ctl/words/arguments.h"
 #include "ctl/words/word.h"
 
@@ -135,11 +134,7 @@ void printTable(const Output& out, const std::vector<Row>& rows, const LsArgumen
   std::vector<std::vector<std::string>> cells = {{"ACCESS", "NAME", "RANGE", "DEFAULT", "LINE"}};
   if (arguments.hasInstances) cells.front().insert(cells.front().begin() + 2, "VALUE");
   for (const Row& row : rows) cells.push_back(cellsOf(row, arguments));
-  bool isHeading = true;
-  for (const std::string& line : tableLines(cells)) {
-    out.line(isHeading ? out.style().heading(line) : line);
-    isHeading = false;
-  }
+  out.table(cells);
 }
 
 void print(const Output& out, const std::vector<Row>& rows, const LsArguments& arguments) {

@@ -4,7 +4,6 @@
 #include <optional>
 
 #include "ctl/service/exit_status.h"
-#include "ctl/text/table.h"
 #include "ctl/words/word.h"
 
 namespace {
@@ -28,11 +27,7 @@ int list(Client& client) {
     rows.push_back({std::to_string(each.id), each.owner.empty() ? "anybody" : each.owner,
                     std::to_string(each.staged), std::to_string(each.seconds)});
   }
-  bool isHeading = true;
-  for (const std::string& line : tableLines(rows)) {
-    client.out.line(isHeading ? client.out.style().heading(line) : line);
-    isHeading = false;
-  }
+  client.out.table(rows);
   return STATUS_DONE;
 }
 

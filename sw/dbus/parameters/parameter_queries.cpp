@@ -73,21 +73,35 @@ Texts indexNames(const ParmDef& parm) {
   return names;
 }
 
-void writeListed(Database& database, const Listed& listed, MessageWriter& out) {
+// What is told of a definition wherever it is.
+struct Head {
+  std::string_view name;
+  std::string_view access;
+  Texts indices;
+  uint32_t line = 0;
+  uint32_t level = 0;
+};
+
+Head headOf(const Database& database, const ParmEntry& entry) {
+  const ParmDef& parm = entry.parm;
+  return {parm.name(), accessText(parm.access()), indexNames(parm),
+          database.linesOf(entry).definition, entry.level};
+}
+
+Head headOf(const Database& database, const IndexEntry& entry) {
+  return {entry.index->name(), "index", {}, database.linesOf(entry).definition, 0};
+}
+
+void writeListed(const Database& database, const Listed& listed, MessageWriter& out) {
   Work::add(WORK_PER_REQUEST);
+  const Head head =
+      listed.parm != nullptr ? headOf(database, *listed.parm) : headOf(database, *listed.index);
   out.structure([&] {
-    out.text(std::string(listed.name));
-    if (listed.parm != nullptr) {
-      out.text(std::string(accessText(listed.parm->parm.access())));
-      out.texts(indexNames(listed.parm->parm));
-      out.number(database.linesOf(*listed.parm).definition);
-      out.number(listed.parm->level);
-    } else {
-      out.text("index");
-      out.texts(Texts());
-      out.number(database.linesOf(*listed.index).definition);
-      out.number(0);
-    }
+    out.text(std::string(head.name));
+    out.text(std::string(head.access));
+    out.texts(head.indices);
+    out.number(head.line);
+    out.number(head.level);
   });
 }
 
@@ -155,35 +169,34 @@ void addNames(const std::vector<ParmEntry*>& parms, std::set<std::string>& names
   for (const ParmEntry* const parm : parms) names.insert(parm->parm.name());
 }
 
-void writeParm(Database& database, const ParmEntry& parm, DefinitionWriter& out) {
-  const LinesOfDefinition lines = database.linesOf(parm);
-  out.text("access", accessText(parm.parm.access()));
-  out.texts("indices", indexNames(parm.parm));
-  out.number("line", lines.definition);
-  out.number("level", parm.level);
-  out.statements(definitionStatements(parm.parm, lines));
-  out.translations(parm.parm.translations());
-  out.texts("uses", namesRead(parm.sources));
+std::set<std::string> usersOf(const ParmEntry& parm) {
   std::set<std::string> users;
   addNames(parm.dependents, users);
   for (const IndexEntry* const index : parm.indices->naming) users.insert(index->index->name());
-  out.texts("used-by", users);
-  out.text("description", database.descriptionOf(parm.parm.name()));
+  return users;
 }
 
-void writeIndex(Database& database, const IndexEntry& index, DefinitionWriter& out) {
-  const LinesOfDefinition lines = database.linesOf(index);
-  out.text("access", "index");
-  out.texts("indices", Texts());
-  out.number("line", lines.definition);
-  out.number("level", 0);
-  out.statements(definitionStatements(*index.index, lines));
-  out.translations(index.index->translations());
-  out.texts("uses", namesRead(index.sources));
+std::set<std::string> usersOf(const IndexEntry& index) {
   std::set<std::string> users;
   addNames(index.dependents, users);
-  out.texts("used-by", users);
-  out.text("description", database.descriptionOf(index.index->name()));
+  return users;
+}
+
+// `entry` is what the database has of `definition`.
+template <typename Entry, typename Definition>
+void writeDefinition(const Database& database, const Entry& entry, const Definition& definition,
+                     MessageWriter& message) {
+  const Head head = headOf(database, entry);
+  DefinitionWriter out(message);
+  out.text("access", head.access);
+  out.texts("indices", head.indices);
+  out.number("line", head.line);
+  out.number("level", head.level);
+  out.statements(definitionStatements(definition, database.linesOf(entry)));
+  out.translations(definition.translations());
+  out.texts("uses", namesRead(entry.sources));
+  out.texts("used-by", usersOf(entry));
+  out.text("description", database.descriptionOf(definition.name()));
 }
 
 [[noreturn]] void refuseName(const std::string& name) {
@@ -220,10 +233,11 @@ uint32_t flagsOf(const InstanceState& state) {
 }
 
 void writeState(const char* name, const InstanceState& state, MessageWriter& out) {
-  const bool isLimited = (flagsOf(state) & FLAG_LIMITED) != 0;
+  const uint32_t flags = flagsOf(state);
+  const bool isLimited = (flags & FLAG_LIMITED) != 0;
   out.structure([&] {
     out.text(name);
-    out.number(flagsOf(state));
+    out.number(flags);
     out.text(state.value != nullptr ? *state.value : std::string());
     out.spans(isLimited ? state.range.integers().spans() : Spans());
     if (isLimited) {
@@ -283,11 +297,10 @@ void answerGetDefinition(ParametersState& state, MessageReader& in, MessageWrite
   const IndexEntry* const index = parm == nullptr ? database.findIndexEntry(name) : nullptr;
   if (parm == nullptr && index == nullptr) refuseName(name);
   out.array("{sv}", [&] {
-    DefinitionWriter writer(out);
     if (parm != nullptr) {
-      writeParm(database, *parm, writer);
+      writeDefinition(database, *parm, parm->parm, out);
     } else {
-      writeIndex(database, *index, writer);
+      writeDefinition(database, *index, *index->index, out);
     }
   });
 }

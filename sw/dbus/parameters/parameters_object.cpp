@@ -17,7 +17,6 @@
 
 namespace {
 
-constexpr std::string_view INTERFACE = "org.tavrel.parameters1";
 constexpr std::string_view PROPERTIES = DBUS_INTERFACE_PROPERTIES;
 
 struct Method {
@@ -30,18 +29,18 @@ struct Method {
 };
 
 constexpr Method METHODS[] = {
-    {INTERFACE, "List", "s", answerList},
-    {INTERFACE, "ListInstances", "uas", answerListInstances},
-    {INTERFACE, "GetDefinition", "s", answerGetDefinition},
-    {INTERFACE, "GetState", "uas", answerGetState},
-    {INTERFACE, "Explain", "us", answerExplain},
-    {INTERFACE, "Preview", "u", answerPreview},
-    {INTERFACE, "Begin", "", answerBegin},
-    {INTERFACE, "ListTransactions", "", answerListTransactions},
-    {INTERFACE, "Watch", "bb", answerWatch},
-    {INTERFACE, "History", "u", answerHistory},
-    {INTERFACE, "WaitReady", "", answerWaitReady, isAnsweredLater},
-    {INTERFACE, "SetReady", "", answerSetReady},
+    {PARAMETERS_INTERFACE_NAME, "List", "s", answerList},
+    {PARAMETERS_INTERFACE_NAME, "ListInstances", "uas", answerListInstances},
+    {PARAMETERS_INTERFACE_NAME, "GetDefinition", "s", answerGetDefinition},
+    {PARAMETERS_INTERFACE_NAME, "GetState", "uas", answerGetState},
+    {PARAMETERS_INTERFACE_NAME, "Explain", "us", answerExplain},
+    {PARAMETERS_INTERFACE_NAME, "Preview", "u", answerPreview},
+    {PARAMETERS_INTERFACE_NAME, "Begin", "", answerBegin},
+    {PARAMETERS_INTERFACE_NAME, "ListTransactions", "", answerListTransactions},
+    {PARAMETERS_INTERFACE_NAME, "Watch", "bb", answerWatch},
+    {PARAMETERS_INTERFACE_NAME, "History", "u", answerHistory},
+    {PARAMETERS_INTERFACE_NAME, "WaitReady", "", answerWaitReady, isAnsweredLater},
+    {PARAMETERS_INTERFACE_NAME, "SetReady", "", answerSetReady},
     {DBUS_INTERFACE_INTROSPECTABLE, "Introspect", "", answerIntrospect},
     {PROPERTIES, "Get", "ss", answerGet},
     {PROPERTIES, "GetAll", "s", answerGetAll},

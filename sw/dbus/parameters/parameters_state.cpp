@@ -14,8 +14,6 @@
 
 namespace {
 
-constexpr const char* INTERFACE = "org.tavrel.parameters1";
-
 uint64_t now() { return static_cast<uint64_t>(g_get_real_time()); }
 
 // The bytes that a change takes in the signal.
@@ -55,7 +53,7 @@ class Signal {
  public:
   Signal(DBusConnection* connection, const std::string& path, const char* member)
       : connection_(connection),
-        message_(dbus_message_new_signal(path.c_str(), INTERFACE, member)) {
+        message_(dbus_message_new_signal(path.c_str(), PARAMETERS_INTERFACE_NAME, member)) {
     if (message_ == nullptr) throw std::bad_alloc();
   }
   [[nodiscard]] DBusMessage* message() { return message_.get(); }

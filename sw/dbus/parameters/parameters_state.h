@@ -14,6 +14,9 @@
 #include "sw/dbus/parameters/watchers.h"
 #include "sw/dbus/service_state.h"
 
+/// The interface of the object.
+constexpr const char* PARAMETERS_INTERFACE_NAME = "org.tavrel.parameters1";
+
 /// Lives as long as the service serves. Without watchers a commit costs it an entry of the history.
 class ParametersState final : public ServiceObserver {
  public:

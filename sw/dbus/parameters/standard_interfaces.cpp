@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr std::string_view INTERFACE = "org.tavrel.parameters1";
-
 // What every object of the bus has that answers these.
 constexpr std::string_view STANDARD_INTERFACES =
     R"(  <interface name="org.freedesktop.DBus.Introspectable">
@@ -71,10 +69,10 @@ constexpr Property PROPERTIES[] = {
 
 // The empty text stands for any interface.
 void requireInterface(std::string_view name) {
-  if (name.empty() || name == INTERFACE) return;
+  if (name.empty() || name == PARAMETERS_INTERFACE_NAME) return;
   throw BusError{DBUS_ERROR_UNKNOWN_INTERFACE, "The interface " + quoted(name) +
                                                    " has no properties here; " +
-                                                   std::string(INTERFACE) + " has"};
+                                                   std::string(PARAMETERS_INTERFACE_NAME) + " has"};
 }
 
 const Property& propertyOf(std::string_view name) {

@@ -3,7 +3,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "tests/harness/service_test.h"
+#include "tests/harness/ctl_test.h"
 
 namespace {
 
@@ -13,66 +13,22 @@ std::string exampleText(const std::string& name) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-// A line of a shell, in which the program is the word "ctl", and all that can be seen of it.
-struct CtlRun {
-  std::string line;
-  std::string out = {};
-  std::string err = {};  // without the program's name before each line
-  int status = 0;
-};
-
-class CtlTest : public ServiceTest {
+class CtlTest : public CtlServiceTest {
  protected:
-  std::unique_ptr<Process> start(const std::string& line) {
-    return std::make_unique<Process>(Process::Options{
-        .command = {"/bin/sh", "-c", "ctl() { \"$0\" \"$@\"; }\n" + line, OSTRELCTL},
-        .environment = {{"DBUS_SESSION_BUS_ADDRESS", bus().address()},
-                        {"BUS", bus().address()},
-                        {"LC_ALL", "C.UTF-8"},
-                        {"TZ", "UTC"}}});
-  }
-  void expectRuns(const std::vector<CtlRun>& runs) {
-    for (const CtlRun& run : runs) {
-      SCOPED_TRACE(run.line);
-      const Ending ending = start(run.line)->waitForEnd();
-      EXPECT_EQ(ending.out, run.out);
-      EXPECT_EQ(withoutName(ending.err), run.err);
-      EXPECT_EQ(ending.status, run.status);
-    }
-    // What the daemon has said of refused values.
-    if (hasDaemon_) static_cast<void>(daemon().newLogLines());
-  }
   void serveExample(const std::string& name, const std::vector<std::string>& constants = {}) {
     serve(exampleText(name), constants);
-    hasDaemon_ = true;
   }
   void servePicture() {
     serveExample("picture.ostrel");
     for (const char* name : {"mode", "position", "blanking"}) {
-      expectRuns({{.line = std::string("ctl --quiet reset ") + name}});
+      expectLines({{.line = std::string("ctl --quiet reset ") + name}});
     }
   }
-  void serveText(const std::string& text) {
-    serve(text);
-    hasDaemon_ = true;
-  }
-
- private:
-  static std::string withoutName(std::string err) {
-    constexpr std::string_view NAME = "ostrelctl: ";
-    for (size_t at = 0; at < err.size(); at = err.find('\n', at) + 1) {
-      EXPECT_EQ(err.substr(at, NAME.size()), NAME);
-      err.erase(at, NAME.size());
-    }
-    return err;
-  }
-
-  bool hasDaemon_ = false;
 };
 
 TEST_F(CtlTest, ListsWhatThereIs) {
   servePicture();
-  expectRuns({
+  expectLines({
       {.line = "ctl ls", .out = "blanking\nchannel\nmode\nposition\n"},
       {.line = "ctl ls '[bm]*'", .out = "blanking\nmode\n"},
       {.line = "ctl ls --instances", .out = "blanking\nmode\nposition[1]\nposition[2]\n"},
@@ -101,7 +57,7 @@ TEST_F(CtlTest, ListsWhatThereIs) {
 
 TEST_F(CtlTest, GetsValues) {
   servePicture();
-  expectRuns({
+  expectLines({
       {.line = "ctl get mode", .out = "1080i/50\n"},
       {.line = "ctl get mode blanking", .out = "mode=1080i/50\nblanking=10\n"},
       {.line = "ctl get position", .out = "position[1]=960\nposition[2]=960\n"},
@@ -130,7 +86,7 @@ TEST_F(CtlTest, GetsValues) {
 
 TEST_F(CtlTest, SetsValuesAndTellsWhatWasCut) {
   servePicture();
-  expectRuns({
+  expectLines({
       {.line = "ctl set 'position[1]=1500' blanking=-5",
        .out = "position[1] = 1500\nblanking = 0 (cut from -5: 0..1500, line 10)\n"},
       {.line = "ctl set mode=720p/50",
@@ -194,9 +150,8 @@ TEST_F(CtlTest, SetsValuesAndTellsWhatWasCut) {
 }
 
 TEST_F(CtlTest, KeepsTextsAsTheyAre) {
-  serveText(
-      "name rw { }\nother rw { index { key } }\nkey index { rangeValid { \"a b\", \"c=d\" } }\n");
-  expectRuns({
+  serve("name rw { }\nother rw { index { key } }\nkey index { rangeValid { \"a b\", \"c=d\" } }\n");
+  expectLines({
       {.line = R"x(ctl set "name=$(printf ' two\nlines\t"x" \\ ')")x",
        .out = R"(name = " two\nlines\t\"x\" \\ ")"
               "\n"},
@@ -220,7 +175,7 @@ TEST_F(CtlTest, KeepsTextsAsTheyAre) {
 
 TEST_F(CtlTest, AnswersWhatIf) {
   servePicture();
-  expectRuns({
+  expectLines({
       {.line = "ctl range 'position[1]'", .out = "0..1919\n"},
       {.line = "ctl range --with mode=720p/50 'position[1]' blanking",
        .out = "position[1]: 0..1279\nblanking: 0..960\n"},
@@ -272,7 +227,7 @@ TEST_F(CtlTest, AnswersWhatIf) {
 
 TEST_F(CtlTest, TellsWhyAndWhatToDo) {
   servePicture();
-  expectRuns({
+  expectLines({
       {.line = "ctl why blanking",
        .out =
            "blanking is 10\n"
@@ -306,7 +261,7 @@ TEST_F(CtlTest, TellsWhyAndWhatToDo) {
 
 TEST_F(CtlTest, UnlocksControls) {
   serveExample("frame-synchroniser.ostrel", {"MODEL=pro", "CHANNELS=2", "AUDIO=1"});
-  expectRuns({
+  expectLines({
       {.line = "for i in 1 2 3; do ctl reset -q --status '*'; done"},
       {.line = "ctl set proc_link=1 'picture_gain[1]=unity'",
        .out = "proc_link = 1\npicture_gain[1] = 1000 (translated from unity)\n"},
@@ -366,11 +321,11 @@ TEST_F(CtlTest, UnlocksControls) {
 
 // That the parameter itself changes is no effect to be warned of.
 TEST_F(CtlTest, NamesTheOtherEffectsOfAnUnlock) {
-  serveText(
+  serve(
       "ip rw { rangeValid { 0..255, \"dhcp\" } default { \"dhcp\" } }\n"
       "mask rw { rangeValid (ip != \"dhcp\") { 1..32 } rangeValid (ip == \"dhcp\") { 0 }\n"
       "  ctrlRO (ip == \"dhcp\") }\n");
-  expectRuns({
+  expectLines({
       {.line = "ctl up -q"},
       {.line = "ctl why mask=12 | tail -1",
        .out = "to have it stored: ostrelctl set ip=0 mask=12\n"},
@@ -382,7 +337,7 @@ TEST_F(CtlTest, NamesTheOtherEffectsOfAnUnlock) {
 TEST_F(CtlTest, ShowsAndUndoesCommits) {
   servePicture();
   const std::string shown = "| sed 's/^\\(commit [0-9]*\\), [-0-9]* [:0-9]*, by :1.[0-9]*$/\\1/'";
-  expectRuns({
+  expectLines({
       {.line = "ctl set -q mode=720p/50 'position[1]=1000'; ctl set -q blanking=900"},
       {.line = "ctl log -n 2 " + shown,
        .out = "commit 4\n  mode: 1080i/50 -> 720p/50\n  position[1]: 960 -> 1000\n"
@@ -417,7 +372,7 @@ TEST_F(CtlTest, ListsAndEndsTransactions) {
   servePicture();
   const std::string id = client().answer("start()");
   EXPECT_EQ(client().answer("set(" + id + ", 'mode', '720p/50')"), "()");
-  expectRuns({
+  expectLines({
       {.line = "ctl transactions --json | sed 's/\"id\":[0-9]*/I/;s/\"seconds\":[0-9]*/S/'",
        .out = "[{I,\"owner\":\"\",\"staged\":1,S}]\n"},
       {.line = "ctl transactions | sed 's/[ 0-9]*//g'", .out = "IDOWNERSTAGEDSECONDS\nanybody\n"},
@@ -437,22 +392,22 @@ TEST_F(CtlTest, LeavesNoTransactionOpenWhereItIsInterrupted) {
   kill(client->pid(), SIGINT);
   EXPECT_EQ(client->waitForEnd().status, -SIGINT);
   resume();
-  expectRuns({{.line = "ctl transactions"}, {.line = "ctl get mode", .out = "1080i/50\n"}});
+  expectLines({{.line = "ctl transactions"}, {.line = "ctl get mode", .out = "1080i/50\n"}});
 }
 
 TEST_F(CtlTest, SaysWhereThereIsNoService) {
   const std::string noName =
       "no service: nobody has the bus name org.tavrel.transaction; is ostrel running, with the "
       "same -b?\n";
-  expectRuns({{.line = "ctl get mode", .err = noName, .status = 3},
-              {.line = "ctl set mode=1", .err = noName, .status = 3},
-              {.line = "ctl get mode --address \"$BUS\"", .err = noName, .status = 3},
-              {.line = "DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent ctl ls",
-               .err = "no bus at unix:path=/nonexistent: Could not connect: No such file or "
-                      "directory\n",
-               .status = 3}});
+  expectLines({{.line = "ctl get mode", .err = noName, .status = 3},
+               {.line = "ctl set mode=1", .err = noName, .status = 3},
+               {.line = "ctl get mode --address \"$BUS\"", .err = noName, .status = 3},
+               {.line = "DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent ctl ls",
+                .err = "no bus at unix:path=/nonexistent: Could not connect: No such file or "
+                       "directory\n",
+                .status = 3}});
   servePicture();
-  expectRuns({
+  expectLines({
       {.line = "DBUS_SESSION_BUS_ADDRESS= ctl --address=\"$BUS\" get mode", .out = "1080i/50\n"},
       {.line = "ctl -b rack get mode",
        .err = "no service: nobody has the bus name org.tavrel.transaction.rack; is ostrel running, "
@@ -465,14 +420,14 @@ TEST_F(CtlTest, SaysWhereThereIsNoService) {
        .status = 3},
   });
   pause();
-  expectRuns({{.line = "ctl --timeout 1 get mode",
-               .err = "no service: org.tavrel.transaction does not reply to GetState within 1 s\n",
-               .status = 3}});
+  expectLines({{.line = "ctl --timeout 1 get mode",
+                .err = "no service: org.tavrel.transaction does not reply to GetState within 1 s\n",
+                .status = 3}});
   resume();
 }
 
 TEST_F(CtlTest, RefusesWrongCommandLines) {
-  expectRuns({
+  expectLines({
       {.line = "ctl", .err = "no word is given; ostrelctl --help lists them\n", .status = 2},
       {.line = "ctl gte mode", .err = "no word \"gte\": did you mean get?\n", .status = 2},
       {.line = "ctl frobnicate",
@@ -499,7 +454,7 @@ TEST_F(CtlTest, RefusesWrongCommandLines) {
 }
 
 TEST_F(CtlTest, HelpsWithExamplesFirst) {
-  expectRuns({
+  expectLines({
       {.line = "ctl --help | head -2", .out = "Examples:\n  ostrelctl ls --long\n"},
       {.line = "ctl get --help | head -2", .out = "Examples:\n  ostrelctl get mode\n"},
       {.line = "ctl --version | cut -c 1-15", .out = "ostrel Built on\n"},
@@ -519,10 +474,10 @@ TEST_F(CtlTest, ColoursOnlyATerminal) {
   const std::string onTerminal =
       "TERM=xterm script -qec '\"'$0'\" ls -l blanking' /dev/null | head -1 | cut -c 1-2 | od -An "
       "-c";
-  expectRuns({{.line = onTerminal, .out = " 033   [  \\n\n"},
-              {.line = "NO_COLOR=1; export NO_COLOR; " + onTerminal, .out = "   A   C  \\n\n"},
-              {.line = "ctl ls -l blanking | head -1 | cut -c 1-2 | od -An -c",
-               .out = "   A   C  \\n\n"}});
+  expectLines({{.line = onTerminal, .out = " 033   [  \\n\n"},
+               {.line = "NO_COLOR=1; export NO_COLOR; " + onTerminal, .out = "   A   C  \\n\n"},
+               {.line = "ctl ls -l blanking | head -1 | cut -c 1-2 | od -An -c",
+                .out = "   A   C  \\n\n"}});
 }
 
 }  // namespace

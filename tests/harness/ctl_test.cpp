@@ -18,6 +18,7 @@ std::unique_ptr<Process> CtlServiceTest::start(const std::string& line) {
       Process::Options{.command = {"/bin/sh", "-c", "cd \"$1\"; ctl() { \"$0\" \"$@\"; }\n" + line,
                                    OSTRELCTL, directory_.path()},
                        .environment = {{"DBUS_SESSION_BUS_ADDRESS", bus().address()},
+                                       {"BUS", bus().address()},
                                        {"LC_ALL", "C.UTF-8"},
                                        {"TZ", "UTC"}},
                        .outputToPipe = line.starts_with("exec ")});

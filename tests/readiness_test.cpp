@@ -102,10 +102,11 @@ TEST_F(ReadinessTest, AnswersAllWhoWaitAndServesMeanwhile) {
   EXPECT_EQ(parameters().answer("SetReady()"), "()");
   EXPECT_EQ(parameters().answer("SetReady()"), "()");
   EXPECT_EQ(parameters().answer("Get('Ready')"), "<true>");
-  for (int i = 0; i < 20; ++i) {
-    waiters[i]->settle();
-    EXPECT_EQ(waiters[i]->ready(), 1 + i % 3);
-    EXPECT_EQ(waiters[i]->refused(), 0);
+  int calls = 0;
+  for (const auto& waiter : waiters) {
+    waiter->settle();
+    EXPECT_EQ(waiter->ready(), 1 + calls++ % 3);
+    EXPECT_EQ(waiter->refused(), 0);
   }
   EXPECT_EQ(parameters().answer("WaitReady()"), "()");
 }

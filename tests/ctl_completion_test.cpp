@@ -131,6 +131,15 @@ TEST_F(CtlCompletionTest, DoesNotWaitForTheBringUp) {
   expectCompletions({{"get mo", "whole\nmode\n"}, {"set mode=s", "whole\nmode=slim\n"}});
 }
 
+TEST_F(CtlCompletionTest, OffersBeginningsOfManyParameters) {
+  std::string text = "i index { rangeValid { 1..3 } }\ntable rw { index { i } }\n";
+  for (int i = 0; i < 250; ++i) text += "gain_" + std::to_string(i) + " rw { }\n";
+  serve(text);
+  expectCompletions({{"get ''", "open\ng\nt\n"},
+                     {"set gain_249", "open\ngain_249=\n"},
+                     {"get t", "whole\ntable[1]\ntable[2]\ntable[3]\n"}});
+}
+
 TEST_F(CtlCompletionTest, SpeaksToBash) {
   serve(DEVICE);
   expectLines({

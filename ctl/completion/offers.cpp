@@ -114,8 +114,10 @@ class Offers {
       if (!isWanted(listed)) continue;
       (listed.indices.empty() ? all : indexed).push_back(listed.name);
     }
-    // No names would be all of them.
-    if (!indexed.empty()) {
+    if (all.size() + indexed.size() > MOST_CANDIDATES) {
+      // Their beginnings are offered, for which their instances are not needed.
+      for (const std::string& name : indexed) all.push_back(name + "[");
+    } else if (!indexed.empty()) {  // no names would be all of them
       for (std::string& name : service_.instances(COMMITTED, indexed)) {
         all.push_back(std::move(name));
       }

@@ -42,7 +42,7 @@ void addCommonOptions(CLI::App& app, TakenLine& taken) {
   app.add_option("--address", bus.address, "Another bus than that of the session")
       ->type_name("ADDRESS");
   app.add_option("--timeout", bus.timeout, "Wait so long for each reply (30)")
-      ->check(CLI::Range(1, 86400).description(""))
+      ->check(wholeNumber(1, 86400))
       ->type_name("SECONDS");
   app.add_flag("!--no-wait", bus.waits, "Do not wait until the device has been brought up");
   app.add_flag("--json", taken.isJson, "Print one JSON value");

@@ -364,7 +364,9 @@ TEST_F(CtlTest, ShowsAndUndoesCommits) {
       {.line = "ctl undo 1 --force --json", .out = "{\"stored\":[],\"followed\":[]}\n"},
       {.line = "ctl undo 1 --force -n --json", .out = "[]\n"},
       {.line = "ctl undo 100", .err = "no commit 100: kept are 1 to 7\n", .status = 5},
-      {.line = "ctl undo x", .err = "undo: Could not convert: SERIAL = x\n", .status = 2},
+      {.line = "ctl undo x",
+       .err = "undo: SERIAL: \"x\" is not a whole number from 0 to 4294967295\n",
+       .status = 2},
   });
 }
 

@@ -1,6 +1,7 @@
 #include "ctl/words/arguments.h"
 
 #include <algorithm>
+#include <charconv>
 #include <string_view>
 
 #include "ctl/service/exit_status.h"
@@ -55,6 +56,18 @@ void addRepeated(CLI::App& word, const std::string& name, Texts& texts, const st
 
 void addWith(CLI::App& word, Texts& texts) {
   addRepeated(word, "--with", texts, "As it would be after setting this; may be repeated");
+}
+
+CLI::Validator wholeNumber(uint32_t least, uint32_t most) {
+  const auto faultOf = [least, most](const std::string& text) -> std::string {
+    uint32_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, fault] = std::from_chars(text.data(), end, number);
+    if (fault == std::errc() && stop == end && number >= least && number <= most) return "";
+    return "\"" + unmarked(text) + "\" is not a whole number from " + std::to_string(least) +
+           " to " + std::to_string(most);
+  };
+  return {faultOf, ""};
 }
 
 std::vector<Assignment> assignmentsOf(const Texts& texts) {

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,10 @@ CLI::Option* addText(CLI::App& word, const std::string& name, std::string& text,
 void addRepeated(CLI::App& word, const std::string& name, Texts& texts, const std::string& help);
 /// Adds --with NAME=VALUE.
 void addWith(CLI::App& word, Texts& texts);
+
+/// Accepts the decimal numbers from `least` to `most`, and says so of others: the conversion of
+/// CLI11 takes other notations too, and names no range.
+CLI::Validator wholeNumber(uint32_t least, uint32_t most);
 
 /// Each of the texts as NAME=VALUE; ends the program where one is none, or a name is
 /// given twice.

@@ -56,6 +56,32 @@ TEST(Arguments, AreTakenAsTheyAre) {
   for (const auto& c : cases) EXPECT_EQ(taken(c.arguments), c.taken);
 }
 
+TEST(Arguments, AreWholeNumbersOfARange) {
+  const struct {
+    const char* text;
+    uint32_t least, most;
+    const char* fault;
+  } cases[] = {
+      {"1", 1, 9, ""},
+      {"9", 1, 9, ""},
+      {"007", 1, 9, ""},
+      {"4294967295", 0, 4294967295, ""},
+      {"0", 1, 9, "\"0\" is not a whole number from 1 to 9"},
+      {"10", 1, 9, "\"10\" is not a whole number from 1 to 9"},
+      {"4294967296", 0, 4294967295, "\"4294967296\" is not a whole number from 0 to 4294967295"},
+      {"-1", 0, 9, "\"-1\" is not a whole number from 0 to 9"},
+      {"+1", 0, 9, "\"+1\" is not a whole number from 0 to 9"},
+      {"0x1", 0, 9, "\"0x1\" is not a whole number from 0 to 9"},
+      {"1 ", 0, 9, "\"1 \" is not a whole number from 0 to 9"},
+      {"", 0, 9, "\"\" is not a whole number from 0 to 9"},
+      {"\x01[1]", 0, 9, "\"[1]\" is not a whole number from 0 to 9"},
+  };
+  for (const auto& c : cases) {
+    std::string text = c.text;
+    EXPECT_EQ(wholeNumber(c.least, c.most)(text), c.fault);
+  }
+}
+
 TEST(ArgumentsDeathTest, EndTheProgramWhereTheyAreNoAssignments) {
   EXPECT_EXIT(static_cast<void>(assignmentsOf({"a=1", "b"})), testing::ExitedWithCode(2),
               "\"b\" is not of the form NAME=VALUE");

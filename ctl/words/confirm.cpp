@@ -1,10 +1,12 @@
 // confirm: lets a commit of set --confirm stay.
 #include <algorithm>
+#include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 
 #include "ctl/service/exit_status.h"
+#include "ctl/words/arguments.h"
 #include "ctl/words/waiting_commits.h"
 #include "ctl/words/word.h"
 
@@ -46,6 +48,7 @@ int confirm(Client& client, std::optional<pid_t> process) {
 RunWord defineConfirm(CLI::App& word) {
   const auto process = std::make_shared<std::optional<pid_t>>();
   word.add_option("PROCESS", *process, "The number that set --confirm has told, where several wait")
+      ->check(wholeNumber(1, std::numeric_limits<pid_t>::max()))
       ->type_name("");
   return [process](Client& client) { return confirm(client, *process); };
 }

@@ -1,8 +1,10 @@
 // log: the last commits.
+#include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
 
 #include "ctl/service/exit_status.h"
+#include "ctl/words/arguments.h"
 #include "ctl/words/commits.h"
 #include "ctl/words/word.h"
 
@@ -41,6 +43,7 @@ int log(Client& client, uint32_t count) {
 RunWord defineLog(CLI::App& word) {
   const auto count = std::make_shared<uint32_t>(10);
   word.add_option("-n,--last", *count, "So many commits (10); 0 is all that are kept")
+      ->check(wholeNumber(0, std::numeric_limits<uint32_t>::max()))
       ->type_name("N");
   return [count](Client& client) { return log(client, *count); };
 }

@@ -87,7 +87,7 @@ RunWord defineSet(CLI::App& word) {
   addStatus(word, *arguments);
   word.add_flag("--strict", arguments->isStrict, "End with status 4 where a value was cut");
   word.add_option("--confirm", arguments->seconds, "Take it back after that time, unless confirmed")
-      ->check(CLI::Range(1, 86400).description(""))
+      ->check(wholeNumber(1, 86400))
       ->type_name("SECONDS");
   return [arguments](Client& client) { return set(client, *arguments); };
 }

@@ -1,9 +1,11 @@
 // transactions: who has what open.
+#include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 
 #include "ctl/service/exit_status.h"
+#include "ctl/words/arguments.h"
 #include "ctl/words/word.h"
 
 namespace {
@@ -48,6 +50,8 @@ int end(Client& client, uint32_t id) {
 
 RunWord defineTransactions(CLI::App& word) {
   const auto ended = std::make_shared<std::optional<uint32_t>>();
-  word.add_option("--end", *ended, "End this one; what it has staged is lost")->type_name("ID");
+  word.add_option("--end", *ended, "End this one; what it has staged is lost")
+      ->check(wholeNumber(0, std::numeric_limits<uint32_t>::max()))
+      ->type_name("ID");
   return [ended](Client& client) { return *ended ? end(client, **ended) : list(client); };
 }

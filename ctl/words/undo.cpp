@@ -1,10 +1,12 @@
 // undo: takes back what a commit has changed, by an ordinary commit.
 #include <algorithm>
+#include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
 
 #include "ctl/service/exit_status.h"
 #include "ctl/text/quoted.h"
+#include "ctl/words/arguments.h"
 #include "ctl/words/asked.h"
 #include "ctl/words/commit_and_tell.h"
 #include "ctl/words/commits.h"
@@ -113,6 +115,7 @@ int undo(Client& client, const UndoArguments& arguments) {
 RunWord defineUndo(CLI::App& word) {
   const auto arguments = std::make_shared<UndoArguments>();
   word.add_option("SERIAL", arguments->serial, "Of the commit, as in ostrelctl log")
+      ->check(wholeNumber(0, std::numeric_limits<uint32_t>::max()))
       ->required()
       ->type_name("");
   word.add_flag("-n,--dry-run", arguments->isDry, "Only show what would change");

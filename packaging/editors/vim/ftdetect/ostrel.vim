@@ -1,0 +1,2 @@
+autocmd BufRead,BufNewFile *.ostrel setfiletype ostrel
+autocmd BufRead,BufNewFile *.session setfiletype ostrelsession

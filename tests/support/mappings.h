@@ -32,8 +32,12 @@ extern "C" void* mmap(void* addr, size_t len, int prot, int flags, int fd, off_t
     errno = ENOMEM;
     return MAP_FAILED;
   }
-  void* const memory =
-      reinterpret_cast<void*>(syscall(SYS_mmap, addr, len, prot, flags, fd, offset));
+#ifdef SYS_mmap2  // of machines with 32 bits; it counts the offset in pages
+  const long result = syscall(SYS_mmap2, addr, len, prot, flags, fd, offset / 4096);
+#else
+  const long result = syscall(SYS_mmap, addr, len, prot, flags, fd, offset);
+#endif
+  void* const memory = reinterpret_cast<void*>(result);
   if (memory != MAP_FAILED) Mappings::kept += len;
   return memory;
 }

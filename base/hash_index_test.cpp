@@ -10,9 +10,11 @@
 namespace {
 
 // The hash of an element, which here is its place. One of two that agree in their low 32 bits.
-size_t scattered(uint32_t place) { return place * size_t{0x9e3779b97f4a7c15}; }
+size_t scattered(uint32_t place) {
+  return static_cast<size_t>(place * uint64_t{0x9e3779b97f4a7c15});
+}
 size_t alike(uint32_t place) { return place % 2; }
-size_t alikeInLowBits(uint32_t place) { return size_t{place} << 32U; }
+size_t alikeInLowBits(uint32_t place) { return static_cast<size_t>(uint64_t{place} << 32U); }
 size_t ascending(uint32_t place) { return place; }
 
 struct Case {

@@ -55,7 +55,7 @@ TEST_F(CtlServiceTest, BringsUpByLevels) {
        "a rw { default { (a + 1) } }\nb rw { default { (a > 0) } }\n",
        "up: 2 values in 2 levels\n",
        {"b=1"},
-       "a depend on each other and never come to rest\n",
+       "never at rest: a depend on each other\n",
        1},
   };
   for (const auto& c : cases) {
@@ -86,7 +86,7 @@ TEST_F(CtlServiceTest, KeepsWhatAFileHolds) {
            "printf 'temperature=61\\npositon[1]=5\\nposition[3]=1\\n' >file; ctl up --from file",
        .out = "up: 5 values in 2 levels, 1 of them empty, without a default\nkept 1 of 3\n",
        .err = "absent: position[3] does not exist now\n"
-              "no parameter \"positon[1]\": did you mean position[1]?\n",
+              "unknown: no parameter \"positon[1]\": did you mean position[1]?\n",
        .status = 5},
       {.line = "ctl get temperature", .out = "61\n"},
       {.line = "ctl up --from nowhere",
@@ -130,7 +130,7 @@ TEST_F(CtlServiceTest, SavesRestoresAndCompares) {
       {.line = "ctl get 'position[1]'", .out = "90\n"},
       {.line = "ctl restore now",
        .out = "restored 4 of 5\n",
-       .err = "no parameter \"gian\"\n",
+       .err = "unknown: no parameter \"gian\"\n",
        .status = 5},
       {.line = "echo 'position[2]=999' | ctl restore -",
        .out = "position[2] = 50 (cut from 999: 0..50, line 4)\nrestored 0 of 1\n"},

@@ -130,6 +130,7 @@ Bus::Bus(GDBusConnection* connection, const BusOptions& options)
     : connection_(connection),
       options_(options),
       name_(suffixed(SERVICE_NAME, '.', options.busSuffix)),
+      destination_(name_),
       paths_{suffixed(PATHS[TRANSACTION_INTERFACE], '/', options.pathSuffix),
              suffixed(PATHS[PARAMETERS_INTERFACE], '/', options.pathSuffix)},
       mustWait_(options.waits) {}
@@ -151,7 +152,7 @@ std::vector<BusReply> Bus::callInOrder(const std::vector<BusCall>& calls, bool* 
   for (const BusCall& call : calls) {
     each.push_back({&waiting, each.size()});
     const BusMethod& method = call.method;
-    g_dbus_connection_call(connection_, name_.c_str(), path(method.interface).c_str(),
+    g_dbus_connection_call(connection_, destination_.c_str(), path(method.interface).c_str(),
                            interfaceName(method.interface), method.name, call.arguments,
                            G_VARIANT_TYPE(method.replyType), flagsOf(method),
                            options_.timeout * 1000, nullptr, takeReply, &each.back());
@@ -198,7 +199,7 @@ std::vector<BusReply> Bus::callWhenReady(const std::vector<BusCall>& calls) {
 
 void Bus::send(const BusCall& call) {
   const BusMethod& method = call.method;
-  g_dbus_connection_call(connection_, name_.c_str(), path(method.interface).c_str(),
+  g_dbus_connection_call(connection_, destination_.c_str(), path(method.interface).c_str(),
                          interfaceName(method.interface), method.name, call.arguments, nullptr,
                          G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, nullptr, nullptr, nullptr);
 }

@@ -61,6 +61,9 @@ class Bus {
   Bus(const Bus&) = delete;
   Bus& operator=(const Bus&) = delete;
 
+  /// From now on calls go to the client with this unique name alone, and not to another that gets
+  /// the bus name of the service.
+  void callOnly(const std::string& owner) { destination_ = owner; }
   /// Does not wait until the device is ready, whatever the options say.
   void doNotWait() { mustWait_ = false; }
   /// Calls a method and waits for its reply. The first call first waits until the device is ready,
@@ -92,6 +95,7 @@ class Bus {
   GDBusConnection* connection_;
   const BusOptions options_;
   const std::string name_;
+  std::string destination_;  // of calls
   const std::string paths_[2];
   bool mustWait_;
 };

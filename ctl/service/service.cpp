@@ -152,8 +152,10 @@ PastCommit changedCommit(GVariant& arguments) {
   return {numberOf(arguments, 0), 0, textOf(arguments, 1), eachOf(arguments, 2, changeOf)};
 }
 
-VariantHolder Service::ask(const BusMethod& method, GVariant* arguments) {
+// Null where there is no service any more and it `mayGo`.
+VariantHolder Service::ask(const BusMethod& method, GVariant* arguments, bool mayGo) {
   BusReply reply = bus_.call({method, arguments});
+  if (reply.outcome == BUS_NO_SERVICE && mayGo) return nullptr;
   if (reply.outcome != BUS_ANSWERED) giveUp(reply);
   return std::move(reply.value);
 }
@@ -174,6 +176,20 @@ std::vector<BusReply> Service::askAll(const std::vector<BusCall>& calls) {
 
 std::vector<ListedParameter> Service::list(const std::string& pattern) {
   return eachOf(*ask(LIST, g_variant_new("(s)", pattern.c_str())), 0, listedOf);
+}
+
+std::optional<std::vector<ListedParameter>> Service::tryList() {
+  const VariantHolder reply = ask(LIST, g_variant_new("(s)", ""), true);
+  return reply == nullptr ? std::nullopt : std::optional(eachOf(*reply, 0, listedOf));
+}
+
+std::optional<std::vector<InstanceState>> Service::tryStates(bool mayGo) {
+  const VariantHolder instances = ask(LIST_INSTANCES, withNames(COMMITTED, {}), mayGo);
+  if (instances == nullptr) return std::nullopt;
+  const Names names = textsOf(*instances, 0);
+  if (names.empty()) return std::vector<InstanceState>();
+  const VariantHolder reply = ask(GET_STATE, withNames(COMMITTED, names), mayGo);
+  return reply == nullptr ? std::nullopt : std::optional(eachOf(*reply, 0, stateOf));
 }
 
 Names Service::instances(uint32_t transaction, const Names& names) {

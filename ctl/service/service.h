@@ -23,6 +23,11 @@ class Service {
 
   // What there is. `transaction` may be COMMITTED.
   [[nodiscard]] std::vector<ListedParameter> list(const std::string& pattern);
+  /// As list(""); nullopt where there is no service any more.
+  [[nodiscard]] std::optional<std::vector<ListedParameter>> tryList();
+  /// As states() of all instances that are committed; nullopt where there is no service any more
+  /// and it `mayGo`.
+  [[nodiscard]] std::optional<std::vector<InstanceState>> tryStates(bool mayGo);
   [[nodiscard]] Names instances(uint32_t transaction, const Names& names);
   [[nodiscard]] std::vector<InstanceState> states(uint32_t transaction, const Names& names);
   /// One each, in the order of the names; empty where there is no such instance.
@@ -66,7 +71,7 @@ class Service {
                                                                       const Names& indices);
 
  private:
-  VariantHolder ask(const BusMethod& method, GVariant* arguments);
+  VariantHolder ask(const BusMethod& method, GVariant* arguments, bool mayGo = false);
   std::optional<std::string> attempt(const BusMethod& method, GVariant* arguments);
   std::vector<BusReply> askAll(const std::vector<BusCall>& calls);
 

@@ -31,6 +31,7 @@ BroughtUp BringUp::run() {
     }
   }
   resetLateOnes();
+  result_.transaction = transaction_.id();
   const std::vector<InstanceState> empty = emptyOnes();
   result_.empty = fillZeros(empty) ? emptyOnes().size() : empty.size();
   return std::move(result_);

@@ -10,6 +10,7 @@
 
 /// What became of a device.
 struct BroughtUp {
+  uint32_t transaction = 0;  ///< in which all was done
   size_t instances = 0;
   size_t empty = 0;  ///< that have no default and nothing that fills them
   Names restless;    ///< of rings that did not come to rest

@@ -5,8 +5,10 @@
 
 #include "ctl/text/assignment.h"
 
-Levels::Levels(Service& service) {
-  for (ListedParameter& listed : service.list("")) {
+Levels::Levels(Service& service) : Levels(service.list("")) {}
+
+Levels::Levels(std::vector<ListedParameter> all) {
+  for (ListedParameter& listed : all) {
     if (listed.isIndex()) continue;
     bases_[listed.level].push_back(listed.name);
     parameters_.emplace(listed.name, std::move(listed));

@@ -11,6 +11,8 @@
 class Levels {
  public:
   explicit Levels(Service& service);
+  /// Of a list of all of them.
+  explicit Levels(std::vector<ListedParameter> all);
 
   /// The base names of each level, the lowest first.
   [[nodiscard]] const std::map<uint32_t, Names>& bases() const { return bases_; }

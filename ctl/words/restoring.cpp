@@ -6,9 +6,11 @@
 
 #include "ctl/service/bulk.h"
 #include "ctl/service/exit_status.h"
+#include "ctl/service/operator_messages.h"
 #include "ctl/text/assignment.h"
 #include "ctl/text/quoted.h"
 #include "ctl/text/sentences.h"
+#include "ctl/text/suggestion.h"
 #include "ctl/words/asked.h"
 
 namespace {
@@ -67,10 +69,6 @@ void forgiveTranslated(Client& client, Restored& restored) {
   restored.cut = std::move(cut);
 }
 
-std::string refusalText(const Refusal& refusal) {
-  return "refused: " + quotedWord(refusal.name) + ": " + refusal.why;
-}
-
 Json jsonOf(const Restored& restored, const std::string& verb) {
   Json json = {{verb, restored.count},
                {"cut", Json::array()},
@@ -99,6 +97,15 @@ void tellCut(Client& client, const Restored& restored) {
     const std::string why = cutText(cut.wanted.value, cut.wanted.value, cut.stored, reasons[i]);
     client.out.line(client.out.style().name(quotedWord(names[i])) + " = " +
                     quotedWord(cut.stored.value) + " " + client.out.style().note("(" + why + ")"));
+  }
+}
+
+void tellUnknown(Client& client, const Names& names, std::optional<uint32_t> transaction) {
+  if (names.empty()) return;
+  const std::vector<ListedParameter> listed = client.service.list("");
+  for (const std::string& name : names) {
+    tellOperator(VALUE_UNKNOWN, unknownNameText(name, listed),
+                 {.parameter = name, .transaction = transaction});
   }
 }
 
@@ -171,7 +178,8 @@ Restored restoredOf(Service& service, const Levels& levels, const std::vector<As
   return restored;
 }
 
-int tellRestored(Client& client, const Restored& restored, const std::string& verb, bool isStrict) {
+int tellRestored(Client& client, const Restored& restored, const std::string& verb, bool isStrict,
+                 std::optional<uint32_t> transaction) {
   Restored told = restored;
   forgiveTranslated(client, told);
   if (client.out.isJson()) {
@@ -182,11 +190,15 @@ int tellRestored(Client& client, const Restored& restored, const std::string& ve
                     std::to_string(told.count + told.cut.size() + told.refused.size() +
                                    told.absent.size() + told.unknown.size()));
   }
-  for (const Refusal& refusal : told.refused) complain(refusalText(refusal));
-  for (const std::string& name : told.absent) {
-    complain("absent: " + quotedWord(name) + " does not exist now");
+  for (const Refusal& refusal : told.refused) {
+    tellOperator(VALUE_REFUSED, quotedWord(refusal.name) + ": " + refusal.why,
+                 {.parameter = refusal.name, .transaction = transaction});
   }
-  complainOfUnknown(client, told.unknown);
+  for (const std::string& name : told.absent) {
+    tellOperator(VALUE_ABSENT, quotedWord(name) + " does not exist now",
+                 {.parameter = name, .transaction = transaction});
+  }
+  tellUnknown(client, told.unknown, transaction);
   if (!told.unknown.empty()) return STATUS_UNKNOWN;
   if (!told.refused.empty() || !told.absent.empty()) return STATUS_REFUSED;
   return isStrict && !told.cut.empty() ? STATUS_CUT : STATUS_DONE;
@@ -195,6 +207,6 @@ int tellRestored(Client& client, const Restored& restored, const std::string& ve
 int tellReady(Client& client, int status) {
   const std::optional<std::string> error = client.service.setReady();
   if (!error) return status;
-  complain("cannot say that the device is ready: " + *error);
+  tellOperator(NOT_SAID_READY, *error);
   return status == STATUS_DONE ? STATUS_REFUSED : status;
 }

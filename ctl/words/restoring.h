@@ -41,4 +41,5 @@ Restored restoredOf(Service& service, const Levels& levels, const std::vector<As
                     const std::vector<Refusal>& refused, bool isStatus);
 
 /// Prints what was cut and complains of the rest; `verb` as in "kept". Returns the exit status.
-int tellRestored(Client& client, const Restored& restored, const std::string& verb, bool isStrict);
+int tellRestored(Client& client, const Restored& restored, const std::string& verb, bool isStrict,
+                 std::optional<uint32_t> transaction = std::nullopt);

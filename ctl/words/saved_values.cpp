@@ -12,6 +12,7 @@
 #include "ctl/words/asked.h"
 #include "ctl/words/commits.h"
 #include "ctl/words/restoring.h"
+#include "ctl/words/stored_values.h"
 #include "ctl/words/values_file.h"
 #include "ctl/words/word.h"
 
@@ -26,15 +27,8 @@ struct FileArguments {
 };
 
 int save(Client& client, const FileArguments& arguments) {
-  const Levels levels(client.service);
-  const Names names = client.service.instances(COMMITTED, {});
-  std::vector<Assignment> values;
-  if (!names.empty()) {
-    for (const InstanceState& state : client.service.states(COMMITTED, names)) {
-      const bool isWanted = arguments.isStatus || levels.access(state.name) == "rw";
-      if (isWanted && state.is(STATE_HAS_VALUE)) values.push_back({state.name, state.value});
-    }
-  }
+  const std::vector<Assignment> values =
+      storedValues(client.service, Levels(client.service), arguments.isStatus).value();
   if (!arguments.file.empty()) {
     writeValuesFile(arguments.file, values);
     return STATUS_DONE;

@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "ctl/service/exit_status.h"
+#include "ctl/service/operator_messages.h"
 #include "ctl/text/quoted.h"
 #include "ctl/text/sentences.h"
 #include "ctl/words/arguments.h"
@@ -16,6 +17,7 @@ namespace {
 struct UpArguments {
   std::string file;
   bool isStrict = false;
+  bool isForgiving = false;
 };
 
 void tell(Client& client, const BroughtUp& result, size_t levels) {
@@ -31,18 +33,29 @@ void tell(Client& client, const BroughtUp& result, size_t levels) {
 // What is wrong with the device's own defaults.
 int complainOfDefaults(const BroughtUp& result) {
   for (const Refusal& refusal : result.refusedDefaults) {
-    complain("refused: the default of " + quotedWord(refusal.name) + ": " + refusal.why);
+    tellOperator(DEFAULT_REFUSED, quotedWord(refusal.name) + ": " + refusal.why,
+                 {.parameter = refusal.name, .transaction = result.transaction});
   }
   if (!result.restless.empty()) {
-    complain(namesText(result.restless) + " depend on each other and never come to rest");
+    tellOperator(NEVER_AT_REST, namesText(result.restless) + " depend on each other",
+                 {.parameter = result.restless.front(), .transaction = result.transaction});
   }
   return result.refusedDefaults.empty() && result.restless.empty() ? STATUS_DONE : STATUS_REFUSED;
 }
 
+// A device that comes up with its defaults is more than one that does not.
+std::vector<Assignment> readWanted(const UpArguments& arguments) {
+  if (arguments.file.empty()) return {};
+  if (!arguments.isForgiving) return readValuesFile(arguments.file);
+  std::string error;
+  std::optional<std::vector<Assignment>> wanted = tryReadValuesFile(arguments.file, error);
+  if (!wanted) tellOperator(NOTHING_TO_RESTORE, error);
+  return wanted.value_or(std::vector<Assignment>());
+}
+
 int up(Client& client, const UpArguments& arguments) {
   client.service.bus().doNotWait();  // others wait for this
-  std::vector<Assignment> wanted;
-  if (!arguments.file.empty()) wanted = readValuesFile(arguments.file);
+  const std::vector<Assignment> wanted = readWanted(arguments);
   const Levels levels(client.service);
   const BroughtUp result = BringUp(client.service, levels, levels.known(wanted)).run();
   tell(client, result, levels.bases().size());
@@ -50,7 +63,7 @@ int up(Client& client, const UpArguments& arguments) {
   if (!arguments.file.empty()) {
     status =
         tellRestored(client, restoredOf(client.service, levels, wanted, result.refusedValues, true),
-                     "kept", arguments.isStrict);
+                     "kept", arguments.isStrict, result.transaction);
   } else if (client.out.isJson()) {
     client.out.json({{"up", result.instances},
                      {"empty", result.empty},
@@ -58,7 +71,8 @@ int up(Client& client, const UpArguments& arguments) {
   }
   const int own = complainOfDefaults(result);
   // Clients wait until the device is ready; what was refused is told, and keeps nobody waiting.
-  return tellReady(client, status == STATUS_DONE ? own : status);
+  status = tellReady(client, status == STATUS_DONE ? own : status);
+  return arguments.isForgiving ? STATUS_DONE : status;
 }
 
 }  // namespace
@@ -67,6 +81,8 @@ RunWord defineUp(CLI::App& word) {
   const auto arguments = std::make_shared<UpArguments>();
   addText(word, "--from", arguments->file, "Keep the values of a file of ostrelctl save")
       ->type_name("FILE");
+  word.add_flag("--forgiving", arguments->isForgiving,
+                "For units: the status is 0 as long as the device is up");
   word.add_flag("--strict", arguments->isStrict, "End with status 4 where a value was cut");
   return [arguments](Client& client) { return up(client, *arguments); };
 }

@@ -17,33 +17,8 @@
 
 namespace {
 
-[[noreturn]] void refuseReading(const std::string& path) {
-  endWith(STATUS_USAGE, "cannot read " + quotedWord(path) + ": " + std::strerror(errno));
-}
-
-std::string readAll(const std::string& path) {
-  const int descriptor = path == "-" ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (descriptor < 0) refuseReading(path);
-  std::string text;
-  std::array<char, 65536> part;
-  ssize_t length = 0;
-  while ((length = read(descriptor, part.data(), part.size())) != 0) {
-    if (length > 0) {
-      text.append(part.data(), static_cast<size_t>(length));
-    } else if (errno != EINTR) {
-      refuseReading(path);  // a directory, for example
-    }
-  }
-  close(descriptor);
-  return text;
-}
-
-[[noreturn]] void refuseLine(const std::string& path, size_t line, const std::string& why) {
-  endWith(STATUS_USAGE, quotedWord(path) + ", line " + std::to_string(line) + ": " + why);
-}
-
-[[noreturn]] void refuseFile(const std::string& path) {
-  endWith(STATUS_REFUSED, "cannot write " + quotedWord(path) + ": " + std::strerror(errno));
+std::string lineError(const std::string& path, size_t line, const std::string& why) {
+  return quotedWord(path) + ", line " + std::to_string(line) + ": " + why;
 }
 
 bool writeAll(int descriptor, std::string_view text) {
@@ -83,10 +58,11 @@ void syncDirectoryOf(const std::string& path) {
   close(descriptor);
 }
 
-void replaceFile(const std::string& path, std::string_view text) {
+// Returns whether it is done; otherwise errno says why not.
+bool replaceFile(const std::string& path, std::string_view text) {
   std::string temporary = path + ".XXXXXX";
   const int descriptor = mkostemp(temporary.data(), O_CLOEXEC);
-  if (descriptor < 0) refuseFile(path);
+  if (descriptor < 0) return false;
   const bool isWritten =
       writeAll(descriptor, text) && fchmod(descriptor, modeOf(path)) == 0 && fsync(descriptor) == 0;
   const int why = errno;
@@ -96,9 +72,10 @@ void replaceFile(const std::string& path, std::string_view text) {
     const int last = errno;
     unlink(temporary.c_str());
     errno = last;
-    refuseFile(path);
+    return false;
   }
   syncDirectoryOf(path);
+  return true;
 }
 
 // A device, a pipe or the like cannot be replaced.
@@ -107,40 +84,79 @@ bool isSpecial(const std::string& path) {
   return stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
 }
 
-void writeSpecial(const std::string& path, std::string_view text) {
+bool writeSpecial(const std::string& path, std::string_view text) {
   const int descriptor =
       path == "-" ? dup(STDOUT_FILENO) : open(path.c_str(), O_WRONLY | O_CLOEXEC);
-  if (descriptor < 0 || !writeAll(descriptor, text)) refuseFile(path);
+  if (descriptor < 0) return false;
+  const bool isWritten = writeAll(descriptor, text);
   close(descriptor);
+  return isWritten;
 }
 
 }  // namespace
 
-std::vector<Assignment> readValuesFile(const std::string& path) {
-  const std::string text = readAll(path);
+std::optional<std::string> tryReadFile(const std::string& path, std::string& error) {
+  const int descriptor = path == "-" ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  std::string text;
+  std::array<char, 65536> part;
+  ssize_t length = descriptor < 0 ? -1 : 1;
+  while (descriptor >= 0 && length != 0) {
+    length = read(descriptor, part.data(), part.size());
+    if (length > 0) text.append(part.data(), static_cast<size_t>(length));
+    if (length < 0 && errno != EINTR) break;  // a directory, for example
+  }
+  if (length != 0) error = "cannot read " + quotedWord(path) + ": " + std::strerror(errno);
+  if (descriptor >= 0) close(descriptor);
+  return length == 0 ? std::optional(std::move(text)) : std::nullopt;
+}
+
+std::optional<std::vector<Assignment>> tryReadValuesFile(const std::string& path,
+                                                         std::string& error) {
+  const std::optional<std::string> text = tryReadFile(path, error);
+  if (!text) return std::nullopt;
   std::vector<Assignment> assignments;
   std::set<std::string> names;
   size_t number = 0;
-  for (std::string_view rest = text; !rest.empty();) {
+  for (std::string_view rest = *text; !rest.empty();) {
     const std::string_view line = rest.substr(0, rest.find('\n'));
     rest.remove_prefix(std::min(rest.size(), line.size() + 1));
     ++number;
     if (line.empty()) continue;
     std::optional<Assignment> assignment = unquotedAssignment(line);
-    if (!assignment) refuseLine(path, number, "this is not NAME=VALUE");
+    if (!assignment) {
+      error = lineError(path, number, "this is not NAME=VALUE");
+      return std::nullopt;
+    }
     if (!names.insert(assignment->name).second) {
-      refuseLine(path, number, quotedWord(assignment->name) + " is given two values");
+      error = lineError(path, number, quotedWord(assignment->name) + " is given two values");
+      return std::nullopt;
     }
     assignments.push_back(*std::move(assignment));
   }
   return assignments;
 }
 
-void writeValuesFile(const std::string& path, const std::vector<Assignment>& assignments) {
+std::vector<Assignment> readValuesFile(const std::string& path) {
+  std::string error;
+  std::optional<std::vector<Assignment>> assignments = tryReadValuesFile(path, error);
+  if (!assignments) endWith(STATUS_USAGE, error);
+  return *std::move(assignments);
+}
+
+std::string valuesText(const std::vector<Assignment>& assignments) {
   std::string text;
   for (const Assignment& assignment : assignments) {
     text += quotedAssignment(assignment.name, assignment.value) + "\n";
   }
+  return text;
+}
+
+bool tryWriteFile(const std::string& path, std::string_view text) {
   if (path == "-" || isSpecial(path)) return writeSpecial(path, text);
-  replaceFile(behindLinks(path), text);
+  return replaceFile(behindLinks(path), text);
+}
+
+void writeValuesFile(const std::string& path, const std::vector<Assignment>& assignments) {
+  if (tryWriteFile(path, valuesText(assignments))) return;
+  endWith(STATUS_REFUSED, "cannot write " + quotedWord(path) + ": " + std::strerror(errno));
 }

@@ -27,6 +27,7 @@ RunWord defineConfirm(CLI::App& word);
 RunWord defineDeps(CLI::App& word);
 RunWord defineDiff(CLI::App& word);
 RunWord defineGet(CLI::App& word);
+RunWord defineKeep(CLI::App& word);
 RunWord defineLog(CLI::App& word);
 RunWord defineLs(CLI::App& word);
 RunWord defineRange(CLI::App& word);

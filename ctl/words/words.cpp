@@ -60,12 +60,17 @@ const std::vector<Word>& words() {
        false, defineWatch},
       {"up", "Bring the device up: defaults, and what a file holds",
        "  ostrelctl up\n"
-       "  ostrelctl up --from /var/lib/device/values\n",
+       "  ostrelctl up --from /var/lib/device/values\n"
+       "  ostrelctl up --forgiving --from /var/lib/device/values\n",
        false, defineUp},
       {"save", "Write values to a file",
        "  ostrelctl save values\n"
        "  ostrelctl save | grep '^audio_'\n",
        true, defineSave},
+      {"keep", "Write values to a file whenever they have changed",
+       "  ostrelctl keep /var/lib/device/values\n"
+       "  ostrelctl keep --every 60 values\n",
+       false, defineKeep},
       {"restore", "Set the values of a file, in the order in which they follow each other",
        "  ostrelctl restore --dry-run values\n"
        "  ostrelctl restore values\n",

@@ -59,7 +59,7 @@ TEST_F(CtlKeepTest, WritesAtOnceAndThenSoOftenAtMost) {
   const Ending ending = end(*keeper);
   EXPECT_EQ(ending.status, 0);
   EXPECT_EQ(ending.err,
-            "ostrelctl: the service is there\nostrelctl: kept 1 values in v\n"
+            "ostrelctl: the service is there\nostrelctl: kept 1 value in v\n"
             "ostrelctl: kept 2 values in v\n");
   EXPECT_EQ(kept(), "gain=2\nmode=wide\n");
 }

@@ -99,6 +99,19 @@ struct PastCommit {
   std::vector<Change> changes;
 };
 
+/// What a service tells of itself. What an older one does not know keeps its value here.
+struct Vitals {
+  std::string version;
+  uint32_t definitions = 0;
+  uint64_t commits = 0;  ///< the serial of the last
+  uint32_t transactions = 0;
+  uint32_t watchers = 0;
+  uint64_t started = 0;  ///< in microseconds since 1970
+  bool isReady = true;
+  double latency = 0;   ///< of the call, in seconds
+  uint64_t memory = 0;  ///< of the process, in bytes; 0 where it cannot be told
+};
+
 /// What GetDefinition says, as far as it is used.
 struct Definition {
   std::vector<Assignment> translations;  ///< a value, and what it becomes

@@ -6,7 +6,8 @@
 namespace {
 
 constexpr const char* SERVICE_NAME = "org.tavrel.transaction";
-constexpr const char* INTERFACES[] = {"org.tavrel.transaction", "org.tavrel.parameters1"};
+constexpr const char* INTERFACES[] = {"org.tavrel.transaction", "org.tavrel.parameters1",
+                                      "org.freedesktop.DBus.Properties"};
 constexpr const char* PATHS[] = {"/transaction", "/parameters"};
 // What the service puts before each error of its first interface.
 constexpr std::string_view ERROR_START = "dbus_tavrel_transaction: ";
@@ -132,6 +133,7 @@ Bus::Bus(GDBusConnection* connection, const BusOptions& options)
       name_(suffixed(SERVICE_NAME, '.', options.busSuffix)),
       destination_(name_),
       paths_{suffixed(PATHS[TRANSACTION_INTERFACE], '/', options.pathSuffix),
+             suffixed(PATHS[PARAMETERS_INTERFACE], '/', options.pathSuffix),
              suffixed(PATHS[PARAMETERS_INTERFACE], '/', options.pathSuffix)},
       mustWait_(options.waits) {}
 
@@ -195,6 +197,18 @@ std::vector<BusReply> Bus::callWhenReady(const std::vector<BusCall>& calls) {
     if (call.arguments != nullptr) g_variant_unref(call.arguments);
   }
   return replies;
+}
+
+std::optional<uint32_t> Bus::processOfService() {
+  GVariant* const reply = g_dbus_connection_call_sync(
+      connection_, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+      "GetConnectionUnixProcessID", g_variant_new("(s)", destination_.c_str()),
+      G_VARIANT_TYPE("(u)"), G_DBUS_CALL_FLAGS_NONE, options_.timeout * 1000, nullptr, nullptr);
+  if (reply == nullptr) return std::nullopt;
+  guint32 process = 0;
+  g_variant_get(reply, "(u)", &process);
+  g_variant_unref(reply);
+  return process;
 }
 
 void Bus::send(const BusCall& call) {

@@ -4,6 +4,7 @@
 #include <gio/gio.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,7 +24,11 @@ struct BusOptions {
 };
 
 /// The interfaces of the service; each has an object of its own.
-enum BusInterface : int { TRANSACTION_INTERFACE, PARAMETERS_INTERFACE };
+enum BusInterface : int {
+  TRANSACTION_INTERFACE,
+  PARAMETERS_INTERFACE,
+  PARAMETERS_PROPERTIES,  ///< those of the second, which have an interface of their own
+};
 
 /// A method, and the type of its reply.
 struct BusMethod {
@@ -78,6 +83,9 @@ class Bus {
   /// subscription.
   guint subscribe(const char* signal, GDBusSignalCallback taken, gpointer data);
 
+  /// The process of the service, where the bus knows it.
+  [[nodiscard]] std::optional<uint32_t> processOfService();
+
   [[nodiscard]] GDBusConnection& connection() { return *connection_; }
   /// The bus name of the service.
   [[nodiscard]] const std::string& name() const { return name_; }
@@ -96,7 +104,7 @@ class Bus {
   const BusOptions options_;
   const std::string name_;
   std::string destination_;  // of calls
-  const std::string paths_[2];
+  const std::string paths_[3];
   bool mustWait_;
 };
 

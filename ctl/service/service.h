@@ -40,6 +40,11 @@ class Service {
 
   /// Has the signals of the second interface sent to this client, or not.
   void watch(bool changes, bool limits);
+  /// Why the service does not answer; nullopt where it does.
+  [[nodiscard]] std::optional<std::string> silence();
+  /// What the service tells of itself, and how long it took to answer.
+  [[nodiscard]] Vitals vitals();
+
   /// Says that the device has been brought up, which an older service need not know; the service's
   /// text where it refuses.
   [[nodiscard]] std::optional<std::string> setReady();

@@ -49,7 +49,9 @@ class KeptFile {
     }
     text_ = std::move(text);
     isThere_ = true;
-    tellOperator(VALUES_KEPT, std::to_string(values.size()) + " values in " + quotedWord(path_),
+    tellOperator(VALUES_KEPT,
+                 std::to_string(values.size()) +
+                     (values.size() == 1 ? " value in " : " values in ") + quotedWord(path_),
                  {.transaction = commit});
   }
 

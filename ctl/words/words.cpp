@@ -67,6 +67,12 @@ const std::vector<Word>& words() {
        "  ostrelctl save values\n"
        "  ostrelctl save | grep '^audio_'\n",
        true, defineSave},
+      {"health", "Tell in one line whether the service is well",
+       "  ostrelctl health\n"
+       "  ostrelctl health --max-latency 0.5 --max-memory 200\n",
+       false, defineHealth},
+      {"metrics", "Print figures of the service for a monitoring system", "  ostrelctl metrics\n",
+       false, defineMetrics},
       {"keep", "Write values to a file whenever they have changed",
        "  ostrelctl keep /var/lib/device/values\n"
        "  ostrelctl keep --every 60 values\n",

@@ -1,0 +1,157 @@
+// health: whether the service is well, as checks of monitoring systems tell it.
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "ctl/service/exit_status.h"
+#include "ctl/words/commits.h"
+#include "ctl/words/word.h"
+
+namespace {
+
+// Those of such checks, in place of the program's own.
+enum Health : int { HEALTH_OK = 0, HEALTH_WARNING = 1, HEALTH_CRITICAL = 2 };
+constexpr const char* HEALTH_NAMES[] = {"OK", "WARNING", "CRITICAL"};
+
+constexpr double MIB = 1024.0 * 1024.0;
+
+// The most that a figure may be; without, any.
+struct Limit {
+  std::optional<double> warning;
+  std::optional<double> critical;
+
+  [[nodiscard]] Health judge(double figure) const {
+    if (critical && figure > *critical) return HEALTH_CRITICAL;
+    return warning && figure > *warning ? HEALTH_WARNING : HEALTH_OK;
+  }
+};
+
+struct HealthArguments {
+  Limit latency;       // in seconds
+  Limit memory;        // in MiB
+  Limit transactions;  // that are open
+};
+
+std::string numberText(double number, int digits) {
+  char text[64];
+  std::snprintf(text, sizeof text, "%.*f", digits, number);
+  return text;
+}
+
+// As in "3 d 4 h", "4 h 5 min", "5 min 6 s" or "6 s".
+std::string durationText(uint64_t seconds) {
+  const uint64_t minutes = seconds / 60;
+  const uint64_t hours = minutes / 60;
+  const auto both = [](uint64_t one, const char* unit, uint64_t other, const char* smaller) {
+    return std::to_string(one) + " " + unit + " " + std::to_string(other) + " " + smaller;
+  };
+  if (hours >= 24) return both(hours / 24, "d", hours % 24, "h");
+  if (hours > 0) return both(hours, "h", minutes % 60, "min");
+  if (minutes > 0) return both(minutes, "min", seconds % 60, "s");
+  return std::to_string(seconds) + " s";
+}
+
+uint64_t secondsSince(uint64_t time) {
+  const auto now = static_cast<uint64_t>(g_get_real_time());
+  return now > time ? (now - time) / G_USEC_PER_SEC : 0;
+}
+
+// A figure for graphs, with its limits: label=value;warning;critical.
+std::string performance(const char* label, const std::string& value, const Limit& limit,
+                        int digits) {
+  const auto text = [&](const std::optional<double>& each) {
+    return each ? numberText(*each, digits) : std::string();
+  };
+  return std::string(label) + "=" + value + ";" + text(limit.warning) + ";" + text(limit.critical);
+}
+
+struct Judged {
+  Health health = HEALTH_OK;
+  std::string why;  // what is not as it should be
+
+  void add(Health each, const std::string& what) {
+    if (each == HEALTH_OK) return;
+    health = std::max(health, each);
+    why += (why.empty() ? "" : ", ") + what;
+  }
+};
+
+Judged judge(const Vitals& vitals, const HealthArguments& limits) {
+  Judged judged;
+  judged.add(vitals.isReady ? HEALTH_OK : HEALTH_WARNING, "not ready");
+  judged.add(limits.latency.judge(vitals.latency), "slow");
+  judged.add(limits.memory.judge(static_cast<double>(vitals.memory) / MIB), "large");
+  judged.add(limits.transactions.judge(vitals.transactions), "many transactions");
+  return judged;
+}
+
+std::string lineOf(const Vitals& vitals, const Judged& judged, const std::string& lastCommit,
+                   const HealthArguments& limits) {
+  const std::string latency = numberText(vitals.latency, 6);
+  const std::string memory = numberText(static_cast<double>(vitals.memory) / MIB, 1);
+  return std::string(HEALTH_NAMES[judged.health]) + ": " +
+         (judged.why.empty() ? "" : judged.why + "; ") + vitals.version + ", up " +
+         durationText(secondsSince(vitals.started)) + ", " + std::to_string(vitals.definitions) +
+         " definitions, " + std::to_string(vitals.transactions) + " open transactions, " + memory +
+         " MiB, " + lastCommit + ", answer in " + numberText(vitals.latency * 1000, 1) + " ms | " +
+         performance("latency", latency + "s", limits.latency, 3) + " " +
+         performance("memory", memory + "MB", limits.memory, 1) + " " +
+         performance("transactions", std::to_string(vitals.transactions), limits.transactions, 0);
+}
+
+std::string lastCommitText(const Vitals& vitals, const std::vector<PastCommit>& last) {
+  if (vitals.commits == 0) return "no commit";
+  std::string text = "last commit " + std::to_string(vitals.commits);
+  if (!last.empty() && last.back().serial == vitals.commits) {
+    text += ", " + durationText(secondsSince(last.back().time)) + " ago";
+  }
+  return text;
+}
+
+int health(Client& client, const HealthArguments& limits) {
+  client.service.bus().doNotWait();  // that it is not ready is an answer
+  if (const auto failure = client.service.silence()) {
+    if (client.out.isJson()) {
+      client.out.json({{"health", HEALTH_NAMES[HEALTH_CRITICAL]}, {"why", *failure}});
+    } else {
+      client.out.line(std::string(HEALTH_NAMES[HEALTH_CRITICAL]) + ": " + *failure);
+    }
+    return HEALTH_CRITICAL;
+  }
+  const Vitals vitals = client.service.vitals();
+  const std::vector<PastCommit> last = client.service.history(1);
+  const Judged judged = judge(vitals, limits);
+  if (!client.out.isJson()) {
+    client.out.line(lineOf(vitals, judged, lastCommitText(vitals, last), limits));
+  } else {
+    client.out.json({{"health", HEALTH_NAMES[judged.health]},
+                     {"why", judged.why},
+                     {"version", vitals.version},
+                     {"ready", vitals.isReady},
+                     {"uptime", secondsSince(vitals.started)},
+                     {"definitions", vitals.definitions},
+                     {"transactions", vitals.transactions},
+                     {"watchers", vitals.watchers},
+                     {"memory", vitals.memory},
+                     {"commits", vitals.commits},
+                     {"latency", vitals.latency}});
+  }
+  return judged.health;
+}
+
+void addLimit(CLI::App& word, const std::string& what, Limit& limit, const std::string& unit,
+              const std::string& help) {
+  word.add_option("--warn-" + what, limit.warning, "Warn where " + help)->type_name(unit);
+  word.add_option("--max-" + what, limit.critical, "Critical where " + help)->type_name(unit);
+}
+
+}  // namespace
+
+RunWord defineHealth(CLI::App& word) {
+  const auto arguments = std::make_shared<HealthArguments>();
+  addLimit(word, "latency", arguments->latency, "SECONDS", "an answer takes longer");
+  addLimit(word, "memory", arguments->memory, "MIB", "the daemon has more memory");
+  addLimit(word, "transactions", arguments->transactions, "COUNT", "more are open");
+  return [arguments](Client& client) { return health(client, *arguments); };
+}

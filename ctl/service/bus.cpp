@@ -199,15 +199,26 @@ std::vector<BusReply> Bus::callWhenReady(const std::vector<BusCall>& calls) {
   return replies;
 }
 
+// What the bus itself answers to a question about a name; null for an error.
+VariantHolder Bus::askBus(const char* method, const char* type, const std::string& name) {
+  return VariantHolder(g_dbus_connection_call_sync(
+      connection_, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method,
+      g_variant_new("(s)", name.c_str()), G_VARIANT_TYPE(type), G_DBUS_CALL_FLAGS_NONE,
+      options_.timeout * 1000, nullptr, nullptr));
+}
+
+std::string Bus::owner() {
+  const VariantHolder reply = askBus("GetNameOwner", "(s)", name_);
+  const gchar* owner = "";
+  if (reply != nullptr) g_variant_get(reply.get(), "(&s)", &owner);
+  return owner;
+}
+
 std::optional<uint32_t> Bus::processOfService() {
-  GVariant* const reply = g_dbus_connection_call_sync(
-      connection_, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-      "GetConnectionUnixProcessID", g_variant_new("(s)", destination_.c_str()),
-      G_VARIANT_TYPE("(u)"), G_DBUS_CALL_FLAGS_NONE, options_.timeout * 1000, nullptr, nullptr);
+  const VariantHolder reply = askBus("GetConnectionUnixProcessID", "(u)", destination_);
   if (reply == nullptr) return std::nullopt;
   guint32 process = 0;
-  g_variant_get(reply, "(u)", &process);
-  g_variant_unref(reply);
+  g_variant_get(reply.get(), "(u)", &process);
   return process;
 }
 

@@ -83,6 +83,10 @@ class Bus {
   /// subscription.
   guint subscribe(const char* signal, GDBusSignalCallback taken, gpointer data);
 
+  /// Where the service is.
+  [[nodiscard]] const BusOptions& options() const { return options_; }
+  /// The unique name of whoever has the service's bus name; empty where nobody has it.
+  [[nodiscard]] std::string owner();
   /// The process of the service, where the bus knows it.
   [[nodiscard]] std::optional<uint32_t> processOfService();
 
@@ -96,6 +100,7 @@ class Bus {
   Bus(GDBusConnection* connection, const BusOptions& options);
   std::vector<BusReply> callInOrder(const std::vector<BusCall>& calls, bool* isFirstLast = nullptr);
   std::vector<BusReply> callWhenReady(const std::vector<BusCall>& calls);
+  VariantHolder askBus(const char* method, const char* type, const std::string& name);
   BusReply replyOf(const BusCall& call, GVariant* value, GError* error) const;
   [[nodiscard]] std::string noServiceText(std::string_view errorName, const BusCall& call,
                                           const std::string& text) const;

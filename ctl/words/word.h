@@ -41,5 +41,6 @@ RunWord defineTransactions(CLI::App& word);
 RunWord defineTry(CLI::App& word);
 RunWord defineUndo(CLI::App& word);
 RunWord defineUp(CLI::App& word);
+RunWord defineUpgrade(CLI::App& word);
 RunWord defineWatch(CLI::App& word);
 RunWord defineWhy(CLI::App& word);

@@ -63,6 +63,10 @@ const std::vector<Word>& words() {
        "  ostrelctl up --from /var/lib/device/values\n"
        "  ostrelctl up --forgiving --from /var/lib/device/values\n",
        false, defineUp},
+      {"upgrade", "Replace the definition text of a running device, or go back",
+       "  ostrelctl upgrade new.ostrel\n"
+       "  ostrelctl upgrade --yes --instance studio new.ostrel\n",
+       false, defineUpgrade},
       {"save", "Write values to a file",
        "  ostrelctl save values\n"
        "  ostrelctl save | grep '^audio_'\n",

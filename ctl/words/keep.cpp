@@ -28,7 +28,8 @@ class KeptFile {
  public:
   explicit KeptFile(std::string path) : path_(std::move(path)) {
     std::string error;
-    std::optional<std::string> text = tryReadFile(path_, error);
+    std::optional<std::string> text;
+    if (path_ != "-") text = tryReadFile(path_, error);
     isThere_ = text.has_value();
     if (text) text_ = *std::move(text);
   }

@@ -7,9 +7,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <memory>
 
 #include "ctl/service/exit_status.h"
@@ -50,12 +48,10 @@ int run(const Texts& command) {
 }
 
 std::string readText(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  if (file.is_open()) {
-    std::string text{std::istreambuf_iterator<char>(file), {}};
-    if (!file.bad()) return text;
-  }
-  endWith(STATUS_USAGE, "cannot read " + quotedWord(path) + ": " + std::strerror(errno));
+  std::string error;
+  std::optional<std::string> text = tryReadFile(path, error);
+  if (!text) endWith(STATUS_USAGE, error);
+  return *std::move(text);
 }
 
 // A file that goes with its holder.

@@ -163,4 +163,27 @@ TEST_F(CtlKeepTest, ComesUpWithWhatThereIs) {
   }
 }
 
+TEST_F(CtlKeepTest, TellsTheJournalWhereStandardErrorGoesThere) {
+  serve(TEXT);
+  // Standard error is a file here, which JOURNAL_STREAM names as systemd does with its socket.
+  const std::string run =
+      "trap '' EXIT; exec 3>stream; export JOURNAL_STREAM=$(stat -c %d:%i stream) "
+      "JOURNAL_CAPTURE_FILE=journal; rm -f journal; ctl() { LD_PRELOAD=" JOURNAL_CAPTURE_LIBRARY
+      " \"$0\" \"$@\" 2>&3; }; ";
+  const std::string start = "PRIORITY=4\nSYSLOG_IDENTIFIER=ostrelctl\n";
+  EXPECT_EQ(client().answer("start()"), "0");
+  expectLines({
+      {run + "printf 'gain=3\\nnosuch[1]=4\\n' > v; ctl -q up --from v; cat stream", "", "", 0},
+      {"cat journal | sed s/MESSAGE_ID=.*/ID/",
+       "MESSAGE=unknown: no parameter \"nosuch[1]\"\nID\n" + start +
+           "PARAMETER=nosuch[1]\nTRANSACTION=1\n\n"},
+      {run + "ctl -q set gain=9; ctl keep --once v; cat stream"},
+      {"cat journal | sed s/MESSAGE_ID=.*/ID/",
+       "MESSAGE=kept 2 values in v\nID\nPRIORITY=6\nSYSLOG_IDENTIFIER=ostrelctl\n\n"},
+      // Somebody has led it elsewhere.
+      {run + "ctl -q set gain=8; exec 3>other; ctl keep --once v; cat other journal 2>&1",
+       "ostrelctl: kept 2 values in v\ncat: journal: No such file or directory\n", "", 1},
+  });
+}
+
 }  // namespace

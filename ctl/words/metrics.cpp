@@ -52,7 +52,8 @@ int metrics(Client& client) {
     std::snprintf(latency, sizeof latency, "%.6f", vitals.latency);
     const std::vector<PastCommit> last = client.service.history(1);
     const Metric all[] = {
-        {"ostrel", "info", nullptr, "The daemon.", "1", "_info",
+        // The type "info" is unknown to the exporter, which would refuse the whole file for it.
+        {"ostrel_build_info", "gauge", nullptr, "The daemon.", "1", "",
          "{version=" + labelText(vitals.version) + "}"},
         {"ostrel_ready", "gauge", nullptr, "Whether the device has been brought up.",
          vitals.isReady ? "1" : "0"},

@@ -72,6 +72,12 @@ class Temporary {
   std::string path_ = std::string(g_get_tmp_dir()) + "/ostrel-values.XXXXXX";
 };
 
+// Whether a restoration ends like that where it is complete. What the new text does not take was
+// shown before, and is no failure.
+bool isJudgement(int status) {
+  return status == STATUS_DONE || status == STATUS_REFUSED || status == STATUS_UNKNOWN;
+}
+
 class Upgrade {
  public:
   Upgrade(Client& client, const UpgradeArguments& arguments)
@@ -94,8 +100,10 @@ class Upgrade {
     // Whatever is interrupted ends here, and what follows sees to the rest.
     for (const int number : {SIGINT, SIGHUP, SIGTERM}) std::signal(number, [](int) {});
     if (const std::string failure = serve(new_); !failure.empty()) return goBack(failure);
+    const int status = restore();
+    if (!isJudgement(status)) return goBack("the values cannot be restored");
     client_.out.line("upgraded: " + quotedWord(arguments_.text) + " serves");
-    return restore();
+    return status;
   }
 
  private:

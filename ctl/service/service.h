@@ -40,10 +40,9 @@ class Service {
 
   /// Has the signals of the second interface sent to this client, or not.
   void watch(bool changes, bool limits);
-  /// Why the service does not answer; nullopt where it does.
-  [[nodiscard]] std::optional<std::string> silence();
-  /// What the service tells of itself, and how long it took to answer.
-  [[nodiscard]] Vitals vitals();
+  /// What the service tells of itself, and how long it took to answer; nullopt where it does not
+  /// answer, or nobody lets it, and why is in `error`.
+  [[nodiscard]] std::optional<Vitals> vitals(std::string& error);
 
   /// Says that the device has been brought up, which an older service need not know; the service's
   /// text where it refuses.

@@ -32,18 +32,16 @@ uint64_t memoryOf(uint32_t process) {
 
 }  // namespace
 
-std::optional<std::string> Service::silence() {
+std::optional<Vitals> Service::vitals(std::string& error) {
+  const gint64 begin = g_get_monotonic_time();
   const BusReply reply =
       bus_.call({GET_ALL, g_variant_new("(s)", interfaceName(PARAMETERS_INTERFACE))});
-  return reply.outcome == BUS_NO_SERVICE ? std::optional(reply.error) : std::nullopt;
-}
-
-Vitals Service::vitals() {
-  const gint64 begin = g_get_monotonic_time();
-  const VariantHolder reply =
-      ask(GET_ALL, g_variant_new("(s)", interfaceName(PARAMETERS_INTERFACE)));
   const gint64 end = g_get_monotonic_time();
-  const VariantHolder all(g_variant_get_child_value(reply.get(), 0));
+  if (reply.outcome != BUS_ANSWERED) {
+    error = reply.error;
+    return std::nullopt;
+  }
+  const VariantHolder all(g_variant_get_child_value(reply.value.get(), 0));
   Vitals vitals;
   vitals.version = propertyOf(*all, "Version", "s", readText, std::string());
   vitals.definitions = propertyOf(*all, "Definitions", "u", g_variant_get_uint32, 0U);

@@ -109,17 +109,21 @@ std::string lastCommitText(const Vitals& vitals, const std::vector<PastCommit>& 
   return text;
 }
 
+int tellSilence(const Output& out, const std::string& why) {
+  if (out.isJson()) {
+    out.json({{"health", HEALTH_NAMES[HEALTH_CRITICAL]}, {"why", why}});
+  } else {
+    out.line(std::string(HEALTH_NAMES[HEALTH_CRITICAL]) + ": " + why);
+  }
+  return HEALTH_CRITICAL;
+}
+
 int health(Client& client, const HealthArguments& limits) {
   client.service.bus().doNotWait();  // that it is not ready is an answer
-  if (const auto failure = client.service.silence()) {
-    if (client.out.isJson()) {
-      client.out.json({{"health", HEALTH_NAMES[HEALTH_CRITICAL]}, {"why", *failure}});
-    } else {
-      client.out.line(std::string(HEALTH_NAMES[HEALTH_CRITICAL]) + ": " + *failure);
-    }
-    return HEALTH_CRITICAL;
-  }
-  const Vitals vitals = client.service.vitals();
+  std::string error;
+  const std::optional<Vitals> told = client.service.vitals(error);
+  if (!told) return tellSilence(client.out, error);
+  const Vitals& vitals = *told;
   const std::vector<PastCommit> last = client.service.history(1);
   const Judged judged = judge(vitals, limits);
   if (!client.out.isJson()) {

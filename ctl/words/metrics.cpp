@@ -43,11 +43,12 @@ void print(const Output& out, const Metric& metric) {
 
 int metrics(Client& client) {
   client.service.bus().doNotWait();  // that it is not ready is a figure
-  const bool isUp = !client.service.silence();
-  const Vitals vitals = isUp ? client.service.vitals() : Vitals();
+  std::string error;
+  const std::optional<Vitals> told = client.service.vitals(error);
   const Output& out = client.out;
-  print(out, {"ostrel_up", "gauge", nullptr, "Whether the service answers.", isUp ? "1" : "0"});
-  if (isUp) {
+  print(out, {"ostrel_up", "gauge", nullptr, "Whether the service answers.", told ? "1" : "0"});
+  if (told) {
+    const Vitals& vitals = *told;
     char latency[64];
     std::snprintf(latency, sizeof latency, "%.6f", vitals.latency);
     const std::vector<PastCommit> last = client.service.history(1);

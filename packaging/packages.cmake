@@ -46,7 +46,8 @@ service for each user.")
 set(CPACK_DEBIAN_DEVICE_PACKAGE_RECOMMENDS "dbus-user-session | dbus-session-bus")
 set(CPACK_DEBIAN_DEVICE_PACKAGE_SUGGESTS "ostrel-manual, ostrel-tools")
 set(CPACK_DEBIAN_DEVICE_PACKAGE_CONTROL_EXTRA
-  ${CMAKE_CURRENT_LIST_DIR}/debian/conffiles ${CMAKE_CURRENT_LIST_DIR}/debian/prerm)
+  ${CMAKE_CURRENT_LIST_DIR}/debian/conffiles ${CMAKE_CURRENT_LIST_DIR}/debian/postinst
+  ${CMAKE_CURRENT_LIST_DIR}/debian/postrm ${CMAKE_CURRENT_LIST_DIR}/debian/prerm)
 
 describe(authoring ostrel-tools "checks, plays and documents definition texts of ostrel"
 "For the authors of definition texts: ostrel-check says what is wrong with one

@@ -60,6 +60,10 @@ TEST_F(HostileClientsTest, OnesThatVanishInMidCallLeaveNothing) {
     EXPECT_NE(g_dbus_connection_flush_sync(vanishing.connection(), nullptr, nullptr), FALSE);
     EXPECT_NE(g_dbus_connection_close_sync(vanishing.connection(), nullptr, nullptr), FALSE);
     static_cast<void>(vanishing.collectAnswers());  // that the connection is closed
+    // The bus may read on from others first, and the next call is about what this one stages.
+    const int tries = call.starts_with("reset") ? 10000 : 0;
+    for (int i = 0; i < tries && client().answer("get(0, 'wide[100000]')") != "'3'"; ++i) {
+    }
   }
   for (int i = 0; i < 100; ++i) {
     DeafClient vanishing(bus().address());

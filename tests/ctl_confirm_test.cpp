@@ -146,7 +146,7 @@ TEST_F(CtlConfirmTest, AsksOnATerminal) {
   // Enter that is typed before the question is no answer to it.
   const std::string typed =
       "export XDG_RUNTIME_DIR=.; mkfifo keys; script -qfec \"'$0' set --confirm 60 mode=slim\" "
-      "/dev/null <keys >shown & exec 3>keys; until grep -q 'press Enter' shown; do sleep .05; "
+      "/dev/null <keys >shown & exec 3>keys; until grep -qs 'press Enter' shown; do sleep .05; "
       "done; ";
   expectLines({{.line = typed + "echo >&3; wait $!; echo $?; tail -n 1 shown | tr -d '\\r'",
                 .out = "0\nconfirmed\n"},
@@ -157,7 +157,7 @@ TEST_F(CtlConfirmTest, TakesBackWhereItsTerminalIsLost) {
   serveDevice();
   const std::string lost =
       "export XDG_RUNTIME_DIR=.; mkfifo keys; script -qfec \"'$0' set --confirm 2 mode=slim\" "
-      "/dev/null <keys >shown & exec 3>keys; until grep -q 'press Enter' shown; do sleep .05; "
+      "/dev/null <keys >shown & exec 3>keys; until grep -qs 'press Enter' shown; do sleep .05; "
       "done; kill -9 $!; ctl get mode; until [ $(ctl get 'position[1]') = 80 ]; do sleep .1; done; "
       "ctl get mode; ctl get pixels";
   expectLines({{.line = lost, .out = "slim\nwide\n16\n"}});

@@ -23,10 +23,9 @@ class TransactionOwnersTest : public testing::Test {
     return id;
   }
   void stage(uint32_t id, size_t mebibytes) {
-    const std::string value(MEBIBYTE, 'x');
     for (size_t i = 0; i < mebibytes; ++i) {
       const std::string name = "note[" + std::to_string(i) + "]";
-      EXPECT_EQ(transactions_.find(id)->set(name, value, false), STAGE_DONE);
+      EXPECT_EQ(transactions_.find(id)->set(name, mebibyte_, false), STAGE_DONE);
     }
     owners_.used(id);
   }
@@ -43,6 +42,7 @@ class TransactionOwnersTest : public testing::Test {
   }
   size_t leftMebibytes() { return owners_.leftBytes() / MEBIBYTE; }
 
+  const std::string mebibyte_ = std::string(MEBIBYTE, 'x');
   Database database_;
   Transactions transactions_{database_};
   TransactionOwners owners_{transactions_};

@@ -2,7 +2,7 @@
 
 All mutants are compiled in at once, in a copy of the tree, where each place asks the environment whether its
 mutant is the chosen one. Which test cases reach a mutant is measured first; it is then tried against these
-alone, the quickest first, until one fails.
+alone, the quickest first, until one fails. Of a sample, only as many mutants are compiled in as it may take.
 """
 
 import argparse
@@ -43,6 +43,7 @@ GENERATED = ("generated/commit_id.h", "generated/page_files.h",
 FLAGS = ("-std=gnu++20 -O1 -w -D_GLIBCXX_ASSERTIONS -fsanitize=signed-integer-overflow,bounds"
          " -fsanitize-undefined-trap-on-error")
 MEMORY_LIMIT = 4 << 30
+DRAWN = 2  # mutants are compiled in for each one of a sample: some do not compile, or no test reaches them
 MOST_SECONDS = 40  # for the tests of one mutant, as long as they take without it
 
 
@@ -152,14 +153,16 @@ def parser_arguments(files):
     return {path: result.get(path) or own.get(path) or of_folder.get(os.path.dirname(path), first) for path in files}
 
 
-def find_places(files, jobs):
-    """The sources with their places; read anew only where something has changed."""
+def find_places(files, wanted, jobs):
+    """The `wanted` ones of `files` with their places; read anew only where something has changed."""
     headers = hashlib.sha256("".join(read(os.path.join(TOP, p)) for p in files if p.endswith(".h")).encode())
     headers.update(read(places.__file__).encode())
     known = load("places.pickle", {})
     arguments = None
     sources, work = {}, []
     for index, path in enumerate(files):
+        if path not in wanted:
+            continue
         first = 1 + index * FILE_SHARE
         state = (headers.hexdigest(), hashlib.sha256(read(os.path.join(TOP, path)).encode()).hexdigest(), first)
         if path in known and known[path][0] == state:
@@ -170,8 +173,8 @@ def find_places(files, jobs):
     with multiprocessing.Pool(jobs) as pool:
         for (state, job), source in zip(work, pool.imap(parse, [job for _, job in work])):
             sources[job[0]] = (state, source)
-    save("places.pickle", sources)
-    return {path: source for path, (_, source) in sources.items()}
+    save("places.pickle", known | sources)
+    return {path: sources[path][1] for path in files if path in sources}
 
 
 def count_repeated(mutants):
@@ -181,26 +184,31 @@ def count_repeated(mutants):
         mutant.nth = seen[mutant.key()] if seen[mutant.key()] > 1 else 1
 
 
-def unit_tests():
-    """The targets that are the test programs beside the sources."""
+def unit_tests(sources):
+    """The targets that are the test programs beside `sources`."""
+    folders = {os.path.dirname(path) for path in sources}
     listed = subprocess.run(["ninja", "-C", BUILD, "-t", "targets", "all"], capture_output=True, text=True)
     programs = re.findall(r"^(\S+_test): \S*EXECUTABLE_LINKER", listed.stdout, re.M)
-    return [program for program in programs if not program.startswith(NO_PRODUCT)]
+    beside = [program for program in programs if os.path.dirname(program) in folders]
+    if not beside:
+        sys.exit("There are no test programs beside such files.")
+    return beside
 
 
-def build(sources, targets, jobs):
-    """Builds `targets` with all mutants, without those that do not compile. Returns the numbers of those."""
+def build(sources, places_drawn, targets, jobs):
+    """Builds `targets` with the mutants of all drawn places but those that do not compile. Returns the places
+    that are left."""
     command = ["ninja", "-C", BUILD, "-j", str(jobs), "-k", "0", *targets]
     dropped = load("dropped.pickle", set())
     known = {mutant.key(): mutant.place for source in sources.values() for mutant in source.mutants}
     while True:
-        numbers = {known[key] for key in dropped if key in known}
+        kept = places_drawn - {known[key] for key in dropped if key in known}
         for path, source in sources.items():
-            write_changed(os.path.join(TREE, path), source.mutated(numbers))
+            write_changed(os.path.join(TREE, path), source.mutated(kept))
         done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, errors="replace")
         if done.returncode == 0:
-            return numbers
-        found = uncompiled(done.stdout, sources) - dropped
+            return kept
+        found = uncompiled(done.stdout, sources, kept)
         if not found:
             sys.exit(done.stdout[-20000:] + "The mutated tree does not build.")
         dropped |= found
@@ -208,13 +216,13 @@ def build(sources, targets, jobs):
         print(f"{len(found)} mutants do not compile", flush=True)
 
 
-def uncompiled(output, sources):
-    """The keys of the mutants on the lines that the compiler complains of."""
+def uncompiled(output, sources, kept):
+    """The keys of the mutants of places in `kept` on the lines that the compiler complains of."""
     lines = set(re.findall(r"^\S*?tree/([^:\n]+):(\d+):(?:\d+:)? +(?:error:|required from)", output, re.M))
     result = set()
     for path, line in lines:
         if path in sources:
-            numbers = sources[path].places_on(int(line))
+            numbers = sources[path].places_on(int(line)) & kept
             result |= {m.key() for m in sources[path].mutants if m.place in numbers}
     return result
 
@@ -408,8 +416,8 @@ def read_equivalent():
     return result
 
 
-def matches(mutant, patterns):
-    return not patterns or any(mutant.file.startswith(p) or fnmatch.fnmatch(mutant.file, p) for p in patterns)
+def matches(path, patterns):
+    return not patterns or any(path.startswith(p) or fnmatch.fnmatch(path, p) for p in patterns)
 
 
 def arguments():
@@ -424,7 +432,7 @@ def arguments():
     parser.add_argument("--survivors", action="store_true", help="only those that survived the last run")
     parser.add_argument("--resume", action="store_true", help="go on with the last run, which was stopped")
     parser.add_argument("--unit", action="store_true",
-                        help="only the tests beside the sources, and only mutants that these reach")
+                        help="only the tests in the folders of the files, and only mutants that these reach")
     parser.add_argument("--list", action="store_true", help="list the mutants and try none")
     parser.add_argument("--output", help="write the table of survivors there too")
     return parser.parse_args()
@@ -435,52 +443,56 @@ def prepare(options):
     files = tracked_files()
     product = [path for path in files if is_product(path)]
     copy_tree(files)
+    wanted = {path for path in product if not options.unit or matches(path, options.files)}
     for path in product:
-        if not os.path.exists(os.path.join(TREE, path)):
+        if path not in wanted or not os.path.exists(os.path.join(TREE, path)):
             write_changed(os.path.join(TREE, path), read(os.path.join(TOP, path)))
     remove_strangers(files)
     configure()
     for header in GENERATED:
         generate(header)
-    sources = find_places(product, options.jobs)
+    sources = find_places(product, wanted, options.jobs)
     for source in sources.values():
         count_repeated(source.mutants)
-    dropped = build(sources, unit_tests() if options.unit else [], options.jobs)
-    mutants = []
-    for source in sources.values():
-        mutants += [mutant for mutant in source.mutants if mutant.place not in dropped]
-    tests = [test for test in all_tests() if not options.unit or test.rank("") == 2]
+    mutants = [mutant for source in sources.values() for mutant in source.mutants]
+    drawn = draw(mutants, sources, options)
+    targets = unit_tests(wanted) if options.unit else []
+    kept = build(sources, {mutant.place for mutant in (drawn if options.mutants else mutants)}, targets, options.jobs)
+    tests = [test for test in all_tests() if not options.unit or os.path.relpath(test.command[0], BUILD) in targets]
     measure(tests, 1 + len(product) * FILE_SHARE, options.jobs, files)
+    chosen = [mutant for mutant in drawn if mutant.place in kept]
     if options.unit:
         reached = frozenset().union(*(test.reached for test in tests))
-        mutants = [mutant for mutant in mutants if mutant.number in reached]
-    return mutants, tests
+        chosen = [mutant for mutant in chosen if mutant.number in reached]
+    return chosen, tests
+
+
+def draw(mutants, sources, options):
+    """The mutants to choose from, in the order in which they are tried."""
+    equivalent = read_equivalent()
+    listed = {key for key in equivalent if not options.unit or key.split("\t")[0] in sources}
+    unknown = listed - {mutant.key() for mutant in mutants}
+    if unknown:
+        sys.exit("No such mutants, but in " + EQUIVALENT + ":\n" + "\n".join(sorted(unknown)))
+    drawn = [m for m in mutants if matches(m.file, options.files) and m.key() not in equivalent]
+    if options.survivors:
+        last = load("verdicts.pickle", {})
+        drawn = [mutant for mutant in drawn if last.get(mutant.key(), "") is None]
+    random.Random(options.seed).shuffle(drawn)
+    return drawn[:DRAWN * options.mutants] if options.mutants else drawn
 
 
 def main():
     options = arguments()
     started = time.monotonic()
-    mutants, tests = prepare(options)
-    print(f"{len(mutants)} mutants, {len(tests)} tests, prepared in {time.monotonic() - started:.0f} s", flush=True)
-    chosen = choose(mutants, options)
+    chosen, tests = prepare(options)
+    print(f"{len(chosen)} mutants, {len(tests)} tests, prepared in {time.monotonic() - started:.0f} s", flush=True)
+    chosen = chosen[:options.mutants]
     if options.list:
         for mutant in chosen:
             print(row(mutant))
         return 0
     return report(try_all(chosen, tests, options), options)
-
-
-def choose(mutants, options):
-    if options.survivors:
-        last = load("verdicts.pickle", {})
-        mutants = [mutant for mutant in mutants if last.get(mutant.key(), "") is None]
-    equivalent = read_equivalent()
-    unknown = equivalent.keys() - {mutant.key() for mutant in mutants}
-    if unknown and not options.survivors and not options.unit:
-        sys.exit("No such mutants, but in " + EQUIVALENT + ":\n" + "\n".join(sorted(unknown)))
-    chosen = [m for m in mutants if matches(m, options.files) and m.key() not in equivalent]
-    random.Random(options.seed).shuffle(chosen)
-    return chosen[:options.mutants]
 
 
 def try_all(chosen, tests, options):

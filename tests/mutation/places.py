@@ -465,11 +465,11 @@ class Source:
         return {number for number, wraps, replacements in self.edits
                 if any(is_on(span[0]) for span in [*wraps, *replacements])}
 
-    def mutated(self, dropped):
-        """The source with all mutants but those whose first number is in `dropped`. Lines stay where they are."""
+    def mutated(self, kept):
+        """The source with the mutants of the places in `kept`. Lines stay where they are."""
         opening, closing, replaced = {}, {}, {}
         for order, (number, wraps, replacements) in enumerate(self.edits):
-            if number in dropped:
+            if number not in kept:
                 continue
             for start, end, prefix, suffix in wraps:
                 opening.setdefault(start, []).append((-end, order, prefix))

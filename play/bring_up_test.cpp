@@ -16,6 +16,7 @@
 #include "play/bring_up.h"
 #include "play/known_device.h"
 #include "sw/parm/parm_name.h"
+#include "tests/support/random_count.h"
 #include "tests/support/random_texts.h"
 
 namespace {
@@ -290,7 +291,7 @@ bool dependsOnItself(Database& database, const std::string& parm) {
 }
 
 TEST_F(BringUpTest, LeavesNoRandomDeviceWithAnythingToReset) {
-  constexpr uint32_t DEFINITIONS = 6000;
+  constexpr uint32_t DEFINITIONS = randomCount(6000);
   uint32_t tried = 0;
   uint32_t restless = 0;
   // Many have a cycle of dependences, which is said there.

@@ -19,6 +19,7 @@
 #include "database/index_values.h"
 #include "database/transaction.h"
 #include "sw/parm/parm_name.h"
+#include "tests/support/random_count.h"
 #include "vid_std.h"
 
 namespace {
@@ -37,7 +38,7 @@ unsigned wantedNumber(const char* name, unsigned otherwise) {
 }
 
 // How many texts are made, and the number that the first is made from.
-unsigned textCount() { return wantedNumber("RANDOM_TEXTS", 150); }
+unsigned textCount() { return wantedNumber("RANDOM_TEXTS", randomCount(150)); }
 unsigned firstSeed() { return wantedNumber("RANDOM_FIRST", 0); }
 
 // A text that the engine has built.

@@ -14,11 +14,11 @@ struct Conversion {
 };
 
 // strtol wants a text that ends with a NUL byte, so it is given a copy. It also ends at a NUL byte
-// within the text.
+// within the text. Its long has 64 bits on every machine, which strtoll makes sure of.
 Conversion convert(std::string_view text) {
   const std::string copy(text);
   char* end = nullptr;
-  const long number = std::strtol(copy.c_str(), &end, 0);
+  const long long number = std::strtoll(copy.c_str(), &end, 0);
   return {static_cast<int32_t>(number), static_cast<size_t>(end - copy.c_str())};
 }
 

@@ -78,6 +78,9 @@ bool replaceFile(const std::string& path, std::string_view text) {
   return true;
 }
 
+// In bytes. More than any device has, so that the end of a file that has none is seen.
+constexpr size_t MOST_READ = size_t{128} << 20U;
+
 // A device, a pipe or the like cannot be replaced.
 bool isSpecial(const std::string& path) {
   struct stat status = {};
@@ -103,7 +106,8 @@ std::optional<std::string> tryReadFile(const std::string& path, std::string& err
   while (descriptor >= 0 && length != 0) {
     length = read(descriptor, part.data(), part.size());
     if (length > 0) text.append(part.data(), static_cast<size_t>(length));
-    if (length < 0 && errno != EINTR) break;  // a directory, for example
+    if (text.size() > MOST_READ) errno = EFBIG;
+    if (text.size() > MOST_READ || (length < 0 && errno != EINTR)) break;  // a device; a directory
   }
   if (length != 0) error = "cannot read " + quotedWord(path) + ": " + std::strerror(errno);
   if (descriptor >= 0) close(descriptor);

@@ -12,7 +12,7 @@
 /// be read, where a line is none of an assignment, and where a name is given two values.
 std::vector<Assignment> readValuesFile(const std::string& path);
 
-/// What any file holds; nullopt where it cannot be read, and `error` says why.
+/// What any file of up to 128 MiB holds; nullopt where it cannot be read, and `error` says why.
 std::optional<std::string> tryReadFile(const std::string& path, std::string& error);
 
 /// As readValuesFile(), but where it would end the program, that is in `error`.

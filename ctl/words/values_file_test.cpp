@@ -85,6 +85,8 @@ TEST_F(ValuesFileDeathTest, EndsTheProgramForWhatCannotBeRead) {
               "cannot read .*/none: No such file or directory");
   EXPECT_EXIT(readValuesFile(path(".")), testing::ExitedWithCode(STATUS_USAGE),
               "cannot read .*: Is a directory");
+  EXPECT_EXIT(static_cast<void>(readValuesFile("/dev/zero")), testing::ExitedWithCode(STATUS_USAGE),
+              "cannot read /dev/zero: File too large");
 }
 
 TEST_F(ValuesFileTest, ReplacesTheFileAndKeepsItsModeAndLinks) {

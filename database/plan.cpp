@@ -123,8 +123,9 @@ std::optional<Plan> planCommit(Database& database, StagedValues& staged) {
     logError("commit: ERROR \"" + entries.front()->parm->parm.name() + "\": " + limit);
     return std::nullopt;
   }
-  staged.makeRoom(extent.instances);
-  plan.reserve(plan.size() + extent.instances);
+  const auto instances = static_cast<size_t>(extent.instances);  // within the limit
+  staged.makeRoom(instances);
+  plan.reserve(plan.size() + instances);
   for (ParmEntry* dependent : dependents) {
     size_t number = 0;
     forEachInstance(database, dependent->parm, [&](const IndexTuple& indices) {

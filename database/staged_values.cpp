@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdint>
 #include <functional>
 #include <utility>
 
@@ -11,10 +12,10 @@
 namespace {
 
 size_t hashOf(const ParmEntry& parm, const IndexTuple& indices) {
-  constexpr size_t SPREAD = 0x9e3779b97f4a7c15U;  // 2^64 divided by the golden ratio
-  size_t hash = (parm.rank + 1) * SPREAD;
+  constexpr uint64_t SPREAD = 0x9e3779b97f4a7c15U;  // 2^64 divided by the golden ratio
+  uint64_t hash = (parm.rank + 1) * SPREAD;
   for (const std::string& value : indices) hash = (hash ^ std::hash<std::string>{}(value)) * SPREAD;
-  return hash >> 32U;
+  return static_cast<size_t>(hash >> 32U);
 }
 
 // An entry that holds the committed value.

@@ -9,7 +9,7 @@
 namespace {
 
 constexpr size_t MEBIBYTE = size_t{1} << 20U;
-constexpr size_t NEVER = SIZE_MAX / 2;
+constexpr size_t NEVER = SIZE_MAX / 8 * 7;
 
 TEST(MemoryReserve, TakesNothingForLittle) {
   MemoryReserve reserve;

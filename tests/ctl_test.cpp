@@ -370,6 +370,28 @@ TEST_F(CtlTest, ShowsAndUndoesCommits) {
   });
 }
 
+TEST_F(CtlTest, SaysWhatAnUndoLeaves) {
+  serve(
+      "source rw { rangeValid { \"in\", \"ref\" } default { \"in\" } }\n"
+      "type rw { rangeValid { 0..9 } ctrlRO (source != \"ref\") default { 1 } }\n"
+      "alarm ro { rangeValid (source == \"in\") { 0 } rangeValid (source != \"in\") { 1 } }\n");
+  const std::string left = "type stays 5: it is read-only, line 2: ctrlRO (source != \"ref\")\n";
+  expectLines({
+      {.line = "ctl up -q; ctl set -q source=ref type=5; ctl get alarm", .out = "1\n"},
+      // What follows comes back by itself, and is no loss.
+      {.line = "ctl undo -n 4",
+       .out = "alarm: 1 -> 0\nsource: ref -> in\n",
+       .err = left,
+       .status = 1},
+      {.line = "ctl undo 4", .out = "alarm: 1 -> 0\nsource: ref -> in\n", .err = left, .status = 1},
+      {.line = "ctl get source type", .out = "source=in\ntype=5\n"},
+      {.line = "ctl set --status -q type=6; ctl undo 6",
+       .out = "nothing to take back\n",
+       .err = "type stays 6: it is read-only, line 2: ctrlRO (source != \"ref\")\n",
+       .status = 1},
+  });
+}
+
 TEST_F(CtlTest, ListsAndEndsTransactions) {
   servePicture();
   const std::string id = client().answer("start()");

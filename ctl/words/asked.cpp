@@ -91,13 +91,6 @@ void resolveAbsent(Client& client, uint32_t transaction, AskedStates& out) {
   out.states = std::move(states);
 }
 
-// What the service says of a staged name, mostly about "it".
-std::string refusalSentence(const std::string& why) {
-  if (why.starts_with("another ")) return why;
-  if (!why.starts_with(VALUE_REFUSED)) return "it " + why;
-  return "it refuses the value" + why.substr(VALUE_REFUSED.size());
-}
-
 // Whether there can be such an instance.
 bool isInstance(Client& client, const std::string& name) {
   const auto counts = indexCounts(client, std::string(baseOf(name)));
@@ -112,6 +105,12 @@ void complainOfValue(Client& client, const Assignment& assignment) {
 }
 
 }  // namespace
+
+std::string refusalSentence(const std::string& why) {
+  if (why.starts_with("another ")) return why;
+  if (!why.starts_with(VALUE_REFUSED)) return "it " + why;
+  return "it refuses the value" + why.substr(VALUE_REFUSED.size());
+}
 
 AskedStates findStates(Client& client, uint32_t transaction, const Names& asked) {
   AskedStates out;

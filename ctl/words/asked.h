@@ -20,6 +20,9 @@ AskedStates findStates(Client& client, uint32_t transaction, const Names& asked)
 /// Complains of each of the names, with the one that may have been meant.
 void complainOfUnknown(Client& client, const Names& names);
 
+/// What the service says of a staged name that it refuses, as a sentence, mostly about "it".
+std::string refusalSentence(const std::string& why);
+
 /// Stages the values. Ends the program with complaints where one is refused at once.
 void stage(Client& client, uint32_t transaction, const std::vector<Assignment>& assignments,
            bool isStatus = false);

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "ctl/service/exit_status.h"
+#include "ctl/text/assignment.h"
 #include "ctl/text/quoted.h"
 #include "ctl/words/arguments.h"
 #include "ctl/words/asked.h"
@@ -33,7 +34,7 @@ PastCommit findCommit(Client& client, uint32_t serial) {
 
 // What is left to be taken back: what a client can set, and had a value before.
 struct Reversal {
-  std::vector<Assignment> assignments;
+  std::vector<Change> own;        // from the values of now
   std::vector<Change> overtaken;  // that later commits have changed again; with the value of now
 };
 
@@ -48,18 +49,37 @@ Reversal reversalOf(Client& client, const PastCommit& commit) {
     if (states[i].value != change.after) {
       reversal.overtaken.push_back({change.name, change.after, states[i].value});
     }
-    reversal.assignments.push_back({change.name, change.before});
+    reversal.own.push_back({change.name, states[i].value, change.before});
   }
   return reversal;
 }
 
-// Stages what can be set once the rest is taken back, and returns that. What follows others comes
-// back by itself.
-std::vector<Assignment> stageReversal(Client& client, uint32_t transaction,
-                                      std::vector<Assignment> assignments) {
-  removeRefused(assignments, client.service.set(transaction, assignments, false));
-  removeRefused(assignments, client.service.preview(transaction).refused);
-  return assignments;
+// Takes out what cannot be set once the rest is taken back, and returns why. What follows others
+// comes back by itself.
+std::vector<Refusal> takeOutRefused(Client& client, std::vector<Assignment>& assignments) {
+  const OwnTransaction trial(client.service);
+  std::vector<Refusal> refused = client.service.set(trial.id(), assignments, false);
+  removeRefused(assignments, refused);
+  std::vector<Refusal> later = client.service.preview(trial.id()).refused;
+  removeRefused(assignments, later);
+  std::ranges::move(later, std::back_inserter(refused));
+  return refused;
+}
+
+// Says what is refused and does not come back by itself either; returns the exit status.
+int complainOfStaying(const Reversal& reversal, const std::vector<Refusal>& refused,
+                      const std::vector<Change>& changes) {
+  int status = STATUS_DONE;
+  for (const Refusal& refusal : refused) {
+    const Change& own = *std::ranges::find(reversal.own, refusal.name, &Change::name);
+    const auto change = std::ranges::find(changes, refusal.name, &Change::name);
+    const std::string& after = change == changes.end() ? own.before : change->after;
+    if (isSameValue(after, own.after)) continue;
+    complain(quotedWord(own.name) + " stays " + quotedWord(after) + ": " +
+             refusalSentence(refusal.why));
+    status = STATUS_REFUSED;
+  }
+  return status;
 }
 
 void show(const Output& out, const Preview& preview, bool isDry) {
@@ -82,13 +102,12 @@ int complainOfOvertaken(const std::vector<Change>& overtaken) {
 }
 
 // Says that a commit stays, as it has changed only what was empty or what comes back by itself.
-int tellNothing(const Output& out, bool isDry) {
+void tellNothing(const Output& out, bool isDry) {
   if (out.isJson()) {
     out.json(isDry ? Json::array() : Json{{"stored", Json::array()}, {"followed", Json::array()}});
   } else {
     out.line("nothing to take back");
   }
-  return STATUS_DONE;
 }
 
 int undo(Client& client, const UndoArguments& arguments) {
@@ -98,16 +117,21 @@ int undo(Client& client, const UndoArguments& arguments) {
     return complainOfOvertaken(reversal.overtaken);
   }
   std::vector<Assignment> assignments;
-  {
-    const OwnTransaction trial(client.service);
-    assignments = stageReversal(client, trial.id(), reversal.assignments);
+  for (const Change& change : reversal.own) assignments.push_back({change.name, change.after});
+  const std::vector<Refusal> refused = takeOutRefused(client, assignments);
+  if (assignments.empty()) {
+    tellNothing(client.out, arguments.isDry);
+    return complainOfStaying(reversal, refused, {});
   }
-  if (assignments.empty()) return tellNothing(client.out, arguments.isDry);
   const OwnTransaction transaction(client.service);
   stage(client, transaction.id(), assignments);
-  show(client.out, client.service.preview(transaction.id()), arguments.isDry);
-  if (arguments.isDry) return STATUS_DONE;
-  return commitAndTell(client, transaction.id(), wantedOf(assignments), {.onlyCut = true});
+  const Preview preview = client.service.preview(transaction.id());
+  show(client.out, preview, arguments.isDry);
+  const int left = complainOfStaying(reversal, refused, preview.changes);
+  if (arguments.isDry) return left;
+  const int status =
+      commitAndTell(client, transaction.id(), wantedOf(assignments), {.onlyCut = true});
+  return status == STATUS_DONE ? left : status;
 }
 
 }  // namespace

@@ -278,6 +278,10 @@ TEST_F(CtlTest, UnlocksControls) {
               "to make it writable: ostrelctl set proc_link=0\n"},
       {.line = "ctl why 'picture_gain[2]=500' | tail -1",
        .out = "to have it stored: ostrelctl set proc_link=0 'picture_gain[2]=500'\n"},
+      {.line = "ctl ls -li picture_gain",
+       .out = "ACCESS        NAME             VALUE  RANGE    DEFAULT  LINE\n"
+              "rw            picture_gain[1]  1000   0..2000  1000     171\n"
+              "rw (not now)  picture_gain[2]  1000   0..2000  1000     171\n"},
       {.line = "ctl why test_pattern_speed | tail -1",
        .out = "to make it writable: ostrelctl set test_pattern=zone_plate\n"},
       {.line = "ctl why wss_mode | tail -1",

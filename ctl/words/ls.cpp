@@ -120,9 +120,16 @@ Json jsonOf(const Row& row, const LsArguments& arguments) {
   return json;
 }
 
+// A control that is greyed out is found by its access: what a client could set, but not now.
+std::string accessText(const Row& row, const LsArguments& arguments) {
+  const std::string& access = row.parameter.access;
+  const bool isLocked = row.parameter.canBeSet() && row.state && !row.state->is(STATE_WRITABLE);
+  return arguments.hasInstances && isLocked ? access + " (not now)" : access;
+}
+
 std::vector<std::string> cellsOf(const Row& row, const LsArguments& arguments) {
   const std::string shown = arguments.hasInstances ? row.shown : shapeOf(row.parameter);
-  std::vector<std::string> cells = {row.parameter.access, quotedWord(shown)};
+  std::vector<std::string> cells = {accessText(row, arguments), quotedWord(shown)};
   if (arguments.hasInstances) cells.push_back(row.state ? quotedWord(row.state->value) : "");
   cells.push_back(row.state ? rangeText(*row.state) : "-");
   cells.push_back(row.byDefault ? quotedWord(*row.byDefault) : "-");

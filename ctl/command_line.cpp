@@ -116,8 +116,10 @@ std::string faultText(const CLI::App& app, const CLI::ParseError& fault) {
     return unknownOptionText(app, chosen.empty() ? app : *chosen.front(), left.front());
   }
   if (chosen.empty()) {
-    return left.empty() ? "no word is given; ostrelctl --help lists them"
-                        : unknownWordText(left.front());
+    if (!left.empty()) return unknownWordText(left.front());
+    // An option without its argument is found before the word is missed.
+    return fault.get_name() == "ArgumentMismatch" ? fault.what()
+                                                  : "no word is given; ostrelctl --help lists them";
   }
   if (!left.empty()) return chosen.front()->get_name() + " does not take \"" + left.front() + "\"";
   return chosen.front()->get_name() + ": " + fault.what();

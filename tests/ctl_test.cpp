@@ -457,6 +457,10 @@ TEST_F(CtlTest, SaysWhereThereIsNoService) {
 TEST_F(CtlTest, RefusesWrongCommandLines) {
   expectLines({
       {.line = "ctl", .err = "no word is given; ostrelctl --help lists them\n", .status = 2},
+      {.line = "ctl -b", .err = "--bus: 1 required STRING missing\n", .status = 2},
+      {.line = "ctl ls --timeout",
+       .err = "ls: --timeout: 1 required SECONDS missing\n",
+       .status = 2},
       {.line = "ctl gte mode", .err = "no word \"gte\": did you mean get?\n", .status = 2},
       {.line = "ctl frobnicate",
        .err = "no word \"frobnicate\"; ostrelctl --help lists them\n",

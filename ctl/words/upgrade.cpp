@@ -60,13 +60,15 @@ class Temporary {
   explicit Temporary(const std::string& text) {
     const int descriptor = mkostemp(path_.data(), O_CLOEXEC);
     if (descriptor >= 0) close(descriptor);
-    if (descriptor >= 0 && tryWriteFile(path_, text)) return;
+    if (descriptor >= 0 && write(text)) return;
     endWith(STATUS_REFUSED, "cannot write " + path_ + ": " + std::strerror(errno));
   }
   ~Temporary() { unlink(path_.c_str()); }
   Temporary(const Temporary&) = delete;
   Temporary& operator=(const Temporary&) = delete;
   [[nodiscard]] const std::string& path() const { return path_; }
+  /// Returns whether it is done; otherwise errno says why not.
+  [[nodiscard]] bool write(const std::string& text) const { return tryWriteFile(path_, text); }
 
  private:
   std::string path_ = std::string(g_get_tmp_dir()) + "/ostrel-values.XXXXXX";
@@ -76,6 +78,15 @@ class Temporary {
 // shown before, and is no failure.
 bool isJudgement(int status) {
   return status == STATUS_DONE || status == STATUS_REFUSED || status == STATUS_UNKNOWN;
+}
+
+volatile std::sig_atomic_t isInterrupted = 0;
+
+// A signal ends what is run for the upgrade, and what waits for an answer, but not this program.
+void catchSignals() {
+  struct sigaction action = {};
+  action.sa_handler = [](int) { isInterrupted = 1; };
+  for (const int number : {SIGINT, SIGHUP, SIGQUIT, SIGTERM}) sigaction(number, &action, nullptr);
 }
 
 class Upgrade {
@@ -93,12 +104,11 @@ class Upgrade {
       client_.out.line("nothing to do: the text is the same");
       return STATUS_DONE;
     }
+    catchSignals();
     if (const std::optional<int> status = refusal()) {
       complain("nothing was changed");
       return *status;
     }
-    // Whatever is interrupted ends here, and what follows sees to the rest.
-    for (const int number : {SIGINT, SIGHUP, SIGTERM}) std::signal(number, [](int) {});
     if (const std::string failure = serve(new_); !failure.empty()) return goBack(failure);
     const int status = restore();
     if (!isJudgement(status)) return goBack("the values cannot be restored");
@@ -122,27 +132,51 @@ class Upgrade {
   // Why the text is not replaced, as an exit status, after a complaint. Nothing ends the program
   // here, as the values would be left in their file.
   [[nodiscard]] std::optional<int> refusal() const {
-    constexpr int FAULT = 2;
-    if (const int status = runTool({"ostrel-check", "--quiet"}, {"--", arguments_.file});
-        status != 0) {
-      complain(status == 127 ? "ostrel-check is needed to check the text" : "the text is refused");
-      return STATUS_REFUSED;
-    }
-    // That clients have to change is for the operator to judge.
-    if (runTool({"ostrel-play", "--diff", "--values=" + values_.path()},
-                {"--", arguments_.text, arguments_.file}) >= FAULT) {
-      complain("the texts cannot be compared");
-      return STATUS_REFUSED;
-    }
-    if (arguments_.isYes) return std::nullopt;
-    if (isatty(STDIN_FILENO) == 0) {
+    if (!isAcceptable()) return STATUS_REFUSED;
+    if (!arguments_.isYes && isatty(STDIN_FILENO) == 0) {
       complain("--yes is needed where nobody can be asked");
       return STATUS_USAGE;
     }
+    const bool goesOn = (arguments_.isYes || isWanted()) && takeValues() && isInterrupted == 0;
+    return goesOn ? std::nullopt : std::optional<int>(STATUS_REFUSED);
+  }
+
+  [[nodiscard]] bool isAcceptable() const {
+    constexpr int FAULT = 2;
+    const int checked = runTool({"ostrel-check", "--quiet"}, {"--", arguments_.file});
+    if (isInterrupted != 0) return false;
+    if (checked != 0) {
+      complain(checked == 127 ? "ostrel-check is needed to check the text" : "the text is refused");
+      return false;
+    }
+    // That clients have to change is for the operator to judge.
+    const int compared = runTool({"ostrel-play", "--diff", "--values=" + values_.path()},
+                                 {"--", arguments_.text, arguments_.file});
+    if (compared >= FAULT && isInterrupted == 0) complain("the texts cannot be compared");
+    return compared < FAULT;
+  }
+
+  [[nodiscard]] bool isWanted() const {
     std::cout << "Replace " << quotedWord(arguments_.text) << " and restart? [y/N] " << std::flush;
     std::string answer;
     std::getline(std::cin, answer);
-    return answer == "y" || answer == "yes" ? std::nullopt : std::optional<int>(STATUS_REFUSED);
+    return answer == "y" || answer == "yes";
+  }
+
+  // The values as they are now: the answer may have taken its time.
+  [[nodiscard]] bool takeValues() const {
+    std::optional<std::vector<ListedParameter>> listed = client_.service.tryList();
+    const auto values = listed
+                            ? storedValues(client_.service, Levels(*std::move(listed)), false, true)
+                            : std::nullopt;
+    if (!values) {
+      complain("the service has gone");
+    } else if (!values_.write(valuesText(*values))) {
+      complain("cannot write " + values_.path() + ": " + std::strerror(errno));
+    } else {
+      return true;
+    }
+    return false;
   }
 
   // This program, for the same service. What ends that does not end the upgrade.

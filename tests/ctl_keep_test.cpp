@@ -80,6 +80,25 @@ TEST_F(CtlKeepTest, WritesWhileValuesChange) {
   EXPECT_EQ(end(*keeper).status, 0);
 }
 
+TEST_F(CtlKeepTest, KeepsWhatWasSetJustBeforeItsEnd) {
+  serve(TEXT);
+  bringUp();
+  std::string values = "mode=wide\n";
+  for (int i = 0; i < 20; ++i) {
+    std::filesystem::remove(directory() + "/v");
+    const auto keeper = start("exec \"$0\" keep --every 3600 v");
+    ASSERT_TRUE(comesToHold(values));
+    // It wakes up to both.
+    kill(keeper->pid(), SIGSTOP);
+    EXPECT_EQ(client().answer("single_set('gain', '" + std::to_string(i) + "')"), "()");
+    kill(keeper->pid(), SIGTERM);
+    kill(keeper->pid(), SIGCONT);
+    EXPECT_EQ(keeper->waitForEnd().status, 0);
+    values = "gain=" + std::to_string(i) + "\nmode=wide\n";
+    EXPECT_EQ(kept(), values);
+  }
+}
+
 TEST_F(CtlKeepTest, OutlivesTheServiceAndWaitsUntilTheNextIsReady) {
   for (const int signal : {SIGTERM, SIGKILL}) {
     SCOPED_TRACE(signal);

@@ -106,8 +106,9 @@ class Keeper {
   }
   static gboolean onSignal(gpointer self) {
     auto& keeper = *static_cast<Keeper*>(self);
-    if (keeper.isDirty_) keeper.keepStored();
     keeper.keepAnnounced();
+    // There may be more: what has been announced, too, may not have been read yet.
+    if (keeper.isReady_) keeper.keepStored();
     keeper.end(STATUS_DONE);
     return G_SOURCE_CONTINUE;
   }

@@ -249,7 +249,7 @@ class Upgrade {
 };
 
 int upgrade(Client& client, UpgradeArguments arguments) {
-  const std::string start = "/etc/ostrel/" + arguments.instance;
+  const std::string start = TEXTS_DIRECTORY + arguments.instance;
   if (arguments.text.empty()) arguments.text = start + ".ostrel";
   if (arguments.constants.empty()) arguments.constants = start + ".conf";
   if (arguments.restart.empty()) {
@@ -265,9 +265,10 @@ RunWord defineUpgrade(CLI::App& word) {
   addText(word, "NEW", arguments->file, "The new definition text")->required();
   addText(word, "--instance", arguments->instance, "Of the service ostrel@NAME (device)")
       ->type_name("NAME");
-  addText(word, "--text", arguments->text, "The text to be replaced (/etc/ostrel/NAME.ostrel)")
+  addText(word, "--text", arguments->text,
+          "The text to be replaced (" TEXTS_DIRECTORY "NAME.ostrel)")
       ->type_name("FILE");
-  addText(word, "--constants", arguments->constants, "Of both texts (/etc/ostrel/NAME.conf)")
+  addText(word, "--constants", arguments->constants, "Of both texts (" TEXTS_DIRECTORY "NAME.conf)")
       ->type_name("FILE");
   addText(word, "--restart", arguments->restart,
           "What restarts the service (systemctl --user restart ostrel@NAME)")

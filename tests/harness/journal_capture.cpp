@@ -20,6 +20,8 @@ bool isForJournal(const msghdr& message) {
 
 }  // namespace
 
+// The C library's names of the parameters are none that a program may have.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" ssize_t sendmsg(int descriptor, const msghdr* message, int flags) {
   using Send = ssize_t (*)(int, const msghdr*, int);
   static const auto send = reinterpret_cast<Send>(dlsym(RTLD_NEXT, "sendmsg"));
@@ -31,7 +33,9 @@ extern "C" ssize_t sendmsg(int descriptor, const msghdr* message, int flags) {
   }
   const ssize_t length = static_cast<ssize_t>(text.size());
   text += '\n';
-  const int file = open(std::getenv("JOURNAL_CAPTURE_FILE"), O_WRONLY | O_APPEND | O_CREAT, 0600);
+  const char* const path = std::getenv("JOURNAL_CAPTURE_FILE");
+  if (path == nullptr) return -1;
+  const int file = open(path, O_WRONLY | O_APPEND | O_CREAT, 0600);
   const bool isWritten = write(file, text.data(), text.size()) == length + 1;
   close(file);
   return isWritten ? length : -1;

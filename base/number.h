@@ -23,7 +23,8 @@
 /// The number that the whole of `text` spells: decimal, "0x" hexadecimal or leading-"0" octal, with
 /// leading white space and a sign allowed. Returns nullopt when the conversion stops before the
 /// end. The empty text is the number 0. The long of 64 bits that strtol gives is truncated to
-/// 32: "4294967295" is -1. The usual decimal forms of up to nine digits are converted without a copy.
+/// 32: "4294967295" is -1. The usual decimal forms of up to nine digits are converted without a
+/// copy.
 std::optional<int32_t> wholeNumber(std::string_view text);
 
 /// The number at the start of `text`, whatever follows it; 0 when there is none. Truncated to 32

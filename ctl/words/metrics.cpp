@@ -6,11 +6,15 @@
 
 namespace {
 
-// In seconds since 1970.
-std::string secondsText(uint64_t microseconds) {
+std::string secondsText(double seconds) {
   char text[64];
-  std::snprintf(text, sizeof text, "%.6f", static_cast<double>(microseconds) / G_USEC_PER_SEC);
+  std::snprintf(text, sizeof text, "%.6f", seconds);
   return text;
+}
+
+// A time in microseconds since 1970.
+std::string timeText(uint64_t time) {
+  return secondsText(static_cast<double>(time) / G_USEC_PER_SEC);
 }
 
 // A text in the quotes of a label.
@@ -49,8 +53,6 @@ int metrics(Client& client) {
   print(out, {"ostrel_up", "gauge", nullptr, "Whether the service answers.", told ? "1" : "0"});
   if (told) {
     const Vitals& vitals = *told;
-    char latency[64];
-    std::snprintf(latency, sizeof latency, "%.6f", vitals.latency);
     const std::vector<PastCommit> last = client.service.history(1);
     const Metric all[] = {
         // The type "info" is unknown to the exporter, which would refuse the whole file for it.
@@ -59,7 +61,7 @@ int metrics(Client& client) {
         {"ostrel_ready", "gauge", nullptr, "Whether the device has been brought up.",
          vitals.isReady ? "1" : "0"},
         {"ostrel_start_time_seconds", "gauge", "seconds",
-         "When the daemon began to serve, since 1970.", secondsText(vitals.started)},
+         "When the daemon began to serve, since 1970.", timeText(vitals.started)},
         {"ostrel_definitions", "gauge", nullptr, "Parameters and indices that are defined.",
          std::to_string(vitals.definitions)},
         {"ostrel_open_transactions", "gauge", nullptr, "Transactions that are open.",
@@ -70,10 +72,11 @@ int metrics(Client& client) {
          std::to_string(vitals.commits), "_total"},
         {"ostrel_last_commit_time_seconds", "gauge", "seconds",
          "When the last commit that announced something was made, since 1970; 0 for none.",
-         secondsText(last.empty() ? 0 : last.back().time)},
+         timeText(last.empty() ? 0 : last.back().time)},
         {"ostrel_resident_memory_bytes", "gauge", "bytes", "Memory of the daemon; 0 if unknown.",
          std::to_string(vitals.memory)},
-        {"ostrel_call_latency_seconds", "gauge", "seconds", "How long one answer took.", latency},
+        {"ostrel_call_latency_seconds", "gauge", "seconds", "How long one answer took.",
+         secondsText(vitals.latency)},
     };
     for (const Metric& metric : all) print(out, metric);
   }

@@ -128,9 +128,7 @@ std::string faultText(const CLI::App& app, const CLI::ParseError& fault) {
 // What is not the default of the service that is meant.
 std::string programFor(const BusOptions& bus) {
   std::string program = "ostrelctl";
-  if (!bus.busSuffix.empty()) program += " -b " + shellWord(bus.busSuffix);
-  if (!bus.pathSuffix.empty()) program += " -o " + shellWord(bus.pathSuffix);
-  if (!bus.address.empty()) program += " --address " + shellWord(bus.address);
+  for (const std::string& argument : serviceArguments(bus)) program += " " + shellWord(argument);
   return program;
 }
 

@@ -93,6 +93,19 @@ GDBusCallFlags flagsOf(const BusMethod& method) {
 
 }  // namespace
 
+std::vector<std::string> serviceArguments(const BusOptions& options) {
+  std::vector<std::string> arguments;
+  const auto add = [&](const char* option, const std::string& value) {
+    if (value.empty()) return;
+    arguments.emplace_back(option);
+    arguments.push_back(value);
+  };
+  add("-b", options.busSuffix);
+  add("-o", options.pathSuffix);
+  add("--address", options.address);
+  return arguments;
+}
+
 const char* interfaceName(BusInterface interface) { return INTERFACES[interface]; }
 
 bool isBusSuffix(const std::string& suffix) {

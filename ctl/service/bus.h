@@ -23,6 +23,9 @@ struct BusOptions {
   bool waits = true;            ///< whether the first call waits until the device is ready
 };
 
+/// The options of a command line for the same service; those that are not given are left out.
+std::vector<std::string> serviceArguments(const BusOptions& options);
+
 /// The interfaces of the service; each has an object of its own.
 enum BusInterface : int {
   TRANSACTION_INTERFACE,

@@ -183,15 +183,9 @@ class Upgrade {
   [[nodiscard]] int runWord(const Texts& word) const {
     const BusOptions& bus = client_.service.bus().options();
     Texts command = {"/proc/self/exe", "--timeout", std::to_string(bus.timeout)};
-    const auto add = [&](const char* option, const std::string& value) {
-      if (value.empty()) return;
-      command.emplace_back(option);
-      command.push_back(value);
-    };
-    add("--bus", bus.busSuffix);
-    add("--obj_path", bus.pathSuffix);
-    add("--address", bus.address);
-    command.insert(command.end(), word.begin(), word.end());
+    for (const Texts& part : {serviceArguments(bus), word}) {
+      command.insert(command.end(), part.begin(), part.end());
+    }
     return ::run(command);
   }
 

@@ -352,6 +352,28 @@ TEST_F(ParametersInterfaceTest, SignalsComeAsTheyAreWatched) {
   EXPECT_EQ(bystander.newSignals(), std::vector<std::string>());
 }
 
+// Whoever commits does not wait for what others watch.
+TEST_F(ParametersInterfaceTest, SignalsComeBehindTheAnswerAndBeforeTheNextOne) {
+  EXPECT_EQ(parameters().answer("Watch(true, true)"), "()");
+  std::vector<std::string> came;  // filled by the thread of the connection
+  const guint filter = g_dbus_connection_add_filter(
+      client().connection(),
+      [](GDBusConnection*, GDBusMessage* message, gboolean isIncoming, gpointer list) {
+        const gchar* const member = g_dbus_message_get_member(message);
+        if (isIncoming != FALSE) {
+          static_cast<std::vector<std::string>*>(list)->emplace_back(member ? member : "answer");
+        }
+        return message;
+      },
+      &came, nullptr);
+  client().send("single_set('rate', '7')");
+  client().send("single_get('rate')");
+  EXPECT_EQ(client().collectAnswers(), (std::vector<std::string>{"()", "'7'"}));
+  g_dbus_connection_remove_filter(client().connection(), filter);
+  EXPECT_EQ(came, (std::vector<std::string>{"transaction", "answer", "Changed", "LimitsChanged",
+                                            "answer"}));
+}
+
 TEST_F(ParametersInterfaceTest, SignalsNameTheClientThatCommits) {
   EXPECT_EQ(parameters().answer("Watch(true, false)"), "()");
   const Client other(bus().address());

@@ -60,7 +60,9 @@ Confirmation::~Confirmation() {
   g_signal_handler_disconnect(&service_.bus().connection(), closing_);
 }
 
+// A commit is told behind its own answer, and before that to any later call.
 void Confirmation::takeSignals() {
+  service_.watch(true, false);
   while (g_main_context_iteration(nullptr, FALSE) != FALSE) {
   }
 }

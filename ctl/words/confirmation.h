@@ -26,7 +26,7 @@ class Confirmation {
   Confirmation(const Confirmation&) = delete;
   Confirmation& operator=(const Confirmation&) = delete;
 
-  /// Takes notice of all commits before the last reply of the service.
+  /// Takes notice of all commits until now.
   void takeSignals();
   /// What the commits of this client have changed since its construction.
   [[nodiscard]] const std::vector<Change>& changes() const { return changes_; }

@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "database/commit.h"
@@ -33,10 +34,10 @@ std::string_view orEmpty(const std::string* text) {
   return text == nullptr ? std::string_view("") : *text;
 }
 
-void announce(const std::vector<Change>& changes, const std::vector<ParmEntry*>& unreported,
+void announce(std::vector<Change> changes, std::vector<ParmEntry*> unreported,
               ValueObject* object) {
   publish(object, changes);
-  ServiceState::current().committed(changes, unreported);
+  ServiceState::current().committed(std::move(changes), std::move(unreported));
 }
 
 // Adds the values of names that are looked up together, up to the first that is too much for a
@@ -168,11 +169,11 @@ int commitAndPublish(Transaction& transaction, ValueObject* object) {
   } catch (...) {
     // Where memory is exhausted in between, what is stored is told all the same.
     room.giveBack();
-    announce(changes, unreported, object);
+    announce(std::move(changes), std::move(unreported), object);
     throw;
   }
   room.giveBack();
-  announce(changes, unreported, object);
+  announce(std::move(changes), std::move(unreported), object);
   return result;
 }
 

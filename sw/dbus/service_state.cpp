@@ -84,6 +84,7 @@ void ServiceState::clientLeft(std::string_view name) noexcept {
 void ServiceState::finishCall() noexcept {
   if (used_) owners_.used(*used_);
   used_.reset();
+  if (observer_ != nullptr) observer_->callFinished();
 }
 
 void ServiceState::stop() {

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "database/commit.h"
@@ -26,9 +27,12 @@ class ServiceObserver {
   ServiceObserver& operator=(const ServiceObserver&) = delete;
   /// `caller` has committed `changes`, ascending by name, and changed the parameters `unreported`
   /// (see commit()); one of the two is not empty. The client is the empty text where it has left.
-  /// The values are stored and announced already.
-  virtual void committed(std::string_view caller, const std::vector<Change>& changes,
-                         const std::vector<ParmEntry*>& unreported) noexcept = 0;
+  /// The values are stored and announced already; the call is not answered yet.
+  virtual void committed(std::string_view caller, std::vector<Change> changes,
+                         std::vector<ParmEntry*> unreported) noexcept = 0;
+  /// A call has its answer, and the next is not served yet; the name of the `caller` that
+  /// committed() was told lives until then.
+  virtual void callFinished() noexcept = 0;
   /// The client with this unique name has left the bus.
   virtual void clientLeft(std::string_view name) noexcept = 0;
 };
@@ -63,10 +67,9 @@ class ServiceState {
   /// `observer`, which outlives the state, is told from now on; null: nobody is.
   void setObserver(ServiceObserver* observer) { observer_ = observer; }
   /// To be called when `changes` of the caller's are stored and announced.
-  void committed(const std::vector<Change>& changes,
-                 const std::vector<ParmEntry*>& unreported = {}) noexcept {
-    const bool hasChanged = !changes.empty() || !unreported.empty();
-    if (observer_ != nullptr && hasChanged) observer_->committed(caller_, changes, unreported);
+  void committed(std::vector<Change> changes, std::vector<ParmEntry*> unreported = {}) noexcept {
+    if (observer_ == nullptr || (changes.empty() && unreported.empty())) return;
+    observer_->committed(caller_, std::move(changes), std::move(unreported));
   }
   /// Opens a transaction of the caller's under the next free id. Returns 0, or 1 where every id is
   /// in use; `id` is then the last one that was tried. Raises std::bad_alloc where memory is
@@ -81,8 +84,8 @@ class ServiceState {
   /// Ends a transaction and drops what is staged in it. Returns 0, or 1 for an id of none that the
   /// caller may use.
   int endTransaction(uint32_t id);
-  /// To be called when a call is done. Its transaction may have grown; where that is one whose
-  /// client has left, the oldest of those may be ended (transaction_owners.h).
+  /// To be called when a call is done and answered. Its transaction may have grown; where that is
+  /// one whose client has left, the oldest of those may be ended (transaction_owners.h).
   void finishCall() noexcept;
   /// The client with this unique name has left the bus.
   void clientLeft(std::string_view name) noexcept;

@@ -90,7 +90,9 @@ void ParametersClient::callWithoutReply(const std::string& method, GVariant* arg
                          nullptr, nullptr, nullptr);
 }
 
+// Signals come behind the answer to the call that caused them, and before the next one.
 std::vector<std::string> ParametersClient::newSignals() {
+  static_cast<void>(answer("Get('Version')"));
   iterateUntilIdle();
   return std::exchange(signals_, {});
 }

@@ -24,7 +24,7 @@ class TestParameters {
 
   TestService& service() { return service_; }
   ParametersState& state() { return state_; }
-  /// Commits values as the client `caller`, by force.
+  /// Commits values as the client `caller`, by force. The call is not finished.
   void commit(std::string_view caller,
               const std::vector<std::pair<std::string, std::string>>& values) {
     Transaction transaction(service_.database());
@@ -34,7 +34,7 @@ class TestParameters {
     std::vector<Change> changes;
     EXPECT_EQ(::commit(transaction, changes), COMMIT_DONE);
     service_.state().setCaller(caller);
-    service_.state().committed(changes);
+    service_.state().committed(std::move(changes));
   }
 
   /// The reply's arguments as text, or the last word of the error's name and its text.

@@ -120,40 +120,45 @@ ParametersState::ParametersState(DBusConnection* connection, std::string path,
   service_.setObserver(this);
 }
 
-void ParametersState::committed(std::string_view caller, const std::vector<Change>& changes,
-                                const std::vector<ParmEntry*>& unreported) noexcept {
+void ParametersState::committed(std::string_view caller, std::vector<Change> changes,
+                                std::vector<ParmEntry*> unreported) noexcept {
   const auto serial = static_cast<uint32_t>(++commits_);
   if (!changes.empty()) history_.add(serial, now(), caller, changes);
   if (watchers_.all().empty()) return;
+  untold_ = {serial, caller, std::move(changes), std::move(unreported)};
+}
+
+void ParametersState::callFinished() noexcept {
+  if (!untold_) return;
   try {
-    tellWatchers(serial, caller, changes, unreported);
+    tellWatchers(*untold_);
   } catch (...) {
     // The values are stored; whoever misses the signal sees it by the next serial.
   }
+  untold_.reset();
 }
 
-void ParametersState::tellWatchers(uint32_t serial, std::string_view caller,
-                                   const std::vector<Change>& changes,
-                                   const std::vector<ParmEntry*>& unreported) {
+void ParametersState::tellWatchers(const Untold& commit) {
   const auto& watchers = watchers_.all();
   const auto isWanted = [&](bool Watchers::Wishes::*wish) {
     return std::ranges::any_of(watchers, [&](const auto& each) { return each.second.*wish; });
   };
   if (isWanted(&Watchers::Wishes::changes)) {
-    for (std::span<const Change> rest = changes; !rest.empty();) {
+    for (std::span<const Change> rest = commit.changes; !rest.empty();) {
       const size_t count = countFitting(rest);
       Signal signal(connection_, path_, "Changed");
-      fillChanged(signal.message(), serial, caller, rest.first(count));
+      fillChanged(signal.message(), commit.serial, commit.caller, rest.first(count));
       signal.send(watchers, &Watchers::Wishes::changes);
       rest = rest.subspan(count);
     }
   }
   if (!isWanted(&Watchers::Wishes::limits)) return;
-  const std::vector<const ParmEntry*> readers = readersOf(service_.database(), changes, unreported);
+  const std::vector<const ParmEntry*> readers =
+      readersOf(service_.database(), commit.changes, commit.unreported);
   if (readers.empty()) return;
   Signal signal(connection_, path_, "LimitsChanged");
   MessageWriter out(signal.message());
-  out.number(serial);
+  out.number(commit.serial);
   out.array("s", [&] {
     for (const ParmEntry* const reader : readers) out.text(reader->parm.name());
   });

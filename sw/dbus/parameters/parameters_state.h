@@ -5,6 +5,7 @@
 #include <dbus/dbus.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,7 +18,8 @@
 /// The interface of the object.
 constexpr const char* PARAMETERS_INTERFACE_NAME = "org.tavrel.parameters1";
 
-/// Lives as long as the service serves. Without watchers a commit costs it an entry of the history.
+/// Lives as long as the service serves. A commit costs an entry of the history. Its signals are
+/// made and sent behind the answer, so that whoever commits does not wait for what others watch.
 class ParametersState final : public ServiceObserver {
  public:
   /// Signals are sent on `connection`, as of the object at `path`. `service` outlives it and tells
@@ -26,8 +28,9 @@ class ParametersState final : public ServiceObserver {
                   std::string version, bool isReady);
   ~ParametersState() override { service_.setObserver(nullptr); }
 
-  void committed(std::string_view caller, const std::vector<Change>& changes,
-                 const std::vector<ParmEntry*>& unreported) noexcept override;
+  void committed(std::string_view caller, std::vector<Change> changes,
+                 std::vector<ParmEntry*> unreported) noexcept override;
+  void callFinished() noexcept override;
   void clientLeft(std::string_view name) noexcept override {
     watchers_.set(name, {});
     readiness_.leave(name);
@@ -44,8 +47,14 @@ class ParametersState final : public ServiceObserver {
   [[nodiscard]] uint64_t started() const { return started_; }
 
  private:
-  void tellWatchers(uint32_t serial, std::string_view caller, const std::vector<Change>& changes,
-                    const std::vector<ParmEntry*>& unreported);
+  /// A commit that the watchers have not been told of.
+  struct Untold {
+    uint32_t serial;
+    std::string_view caller;
+    std::vector<Change> changes;
+    std::vector<ParmEntry*> unreported;
+  };
+  void tellWatchers(const Untold& commit);
 
   DBusConnection* connection_;
   std::string path_;
@@ -54,6 +63,7 @@ class ParametersState final : public ServiceObserver {
   Watchers watchers_;
   Readiness readiness_;
   History history_;
+  std::optional<Untold> untold_;
   uint64_t commits_ = 0;
   uint64_t started_;
 };

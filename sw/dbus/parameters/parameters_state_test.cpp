@@ -32,6 +32,12 @@ class ParametersStateTest : public testing::Test {
   // The signals of a commit of `values` by the client :1.1.
   Signals commit(const std::vector<std::pair<std::string, std::string>>& values) {
     device_.commit(":1.1", values);
+    EXPECT_EQ(bus.signals, Signals{});
+    return sentAtTheEnd();
+  }
+  // The signals that wait for the end of the call.
+  Signals sentAtTheEnd() {
+    device_.service().state().finishCall();
     return std::exchange(bus.signals, {});
   }
   ParametersState& state() { return device_.state(); }
@@ -78,9 +84,9 @@ TEST_F(ParametersStateTest, CountsAndKeepsWhatNobodyWatches) {
 TEST_F(ParametersStateTest, TellsOfLimitsAloneWhereOnlyUnreportedValuesMove) {
   watch(":1.2", true, true);
   state().committed(":1.1", {}, {parm("hidden")});
-  EXPECT_EQ(std::exchange(bus.signals, {}), Signals{":1.2 /parameters LimitsChanged 1, [\"d\"]"});
+  EXPECT_EQ(sentAtTheEnd(), Signals{":1.2 /parameters LimitsChanged 1, [\"d\"]"});
   state().committed(":1.1", {}, {parm("b")});
-  EXPECT_EQ(bus.signals, Signals{});
+  EXPECT_EQ(sentAtTheEnd(), Signals{});
   EXPECT_EQ(state().history().commits().size(), 0U);
   EXPECT_EQ(state().commits(), 2U);
 }
@@ -95,7 +101,7 @@ TEST_F(ParametersStateTest, SplitsWhatIsTooLongForOneSignal) {
   };
   const auto commit = [&](const std::vector<Change>& changes) {
     state().committed(":1.1", changes, {});
-    return std::exchange(bus.signals, {});
+    return sentAtTheEnd();
   };
   const std::string start = ":1.2 /parameters Changed 1, \":1.1\", [(\"";
   const Signals sent = commit({from("a", "1"), from("b", large), from("c", large), from("e", "2")});

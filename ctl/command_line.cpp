@@ -33,6 +33,9 @@ constexpr const char* FOOTER =
 
 constexpr const char* WORD_FOOTER = "The options that ostrelctl --help lists are for all words.";
 
+// An address that is empty in a script is none, and not that of the session.
+std::string notEmpty(const std::string& text) { return text.empty() ? "it is empty" : ""; }
+
 void addCommonOptions(CLI::App& app, TakenLine& taken) {
   BusOptions& bus = taken.line.bus;
   app.add_option("-b,--bus", bus.busSuffix, "The suffix of the bus name, as of ostrel -b")
@@ -40,6 +43,7 @@ void addCommonOptions(CLI::App& app, TakenLine& taken) {
   app.add_option("-o,--obj_path", bus.pathSuffix, "The suffix of the object path, as of ostrel -o")
       ->type_name("STRING");
   app.add_option("--address", bus.address, "Another bus than that of the session")
+      ->check(notEmpty)
       ->type_name("ADDRESS");
   app.add_option("--timeout", bus.timeout, "Wait so long for each reply (30)")
       ->check(wholeNumber(1, 86400))

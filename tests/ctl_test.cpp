@@ -481,6 +481,10 @@ TEST_F(CtlTest, RefusesWrongCommandLines) {
       {.line = "ctl --null why a", .err = "--null is not for why\n", .status = 2},
       {.line = "ctl -b 'a b' ls", .err = "\"a b\" cannot end a bus name\n", .status = 2},
       {.line = "ctl -o 'a b' ls", .err = "\"a b\" cannot end an object path\n", .status = 2},
+      {.line = "ctl --address '' ls", .err = "ls: --address: it is empty\n", .status = 2},
+      {.line = "ctl health --max-latency -1",
+       .err = "health: --max-latency: \"-1\" is not a number from 0 on\n",
+       .status = 2},
       {.line = "ctl --timeout 0 ls 2>&1 | wc -l", .out = "1\n"},
   });
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <string_view>
 
 #include "ctl/service/exit_status.h"
@@ -66,6 +67,17 @@ CLI::Validator wholeNumber(uint32_t least, uint32_t most) {
     if (fault == std::errc() && stop == end && number >= least && number <= most) return "";
     return "\"" + unmarked(text) + "\" is not a whole number from " + std::to_string(least) +
            " to " + std::to_string(most);
+  };
+  return {faultOf, ""};
+}
+
+CLI::Validator numberFromZero() {
+  const auto faultOf = [](const std::string& text) -> std::string {
+    double number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, fault] = std::from_chars(text.data(), end, number, std::chars_format::fixed);
+    if (fault == std::errc() && stop == end && std::isfinite(number) && number >= 0) return "";
+    return "\"" + unmarked(text) + "\" is not a number from 0 on";
   };
   return {faultOf, ""};
 }

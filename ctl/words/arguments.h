@@ -30,6 +30,8 @@ void addWith(CLI::App& word, Texts& texts);
 /// Accepts the decimal numbers from `least` to `most`, and says so of others: the conversion of
 /// CLI11 takes other notations too, and names no range.
 CLI::Validator wholeNumber(uint32_t least, uint32_t most);
+/// Accepts the finite decimal numbers from 0 on, also with a fraction, and says so of others.
+CLI::Validator numberFromZero();
 
 /// Each of the texts as NAME=VALUE; ends the program where one is none, or a name is
 /// given twice.

@@ -82,6 +82,18 @@ TEST(Arguments, AreWholeNumbersOfARange) {
   }
 }
 
+TEST(Arguments, AreNumbersFromZeroOn) {
+  for (const std::string good : {"0", "1", "0.25", ".5", "1048576", "007"}) {
+    std::string text = good;
+    EXPECT_EQ(numberFromZero()(text), "") << good;
+  }
+  for (const std::string bad :
+       {"", "x", "-1", "-0.1", "+1", "nan", "inf", "1e3", "0x1", "1 ", "1,5"}) {
+    std::string text = bad;
+    EXPECT_EQ(numberFromZero()(text), "\"" + bad + "\" is not a number from 0 on");
+  }
+}
+
 TEST(ArgumentsDeathTest, EndTheProgramWhereTheyAreNoAssignments) {
   EXPECT_EXIT(static_cast<void>(assignmentsOf({"a=1", "b"})), testing::ExitedWithCode(2),
               "\"b\" is not of the form NAME=VALUE");

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "ctl/service/exit_status.h"
+#include "ctl/words/arguments.h"
 #include "ctl/words/commits.h"
 #include "ctl/words/word.h"
 
@@ -146,8 +147,12 @@ int health(Client& client, const HealthArguments& limits) {
 
 void addLimit(CLI::App& word, const std::string& what, Limit& limit, const std::string& unit,
               const std::string& help) {
-  word.add_option("--warn-" + what, limit.warning, "Warn where " + help)->type_name(unit);
-  word.add_option("--max-" + what, limit.critical, "Critical where " + help)->type_name(unit);
+  const auto add = [&](const std::string& name, std::optional<double>& bound,
+                       const std::string& purpose) {
+    word.add_option(name, bound, purpose + help)->check(numberFromZero())->type_name(unit);
+  };
+  add("--warn-" + what, limit.warning, "Warn where ");
+  add("--max-" + what, limit.critical, "Critical where ");
 }
 
 }  // namespace

@@ -15,6 +15,7 @@
 #include "doc/script_json.h"
 #include "fuzz/small_device.h"
 #include "tests/harness/temp_dir.h"
+#include "tests/support/random_count.h"
 #include "tests/support/random_device.h"
 #include "tests/support/random_texts.h"
 #include "tests/support/recorded_talk.h"
@@ -117,7 +118,8 @@ class TalkPage {
 // How many random texts that can be built are compared: more where the environment says so.
 uint32_t textCount() {
   const char* const wanted = getenv("RANDOM_TEXTS");
-  return wanted == nullptr ? 500 : static_cast<uint32_t>(std::strtoul(wanted, nullptr, 10));
+  return wanted == nullptr ? randomCount(500)
+                           : static_cast<uint32_t>(std::strtoul(wanted, nullptr, 10));
 }
 
 std::string dataOf(const std::string& text) {

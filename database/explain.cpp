@@ -80,8 +80,13 @@ class Explainer {
     if (present.isAvailable() && present.takes(indices_[place])) return;
     out.exists = false;
     out.refusingIndex = present.name();
-    out.existence = present.isAvailable() ? reasons.refusal(indices_[place], present.situation())
-                                          : reasons.availability(present.situation());
+    if (!present.isAvailable()) {
+      out.existence = reasons.availability(present.situation());
+      return;
+    }
+    out.existence = reasons.refusal(indices_[place], present.situation());
+    const UsedName refused{present.name(), indices_[place]};
+    for (Reason& reason : out.existence) reason.names.insert(reason.names.begin(), refused);
   }
 
   Database& database_;

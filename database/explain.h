@@ -17,7 +17,8 @@
 struct Explanation {
   bool exists = false;  ///< it is available, and its indices are and take their values
   /// Where it exists all conditions that make it so; else what keeps it away: a condition of its
-  /// own, or a condition or the bounds of the first index that refuses.
+  /// own, or a condition or the bounds of the first index that refuses. Bounds name first the
+  /// index with the value that they refuse.
   std::vector<Reason> existence;
   std::string refusingIndex;  ///< the name of that index; empty where none refuses
 

@@ -101,12 +101,12 @@ TEST_F(ExplainTest, TellsWhichIndexRefuses) {
     const char* name;
     Texts existence;
   } cases[] = {
-      {"slow", "rate[3]", {"6: rangeValid (mode == \"slow\") { 1..2 } | mode=slow"}},
-      {"slow", "rate[9]", {"5: rangeValid { 1..4 }"}},
+      {"slow", "rate[3]", {"6: rangeValid (mode == \"slow\") { 1..2 } | place=3, mode=slow"}},
+      {"slow", "rate[9]", {"5: rangeValid { 1..4 } | place=9"}},
       {"odd",
        "rate[1]",
-       {"6: rangeValid (mode == \"slow\") { 1..2 } | mode=odd",
-        "7: rangeValid (mode == \"fast\") { 1..4 } | mode=odd"}},
+       {"6: rangeValid (mode == \"slow\") { 1..2 } | place=1, mode=odd",
+        "7: rangeValid (mode == \"fast\") { 1..4 } | place=1, mode=odd"}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);

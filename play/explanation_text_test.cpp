@@ -46,7 +46,7 @@ TEST_F(ExplanationText, TellsWhatAnInstanceIsAndWhy) {
             "is not read-only: line 6, ctrlRO (mode == \"slow\"); mode is fast");
   EXPECT_EQ(explanationLines(inMode("slow"), "rate[3]")[1],
             "does not exist, by the index place: line 2, rangeValid (mode == \"slow\") { 1..2 }; "
-            "mode is slow");
+            "place is 3, mode is slow");
   EXPECT_EQ(explanationLines(transaction_, "wild")[1].substr(0, 18), "has no range (-2):");
   EXPECT_EQ(explanationLines(transaction_, "nought"),
             (Texts{"is \"\"", "may have any value", "has no default"}));
@@ -83,8 +83,8 @@ TEST_F(ExplanationText, TellsWhatBecomesOfAValue) {
        "rate[3]",
        "7",
        {"makes a commit fail",
-        "does not exist, by the index place: line 2, rangeValid (mode == \"slow\") { 1..2 }; mode "
-        "is slow"}},
+        "does not exist, by the index place: line 2, rangeValid (mode == \"slow\") { 1..2 }; place "
+        "is 3, mode is slow"}},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(explanationLines(inMode(c.mode), c.name, c.value), c.lines) << c.name << c.value;

@@ -248,7 +248,7 @@ TEST_F(CtlTest, TellsWhyAndWhatToDo) {
        .out = "no change of one or two parameters makes it possible (N tried)\n"},
       {.line = "ctl why 'position[3]'",
        .out = "position[3] is \"\"\n"
-              "it does not exist now: line 4, rangeValid { 1..2 }\n"
+              "it does not exist now: line 4, rangeValid { 1..2 }, where channel is 3\n"
               "no parameter that a client can set changes that\n"},
       {.line = "ctl why moed", .err = "no parameter \"moed\": did you mean mode?\n", .status = 5},
       {.line = "ctl why position",

@@ -201,9 +201,10 @@ TEST_F(ParametersInterfaceTest, ExplainAnswersFiveQuestions) {
        "'0..1', 17, 'rangeValid { 0..1 }', {}), ('default', '', 0, '', {}), ('value', '', 0, "
        "'', {})]"},
       {"Explain(NONE, 'gain[8][left]')",
-       "[('exists', 'no', 20, 'rangeValid (mode == \"slow\") { 9..10, \"aux\" }', {'mode': "
-       "'slow'}), ('writable', 'no', 20, 'rangeValid (mode == \"slow\") { 9..10, \"aux\" }', "
-       "{'mode': 'slow'}), ('limits', 'none', 0, '', {}), ('default', '0', 22, 'default { 0 "
+       "[('exists', 'no', 20, 'rangeValid (mode == \"slow\") { 9..10, \"aux\" }', {'input': '8', "
+       "'mode': 'slow'}), ('writable', 'no', 20, 'rangeValid (mode == \"slow\") { 9..10, \"aux\" "
+       "}', {'input': '8', 'mode': 'slow'}), ('limits', 'none', 0, '', {}), ('default', '0', 22, "
+       "'default { 0 "
        "}', {}), ('value', '', 0, '', {})]"},
       {"Explain(NONE, 'double')",
        "[('exists', 'yes', 0, '', {}), ('writable', 'no', 14, 'ro', {}), ('limits', '10', "

@@ -176,7 +176,8 @@ TEST_F(PlayDiff, TellsOnceOfAnIndexThatBecomesNarrower) {
       {"rangeValid { 1..4 }",
        "rangeValid { 1..4 } rangeValid (m == 1) { 1..2 } rangeValid (m != 1) { 1..4 }", "",
        "new:1: incompatible: i no longer has the value of x[3], with m=1\n"
-       "  x[3] does not exist, by the index i: line 1, rangeValid (m == 1) { 1..2 }; m is 1\n"
+       "  x[3] does not exist, by the index i: line 1, rangeValid (m == 1) { 1..2 }; i is 3, m is "
+       "1\n"
        "1 incompatible, 0 other changes\n"},
       // What is too much to list is not compared.
       {"rangeValid { 0..2147483647 }", "rangeValid { 0..2147483646 }", "",

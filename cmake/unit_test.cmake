@@ -16,11 +16,9 @@ else()
 endif()
 
 # The test program `name` of one source with GoogleTest, linked with the libraries that follow; each
-# of its cases is registered. Under the sanitizers a third of the time to compile a test would go into
-# making it fast.
+# of its cases is registered.
 function(add_test_program name source)
   add_executable(${name} ${source})
-  target_compile_options(${name} PRIVATE $<$<CONFIG:Sanitize>:-Og>)
   target_link_libraries(${name} PRIVATE ${ARGN} project_options GTest::gtest_main)
   if(BUILD_TESTING)
     gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60)

@@ -96,6 +96,7 @@ class Upgrade {
         arguments_(arguments),
         new_(readText(arguments.file)),
         old_(readText(arguments.text)),
+        oldPath_(arguments.text + ".old"),
         first_(client.service.bus().owner()),
         values_(valuesText(storedValues(client.service, Levels(client.service), false).value())) {}
 
@@ -109,14 +110,21 @@ class Upgrade {
       complain("nothing was changed");
       return *status;
     }
-    if (const std::string failure = serve(new_); !failure.empty()) return goBack(failure);
-    const int status = restore();
-    if (!isJudgement(status)) return goBack("the values cannot be restored");
-    client_.out.line("upgraded: " + quotedWord(arguments_.text) + " serves");
+    const int status = replace();
+    removeOldText();
     return status;
   }
 
  private:
+  int replace() {
+    if (const std::string failure = serve(new_); !failure.empty()) return goBack(failure);
+    const int status = restore();
+    if (!isJudgement(status)) return goBack("the values cannot be restored");
+    isUpgraded_ = true;
+    client_.out.line("upgraded: " + quotedWord(arguments_.text) + " serves");
+    return status;
+  }
+
   [[nodiscard]] Texts constantOptions() const {
     if (access(arguments_.constants.c_str(), R_OK) != 0) return {};
     return {"-D", "@" + arguments_.constants};
@@ -132,13 +140,37 @@ class Upgrade {
   // Why the text is not replaced, as an exit status, after a complaint. Nothing ends the program
   // here, as the values would be left in their file.
   [[nodiscard]] std::optional<int> refusal() const {
-    if (!isAcceptable()) return STATUS_REFUSED;
+    if (hasOldText() || !isAcceptable()) return STATUS_REFUSED;
     if (!arguments_.isYes && isatty(STDIN_FILENO) == 0) {
       complain("--yes is needed where nobody can be asked");
       return STATUS_USAGE;
     }
     const bool goesOn = (arguments_.isYes || isWanted()) && takeValues() && isInterrupted == 0;
-    return goesOn ? std::nullopt : std::optional<int>(STATUS_REFUSED);
+    return goesOn && keepOldText() ? std::nullopt : std::optional<int>(STATUS_REFUSED);
+  }
+
+  // An upgrade that was killed may have left the only copy of a text that serves.
+  [[nodiscard]] bool hasOldText() const {
+    if (access(oldPath_.c_str(), F_OK) != 0) return false;
+    complain(quotedWord(oldPath_) +
+             " is there, as an upgrade that was killed leaves the old text: " +
+             "put it back or remove it");
+    return true;
+  }
+
+  [[nodiscard]] bool keepOldText() const {
+    if (tryWriteFile(oldPath_, old_)) return true;
+    complain("cannot write " + quotedWord(oldPath_) + ": " + std::strerror(errno));
+    return false;
+  }
+
+  void removeOldText() const {
+    std::string error;
+    if (isUpgraded_ || tryReadFile(arguments_.text, error) == old_) {
+      unlink(oldPath_.c_str());
+    } else {
+      complain("the old text is in " + quotedWord(oldPath_));
+    }
   }
 
   [[nodiscard]] bool isAcceptable() const {
@@ -238,8 +270,10 @@ class Upgrade {
   const UpgradeArguments& arguments_;
   const std::string new_;
   const std::string old_;
-  const std::string first_;  // owner of the bus name
+  const std::string oldPath_;  // where it is until the upgrade is over
+  const std::string first_;    // owner of the bus name
   const Temporary values_;
+  bool isUpgraded_ = false;
 };
 
 int upgrade(Client& client, UpgradeArguments arguments) {

@@ -71,6 +71,20 @@ TEST_F(CtlConfirmTest, TakesBackWhatIsNotConfirmed) {
   });
 }
 
+TEST_F(CtlConfirmTest, TakesBackWhatIsLockedOnceTheRestIsBack) {
+  serve(
+      "source rw { rangeValid { \"in\", \"ref\" } default { \"in\" } }\n"
+      "type rw { rangeValid { 0..9 } ctrlRO ( source == \"in\" ) default { 1 } }\n"
+      "delay rw { ctrlRO ( source == \"in\" ) rangeValid { 0..(type * 10) } default { 7 } }\n");
+  expectLines({
+      {.line = "ctl -q up"},
+      {.line =
+           "XDG_RUNTIME_DIR=. ctl -q set --confirm 1 source=ref type=5 delay=40 2>&1 | tail -n +2",
+       .out = "ostrelctl: not confirmed in time\n"},
+      {.line = "ctl get source type delay", .out = "source=in\ntype=1\ndelay=7\n"},
+  });
+}
+
 TEST_F(CtlConfirmTest, TellsWhatHadNoValueBefore) {
   serve(DEVICE);
   expectLines({

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <set>
 
 #include "ctl/service/exit_status.h"
 #include "ctl/text/assignment.h"
@@ -54,10 +55,27 @@ void complainOfKept(Client& client, const Names& names) {
   }
 }
 
+// What cannot be set any more once the rest is back gets its old value before that.
+void takeBackLocked(Service& service, const std::vector<Assignment>& old, bool isStatus) {
+  std::set<std::string> refused;
+  {
+    const OwnTransaction trial(service);
+    for (const Refusal& each : service.set(trial.id(), old, isStatus)) refused.insert(each.name);
+    for (const Refusal& each : service.preview(trial.id()).refused) refused.insert(each.name);
+  }
+  std::vector<Assignment> locked = old;
+  std::erase_if(locked, [&](const Assignment& each) { return !refused.contains(each.name); });
+  if (locked.empty()) return;
+  const OwnTransaction transaction(service);
+  // What is refused now, too, is told in the end.
+  static_cast<void>(commitLevel(service, transaction.id(), locked, isStatus));
+}
+
 void takeBack(Client& client, Confirmation& confirmation, const std::vector<Change>& changes,
               bool isStatus) {
   const OldValues old = oldValues(client, confirmation, changes);
   const Levels levels(client.service);
+  takeBackLocked(client.service, old.settable, isStatus);
   const Restored restored = restoreByLevels(client.service, levels, old.settable, isStatus);
   static_cast<void>(tellRestored(client, restored, "restored", false));
   complainOfKept(client, old.none);

@@ -73,7 +73,7 @@ void askCondition(Proof& proof, const Subject& subject, const ConditionKind& kin
   const bool isSettled = canBeTrue != VERDICT_IMPOSSIBLE && dependsOnParameters(condition) &&
                          !proof.isImpossible(isTrue);
   if (isSettled) {
-    canBeTrue = proof.findHealthy(isTrue).verdict;
+    canBeTrue = proof.findHealthy(isTrue).atRest();
     never.text =
         std::string("this condition is never true once the device has settled, ") + kind.neverTrue;
   }

@@ -54,7 +54,7 @@ class Controls {
   Verdict verdictOf(const Goal& goal, bool isSettled) {
     if (!isSettled) return proof_.decide(goal, ANY_VARIANT);
     const HealthyResult result = proof_.findHealthy(goal);
-    return result.isAstray ? VERDICT_POSSIBLE : result.verdict;
+    return result.isAstray ? VERDICT_POSSIBLE : result.atRest();
   }
 
   // What comes of a goal: the verdict, and whether only the settled device gives it. Another

@@ -1,5 +1,7 @@
 #include "check/proof/cone_solver.h"
 
+#include <algorithm>
+
 #include "check/proof/solver.h"
 #include "sw/parm/parm_name.h"
 
@@ -7,11 +9,14 @@ namespace {
 
 class ConeSolver {
  public:
-  ConeSolver(Attempt& attempt, const DomainsByName& least) : attempt_(attempt), least_(least) {}
+  ConeSolver(Attempt& attempt, const DomainsByName& least, bool withAbsent)
+      : attempt_(attempt), least_(least), withAbsent_(withAbsent) {}
 
   AnywhereResult solve() {
     requireAll(attempt_.question().goal.clauses, attempt_.reader());
-    for (const ConeInstance& instance : attempt_.cone().instances()) requireHealth(instance);
+    for (const ConeInstance& instance : attempt_.cone().instances()) {
+      if (!withAbsent_ || !mayBeAbsent(*instance.parm)) requireHealth(instance);
+    }
     return question_.solve(attempt_.question().budget);
   }
 
@@ -63,8 +68,13 @@ class ConeSolver {
     std::string key = fullName(parm.parm.name(), indices);
     if (question_.isDeclared(key)) return key;
     const bool exists = indices.size() == parm.parm.indices().size();
-    question_.declare(key, exists ? NameDomain{domainOf(parm).values.withoutEmpty(), false}
-                                  : NameDomain{Domain::of(""), false});
+    if (!exists) {
+      question_.declare(key, NameDomain{Domain::of(""), false});
+    } else if (withAbsent_ && mayBeAbsent(parm)) {
+      question_.declare(key, domainOf(parm));
+    } else {
+      question_.declare(key, NameDomain{domainOf(parm).values.withoutEmpty(), false});
+    }
     return key;
   }
 
@@ -77,11 +87,22 @@ class ConeSolver {
 
   Attempt& attempt_;
   const DomainsByName& least_;
+  const bool withAbsent_;
   SolverQuestion question_;
 };
 
 }  // namespace
 
-AnywhereResult solveCone(Attempt& attempt, const DomainsByName& least) {
-  return ConeSolver(attempt, least).solve();
+bool mayBeAbsent(const ParmEntry& parm) {
+  const auto isConditional = [](const IndexDef& definition) {
+    return !definition.validityConditions().empty() || !definition.conditionalBounds().empty();
+  };
+  const std::vector<const IndexDef*>& indices = parm.parm.indices();
+  return !parm.parm.validityConditions().empty() || parm.parm.mode() == MODE_NEVER ||
+         std::any_of(indices.begin(), indices.end(),
+                     [&](const IndexDef* index) { return isConditional(*index); });
+}
+
+AnywhereResult solveCone(Attempt& attempt, const DomainsByName& least, bool withAbsent) {
+  return ConeSolver(attempt, least, withAbsent).solve();
 }

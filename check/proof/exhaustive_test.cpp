@@ -105,23 +105,20 @@ class Walk {
   }
 
   // What setting `value` now would leave; nullopt where it is refused.
-  static std::optional<std::string> kept(const WalkInstance& instance, const std::string& value) {
-    StagedEntry entry;
-    entry.parm = instance.parm;
-    entry.indices = instance.indices;
-    entry.value.set(value);
-    entry.generated = true;
-    const StagedValues staged;
-    IndexSituations situations(staged);
-    if (!isAccepted(evaluate(entry, situations, true))) return std::nullopt;
-    return entry.value.text();
+  static std::optional<std::string> kept(const WalkInstance& instance, std::string value) {
+    if (!isAccepted(trySetting(instance, value))) return std::nullopt;
+    return value;
   }
 
   // Whether every one of `cone` is set and keeps its value.
   static bool isHealthy(const std::set<WalkInstance>& cone) {
+    return std::all_of(cone.begin(), cone.end(), keepsItsValue);
+  }
+
+  // Whether every one of `cone` is so, or is not there.
+  static bool isAtRest(const std::set<WalkInstance>& cone) {
     return std::all_of(cone.begin(), cone.end(), [](const WalkInstance& instance) {
-      const std::string held = instance.parm->parm.committedText(instance.indices);
-      return !held.empty() && kept(instance, held) == held;
+      return isAbsent(instance) || keepsItsValue(instance);
     });
   }
 
@@ -154,6 +151,30 @@ class Walk {
     }
     database_.forgetValues();
     return reached;
+  }
+
+  static SetCode trySetting(const WalkInstance& instance, std::string& value) {
+    StagedEntry entry;
+    entry.parm = instance.parm;
+    entry.indices = instance.indices;
+    entry.value.set(value);
+    entry.generated = true;
+    const StagedValues staged;
+    IndexSituations situations(staged);
+    const SetCode code = evaluate(entry, situations, true);
+    value = entry.value.text();
+    return code;
+  }
+
+  static bool isAbsent(const WalkInstance& instance) {
+    std::string value;
+    const SetCode code = trySetting(instance, value);
+    return code == SET_NOT_STORED || code == SET_INVALID_INDEX;
+  }
+
+  static bool keepsItsValue(const WalkInstance& instance) {
+    const std::string held = instance.parm->parm.committedText(instance.indices);
+    return !held.empty() && kept(instance, held) == held;
   }
 
   // Sets values unchecked, and takes all others away.
@@ -357,6 +378,7 @@ struct Tally {
   size_t impossible = 0;
   size_t healthy = 0;
   size_t unhealthy = 0;
+  size_t never = 0;  // not even where something is absent
   size_t solutions = 0;
   size_t solved = 0;
 };
@@ -486,7 +508,7 @@ class Comparison {
   void compareHealthy(const Goal& goal, const std::vector<Reading>& readings) {
     bool isMet = false;
     for (const Reading& reading : readings) {
-      const bool isMetFor = isMetInHealth(goal, reading);
+      const bool isMetFor = isMetAtRest(goal, reading, false);
       if (tally_.goals % GOALS_PER_SOLUTION == 0) compareConeSolver(goal, reading, isMetFor);
       isMet = isMet || isMetFor;
     }
@@ -494,14 +516,23 @@ class Comparison {
     tally_.healthy += result.verdict == VERDICT_POSSIBLE ? 1 : 0;
     tally_.unhealthy += result.verdict == VERDICT_IMPOSSIBLE ? 1 : 0;
     EXPECT_FALSE(isMet && result.verdict == VERDICT_IMPOSSIBLE) << describe(goal);
+    if (result.atRest() == VERDICT_IMPOSSIBLE) {
+      ++tally_.never;
+      for (const Reading& reading : readings) {
+        EXPECT_FALSE(isMetAtRest(goal, reading, true)) << describe(goal);
+      }
+    }
     if (result.verdict == VERDICT_POSSIBLE) expectWitness(goal, readings, result.witness);
   }
 
-  bool isMetInHealth(const Goal& goal, const Reading& reading) {
+  // Whether a device meets the goal on which everything is there and keeps its value; with
+  // `hasAbsent`, what is not there may hold an old value, or nothing.
+  bool isMetAtRest(const Goal& goal, const Reading& reading, bool hasAbsent) {
     const std::set<WalkInstance> cone = coneOf(goal, reading);
     if (!walk_.hasAll(cone)) return false;
     const auto isMetNow = [&] {
-      return holdsNow(goal, reading) && existsNow(goal, reading) && Walk::isHealthy(cone);
+      return holdsNow(goal, reading) && existsNow(goal, reading) &&
+             (hasAbsent ? Walk::isAtRest(cone) : Walk::isHealthy(cone));
     };
     bool isMet = false;
     if (hasRing(cone)) {
@@ -517,8 +548,12 @@ class Comparison {
       return isMet;
     }
     std::vector<std::vector<std::string>> values;
-    for (const WalkInstance& instance : walk_.instances()) {
-      values.push_back(cone.contains(instance) ? values_ : std::vector<std::string>{""});
+    for (size_t i = 0; i < walk_.instances().size(); ++i) {
+      if (!cone.contains(walk_.instances()[i])) {
+        values.push_back({""});
+      } else {
+        values.push_back(hasAbsent ? held_[i] : values_);
+      }
     }
     walk_.run(values, [&] { isMet = isMet || isMetNow(); });
     return isMet;
@@ -530,7 +565,7 @@ class Comparison {
     const HealthyQuestion question{goal, text_, domains_, nothing};
     const Reader reader(reading.parm, reading.indices, reading.seen);
     Attempt attempt(question, reader);
-    const Verdict verdict = solveCone(attempt).verdict;
+    const Verdict verdict = solveCone(attempt, {}).verdict;
     EXPECT_FALSE(isMet && verdict == VERDICT_IMPOSSIBLE) << describe(goal);
     ++tally_.solutions;
     tally_.solved += verdict == VERDICT_UNDECIDED ? 0 : 1;
@@ -589,9 +624,9 @@ Tally compareTexts(TextKind kind, unsigned count) {
   }
   std::printf(
       "%zu texts, %zu left out, %zu cut short, %zu goals: anywhere %zu possible, %zu not; in "
-      "health %zu possible, %zu not; %zu of %zu solved\n",
+      "health %zu possible, %zu not, %zu never; %zu of %zu solved\n",
       tally.built, tally.large, tally.cut, tally.goals, tally.possible, tally.impossible,
-      tally.healthy, tally.unhealthy, tally.solved, tally.solutions);
+      tally.healthy, tally.unhealthy, tally.never, tally.solved, tally.solutions);
   return tally;
 }
 
@@ -601,6 +636,7 @@ void expectDecided(const Tally& tally, size_t percentInHealth) {
   EXPECT_LT(tally.cut * 20, tally.built);
   EXPECT_GT(tally.possible + tally.impossible, tally.goals * 9 / 10);
   EXPECT_GT(tally.healthy + tally.unhealthy, tally.goals * percentInHealth / 100);
+  EXPECT_GT(tally.never, 0U);
   EXPECT_GT(tally.solved, tally.solutions * 9 / 10);
 }
 

@@ -34,14 +34,21 @@ class Search {
   [[nodiscard]] bool isComplete() const { return isComplete_; }
   // Whether there was such an instance.
   [[nodiscard]] bool hasStrayed() const { return hasStrayed_; }
+  // Whether the goal may be met where an instance is not there, whatever that holds.
+  [[nodiscard]] bool isMetByAbsent() const { return isMetByAbsent_; }
 
  private:
   void setFrom(size_t place) {
     if (place == cone_.size()) {
-      if (attempt_.isMet()) found_ = attempt_.situation();
+      if (absent_ > 0) {
+        isMetByAbsent_ = isMetByAbsent_ || isWithinReach();
+      } else if (attempt_.isMet()) {
+        found_ = attempt_.situation();
+      }
       return;
     }
     ConeInstance& instance = cone_[place];
+    if (!isThere(instance)) return leaveOut(place);
     instance.present = presentDomain(instance);
     const bool isStray =
         instance.present->values.isAll() && !instance.parm->parm.conditionalBounds().empty();
@@ -62,12 +69,33 @@ class Search {
       limit_.take(1);
       std::string value = *candidate;
       const SetCode code = attempt_.setter().set(*instance.parm, instance.indices, value);
-      // Whatever is set, it is not there in this situation.
-      if (code == SET_NOT_STORED || code == SET_INVALID_INDEX) break;
       if (!isAccepted(code) || !tried.insert(value).second || !stays(instance)) continue;
       instance.present = NameDomain{Domain::of(value), false};
       if (isWithinReach()) setFrom(place + 1);
     }
+  }
+
+  // Whether it is there in the situation that is set so far.
+  bool isThere(const ConeInstance& instance) {
+    std::string value;
+    const SetCode code = attempt_.setter().set(*instance.parm, instance.indices, value, true);
+    return code != SET_NOT_STORED && code != SET_INVALID_INDEX;
+  }
+
+  // Goes on without an instance that is not there. What others follow of it is not known.
+  void leaveOut(size_t place) {
+    if (isMetByAbsent_ || !isWithinReach()) return;
+    const std::vector<ParmEntry*>& dependents = cone_[place].parm->dependents;
+    const bool isFollowed = std::any_of(cone_.begin(), cone_.end(), [&](const ConeInstance& other) {
+      return std::find(dependents.begin(), dependents.end(), other.parm) != dependents.end();
+    });
+    if (isFollowed) {
+      isMetByAbsent_ = true;
+      return;
+    }
+    ++absent_;
+    setFrom(place + 1);
+    --absent_;
   }
 
   // What a correction has left need not be accepted, where it is the source of a translation.
@@ -117,6 +145,8 @@ class Search {
   bool goesAstray_;
   bool hasStrayed_ = false;
   bool isComplete_ = true;
+  bool isMetByAbsent_ = false;
+  size_t absent_ = 0;  // instances that are left out
   std::optional<NamedValues> found_;
 };
 
@@ -138,7 +168,8 @@ class HealthyTrials {
     // The solver does not know what else is asked of the situation.
     if (!found_ && !isImpossible && !question_.isMet) isImpossible = solveForAll();
     if (found_) return {VERDICT_POSSIBLE, *std::move(found_), tried_->indices(), isAstray_};
-    return {isImpossible ? VERDICT_IMPOSSIBLE : VERDICT_UNDECIDED, {}, {}, isAstray_};
+    if (!isImpossible) return {VERDICT_UNDECIDED, {}, {}, isAstray_};
+    return {VERDICT_IMPOSSIBLE, {}, {}, isAstray_, isMetByAbsent_};
   }
 
  private:
@@ -151,11 +182,13 @@ class HealthyTrials {
     if (attempt.cone().hasRing()) return tryRing(attempt);
     Search search(attempt, limit_, false);
     found_ = search.run();
+    isMetByAbsent_ = isMetByAbsent_ || search.isMetByAbsent();
     if (found_) isAstray_ = false;
     if (found_ || !search.hasStrayed()) return search.isComplete();
     isAstray_ = true;
     Search further(attempt, limit_, true);
     found_ = further.run();
+    isMetByAbsent_ = isMetByAbsent_ || further.isMetByAbsent();
     return further.isComplete();
   }
 
@@ -168,6 +201,7 @@ class HealthyTrials {
 
   // Leaves it to the solver, for each reader. What that says is possible is tried on the engine.
   bool solveForAll() {
+    isMetByAbsent_ = false;
     for (const Reader& reader : readers_.all) {
       if (limit_.isOver()) return false;
       tried_ = &reader;
@@ -180,8 +214,16 @@ class HealthyTrials {
       const bool isProposed = result.verdict == VERDICT_POSSIBLE && !isRing;
       if (isProposed) trySolution(attempt, result.assignment);
       if (result.verdict != VERDICT_IMPOSSIBLE) return false;
+      isMetByAbsent_ = isMetByAbsent_ || !isImpossibleWithAbsent(attempt, least);
     }
     return readers_.areAll;
+  }
+
+  static bool isImpossibleWithAbsent(Attempt& attempt, const DomainsByName& least) {
+    const std::vector<ConeInstance>& cone = attempt.cone().instances();
+    const bool areAllThere = std::none_of(
+        cone.begin(), cone.end(), [](const ConeInstance& each) { return mayBeAbsent(*each.parm); });
+    return areAllThere || solveCone(attempt, least, true).verdict == VERDICT_IMPOSSIBLE;
   }
 
   void trySolution(Attempt& attempt, const Assignment& solution) {
@@ -199,7 +241,8 @@ class HealthyTrials {
   Readers readers_;
   TrialLimit limit_;
   const Reader* tried_ = nullptr;  // the last
-  bool isAstray_ = false;          // whether some instance may go astray, and nothing else is known
+  bool isMetByAbsent_ = false;
+  bool isAstray_ = false;  // whether some instance may go astray, and nothing else is known
   std::optional<NamedValues> found_;
 };
 

@@ -16,6 +16,12 @@ struct HealthyResult {
   /// there because a range of their own definition has no values, or none of its ranges counts.
   /// That is told there.
   bool isAstray = false;
+  /// Of VERDICT_IMPOSSIBLE: whether the goal may be met all the same where something that matters
+  /// for it is not there, and holds what it held before, or nothing. A device rests like that, too.
+  bool isMetByAbsent = false;
+
+  /// The verdict on a device that rests, be everything there or not.
+  [[nodiscard]] Verdict atRest() const { return isMetByAbsent ? VERDICT_POSSIBLE : verdict; }
 };
 
 /// How many values are set before a goal is left undecided.

@@ -144,10 +144,9 @@ bool addUncovered(Proof& proof, const Goal& none, const std::vector<CompiledStat
   return true;
 }
 
-// Whether the engine judges by conditional bounds alone: no range of the text counts always.
+// Whether no range of the text counts always. Constants may have left none of them.
 bool isConditionalOnly(const Subject& subject) {
-  const IndexDef& definition = subject.definition();
-  return definition.baseBounds().count() == 0 && !definition.conditionalBounds().empty();
+  return subject.definition().baseBounds().count() == 0 && !subject.rangeValid.empty();
 }
 
 // Whether constants of the command line have decided a condition: perhaps the product has no such

@@ -29,14 +29,26 @@ std::string translated(const ParmDef& parm, std::string value) {
 
 TextPlace placeOf(const CompiledItem& value) { return {value.at.line, value.at.column, 0}; }
 
+// That a default counts: its condition is true, and none of those before it; without a condition,
+// none at all. One that cannot be worked out is passed over, so it is not looked at.
+Goal countsGoal(const Subject& subject, const CompiledStatement& statement) {
+  Goal counts{&subject};
+  counts.dependsOnRanges = true;
+  for (const CompiledStatement& other : subject.defaults) {
+    if (&other == &statement && statement.condition) break;
+    const bool isSure = other.condition && constantText(other.items.front());
+    if (isSure) counts.clauses.push_back({{&*other.condition, WANT_UNTRUE}});
+  }
+  if (statement.condition) counts.clauses.push_back({{&*statement.condition, WANT_TRUE}});
+  return counts;
+}
+
 // Returns whether it is told that no situation keeps the default.
 bool askDefault(Proof& proof, const Subject& subject, const CompiledStatement& statement) {
   const CompiledItem& value = statement.items.front();
   const std::optional<std::string> text = constantText(value);
   if (!text) return false;
-  Goal counts{&subject};
-  counts.dependsOnRanges = true;
-  if (statement.condition) counts.clauses.push_back({{&*statement.condition, WANT_TRUE}});
+  const Goal counts = countsGoal(subject, statement);
   std::string instead;
   const auto isKept = [&](const IndexTuple& indices) {
     const std::optional<std::string> kept = valueKept(*subject.parm, indices, *text);

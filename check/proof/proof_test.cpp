@@ -127,6 +127,26 @@ TEST(Proofs, Decide) {
     const char* text;
     Codes codes;
   } cases[] = {
+      // What is not available keeps its value, and can lock or release others with it.
+      {"enabled rw { rangeValid { 0..1 } default { 1 } }\n"
+       "input rw { ctrlValid (enabled == 1) rangeValid { \"sdi\", \"ip\" } default { \"sdi\" } }\n"
+       "level rw { rangeValid { 0..9 } ctrlRO (enabled == 1 || input == \"ip\") default { 0 } }\n"
+       "e rw { ctrlValid (enabled == 0) rangeValid { 0..9 } ctrlRO (input == \"ip\") }\n"
+       "x rw { rangeValid { 0..9 } default (enabled == 0 && input == \"ip\") { 7 } default { 0 } "
+       "}\n",
+       {}},
+      {"x rw { rangeValid { 0..9 } default { 0 } ctrlRO (y == 1) }\n"
+       "y rw { ctrlValid (x == 5) rangeValid { 0..2 } default { 0 } }\n"
+       "z rw { ctrlValid (x != 5) rangeValid { 0..9 } default { 0 } }\n"
+       "v rw { rangeValid { 0..9 } default (x == 3) { 1 } default { 0 } }\n",
+       {}},
+      // A default counts where those before it do not.
+      {"a rw { rangeValid { 0..9 } default { 0 } }\n"
+       "b rw { rangeValid { (a) } default (a > 2) { 4 } default (a <= 3) { 3 } }\n",
+       {"default-outside"}},
+      {"a rw { rangeValid { 0..9 } default { 0 } }\n"
+       "b rw { rangeValid { (a) } default (a > 3) { 4 } default (a > 2) { 3 } default { 0 } }\n",
+       {}},
       // Whether an unknown text contains another is open, but the same each time.
       {"name rw { }\n"
        "n rw { rangeValid (name $ \"x\") { 0..1 } rangeValid ((name $ \"x\") == 0) { 0..2 } }\n",

@@ -51,15 +51,15 @@ TEST_F(CtlKeepTest, WritesAtOnceAndThenSoOftenAtMost) {
   serve(TEXT);
   bringUp();
   const auto keeper = start("exec \"$0\" keep --every 3600 v");
-  ASSERT_TRUE(comesToHold("mode=wide\n"));
+  ASSERT_TRUE(comesToHold("gain=\nmode=wide\n"));
   // It was just written, so what changes now waits.
   EXPECT_EQ(start("ctl -q set gain=1")->waitForEnd().status, 0);
   EXPECT_EQ(start("ctl -q set gain=2")->waitForEnd().status, 0);
-  EXPECT_EQ(kept(), "mode=wide\n");
+  EXPECT_EQ(kept(), "gain=\nmode=wide\n");
   const Ending ending = end(*keeper);
   EXPECT_EQ(ending.status, 0);
   EXPECT_EQ(ending.err,
-            "ostrelctl: the service is there\nostrelctl: kept 1 value in v\n"
+            "ostrelctl: the service is there\nostrelctl: kept 2 values in v\n"
             "ostrelctl: kept 2 values in v\n");
   EXPECT_EQ(kept(), "gain=2\nmode=wide\n");
 }
@@ -83,7 +83,7 @@ TEST_F(CtlKeepTest, WritesWhileValuesChange) {
 TEST_F(CtlKeepTest, KeepsWhatWasSetJustBeforeItsEnd) {
   serve(TEXT);
   bringUp();
-  std::string values = "mode=wide\n";
+  std::string values = "gain=\nmode=wide\n";
   for (int i = 0; i < 20; ++i) {
     std::filesystem::remove(directory() + "/v");
     const auto keeper = start("exec \"$0\" keep --every 3600 v");
@@ -105,7 +105,7 @@ TEST_F(CtlKeepTest, OutlivesTheServiceAndWaitsUntilTheNextIsReady) {
     serve(TEXT);
     bringUp();
     const auto keeper = start("exec \"$0\" keep --every 3600 v");
-    ASSERT_TRUE(comesToHold("mode=wide\n"));
+    ASSERT_TRUE(comesToHold("gain=\nmode=wide\n"));
     EXPECT_EQ(start("ctl -q set gain=5 mode=slim")->waitForEnd().status, 0);
     endDaemon(signal);
     // What was announced is written as the service goes.

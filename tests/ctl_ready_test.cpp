@@ -44,7 +44,9 @@ TEST_F(CtlReadyTest, SaysWhenItHasBroughtUpTheDeviceWhateverWasRefused) {
   } cases[] = {
       {{"ctl -q up"}, "<true>"},
       {{"echo mode=slim > v; ctl -q restore v"}, "<true>"},
-      {{"echo mode=loud > v; ctl -q restore --strict v", "", "", 4}, "<true>"},
+      {{"echo mode=loud > v; ctl -q restore v", "",
+        "refused: mode: it takes slim, wide, not loud\n", 1},
+       "<true>"},
       {{"echo nosuch=1 > v; ctl -q up --from v", "", "unknown: no parameter \"nosuch\"\n", 5},
        "<true>"},
       {{"echo mode=slim > v; ctl -q restore --dry-run v"}, "<false>"},

@@ -164,6 +164,38 @@ TEST_F(CtlServiceTest, WatchesAlsoAnotherDaemon) {
   EXPECT_EQ(watch->waitForEnd().status, 3);
 }
 
+TEST_F(CtlServiceTest, SavesWhatWasSetToTheEmptyText) {
+  serve(
+      "name rw { default { \"unnamed\" } }\n"
+      "full rw { rangeValid { 0..9 } default (name == \"x\") { 5 } }\n"
+      "lamp ro { default { 1 } }\n"
+      "order wo { }\n");
+  expectLines({
+      {.line = "ctl save"},  // nothing has a value yet
+      {.line = "ctl -q up; ctl -q set name=; ctl save f; cat f", .out = "name=\n"},
+      {.line = "ctl save --status", .out = "lamp=1\nname=\n"},
+  });
+}
+
+TEST_F(CtlServiceTest, RestoresTheEmptyTextAndRefusesWhatIsOutside) {
+  serve(
+      "name rw { default { \"unnamed\" } }\n"
+      "limit rw { rangeValid { 0..9 } default { 5 } }\n");
+  expectLines({
+      {.line = "ctl -q up; ctl -q set name=; ctl save f; cat f", .out = "limit=5\nname=\n"},
+      {.line = "ctl -q set name=other; ctl diff f", .out = "name: \"\" -> other\n", .status = 1},
+      {.line = "ctl restore f; ctl get name", .out = "restored 2 of 2\n\n"},
+      {.line = "ctl -q set name=other; ctl up -q --from f; ctl get name", .out = "\n"},
+      {.line = "echo limit=70 | ctl restore --dry-run -",
+       .err = "would be refused: limit: it takes 0..9, not 70\n",
+       .status = 1},
+      {.line = "echo limit=70 | ctl restore -",
+       .out = "restored 0 of 1\n",
+       .err = "refused: limit: it takes 0..9, not 70\n",
+       .status = 1},
+  });
+}
+
 TEST_F(CtlServiceTest, WatchesLimits) {
   serve(PICTURE);
   expectLines({{.line = "ctl -q up"}});
@@ -211,10 +243,10 @@ TEST_F(CtlServiceTest, PrintsJson) {
               "\n",
        .status = 5},
       {.line = "ctl --json save",
-       .out = R"({"mode":"wide","position[1]":"100","position[2]":"40"})"
+       .out = R"({"mode":"wide","note":"","position[1]":"100","position[2]":"40"})"
               "\n"},
       {.line = "ctl --json save --status file; cat file",
-       .out = "mode=wide\nposition[1]=100\nposition[2]=40\ntemperature=61\n"},
+       .out = "mode=wide\nnote=\nposition[1]=100\nposition[2]=40\ntemperature=61\n"},
       {.line = "ctl --json diff file", .out = "[]\n"},
       {.line = "sed -i 's/=40/=30/' file; echo gone=4 >>file; ctl --json diff file 2>/dev/null",
        .out = R"([{"name":"gone","before":"4","after":null},)"
@@ -225,7 +257,7 @@ TEST_F(CtlServiceTest, PrintsJson) {
        .out = R"([{"name":"position[2]","before":"40","after":"30"}])"
               "\n"},
       {.line = "ctl --json restore file",
-       .out = R"({"restored":3,"cut":[],"refused":[],"absent":[],"unknown":[]})"
+       .out = R"({"restored":4,"cut":[],"refused":[],"absent":[],"unknown":[]})"
               "\n"},
       {.line = "echo temperature=1 | ctl --json restore - 2>/dev/null",
        .out = R"({"restored":0,"cut":[],"refused":[{"name":"temperature",)"

@@ -55,12 +55,16 @@ std::vector<Refusal> stageValues(Service& service, uint32_t transaction,
                                  const std::vector<Assignment>& assignments, bool isStatus) {
   const auto error = inOrder(service, {valuesCall(transaction, assignments, isStatus)}).front();
   if (!error) return {};
-  // The error does not name them; what is not staged has been refused.
-  std::vector<Refusal> refused;
-  for (const InstanceState& state : service.states(transaction, namesOf(assignments))) {
-    if (!state.is(STATE_STAGED)) refused.push_back({state.name, *error});
+  // The error does not name them: those that are not staged as they are may only be corrected, so
+  // they are asked one by one.
+  std::vector<Assignment> doubtful;
+  const std::vector<InstanceState> states = service.states(transaction, namesOf(assignments));
+  for (size_t i = 0; i < assignments.size(); ++i) {
+    if (!states[i].is(STATE_STAGED) || states[i].value != assignments[i].value) {
+      doubtful.push_back(assignments[i]);
+    }
   }
-  return refused;
+  return service.set(transaction, doubtful, isStatus);
 }
 
 std::vector<Refusal> commitDefaultsAlone(Service& service, uint32_t transaction,

@@ -9,6 +9,7 @@
 #include "ctl/service/operator_messages.h"
 #include "ctl/text/assignment.h"
 #include "ctl/text/quoted.h"
+#include "ctl/text/range_text.h"
 #include "ctl/text/sentences.h"
 #include "ctl/text/suggestion.h"
 #include "ctl/words/asked.h"
@@ -168,7 +169,8 @@ Restored restoredOf(Service& service, const Levels& levels, const std::vector<As
     } else if (isSameValue(states[i].value, wanted[i].value)) {
       ++restored.count;
     } else if (refusedNames.contains(name)) {
-      continue;
+      Refusal& refusal = *std::ranges::find(restored.refused, name, &Refusal::name);
+      refusal.why = refusalText(states[i], wanted[i].value, refusal.why);
     } else if (!isStatus && !states[i].is(STATE_WRITABLE)) {
       restored.refused.push_back({name, "it is not writable"});
     } else {
@@ -202,6 +204,12 @@ int tellRestored(Client& client, const Restored& restored, const std::string& ve
   if (!told.unknown.empty()) return STATUS_UNKNOWN;
   if (!told.refused.empty() || !told.absent.empty()) return STATUS_REFUSED;
   return isStrict && !told.cut.empty() ? STATUS_CUT : STATUS_DONE;
+}
+
+std::string refusalText(const InstanceState& state, const std::string& value,
+                        const std::string& why) {
+  if (!state.is(STATE_LIMITED) || isAllowed(state, value)) return why;
+  return "it takes " + rangeText(state) + ", not " + quotedWord(value);
 }
 
 int tellReady(Client& client, int status) {

@@ -30,6 +30,11 @@ std::vector<Refusal> commitLevel(Service& service, uint32_t transaction,
 Restored restoreByLevels(Service& service, const Levels& levels,
                          const std::vector<Assignment>& wanted, bool isStatus);
 
+/// Why the value is refused for an instance in this state: by its limits, where those refuse it, or
+/// `why` in the service's words.
+std::string refusalText(const InstanceState& state, const std::string& value,
+                        const std::string& why);
+
 /// Says that the device has been brought up. Returns `status`, or STATUS_REFUSED after a complaint
 /// where it was STATUS_DONE and the service refuses.
 int tellReady(Client& client, int status);

@@ -246,7 +246,7 @@ class Upgrade {
     return false;
   }
 
-  [[nodiscard]] int restore() const { return runWord({"restore", values_.path()}); }
+  [[nodiscard]] int restore() const { return runWord({"restore", "--status", values_.path()}); }
 
   int goBack(const std::string& failure) const {
     complain(failure + "; going back to the old text");

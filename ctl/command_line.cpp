@@ -64,6 +64,9 @@ void addWords(CLI::App& app, TakenLine& taken) {
       if (taken.isNull && !word.hasNullForm) {
         endWith(STATUS_USAGE, std::string("--null is not for ") + word.name);
       }
+      if (taken.isJson && !word.hasJsonForm) {
+        endWith(STATUS_USAGE, std::string("--json is not for ") + word.name);
+      }
       taken.line.run = run;
     });
   }

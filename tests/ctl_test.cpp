@@ -479,6 +479,7 @@ TEST_F(CtlTest, RefusesWrongCommandLines) {
        .err = "--json and --null exclude each other\n",
        .status = 2},
       {.line = "ctl --null why a", .err = "--null is not for why\n", .status = 2},
+      {.line = "ctl --json metrics", .err = "--json is not for metrics\n", .status = 2},
       {.line = "ctl -b 'a b' ls", .err = "\"a b\" cannot end a bus name\n", .status = 2},
       {.line = "ctl -o 'a b' ls", .err = "\"a b\" cannot end an object path\n", .status = 2},
       {.line = "ctl --address '' ls", .err = "ls: --address: it is empty\n", .status = 2},

@@ -16,6 +16,7 @@ struct Word {
   const char* summary;
   const char* examples;  ///< lines
   bool hasNullForm;      ///< whether --null is for it
+  bool hasJsonForm;      ///< whether --json is
   /// Adds the arguments of the word, which the result holds.
   RunWord (*define)(CLI::App& word);
 };

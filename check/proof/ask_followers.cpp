@@ -14,6 +14,27 @@ namespace {
 constexpr size_t MANY_COMMITS = 200;
 constexpr size_t MANY_OPENINGS = 8;
 
+// Whether `is` holds for one of those that move the value of `parm`: by its ranges, or by whether
+// it is there. What locks it, or is read by its default, moves nothing.
+template <typename Is>
+bool anyMover(const Proof& proof, const ParmEntry& parm, const Is& is) {
+  const auto isOne = [&](const VariableSource& source) {
+    return source.parm != nullptr && is(*source.parm);
+  };
+  const Subject& subject = *proof.text().find(parm.parm.name());
+  bool isAny = false;
+  for (const auto* statements : {&subject.rangeValid, &subject.ctrlValid}) {
+    for (const CompiledStatement& statement : *statements) {
+      forEachExpression(statement, [&](const CompiledExpression& expression) {
+        isAny = isAny || std::ranges::any_of(expression.sources, isOne);
+      });
+    }
+  }
+  return isAny || std::ranges::any_of(parm.indices->own, [&](const IndexEntry* index) {
+           return std::ranges::any_of(index->sources, isOne);
+         });
+}
+
 // Looks for values that a parameter takes once what it follows has followed, and loses where both
 // are set in one commit: nothing depends on it, so it is judged first.
 class Follower {
@@ -260,12 +281,11 @@ class Follower {
     return nullptr;
   }
 
-  static bool follows(const ParmEntry& parm, const ParmEntry* changed,
-                      std::set<const ParmEntry*>& seen) {
-    return std::any_of(parm.sources.begin(), parm.sources.end(), [&](const VariableSource& source) {
-      if (source.parm == nullptr) return false;
-      if (source.parm == changed) return true;
-      return seen.insert(source.parm).second && follows(*source.parm, changed, seen);
+  [[nodiscard]] bool follows(const ParmEntry& parm, const ParmEntry* changed,
+                             std::set<const ParmEntry*>& seen) const {
+    return anyMover(proof_, parm, [&](const ParmEntry& mover) {
+      if (&mover == changed) return true;
+      return seen.insert(&mover).second && follows(mover, changed, seen);
     });
   }
 
@@ -302,8 +322,8 @@ class Follower {
 // follows from it is not.
 const Subject* derivedOf(const Proof& proof, const Subject& subject) {
   for (const VariableSource& source : subject.parm->sources) {
-    const bool isDerived =
-        source.parm != nullptr && source.parm != subject.parm && !source.parm->sources.empty();
+    const bool isDerived = source.parm != nullptr && source.parm != subject.parm &&
+                           anyMover(proof, *source.parm, [](const ParmEntry&) { return true; });
     if (isDerived) return proof.text().find(source.parm->parm.name());
   }
   return nullptr;

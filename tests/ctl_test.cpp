@@ -244,8 +244,8 @@ TEST_F(CtlTest, TellsWhyAndWhatToDo) {
        .out = "to have it stored: ostrelctl set mode=1080i/50 'position[2]=1500'\n"},
       {.line = "ctl why blanking=1500 | tail -1",
        .out = "to have it stored: ostrelctl set 'position[1]=1500' mode=1080i/50 blanking=1500\n"},
-      {.line = "ctl why blanking=5000 | tail -1 | sed 's/([0-9]* /(N /'",
-       .out = "no change of one or two parameters makes it possible (N tried)\n"},
+      {.line = "ctl why blanking=5000 | tail -1 | sed 's/[0-9][0-9]*/N/'",
+       .out = "no change of one or two parameters that makes it possible was found in N trials\n"},
       {.line = "ctl why 'position[3]'",
        .out = "position[3] is \"\"\n"
               "it does not exist now: line 4, rangeValid { 1..2 }, where channel is 3\n"
@@ -335,6 +335,68 @@ TEST_F(CtlTest, NamesTheOtherEffectsOfAnUnlock) {
        .out = "to have it stored: ostrelctl set ip=0 mask=12\n"},
       {.line = "ctl why mask | tail -1",
        .out = "to make it writable: ostrelctl set ip=0 (this also changes mask)\n"},
+  });
+}
+
+// What decides only when another lock is open, and what keeps a candidate from its value.
+TEST_F(CtlTest, UnlocksWhatIsLockedTwice) {
+  serve(
+      "n rw { rangeValid { 1..4 } default { 2 } }\n"
+      "on rw { rangeValid { 0..1 } default { 0 } }\n"
+      "f rw { ctrlValid (n == 4) ctrlRO (on == 0) rangeValid { 0..9 } default { 1 } }\n"
+      "b rw { rangeValid { 0..(n * 5) } default { 1 } }\n"
+      "g rw { ctrlRO (b < 15) rangeValid { 0..9 } default { 1 } }\n"
+      "h rw { ctrlRO (n < 4) ctrlRO (on == 0) ctrlRO (b == 1) rangeValid { 0..9 } }\n");
+  expectLines({
+      {.line = "ctl up -q"},
+      {.line = "ctl why f | tail -1", .out = "to make it writable: ostrelctl set n=4 on=1\n"},
+      {.line = "ctl why f=3 | tail -1", .out = "to have it stored: ostrelctl set n=4 on=1 f=3\n"},
+      {.line = "ctl why g | tail -1", .out = "to make it writable: ostrelctl set b=15 n=3\n"},
+      {.line = "ctl why g=3 | tail -1", .out = "to have it stored: ostrelctl set b=15 n=3 g=3\n"},
+      // Three changes are not looked for.
+      {.line = "ctl why h | tail -1 | sed 's/[0-9][0-9]*/N/'",
+       .out = "no change of one or two parameters that makes it possible was found in N trials\n"},
+      {.line = "ctl get n on b", .out = "n=2\non=0\nb=1\n"},
+  });
+}
+
+TEST_F(CtlTest, UnlocksWhatItsIndexHides) {
+  serve(
+      "size rw { rangeValid { 2..6 } default { 2 } }\n"
+      "count rw { rangeValid { 1..(size) } default { 1 } }\n"
+      "on rw { rangeValid { 0..1 } default { 0 } }\n"
+      "top rw { rangeValid { 3..200 } default { 3 } }\n"
+      "slot index { rangeValid { 1..8 } rangeValid (count > 0) { 1..(count) } }\n"
+      "level rw { index { slot } rangeValid { 0..9 } default { 1 } }\n"
+      "gain rw { index { slot } ctrlRO (on == 0) rangeValid { 0..(top) } default { 1 } }\n");
+  expectLines({
+      {.line = "ctl up -q"},
+      {.line = "ctl why 'gain[2]' | tail -1",
+       .out = "to make it writable: ostrelctl set count=2 on=1\n"},
+      {.line = "ctl why 'level[5]' | tail -1",
+       .out = "to make it writable: ostrelctl set count=5 size=5\n"},
+      {.line = "ctl why 'level[5]=3' | tail -1",
+       .out = "to have it stored: ostrelctl set count=5 size=5 'level[5]=3'\n"},
+      {.line = "ctl set -q count=5 size=5 'level[5]=3'; ctl get 'level[5]'", .out = "3\n"},
+      {.line = "ctl why 'gain[1]=150' | tail -1",
+       .out = "to have it stored: ostrelctl set on=1 top=150 'gain[1]=150'\n"},
+  });
+}
+
+TEST_F(CtlTest, EndsTheSearchForUnlocks) {
+  std::string keys;
+  std::string locks;
+  for (int i = 1; i <= 12; ++i) {
+    const std::string key = "key" + std::to_string(i);
+    keys += key + " rw { rangeValid { 0..1000 } default { 0 } }\n";
+    locks += "  ctrlRO (" + key + " != 777)\n";
+  }
+  serve(keys + "door rw { rangeValid { 0..9 } default { 1 }\n" + locks + "}\n");
+  expectLines({
+      {.line = "ctl up -q"},
+      {.line = "ctl why door | tail -1",
+       .out = "no change of one or two parameters that makes it possible was found in 1000 "
+              "trials\n"},
   });
 }
 

@@ -116,6 +116,8 @@ PastCommit commitOf(GVariant& row) {
           eachOf(row, 3, changeOf)};
 }
 
+std::string statementTextOf(GVariant& lineAndText) { return textOf(lineAndText, 1); }
+
 // What is not there, or is of another type, stays empty.
 Definition definitionOf(GVariant& dictionary) {
   Definition definition;
@@ -127,6 +129,12 @@ Definition definitionOf(GVariant& dictionary) {
     GVariant* member = value.get();
     return VariantHolder(g_variant_ref_sink(g_variant_new_tuple(&member, 1)));
   };
+  if (const VariantHolder list = find("indices", "as"); list != nullptr) {
+    definition.indices = textsOf(*wrapped(list), 0);
+  }
+  if (const VariantHolder list = find("statements", "a(us)"); list != nullptr) {
+    definition.statements = eachOf(*wrapped(list), 0, statementTextOf);
+  }
   if (const VariantHolder list = find("translations", "a(ss)"); list != nullptr) {
     definition.translations = eachOf(*wrapped(list), 0, assignmentOf);
   }

@@ -16,6 +16,7 @@ namespace {
 constexpr size_t MOST_CANDIDATES = 12;
 constexpr int64_t MOST_NUMBERS = 64;  // of which all are tried
 constexpr size_t MOST_TEXTS = 64;
+constexpr size_t MOST_BEYOND = 12;
 
 bool isWordLetter(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; }
 
@@ -43,36 +44,57 @@ void addNumbers(const InstanceState& state, const std::vector<std::string>& lite
   }
 }
 
+Names statementsOf(const std::vector<Reason>& reasons) {
+  Names statements;
+  for (const Reason& reason : reasons) statements.push_back(reason.statement);
+  return statements;
+}
+
+// The literal, and the numbers beside one.
+std::vector<std::string> withNeighbours(const std::string& literal) {
+  const std::optional<int32_t> number = wholeNumber(literal);
+  if (literal.empty() || !number) return {literal};
+  return {literal, std::to_string(int64_t{*number} + 1), std::to_string(int64_t{*number} - 1)};
+}
+
+// How far a walk goes.
+enum Width {
+  DECIDING_NOW,      // over the statements that decide in the present situation
+  DECIDING_AT_TIMES  // over all that may decide
+};
+
 // Walks from what decides about an instance to what decides about that.
 class CandidateWalk {
  public:
-  CandidateWalk(Client& client, const std::string& name, const std::string& wanted)
+  CandidateWalk(Client& client, Width width, const std::string& name, const std::string& wanted)
       : client_(client),
+        width_(width),
+        name_(name),
         wanted_(wanted),
         dependencies_(client.service.dependencies({name}).front().value_or(Names())),
         parameters_(client.service) {}
 
-  void add(const std::vector<Reason>& reasons) {
+  void addDefined() {
+    if (parameters_.canBeSet(name_)) add(definedStatements({name_}, !wanted_.empty()));
+  }
+
+  void add(const Names& statements) {
     Names deciding;
     for (const std::string& name : dependencies_) {
-      if (!parameters_.has(name) || !isMentioned(reasons, name)) continue;
+      if (!parameters_.has(name) || !isMentioned(statements, name)) continue;
       if (known_.insert(name).second) deciding.push_back(name);
     }
-    addLiterals(reasons);
+    addLiterals(statements);
     if (deciding.empty()) return;
     // What limits a candidate decides with it, where a value is wanted.
     Names decided;
     for (const InstanceState& state : client_.service.states(COMMITTED, deciding)) {
       if (parameters_.canBeSet(state.name)) candidates_.push_back(state);
-      if (!wanted_.empty() || !state.is(STATE_WRITABLE)) decided.push_back(state.name);
+      const bool decides = !wanted_.empty() || !state.is(STATE_WRITABLE);
+      if (decides || width_ == DECIDING_AT_TIMES) decided.push_back(state.name);
     }
     if (decided.empty() || candidates_.size() >= MOST_CANDIDATES) return;
-    std::vector<Reason> further;
-    for (const auto& each : client_.service.explain(COMMITTED, decided)) {
-      const std::vector<Reason> deciders = decidingReasons(each, true);
-      further.insert(further.end(), deciders.begin(), deciders.end());
-    }
-    add(further);
+    add(width_ == DECIDING_NOW ? decidingStatements(decided) : definedStatements(decided, true));
   }
 
   [[nodiscard]] std::vector<Candidate> candidates() {
@@ -85,29 +107,86 @@ class CandidateWalk {
       const bool mayFit =
           !state.spans.empty() && wholeNumber(wanted_) && !isAllowed(state, wanted_);
       if (!wanted_.empty() && mayFit) all.back().values.push_back(wanted_);
+      if (width_ == DECIDING_AT_TIMES) all.back().beyond = valuesBeyond(state);
     }
     return all;
   }
 
  private:
-  static bool isMentioned(const std::vector<Reason>& reasons, const std::string& name) {
+  static bool isMentioned(const Names& statements, const std::string& name) {
     return std::ranges::any_of(
-        reasons, [&](const Reason& reason) { return mentions(reason.statement, baseOf(name)); });
+        statements, [&](const std::string& each) { return mentions(each, baseOf(name)); });
   }
-  void addLiterals(const std::vector<Reason>& reasons) {
-    for (const Reason& reason : reasons) {
-      for (std::string& literal : literalsOf(reason.statement)) {
-        literals_.insert(std::move(literal));
+
+  void addLiterals(const Names& statements) {
+    for (const std::string& statement : statements) {
+      for (std::string& literal : literalsOf(statement)) literals_.insert(std::move(literal));
+    }
+    statements_.insert(statements_.end(), statements.begin(), statements.end());
+  }
+
+  Names decidingStatements(const Names& names) {
+    std::vector<Reason> all;
+    for (const auto& each : client_.service.explain(COMMITTED, names)) {
+      const std::vector<Reason> deciders = decidingReasons(each, true);
+      all.insert(all.end(), deciders.begin(), deciders.end());
+    }
+    return statementsOf(all);
+  }
+
+  // The statements that may lock the instances, and where it `isForValue` limit them; and those
+  // of their indices.
+  Names definedStatements(const Names& names, bool isForValue) {
+    std::set<std::string> bases;
+    for (const std::string& name : names) bases.emplace(baseOf(name));
+    Names statements;
+    std::set<std::string> indices;
+    for (const Definition& definition : client_.service.definitions({bases.begin(), bases.end()})) {
+      for (const std::string& text : definition.statements) {
+        if (mayDecide(text, isForValue)) statements.push_back(text);
+      }
+      indices.insert(definition.indices.begin(), definition.indices.end());
+    }
+    for (const Definition& index : client_.service.definitions({indices.begin(), indices.end()})) {
+      statements.insert(statements.end(), index.statements.begin(), index.statements.end());
+    }
+    return statements;
+  }
+
+  static bool mayDecide(const std::string& statement, bool isForValue) {
+    return statement.starts_with("ctrl") || (isForValue && statement.starts_with("rangeValid"));
+  }
+
+  // Of the statements that use the instance, those nearest to the wanted one first. An index value
+  // of that one may be what is compared.
+  [[nodiscard]] std::vector<std::string> valuesBeyond(const InstanceState& state) const {
+    std::vector<std::string> values;
+    if (!state.is(STATE_LIMITED)) return values;
+    std::vector<std::string> literals = literalsOf(name_);
+    for (const std::string& statement : statements_) {
+      if (!mentions(statement, baseOf(state.name))) continue;
+      for (std::string& literal : literalsOf(statement)) literals.push_back(std::move(literal));
+    }
+    for (const std::string& literal : literals) {
+      for (const std::string& value : withNeighbours(literal)) {
+        const bool isNew = std::ranges::find(values, value) == values.end();
+        if (isNew && !isAllowed(state, value) && values.size() < MOST_BEYOND) {
+          values.push_back(value);
+        }
       }
     }
+    return values;
   }
 
   Client& client_;
+  const Width width_;
+  const std::string name_;
   const std::string wanted_;
   const Names dependencies_;
   const Levels parameters_;
   std::set<std::string> known_;
   std::set<std::string> literals_;
+  Names statements_;  // in the order of the walk
   std::vector<InstanceState> candidates_;
 };
 
@@ -178,7 +257,14 @@ std::vector<Reason> decidingReasons(const std::vector<Reason>& reasons, bool isF
 std::vector<Candidate> findCandidates(Client& client, const std::string& name,
                                       const std::vector<Reason>& reasons,
                                       const std::string& wanted) {
-  CandidateWalk walk(client, name, wanted);
-  walk.add(reasons);
+  CandidateWalk walk(client, DECIDING_NOW, name, wanted);
+  walk.add(statementsOf(reasons));
+  return walk.candidates();
+}
+
+std::vector<Candidate> findWiderCandidates(Client& client, const std::string& name,
+                                           const std::string& wanted) {
+  CandidateWalk walk(client, DECIDING_AT_TIMES, name, wanted);
+  walk.addDefined();
   return walk.candidates();
 }

@@ -10,13 +10,20 @@
 struct Candidate {
   InstanceState state;
   std::vector<std::string> values;  ///< to try: all others, or the telling ones, the nearest first
+  /// To try as well: telling ones that it does not take now, and may take with another change.
+  std::vector<std::string> beyond = {};
 };
 
-/// Those of the instance `name`. `reasons` are the deciding ones; `wanted` is the value that it
-/// shall take, or empty.
+/// Those that decide now about the instance `name`. `reasons` are the deciding ones; `wanted` is
+/// the value that it shall take, or empty.
 std::vector<Candidate> findCandidates(Client& client, const std::string& name,
                                       const std::vector<Reason>& reasons,
                                       const std::string& wanted);
+
+/// Those that may decide about it in any situation: of all statements that may lock it, and of
+/// those that lock or limit a candidate.
+std::vector<Candidate> findWiderCandidates(Client& client, const std::string& name,
+                                           const std::string& wanted);
 
 /// The numbers and quoted texts in a statement.
 std::vector<std::string> literalsOf(const std::string& statement);

@@ -1,7 +1,9 @@
 #include "ctl/words/unlock.h"
 
 #include <algorithm>
+#include <map>
 #include <optional>
+#include <set>
 
 #include "base/number.h"
 #include "ctl/text/assignment.h"
@@ -11,6 +13,7 @@
 namespace {
 
 constexpr size_t MOST_TRIALS = 1000;
+constexpr size_t MOST_FIRST_TRIALS = 500;  // which leaves some for the wider search
 constexpr ptrdiff_t MOST_VALUES_AT_ENDS = 5;
 
 // Tries sets of changes until there were too many.
@@ -18,13 +21,14 @@ class UnlockTrials {
  public:
   UnlockTrials(Client& client, const UnlockGoal& goal) : client_(client), goal_(goal) {}
 
-  [[nodiscard]] size_t tried() const { return tried_; }
-  [[nodiscard]] bool isExhausted() const { return tried_ >= MOST_TRIALS; }
+  [[nodiscard]] size_t tried() const { return tried_.size(); }
+  [[nodiscard]] bool isExhausted() const { return tried_.size() >= most_; }
+  void allow(size_t most) { most_ = most; }
 
-  // Whether the changes reach the goal, by themselves: all of them stored as they are.
+  // Whether the changes reach the goal, by themselves: all of them stored as they are. What was
+  // tried in vain is not tried again.
   std::optional<Unlock> tryChanges(const std::vector<Assignment>& changes) {
-    if (isExhausted()) return std::nullopt;
-    ++tried_;
+    if (isExhausted() || !tried_.insert(trialOf(changes)).second) return std::nullopt;
     const OwnTransaction transaction(client_.service);
     if (!client_.service.set(transaction.id(), changes, false).empty()) return std::nullopt;
     if (!isReached(client_.service.states(transaction.id(), {goal_.name}).front())) {
@@ -36,6 +40,14 @@ class UnlockTrials {
  private:
   [[nodiscard]] bool isReached(const InstanceState& state) const {
     return state.is(STATE_WRITABLE) && (!goal_.value || isAllowed(state, *goal_.value));
+  }
+
+  using Trial = std::map<std::string, std::string>;  // values of names
+
+  static Trial trialOf(const std::vector<Assignment>& changes) {
+    Trial trial;
+    for (const Assignment& change : changes) trial.emplace(change.name, change.value);
+    return trial;
   }
 
   static std::optional<Unlock> checked(const std::vector<Assignment>& changes,
@@ -55,7 +67,8 @@ class UnlockTrials {
 
   Client& client_;
   const UnlockGoal& goal_;
-  size_t tried_ = 0;
+  size_t most_ = MOST_FIRST_TRIALS;
+  std::set<Trial> tried_;
 };
 
 // Goes from a number that is enough towards one that is not, as far as it stays enough.
@@ -102,12 +115,13 @@ std::optional<Unlock> unlockBy(UnlockTrials& trials, const Candidate& candidate)
   return std::nullopt;
 }
 
-// The values to try in a pair: the nearest ones, and the last ones.
+// The values to try in a pair: the nearest ones, the last ones, and those that need another.
 std::vector<std::string> few(const Candidate& candidate) {
   std::vector<std::string> values = candidate.values;
   if (std::ssize(values) > 2 * MOST_VALUES_AT_ENDS) {
     values.erase(values.begin() + MOST_VALUES_AT_ENDS, values.end() - MOST_VALUES_AT_ENDS);
   }
+  values.insert(values.end(), candidate.beyond.begin(), candidate.beyond.end());
   return values;
 }
 
@@ -132,24 +146,31 @@ std::optional<Unlock> unlockByPair(UnlockTrials& trials, const std::vector<Candi
   return std::nullopt;
 }
 
+std::vector<Unlock> unlocksBy(UnlockTrials& trials, const std::vector<Candidate>& candidates) {
+  std::vector<Unlock> all;
+  for (const Candidate& candidate : candidates) {
+    std::optional<Unlock> found = unlockBy(trials, candidate);
+    if (found) all.push_back(*std::move(found));
+  }
+  std::ranges::stable_sort(all, {}, [](const Unlock& each) { return each.effects.size(); });
+  if (!all.empty()) return all;
+  std::optional<Unlock> found = unlockByPair(trials, candidates);
+  if (found) all.push_back(*std::move(found));
+  return all;
+}
+
 }  // namespace
 
 UnlockSearch findUnlocks(Client& client, const UnlockGoal& goal,
                          const std::vector<Reason>& reasons) {
-  const std::vector<Candidate> candidates =
-      findCandidates(client, goal.name, decidingReasons(reasons, goal.value.has_value()),
-                     goal.value.value_or(std::string()));
+  const std::string wanted = goal.value.value_or(std::string());
+  const std::vector<Reason> deciding = decidingReasons(reasons, goal.value.has_value());
   UnlockTrials trials(client, goal);
   UnlockSearch search;
-  for (const Candidate& candidate : candidates) {
-    std::optional<Unlock> found = unlockBy(trials, candidate);
-    if (found) search.found.push_back(*std::move(found));
-  }
-  std::ranges::stable_sort(search.found, {},
-                           [](const Unlock& each) { return each.effects.size(); });
+  search.found = unlocksBy(trials, findCandidates(client, goal.name, deciding, wanted));
   if (search.found.empty()) {
-    std::optional<Unlock> found = unlockByPair(trials, candidates);
-    if (found) search.found.push_back(*std::move(found));
+    trials.allow(MOST_TRIALS);
+    search.found = unlocksBy(trials, findWiderCandidates(client, goal.name, wanted));
   }
   search.tried = trials.tried();
   return search;

@@ -2,7 +2,9 @@
 //
 // Candidates are the parameters that the deciding statements use, with the values that they take.
 // Each set of changes is tried in a transaction of its own, which the service judges; nothing is
-// stored. First changes of one parameter are tried, then of two.
+// stored. First changes of one parameter are tried, then of two. Where that finds none, candidates
+// are also those of the statements that do not decide yet: another lock behind the first, and what
+// limits a candidate.
 #pragma once
 
 #include <optional>

@@ -91,17 +91,19 @@ std::string commandsOf(Client& client, const Unlock& unlock, const UnlockGoal& g
   return setCommand(client, all);
 }
 
+// Not everything is tried: that none was found is all that can be said.
+std::string noUnlockText(size_t tried) {
+  if (tried == 0) return "no parameter that a client can set changes that";
+  return "no change of one or two parameters that makes it possible was found in " +
+         std::to_string(tried) + " trials";
+}
+
 void addUnlocks(Client& client, const UnlockGoal& goal, const std::vector<Reason>& reasons,
                 Answer& answer) {
   const UnlockSearch search = findUnlocks(client, goal, reasons);
   answer.json["unlocks"] = Json::array();
   answer.json["tried"] = search.tried;
-  if (search.found.empty()) {
-    answer.lines.push_back(search.tried == 0
-                               ? "no parameter that a client can set changes that"
-                               : "no change of one or two parameters makes it possible (" +
-                                     std::to_string(search.tried) + " tried)");
-  }
+  if (search.found.empty()) answer.lines.push_back(noUnlockText(search.tried));
   const char* start = goal.value ? "to have it stored: " : "to make it writable: ";
   for (size_t i = 0; i < search.found.size(); ++i) {
     answer.json["unlocks"].push_back(jsonOf(search.found[i]));

@@ -37,8 +37,13 @@ unsigned wantedNumber(const char* name, unsigned otherwise) {
   return wanted == nullptr ? otherwise : static_cast<unsigned>(std::atoi(wanted));
 }
 
+// Fewer do not have every kind of goal.
+constexpr uint32_t FEWEST_TEXTS = 40;
+
 // How many texts are made, and the number that the first is made from.
-unsigned textCount() { return wantedNumber("RANDOM_TEXTS", randomCount(150)); }
+unsigned textCount() {
+  return wantedNumber("RANDOM_TEXTS", std::max(randomCount(150), FEWEST_TEXTS));
+}
 unsigned firstSeed() { return wantedNumber("RANDOM_FIRST", 0); }
 
 // A text that the engine has built.

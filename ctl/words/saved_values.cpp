@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <set>
 
+#include "ctl/service/bulk.h"
 #include "ctl/service/exit_status.h"
 #include "ctl/text/assignment.h"
 #include "ctl/text/quoted.h"
@@ -121,29 +122,16 @@ int diff(Client& client, const FileArguments& arguments) {
   return all.empty() ? STATUS_DONE : STATUS_REFUSED;
 }
 
-// Stages the values, those that are refused once more behind the others, which they may need;
-// returns why the rest is refused, by name.
-std::map<std::string, std::string> stageAll(Service& service, uint32_t transaction,
-                                            const std::vector<Assignment>& assignments,
-                                            bool isStatus) {
-  std::vector<Assignment> left;
-  for (const Refusal& each : service.set(transaction, assignments, isStatus)) {
-    left.push_back(*std::ranges::find(assignments, each.name, &Assignment::name));
-  }
-  std::map<std::string, std::string> refused;
-  for (Refusal& each : service.set(transaction, left, isStatus)) {
-    refused.emplace(std::move(each.name), std::move(each.why));
-  }
-  return refused;
-}
-
 // What a restoration would change, each value judged where all others have been restored. Nothing
 // is stored.
 int showRestoration(Client& client, const Levels& levels, const std::vector<Assignment>& wanted,
                     const FileArguments& arguments) {
   const OwnTransaction trial(client.service);
-  const std::map<std::string, std::string> refused =
-      stageAll(client.service, trial.id(), levels.known(wanted), arguments.isStatus);
+  std::map<std::string, std::string> refused;  // why, by name
+  for (const Refusal& each :
+       stageValues(client.service, trial.id(), levels.known(wanted), arguments.isStatus)) {
+    refused.emplace(each.name, each.why);
+  }
   const Names names = namesOf(wanted);
   const std::vector<InstanceState> now = client.service.states(COMMITTED, names);
   const std::vector<InstanceState> then = client.service.states(trial.id(), names);

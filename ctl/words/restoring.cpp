@@ -1,6 +1,7 @@
 #include "ctl/words/restoring.h"
 
 #include <algorithm>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <set>
 
@@ -112,20 +113,21 @@ void tellUnknown(Client& client, const Names& names, std::optional<uint32_t> tra
 
 }  // namespace
 
+std::vector<Refusal> refusedTogether(Service& service, const std::vector<Assignment>& assignments,
+                                     bool isStatus) {
+  const OwnTransaction trial(service);
+  std::vector<Refusal> refused = stageValues(service, trial.id(), assignments, isStatus);
+  std::ranges::move(service.preview(trial.id()).refused, std::back_inserter(refused));
+  return refused;
+}
+
 std::vector<Refusal> commitLevel(Service& service, uint32_t transaction,
                                  const std::vector<Assignment>& assignments, bool isStatus) {
   if (commitValues(service, transaction, assignments, isStatus).isDone()) return {};
   // One that is refused keeps others of its level from being stored: they are committed without it.
+  std::vector<Refusal> refused = refusedTogether(service, assignments, isStatus);
   std::vector<Assignment> left = assignments;
-  std::vector<Refusal> refused;
-  {
-    const OwnTransaction trial(service);
-    refused = stageValues(service, trial.id(), left, isStatus);
-    removeRefused(left, refused);
-    const std::vector<Refusal> later = service.preview(trial.id()).refused;
-    removeRefused(left, later);
-    refused.insert(refused.end(), later.begin(), later.end());
-  }
+  removeRefused(left, refused);
   if (!left.empty()) static_cast<void>(commitValues(service, transaction, left, isStatus));
   // What was only behind another refusal is accepted by itself.
   std::erase_if(refused, [&](const Refusal& refusal) {

@@ -22,6 +22,10 @@ struct Restored {
   Names unknown;  ///< names of no parameter
 };
 
+/// What would be refused of the values in one commit, at once or in the end. Nothing is stored.
+std::vector<Refusal> refusedTogether(Service& service, const std::vector<Assignment>& assignments,
+                                     bool isStatus);
+
 /// Commits the values of one level; returns those that are refused. The others are stored.
 std::vector<Refusal> commitLevel(Service& service, uint32_t transaction,
                                  const std::vector<Assignment>& assignments, bool isStatus);

@@ -58,11 +58,7 @@ void complainOfKept(Client& client, const Names& names) {
 // What cannot be set any more once the rest is back gets its old value before that.
 void takeBackLocked(Service& service, const std::vector<Assignment>& old, bool isStatus) {
   std::set<std::string> refused;
-  {
-    const OwnTransaction trial(service);
-    for (const Refusal& each : service.set(trial.id(), old, isStatus)) refused.insert(each.name);
-    for (const Refusal& each : service.preview(trial.id()).refused) refused.insert(each.name);
-  }
+  for (const Refusal& each : refusedTogether(service, old, isStatus)) refused.insert(each.name);
   std::vector<Assignment> locked = old;
   std::erase_if(locked, [&](const Assignment& each) { return !refused.contains(each.name); });
   if (locked.empty()) return;

@@ -27,19 +27,13 @@ bool isOrdering(int32_t code) {
   return code == OP_LESS || code == OP_GREATER || code == OP_LESS_EQUAL || code == OP_GREATER_EQUAL;
 }
 
-void noteNumber(NameUse& use, int32_t number) {
-  use.numbers.insert(number);
-  if (number > std::numeric_limits<int32_t>::min()) use.numbers.insert(number - 1);
-  if (number < std::numeric_limits<int32_t>::max()) use.numbers.insert(number + 1);
-}
-
 void noteComparison(NameUse& use, int32_t code, const Node& other) {
   if (other.kind == Node::NUMBER) {
-    noteNumber(use, other.number);
+    noteNumber(other.number, use);
     use.isOrdered = use.isOrdered || isOrdering(code);
   } else if (other.kind == Node::TEXT && !isOrdering(code) && code != OP_CONTAINS) {
     use.texts.emplace(other.text);
-    if (const std::optional<int32_t> number = wholeNumber(other.text)) noteNumber(use, *number);
+    if (const std::optional<int32_t> number = wholeNumber(other.text)) noteNumber(*number, use);
   } else {
     use.isReckoned = true;
     use.isText = use.isText || other.kind != Node::RESULT;
@@ -55,7 +49,7 @@ void noteOperand(const Node& operand, int32_t code, const Node& other) {
   } else if (code != OP_LOGICAL_AND && code != OP_LOGICAL_OR) {
     use.isReckoned = true;
     use.isText = use.isText || code == OP_ADD;
-    if (other.kind == Node::NUMBER) noteNumber(use, other.number);
+    if (other.kind == Node::NUMBER) noteNumber(other.number, use);
   }
 }
 
@@ -76,6 +70,14 @@ std::set<int32_t> tellingNumbers(const Domain& domain, const NameUse& use) {
   return numbers;
 }
 
+// A text is ordered beside a number by the bytes of both: adds one that comes before all numbers,
+// and one behind each of `numbers` with no other one between.
+void addTextsBetween(const std::set<int32_t>& numbers, std::set<std::string, std::less<>>& texts) {
+  constexpr const char* BEFORE_DIGITS = "!";
+  texts.emplace(BEFORE_DIGITS);
+  for (const int32_t number : numbers) texts.insert(numberText(number) + BEFORE_DIGITS);
+}
+
 void addTexts(const Domain& domain, const NameUse& use, Candidates& out) {
   if (domain.isAll()) {
     // Where one range takes every value, those of another one may still be kept apart.
@@ -84,6 +86,7 @@ void addTexts(const Domain& domain, const NameUse& use, Candidates& out) {
       if (!wholeNumber(text)) texts.insert(text);
     }
     texts.erase("");
+    if (use.isOrdered) addTextsBetween(use.numbers, texts);
     for (const std::string& text : texts) out.values.emplace_back(text);
     out.values.emplace_back(OTHER_TEXT);
     out.values.emplace_back(OTHER_TEXT_WITH_NUMBER);
@@ -106,6 +109,21 @@ void addStandards(Candidates& out) {
 }
 
 }  // namespace
+
+void noteNumber(int32_t number, NameUse& use) {
+  use.numbers.insert(number);
+  if (number > std::numeric_limits<int32_t>::min()) use.numbers.insert(number - 1);
+  if (number < std::numeric_limits<int32_t>::max()) use.numbers.insert(number + 1);
+}
+
+void addUse(const NameUse& other, NameUse& use) {
+  use.numbers.insert(other.numbers.begin(), other.numbers.end());
+  use.texts.insert(other.texts.begin(), other.texts.end());
+  use.isText = use.isText || other.isText;
+  use.isOrdered = use.isOrdered || other.isOrdered;
+  use.isReckoned = use.isReckoned || other.isReckoned;
+  use.isFigure = use.isFigure || other.isFigure;
+}
 
 void noteUses(const CompiledExpression& expression, ExpressionPurpose purpose, NameUses& uses) {
   std::vector<Node> stack;
@@ -153,7 +171,7 @@ Candidates candidatesFor(const NameDomain& domain, const NameUse& use, uint64_t 
     if (use.isReckoned || use.isText) out.isComplete = false;
   }
   addTexts(values, use, out);
-  if (values.isAll() && (use.isText || use.isOrdered)) out.isComplete = false;
+  if (values.isAll() && use.isText) out.isComplete = false;
   if (values.isAll() && use.isFigure) addStandards(out);
   return out;
 }

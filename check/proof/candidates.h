@@ -32,6 +32,10 @@ inline ExpressionPurpose purposeOf(const Wish& wish) {
   return wish.result >= WANT_TEXT ? FOR_VALUE : FOR_TRUTH;
 }
 
+/// Notes that a name is told from its neighbours by a number.
+void noteNumber(int32_t number, NameUse& use);
+/// Adds another use of the name to `use`.
+void addUse(const NameUse& other, NameUse& use);
 /// Adds to `uses` how `expression` uses each of its names.
 void noteUses(const CompiledExpression& expression, ExpressionPurpose purpose, NameUses& uses);
 

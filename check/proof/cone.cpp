@@ -8,15 +8,6 @@
 
 namespace {
 
-void addUse(const NameUse& use, NameUse& out) {
-  out.numbers.insert(use.numbers.begin(), use.numbers.end());
-  out.texts.insert(use.texts.begin(), use.texts.end());
-  out.isText = out.isText || use.isText;
-  out.isOrdered = out.isOrdered || use.isOrdered;
-  out.isReckoned = out.isReckoned || use.isReckoned;
-  out.isFigure = out.isFigure || use.isFigure;
-}
-
 // How a definition uses each name, for what it takes and whether it is there.
 void noteUsesIn(const Subject& subject, NameUses& uses) {
   for (const auto* statements : {&subject.rangeValid, &subject.ctrlValid}) {
@@ -85,6 +76,12 @@ void Cone::add(const VariableSource& source, const Reader& reader) {
   Work::add(WORK_PER_REFERENCE);
   if (!places_.try_emplace({source.parm, indices}, instances_.size()).second) return;
   instances_.push_back({source.parm, std::move(indices)});
+}
+
+std::vector<std::string> Cone::names() const {
+  std::vector<std::string> names;
+  for (const ConeInstance& instance : instances_) names.push_back(instance.name());
+  return names;
 }
 
 const ConeInstance* Cone::find(const VariableSource& source, const Reader& reader) const {

@@ -25,6 +25,8 @@ class Cone {
   /// Each after what it follows.
   [[nodiscard]] std::vector<ConeInstance>& instances() { return instances_; }
   [[nodiscard]] const std::vector<ConeInstance>& instances() const { return instances_; }
+  /// Their full names.
+  [[nodiscard]] std::vector<std::string> names() const;
   /// The instance that `reader` reads under the name of a parameter, or null.
   [[nodiscard]] const ConeInstance* find(const VariableSource& source, const Reader& reader) const;
   /// Whether two parameters in it refer to each other, or one to itself, by their indices as well.

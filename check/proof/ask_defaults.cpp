@@ -2,6 +2,7 @@
 
 #include "check/proof/present_value.h"
 #include "check/proof/questions.h"
+#include "check/proof/resting.h"
 #include "check/proof/setter.h"
 #include "check/proof/start_order.h"
 #include "database/gather.h"
@@ -144,6 +145,8 @@ class DefaultsOfTheStart {
       finding.witness.emplace_back(fullName(instance.parm->parm.name(), instance.indices),
                                    instance.parm->parm.committedText(instance.indices));
     }
+    // What does not come to rest is told of that.
+    if (!restAfterStart(order.names, database_, proof_.deadline())) return false;
     proof_.add(std::move(finding));
     return true;
   }

@@ -1,8 +1,8 @@
 #include <algorithm>
 
 #include "check/proof/questions.h"
-#include "check/proof/replay.h"
 #include "check/proof/resting.h"
+#include "check/proof/ring_states.h"
 #include "check/proof/start_order.h"
 #include "sw/parm/parm_name.h"
 
@@ -41,7 +41,29 @@ class Ring {
     ConfinedCommits commits(order_.names, database_);
     // What the start itself does not bring to rest is told of the start.
     if (findingAfter({}, commits)) return std::nullopt;
-    return searchChanges(commits);
+    std::optional<Finding> finding;
+    return walk(finding, instances.front()) ? finding : searchChanges(commits);
+  }
+
+  // Looks at all that changes can lead to. Returns false where that is too much.
+  bool walk(std::optional<Finding>& finding, const IndexTuple& indices) {
+    Goal goal{&subject_};
+    goal.dependsOnRanges = true;
+    const std::function<bool(const IndexTuple&)> nothing;
+    const HealthyQuestion question{goal, proof_.text(), proof_.domains(), nothing};
+    const Reader reader(subject_.parm, indices, indices.size());
+    Attempt attempt(question, reader);
+    attempt.cone().noteUses(goal, proof_.text());
+    const std::vector<std::string> names = attempt.cone().names();
+    const WalkEnd end = walkRingStates(attempt, proof_.deadline(), [&](const Commits& commits) {
+      finding = findingIn(names);
+      if (!finding) return false;
+      for (const NamedValues& together : commits) {
+        finding->witness.insert(finding->witness.end(), together.begin(), together.end());
+      }
+      return true;
+    });
+    return end != WALK_CUT && isAsked_;
   }
 
   // Whether another finding tells why something does not rest.
@@ -89,12 +111,17 @@ class Ring {
   std::optional<Finding> findingAfter(const NamedValues& moves, ConfinedCommits& commits) {
     ++situations_;
     if (!commits.moveFromDefaults(moves)) return std::nullopt;
-    const NamedValues before = heldValues(order_.names, database_);
-    if (!commitAgain(before, proof_)) isAsked_ = false;
-    const Motions motions = motionsBetween(before, heldValues(order_.names, database_));
-    std::optional<Finding> finding = findRestless(proof_.text(), motions, "here");
+    std::optional<Finding> finding = findingIn(order_.names);
     if (finding) finding->witness = moves;
     return finding;
+  }
+
+  // What of `names` does not rest in what is set now, if anything.
+  std::optional<Finding> findingIn(const std::vector<std::string>& names) {
+    const NamedValues before = heldValues(names, database_);
+    if (!commitAgain(before, database_, proof_.deadline())) isAsked_ = false;
+    const Motions motions = motionsBetween(before, heldValues(names, database_));
+    return findRestless(proof_.text(), motions, "here");
   }
 
   Proof& proof_;

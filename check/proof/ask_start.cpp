@@ -1,12 +1,11 @@
 #include <algorithm>
-#include <span>
 
 #include "check/proof/questions.h"
+#include "check/proof/replay.h"
 #include "check/proof/resting.h"
+#include "check/proof/start_order.h"
 #include "check/static/token_place.h"
-#include "database/commit.h"
 #include "database/index_values.h"
-#include "database/transaction.h"
 #include "sw/parm/parm_name.h"
 
 namespace {
@@ -40,7 +39,7 @@ class Start {
     database_.forgetValues();
     resetAll();
     const NamedValues started = heldValues(names_, database_);
-    if (!commitAgain(started, proof_)) isAsked_ = false;
+    if (!commitAgain(started, database_, proof_.deadline())) isAsked_ = false;
     Motions motions = motionsBetween(started, heldValues(names_, database_));
     // A round that was cut short leaves what it has not come to.
     if (proof_.isOver()) {
@@ -52,8 +51,7 @@ class Start {
   }
 
   void resetAll() {
-    // Plain names first, each level after what it follows: so no value is judged too early.
-    std::map<std::pair<bool, uint32_t>, std::vector<std::string>> rounds;
+    std::map<StartRound, std::vector<std::string>> rounds;
     uint64_t left = MANY_INSTANCES_IN_ALL;
     for (const Subject& subject : proof_.text().subjects()) {
       if (subject.parm == nullptr) continue;
@@ -63,33 +61,14 @@ class Start {
         continue;
       }
       left -= count;
-      auto& round = rounds[{!subject.parm->parm.indices().empty(), subject.parm->level}];
+      auto& round = rounds[startRoundOf(*subject.parm)];
       forEachInstance(database_, subject.parm->parm, [&](const IndexTuple& indices) {
         round.push_back(fullName(subject.name(), indices));
       });
     }
     for (const auto& [order, names] : rounds) {
       names_.insert(names_.end(), names.begin(), names.end());
-      if (!proof_.isOver()) reset(names);
-    }
-  }
-
-  int resetAndCommit(std::span<const std::string> names) {
-    Transaction transaction(database_);
-    for (const std::string& name : names) static_cast<void>(transaction.reset(name, true));
-    std::vector<Change> changes;
-    const int result = commit(transaction, changes);
-    if (result == COMMIT_TOO_LARGE) isAsked_ = false;
-    return result;
-  }
-
-  // Where one instance fails, or does not exist, a commit leaves out others of its level: then each
-  // is reset alone.
-  void reset(const std::vector<std::string>& names) {
-    const int result = resetAndCommit(names);
-    if (result == COMMIT_DONE || result == COMMIT_TOO_LARGE) return;
-    for (const std::string& name : names) {
-      if (!proof_.isOver()) static_cast<void>(resetAndCommit({&name, 1}));
+      if (!proof_.isOver() && !resetTogether(names, database_, proof_.deadline())) isAsked_ = false;
     }
   }
 

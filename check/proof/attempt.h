@@ -24,6 +24,7 @@ class TrialLimit {
  public:
   TrialLimit(size_t count, const Deadline& deadline) : left_(count), deadline_(deadline) {}
 
+  [[nodiscard]] const Deadline& deadline() const { return deadline_; }
   /// Whether no time is left.
   [[nodiscard]] bool isOver() const { return deadline_.isOver(); }
   void take(size_t count) { left_ -= std::min(left_, count); }
@@ -56,6 +57,17 @@ class Attempt {
   bool isMet();
   /// Whether each instance of the cone has a value, and keeps it.
   bool isHealthy();
+  /// Whether an instance is there, with a value or without.
+  bool isThere(const ConeInstance& instance);
+  /// Whether each instance of the cone that is there has a value, and keeps it.
+  bool isAtRest();
+  /// What an instance may hold: what its definition allows just now.
+  NameDomain presentDomain(const ConeInstance& instance);
+  /// Whether an instance takes every value there though it has ranges: one of them has no values,
+  /// or none counts.
+  static bool isStray(const ConeInstance& instance, const NameDomain& present);
+  /// Whether any other instance does than those of the goal's own parameter.
+  bool isAstray();
   /// What each instance of the cone holds.
   [[nodiscard]] NamedValues situation() const;
 

@@ -55,6 +55,11 @@ struct Subject {
   [[nodiscard]] const std::string& name() const { return definition().name(); }
 };
 
+/// The place of a definition's name.
+inline TextPlace placeOfName(const Subject& subject) {
+  return {subject.at.line, subject.at.column, static_cast<uint32_t>(subject.name().size())};
+}
+
 /// Calls `visit` with each expression of an item, a statement, or all statements of a subject.
 template <typename Visit>
 void forEachExpression(const CompiledItem& item, const Visit& visit) {

@@ -4,10 +4,7 @@
 #include <set>
 
 #include "check/proof/cone_solver.h"
-#include "check/proof/replay.h"
 #include "check/proof/ring_walk.h"
-#include "database/gather.h"
-#include "sw/parm/present_bounds.h"
 
 namespace {
 
@@ -48,10 +45,9 @@ class Search {
       return;
     }
     ConeInstance& instance = cone_[place];
-    if (!isThere(instance)) return leaveOut(place);
-    instance.present = presentDomain(instance);
-    const bool isStray =
-        instance.present->values.isAll() && !instance.parm->parm.conditionalBounds().empty();
+    if (!attempt_.isThere(instance)) return leaveOut(place);
+    instance.present = attempt_.presentDomain(instance);
+    const bool isStray = Attempt::isStray(instance, *instance.present);
     hasStrayed_ = hasStrayed_ || isStray;
     if ((goesAstray_ || !isStray) && isWithinReach()) setEach(place);
     Setter::unset(*instance.parm, instance.indices);
@@ -75,13 +71,6 @@ class Search {
     }
   }
 
-  // Whether it is there in the situation that is set so far.
-  bool isThere(const ConeInstance& instance) {
-    std::string value;
-    const SetCode code = attempt_.setter().set(*instance.parm, instance.indices, value, true);
-    return code != SET_NOT_STORED && code != SET_INVALID_INDEX;
-  }
-
   // Goes on without an instance that is not there. What others follow of it is not known.
   void leaveOut(size_t place) {
     if (isMetByAbsent_ || !isWithinReach()) return;
@@ -101,26 +90,6 @@ class Search {
   // What a correction has left need not be accepted, where it is the source of a translation.
   bool stays(const ConeInstance& instance) {
     return attempt_.setter().stays(*instance.parm, instance.indices);
-  }
-
-  // What an instance may hold in the situation that is set so far.
-  NameDomain presentDomain(const ConeInstance& instance) {
-    const ParmDef& parm = instance.parm->parm;
-    NameDomain present;
-    if (parm.conditionalBounds().empty()) {
-      present.values.add(parm.baseBounds());
-      return present;
-    }
-    const Situation situation =
-        gatherBound(*instance.parm, instance.indices, attempt_.setter().staged());
-    const PresentBounds bounds(parm.conditionalBounds(), situation, UNUSABLE_ACCEPTS);
-    const bool isOpen = std::any_of(bounds.applying().begin(), bounds.applying().end(),
-                                    [](const BoundsParm* one) { return one->count() == 0; });
-    if (isOpen || bounds.applying().empty()) present.values.add(parm.baseBounds());
-    for (const BoundsParm* one : bounds.applying()) {
-      if (one->count() > 0) present.values.add(*one);
-    }
-    return present;
   }
 
   // Whether the goal may be met, with what is set and with anything else as it may be at all.
@@ -167,7 +136,10 @@ class HealthyTrials {
     isImpossible = isImpossible && !limit_.isReached();
     // The solver does not know what else is asked of the situation.
     if (!found_ && !isImpossible && !question_.isMet) isImpossible = solveForAll();
-    if (found_) return {VERDICT_POSSIBLE, *std::move(found_), tried_->indices(), isAstray_};
+    if (found_) {
+      return {VERDICT_POSSIBLE,   *std::move(found_), tried_->indices(), isAstray_, false,
+              std::move(commits_)};
+    }
     if (!isImpossible) return {VERDICT_UNDECIDED, {}, {}, isAstray_};
     return {VERDICT_IMPOSSIBLE, {}, {}, isAstray_, isMetByAbsent_};
   }
@@ -193,10 +165,12 @@ class HealthyTrials {
   }
 
   bool tryRing(Attempt& attempt) {
-    NamedValues situation;
-    const RingWalkResult result = walkFromDefaults(attempt, limit_, situation);
-    if (result == RING_MEETS_GOAL) found_ = std::move(situation);
-    return result == RING_NEVER_MEETS_IT;
+    HealthyResult result = walkFromDefaults(attempt, limit_);
+    isAstray_ = result.isAstray;
+    isMetByAbsent_ = isMetByAbsent_ || result.isMetByAbsent;
+    if (result.verdict == VERDICT_POSSIBLE) found_ = std::move(result.witness);
+    commits_ = std::move(result.commits);
+    return result.verdict == VERDICT_IMPOSSIBLE;
   }
 
   // Leaves it to the solver, for each reader. What that says is possible is tried on the engine.
@@ -244,6 +218,7 @@ class HealthyTrials {
   bool isMetByAbsent_ = false;
   bool isAstray_ = false;  // whether some instance may go astray, and nothing else is known
   std::optional<NamedValues> found_;
+  Commits commits_;  // those of `found_`, if need be
 };
 
 }  // namespace
@@ -253,6 +228,8 @@ HealthyResult findHealthy(const Goal& goal, const CompiledText& text, Domains& d
                           const Deadline& deadline, SolverBudget* budget) {
   const HealthyQuestion question{goal, text, domains, isMet, budget};
   HealthyResult result = HealthyTrials(question, deadline).run();
-  if (result.verdict == VERDICT_POSSIBLE && !replay(result.witness, text.database())) return {};
+  const bool isReplayed =
+      result.verdict != VERDICT_POSSIBLE || replay(result.witness, text.database(), result.commits);
+  if (!isReplayed) return {};
   return result;
 }

@@ -4,6 +4,7 @@
 
 #include "check/proof/anywhere.h"
 #include "check/proof/deadline.h"
+#include "check/proof/replay.h"
 
 /// What findHealthy() finds out.
 struct HealthyResult {
@@ -19,6 +20,10 @@ struct HealthyResult {
   /// Of VERDICT_IMPOSSIBLE: whether the goal may be met all the same where something that matters
   /// for it is not there, and holds what it held before, or nothing. A device rests like that, too.
   bool isMetByAbsent = false;
+
+  /// Of VERDICT_POSSIBLE: what leads there from the defaults, where setting one value after the
+  /// other need not.
+  Commits commits = {};
 
   /// The verdict on a device that rests, be everything there or not.
   [[nodiscard]] Verdict atRest() const { return isMetByAbsent ? VERDICT_POSSIBLE : verdict; }

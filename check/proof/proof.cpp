@@ -154,10 +154,6 @@ TextPlace placeOf(const SourceText& source, const Expression& expression) {
   return {first.at.line, first.at.column, end - first.at.column};
 }
 
-TextPlace placeOfName(const Subject& subject) {
-  return {subject.at.line, subject.at.column, static_cast<uint32_t>(subject.name().size())};
-}
-
 TextPlace placeOf(const StatementLayout& statement) {
   return {statement.extent.from.line, statement.extent.from.column,
           static_cast<uint32_t>(statement.keyword.size())};

@@ -42,6 +42,7 @@ class Proof {
                               const std::function<bool(const Finding&)>& is) const;
   /// Whether a finding of `code` names one of the values of `witness` already.
   [[nodiscard]] bool isTold(std::string_view code, const NamedValues& witness) const;
+  [[nodiscard]] const Deadline& deadline() const { return limits_.deadline; }
   /// Whether no more is to be asked. What is asked nevertheless is not decided.
   [[nodiscard]] bool isOver() const { return limits_.deadline.isOver(); }
   /// Runs a question, which may spend `units` of work. Returns whether it came to its end, with the
@@ -88,7 +89,5 @@ class Proof {
 
 /// The place of all tokens of an expression of `source` on the line of its first one.
 TextPlace placeOf(const SourceText& source, const Expression& expression);
-/// The place of a definition's name.
-TextPlace placeOfName(const Subject& subject);
 /// The place of a statement's keyword.
 TextPlace placeOf(const StatementLayout& statement);

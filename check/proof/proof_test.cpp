@@ -170,7 +170,21 @@ TEST(Proofs, Decide) {
       // A range that is empty while the partner's staged value is seen, as its end wraps around.
       {"a rw { rangeValid { (b + 1) } default { 1 } }\n"
        "b rw { rangeValid { 0..(3 - a) } default { 1 } }\n",
-       {"overflow", "overflow"}}};
+       {"overflow"}},
+      // Small rings are walked through; where both are set together, each carries the other.
+      {"a rw { rangeValid (b == 0) { 0 } rangeValid (b == 1) { 1 } default { 0 } }\n"
+       "b rw { rangeValid (a == 0) { 0 } rangeValid (a == 1) { 1 } default { 0 } }\n",
+       {}},
+      {"a rw { rangeValid (b < 5) { 0..4 } rangeValid (b >= 5) { 5..9 } default { 0 } }\n"
+       "b rw { rangeValid (a < 5) { 0..4 } rangeValid (a >= 5) { 5..9 } default { 0 } }\n",
+       {}},
+      {"a rw { rangeValid { 0..9 } default { 0 } ctrlValid (b) }\n"
+       "b rw { rangeValid { 0..9 } default { 0 } ctrlValid (a) }\n",
+       {}},
+      // One that does not rest after the start has no other situations to tell of.
+      {"a rw { rangeValid { (b + 1)..10 } default { 5 } }\n"
+       "b rw { rangeValid { (a + 1)..10 } default { 5 } }\n",
+       {"unsettled"}}};
   for (const auto& [text, codes] : cases) {
     const Proved proved(text);
     EXPECT_EQ(codesOf(proved.findings), codes) << text;

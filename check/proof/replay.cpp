@@ -1,8 +1,10 @@
 #include "check/proof/replay.h"
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
+#include "check/proof/start_order.h"
 #include "database/commit.h"
 #include "database/transaction.h"
 
@@ -14,7 +16,25 @@ void commitAll(Transaction& transaction) {
   static_cast<void>(commit(transaction, changes));
 }
 
+int resetAndCommit(std::span<const std::string> names, Database& database) {
+  Transaction transaction(database);
+  for (const std::string& name : names) static_cast<void>(transaction.reset(name, true));
+  std::vector<Change> changes;
+  return commit(transaction, changes);
+}
+
 }  // namespace
+
+bool resetTogether(std::span<const std::string> names, Database& database,
+                   const Deadline& deadline) {
+  const int result = resetAndCommit(names, database);
+  if (result == COMMIT_DONE || result == COMMIT_TOO_LARGE) return result == COMMIT_DONE;
+  bool areDone = true;
+  for (size_t i = 0; i < names.size() && !deadline.isOver(); ++i) {
+    areDone = resetAndCommit(names.subspan(i, 1), database) != COMMIT_TOO_LARGE && areDone;
+  }
+  return areDone;
+}
 
 ConfinedCommits::ConfinedCommits(const std::vector<std::string>& names, Database& database)
     : database_(database), names_(names) {
@@ -53,29 +73,44 @@ void ConfinedCommits::forgetValues() {
 }
 
 bool ConfinedCommits::moveFromDefaults(const NamedValues& moves) {
+  Commits commits;
+  for (const auto& move : moves) commits.push_back({move});
+  return commitFromDefaults(commits);
+}
+
+bool ConfinedCommits::commitFromDefaults(const Commits& commits) {
   forgetValues();
-  for (const std::string& name : names_) {
+  for (const std::string& name : names_) static_cast<void>(resetAndCommit({&name, 1}, database_));
+  return std::ranges::all_of(commits, [&](const NamedValues& together) {
     Transaction transaction(database_);
-    static_cast<void>(transaction.reset(name, true));
-    commitAll(transaction);
-  }
-  return std::all_of(moves.begin(), moves.end(), [&](const auto& move) {
-    Transaction transaction(database_);
-    if (transaction.set(move.first, move.second, true) != STAGE_DONE) return false;
-    commitAll(transaction);
-    return true;
+    const bool isStaged = std::ranges::all_of(together, [&](const auto& move) {
+      return transaction.set(move.first, move.second, true) == STAGE_DONE;
+    });
+    if (isStaged) commitAll(transaction);
+    return isStaged;
   });
 }
 
-bool replay(const NamedValues& witness, Database& database) {
+void ConfinedCommits::start() {
+  forgetValues();
+  std::map<StartRound, std::vector<std::string>> rounds;
+  for (const std::string& name : names_) {
+    rounds[startRoundOf(*database_.findNamed(name))].push_back(name);
+  }
+  for (const auto& [order, names] : rounds) static_cast<void>(resetTogether(names, database_));
+}
+
+bool replay(const NamedValues& witness, Database& database, const Commits& commits) {
   std::vector<std::string> names;
   names.reserve(witness.size());
   for (const auto& [name, value] : witness) names.push_back(name);
+  ConfinedCommits confined(names, database);
   // Values that hold each other may need a second round.
   NamedValues moves = witness;
   moves.insert(moves.end(), witness.begin(), witness.end());
-  ConfinedCommits commits(names, database);
-  if (!commits.moveFromDefaults(moves)) return false;
+  const bool isThere =
+      commits.empty() ? confined.moveFromDefaults(moves) : confined.commitFromDefaults(commits);
+  if (!isThere) return false;
   const Transaction reader(database);
   return std::all_of(witness.begin(), witness.end(), [&](const auto& pair) {
     const std::string* const held = reader.find(pair.first);

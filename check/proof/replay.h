@@ -2,11 +2,22 @@
 // defaults.
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
+#include "check/proof/deadline.h"
 #include "check/text/finding.h"
 #include "database/database.h"
+
+/// What is set together, in one commit after the other.
+using Commits = std::vector<NamedValues>;
+
+/// Resets `names` in one commit. Where one instance fails, or does not exist, a commit leaves out
+/// others of its level: then each is reset alone, up to `deadline`. Returns false where they are
+/// too many for a commit.
+bool resetTogether(std::span<const std::string> names, Database& database,
+                   const Deadline& deadline = {});
 
 /// While it lives, a commit judges of all parameters only some: what depends on them besides is
 /// left alone, as it is where nobody has given it a value.
@@ -23,6 +34,11 @@ class ConfinedCommits {
   /// `moves`, which are names of theirs. Returns whether every move could be staged; what became of
   /// it is to be read.
   bool moveFromDefaults(const NamedValues& moves);
+  /// Takes away the values of the parameters, and resets `names` as a start does: those of one
+  /// level together.
+  void start();
+  /// As moveFromDefaults(), with what is set together.
+  bool commitFromDefaults(const Commits& commits);
 
  private:
   void confine(std::vector<ParmEntry*>& dependents, uint32_t walk);
@@ -35,6 +51,6 @@ class ConfinedCommits {
   std::vector<std::pair<std::vector<ParmEntry*>*, std::vector<ParmEntry*>>> confined_;
 };
 
-/// Sets the values of a witness, and takes them away again. Returns whether every value is kept and
-/// stays.
-bool replay(const NamedValues& witness, Database& database);
+/// Sets the values of a witness by `commits`, or one by one where there are none, and takes them
+/// away again. Returns whether every value is kept and stays.
+bool replay(const NamedValues& witness, Database& database, const Commits& commits = {});

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "check/proof/replay.h"
 #include "database/commit.h"
 #include "database/transaction.h"
 #include "sw/parm/parm_name.h"
@@ -50,18 +51,26 @@ NamedValues heldValues(const std::vector<std::string>& names, Database& database
   return values;
 }
 
-bool commitAgain(const NamedValues& values, const Proof& proof) {
-  Database& database = proof.text().database();
+bool commitAgain(const NamedValues& values, Database& database, const Deadline& deadline) {
   std::map<uint32_t, Pairs> levels;
   for (const auto& pair : values) {
     if (!pair.second.empty()) levels[database.findNamed(pair.first)->level].push_back(&pair);
   }
   bool areDone = true;
   for (const auto& [level, pairs] : levels) {
-    if (proof.isOver()) break;
+    if (deadline.isOver()) break;
     areDone = commitTogether(pairs, database) && areDone;
   }
   return areDone;
+}
+
+bool restAfterStart(const std::vector<std::string>& names, Database& database,
+                    const Deadline& deadline) {
+  ConfinedCommits commits(names, database);
+  commits.start();
+  const NamedValues started = heldValues(names, database);
+  static_cast<void>(commitAgain(started, database, deadline));
+  return heldValues(names, database) == started;
 }
 
 Motions motionsBetween(const NamedValues& before, const NamedValues& after) {

@@ -7,14 +7,21 @@
 #include <string_view>
 #include <vector>
 
-#include "check/proof/proof.h"
+#include "check/proof/compiled_text.h"
+#include "check/proof/deadline.h"
+#include "check/text/finding.h"
 
 /// What each of `names` holds now, in their order; the empty text where it was never stored.
 NamedValues heldValues(const std::vector<std::string>& names, Database& database);
 
 /// Sets everything that is not empty to what it holds, in one commit of each level, up to the
-/// deadline of `proof`. Returns whether no commit was too large.
-bool commitAgain(const NamedValues& values, const Proof& proof);
+/// deadline. Returns whether no commit was too large.
+bool commitAgain(const NamedValues& values, Database& database, const Deadline& deadline);
+
+/// Whether `names`, which between them have all that they depend on, stay as they are after a
+/// start. All their values are unset afterwards.
+bool restAfterStart(const std::vector<std::string>& names, Database& database,
+                    const Deadline& deadline);
 
 /// An instance that does not rest.
 struct Motion {

@@ -3,17 +3,50 @@
 #include <set>
 
 #include "check/proof/replay.h"
+#include "check/proof/resting.h"
+#include "check/proof/ring_states.h"
 
 namespace {
 
 constexpr size_t MAX_MOVES = 3;
 
+// What a walk has come across.
+class Visits {
+ public:
+  explicit Visits(Attempt& attempt) : attempt_(attempt) {}
+
+  // Looks at what is set now, where `commits` have led. Returns whether it is what is looked for.
+  bool visit(const Commits& commits) {
+    if (!attempt_.isMet()) return false;
+    if (!attempt_.isHealthy()) {
+      isMetByAbsent_ = isMetByAbsent_ || attempt_.isAtRest();
+      return false;
+    }
+    const bool isAstray = attempt_.isAstray();
+    if (isAstray && best_.isAstray) return false;
+    best_ = {VERDICT_POSSIBLE, attempt_.situation(), {}, isAstray, false, commits};
+    return !isAstray;
+  }
+
+  // With whether every situation was visited.
+  HealthyResult result(bool areAll) && {
+    if (best_.verdict == VERDICT_POSSIBLE) return std::move(best_);
+    return {areAll ? VERDICT_IMPOSSIBLE : VERDICT_UNDECIDED, {}, {}, false, isMetByAbsent_};
+  }
+
+ private:
+  Attempt& attempt_;
+  HealthyResult best_;
+  bool isMetByAbsent_ = false;
+};
+
+// Some situations of a ring: a few changes after the defaults, one after the other.
 class RingWalk {
  public:
-  RingWalk(Attempt& attempt, TrialLimit& limit, ConfinedCommits& commits)
-      : attempt_(attempt), limit_(limit), commits_(commits) {}
+  RingWalk(Attempt& attempt, TrialLimit& limit, ConfinedCommits& commits, Visits& visits)
+      : attempt_(attempt), limit_(limit), commits_(commits), visits_(visits) {}
 
-  RingWalkResult run(NamedValues& situation) {
+  void run() {
     std::set<NamedValues> seen;
     std::vector<NamedValues> open = {{}};
     for (size_t next = 0; next < open.size() && !limit_.isReached(); ++next) {
@@ -21,14 +54,10 @@ class RingWalk {
       if (!commits_.moveFromDefaults(moves)) continue;
       NamedValues reached = attempt_.situation();
       limit_.take(reached.size());
-      const bool isNew = seen.insert(reached).second;
-      if (isNew && attempt_.isHealthy() && attempt_.isMet()) {
-        situation = std::move(reached);
-        return RING_MEETS_GOAL;
-      }
-      if (isNew && moves.size() < MAX_MOVES) addMoves(moves, open);
+      if (!seen.insert(std::move(reached)).second) continue;
+      if (visits_.visit({})) return;
+      if (moves.size() < MAX_MOVES) addMoves(moves, open);
     }
-    return RING_UNDECIDED;
   }
 
  private:
@@ -49,13 +78,8 @@ class RingWalk {
   Attempt& attempt_;
   TrialLimit& limit_;
   ConfinedCommits& commits_;
+  Visits& visits_;
 };
-
-std::vector<std::string> namesOf(const Cone& cone) {
-  std::vector<std::string> names;
-  for (const ConeInstance& instance : cone.instances()) names.push_back(instance.name());
-  return names;
-}
 
 // Whether intervals leave the goal possible, with all that can follow from the defaults.
 bool mayMeetGoal(const Attempt& attempt, const DomainsByName& least) {
@@ -73,7 +97,7 @@ bool mayMeetGoal(const Attempt& attempt, const DomainsByName& least) {
 }  // namespace
 
 std::optional<DomainsByName> ringDomains(Attempt& attempt) {
-  const std::vector<std::string> names = namesOf(attempt.cone());
+  const std::vector<std::string> names = attempt.cone().names();
   ConfinedCommits commits(names, attempt.question().text.database());
   static_cast<void>(commits.moveFromDefaults({}));
   DomainsByName start;
@@ -84,13 +108,21 @@ std::optional<DomainsByName> ringDomains(Attempt& attempt) {
   return attempt.question().domains.leastOf(start);
 }
 
-RingWalkResult walkFromDefaults(Attempt& attempt, TrialLimit& limit, NamedValues& situation) {
+HealthyResult walkFromDefaults(Attempt& attempt, TrialLimit& limit) {
+  const std::vector<std::string> names = attempt.cone().names();
+  Database& database = attempt.question().text.database();
+  if (!restAfterStart(names, database, limit.deadline())) return {VERDICT_UNDECIDED, {}, {}, true};
   // What more is asked may hold where the goal alone does not tell.
   if (!attempt.question().isMet) {
     const std::optional<DomainsByName> least = ringDomains(attempt);
-    if (least && !mayMeetGoal(attempt, *least)) return RING_NEVER_MEETS_IT;
+    if (least && !mayMeetGoal(attempt, *least)) return {VERDICT_IMPOSSIBLE};
   }
-  const std::vector<std::string> names = namesOf(attempt.cone());
-  ConfinedCommits commits(names, attempt.question().text.database());
-  return RingWalk(attempt, limit, commits).run(situation);
+  Visits ofAll(attempt);
+  const WalkEnd end = walkRingStates(attempt, limit.deadline(),
+                                     [&](const Commits& commits) { return ofAll.visit(commits); });
+  if (end != WALK_CUT) return std::move(ofAll).result(end == WALK_COMPLETE);
+  ConfinedCommits commits(names, database);
+  Visits ofSome(attempt);
+  RingWalk(attempt, limit, commits, ofSome).run();
+  return std::move(ofSome).result(false);
 }

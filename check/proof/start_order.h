@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "database/dependencies.h"
@@ -12,6 +13,13 @@ struct StartOrder {
   std::vector<Instance> instances = {};  ///< each after what it follows; some may be incomplete
   std::vector<std::string> names = {};   ///< of those that are complete
 };
+
+/// What a start resets together: plain names first, each level after what it follows. So no value
+/// is judged too early.
+using StartRound = std::pair<bool, uint32_t>;
+inline StartRound startRoundOf(const ParmEntry& parm) {
+  return {!parm.parm.indices().empty(), parm.level};
+}
 
 /// Up to `most` instances of a parameter: of each index all values where there are few, else some
 /// ends of its ranges. None where an index has no values.

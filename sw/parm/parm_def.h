@@ -170,8 +170,8 @@ class ParmDef final : public IndexDef {
   /// The text of committed(), empty where that is null. Valid as long as the definition stays where
   /// it is and the value is not set.
   [[nodiscard]] const std::string& committedText(const IndexTuple& indices) const;
-  /// Stores `value`, unchecked, as the value of an instance. For tests: the daemon stores by
-  /// setValue().
+  /// Stores `value`, unchecked, as the value of an instance. For tests and tools: the daemon stores
+  /// by setValue().
   void store(const IndexTuple& indices, const std::string& value);
   /// The value of an instance, which is added with the empty text where it was never stored. The
   /// reference is valid as long as the definition stays where it is. Where memory runs out

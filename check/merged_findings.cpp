@@ -75,13 +75,17 @@ Findings MergedFindings::merged() const {
   return findings;
 }
 
-// Whether a graver finding says the same and more: of a default with a name that is misspelt.
+// Whether a graver finding says the same and more: of a default with a name that is misspelt, or
+// that is translated to one that no range allows.
 bool MergedFindings::isSwallowed(const Entry& entry) const {
-  if (entry.finding.code != "unknown-standard") return false;
+  const std::string_view code = entry.finding.code;
+  if (code != "unknown-standard" && code != "translation") return false;
   return std::ranges::any_of(entries_, [&](const auto& other) {
     const Finding& finding = other.second.finding;
-    return finding.code == "default-outside" && finding.at == entry.finding.at &&
-           isFound(other.second);
+    return finding.code == "default-outside" && isFound(other.second) &&
+           std::ranges::any_of(finding.related, [&](const RelatedPlace& related) {
+             return related.at == entry.finding.at && related.text == entry.finding.text;
+           });
   });
 }
 

@@ -162,18 +162,20 @@ TEST(MergedFindings, KeepWhatSaysMost) {
   }
 }
 
-TEST(MergedFindings, TellOfAMisspeltDefaultOnce) {
+TEST(MergedFindings, TellOfADefaultAndItsCauseOnce) {
   const ConstantChoices none;
-  Findings findings;
-  findings.add({"unknown-standard", {1, 2, 3}, "selects nothing"});
-  findings.add({"unknown-standard", {2, 2, 3}, "selects nothing"});
-  findings.add({"default-outside", {1, 2, 3}, "is not kept"});
-  MergedFindings merged(none);
-  merged.addVariant(true, findings);
-  const std::vector<Finding> all = merged.merged().inTextOrder();
-  ASSERT_EQ(all.size(), 2U);
-  EXPECT_EQ(all[0].code, "default-outside");
-  EXPECT_EQ(all[1].code, "unknown-standard");
+  for (const char* const cause : {"unknown-standard", "translation"}) {
+    Findings findings;
+    findings.add({cause, {1, 2, 3}, "selects nothing"});
+    findings.add({cause, {2, 2, 3}, "selects nothing"});
+    findings.add({"default-outside", {4, 2, 3}, "is not kept", {{{1, 2, 3}, "selects nothing"}}});
+    MergedFindings merged(none);
+    merged.addVariant(true, findings);
+    const std::vector<Finding> all = merged.merged().inTextOrder();
+    ASSERT_EQ(all.size(), 2U);
+    EXPECT_EQ(all[0].at.line, 2U);
+    EXPECT_EQ(all[1].code, "default-outside");
+  }
 }
 
 }  // namespace

@@ -11,10 +11,11 @@ using Statements = std::vector<const CompiledStatement*>;
 // parameter, though each of them does.
 class Controls {
  public:
-  Controls(Proof& proof, const Subject& subject) : proof_(proof), subject_(subject) {}
+  Controls(Proof& proof, Explained& explained, const Subject& subject)
+      : proof_(proof), explained_(explained), subject_(subject) {}
 
-  void ask(const Explained& explained) {
-    if (!isAskable(subject_.ctrlValid, explained) || !isAskable(subject_.ctrlRO, explained)) return;
+  void ask() {
+    if (!isAskable(subject_.ctrlValid) || !isAskable(subject_.ctrlRO)) return;
     const bool isNeverThere = subject_.ctrlValid.size() > 1 && askAvailability();
     if (!isNeverThere && subject_.parm != nullptr && subject_.record->access == ACCESS_RW) {
       askLock();
@@ -23,12 +24,11 @@ class Controls {
 
  private:
   // Whether nothing is told of them, and none is decided when the text is read: that may be meant.
-  static bool isAskable(const std::vector<CompiledStatement>& statements,
-                        const Explained& explained) {
+  [[nodiscard]] bool isAskable(const std::vector<CompiledStatement>& statements) const {
     return std::ranges::all_of(statements, [&](const CompiledStatement& statement) {
       return statement.condition && !statement.condition->sources.empty() &&
-             !explained.explains(statement) && !explained.dead.contains(&statement) &&
-             !explained.told.contains(&statement);
+             !explained_.explains(statement) && !explained_.dead.contains(&statement) &&
+             !explained_.told.contains(&statement);
     });
   }
 
@@ -73,13 +73,14 @@ class Controls {
     const Statements statements = all(subject_.ctrlValid);
     const auto [verdict, isSettled] = decide(isOpen(statements, {}));
     if (verdict == VERDICT_POSSIBLE) return false;
-    tell("never-true",
-         verdict == VERDICT_UNDECIDED
-             ? statements
-             : fewest(statements,
-                      [&, isSettled = isSettled](const Statements& some) {
-                        return verdictOf(isOpen(some, {}), isSettled) == VERDICT_IMPOSSIBLE;
-                      }),
+    Statements culprits = statements;
+    if (verdict == VERDICT_IMPOSSIBLE) {
+      culprits = fewest(statements, [&, isSettled = isSettled](const Statements& some) {
+        return verdictOf(isOpen(some, {}), isSettled) == VERDICT_IMPOSSIBLE;
+      });
+      explained_.dead.insert(culprits.begin(), culprits.end());
+    }
+    tell("never-true", culprits,
          std::string(isSettled ? "once the device has settled, " : "") +
              "this condition is never true together with another ctrlValid, so the definition is "
              "never available",
@@ -148,11 +149,12 @@ class Controls {
   static constexpr size_t MANY_STATEMENTS = 10;  // of more, not each two are asked
 
   Proof& proof_;
+  Explained& explained_;
   const Subject& subject_;
 };
 
 }  // namespace
 
-void askControls(Proof& proof, const Explained& explained) {
-  proof.forEachSubject([&](const Subject& subject) { Controls(proof, subject).ask(explained); });
+void askControls(Proof& proof, Explained& explained) {
+  proof.forEachSubject([&](const Subject& subject) { Controls(proof, explained, subject).ask(); });
 }

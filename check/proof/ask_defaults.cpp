@@ -5,6 +5,7 @@
 #include "check/proof/resting.h"
 #include "check/proof/setter.h"
 #include "check/proof/start_order.h"
+#include "check/static/token_place.h"
 #include "database/gather.h"
 #include "sw/parm/parm_name.h"
 #include "sw/parm/present_bounds.h"
@@ -44,6 +45,28 @@ Goal countsGoal(const Subject& subject, const CompiledStatement& statement) {
   return counts;
 }
 
+// What is told of the translation of `value`, or null.
+const Finding* findingOfTranslation(Proof& proof, const Subject& subject, std::string_view value) {
+  for (const Translation& translation : subject.record->valueChange) {
+    if (translation.source != value) continue;
+    const TextPlace at = targetPlace(proof.text().checked().source, translation);
+    if (const Finding* const cause = proof.found("translation", at)) return cause;
+  }
+  return nullptr;
+}
+
+// A finding about the default `value` takes the place of what is told of its text, or of what that
+// is translated to.
+void addCause(Proof& proof, const Subject& subject, std::string_view value, Finding& finding) {
+  if (const Finding* const cause = proof.found("unknown-standard", finding.at)) {
+    finding.at = cause->at;
+    finding.related.push_back({cause->at, cause->text});
+    finding.proposal = cause->proposal;
+  } else if (const Finding* const other = findingOfTranslation(proof, subject, value)) {
+    finding.related.push_back({other->at, other->text});
+  }
+}
+
 // Returns whether it is told that no situation keeps the default.
 bool askDefault(Proof& proof, const Subject& subject, const CompiledStatement& statement) {
   const CompiledItem& value = statement.items.front();
@@ -65,12 +88,7 @@ bool askDefault(Proof& proof, const Subject& subject, const CompiledStatement& s
   if (result.verdict != VERDICT_IMPOSSIBLE || instead.empty()) return false;
   Finding finding{"default-outside", placeOf(value),
                   "no situation keeps this default: it becomes \"" + instead + '"'};
-  // This then takes the place of what is told of its text.
-  if (const Finding* const cause = proof.found("unknown-standard", finding.at)) {
-    finding.at = cause->at;
-    finding.related.push_back({cause->at, cause->text});
-    finding.proposal = cause->proposal;
-  }
+  addCause(proof, subject, *text, finding);
   proof.add(std::move(finding));
   return true;
 }

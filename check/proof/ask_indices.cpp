@@ -64,9 +64,14 @@ void askIndex(Proof& proof, const Subject& subject) {
 
 }  // namespace
 
-void askIndices(Proof& proof) {
+void askIndices(Proof& proof, const Explained& explained) {
   proof.forEachSubject([&](const Subject& subject) {
-    const bool isAsked = subject.index != nullptr && !proof.text().isNamedByOthers(subject.name());
+    // One that is never available has no values in any situation: that is told of its condition.
+    const bool isDead = std::ranges::any_of(subject.ctrlValid, [&](const auto& statement) {
+      return explained.dead.contains(&statement);
+    });
+    const bool isAsked =
+        subject.index != nullptr && !isDead && !proof.text().isNamedByOthers(subject.name());
     if (isAsked) askIndex(proof, subject);
   });
 }

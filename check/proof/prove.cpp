@@ -17,7 +17,7 @@ void prove(const CheckedText& checked, const ExplainedPlaces& explainedPlaces,
   askCoverage(proof, explained);
   askRefusals(proof, explained);
   askDefaults(proof, explained);
-  askIndices(proof);
+  askIndices(proof, explained);
   askOverflow(proof, explained);
   askFollowers(proof);
   askRings(proof, explained);

@@ -13,7 +13,7 @@ constexpr size_t MAX_ASKED_TOKENS = 300;
 /// never-true and always-true: conditions.
 void askConditions(Proof& proof, Explained& explained);
 /// always-true and never-true: controls that several statements together lock for good.
-void askControls(Proof& proof, const Explained& explained);
+void askControls(Proof& proof, Explained& explained);
 /// unreachable: defaults and ranges that an earlier statement always covers.
 void askReachability(Proof& proof, Explained& explained);
 /// dead-comparison: comparisons in an item, a default or a part of a condition that are the same in
@@ -28,7 +28,7 @@ void askRefusals(Proof& proof, const Explained& explained);
 /// default-outside: defaults that no situation keeps.
 void askDefaults(Proof& proof, const Explained& explained);
 /// narrowed-away: situations in which instances are out of reach.
-void askIndices(Proof& proof);
+void askIndices(Proof& proof, const Explained& explained);
 /// overflow: sums and products that pass 32 bits.
 void askOverflow(Proof& proof, const Explained& explained);
 /// default-outside and unsettled: what a start and a second commit do.

@@ -153,8 +153,9 @@ class RingStates {
   void commitFrom(const State& state, const std::vector<size_t>& chosen) {
     put(state.values);
     Transaction transaction(text_.database());
-    for (size_t i = 0; i < chosen.size(); ++i)
+    for (size_t i = 0; i < chosen.size(); ++i) {
       stage(choices_[i][chosen[i]], names_[i], transaction);
+    }
     commitAll(transaction);
     Commits commits = state.commits;
     commits.emplace_back();

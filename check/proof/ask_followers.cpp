@@ -14,25 +14,40 @@ namespace {
 constexpr size_t MANY_COMMITS = 200;
 constexpr size_t MANY_OPENINGS = 8;
 
-// Whether `is` holds for one of those that move the value of `parm`: by its ranges, or by whether
-// it is there. What locks it, or is read by its default, moves nothing.
+// Whether `is` holds for one of those that move the value of `parm`.
 template <typename Is>
 bool anyMover(const Proof& proof, const ParmEntry& parm, const Is& is) {
   const auto isOne = [&](const VariableSource& source) {
     return source.parm != nullptr && is(*source.parm);
   };
-  const Subject& subject = *proof.text().find(parm.parm.name());
-  bool isAny = false;
-  for (const auto* statements : {&subject.rangeValid, &subject.ctrlValid}) {
-    for (const CompiledStatement& statement : *statements) {
-      forEachExpression(statement, [&](const CompiledExpression& expression) {
-        isAny = isAny || std::ranges::any_of(expression.sources, isOne);
-      });
-    }
-  }
-  return isAny || std::ranges::any_of(parm.indices->own, [&](const IndexEntry* index) {
+  return std::ranges::any_of(proof.text().find(parm.parm.name())->movers, isOne) ||
+         std::ranges::any_of(parm.indices->own, [&](const IndexEntry* index) {
            return std::ranges::any_of(index->sources, isOne);
          });
+}
+
+// All that moves `subject` or locks it, what moves these or is read by their defaults, and so on.
+// What locks others is left out: they are set by force.
+std::set<const ParmEntry*> whatMatters(const Proof& proof, const Subject& subject) {
+  std::set<const ParmEntry*> found;
+  std::vector<const ParmEntry*> open = {subject.parm};
+  const auto look = [&](const VariableSource& source) {
+    if (source.parm != nullptr) open.push_back(source.parm);
+  };
+  while (!open.empty()) {
+    const ParmEntry& parm = *open.back();
+    open.pop_back();
+    if (!found.insert(&parm).second) continue;
+    const Subject& next = *proof.text().find(parm.parm.name());
+    std::ranges::for_each(&next == &subject ? parm.sources : next.movers, look);
+    for (const CompiledStatement& value : next.defaults) {
+      forEachExpression(value, [&](const CompiledExpression& expression) {
+        std::ranges::for_each(expression.sources, look);
+      });
+    }
+    for (const IndexEntry* index : parm.indices->own) std::ranges::for_each(index->sources, look);
+  }
+  return found;
 }
 
 // Looks for values that a parameter takes once what it follows has followed, and loses where both
@@ -99,7 +114,7 @@ class Follower {
         if (control.condition) goal.clauses.push_back({{&*control.condition, WANT_TRUE}});
       }
     }
-    Cone cone(goal, Reader(subject_.parm, indices_, indices_.size()));
+    Cone cone(goal, Reader(subject_.parm, indices_, indices_.size()), proof_.text());
     cone.noteUses(goal, proof_.text());
     return cone;
   }
@@ -127,7 +142,7 @@ class Follower {
       StartOrder order;
       isAsked_ = findStartOrder(database_, name_, order);
       if (!isAsked_) return;
-      names_ = order.names;
+      takeNames(order);
       ConfinedCommits commits(names_, database_);
       const Cone followed = cone();
       leaveSettable(followed, commits);
@@ -137,6 +152,15 @@ class Follower {
       }
     });
     return isDone && isAsked_;
+  }
+
+  void takeNames(const StartOrder& order) {
+    const std::set<const ParmEntry*> matters = whatMatters(proof_, subject_);
+    names_.clear();
+    for (const Instance& instance : order.instances) {
+      const bool isTaken = instance.isComplete() && matters.contains(instance.parm);
+      if (isTaken) names_.push_back(fullName(instance.parm->parm.name(), instance.indices));
+    }
   }
 
   // Leaves of the base what no default and no other value gives.

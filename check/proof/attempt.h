@@ -43,7 +43,7 @@ class TrialLimit {
 class Attempt {
  public:
   Attempt(const HealthyQuestion& question, const Reader& reader)
-      : question_(question), reader_(reader), cone_(question.goal, reader) {}
+      : question_(question), reader_(reader), cone_(question.goal, reader, question.text) {}
 
   [[nodiscard]] const HealthyQuestion& question() const { return question_; }
   [[nodiscard]] const Reader& reader() const { return reader_; }

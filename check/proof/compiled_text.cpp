@@ -20,6 +20,23 @@ std::unordered_map<const ParameterRecord*, Layouts> layoutsOf(const TextLayout& 
   return layouts;
 }
 
+// Each name once.
+VariableSources moversOf(const Subject& subject) {
+  VariableSources movers;
+  std::set<std::string_view> seen;
+  for (const auto* statements : {&subject.rangeValid, &subject.ctrlValid}) {
+    for (const CompiledStatement& statement : *statements) {
+      forEachExpression(statement, [&](const CompiledExpression& expression) {
+        for (const VariableSource& source : expression.sources) {
+          if (source.parm != nullptr && seen.insert(source.name).second)
+            movers.emplace_back(source);
+        }
+      });
+    }
+  }
+  return movers;
+}
+
 }  // namespace
 
 CompiledText::CompiledText(const CheckedText& checked) : checked_(checked) {
@@ -116,4 +133,5 @@ void CompiledText::addSubject(const DefinitionLayout& definition,
     const RangeItem value{statement.at, statement.text, statement.value, {}};
     subject.defaults.back().items.push_back(compileItem(value));
   }
+  subject.movers = moversOf(subject);
 }

@@ -48,6 +48,9 @@ struct Subject {
   std::vector<CompiledStatement> ctrlRO = {};
   std::vector<CompiledStatement> ctrlValid = {};
   std::vector<CompiledStatement> defaults = {};
+  /// What its value follows: what its ranges read, and whether it is there. What locks it, or is
+  /// read by its defaults, moves nothing.
+  VariableSources movers = {};
 
   [[nodiscard]] const IndexDef& definition() const {
     return parm != nullptr ? static_cast<const IndexDef&>(parm->parm) : *index->index;

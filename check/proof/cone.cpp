@@ -26,7 +26,19 @@ void noteUsesIn(const Subject& subject, NameUses& uses) {
 
 std::string ConeInstance::name() const { return fullName(parm->parm.name(), indices); }
 
-Cone::Cone(const Goal& goal, const Reader& reader) {
+Cone::Cone(const Goal& goal, const Reader& reader, const CompiledText& text) {
+  const Follow movers = [&](const ParmEntry& parm) -> const VariableSources& {
+    return text.find(parm.parm.name())->movers;
+  };
+  build(goal, reader, movers);
+  hasRing_ = refersBack(movers);
+  if (!hasRing_) return;
+  instances_.clear();
+  places_.clear();
+  build(goal, reader, [](const ParmEntry& parm) -> const VariableSources& { return parm.sources; });
+}
+
+void Cone::build(const Goal& goal, const Reader& reader, const Follow& followed) {
   for (const Clause& clause : goal.clauses) {
     for (const Wish& wish : clause) {
       forEachExpression(wish, [&](const CompiledExpression& expression) {
@@ -44,7 +56,7 @@ Cone::Cone(const Goal& goal, const Reader& reader) {
   while (next < instances_.size()) {
     ParmEntry* const parm = instances_[next].parm;
     const Reader own(parm, instances_[next].indices, 0);
-    addAll(parm->sources, own);
+    addAll(followed(*parm), own);
     addIndices(own);
     ++next;
   }
@@ -89,18 +101,18 @@ const ConeInstance* Cone::find(const VariableSource& source, const Reader& reade
   return found == places_.end() ? nullptr : &instances_[found->second];
 }
 
-bool Cone::hasRing() const {
-  return std::any_of(instances_.begin(), instances_.end(), [](const ConeInstance& instance) {
+bool Cone::refersBack(const Follow& followed) const {
+  return std::any_of(instances_.begin(), instances_.end(), [&](const ConeInstance& instance) {
     const ParmEntry& entry = *instance.parm;
-    const auto refersBack = [&](const VariableSources& sources) {
+    const auto isBack = [&](const VariableSources& sources) {
       return std::any_of(sources.begin(), sources.end(), [&](const VariableSource& source) {
         return source.parm != nullptr && source.parm->level >= entry.level;
       });
     };
     const std::vector<IndexEntry*>& own = entry.indices->own;
-    return refersBack(entry.sources) ||
+    return isBack(followed(entry)) ||
            std::any_of(own.begin(), own.end(),
-                       [&](const IndexEntry* index) { return refersBack(index->sources); });
+                       [&](const IndexEntry* index) { return isBack(index->sources); });
   });
 }
 

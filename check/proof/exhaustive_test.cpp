@@ -297,8 +297,23 @@ bool existsNow(const Goal& goal, const Reading& reading) {
   return true;
 }
 
-// All that the goal follows, directly or through others.
-std::set<WalkInstance> coneOf(const Goal& goal, const Reading& reading) {
+// Calls `look` with each name that the value of `parm` follows.
+template <typename Look>
+void forEachMover(const CompiledText& text, const ParmEntry& parm, const Look& look) {
+  const Subject& subject = *text.find(parm.parm.name());
+  for (const auto* statements : {&subject.rangeValid, &subject.ctrlValid}) {
+    for (const CompiledStatement& statement : *statements) {
+      forEachExpression(statement, [&](const CompiledExpression& expression) {
+        for (const VariableSource& source : expression.sources) look(source);
+      });
+    }
+  }
+}
+
+// All that the goal follows, directly or through others: by what moves values, or by all that
+// definitions read.
+std::set<WalkInstance> coneOf(const Goal& goal, const Reading& reading, const CompiledText& text,
+                              bool readsAll) {
   std::vector<WalkInstance> open;
   const auto look = [&](const VariableSource& source, const Reading& reader) {
     if (source.parm == nullptr) return;
@@ -327,26 +342,29 @@ std::set<WalkInstance> coneOf(const Goal& goal, const Reading& reading) {
     open.pop_back();
     if (!cone.insert(instance).second) continue;
     const Reading own = {instance.parm, instance.indices, 0};
-    for (const VariableSource& source : instance.parm->sources) look(source, own);
+    if (readsAll) {
+      for (const VariableSource& source : instance.parm->sources) look(source, own);
+    } else {
+      forEachMover(text, *instance.parm, [&](const VariableSource& source) { look(source, own); });
+    }
     lookAtIndices(own);
   }
   return cone;
 }
 
-// Whether `parm` reads itself, or another one that reads it in turn: only they are on one level.
-bool refersBack(const ParmEntry& parm, const VariableSources& sources) {
-  return std::any_of(sources.begin(), sources.end(), [&](const VariableSource& source) {
-    return source.parm != nullptr && source.parm->level >= parm.level;
-  });
-}
-
-bool hasRing(const std::set<WalkInstance>& cone) {
-  return std::any_of(cone.begin(), cone.end(), [](const WalkInstance& instance) {
+// Whether values refer to each other: only they are on one level.
+bool hasRing(const std::set<WalkInstance>& cone, const CompiledText& text) {
+  return std::any_of(cone.begin(), cone.end(), [&](const WalkInstance& instance) {
     const ParmEntry& parm = *instance.parm;
-    const std::vector<IndexEntry*>& own = parm.indices->own;
-    return refersBack(parm, parm.sources) ||
-           std::any_of(own.begin(), own.end(),
-                       [&](const IndexEntry* index) { return refersBack(parm, index->sources); });
+    bool refersBack = false;
+    const auto look = [&](const VariableSource& source) {
+      refersBack = refersBack || (source.parm != nullptr && source.parm->level >= parm.level);
+    };
+    forEachMover(text, parm, look);
+    for (const IndexEntry* const index : parm.indices->own) {
+      for (const VariableSource& source : index->sources) look(source);
+    }
+    return refersBack;
   });
 }
 
@@ -543,14 +561,17 @@ class Comparison {
   // Whether a device meets the goal on which everything is there and keeps its value; with
   // `hasAbsent`, what is not there may hold an old value, or nothing.
   bool isMetAtRest(const Goal& goal, const Reading& reading, bool hasAbsent) {
-    const std::set<WalkInstance> cone = coneOf(goal, reading);
+    std::set<WalkInstance> cone = coneOf(goal, reading, text_, false);
+    const bool isRing = hasRing(cone, text_);
+    // What they have at the start depends on their defaults.
+    if (isRing) cone = coneOf(goal, reading, text_, true);
     if (!walk_.hasAll(cone)) return false;
     const auto isMetNow = [&] {
       return holdsNow(goal, reading) && existsNow(goal, reading) &&
              (hasAbsent ? Walk::isAtRest(cone) : Walk::isHealthy(cone));
     };
     bool isMet = false;
-    if (hasRing(cone)) {
+    if (isRing) {
       const std::vector<WalkInstance> of(cone.begin(), cone.end());
       auto [reached, isNew] = reached_.try_emplace(cone);
       if (isNew) reached->second = walk_.reachedFromDefaults(of, values_);
@@ -596,7 +617,7 @@ class Comparison {
     }
     EXPECT_TRUE(std::any_of(readings.begin(), readings.end(), [&](const Reading& reading) {
       return holdsNow(goal, reading) && existsNow(goal, reading) &&
-             Walk::isHealthy(coneOf(goal, reading));
+             Walk::isHealthy(coneOf(goal, reading, text_, false));
     })) << describe(goal);
     database.forgetValues();
   }

@@ -169,12 +169,19 @@ def definition(name):
     return {"access": told.get("access", "rw"), "description": told.get("description", ""), **numbers, **lists}
 
 
-def list_definitions(_caller, pattern):
+def definitions(pattern):
     if "[" in pattern and "]" not in pattern:
         raise named("InvalidPattern", f'The pattern "{pattern}" is wrong: a "[" has no "]"')
     names = sorted({name.partition("[")[0] for name in instances})
-    found = [(name, definition(name)) for name in names if fnmatch.fnmatchcase(name, pattern or "*")]
-    return [(name, it["access"], it["indices"], it["line"], it["level"]) for name, it in found]
+    return [(name, definition(name)) for name in names if fnmatch.fnmatchcase(name, pattern or "*")]
+
+
+def list_definitions(_caller, pattern):
+    return [(name, it["access"], it["indices"], it["line"], it["level"]) for name, it in definitions(pattern)]
+
+
+def list_names(_caller, pattern, access):
+    return [name for name, it in definitions(pattern) if not access or it["access"] in access]
 
 
 def state_of(staged, name):
@@ -223,6 +230,7 @@ def watch(caller, changes, limits):
 
 
 expose(MAIN_IFACE, "List", "s", "a(ssasuu)", list_definitions)
+expose(MAIN_IFACE, "ListNames", "sas", "as", list_names)
 expose(MAIN_IFACE, "ListInstances", "uas", "as", lambda caller, number, names: view(caller, number) and [] or [
     name for name in sorted(instances) if not names or name.partition("[")[0] in names])
 expose(MAIN_IFACE, "GetDefinition", "s", "a{sv}", lambda _, name: definition(name))

@@ -77,6 +77,8 @@ TEST_F(ParametersInterfaceTest, ListGivesDefinitionsByPattern) {
        "'wo', [], 15, 0), ('rate', 'rw', [], 5, 1), ('serial', 'rostrict', [], 16, 0), "
        "('side', 'index', [], 21, 0)]"},
       {"List('b*')", "[('boost', 'rw', [], 17, 1), ('broken', 'rw', [], 23, 2)]"},
+      {"ListNames('?o*', @as [])", "['boost', 'double', 'lock', 'mode']"},
+      {"ListNames('', ['index', 'wo'])", "['input', 'order', 'side']"},
       {"List('?ate')", "[('rate', 'rw', [], 5, 1)]"},
       {"List('[io]*')", "[('input', 'index', [], 19, 0), ('order', 'wo', [], 15, 0)]"},
       {"List('[!a-l]*')",

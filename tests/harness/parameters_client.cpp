@@ -12,11 +12,12 @@ constexpr const char* PROPERTIES = "org.freedesktop.DBus.Properties";
 // The types of the arguments of each method. Those of the properties get the interface in front.
 const std::map<std::string, std::string>& argumentTypes() {
   static const std::map<std::string, std::string> types = {
-      {"List", "(s)"},     {"ListInstances", "(uas)"}, {"GetDefinition", "(s)"},
-      {"Explain", "(us)"}, {"GetState", "(uas)"},      {"Preview", "(u)"},
-      {"Begin", "()"},     {"ListTransactions", "()"}, {"Watch", "(bb)"},
-      {"History", "(u)"},  {"WaitReady", "()"},        {"SetReady", "()"},
-      {"Get", "(ss)"},     {"GetAll", "(s)"},          {"Set", "(ssv)"}};
+      {"List", "(s)"},          {"ListNames", "(sas)"}, {"ListInstances", "(uas)"},
+      {"GetDefinition", "(s)"}, {"Explain", "(us)"},    {"GetState", "(uas)"},
+      {"Preview", "(u)"},       {"Begin", "()"},        {"ListTransactions", "()"},
+      {"Watch", "(bb)"},        {"History", "(u)"},     {"WaitReady", "()"},
+      {"SetReady", "()"},       {"Get", "(ss)"},        {"GetAll", "(s)"},
+      {"Set", "(ssv)"}};
   return types;
 }
 

@@ -90,6 +90,7 @@ class Soak {
     if (pick(4) != 0) static_cast<void>(client.answer("commit(" + id + ")"));
     static_cast<void>(visitor.answer("GetDefinition('" + name.substr(0, name.find('[')) + "')"));
     static_cast<void>(visitor.answer("List('*')"));
+    static_cast<void>(visitor.answer("ListNames('', ['rw'])"));
     static_cast<void>(visitor.answer("History(" + std::to_string(pick(5) + 1) + ")"));
     ++visits_;
   }

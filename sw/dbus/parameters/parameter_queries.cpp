@@ -82,6 +82,12 @@ struct Head {
   uint32_t level = 0;
 };
 
+constexpr std::string_view INDEX_ACCESS = "index";
+
+std::string_view accessOf(const Listed& listed) {
+  return listed.parm != nullptr ? accessText(listed.parm->parm.access()) : INDEX_ACCESS;
+}
+
 Head headOf(const Database& database, const ParmEntry& entry) {
   const ParmDef& parm = entry.parm;
   return {parm.name(), accessText(parm.access()), indexNames(parm),
@@ -89,8 +95,29 @@ Head headOf(const Database& database, const ParmEntry& entry) {
 }
 
 Head headOf(const Database& database, const IndexEntry& entry) {
-  return {entry.index->name(), "index", {}, database.linesOf(entry).definition, 0};
+  return {entry.index->name(), INDEX_ACCESS, {}, database.linesOf(entry).definition, 0};
 }
+
+// The pattern of a call; none is one of all names.
+class DefinitionPattern {
+ public:
+  explicit DefinitionPattern(std::string_view text) : length_(text.size()) {
+    std::string_view error;
+    pattern_ = ShellPattern::parse(text.empty() ? "*" : text, error);
+    if (pattern_) return;
+    throw BusError{INVALID_PATTERN_ERROR,
+                   "The pattern " + quoted(text) + " is wrong: " + std::string(error)};
+  }
+
+  [[nodiscard]] bool matches(std::string_view name) const {
+    Work::add(length_ * name.size());
+    return pattern_->matches(name);
+  }
+
+ private:
+  const size_t length_;
+  std::optional<ShellPattern> pattern_;
+};
 
 void writeListed(const Database& database, const Listed& listed, MessageWriter& out) {
   Work::add(WORK_PER_REQUEST);
@@ -251,18 +278,23 @@ void writeState(const char* name, const InstanceState& state, MessageWriter& out
 }  // namespace
 
 void answerList(ParametersState& state, MessageReader& in, MessageWriter& out) {
-  const std::string_view text = in.text();
-  std::string_view error;
-  const std::optional<ShellPattern> pattern = ShellPattern::parse(text.empty() ? "*" : text, error);
-  if (!pattern) {
-    throw BusError{INVALID_PATTERN_ERROR,
-                   "The pattern " + quoted(text) + " is wrong: " + std::string(error)};
-  }
+  const DefinitionPattern pattern(in.text());
   Database& database = state.service().database();
   out.array("(ssasuu)", [&] {
     for (const Listed& listed : allDefinitions(database)) {
-      Work::add(text.size() * listed.name.size());
-      if (pattern->matches(listed.name)) writeListed(database, listed, out);
+      if (pattern.matches(listed.name)) writeListed(database, listed, out);
+    }
+  });
+}
+
+void answerListNames(ParametersState& state, MessageReader& in, MessageWriter& out) {
+  const DefinitionPattern pattern(in.text());
+  const std::vector<const char*> words = in.texts();
+  const std::set<std::string_view> access(words.begin(), words.end());
+  out.array("s", [&] {
+    for (const Listed& listed : allDefinitions(state.service().database())) {
+      if (!access.empty() && !access.contains(accessOf(listed))) continue;
+      if (pattern.matches(listed.name)) out.text(std::string(listed.name));
     }
   });
 }

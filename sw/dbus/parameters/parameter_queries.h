@@ -12,6 +12,7 @@
 constexpr uint32_t NO_TRANSACTION = UINT32_MAX;
 
 void answerList(ParametersState& state, MessageReader& in, MessageWriter& out);
+void answerListNames(ParametersState& state, MessageReader& in, MessageWriter& out);
 void answerListInstances(ParametersState& state, MessageReader& in, MessageWriter& out);
 void answerGetDefinition(ParametersState& state, MessageReader& in, MessageWriter& out);
 void answerGetState(ParametersState& state, MessageReader& in, MessageWriter& out);

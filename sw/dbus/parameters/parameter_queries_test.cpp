@@ -56,6 +56,23 @@ TEST_F(ParameterQueries, ListWhatThereIs) {
   }
 }
 
+TEST_F(ParameterQueries, ListNamesOfSomeAccess) {
+  const struct {
+    const char* pattern;
+    Names access;
+    const char* answer;
+  } cases[] = {
+      {"", {}, "[\"bad\", \"boost\", \"gain\", \"log\", \"mode\", \"offs\", \"port\", \"rate\"]"},
+      {"*o*", {}, "[\"boost\", \"log\", \"mode\", \"offs\", \"port\"]"},
+      {"*o*", {"wo", "index", "wo"}, "[\"log\", \"port\"]"},
+      {"", {"ro", "nosuch"}, "[]"},
+      {"[", {}, "InvalidPattern: The pattern \"[\" is wrong: a \"[\" has no \"]\""},
+  };
+  for (const auto& [pattern, access, answer] : cases) {
+    EXPECT_EQ(device_.call(answerListNames, pattern, access), answer) << pattern;
+  }
+}
+
 TEST_F(ParameterQueries, ListInstancesOfASituation) {
   EXPECT_EQ(device_.call(answerListInstances, NO_TRANSACTION, Names()),
             "[\"bad\", \"gain[9]\", \"log\", \"mode\", \"offs[9]\", \"rate\"]");

@@ -30,6 +30,7 @@ struct Method {
 
 constexpr Method METHODS[] = {
     {PARAMETERS_INTERFACE_NAME, "List", "s", answerList},
+    {PARAMETERS_INTERFACE_NAME, "ListNames", "sas", answerListNames},
     {PARAMETERS_INTERFACE_NAME, "ListInstances", "uas", answerListInstances},
     {PARAMETERS_INTERFACE_NAME, "GetDefinition", "s", answerGetDefinition},
     {PARAMETERS_INTERFACE_NAME, "GetState", "uas", answerGetState},

@@ -26,6 +26,7 @@ struct CompletionCase {
 
 class CtlCompletionTest : public CtlServiceTest {
  protected:
+  using CtlServiceTest::CtlServiceTest;
   void expectCompletions(const std::vector<CompletionCase>& cases) {
     for (const CompletionCase& c : cases) {
       SCOPED_TRACE(c.words);
@@ -138,6 +139,28 @@ TEST_F(CtlCompletionTest, OffersBeginningsOfManyParameters) {
   expectCompletions({{"get ''", "open\ng\nt\n"},
                      {"set gain_249", "open\ngain_249=\n"},
                      {"get t", "whole\ntable[1]\ntable[2]\ntable[3]\n"}});
+}
+
+// Somebody may ask why it does not exist. A parameter with indices is not its own instance.
+TEST_F(CtlCompletionTest, OffersWhatDoesNotExist) {
+  serve(
+      "i index { rangeValid ( mode == \"on\" ) { 1 } }\nmode rw { rangeValid { \"off\" } }\n"
+      "bare rw { ctrlValid ( mode == \"on\" ) }\nbus rw { index { i } }\nbits rw { }\n");
+  expectCompletions({{"why b", "whole\nbare\nbits\n"}, {"get bu", "whole\n"}});
+}
+
+class CtlDeniedCompletionTest : public CtlCompletionTest {
+ protected:
+  CtlDeniedCompletionTest()
+      : CtlCompletionTest(
+            {.policy = "<deny send_interface='org.tavrel.parameters1' send_member='ListNames'/>"}) {
+  }
+};
+
+// The policy is a file of the device, which may be older than the program.
+TEST_F(CtlDeniedCompletionTest, OffersNames) {
+  serve(DEVICE);
+  expectCompletions({{"ls r", "whole\nrow\n"}, {"get 'position[2'", "whole\nposition[2]\n"}});
 }
 
 TEST_F(CtlCompletionTest, SpeaksToBash) {

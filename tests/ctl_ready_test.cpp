@@ -1,4 +1,5 @@
 // ostrelctl: waiting until a device has been brought up, and saying so.
+#include <algorithm>
 #include <atomic>
 #include <thread>
 
@@ -62,7 +63,19 @@ TEST_F(CtlReadyTest, SaysWhenItHasBroughtUpTheDeviceWhateverWasRefused) {
   }
 }
 
-// A service of before there was a wait.
+struct OlderMethod {
+  std::string_view name;
+  const char* answer;
+};
+constexpr OlderMethod OLDER_METHODS[] = {
+    {"GetState", "([('mode', uint32 67, 'wide', @a(ii) [], @as [])],)"},
+    {"List",
+     "([('mode', 'rw', @as [], uint32 1, uint32 0), "
+     "('lamp', 'ro', [], 2, 0), ('i', 'index', [], 3, 0)],)"},
+    {"ListInstances", "(['mode'],)"},
+};
+
+// A service of before there was a wait, or a list of names alone.
 class OlderService {
  public:
   explicit OlderService(const std::string& address)
@@ -80,10 +93,11 @@ class OlderService {
 
  private:
   static void onCall(GDBusConnection* /*connection*/, const gchar* /*sender*/,
-                     const gchar* /*path*/, const gchar* /*interface*/, const gchar* /*method*/,
+                     const gchar* /*path*/, const gchar* /*interface*/, const gchar* method,
                      GVariant* /*arguments*/, GDBusMethodInvocation* call, gpointer /*self*/) {
-    g_dbus_method_invocation_return_value(
-        call, g_variant_new_parsed("([('mode', uint32 67, 'wide', @a(ii) [], @as [])],)"));
+    const auto* const found =
+        std::ranges::find(OLDER_METHODS, std::string_view(method), &OlderMethod::name);
+    g_dbus_method_invocation_return_value(call, g_variant_new_parsed(found->answer));
   }
 
   void run(const std::string& address) {
@@ -93,7 +107,12 @@ class OlderService {
     GDBusNodeInfo* const node = g_dbus_node_info_new_for_xml(
         "<node><interface name='org.tavrel.parameters1'><method name='GetState'>"
         "<arg type='u' direction='in'/><arg type='as' direction='in'/>"
-        "<arg type='a(susa(ii)as)' direction='out'/></method></interface></node>",
+        "<arg type='a(susa(ii)as)' direction='out'/></method>"
+        "<method name='List'><arg type='s' direction='in'/>"
+        "<arg type='a(ssasuu)' direction='out'/></method>"
+        "<method name='ListInstances'><arg type='u' direction='in'/>"
+        "<arg type='as' direction='in'/><arg type='as' direction='out'/></method>"
+        "</interface></node>",
         nullptr);
     g_dbus_connection_register_object(client.connection(), PARAMETERS_PATH, node->interfaces[0],
                                       &HANDLERS, this, nullptr, nullptr);
@@ -118,6 +137,12 @@ TEST_F(CtlReadyTest, TakesAnOlderServiceForReady) {
   for (const char* const line : {"ctl get mode", "ctl --no-wait get mode"}) {
     EXPECT_EQ(start(line)->waitForEnd().out, "wide\n") << line;
   }
+}
+
+TEST_F(CtlReadyTest, CompletesNamesOfAnOlderService) {
+  const OlderService service(bus().address());
+  EXPECT_EQ(start("ctl complete words set ''")->waitForEnd().out, "open\nmode=\n");
+  EXPECT_EQ(start("ctl complete words ls ''")->waitForEnd().out, "whole\nmode\nlamp\ni\n");
 }
 
 }  // namespace

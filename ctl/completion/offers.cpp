@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <optional>
 
 #include "ctl/text/assignment.h"
@@ -44,11 +45,7 @@ class Offers {
   Offers(Service& service, const TypedLine& typed)
       : service_(service), typed_(typed), word_(typed.word->get_name()) {}
 
-  Candidates bases() {
-    Words all;
-    for (const ListedParameter& listed : listedFor(typed_.text)) all.push_back(listed.name);
-    return narrowed(std::move(all));
-  }
+  Candidates bases() { return narrowed(namesFor(typed_.text, {})); }
 
   Candidates names() { return narrowed(instancesFor(typed_.text)); }
 
@@ -94,35 +91,40 @@ class Offers {
     return {.words = std::move(all)};
   }
 
-  std::vector<ListedParameter> listedFor(const std::string& text) {
+  Names namesFor(const std::string& text, const Names& access) {
     const std::string base(baseOf(text));
     if (!isPlain(base)) return {};
-    return service_.list(base.size() < text.size() ? base : base + "*");
+    return service_.names(base.size() < text.size() ? base : base + "*", access);
   }
 
-  [[nodiscard]] bool isWanted(const ListedParameter& listed) const {
-    if (listed.isIndex()) return false;
+  // No index has an instance.
+  [[nodiscard]] Names wantedAccess() const {
     const bool isToBeSet = word_ == "set" || word_ == "try" || word_ == "reset";
-    return !isToBeSet || typed_.isStatus || listed.canBeSet();
+    if (isToBeSet && !typed_.isStatus) return {"rw", "wo"};
+    return {"rw", "wo", "ro", "rostrict"};
   }
 
   // The instances with a name that begins with the text, also what has no indices.
   Words instancesFor(const std::string& text) {
-    Words all;
-    Names indexed;
-    for (const ListedParameter& listed : listedFor(text)) {
-      if (!isWanted(listed)) continue;
-      (listed.indices.empty() ? all : indexed).push_back(listed.name);
-    }
-    if (all.size() + indexed.size() > MOST_CANDIDATES) {
-      // Their beginnings are offered, for which their instances are not needed.
-      for (const std::string& name : indexed) all.push_back(name + "[");
-    } else if (!indexed.empty()) {  // no names would be all of them
-      for (std::string& name : service_.instances(COMMITTED, indexed)) {
-        all.push_back(std::move(name));
-      }
-    }
+    Words all = namesFor(text, wantedAccess());
+    // Of more, beginnings are offered, for which their instances are not needed.
+    if (all.size() <= MOST_CANDIDATES) all = instancesOf(all);
     std::erase_if(all, [&](const std::string& name) { return !name.starts_with(text); });
+    return all;
+  }
+
+  // Also a parameter without indices that does not exist now, about which somebody may ask.
+  Words instancesOf(const Names& names) {
+    if (names.empty()) return {};  // no names would be all of them
+    Words all = service_.instances(COMMITTED, names);
+    Names absent;
+    std::ranges::set_difference(names, all, std::back_inserter(absent), {}, {}, baseOf);
+    if (absent.empty()) return all;
+    const std::vector<Definition> definitions = service_.definitions(absent);
+    for (size_t i = 0; i < absent.size(); ++i) {
+      if (definitions[i].indices.empty()) all.push_back(std::move(absent[i]));
+    }
+    std::ranges::stable_sort(all, {}, baseOf);
     return all;
   }
 

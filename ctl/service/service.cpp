@@ -1,5 +1,6 @@
 #include "ctl/service/service.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "ctl/service/calls.h"
@@ -10,6 +11,7 @@ namespace {
 constexpr bool QUESTION = true;
 
 constexpr BusMethod LIST = {PARAMETERS_INTERFACE, "List", "(a(ssasuu))", QUESTION};
+constexpr BusMethod LIST_NAMES = {PARAMETERS_INTERFACE, "ListNames", "(as)", QUESTION};
 constexpr BusMethod LIST_INSTANCES = {PARAMETERS_INTERFACE, "ListInstances", "(as)", QUESTION};
 constexpr BusMethod GET_DEFINITION = {PARAMETERS_INTERFACE, "GetDefinition", "(a{sv})", QUESTION};
 constexpr BusMethod GET_STATE = {PARAMETERS_INTERFACE, "GetState", "(a(susa(ii)as))", QUESTION};
@@ -32,6 +34,9 @@ constexpr BusMethod GET_IDX_RANGE = {TRANSACTION_INTERFACE, "get_idx_range", "(a
 
 // In the texts of get_deps about a name: its base is unknown, or its index values are not right.
 constexpr std::string_view INVALID_NAME = "because of invalid parameter";
+
+constexpr std::string_view UNKNOWN_METHOD = "org.freedesktop.DBus.Error.UnknownMethod";
+constexpr std::string_view ACCESS_DENIED = "org.freedesktop.DBus.Error.AccessDenied";
 
 // What errors of the second interface mean for the exit status; others are refusals.
 constexpr std::string_view ERROR_START = "org.tavrel.parameters1.Error.";
@@ -186,6 +191,21 @@ std::vector<ListedParameter> Service::list(const std::string& pattern) {
   return eachOf(*ask(LIST, g_variant_new("(s)", pattern.c_str())), 0, listedOf);
 }
 
+Names Service::names(const std::string& pattern, const Names& access) {
+  const BusReply reply =
+      bus_.call({LIST_NAMES, g_variant_new("(s@as)", pattern.c_str(), listOf(access))});
+  if (reply.outcome == BUS_ANSWERED) return textsOf(*reply.value, 0);
+  // An older service does not know the call, and an older policy does not allow it.
+  if (reply.errorName != UNKNOWN_METHOD && reply.errorName != ACCESS_DENIED) giveUp(reply);
+  Names names;
+  for (const ListedParameter& listed : list(pattern)) {
+    const bool isWanted =
+        access.empty() || std::ranges::find(access, listed.access) != access.end();
+    if (isWanted) names.push_back(listed.name);
+  }
+  return names;
+}
+
 std::optional<std::vector<ListedParameter>> Service::tryList() {
   const VariantHolder reply = ask(LIST, g_variant_new("(s)", ""), true);
   return reply == nullptr ? std::nullopt : std::optional(eachOf(*reply, 0, listedOf));
@@ -253,7 +273,7 @@ void Service::watch(bool changes, bool limits) {
 
 std::optional<std::string> Service::setReady() {
   const BusReply reply = bus_.call({SET_READY, nullptr});
-  const bool isOlder = reply.errorName == "org.freedesktop.DBus.Error.UnknownMethod";
+  const bool isOlder = reply.errorName == UNKNOWN_METHOD;
   if (reply.outcome == BUS_NO_SERVICE && !isOlder) giveUp(reply);
   return reply.outcome == BUS_ANSWERED || isOlder ? std::nullopt : std::optional(reply.error);
 }

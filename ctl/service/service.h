@@ -23,6 +23,8 @@ class Service {
 
   // What there is. `transaction` may be COMMITTED.
   [[nodiscard]] std::vector<ListedParameter> list(const std::string& pattern);
+  /// The names of what list() gives with one of these access words, or of all for none.
+  [[nodiscard]] Names names(const std::string& pattern, const Names& access);
   /// As list(""); nullopt where there is no service any more.
   [[nodiscard]] std::optional<std::vector<ListedParameter>> tryList();
   /// As states() of all instances that are committed; nullopt where there is no service any more

@@ -17,6 +17,7 @@ struct CtlLine {
 
 class CtlServiceTest : public ServiceTest {
  protected:
+  using ServiceTest::ServiceTest;
   /// Runs the line in a directory of the test's own.
   std::unique_ptr<Process> start(const std::string& line);
   /// Runs the lines one after the other and compares what is seen of each.

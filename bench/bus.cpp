@@ -3,6 +3,7 @@
 //
 //   GetState / get_range_bulk of the same names
 //   a commit with one watcher / one without
+//   completing a word among many names / among one
 #include <benchmark/benchmark.h>
 
 #include <map>
@@ -13,6 +14,7 @@
 #include "tests/harness/client.h"
 #include "tests/harness/daemon.h"
 #include "tests/harness/private_bus.h"
+#include "tests/harness/process.h"
 
 namespace {
 
@@ -22,6 +24,13 @@ class Served {
   explicit Served(const std::string& text)
       : daemon_({.text = text, .busAddress = bus_.address()}), client_(bus_.address()) {
     if (!client_.waitForService(daemon_.process())) abort();
+  }
+
+  // Runs the client's completion of an empty word behind "get".
+  void complete() {
+    Process program({.command = {OSTRELCTL, "complete", "line", "ostrelctl get ", ""},
+                     .environment = {{"DBUS_SESSION_BUS_ADDRESS", bus_.address()}}});
+    if (program.waitForEnd().out.find('\n') == std::string::npos) abort();
   }
 
   void call(const char* path, const char* interface, const char* method, GVariant* arguments) {
@@ -68,10 +77,11 @@ GVariant* namesOf(int64_t count) {
   return g_variant_builder_end(&names);
 }
 
-std::string plainText(int64_t count) {
+// `statements` go into each of the definitions.
+std::string plainText(int64_t count, const std::string& statements = "") {
   std::string text;
   for (int64_t i = 0; i < count; ++i) {
-    text += "p" + std::to_string(i) + " rw { rangeValid { 0..1000 } }\n";
+    text += "p" + std::to_string(i) + " rw { " + statements + "rangeValid { 0..1000 } }\n";
   }
   return text;
 }
@@ -97,6 +107,20 @@ void getRangeBulk(benchmark::State& state) {
 }
 BENCHMARK(getState)->Arg(10000)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(getRangeBulk)->Arg(10000)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// What a shell waits for. Many names, of which some are offered.
+void complete(benchmark::State& state) {
+  const bool isIndexed = state.range(1) != 0;
+  const std::string index = "i index { rangeValid { 1..2 } }\n";
+  Served& device = served(isIndexed ? index + plainText(state.range(0), "index { i } ")
+                                    : plainText(state.range(0)));
+  while (state.KeepRunning()) device.complete();
+}
+BENCHMARK(complete)
+    ->ArgNames({"names", "indexed"})
+    ->ArgsProduct({{1, 10000}, {0, 1}})
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 // A parameter and so many that follow it.
 void commit(benchmark::State& state) {

@@ -1,16 +1,14 @@
 #include "database/preview.h"
 
-#include <algorithm>
 #include <map>
 #include <optional>
 #include <set>
 #include <utility>
 
 #include "base/number.h"
-#include "base/work.h"
 #include "database/commit_steps.h"
 #include "database/explain.h"
-#include "database/gather.h"
+#include "database/reads.h"
 #include "database/trial.h"
 
 namespace {
@@ -85,20 +83,9 @@ class Previewing {
   [[nodiscard]] std::vector<std::string> causesOf(const std::string& name,
                                                   const Tried& tried) const {
     std::vector<std::string> causes;
-    const auto add = [&](const VariableSources& sources) {
-      for (const VariableSource& source : sources) {
-        Work::add(WORK_PER_REFERENCE);
-        if (source.parm == nullptr) continue;
-        std::string read = source.parm->parm.name() +
-                           indexSuffix(indicesOf(source, tried.parm->parm, tried.indices));
-        const bool hasChanged = changes_.contains(read) || unreported_.contains(read);
-        if (read != name && hasChanged) causes.push_back(std::move(read));
-      }
-    };
-    add(tried.parm->sources);
-    for (const IndexEntry* index : tried.parm->indices->own) add(index->sources);
-    std::ranges::sort(causes);
-    causes.erase(std::unique(causes.begin(), causes.end()), causes.end());
+    for (const std::string& read : instancesRead(*tried.parm, tried.indices)) {
+      if (changes_.contains(read) || unreported_.contains(read)) causes.push_back(read);
+    }
     const auto own = staged_.find(name);
     if (own != staged_.end() && isAccepted(*own->second)) causes.insert(causes.begin(), name);
     return causes;

@@ -9,6 +9,7 @@ SetInstance(name, {key: value}) of org.freedesktop.DBus.Mock:
     value, default   texts; an instance without a value has never been set
     spans, texts     what is allowed; everything is if there is neither
     reasons          what Explain answers
+    uses             what GetUses answers
     refused          why a commit passes it over; without this, or with an empty text, it does not
     definition       what GetDefinition answers, and List; its "used-by" are announced by LimitsChanged
 
@@ -234,6 +235,8 @@ expose(MAIN_IFACE, "ListNames", "sas", "as", list_names)
 expose(MAIN_IFACE, "ListInstances", "uas", "as", lambda caller, number, names: view(caller, number) and [] or [
     name for name in sorted(instances) if not names or name.partition("[")[0] in names])
 expose(MAIN_IFACE, "GetDefinition", "s", "a{sv}", lambda _, name: definition(name))
+expose(MAIN_IFACE, "GetUses", "as", "aas", lambda _, names: [
+    dbus.Array(instances.get(name, {}).get("uses", []), "s") for name in names])
 expose(MAIN_IFACE, "GetState", "uas", "a(susa(ii)as)", get_state)
 expose(MAIN_IFACE, "Explain", "us", "a(ssusa{ss})", explain)
 expose(MAIN_IFACE, "Preview", "u", "a(sssas)a(ss)", preview)

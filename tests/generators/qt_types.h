@@ -7,6 +7,7 @@ struct Any {};
 QDBusArgument& operator<<(QDBusArgument& argument, const Any& value);
 const QDBusArgument& operator>>(const QDBusArgument& argument, Any& value);
 using ParameterList = QList<Any>;
+using UsesList = QList<QStringList>;
 using StateList = QList<Any>;
 using ReasonList = QList<Any>;
 using PreviewList = QList<Any>;

@@ -17,7 +17,7 @@ const std::map<std::string, std::string>& argumentTypes() {
       {"Preview", "(u)"},       {"Begin", "()"},        {"ListTransactions", "()"},
       {"Watch", "(bb)"},        {"History", "(u)"},     {"WaitReady", "()"},
       {"SetReady", "()"},       {"Get", "(ss)"},        {"GetAll", "(s)"},
-      {"Set", "(ssv)"}};
+      {"Set", "(ssv)"},         {"GetUses", "(as)"}};
   return types;
 }
 

@@ -54,6 +54,7 @@ void askAll(const ParametersClient& visitor, const std::string& transaction,
             const std::string& name) {
   const std::string start = "(" + transaction + ", ";
   static_cast<void>(visitor.answer("GetState" + start + "['" + name + "'])"));
+  static_cast<void>(visitor.answer("GetUses(['" + name + "'])"));
   static_cast<void>(visitor.answer("Explain" + start + "'" + name + "')"));
   static_cast<void>(visitor.answer("ListInstances" + start + "@as [])"));
 }

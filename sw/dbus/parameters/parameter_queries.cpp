@@ -13,10 +13,12 @@
 #include "database/instance_state.h"
 #include "database/present_instances.h"
 #include "database/preview.h"
+#include "database/reads.h"
 #include "database/reason_rows.h"
 #include "sw/dbus/parameters/bus_error.h"
 #include "sw/dbus/spare_memory.h"
 #include "sw/parm/definition_statements.h"
+#include "sw/parm/parm_name.h"
 
 namespace {
 
@@ -333,6 +335,21 @@ void answerGetDefinition(ParametersState& state, MessageReader& in, MessageWrite
       writeDefinition(database, *parm, parm->parm, out);
     } else {
       writeDefinition(database, *index, *index->index, out);
+    }
+  });
+}
+
+void answerGetUses(ParametersState& state, MessageReader& in, MessageWriter& out) {
+  const std::vector<const char*> names = in.texts();
+  returnSpareMemorySoon();
+  Database& database = state.service().database();
+  out.array("as", [&] {
+    for (const char* const name : names) {
+      Work::add(WORK_PER_REQUEST);
+      const ParmEntry* const parm = database.findNamed(name);
+      const IndexTuple indices = splitName(name).indices;
+      const bool isInstance = parm != nullptr && indices.size() == parm->parm.indices().size();
+      out.texts(isInstance ? instancesRead(*parm, indices) : std::set<std::string>());
     }
   });
 }

@@ -15,6 +15,7 @@ void answerList(ParametersState& state, MessageReader& in, MessageWriter& out);
 void answerListNames(ParametersState& state, MessageReader& in, MessageWriter& out);
 void answerListInstances(ParametersState& state, MessageReader& in, MessageWriter& out);
 void answerGetDefinition(ParametersState& state, MessageReader& in, MessageWriter& out);
+void answerGetUses(ParametersState& state, MessageReader& in, MessageWriter& out);
 void answerGetState(ParametersState& state, MessageReader& in, MessageWriter& out);
 void answerExplain(ParametersState& state, MessageReader& in, MessageWriter& out);
 void answerPreview(ParametersState& state, MessageReader& in, MessageWriter& out);

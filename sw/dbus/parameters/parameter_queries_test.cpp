@@ -111,6 +111,14 @@ TEST_F(ParameterQueries, GiveDescriptions) {
   EXPECT_NE(rate.find("\"description\": <\"How fast.\nPer second.\">"), std::string::npos) << rate;
 }
 
+TEST_F(ParameterQueries, GiveUses) {
+  EXPECT_EQ(device_.call(answerGetUses, Names{"boost", "gain[9]", "mode", "gain[77]", "boost"}),
+            "[[\"mode\", \"rate\"], [\"mode\"], [], [\"mode\"], [\"mode\", \"rate\"]]");
+  EXPECT_EQ(device_.call(answerGetUses, Names{"gain", "mode[1]", "no", "port"}),
+            "[[], [], [], []]");
+  EXPECT_EQ(device_.call(answerGetUses, Names()), "[]");
+}
+
 // The numbers are the sums of the flags.
 TEST_F(ParameterQueries, GiveStates) {
   EXPECT_EQ(

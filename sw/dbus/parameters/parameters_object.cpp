@@ -33,6 +33,7 @@ constexpr Method METHODS[] = {
     {PARAMETERS_INTERFACE_NAME, "ListNames", "sas", answerListNames},
     {PARAMETERS_INTERFACE_NAME, "ListInstances", "uas", answerListInstances},
     {PARAMETERS_INTERFACE_NAME, "GetDefinition", "s", answerGetDefinition},
+    {PARAMETERS_INTERFACE_NAME, "GetUses", "as", answerGetUses},
     {PARAMETERS_INTERFACE_NAME, "GetState", "uas", answerGetState},
     {PARAMETERS_INTERFACE_NAME, "Explain", "us", answerExplain},
     {PARAMETERS_INTERFACE_NAME, "Preview", "u", answerPreview},

@@ -15,6 +15,7 @@ std::string exampleText(const std::string& name) {
 
 class CtlTest : public CtlServiceTest {
  protected:
+  using CtlServiceTest::CtlServiceTest;
   void serveExample(const std::string& name, const std::vector<std::string>& constants = {}) {
     serve(exampleText(name), constants);
   }
@@ -205,7 +206,7 @@ TEST_F(CtlTest, AnswersWhatIf) {
               "  position[1] would take 0..719, not 0..1919 (because of mode)\n"
               "  position[2] would take 0..719, not 0..1919 (because of mode)\n"
               "level 2\n"
-              "  blanking would take 0..719, not 0..960 (because of position)\n"},
+              "  blanking would take 0..719, not 0..960 (because of position[1])\n"},
       {.line = "ctl try --strict blanking=2000",
        .out = "level 2\n  blanking: 10 -> 960 (in place of 2000)\n",
        .status = 4},
@@ -223,6 +224,59 @@ TEST_F(CtlTest, AnswersWhatIf) {
       {.line = "ctl get mode", .out = "1080i/50\n"},
       {.line = "ctl transactions"},
   });
+}
+
+// An instance is named where it is read, and not another of its parameter.
+TEST_F(CtlTest, TryNamesTheInstancesThatAreRead) {
+  serve(
+      "count rw { rangeValid { 1..2 } default { 1 } }\n"
+      "i index { rangeValid { 1..2 } }\n"
+      "j index { rangeValid { 1..2 } ctrlValid ( count > 0 ) }\n"
+      "limit rw { index { j } rangeValid { 1..9 } default { 5 } }\n"
+      "gain rw { index { i, j } rangeValid { 0..(limit) } default { 5 } }\n"
+      "mix rw { rangeValid { 0..(limit[1] + count) } default { 5 } }\n"
+      "next rw { rangeValid { 0..(mix) } default { 0 } }\n");
+  expectLines({
+      {.line = "ctl -q up"},
+      {.line = "ctl try 'limit[2]=6'",
+       .out = "level 1\n"
+              "  limit[2]: 5 -> 6\n"
+              "level 2\n"
+              "  gain[1][2] would take 0..6, not 0..5 (because of limit[2])\n"
+              "  gain[2][2] would take 0..6, not 0..5 (because of limit[2])\n"},
+      {.line = "ctl try count=2 'limit[1]=2'",
+       .out = "level 0\n"
+              "  count: 1 -> 2\n"
+              "level 1\n"
+              "  limit[1]: 5 -> 2\n"
+              "level 2\n"
+              "  gain[1][1]: 5 -> 2 (because of count and limit[1])\n"
+              "  gain[2][1]: 5 -> 2 (because of count and limit[1])\n"
+              "  mix: 5 -> 4 (because of count and limit[1])\n"
+              "  gain[1][1] would take 0..2, not 0..5 (because of count and limit[1])\n"
+              "  gain[2][1] would take 0..2, not 0..5 (because of count and limit[1])\n"
+              "  mix would take 0..4, not 0..6 (because of count and limit[1])\n"
+              "level 3\n"
+              "  next would take 0..4, not 0..5 (because of mix)\n"},
+      {.line = "ctl try --json 'limit[2]=6' | grep -o 'because[^]]*' | sort -u",
+       .out = "because\":[\"limit[2\n"},
+  });
+}
+
+class CtlOlderPolicyTest : public CtlTest {
+ protected:
+  CtlOlderPolicyTest()
+      : CtlTest({.policy = "<deny send_interface='org.tavrel.parameters1' "
+                           "send_member='GetUses'/>"}) {}
+};
+
+TEST_F(CtlOlderPolicyTest, TryNamesTheParametersThatAreRead) {
+  serve(
+      "i index { rangeValid { 1..2 } }\nlimit rw { index { i } rangeValid { 1..9 } }\n"
+      "top rw { rangeValid { 0..(limit[1]) } }\n");
+  expectLines({{.line = "ctl try 'limit[1]=6'",
+                .out = "level 0\n  limit[1]: \"\" -> 6\n"
+                       "level 1\n  top would take 0..6, not 0 (because of limit)\n"}});
 }
 
 TEST_F(CtlTest, TellsWhyAndWhatToDo) {

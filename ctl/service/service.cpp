@@ -14,6 +14,7 @@ constexpr BusMethod LIST = {PARAMETERS_INTERFACE, "List", "(a(ssasuu))", QUESTIO
 constexpr BusMethod LIST_NAMES = {PARAMETERS_INTERFACE, "ListNames", "(as)", QUESTION};
 constexpr BusMethod LIST_INSTANCES = {PARAMETERS_INTERFACE, "ListInstances", "(as)", QUESTION};
 constexpr BusMethod GET_DEFINITION = {PARAMETERS_INTERFACE, "GetDefinition", "(a{sv})", QUESTION};
+constexpr BusMethod GET_USES = {PARAMETERS_INTERFACE, "GetUses", "(aas)", QUESTION};
 constexpr BusMethod GET_STATE = {PARAMETERS_INTERFACE, "GetState", "(a(susa(ii)as))", QUESTION};
 constexpr BusMethod EXPLAIN = {PARAMETERS_INTERFACE, "Explain", "(a(ssusa{ss}))", QUESTION};
 constexpr BusMethod PREVIEW = {PARAMETERS_INTERFACE, "Preview", "(a(sssas)a(ss))", QUESTION};
@@ -51,6 +52,11 @@ ExitStatus statusOf(std::string_view errorName) {
           reply.error);
 }
 
+// An older service does not know a call, and an older policy does not allow it.
+bool isOfOlder(const BusReply& reply) {
+  return reply.errorName == UNKNOWN_METHOD || reply.errorName == ACCESS_DENIED;
+}
+
 VariantHolder memberOf(GVariant& tuple, gsize number) {
   return VariantHolder(g_variant_get_child_value(&tuple, number));
 }
@@ -80,6 +86,15 @@ auto eachOf(GVariant& tuple, gsize number, const Read& read) {
 std::string textItself(GVariant& value) { return g_variant_get_string(&value, nullptr); }
 
 Names textsOf(GVariant& tuple, gsize number) { return eachOf(tuple, number, textItself); }
+
+// Those of an array itself.
+Names namesIn(GVariant& list) {
+  Names names;
+  const gsize count = g_variant_n_children(&list);
+  names.reserve(count);
+  for (gsize i = 0; i < count; ++i) names.push_back(textOf(list, i));
+  return names;
+}
 
 Span spanOf(GVariant& pair) {
   return {g_variant_get_int32(memberOf(pair, 0).get()),
@@ -195,8 +210,7 @@ Names Service::names(const std::string& pattern, const Names& access) {
   const BusReply reply =
       bus_.call({LIST_NAMES, g_variant_new("(s@as)", pattern.c_str(), listOf(access))});
   if (reply.outcome == BUS_ANSWERED) return textsOf(*reply.value, 0);
-  // An older service does not know the call, and an older policy does not allow it.
-  if (reply.errorName != UNKNOWN_METHOD && reply.errorName != ACCESS_DENIED) giveUp(reply);
+  if (!isOfOlder(reply)) giveUp(reply);
   Names names;
   for (const ListedParameter& listed : list(pattern)) {
     const bool isWanted =
@@ -222,6 +236,13 @@ std::optional<std::vector<InstanceState>> Service::tryStates(bool mayGo) {
 
 Names Service::instances(uint32_t transaction, const Names& names) {
   return textsOf(*ask(LIST_INSTANCES, withNames(transaction, names)), 0);
+}
+
+std::optional<std::vector<Names>> Service::uses(const Names& names) {
+  const BusReply reply = bus_.call({GET_USES, g_variant_new("(@as)", listOf(names))});
+  if (reply.outcome == BUS_ANSWERED) return eachOf(*reply.value, 0, namesIn);
+  if (!isOfOlder(reply)) giveUp(reply);
+  return std::nullopt;
 }
 
 std::vector<InstanceState> Service::states(uint32_t transaction, const Names& names) {

@@ -31,6 +31,9 @@ class Service {
   /// and it `mayGo`.
   [[nodiscard]] std::optional<std::vector<InstanceState>> tryStates(bool mayGo);
   [[nodiscard]] Names instances(uint32_t transaction, const Names& names);
+  /// The other instances that each of the instances reads; nullopt where the service is too old to
+  /// tell.
+  [[nodiscard]] std::optional<std::vector<Names>> uses(const Names& names);
   [[nodiscard]] std::vector<InstanceState> states(uint32_t transaction, const Names& names);
   /// One each, in the order of the names; empty where there is no such instance.
   [[nodiscard]] std::vector<std::vector<Reason>> explain(uint32_t transaction, const Names& names);

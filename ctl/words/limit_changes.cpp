@@ -42,15 +42,32 @@ bool isSame(const InstanceState& one, const InstanceState& other) {
          one.texts == other.texts;
 }
 
+// Those of the changed instances that each reads, in place of their base names.
+void nameInstances(Client& client, const std::set<std::string>& changed,
+                   std::vector<LimitChange>& different) {
+  Names names;
+  for (const LimitChange& each : different) names.push_back(each.after.name);
+  const std::optional<std::vector<Names>> uses = client.service.uses(names);
+  for (size_t i = 0; uses && i < names.size(); ++i) {
+    Names causes = (*uses)[i];
+    std::erase_if(causes, [&](const std::string& name) { return !changed.contains(name); });
+    // Where only what they read in turn has changed, a base name is better than none.
+    if (!causes.empty()) different[i].because = std::move(causes);
+  }
+}
+
 }  // namespace
 
 std::vector<LimitChange> limitChanges(Client& client, uint32_t transaction,
                                       const std::vector<Change>& changes) {
   std::set<std::string> changed;
+  std::set<std::string> changedBases;
   for (const Change& change : changes) {
-    if (change.before != change.after) changed.emplace(baseOf(change.name));
+    if (change.before == change.after) continue;
+    changed.insert(change.name);
+    changedBases.emplace(baseOf(change.name));
   }
-  const Causes users = parametersUsing(client, {changed.begin(), changed.end()});
+  const Causes users = parametersUsing(client, {changedBases.begin(), changedBases.end()});
   Names bases;
   for (const auto& [name, causes] : users) bases.push_back(name);
   if (bases.empty()) return {};
@@ -69,6 +86,7 @@ std::vector<LimitChange> limitChanges(Client& client, uint32_t transaction,
     const std::set<std::string>& causes = users.at(std::string(baseOf(names[i])));
     different.push_back({before[i], after[i], {causes.begin(), causes.end()}});
   }
+  nameInstances(client, changed, different);
   return different;
 }
 

@@ -9,7 +9,8 @@
 struct LimitChange {
   InstanceState before;
   InstanceState after;
-  std::vector<std::string> because;  ///< the base names of changed parameters that it refers to
+  /// The changed instances that it reads; their base names where the service cannot tell.
+  std::vector<std::string> because;
 };
 
 /// Of the instances that refer to one of the changes, those that would be different, by name.

@@ -30,10 +30,10 @@ struct Effect {
   Json json;
 };
 
+// A value that is stored as it is asked for is its own cause.
 std::string causeText(const std::string& name, const std::vector<std::string>& because) {
-  Names others = because;
-  std::erase(others, name);
-  return others.empty() ? "" : "because of " + namesText(others);
+  const bool isAsked = std::ranges::find(because, name) != because.end();
+  return isAsked || because.empty() ? "" : "because of " + namesText(because);
 }
 
 // Values that would be stored as other ones: what is asked for `before`, what is stored `after`.

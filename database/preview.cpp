@@ -52,7 +52,10 @@ class Previewing {
       out.changes.push_back({name, tried.before, tried.after, causesOf(name, tried)});
     }
     for (const auto& [name, code] : staged_) {
-      if (!isAccepted(*code)) out.refusals.push_back({name, whyNot(name, *code)});
+      if (!isAccepted(*code)) refused_.insert_or_assign(name, Refused{*code, IS_STAGED});
+    }
+    for (const auto& [name, refused] : refused_) {
+      out.refusals.push_back({name, whyNot(name, refused)});
     }
     return result;
   }
@@ -61,11 +64,20 @@ class Previewing {
   // What became of a value behind a refusal in its level; no code of the engine's.
   static constexpr auto PASSED_OVER = static_cast<SetCode>(100);
 
+  // A follower that refuses its value makes the commit fail.
+  enum Role { IS_STAGED, IS_FOLLOWER };
+  struct Refused {
+    SetCode code;
+    Role role;
+  };
+
   void note(const StagedEntry& entry, SetCode code) {
     std::string name = fullName(entry);
     // A value that was staged is judged with its own level, and maybe once more as a follower.
     if (const auto own = staged_.find(name); own != staged_.end() && !own->second) {
       own->second = code;
+    } else if (code != PASSED_OVER && code != SET_RULE_FAILS && stepResult(code) != 0) {
+      refused_.insert_or_assign(name, Refused{code, IS_FOLLOWER});
     }
     if (code == SET_STORED_UNREPORTED && entry.value.text() != committedText(entry)) {
       unreported_.insert(name);
@@ -91,11 +103,12 @@ class Previewing {
     return causes;
   }
 
-  [[nodiscard]] std::string whyNot(const std::string& name, SetCode code) const {
+  [[nodiscard]] std::string whyNot(const std::string& name, const Refused& refused) const {
+    const auto [code, role] = refused;
     if (code == PASSED_OVER) return "another value of its level is refused";
     Explanation explanation;
     Database& database = transaction_.database();
-    const bool isFirst = !database.findNamed(name)->hasDependents();
+    const bool isFirst = role == IS_STAGED && !database.findNamed(name)->hasDependents();
     if (explain(database, isFirst ? first_ : copies_, name, explanation) != EXPLAIN_DONE) {
       return "there is no instance with so many index values";
     }
@@ -110,6 +123,7 @@ class Previewing {
   StagedValues first_;   // what the values without dependents are judged with
   StagedValues copies_;  // what the commit would leave
   std::map<std::string, std::optional<SetCode>> staged_;  // what became of each staged value
+  std::map<std::string, Refused> refused_;                // by full name
   std::map<std::string, Tried> changes_;                  // by full name
   std::set<std::string> unreported_;                      // "rostrict" instances that change
 };

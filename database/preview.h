@@ -15,7 +15,7 @@ struct PreviewedChange {
   std::vector<std::string> because;
 };
 
-/// A staged value that a commit would not store.
+/// A staged value that a commit would not store, or a follower's that makes it fail.
 struct PreviewedRefusal {
   std::string name;  ///< the full name
   std::string why;   ///< in words, with the line and the statement where one decides

@@ -123,6 +123,47 @@ TEST(Previews, TellWhyInTheSituationInWhichAValueIsJudged) {
             "turbo: does not exist, line 3: ctrlValid (speed == 4)\n");
 }
 
+// One that takes no value any more makes the commit fail that has changed what it follows.
+TEST(Previews, TellWhichFollowersMakeTheCommitFail) {
+  Database database;
+  define(database,
+         "mode rw { rangeValid { 0..2 } }\n"
+         "bad rw { rangeValid { 0..9 } rangeValid (mode == 1) { 20..30 } }\n"
+         "good rw { rangeValid (mode > 0) { 3..4 } rangeValid { 0..4 } }\n"
+         "worse rw { rangeValid { 0..9 } rangeValid (bad == 7) { 20..30 } }\n");
+  Transaction first(database);
+  for (const char* const name : {"bad", "good", "worse"}) {
+    ASSERT_EQ(first.set(name, "2", false), STAGE_DONE);
+  }
+  std::vector<std::string> names;
+  ASSERT_EQ(commitNames(first, names), COMMIT_DONE);
+  const struct {
+    std::vector<std::pair<const char*, const char*>> staged;
+    const char* expected;
+    int result;
+  } cases[] = {
+      {{{"mode", "2"}}, "good: 2 -> 3 (mode)\nmode:  -> 2 (mode)\n", COMMIT_DONE},
+      {{{"mode", "1"}},
+       "mode:  -> 1 (mode)\n"
+       "bad: its value is refused, line 2: rangeValid (mode == 1) { 20..30 }\n",
+       COMMIT_INVALID_VALUE},
+      // Stored at first, and refused when it follows.
+      {{{"bad", "7"}, {"worse", "5"}},
+       "bad: 2 -> 7 (bad)\n"
+       "worse: its value is refused, line 4: rangeValid (bad == 7) { 20..30 }\n",
+       COMMIT_INVALID_VALUE},
+  };
+  for (const auto& [staged, expected, result] : cases) {
+    Transaction transaction(database);
+    for (const auto& [name, value] : staged) {
+      ASSERT_EQ(transaction.set(name, value, false), STAGE_DONE) << name;
+    }
+    Preview found;
+    EXPECT_EQ(preview(transaction, found), result) << expected;
+    EXPECT_EQ(shown(found), expected);
+  }
+}
+
 TEST(RandomPreviews, TellWhatTheirCommitDoes) {
   const LogRedirection silence([](const std::string& /*line*/) {});
   size_t changes = 0;

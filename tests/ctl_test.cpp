@@ -437,6 +437,26 @@ TEST_F(CtlTest, UnlocksWhatItsIndexHides) {
   });
 }
 
+TEST_F(CtlTest, NamesWhatCannotFollow) {
+  serve(
+      "sel rw { rangeValid { 1..3 } default { 1 } }\n"
+      "bad rw { rangeValid { 0..9 } rangeValid (sel == 3) { 20..30 } default { 1 } }\n");
+  const std::string why =
+      "bad cannot follow: it refuses the value, line 2: rangeValid (sel == 3) { 20..30 }\n";
+  expectLines({
+      {.line = "ctl set -q sel=1 bad=1; ctl why sel=3 | sed -n 2p",
+       .out = "3 would make the commit fail: " + why},
+      {.line = "ctl try -q sel=3", .err = "the commit would fail: " + why, .status = 1},
+      {.line = "ctl try --json sel=3 2>&1 | grep -o '\"refused.*'",
+       .out = R"("refused":[{"name":"bad","why":"its value is refused, line 2: )"
+              "rangeValid (sel == 3) { 20..30 }\"}]}\n"},
+      {.line = "ctl set sel=3",
+       .out = "sel = 3\n",
+       .err = "Commit failed because parameter definition is invalid\n" + why,
+       .status = 1},
+  });
+}
+
 TEST_F(CtlTest, EndsTheSearchForUnlocks) {
   std::string keys;
   std::string locks;

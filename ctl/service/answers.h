@@ -80,7 +80,8 @@ struct Refusal {
 /// What a commit would do.
 struct Preview {
   std::vector<Change> changes;  ///< ascending by name
-  std::vector<Refusal> refused;
+  std::vector<Refusal> refused = {};
+  std::vector<Refusal> failing = {};  ///< what is not staged, and makes the commit fail
 };
 
 /// A row of ListTransactions.

@@ -277,7 +277,17 @@ std::vector<Definition> Service::definitions(const Names& names) {
 
 Preview Service::preview(uint32_t transaction) {
   const VariantHolder reply = ask(PREVIEW, g_variant_new("(u)", transaction));
-  return {eachOf(*reply, 0, previewedOf), eachOf(*reply, 1, refusalOf)};
+  Preview preview = {.changes = eachOf(*reply, 0, previewedOf)};
+  std::vector<Refusal> refused = eachOf(*reply, 1, refusalOf);
+  if (refused.empty()) return preview;
+  Names names;
+  for (const Refusal& refusal : refused) names.push_back(refusal.name);
+  const std::vector<InstanceState> all = states(transaction, names);
+  for (size_t i = 0; i < all.size(); ++i) {
+    auto& list = all[i].is(STATE_STAGED) ? preview.refused : preview.failing;
+    list.push_back(std::move(refused[i]));
+  }
+  return preview;
 }
 
 std::vector<OpenTransaction> Service::transactions() {

@@ -112,6 +112,10 @@ std::string refusalSentence(const std::string& why) {
   return "it refuses the value" + why.substr(VALUE_REFUSED.size());
 }
 
+std::string failureSentence(const Refusal& failing) {
+  return quotedWord(failing.name) + " cannot follow: " + refusalSentence(failing.why);
+}
+
 AskedStates findStates(Client& client, uint32_t transaction, const Names& asked) {
   AskedStates out;
   out.isList = asked.size() > 1;

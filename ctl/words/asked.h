@@ -23,6 +23,9 @@ void complainOfUnknown(Client& client, const Names& names);
 /// What the service says of a staged name that it refuses, as a sentence, mostly about "it".
 std::string refusalSentence(const std::string& why);
 
+/// Why a follower makes a commit fail, as a sentence.
+std::string failureSentence(const Refusal& failing);
+
 /// Stages the values. Ends the program with complaints where one is refused at once.
 void stage(Client& client, uint32_t transaction, const std::vector<Assignment>& assignments,
            bool isStatus = false);

@@ -123,7 +123,10 @@ int commitAndTell(Client& client, uint32_t transaction, const std::vector<Wanted
                   const TellOptions& options) {
   const Preview preview = previewAccepted(client, transaction);
   const std::optional<std::string> failure = client.service.commit(transaction);
-  if (failure) complain(*failure);
+  if (failure) {
+    complain(*failure);
+    for (const Refusal& each : preview.failing) complain(failureSentence(each));
+  }
   const std::vector<Stored> stored = storedValues(client, wanted);
   std::vector<Change> followers;
   for (const Change& change : preview.changes) {

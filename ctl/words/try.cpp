@@ -127,8 +127,8 @@ class TryReport {
     }
   }
 
-  void print(const std::vector<Refusal>& refused) const {
-    if (client_.out.isJson()) return client_.out.json(json(refused));
+  void print(const Preview& preview) const {
+    if (client_.out.isJson()) return client_.out.json(json(preview));
     std::vector<Effect> all = changes_;
     all.insert(all.end(), limits_.begin(), limits_.end());
     std::ranges::stable_sort(all, {}, &Effect::level);
@@ -153,12 +153,14 @@ class TryReport {
     effects.push_back(std::move(effect));
   }
 
-  [[nodiscard]] Json json(const std::vector<Refusal>& refused) const {
+  [[nodiscard]] Json json(const Preview& preview) const {
     Json json = {{"changes", Json::array()}, {"limits", Json::array()}, {"refused", Json::array()}};
     for (const Effect& effect : changes_) json["changes"].push_back(effect.json);
     for (const Effect& effect : limits_) json["limits"].push_back(effect.json);
-    for (const Refusal& refusal : refused) {
-      json["refused"].push_back({{"name", refusal.name}, {"why", refusal.why}});
+    for (const auto& list : {preview.refused, preview.failing}) {
+      for (const Refusal& refusal : list) {
+        json["refused"].push_back({{"name", refusal.name}, {"why", refusal.why}});
+      }
     }
     return json;
   }
@@ -179,9 +181,13 @@ int tryCommit(Client& client, const TryArguments& arguments) {
   TryReport report(client, levels);
   report.add(preview.changes, cuts);
   report.add(limitChanges(client, transaction.id(), preview.changes));
-  report.print(preview.refused);
+  report.print(preview);
   const int status = complainOfRefusals(client, preview.refused);
+  for (const Refusal& each : preview.failing) {
+    complain("the commit would fail: " + failureSentence(each));
+  }
   if (status != STATUS_DONE) return status;
+  if (!preview.failing.empty()) return STATUS_REFUSED;
   return arguments.isStrict && !cuts.empty() ? STATUS_CUT : STATUS_DONE;
 }
 

@@ -140,6 +140,11 @@ Verdict judge(Client& client, const Assignment& wanted, const InstanceState& sta
     verdict.sentence = shown + " would be refused";
     return verdict;
   }
+  if (!preview.failing.empty()) {
+    verdict.sentence =
+        shown + " would make the commit fail: " + failureSentence(preview.failing.front());
+    return verdict;
+  }
   const auto own = std::ranges::find(preview.changes, wanted.name, &Change::name);
   const std::string after = own == preview.changes.end() ? state.value : own->after;
   verdict.isStored = isSameValue(verdict.value, after);

@@ -437,6 +437,48 @@ TEST_F(CtlTest, UnlocksWhatItsIndexHides) {
   });
 }
 
+// What is shown has been tried, in as many commits as are shown: none of them may fail.
+TEST_F(CtlTest, ShowsUnlocksThatWork) {
+  // Nothing depends on far, so it is judged before mid has followed.
+  serve(
+      "sel rw { rangeValid { 1..4 } default { 1 } }\n"
+      "mid ro { rangeValid { (sel * 10) } }\n"
+      "far rw { rangeValid { 0..(mid) } default { 5 } }\n"
+      "bad rw { rangeValid { 0..9 } rangeValid (sel == 3) { 20..30 } default { 1 } }\n"
+      "near rw { rangeValid { 0..(mid) } default { 5 } }\n"
+      "worse rw { rangeValid { 0..9 } rangeValid (near == 12) { 20..30 } default { 1 } }\n"
+      "needs rw { rangeValid { 0..(mid) } default { 5 } }\n"
+      "pair rw { rangeValid { 0..9 } rangeValid (sel == 4 && needs < 35) { 20..30 } default { 1 } }"
+      "\n");
+  const std::string none =
+      "no change of one or two parameters that makes it possible was found in ";
+  const struct {
+    const char* goal;
+    std::string shown;
+    const char* value;  // after that; none where nothing is shown
+  } cases[] = {
+      {"far=15", "to have it stored: ostrelctl set sel=2 && ostrelctl set far=15", "15"},
+      {"far=25", none + "N trials", nullptr},  // with sel=3, bad cannot follow
+      {"near=15", "to have it stored: ostrelctl set sel=2 near=15", "15"},
+      {"near=12", none + "N trials", nullptr},   // worse cannot follow
+      {"needs=33", none + "N trials", nullptr},  // pair cannot, with sel=4
+      // With sel=4 alone pair cannot follow.
+      {"needs=38", "to have it stored: ostrelctl set sel=4 needs=38", "38"},
+  };
+  for (const auto& [goal, shown, value] : cases) {
+    const std::string name = std::string(goal).substr(0, std::string(goal).find('='));
+    expectLines({{.line = "ctl reset -q '*'; ctl reset -q '*'; ctl why " + std::string(goal) +
+                          " | sed -n 's/[0-9]* trials/N trials/; s/ (this.*//; /^to\\|^no/p'",
+                  .out = shown.empty() ? "" : shown + "\n"}});
+    if (value == nullptr) continue;
+    std::string command = shown.substr(shown.find("ostrelctl"));
+    for (size_t at = 0; (at = command.find("ostrelctl")) != std::string::npos;) {
+      command.replace(at, 9, "ctl -q");
+    }
+    expectLines({{.line = command + " && ctl get " + name, .out = std::string(value) + "\n"}});
+  }
+}
+
 TEST_F(CtlTest, NamesWhatCannotFollow) {
   serve(
       "sel rw { rangeValid { 1..3 } default { 1 } }\n"

@@ -6,6 +6,7 @@
 #include <set>
 
 #include "base/number.h"
+#include "ctl/service/bulk.h"
 #include "ctl/text/assignment.h"
 #include "ctl/text/range_text.h"
 #include "ctl/words/candidates.h"
@@ -34,7 +35,11 @@ class UnlockTrials {
     if (!isReached(client_.service.states(transaction.id(), {goal_.name}).front())) {
       return std::nullopt;
     }
-    return checked(changes, client_.service.preview(transaction.id()));
+    std::optional<Unlock> alone = previewed(transaction, changes, changes);
+    if (!goal_.value) return alone;
+    std::optional<Unlock> together = tryTogether(changes);
+    if (together || !alone) return together;
+    return tryBehind(*alone);
   }
 
  private:
@@ -50,19 +55,53 @@ class UnlockTrials {
     return trial;
   }
 
-  static std::optional<Unlock> checked(const std::vector<Assignment>& changes,
-                                       const Preview& preview) {
-    if (!preview.refused.empty()) return std::nullopt;
-    Unlock unlock = {.changes = changes};
+  [[nodiscard]] Assignment wanted() const { return {goal_.name, *goal_.value}; }
+
+  [[nodiscard]] std::vector<Assignment> withWanted(std::vector<Assignment> changes) const {
+    changes.push_back(wanted());
+    return changes;
+  }
+
+  // One commit of the changes and the value.
+  std::optional<Unlock> tryTogether(const std::vector<Assignment>& changes) {
+    const std::vector<Assignment> all = withWanted(changes);
+    const OwnTransaction transaction(client_.service);
+    if (!client_.service.set(transaction.id(), all, false).empty()) return std::nullopt;
+    return previewed(transaction, changes, all);
+  }
+
+  // A commit of the value behind that of the changes: what that one leaves is staged, as by the
+  // device itself, so that nothing else follows.
+  std::optional<Unlock> tryBehind(const Unlock& first) {
+    std::vector<Assignment> left = first.changes;
+    for (const Change& effect : first.effects) left.push_back({effect.name, effect.after});
+    const OwnTransaction transaction(client_.service);
+    if (!stageValues(client_.service, transaction.id(), left, true).empty()) return std::nullopt;
+    if (!client_.service.set(transaction.id(), {wanted()}, false).empty()) return std::nullopt;
+    std::optional<Unlock> found = previewed(transaction, first.changes, withWanted(first.changes));
+    if (found) found->commits = {first.changes, {wanted()}};
+    return found;
+  }
+
+  // What else changes, where a commit stores all that is `asked` as it is, and does not fail.
+  std::optional<Unlock> previewed(const OwnTransaction& transaction,
+                                  const std::vector<Assignment>& changes,
+                                  const std::vector<Assignment>& asked) {
+    const Preview preview = client_.service.preview(transaction.id());
+    if (!preview.refused.empty() || !preview.failing.empty()) return std::nullopt;
+    Unlock unlock = {.changes = changes, .commits = {asked}};
+    std::map<std::string, std::string> after;
     for (const Change& change : preview.changes) {
-      const auto own = std::ranges::find(changes, change.name, &Assignment::name);
-      if (own == changes.end()) {
-        if (change.before != change.after) unlock.effects.push_back(change);
-      } else if (!isSameValue(own->value, change.after)) {
-        return std::nullopt;
-      }
+      after.emplace(change.name, change.after);
+      const auto own = std::ranges::find(asked, change.name, &Assignment::name);
+      if (own == asked.end() && change.before != change.after) unlock.effects.push_back(change);
     }
-    return unlock;
+    // What is tried is another value than the present one, so it changes unless it is cut.
+    const bool areStored = std::ranges::all_of(asked, [&](const Assignment& each) {
+      const auto found = after.find(each.name);
+      return found != after.end() && isSameValue(each.value, found->second);
+    });
+    return areStored ? std::optional(std::move(unlock)) : std::nullopt;
   }
 
   Client& client_;

@@ -1,10 +1,10 @@
 // Unlocking: which changes of other parameters would let an instance be written, or take a value.
 //
 // Candidates are the parameters that the deciding statements use, with the values that they take.
-// Each set of changes is tried in a transaction of its own, which the service judges; nothing is
-// stored. First changes of one parameter are tried, then of two. Where that finds none, candidates
-// are also those of the statements that do not decide yet: another lock behind the first, and what
-// limits a candidate.
+// Each set of changes is tried in a transaction of its own, which the service judges, and so is
+// each commit that it takes to store the value; nothing is stored. First changes of one parameter
+// are tried, then of two. Where that finds none, candidates are also those of the statements that
+// do not decide yet: another lock behind the first, and what limits a candidate.
 #pragma once
 
 #include <optional>
@@ -21,7 +21,9 @@ struct UnlockGoal {
 
 /// Changes that reach the goal.
 struct Unlock {
-  std::vector<Assignment> changes;
+  std::vector<Assignment> changes = {};
+  /// The changes, and the wanted value, as they are to be committed: it may need a second commit.
+  std::vector<std::vector<Assignment>> commits = {};
   std::vector<Change> effects = {};  ///< what else they change
 };
 

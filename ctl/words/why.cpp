@@ -68,27 +68,12 @@ std::string effectsText(const std::vector<Change>& effects, const UnlockGoal& go
   return " (this also changes " + namesText(names, MOST_SHOWN) + ")";
 }
 
-// Whether one commit does for both the changes and the value.
-bool isOneCommit(Client& client, const std::vector<Assignment>& changes, const Assignment& wanted) {
-  const OwnTransaction transaction(client.service);
-  std::vector<Assignment> all = changes;
-  all.push_back(wanted);
-  if (!client.service.set(transaction.id(), all, false).empty()) return false;
-  const Preview preview = client.service.preview(transaction.id());
-  const auto own = std::ranges::find(preview.changes, wanted.name, &Change::name);
-  return preview.refused.empty() && own != preview.changes.end() &&
-         isSameValue(own->after, wanted.value);
-}
-
-std::string commandsOf(Client& client, const Unlock& unlock, const UnlockGoal& goal) {
-  if (!goal.value) return setCommand(client, unlock.changes);
-  const Assignment wanted = {goal.name, *goal.value};
-  if (!isOneCommit(client, unlock.changes, wanted)) {
-    return setCommand(client, unlock.changes) + " && " + setCommand(client, {wanted});
+std::string commandsOf(const Client& client, const Unlock& unlock) {
+  std::string commands;
+  for (const std::vector<Assignment>& commit : unlock.commits) {
+    commands += (commands.empty() ? "" : " && ") + setCommand(client, commit);
   }
-  std::vector<Assignment> all = unlock.changes;
-  all.push_back(wanted);
-  return setCommand(client, all);
+  return commands;
 }
 
 // Not everything is tried: that none was found is all that can be said.
@@ -108,7 +93,7 @@ void addUnlocks(Client& client, const UnlockGoal& goal, const std::vector<Reason
   for (size_t i = 0; i < search.found.size(); ++i) {
     answer.json["unlocks"].push_back(jsonOf(search.found[i]));
     if (i >= MOST_SHOWN) continue;
-    answer.lines.push_back(start + commandsOf(client, search.found[i], goal) +
+    answer.lines.push_back(start + commandsOf(client, search.found[i]) +
                            effectsText(search.found[i].effects, goal));
     start = "or: ";
   }

@@ -153,6 +153,7 @@ TEST_F(ParametersInterfaceTest, GetDefinitionGivesAllOfOne) {
        "{'access': <'wo'>, 'indices': <@as []>, 'line': <uint32 15>, 'level': <uint32 0>, "
        "'statements': <@a(us) []>, 'translations': <@a(ss) []>, 'uses': <@as []>, 'used-by': "
        "<@as []>, 'description': <''>}"},
+      {"GetUses(['gain[9][left]', 'double', 'nosuch'])", "[['double', 'mode'], ['rate'], []]"},
       {"GetDefinition('nosuch')", "UnknownParameter: No definition has the name \"nosuch\""},
       {"GetDefinition('gain[9][left]')",
        "UnknownParameter: No definition has the name \"gain[9][left]\""},

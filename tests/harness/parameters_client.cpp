@@ -54,7 +54,8 @@ Reply ParametersClient::call(const std::string& text) const {
   if (isOfProperties && type->second.size() > 3) {
     arguments.insert(1, "'" + std::string(PARAMETERS_INTERFACE) + "', ");
   }
-  if (type->second.size() == 3) arguments.insert(arguments.size() - 1, ",");
+  const bool isAlone = type->second.size() == 3 || type->second == "(as)";
+  if (isAlone) arguments.insert(arguments.size() - 1, ",");
   GError* error = nullptr;
   GVariant* const tuple = g_variant_parse(G_VARIANT_TYPE(type->second.c_str()), arguments.c_str(),
                                           nullptr, nullptr, &error);

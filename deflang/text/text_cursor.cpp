@@ -1,17 +1,12 @@
 #include "deflang/text/text_cursor.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "deflang/text/text_pieces.h"
 
-namespace {
-
-bool isComment(std::string_view line) { return line.substr(firstWord(line)).starts_with('#'); }
-
-}  // namespace
-
 bool TextCursor::pullLine() {
+  cutExcerpt(line_.ends_with('\n') ? line_.size() - 1 : line_.size());
+  excerptFrom_ = 0;
   do {
     column_ = 0;
     const Position last = std::exchange(start_, {start_.line + 1, 0});
@@ -20,22 +15,51 @@ bool TextCursor::pullLine() {
       start_ = {last.line, 0};
       return false;
     }
-  } while (isComment(line_));
+    word_ = firstWord(line_);
+  } while (word_ < line_.size() && line_[word_] == '#');
   const size_t nul = line_.find('\0');
   if (nul == std::string_view::npos) return true;
   column_ = nul;
   return fail(PARSE_SYNTAX_ERROR);
 }
 
+// As skipWhiteSpace(), which has gone on from `begin` to the end of the white space on the line.
+bool TextCursor::skipFrom(size_t begin) {
+  cutExcerpt(begin);
+  excerptFrom_ = line_.size();
+  bool isSkipped = column_ > begin;
+  while (column_ == line_.size() && pullLine()) {
+    column_ = word_;
+    isSkipped = isSkipped || column_ > 0;
+  }
+  // Where one piece of a long line ends and the next begins there is no white space.
+  if (isSkipped && isExcerpting_) excerpt_ += ' ';
+  excerptFrom_ = column_;
+  return column_ < line_.size() && result_ == PARSE_DONE;
+}
+
+// Takes what is on this line before `end` into the excerpt.
+void TextCursor::cutExcerpt(size_t end) {
+  if (!isExcerpting_ || end <= excerptFrom_) return;
+  excerpt_ += line_.substr(excerptFrom_, end - excerptFrom_);
+}
+
+std::string_view TextCursor::endExcerpt() {
+  isExcerpting_ = false;
+  const std::string_view last = line_.substr(excerptFrom_, column_ - excerptFrom_);
+  return excerpt_.empty() ? last : excerpt_ += last;
+}
+
 bool TextCursor::failAt(Position at, ParseResult result) {
   const bool isHere = at.line == start_.line && at.column >= start_.column;
-  column_ = isHere ? at.column - start_.column : firstWord(line_);
+  column_ = isHere ? at.column - start_.column : word_;
   return fail(result);
 }
 
 size_t firstWord(std::string_view line) {
-  return static_cast<size_t>(std::find_if_not(line.begin(), line.end(), isWhiteSpace) -
-                             line.begin());
+  size_t first = 0;
+  while (first < line.size() && isWhiteSpace(line[first])) ++first;
+  return first;
 }
 
 TextCursor::NextLine linesIn(std::string_view text) {

@@ -17,6 +17,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <string_view>
 
 #include "base/arena.h"
@@ -108,16 +109,27 @@ class TextCursor {
   /// Goes to the next character that is no white space, on this line or a later one. Returns false
   /// as pullLine() does.
   bool skipWhiteSpace() {
-    do {
-      while (column_ < line_.size() && isWhiteSpace(line_[column_])) ++column_;
-    } while (column_ == line_.size() && pullLine());
-    return column_ < line_.size() && result_ == PARSE_DONE;
+    const size_t begin = column_;
+    while (column_ < line_.size() && isWhiteSpace(line_[column_])) ++column_;
+    const bool isBlank = column_ == begin + 1 && line_[begin] == ' ';
+    const bool isExcerpt = column_ == begin || isBlank;
+    return column_ < line_.size() && isExcerpt ? result_ == PARSE_DONE : skipFrom(begin);
   }
   /// Goes past `sign` and the white space before it. Returns false where the text ends, and where
   /// something else comes next, which is a syntax error.
   bool expect(std::string_view sign) {
     return skipWhiteSpace() && (take(sign) || fail(PARSE_SYNTAX_ERROR));
   }
+  /// Begins an excerpt of what is read from here on.
+  void beginExcerpt() {
+    excerpt_.clear();
+    excerptFrom_ = column_;
+    isExcerpting_ = true;
+  }
+  /// Ends it here. It is the text as it is written, but that white space between words is one
+  /// blank, and that comments are left out, and the line ends within a quoted text. Valid until the
+  /// next line is pulled and the next excerpt begins.
+  [[nodiscard]] std::string_view endExcerpt();
   /// Ends the reading with an error here. Returns false, so that a reading function can end with
   /// `return cursor.fail(...)`.
   bool fail(ParseResult result) {
@@ -133,10 +145,17 @@ class TextCursor {
  private:
   NextLine nextLine_;
   Arena& arena_;
+  bool skipFrom(size_t begin);
+  void cutExcerpt(size_t end);
+
   std::string_view line_;
-  Position start_;  // of line_
+  Position start_;   // of line_
+  size_t word_ = 0;  // the first of line_
   size_t column_ = 0;
   ParseResult result_ = PARSE_DONE;
+  std::string excerpt_;  // without what is on this line from excerptFrom_ on
+  size_t excerptFrom_ = 0;
+  bool isExcerpting_ = false;
 };
 
 /// The byte offset of the first character of `line` that is no white space; the length of `line`

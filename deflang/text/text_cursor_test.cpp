@@ -37,6 +37,32 @@ TextCursor cursorOf(std::string_view text) {
   return cursor;
 }
 
+// White space between words is one blank, comments are left out.
+TEST(TextCursor, GivesAnExcerptOfWhatIsRead) {
+  constexpr StopSet stops("{}");
+  const struct {
+    std::string_view text;
+    std::string_view excerpt;
+  } cases[] = {
+      {"gain{}", "gain{}"},
+      {"gain { }", "gain { }"},
+      {"gain\t{\r\n\n  } }", "gain { }"},
+      {"gain  { }", "gain { }"},
+      {"gain{\n# comment }\n}", "gain{ }"},
+  };
+  for (const auto& [text, excerpt] : cases) {
+    SCOPED_TRACE(text);
+    TextCursor cursor = cursorOf(text);
+    cursor.beginExcerpt();
+    cursor.advance(cursor.word(stops).size());
+    EXPECT_TRUE(cursor.expect("{"));
+    EXPECT_TRUE(cursor.expect("}"));
+    EXPECT_EQ(cursor.endExcerpt(), excerpt);
+    cursor.beginExcerpt();
+    EXPECT_EQ(cursor.endExcerpt(), "");
+  }
+}
+
 TEST(TextCursor, ReadsAWordWithoutGoingOn) {
   constexpr StopSet stops(",");
   struct Case {

@@ -220,13 +220,13 @@ DeviceCoverage::DeviceCoverage(Database& database, TextCoverage& coverage)
   }
 }
 
-DeviceCoverage::Statement DeviceCoverage::statementOf(uint32_t number) {
-  return number == 0 ? nullptr : &coverage_.statements()[number - 1];
+DeviceCoverage::Statement DeviceCoverage::statementOf(const StatementPlace& number) {
+  return number.line == 0 ? nullptr : &coverage_.statements()[number.line - 1];
 }
 
 DeviceCoverage::Statements DeviceCoverage::statementsOf(const StatementLines::List& numbers) {
   Statements statements;
-  for (const uint32_t number : numbers) statements.push_back(statementOf(number));
+  for (const StatementPlace& number : numbers) statements.push_back(statementOf(number));
   return statements;
 }
 

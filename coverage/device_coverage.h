@@ -59,7 +59,7 @@ class DeviceCoverage {
 
   [[nodiscard]] Marks marksOf(DefinitionCoverage& definition, const StatementLines& numbers);
   [[nodiscard]] Statements statementsOf(const StatementLines::List& numbers);
-  [[nodiscard]] Statement statementOf(uint32_t number);
+  [[nodiscard]] Statement statementOf(const StatementPlace& number);
   void noteDecided(const Marks& marks, const IndexDef& definition, const ParmDef* parm,
                    const std::vector<Statement>& own);
   template <typename Note>

@@ -36,9 +36,9 @@ void TextCoverage::addStatements(std::string_view keyword, List& list,
     statements_.push_back({.definition = definitions_.size() - 1,
                            .keyword = keyword,
                            .place = place++,
-                           .line = statement.line,
+                           .line = statement.place.line,
                            .hasCondition = hasCondition(statement)});
-    statement.line = static_cast<uint32_t>(statements_.size());
+    statement.place.line = static_cast<uint32_t>(statements_.size());
   }
 }
 

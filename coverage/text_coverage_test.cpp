@@ -61,6 +61,12 @@ TEST(TextCoverage, CountsWhatCanBeReached) {
   EXPECT_EQ(TextCoverage("").totals().percent(), 100);
 }
 
+Numbers numbersIn(const StatementLines::List& places) {
+  Numbers numbers;
+  for (const StatementPlace& place : places) numbers.push_back(place.line);
+  return numbers;
+}
+
 // The numbers tell statements of one line apart, and a constant may leave some out.
 TEST(StatementNumbers, AreThoseOfTheTextInAVariant) {
   const TextCoverage coverage(
@@ -75,11 +81,10 @@ TEST(StatementNumbers, AreThoseOfTheTextInAVariant) {
     ASSERT_EQ(constants.defineConstant("M", c.value), 0);
     const StatementNumbers numbers = statementNumbers(coverage, constants);
     const StatementLines& p = numbers.at("p");
-    EXPECT_EQ(Numbers(p.inBase.begin(), p.inBase.end()), c.inBase);
-    EXPECT_EQ(Numbers(p.ranges.begin(), p.ranges.end()), Numbers{3});
-    EXPECT_EQ(p.fallback, 4U);
-    const StatementLines& q = numbers.at("q");
-    EXPECT_EQ(Numbers(q.readOnly.begin(), q.readOnly.end()), (Numbers{0, 5}));
+    EXPECT_EQ(numbersIn(p.inBase), c.inBase);
+    EXPECT_EQ(numbersIn(p.ranges), Numbers{3});
+    EXPECT_EQ(p.fallback.line, 4U);
+    EXPECT_EQ(numbersIn(numbers.at("q").readOnly), (Numbers{0, 5}));
   }
 }
 

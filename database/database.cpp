@@ -113,6 +113,10 @@ std::vector<IndexEntry*> Database::indicesInNameOrder() {
   return indices;
 }
 
+void Database::keepSources(const std::shared_ptr<const StatementSources>& sources) {
+  texts_ = sources;
+}
+
 uint32_t Database::keepLines(const StatementLines& lines) {
   const auto begin = static_cast<uint32_t>(lines_.size());
   lines.appendTo(lines_);
@@ -129,12 +133,26 @@ void Database::keepParmLines(std::string_view name, const StatementLines& lines)
   last.lines = keepLines(lines);
 }
 
-LinesOfDefinition Database::linesOf(const ParmEntry& entry) const {
-  return {entry.parm, std::span(lines_).subspan(entry.lines)};
+std::string_view Database::linesFrom(uint32_t lines) const {
+  return std::string_view(lines_).substr(lines);
 }
 
-LinesOfDefinition Database::linesOf(const IndexEntry& entry) const {
-  return {*entry.index, std::span(lines_).subspan(entry.lines)};
+StatementsOfDefinition Database::statementsOf(const ParmEntry& entry) const {
+  const auto find = std::bind_front(&StatementSources::statement, texts_.get());
+  return {entry.parm, linesFrom(entry.lines), find};
+}
+
+StatementsOfDefinition Database::statementsOf(const IndexEntry& entry) const {
+  const auto find = std::bind_front(&StatementSources::statement, texts_.get());
+  return {*entry.index, linesFrom(entry.lines), find};
+}
+
+uint32_t Database::lineOf(uint32_t lines) const {
+  return texts_->lineOf(StatementsOfDefinition::definitionIn(linesFrom(lines)));
+}
+
+std::vector<SourceStatement> Database::sourceOf(uint32_t lines) const {
+  return texts_->statementsOf(StatementsOfDefinition::definitionIn(linesFrom(lines)));
 }
 
 ParmEntry* Database::findParm(std::string_view base) { return findParm(base, TextHash{}(base)); }

@@ -57,7 +57,7 @@ struct ParmEntry {
   uint32_t level = 0;
   uint32_t rank = 0;              ///< its place in name order
   uint32_t walk = 0;              ///< the last walk over dependents that came here
-  uint32_t lines = 0;             ///< where its lines begin: see Database::linesOf()
+  uint32_t lines = 0;             ///< where its lines begin: see Database::statementsOf()
   bool isNamedByIndices = false;  ///< whether `indices` has indices that name it
 
   /// Whether a parameter depends on it.
@@ -71,7 +71,7 @@ struct IndexEntry {
   std::vector<std::string> values;     ///< the base bounds' values as a set of texts, once asked
   std::vector<ParmEntry*> dependents;  ///< the parameters that it indexes, in name order
   uint32_t walk = 0;                   ///< the last walk over dependents that came here
-  uint32_t lines = 0;                  ///< where its lines begin: see Database::linesOf()
+  uint32_t lines = 0;                  ///< where its lines begin: see Database::statementsOf()
   /// Whether it is the same for all instances at one moment: none of its names is an index, or a
   /// parameter's that is read by the index values of the instance.
   bool isShared = true;
@@ -93,6 +93,7 @@ class Database final : public DefinitionRegistry {
   // What the builder asks and registers: see DefinitionRegistry.
   [[nodiscard]] const std::string* findConstant(std::string_view name) const override;
   int registerIndex(std::unique_ptr<IndexDef> index) override;
+  void keepSources(const std::shared_ptr<const StatementSources>& sources) override;
   void keepIndexLines(std::string_view name, const StatementLines& lines) override;
   void keepParmLines(std::string_view name, const StatementLines& lines) override;
   void keepDescription(std::string_view name, std::string_view text) override;
@@ -126,10 +127,12 @@ class Database final : public DefinitionRegistry {
   /// Takes the values of all instances away, as at the start. For tools; pointers to committed
   /// values stay valid.
   void forgetValues();
-  /// Where in the text the statements of a definition are, which came from a text. Valid as long as
-  /// the database.
-  [[nodiscard]] LinesOfDefinition linesOf(const ParmEntry& entry) const;
-  [[nodiscard]] LinesOfDefinition linesOf(const IndexEntry& entry) const;
+  /// The statements behind the lists of a definition, which came from a text.
+  [[nodiscard]] StatementsOfDefinition statementsOf(const ParmEntry& entry) const;
+  [[nodiscard]] StatementsOfDefinition statementsOf(const IndexEntry& entry) const;
+  /// The line of its name, and all its statements in the order of the text: `lines` of its entry.
+  [[nodiscard]] uint32_t lineOf(uint32_t lines) const;
+  [[nodiscard]] std::vector<SourceStatement> sourceOf(uint32_t lines) const;
   /// What the text's comments say of a definition: lines, with newlines between them. Empty where
   /// they say nothing.
   [[nodiscard]] std::string_view descriptionOf(std::string_view name) const;
@@ -146,6 +149,7 @@ class Database final : public DefinitionRegistry {
 
  private:
   [[nodiscard]] uint32_t keepLines(const StatementLines& lines);
+  [[nodiscard]] std::string_view linesFrom(uint32_t lines) const;
   [[nodiscard]] ParmEntry* findParm(std::string_view base, size_t hash);
   [[nodiscard]] const VariableSource& sourceOf(std::string_view variable);
   [[nodiscard]] bool isKnown(const VariableSource& source) const;
@@ -158,8 +162,9 @@ class Database final : public DefinitionRegistry {
   std::map<std::string, ValueText, std::less<>> constants_;
   TextMap<IndexEntry> indices_;
   SegmentedList<ParmEntry> parms_;
-  HashIndex parmPlaces_;         // by the hash of the name
-  std::vector<uint32_t> lines_;  // of all statements of all definitions
+  HashIndex parmPlaces_;  // by the hash of the name
+  std::shared_ptr<const StatementSources> texts_;
+  std::string lines_;  // of all statements of all definitions
   TextMap<std::string> descriptions_;
   SegmentedList<VariableSource> sources_;  // of the distinct variables of all definitions
   Interner sourceNames_;

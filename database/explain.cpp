@@ -33,7 +33,7 @@ class Explainer {
         parm_(*instance.parm),
         indices_(instance.indices),
         own_(gather(parm_, indices_, staged)),
-        reasons_(parm_.parm, database.linesOf(parm_)) {
+        reasons_(parm_.parm, database.statementsOf(parm_)) {
     Work::add(parm_.parm.evaluationWork());
   }
 
@@ -76,7 +76,7 @@ class Explainer {
  private:
   void explainIndex(size_t place, PresentIndex& present, Explanation& out) const {
     const IndexEntry& index = *parm_.indices->own[place];
-    const IndexReasons reasons(*index.index, database_.linesOf(index));
+    const IndexReasons reasons(*index.index, database_.statementsOf(index));
     if (present.isAvailable() && present.takes(indices_[place])) return;
     out.exists = false;
     out.refusingIndex = present.name();

@@ -32,7 +32,7 @@ void addLimits(Transaction& transaction, std::string_view name, Rows& rows) {
   const int result = visitQueried(
       database, transaction.staged(), name, [&](const ParmEntry& parm, const Situation& situation) {
         code = parm.parm.range(range, situation);
-        reason = ParmReasons(parm.parm, database.linesOf(parm)).range(situation);
+        reason = ParmReasons(parm.parm, database.statementsOf(parm)).range(situation);
       });
   std::string answer = "none";
   if (result == 0 && code == 0) answer = range.count() == 0 ? "any" : rangeItemsText(range);

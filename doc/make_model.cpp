@@ -38,26 +38,26 @@ std::vector<DocItem> constantItems(const BoundsParm& bounds) {
 // What one definition of the engine says, statement by statement.
 class DefinitionReader {
  public:
-  DefinitionReader(const IndexDef& definition, const LinesOfDefinition& lines)
-      : definition_(definition), variables_(definition.variables()), lines_(lines) {}
+  DefinitionReader(const IndexDef& definition, StatementsOfDefinition lines)
+      : definition_(definition), variables_(definition.variables()), lines_(std::move(lines)) {}
 
   void read(DocDefinition& out) const {
     out.name = printable(definition_.name());
     out.line = lines_.definition;
     const std::span<const Program> validity = definition_.validityConditions();
     for (size_t i = 0; i < validity.size(); ++i) {
-      out.available.push_back(condition("ctrlValid", lines_.validity[i], validity[i]));
+      out.available.push_back(condition("ctrlValid", lines_.validity[i].line, validity[i]));
     }
     out.ranges = ranges("rangeValid", definition_.conditionalBounds(), lines_.ranges);
     const BoundsParm& base = definition_.baseBounds();
     if (base.count() > 0) {
       out.ranges.push_back(
-          {statement(lines_.base, baseText(base)), Sentence(), constantItems(base)});
+          {statement(lines_.base.line, baseText(base)), Sentence(), constantItems(base)});
     }
     size_t place = 0;
     for (const auto& [source, target] : definition_.translations()) {
       out.replacements.push_back(
-          {statement(lines_.translations[place++], translationText(source, target)),
+          {statement(lines_.translations[place++].line, translationText(source, target)),
            printable(source), printable(target)});
     }
   }
@@ -69,19 +69,19 @@ class DefinitionReader {
     for (size_t i = 0; i < parm.defaults().size(); ++i) {
       const auto& [condition, value] = parm.defaults()[i];
       out.defaults.push_back(
-          {statement(lines_.defaults[i], defaultText(condition, value, variables_)),
+          {statement(lines_.defaults[i].line, defaultText(condition, value, variables_)),
            sentence(condition), shown(valueSentence(value, variables_))});
     }
-    if (lines_.fallback != 0) {
+    if (lines_.fallback.line != 0) {
       const std::string& value = parm.fallbackDefault();
-      out.defaults.push_back(
-          {statement(lines_.fallback, fallbackText(value)), Sentence(), constantSentence(value)});
+      out.defaults.push_back({statement(lines_.fallback.line, fallbackText(value)), Sentence(),
+                              constantSentence(value)});
     }
     // What the access word says already needs no condition.
     if (out.access == "ro" || out.access == "rostrict") return;
     const std::span<const Program> readOnly = parm.readOnlyConditions();
     for (size_t i = 0; i < readOnly.size(); ++i) {
-      out.readOnly.push_back(condition("ctrlRO", lines_.readOnly[i], readOnly[i]));
+      out.readOnly.push_back(condition("ctrlRO", lines_.readOnly[i].line, readOnly[i]));
     }
   }
 
@@ -99,11 +99,11 @@ class DefinitionReader {
 
   [[nodiscard]] std::vector<DocRange> ranges(std::string_view keyword,
                                              std::span<const ConditionalBounds> list,
-                                             std::span<const uint32_t> lines) const {
+                                             const StatementsOfDefinition::List& lines) const {
     std::vector<DocRange> ranges;
     for (size_t i = 0; i < list.size(); ++i) {
       const ConditionalBounds& bounds = list[i];
-      ranges.push_back({statement(lines[i], rangeText(keyword, bounds, variables_)),
+      ranges.push_back({statement(lines[i].line, rangeText(keyword, bounds, variables_)),
                         sentence(bounds.condition), items(bounds)});
     }
     return ranges;
@@ -127,7 +127,7 @@ class DefinitionReader {
 
   const IndexDef& definition_;
   const Variables& variables_;
-  const LinesOfDefinition lines_;
+  const StatementsOfDefinition lines_;
 };
 
 // The parameters that expressions name, and those of them that select a standard.
@@ -189,7 +189,7 @@ class ModelMaker {
     IndexEntry* const entry = database_.findIndexEntry(record.name);
     if (entry == nullptr) return;
     DocIndex index;
-    DefinitionReader(*entry->index, database_.linesOf(*entry)).read(index);
+    DefinitionReader(*entry->index, database_.statementsOf(*entry)).read(index);
     addDescription(record, index);
     Followed followed;
     followed.add(entry->sources);
@@ -204,7 +204,7 @@ class ModelMaker {
   void addParameter(const ParameterRecord& record, const ParmEntry& entry) {
     DocParameter parameter;
     parameter.access = accessText(entry.parm.access());
-    DefinitionReader(entry.parm, database_.linesOf(entry)).read(entry.parm, parameter);
+    DefinitionReader(entry.parm, database_.statementsOf(entry)).read(entry.parm, parameter);
     addDescription(record, parameter);
     parameter.level = entry.level;
     Followed followed;

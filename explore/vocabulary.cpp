@@ -61,7 +61,7 @@ class Vocabulary::Reading {
  private:
   template <typename Statement>
   std::set<std::string>& namesOf(const Statement& statement) {
-    return vocabulary_.names_[statement.line - 1];
+    return vocabulary_.names_[statement.place.line - 1];
   }
 
   void readRange(const Listed<RangeStatement>& statement) {

@@ -126,8 +126,8 @@ TEST_F(ParametersInterfaceTest, GetDefinitionGivesAllOfOne) {
       {"GetDefinition('rate')",
        "{'access': <'rw'>, 'indices': <@as []>, 'line': <uint32 5>, 'level': <uint32 1>, "
        "'statements': <[(uint32 6, 'rangeValid (mode == \"slow\") { 1..10 }'), (7, "
-       "'rangeValid (mode == \"fast\") { 1..100, \"max\" }'), (10, 'valueChange { \"top\" -> "
-       "\"max\" }'), (8, 'ctrlRO (lock == 1)'), (9, 'default { 5 }')]>, 'translations': "
+       "'rangeValid (mode == \"fast\") { 1..100, \"max\" }'), (8, 'ctrlRO (lock == 1)'), (9, "
+       "'default { 5 }'), (10, 'valueChange { \"top\" -> \"max\" }')]>, 'translations': "
        "<[('top', 'max')]>, 'uses': <['lock', 'mode']>, 'used-by': <['broken', 'double']>, "
        "'description': <'How fast it goes,\\nin steps.'>}"},
       {"GetDefinition('double')",
@@ -136,13 +136,14 @@ TEST_F(ParametersInterfaceTest, GetDefinitionGivesAllOfOne) {
        "[]>, 'uses': <['rate']>, 'used-by': <['gain']>, 'description': <''>}"},
       {"GetDefinition('gain')",
        "{'access': <'rw'>, 'indices': <['input', 'side']>, 'line': <uint32 22>, 'level': "
-       "<uint32 3>, 'statements': <[(uint32 22, 'rangeValid { 0..(double) }'), (22, 'default "
-       "{ 0 }')]>, 'translations': <@a(ss) []>, 'uses': <['double']>, 'used-by': <['far']>, "
+       "<uint32 3>, 'statements': <[(uint32 22, 'index { input, side }'), (22, 'rangeValid { "
+       "0..(double) }'), (22, 'default { 0 }')]>, 'translations': <@a(ss) []>, 'uses': "
+       "<['double']>, 'used-by': <['far']>, "
        "'description': <''>}"},
       {"GetDefinition('input')",
        "{'access': <'index'>, 'indices': <@as []>, 'line': <uint32 19>, 'level': <uint32 0>, "
-       "'statements': <[(uint32 20, 'rangeValid (mode == \"slow\") { 9..10, \"aux\" }'), "
-       "(20, 'rangeValid (mode == \"fast\") { 8..11, \"aux\" }'), (19, 'rangeValid { 8..11, "
+       "'statements': <[(uint32 19, 'rangeValid { 8..11, \"aux\" }'), (20, 'rangeValid (mode "
+       "== \"slow\") { 9..10, \"aux\" }'), (20, 'rangeValid (mode == \"fast\") { 8..11, "
        "\"aux\" }')]>, 'translations': <@a(ss) []>, 'uses': <['mode']>, 'used-by': "
        "<['gain']>, 'description': <'The inputs.'>}"},
       {"GetDefinition('side')",

@@ -34,6 +34,9 @@ class WatchedRegistry final : public DefinitionRegistry {
   int registerIndex(std::unique_ptr<IndexDef> index) override {
     return database_.registerIndex(std::move(index));
   }
+  void keepSources(const std::shared_ptr<const StatementSources>& sources) override {
+    database_.keepSources(sources);
+  }
   void keepIndexLines(std::string_view name, const StatementLines& lines) override {
     database_.keepIndexLines(name, lines);
   }

@@ -116,7 +116,7 @@ struct Vitals {
 /// What GetDefinition says, as far as it is used.
 struct Definition {
   std::vector<std::string> indices;
-  std::vector<std::string> statements;   ///< their texts, in the order in which they are asked
+  std::vector<std::string> statements;   ///< as they are written, in the order of the text
   std::vector<Assignment> translations;  ///< a value, and what it becomes
   std::vector<std::string> usedBy;       ///< parameters and indices that refer to it, ascending
 };

@@ -26,29 +26,36 @@ constexpr AccessWord ACCESS_WORDS[] = {
     {"wo", ACCESS_WO},       {"rw", ACCESS_RW},
 };
 
+// A statement of which the keyword was read.
+struct Keyed {
+  Position keyword;
+  uint32_t source;  // that it will have
+  [[nodiscard]] StatementPlace place() const { return {keyword.line, source}; }
+};
+
 // Reads a statement by `READ` and adds it to `LIST` of the record. A statement that is not complete
 // is dropped.
 template <auto READ, auto LIST, typename Statement>
-bool readInto(TextCursor& cursor, Position keyword, ParameterRecord& record) {
+bool readInto(TextCursor& cursor, const Keyed& keyed, ParameterRecord& record) {
   Statement statement;
   if (!READ(cursor, statement)) return false;
-  (record.*LIST).push_back(cursor.arena().keep(Listed<Statement>(statement, keyword.line)));
+  (record.*LIST).push_back(cursor.arena().keep(Listed<Statement>(statement, keyed.place())));
   return true;
 }
 
 // As readInto() for ctrlRO. A "wo" record is refused only once its condition is complete, so that a
 // fault in the condition is told first.
-bool readCtrlRO(TextCursor& cursor, Position keyword, ParameterRecord& record) {
+bool readCtrlRO(TextCursor& cursor, const Keyed& keyed, ParameterRecord& record) {
   Expression condition;
   if (!readExpression(cursor, condition)) return false;
-  if (record.access == ACCESS_WO) return cursor.failAt(keyword, PARSE_INVALID_ACCESS);
-  record.ctrlRO.push_back(cursor.arena().keep(Listed<Expression>(condition, keyword.line)));
+  if (record.access == ACCESS_WO) return cursor.failAt(keyed.keyword, PARSE_INVALID_ACCESS);
+  record.ctrlRO.push_back(cursor.arena().keep(Listed<Expression>(condition, keyed.place())));
   return true;
 }
 
 struct Keyword {
   std::string_view word;
-  bool (*read)(TextCursor& cursor, Position keyword, ParameterRecord& record);
+  bool (*read)(TextCursor& cursor, const Keyed& keyed, ParameterRecord& record);
 };
 
 constexpr Keyword KEYWORDS[] = {
@@ -83,7 +90,7 @@ bool readAccess(TextCursor& cursor, AccessCode& access) {
 class DefinitionReader {
  public:
   DefinitionReader(TextCursor& cursor, ParameterRecords& records, ReadingObserver* observer)
-      : cursor_(cursor), records_(records), observer_(observer) {}
+      : cursor_(cursor), records_(records), sources_(*records.sources()), observer_(observer) {}
 
   ParseResult read() {
     Resumption next = RESUME_DEFINITION;
@@ -99,6 +106,11 @@ class DefinitionReader {
   Resumption readDefinition() {
     const std::string_view name = cursor_.word(NAME_STOPS);
     ParameterRecord& record = records_.findOrAdd(name, cursor_.position().line);
+    if (record.source == 0) {
+      record.source = sources_.beginDefinition(record.line);
+    } else {
+      sources_.beginAgain(record.source);
+    }
     if (observer_ != nullptr) observer_->onDefinition(record, cursor_.position());
     cursor_.advance(name.size());
     if (readAccess(cursor_, record.access) && cursor_.expect("{")) return readBody(record);
@@ -125,8 +137,10 @@ class DefinitionReader {
     if (keyword == nullptr) return cursor_.fail(PARSE_SYNTAX_ERROR);
     const Position at = cursor_.position();
     if (observer_ != nullptr) observer_->onKeyword(record, keyword->word, at);
+    cursor_.beginExcerpt();
     cursor_.advance(word.size());
-    if (!keyword->read(cursor_, at, record)) return false;
+    if (!keyword->read(cursor_, {at, sources_.nextNumber()}, record)) return false;
+    sources_.add(at.line - record.line, cursor_.endExcerpt());
     if (observer_ != nullptr) observer_->onStatement(record, keyword->word, at, cursor_.position());
     return true;
   }
@@ -140,6 +154,7 @@ class DefinitionReader {
 
   TextCursor& cursor_;
   ParameterRecords& records_;
+  StatementSources& sources_;
   ReadingObserver* observer_;
 };
 

@@ -4,6 +4,7 @@
 #include <boost/intrusive/slist.hpp>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -12,7 +13,9 @@
 
 #include "base/arena.h"
 #include "base/hash_index.h"
+#include "deflang/expression/source_statement.h"
 #include "deflang/expression/token.h"
+#include "deflang/text/statement_sources.h"
 
 /// The word after the name.
 enum AccessCode : int {
@@ -70,8 +73,8 @@ struct Listed : T,
                 boost::intrusive::slist_base_hook<
                     boost::intrusive::link_mode<boost::intrusive::normal_link>> {
   static_assert(std::is_trivially_copyable_v<T>, "the arena destroys nothing");
-  Listed(const T& statement, uint32_t keywordLine) : T(statement), line(keywordLine) {}
-  uint32_t line;  ///< of its keyword, from 1
+  Listed(const T& statement, StatementPlace written) : T(statement), place(written) {}
+  StatementPlace place;
 };
 
 /// The statements of one kind, in statement order, linked within the arena that keeps them. With
@@ -86,6 +89,8 @@ using StatementList = boost::intrusive::slist<Listed<T>, boost::intrusive::cache
 struct ParameterRecord {
   std::string_view name;
   uint32_t line = 0;  ///< where the name first is, from 1
+  /// Where its statements are among the sources; 0 where they are not kept.
+  uint32_t source = 0;
   AccessCode access = ACCESS_NONE;
   StatementList<IndexStatement> indices;     ///< `index`: the first counts, a further one is wrong
   StatementList<RangeStatement> rangeValid;  ///< the values that are accepted
@@ -123,6 +128,8 @@ class ParameterRecords {
   [[nodiscard]] std::vector<const ParameterRecord*> inNameOrder() const;
   /// How many names the text defines.
   [[nodiscard]] size_t size() const { return records_.size(); }
+  /// The statements as they are written. They may outlive the records.
+  [[nodiscard]] const std::shared_ptr<StatementSources>& sources() const { return sources_; }
   /// Where what the records refer to lives.
   [[nodiscard]] Arena& arena() { return arena_; }
 
@@ -130,6 +137,7 @@ class ParameterRecords {
   [[nodiscard]] std::optional<uint32_t> placeOf(std::string_view name) const;
 
   Arena arena_;
+  std::shared_ptr<StatementSources> sources_ = std::make_shared<StatementSources>();
   std::deque<ParameterRecord> records_;
   HashIndex places_;  // by name
 };

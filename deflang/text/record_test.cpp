@@ -32,7 +32,7 @@ TEST(ParameterRecords, MoveWithTheirStatements) {
     for (const uint32_t line : {2U, 3U}) {
       Translation translation;
       translation.at.line = line;
-      record.valueChange.push_back(records.arena().keep(Listed<Translation>(translation, 1)));
+      record.valueChange.push_back(records.arena().keep(Listed<Translation>(translation, {1, 1})));
     }
     return records;
   };

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "sw/parm/constraints.h"
-#include "sw/parm/statement_text.h"
 
 namespace {
 
@@ -50,23 +49,23 @@ bool acceptsAlone(const ConditionalBounds& bounds, std::string value,
 
 }  // namespace
 
-Reason IndexReasons::reason(uint32_t line, std::string statement,
+Reason IndexReasons::reason(const SourceStatement& statement,
                             std::initializer_list<const Program*> programs,
                             const SituationView& situation) const {
-  Reason reason{line, std::move(statement), {}};
+  Reason reason{statement.line, statement.text, {}};
   for (const Program* program : programs) {
     addNames(*program, index_.variables(), situation, reason.names);
   }
   return reason;
 }
 
-Reason IndexReasons::baseReason() const { return {lines_.base, baseText(index_.baseBounds()), {}}; }
+Reason IndexReasons::baseReason() const {
+  return {statements_.base.line, statements_.base.text, {}};
+}
 
-Reason IndexReasons::boundsReason(std::string_view keyword, uint32_t line,
-                                  const ConditionalBounds& bounds,
+Reason IndexReasons::boundsReason(const SourceStatement& statement, const ConditionalBounds& bounds,
                                   const SituationView& situation) const {
-  Reason result =
-      reason(line, rangeText(keyword, bounds, index_.variables()), {&bounds.condition}, situation);
+  Reason result = reason(statement, {&bounds.condition}, situation);
   if (bounds.computed == nullptr) return result;
   for (const BoundsExpression::Item& item : bounds.computed->items()) {
     addNames(item.lower, index_.variables(), situation, result.names);
@@ -76,17 +75,14 @@ Reason IndexReasons::boundsReason(std::string_view keyword, uint32_t line,
 }
 
 Reason IndexReasons::rangeReason(size_t place, const SituationView& situation) const {
-  return boundsReason("rangeValid", lines_.ranges[place], index_.conditionalBounds()[place],
-                      situation);
+  return boundsReason(statements_.ranges[place], index_.conditionalBounds()[place], situation);
 }
 
 std::vector<Reason> IndexReasons::availability(const SituationView& situation) const {
   std::vector<Reason> reasons;
   const std::span<const Program> conditions = index_.validityConditions();
   for (size_t i = 0; i < conditions.size(); ++i) {
-    Reason next =
-        reason(lines_.validity[i], controlText("ctrlValid", conditions[i], index_.variables()),
-               {&conditions[i]}, situation);
+    Reason next = reason(statements_.validity[i], {&conditions[i]}, situation);
     if (!conditions[i].isTrue(situation)) return {std::move(next)};
     reasons.push_back(std::move(next));
   }
@@ -114,13 +110,11 @@ std::vector<Reason> ParmReasons::readOnly(const SituationView& situation) const 
   if (parm_.mode() == MODE_WRITE_ONLY) return reasons;
   const std::span<const Program> conditions = parm_.readOnlyConditions();
   for (size_t i = 0; i < conditions.size(); ++i) {
-    Reason next =
-        reason(lines().readOnly[i], controlText("ctrlRO", conditions[i], parm_.variables()),
-               {&conditions[i]}, situation);
-    // The access word is written as the constant condition that it stands for.
-    const bool isAccessWord =
-        lines().readOnly[i] == lines().definition && i == 0 && !conditions[i].usesVariables();
-    if (isAccessWord) next.statement = parm_.mode() == MODE_ROSTRICT ? "rostrict" : "ro";
+    Reason next = reason(statements().readOnly[i], {&conditions[i]}, situation);
+    // No statement has made the condition: the access word has.
+    if (next.line == 0) {
+      next = {statements().definition, std::string(accessText(parm_.access())), {}};
+    }
     if (conditions[i].isTrue(situation)) return {std::move(next)};
     reasons.push_back(std::move(next));
   }
@@ -131,23 +125,22 @@ std::optional<Reason> ParmReasons::defaultValue(const SituationView& situation) 
   Value result;
   if (const ConditionalDefault* const found = parm_.decidingDefault(situation, result)) {
     const auto& [condition, value] = *found;
-    return reason(lines().defaults[placeIn(parm_.defaults(), found)],
-                  defaultText(condition, value, parm_.variables()), {&condition, &value},
+    return reason(statements().defaults[placeIn(parm_.defaults(), found)], {&condition, &value},
                   situation);
   }
-  if (lines().fallback == 0) return std::nullopt;
-  return Reason{lines().fallback, fallbackText(parm_.fallbackDefault()), {}};
+  if (statements().fallback.line == 0) return std::nullopt;
+  return Reason{statements().fallback.line, statements().fallback.text, {}};
 }
 
 std::optional<Reason> ParmReasons::range(const SituationView& situation) const {
   if (const ConditionalBounds* const found = parm_.decidingRange(situation)) {
     const std::span<const ConditionalBounds> documented = parm_.documentedRanges();
     if (const size_t place = placeIn(documented, found); place < documented.size()) {
-      return boundsReason("rangeDoc", lines().documented[place], *found, situation);
+      return boundsReason(statements().documented[place], *found, situation);
     }
     return rangeReason(placeIn(parm_.conditionalBounds(), found), situation);
   }
-  if (lines().base == 0) return std::nullopt;
+  if (statements().base.line == 0) return std::nullopt;
   return baseReason();
 }
 
@@ -159,7 +152,7 @@ ValueReasons ParmReasons::value(std::string value, const Situation& situation) c
     return out;
   }
   const std::string before = value;
-  if (lines().base != 0) {
+  if (statements().base.line != 0) {
     static_cast<void>(parm_.baseBounds().check(value, true));
     if (value != before) out.steps.push_back({baseReason(), value});
     out.acceptedBy = baseReason();
@@ -177,8 +170,8 @@ void ParmReasons::translate(std::string& value, ValueReasons& out) const {
     if (found == parm_.translations().end()) return;
     const auto place = static_cast<size_t>(std::distance(parm_.translations().begin(), found));
     value = found->second;
-    const std::string statement = translationText(found->first, found->second);
-    out.steps.push_back({{lines().translations[place], statement, {}}, value});
+    const SourceStatement& statement = statements().translations[place];
+    out.steps.push_back({{statement.line, statement.text, {}}, value});
   }
 }
 

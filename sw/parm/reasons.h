@@ -15,6 +15,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "sw/parm/present_bounds.h"
@@ -30,7 +31,7 @@ struct UsedName {
 /// A statement that decides.
 struct Reason {
   uint32_t line = 0;            ///< of its keyword, or of the definition where that decides; from 1
-  std::string statement;        ///< as statement_text.h writes it; an access word for "ro"
+  std::string statement;        ///< as it is written; an access word for "ro"
   std::vector<UsedName> names;  ///< that it refers to, each once, in the order of the text
   bool operator==(const Reason& other) const = default;
 };
@@ -48,12 +49,12 @@ struct ValueReasons {
   bool isRefused = false;            ///< the base bounds refuse the result of the steps
 };
 
-/// The reasons of an index or of what a parameter has of one. The definition and its lines outlive
-/// it; a situation has a slot for each of the definition's variables.
+/// The reasons of an index or of what a parameter has of one. The definition outlives it; a
+/// situation has a slot for each of the definition's variables.
 class IndexReasons {
  public:
-  IndexReasons(const IndexDef& index, const LinesOfDefinition& lines)
-      : index_(index), lines_(lines) {}
+  IndexReasons(const IndexDef& index, StatementsOfDefinition statements)
+      : index_(index), statements_(std::move(statements)) {}
 
   /// The validity conditions: the first that is not true, or all of them where all are.
   [[nodiscard]] std::vector<Reason> availability(const SituationView& situation) const;
@@ -63,26 +64,26 @@ class IndexReasons {
                                             const SituationView& situation) const;
 
  protected:
-  [[nodiscard]] Reason reason(uint32_t line, std::string statement,
+  [[nodiscard]] Reason reason(const SourceStatement& statement,
                               std::initializer_list<const Program*> programs,
                               const SituationView& situation) const;
   [[nodiscard]] Reason baseReason() const;
   [[nodiscard]] Reason rangeReason(size_t place, const SituationView& situation) const;
-  [[nodiscard]] Reason boundsReason(std::string_view keyword, uint32_t line,
+  [[nodiscard]] Reason boundsReason(const SourceStatement& statement,
                                     const ConditionalBounds& bounds,
                                     const SituationView& situation) const;
-  [[nodiscard]] const LinesOfDefinition& lines() const { return lines_; }
+  [[nodiscard]] const StatementsOfDefinition& statements() const { return statements_; }
 
  private:
   const IndexDef& index_;
-  LinesOfDefinition lines_;
+  StatementsOfDefinition statements_;
 };
 
 /// The reasons of a parameter, in a situation with the index values of an instance bound.
 class ParmReasons : public IndexReasons {
  public:
-  ParmReasons(const ParmDef& parm, const LinesOfDefinition& lines)
-      : IndexReasons(parm, lines), parm_(parm) {}
+  ParmReasons(const ParmDef& parm, StatementsOfDefinition statements)
+      : IndexReasons(parm, std::move(statements)), parm_(parm) {}
 
   /// The read-only conditions: the first that is true, or all of them where none is; of "wo" none.
   [[nodiscard]] std::vector<Reason> readOnly(const SituationView& situation) const;

@@ -8,11 +8,19 @@
 
 namespace {
 
-using Lines = std::vector<uint32_t>;
+using Texts = std::vector<std::string>;
 
-Lines linesIn(std::span<const uint32_t> lines) { return {lines.begin(), lines.end()}; }
+std::string shown(const SourceStatement& statement) {
+  return std::to_string(statement.line) + ": " + statement.text;
+}
 
-TEST(StatementLines, AreThoseOfTheKeywords) {
+Texts shown(const StatementsOfDefinition::List& list) {
+  Texts texts;
+  for (const SourceStatement& statement : list) texts.push_back(shown(statement));
+  return texts;
+}
+
+TEST(StatementsOfDefinition, AreThoseOfTheText) {
   const BuiltText built(R"(mode rw { }
 p rw {
   rangeValid { 0..9 }
@@ -30,19 +38,24 @@ p rw {
   default (mode == 9) { (mode) }
   rangeValid { 20 }
 })");
-  const LinesOfDefinition lines(built.parm("p"), built.registry.lines.at("p"));
-  EXPECT_EQ(lines.definition, 2U);
-  EXPECT_EQ(lines.base, 3U);
-  EXPECT_EQ(lines.fallback, 8U);
-  EXPECT_EQ(linesIn(lines.validity), Lines{4});
-  EXPECT_EQ(linesIn(lines.ranges), Lines{6});
-  EXPECT_EQ(linesIn(lines.defaults), (Lines{8, 15}));
-  EXPECT_EQ(linesIn(lines.translations), (Lines{10, 9}));  // by source
-  EXPECT_EQ(linesIn(lines.readOnly), (Lines{11, 12}));
-  EXPECT_EQ(linesIn(lines.documented), (Lines{13, 14}));
+  const StatementsOfDefinition statements = built.registry.statementsOf(built.parm("p"));
+  EXPECT_EQ(statements.definition, 2U);
+  EXPECT_EQ(shown(statements.base), "3: rangeValid { 0..9 } rangeValid { 20 }");
+  EXPECT_EQ(shown(statements.fallback), "8: default { 5 }");
+  EXPECT_EQ(shown(statements.validity), Texts{"4: ctrlValid (mode == 1)"});
+  EXPECT_EQ(shown(statements.ranges), Texts{"6: rangeValid (mode == 2) { 1..2 }"});
+  EXPECT_EQ(shown(statements.defaults),
+            (Texts{"8: default (mode == 3) { 4 }", "15: default (mode == 9) { (mode) }"}));
+  // By source.
+  EXPECT_EQ(shown(statements.translations),
+            (Texts{"10: valueChange { \"a\" -> 1 }", "9: valueChange { \"b\" -> 1 }"}));
+  EXPECT_EQ(shown(statements.readOnly),
+            (Texts{"11: ctrlRO (mode == 4)", "12: ctrlRO (mode == 5)"}));
+  EXPECT_EQ(shown(statements.documented),
+            (Texts{"13: rangeDoc (mode == 6) { 7 }", "14: rangeDoc { 8 }"}));
 }
 
-TEST(StatementLines, FollowWhatTheBuilderMakesOfStatements) {
+TEST(StatementsOfDefinition, FollowWhatTheBuilderMakesOfStatements) {
   const BuiltText built(R"(mode rw { }
 p ro {
   rangeValid (mode == 1) { 1 }
@@ -51,25 +64,42 @@ p ro {
   rangeValid (mode == 2) { 3 }
   default (1) { (mode + 1) }
   ctrlRO (7)
+  rangeDoc { 4 }
+  rangeDoc (mode) { 5 }
+  rangeDoc { (mode) }
 }
 i index {
   rangeValid { 0..1 }
   rangeValid (mode) { 0 }
   ctrlValid (mode != 9)
   ctrlRO (mode)
-})");
-  const LinesOfDefinition p(built.parm("p"), built.registry.lines.at("p"));
+}
+none rw { })");
+  const StatementsOfDefinition p = built.registry.statementsOf(built.parm("p"));
   // The set of those without a condition stands where its first run-time item is.
-  EXPECT_EQ(linesIn(p.ranges), (Lines{3, 5, 6}));
-  EXPECT_EQ(p.base, 4U);
-  EXPECT_EQ(linesIn(p.defaults), Lines{7});
-  EXPECT_EQ(p.fallback, 0U);
-  EXPECT_EQ(linesIn(p.readOnly), (Lines{2, 8}));
-  const LinesOfDefinition i(built.index("i"), built.registry.lines.at("i"));
-  EXPECT_EQ(i.definition, 10U);
-  EXPECT_EQ(i.base, 11U);
-  EXPECT_EQ(linesIn(i.ranges), Lines{12});
-  EXPECT_EQ(linesIn(i.validity), Lines{13});
+  EXPECT_EQ(shown(p.ranges),
+            (Texts{"3: rangeValid (mode == 1) { 1 }", "4: rangeValid { 2 } rangeValid { (mode) }",
+                   "6: rangeValid (mode == 2) { 3 }"}));
+  EXPECT_EQ(shown(p.base), "4: rangeValid { 2 }");
+  EXPECT_EQ(shown(p.defaults), Texts{"7: default (1) { (mode + 1) }"});
+  EXPECT_EQ(p.fallback, SourceStatement());
+  EXPECT_EQ(shown(p.readOnly), (Texts{"0: ", "8: ctrlRO (7)"}));
+  EXPECT_EQ(shown(p.documented),
+            (Texts{"10: rangeDoc (mode) { 5 }", "9: rangeDoc { 4 } rangeDoc { (mode) }"}));
+  const StatementsOfDefinition i = built.registry.statementsOf(built.index("i"));
+  EXPECT_EQ(i.definition, 13U);
+  EXPECT_EQ(shown(i.base), "14: rangeValid { 0..1 }");
+  EXPECT_EQ(shown(i.ranges), Texts{"15: rangeValid (mode) { 0 }"});
+  EXPECT_EQ(shown(i.validity), Texts{"16: ctrlValid (mode != 9)"});
+  EXPECT_EQ(built.registry.statementsOf(built.parm("none")).base, SourceStatement());
+}
+
+using Lines = std::vector<uint32_t>;
+
+Lines linesIn(const StatementLines::List& places) {
+  Lines lines;
+  for (const StatementPlace& place : places) lines.push_back(place.line);
+  return lines;
 }
 
 // Keeps what is collected, all of it.

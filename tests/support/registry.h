@@ -1,7 +1,7 @@
 // A registry for tests: keeps what the builder registers, and finishes as it is told to.
 #pragma once
 
-#include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -36,6 +36,7 @@ class TestRegistry final : public DefinitionRegistry {
     const std::string name = parm->name();
     return parms_.emplace(name, std::move(parm)).second ? 0 : 1;
   }
+  void keepSources(const std::shared_ptr<const StatementSources>& kept) override { sources = kept; }
   void keepIndexLines(std::string_view name, const StatementLines& kept) override {
     kept.appendTo(lines[std::string(name)]);
   }
@@ -54,10 +55,18 @@ class TestRegistry final : public DefinitionRegistry {
     return found == parms_.end() ? nullptr : found->second.get();
   }
 
-  std::vector<std::string> registered;  ///< every call that changes something, in order
-  std::map<std::string, std::vector<uint32_t>> lines;  ///< of each definition
-  int finishResult = 0;                                ///< what finish() returns
-  std::string finishName;                              ///< the name that finish() gives
+  /// The statements of `definition`, which is registered here.
+  template <typename Definition>
+  [[nodiscard]] StatementsOfDefinition statementsOf(const Definition& definition) const {
+    return {definition, lines.at(definition.name()),
+            std::bind_front(&StatementSources::statement, sources.get())};
+  }
+
+  std::vector<std::string> registered;              ///< every call that changes something, in order
+  std::shared_ptr<const StatementSources> sources;  ///< of the text
+  std::map<std::string, std::string> lines;         ///< of each definition
+  int finishResult = 0;                             ///< what finish() returns
+  std::string finishName;                           ///< the name that finish() gives
 
  private:
   Constants constants_;

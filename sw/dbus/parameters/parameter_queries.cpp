@@ -17,7 +17,6 @@
 #include "database/reason_rows.h"
 #include "sw/dbus/parameters/bus_error.h"
 #include "sw/dbus/spare_memory.h"
-#include "sw/parm/definition_statements.h"
 #include "sw/parm/parm_name.h"
 
 namespace {
@@ -92,12 +91,12 @@ std::string_view accessOf(const Listed& listed) {
 
 Head headOf(const Database& database, const ParmEntry& entry) {
   const ParmDef& parm = entry.parm;
-  return {parm.name(), accessText(parm.access()), indexNames(parm),
-          database.linesOf(entry).definition, entry.level};
+  return {parm.name(), accessText(parm.access()), indexNames(parm), database.lineOf(entry.lines),
+          entry.level};
 }
 
 Head headOf(const Database& database, const IndexEntry& entry) {
-  return {entry.index->name(), INDEX_ACCESS, {}, database.linesOf(entry).definition, 0};
+  return {entry.index->name(), INDEX_ACCESS, {}, database.lineOf(entry.lines), 0};
 }
 
 // The pattern of a call; none is one of all names.
@@ -149,10 +148,10 @@ class DefinitionWriter {
   void texts(const char* key, const List& values) {
     add(key, "as", [&] { out_.texts(values); });
   }
-  void statements(const std::vector<DefinitionStatement>& statements) {
+  void statements(const std::vector<SourceStatement>& statements) {
     add("statements", "a(us)", [&] {
       out_.array("(us)", [&] {
-        for (const DefinitionStatement& statement : statements) {
+        for (const SourceStatement& statement : statements) {
           out_.structure([&] {
             out_.number(statement.line);
             out_.text(statement.text);
@@ -221,7 +220,7 @@ void writeDefinition(const Database& database, const Entry& entry, const Definit
   out.texts("indices", head.indices);
   out.number("line", head.line);
   out.number("level", head.level);
-  out.statements(definitionStatements(definition, database.linesOf(entry)));
+  out.statements(database.sourceOf(entry.lines));
   out.translations(definition.translations());
   out.texts("uses", namesRead(entry.sources));
   out.texts("used-by", usersOf(entry));

@@ -94,8 +94,9 @@ TEST_F(ParameterQueries, GiveDefinitions) {
             "\"used-by\": <[\"boost\"]>, \"description\": <\"\">}");
   EXPECT_EQ(device_.call(answerGetDefinition, "port"),
             "{\"access\": <\"index\">, \"indices\": <[]>, \"line\": <8>, \"level\": <0>, "
-            "\"statements\": <[(8, \"rangeValid (mode == \"slow\") { 9 }\"), "
-            "(8, \"rangeValid (mode == \"fast\") { 9..10 }\"), (8, \"rangeValid { 9..10 }\")]>, "
+            "\"statements\": <[(8, \"rangeValid { 9..10 }\"), "
+            "(8, \"rangeValid (mode == \"slow\") { 9 }\"), "
+            "(8, \"rangeValid (mode == \"fast\") { 9..10 }\")]>, "
             "\"translations\": <[]>, \"uses\": <[\"mode\"]>, \"used-by\": <[\"gain\", \"offs\"]>, "
             "\"description\": <\"\">}");
   const std::string mode = device_.call(answerGetDefinition, "mode");
@@ -103,6 +104,20 @@ TEST_F(ParameterQueries, GiveDefinitions) {
   EXPECT_NE(mode.find("\"used-by\": <[\"boost\", \"port\", \"rate\"]>"), std::string::npos) << mode;
   EXPECT_EQ(device_.call(answerGetDefinition, "gain[9]"),
             "UnknownParameter: No definition has the name \"gain[9]\"");
+}
+
+// In one line, and with what is not valid UTF-8 replaced.
+TEST_F(ParameterQueries, GiveStatementsAsTheyAreWritten) {
+  TestParameters device(
+      "mode wo { ctrlValid (1==2)\n  rangeValid\n# of colours\n    { \"red  \xf6\", \"blue\" } "
+      "}\n");
+  const std::string mode = device.call(answerGetDefinition, "mode");
+  EXPECT_NE(mode.find("\"statements\": <[(1, \"ctrlValid (1==2)\"), "
+                      "(2, \"rangeValid { \"red  \xef\xbf\xbd\", \"blue\" }\")]>"),
+            std::string::npos)
+      << mode;
+  EXPECT_TRUE(device.call(answerExplain, NO_TRANSACTION, "mode")
+                  .starts_with("[(\"exists\", \"no\", 1, \"ctrlValid (1==2)\", {}), "));
 }
 
 TEST_F(ParameterQueries, GiveDescriptions) {

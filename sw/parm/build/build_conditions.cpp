@@ -45,7 +45,7 @@ void buildReadOnlyConditions(DefinitionDraft& draft) {
   const AccessCode access = draft.record().access;
   if (access == ACCESS_RO || access == ACCESS_ROSTRICT) {
     conditions.push_back(Program::constant(1));
-    draft.lines.readOnly.push_back(draft.record().line);
+    draft.lines.readOnly.push_back(draft.lines.definition);
   }
   ConstantConditions constants(draft);
   for (const auto& expression : draft.record().ctrlRO) {
@@ -53,11 +53,11 @@ void buildReadOnlyConditions(DefinitionDraft& draft) {
     switch (condition.kind) {
       case CONDITION_RUN_TIME:
         conditions.push_back(draft.keep(expression, std::move(condition.compiled)));
-        draft.lines.readOnly.push_back(expression.line);
+        draft.lines.readOnly.push_back(expression.place);
         break;
       case CONDITION_ALWAYS:
         conditions.push_back(Program::constant(1));
-        draft.lines.readOnly.push_back(expression.line);
+        draft.lines.readOnly.push_back(expression.place);
         constants.compare(expression, condition);
         break;
       case CONDITION_NEVER:
@@ -77,14 +77,14 @@ void buildValidityConditions(DefinitionDraft& draft) {
       case CONDITION_RUN_TIME:
         draft.parts.validityConditions.push_back(
             draft.keep(expression, std::move(condition.compiled)));
-        draft.lines.validity.push_back(expression.line);
+        draft.lines.validity.push_back(expression.place);
         break;
       case CONDITION_ALWAYS:
         constants.compare(expression, condition);
         break;
       case CONDITION_NEVER:
         neverValid(expression, condition, draft);
-        draft.lines.validity.push_back(expression.line);
+        draft.lines.validity.push_back(expression.place);
         constants.compare(expression, condition);
         break;
       case CONDITION_LEFT_OUT:

@@ -26,6 +26,7 @@ TEST(BuildConditions, GivesTheModeAndReadOnlynessOfTheAccessWord) {
     EXPECT_EQ(built.result, 0);
     EXPECT_EQ(built.diagnostics, "");
     EXPECT_EQ(built.parm("p").mode(), c.mode);
+    EXPECT_EQ(accessText(built.parm("p").access()), c.access);
     EXPECT_EQ(built.parm("p").isReadOnly(situationOf(built.parm("p"), {})), c.readOnly);
     EXPECT_TRUE(built.parm("p").isAvailable(situationOf(built.parm("p"), {})));
     EXPECT_TRUE(built.parm("p").variables().empty());

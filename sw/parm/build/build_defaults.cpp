@@ -31,7 +31,7 @@ class DefaultBuilder {
 
   void build() {
     for (const Statement& statement : draft_.record().defaults) add(statement);
-    if (last_) addDefault(Program::constant(1), *std::move(last_), lastLine_);
+    if (last_) addDefault(Program::constant(1), *std::move(last_), lastPlace_);
   }
 
  private:
@@ -60,14 +60,14 @@ class DefaultBuilder {
     }
     Program program = draft_.keep(statement.condition, std::move(condition.compiled));
     if (std::optional<Program> value = valueOf(statement)) {
-      addDefault(std::move(program), *std::move(value), statement.line);
+      addDefault(std::move(program), *std::move(value), statement.place);
     }
   }
 
   void addAlways(const Statement& statement, const Condition& condition) {
     if (condition.namesConstant) {
       if (std::optional<Program> value = valueOf(statement)) {
-        addDefault(Program::constant(1), *std::move(value), statement.line);
+        addDefault(Program::constant(1), *std::move(value), statement.place);
       }
       return;
     }
@@ -77,9 +77,9 @@ class DefaultBuilder {
     addFallback(statement);
   }
 
-  void addDefault(Program condition, Program value, uint32_t line) {
+  void addDefault(Program condition, Program value, StatementPlace place) {
     draft_.parm.defaults.push_back({std::move(condition), std::move(value)});
-    draft_.lines.defaults.push_back(line);
+    draft_.lines.defaults.push_back(place);
   }
 
   void addFallback(const Statement& statement) {
@@ -87,9 +87,9 @@ class DefaultBuilder {
     if (!value) return;
     if (value->usesVariables()) {
       last_ = std::move(value);
-      lastLine_ = statement.line;
+      lastPlace_ = statement.place;
     } else {
-      draft_.lines.fallback = statement.line;
+      draft_.lines.fallback = statement.place;
       draft_.parm.fallbackDefault = value->evaluate(SituationView()).asText();
     }
   }
@@ -122,7 +122,7 @@ class DefaultBuilder {
   std::set<const Expression*, TokenOrder> conditions_;  // run-time ones
   bool fallbackSeen_ = false;
   std::optional<Program> last_;  // the run-time value of the statement without a condition
-  uint32_t lastLine_ = 0;
+  StatementPlace lastPlace_;
 };
 
 }  // namespace

@@ -13,7 +13,7 @@ namespace {
 
 // A statement that counts in some situation.
 struct Range {
-  uint32_t line = 0;
+  StatementPlace place;
   std::optional<Program> condition;  // nullopt where it always counts
   RangeItems items;
 };
@@ -34,7 +34,7 @@ std::vector<Range> classifyStatements(const StatementList<RangeStatement>& state
     Condition condition = classifyCondition(statement.condition, draft);
     if (!canApply(statement, condition, draft)) continue;
     Range& range = ranges.emplace_back();
-    range.line = statement.line;
+    range.place = statement.place;
     if (condition.kind == CONDITION_RUN_TIME) {
       range.condition = draft.keep(statement.condition, std::move(condition.compiled));
     }
@@ -68,21 +68,20 @@ void buildRangeValid(DefinitionDraft& draft) {
   for (Range& range : ranges) {
     if (range.condition) {
       bounds.push_back(conditional(*std::move(range.condition), std::move(range.items)));
-      draft.lines.ranges.push_back(range.line);
+      draft.lines.ranges.push_back(range.place);
       continue;
     }
     if (range.items.runTime && !place) {
       place = bounds.size();
       bounds.emplace_back();
-      draft.lines.ranges.push_back(range.line);
+      draft.lines.ranges.push_back(range.place);
     }
     if (!range.items.runTime) {
-      if (draft.lines.base == 0) draft.lines.base = range.line;
-      draft.lines.inBase.push_back(range.line);
+      draft.lines.inBase.push_back(range.place);
       addConstants(range.items.items, draft.parts.baseBounds);
     }
     if (isRunTime) {
-      draft.lines.inSet.push_back(range.line);
+      draft.lines.inSet.push_back(range.place);
       append(set, std::move(range.items));
     }
   }
@@ -93,21 +92,21 @@ void buildRangeDoc(DefinitionDraft& draft) {
   std::vector<Range> ranges = classifyStatements(draft.record().rangeDoc, draft);
   std::vector<ConditionalBounds>& documented = draft.parm.documentedRanges;
   std::optional<RangeItems> set;
-  uint32_t line = 0;  // of the set
+  StatementPlace first;  // of the set
   for (Range& range : ranges) {
     if (range.condition) {
       documented.push_back(conditional(*std::move(range.condition), std::move(range.items)));
-      draft.lines.documented.push_back(range.line);
+      draft.lines.documented.push_back(range.place);
       continue;
     }
     if (!set) {
       set.emplace();
-      line = range.line;
+      first = range.place;
     }
-    draft.lines.inDocumentedSet.push_back(range.line);
+    draft.lines.inDocumentedSet.push_back(range.place);
     append(*set, std::move(range.items));
   }
   if (!set) return;
   documented.push_back(conditional(Program::constant(1), *std::move(set)));
-  draft.lines.documented.push_back(line);
+  draft.lines.documented.push_back(first);
 }

@@ -4,14 +4,15 @@
 #include <string_view>
 
 void buildTranslations(DefinitionDraft& draft) {
-  std::map<std::string_view, uint32_t> lines;  // by source, of the first statement, which counts
+  // By source, of the first statement, which counts.
+  std::map<std::string_view, StatementPlace> places;
   for (const auto& translation : draft.record().valueChange) {
-    lines.emplace(translation.source, translation.line);
+    places.emplace(translation.source, translation.place);
     const auto [entry, isNew] =
         draft.parts.translations.emplace(translation.source, translation.target);
     if (!isNew && entry->second != translation.target) {
       draft.error(DIAG_MULTIPLE_TRANSLATIONS, translation.at);
     }
   }
-  for (const auto& [source, line] : lines) draft.lines.translations.push_back(line);
+  for (const auto& [source, place] : places) draft.lines.translations.push_back(place);
 }

@@ -130,6 +130,7 @@ int buildDefinitions(DiagnosticCollector& diagnostics, const ParameterRecords& r
                      const LineTexts& lines, bool checkOnly, DefinitionRegistry& registry) {
   CheckOnlyRegistry scratch(registry);
   DefinitionRegistry& used = checkOnly ? scratch : registry;
+  used.keepSources(records.sources());
   BuildContext context(diagnostics, records, lines, used, checkOnly);
   Builder(context).build();
   return context.result();

@@ -5,7 +5,7 @@
 DefinitionDraft::DefinitionDraft(BuildContext& context, const ParameterRecord& record)
     : context_(context), record_(record) {
   parts.name = record.name;
-  lines.definition = record.line;
+  lines.definition = {record.line, record.source};
 }
 
 std::string DefinitionDraft::recordText() const {

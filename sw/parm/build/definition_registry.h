@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "deflang/text/statement_sources.h"
 #include "sw/parm/index_def.h"
 #include "sw/parm/parm_def.h"
 #include "sw/parm/statement_lines.h"
@@ -20,6 +21,9 @@ class DefinitionRegistry {
   /// Takes in an index definition. Returns 0, or 1 for the name of an index that it already holds;
   /// the registry is then as before.
   virtual int registerIndex(std::unique_ptr<IndexDef> index) = 0;
+  /// Keeps the statements as they are written, for whoever tells what has decided. Called before
+  /// anything is registered.
+  virtual void keepSources(const std::shared_ptr<const StatementSources>& /*sources*/) {}
   /// Keeps the lines of the definition that was just registered under `name`, for whoever tells
   /// what has decided (StatementLines::appendTo()). A registry that nobody asks keeps none.
   virtual void keepIndexLines(std::string_view /*name*/, const StatementLines& /*lines*/) {}

@@ -31,15 +31,14 @@ std::string translated(const ParmDef& parm, std::string value) {
 
 TextPlace placeOf(const CompiledItem& value) { return {value.at.line, value.at.column, 0}; }
 
-// That a default counts: its condition is true, and none of those before it; without a condition,
-// none at all. One that cannot be worked out is passed over, so it is not looked at.
+// That a default counts: its condition is true, and none of those before it does; without a
+// condition, none at all.
 Goal countsGoal(const Subject& subject, const CompiledStatement& statement) {
   Goal counts{&subject};
   counts.dependsOnRanges = true;
   for (const CompiledStatement& other : subject.defaults) {
     if (&other == &statement && statement.condition) break;
-    const bool isSure = other.condition && constantText(other.items.front());
-    if (isSure) counts.clauses.push_back({{&*other.condition, WANT_UNTRUE}});
+    if (other.condition) counts.clauses.push_back(passedOverDefault(other));
   }
   if (statement.condition) counts.clauses.push_back({{&*statement.condition, WANT_TRUE}});
   return counts;

@@ -4,21 +4,6 @@
 namespace {
 
 // The clauses that make a default or rangeDoc statement the one that is passed over.
-Clause passedOver(const CompiledStatement& statement) {
-  Clause clause;
-  if (statement.condition) clause.push_back({&*statement.condition, WANT_UNTRUE});
-  return clause;
-}
-
-Clause passedOverDefault(const CompiledStatement& statement) {
-  Clause clause = passedOver(statement);
-  const CompiledItem& value = statement.items.front();
-  if (value.lower && value.lower->program.usesVariables()) {
-    clause.push_back({&*value.lower, WANT_MISSING});
-  }
-  return clause;
-}
-
 // The statement that alone covers `statement`, or null.
 const CompiledStatement* coverOf(Proof& proof, const Goal& applies,
                                  const std::vector<const CompiledStatement*>& earlier,

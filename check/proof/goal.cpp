@@ -29,3 +29,18 @@ bool mayHold(const Goal& goal, const std::function<AbstractValue(const VariableS
                        [&](const Wish& wish) { return mayComeTrue(wish, evaluate); });
   });
 }
+
+Clause passedOver(const CompiledStatement& statement) {
+  Clause clause;
+  if (statement.condition) clause.push_back({&*statement.condition, WANT_UNTRUE});
+  return clause;
+}
+
+Clause passedOverDefault(const CompiledStatement& statement) {
+  Clause clause = passedOver(statement);
+  const CompiledItem& value = statement.items.front();
+  if (value.lower && value.lower->program.usesVariables()) {
+    clause.push_back({&*value.lower, WANT_MISSING});
+  }
+  return clause;
+}

@@ -64,6 +64,11 @@ void forEachExpression(const Wish& wish, const Visit& visit) {
 /// Wishes of which one has to come true.
 using Clause = std::vector<Wish>;
 
+/// That a statement does not count.
+Clause passedOver(const CompiledStatement& statement);
+/// Likewise of a default, which does not count either where its value cannot be worked out.
+Clause passedOverDefault(const CompiledStatement& statement);
+
 /// Clauses that all have to hold in one situation of one definition.
 struct Goal {
   const Subject* subject;

@@ -145,6 +145,9 @@ TEST(Proofs, Decide) {
        "b rw { rangeValid { (a) } default (a > 2) { 4 } default (a <= 3) { 3 } }\n",
        {"default-outside"}},
       {"a rw { rangeValid { 0..9 } default { 0 } }\n"
+       "b rw { rangeValid { (a) } default (a > 2) { (a) } default (a > 0) { 3 } default { 0 } }\n",
+       {"default-outside"}},
+      {"a rw { rangeValid { 0..9 } default { 0 } }\n"
        "b rw { rangeValid { (a) } default (a > 3) { 4 } default (a > 2) { 3 } default { 0 } }\n",
        {}},
       // Whether an unknown text contains another is open, but the same each time.

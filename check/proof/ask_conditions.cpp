@@ -78,7 +78,10 @@ void askCondition(Proof& proof, const Subject& subject, const ConditionKind& kin
         std::string("this condition is never true once the device has settled, ") + kind.neverTrue;
   }
   if (canBeTrue == VERDICT_UNDECIDED) proof.addUndecided(never);
-  if (canBeTrue == VERDICT_IMPOSSIBLE) found.never.push_back({&statement, never, isSettled});
+  const ParmEntry* const own = kind.statements == &Subject::ctrlValid ? subject.parm : nullptr;
+  const bool isNever = canBeTrue == VERDICT_IMPOSSIBLE;
+  if (isNever && isSettled && proof.readsWhatIsNeverThere(condition, own)) return;
+  if (isNever) found.never.push_back({&statement, never, isSettled});
 }
 
 // Whether `statement` has a true condition wherever those of `others` are untrue, by form alone:

@@ -64,8 +64,15 @@ class Controls {
     if (verdict != VERDICT_POSSIBLE) return {verdict, false};
     const bool isVaried = !proof_.text().checked().variant.constants.empty();
     if (isVaried) return {verdict, false};
-    const Verdict settled = verdictOf(goal, true);
-    return {settled == VERDICT_IMPOSSIBLE ? settled : verdict, true};
+    const bool isNever =
+        verdictOf(goal, true) == VERDICT_IMPOSSIBLE && !readsWhatIsNeverThere(goal);
+    return {isNever ? VERDICT_IMPOSSIBLE : verdict, true};
+  }
+
+  bool readsWhatIsNeverThere(const Goal& goal) {
+    return std::ranges::any_of(goal.clauses, [&](const Clause& clause) {
+      return proof_.readsWhatIsNeverThere(*clause.front().expression, subject_.parm);
+    });
   }
 
   // Returns whether it is told that it is never there, or whether that is open.

@@ -113,6 +113,23 @@ HealthyResult Proof::findHealthy(const Goal& goal,
   return result;
 }
 
+bool Proof::isNeverThere(const Subject& subject) {
+  if (subject.ctrlValid.empty()) return false;
+  Goal isThere{&subject, {}, false};
+  for (const CompiledStatement& control : subject.ctrlValid) {
+    if (control.condition) isThere.clauses.push_back({{&*control.condition, WANT_TRUE}});
+  }
+  return isImpossible(isThere) || findHealthy(isThere).atRest() == VERDICT_IMPOSSIBLE;
+}
+
+bool Proof::readsWhatIsNeverThere(const CompiledExpression& expression, const ParmEntry* own) {
+  return std::ranges::any_of(expression.sources, [&](const VariableSource& source) {
+    if (source.parm == nullptr || (own != nullptr && source.parm->level >= own->level))
+      return false;
+    return isNeverThere(*text_.find(source.parm->parm.name()));
+  });
+}
+
 bool Proof::addIfHealthy(const Goal& goal, Finding finding) {
   if (isImpossible(goal, THIS_VARIANT, EFFORT_QUICK)) return false;
   HealthyResult result = findHealthy(goal);

@@ -62,6 +62,10 @@ class Proof {
   /// the definition's own indices as well, behind the others, where the goal asks about them.
   HealthyResult findHealthy(const Goal& goal,
                             const std::function<bool(const IndexTuple& indices)>& isMet = {});
+  /// Whether some parameter that a settled device never has is read by `expression`: what follows
+  /// from that is told of its conditions. Where the expression decides whether `own` is there,
+  /// which else is null, what refers back to that may have the same cause, and does not count.
+  bool readsWhatIsNeverThere(const CompiledExpression& expression, const ParmEntry* own);
   /// Adds `finding` with its witness where a healthy situation meets `goal`; adds it to those that
   /// are undecided where that was not found out. Returns whether it was added.
   bool addIfHealthy(const Goal& goal, Finding finding);
@@ -69,6 +73,7 @@ class Proof {
  private:
   void addSubject(const Subject& subject);
   SolverBudget& budgetOf(const Goal& goal);
+  bool isNeverThere(const Subject& subject);
 
   CompiledText text_;
   Domains domains_;

@@ -184,6 +184,10 @@ TEST(Proofs, Decide) {
       {"a rw { rangeValid { 0..9 } default { 0 } ctrlValid (b) }\n"
        "b rw { rangeValid { 0..9 } default { 0 } ctrlValid (a) }\n",
        {}},
+      // What is never there is told of once.
+      {"x rw { rangeValid { 0..9 } default { 0 } ctrlRO (y == 1) }\n"
+       "y rw { rangeValid { 0..2 } default { 0 } ctrlValid (x == 1) ctrlValid (x == 2) }\n",
+       {"never-true"}},
       // One that does not rest after the start has no other situations to tell of.
       {"a rw { rangeValid { (b + 1)..10 } default { 5 } }\n"
        "b rw { rangeValid { (a + 1)..10 } default { 5 } }\n",

@@ -28,8 +28,8 @@ VariableSources moversOf(const Subject& subject) {
     for (const CompiledStatement& statement : *statements) {
       forEachExpression(statement, [&](const CompiledExpression& expression) {
         for (const VariableSource& source : expression.sources) {
-          if (source.parm != nullptr && seen.insert(source.name).second)
-            movers.emplace_back(source);
+          const bool isNew = source.parm != nullptr && seen.insert(source.name).second;
+          if (isNew) movers.emplace_back(source);
         }
       });
     }

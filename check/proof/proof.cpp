@@ -124,9 +124,9 @@ bool Proof::isNeverThere(const Subject& subject) {
 
 bool Proof::readsWhatIsNeverThere(const CompiledExpression& expression, const ParmEntry* own) {
   return std::ranges::any_of(expression.sources, [&](const VariableSource& source) {
-    if (source.parm == nullptr || (own != nullptr && source.parm->level >= own->level))
-      return false;
-    return isNeverThere(*text_.find(source.parm->parm.name()));
+    if (source.parm == nullptr) return false;
+    const bool refersBack = own != nullptr && source.parm->level >= own->level;
+    return !refersBack && isNeverThere(*text_.find(source.parm->parm.name()));
   });
 }
 

@@ -2,6 +2,7 @@
 
 #include "check/proof/present_value.h"
 #include "check/proof/questions.h"
+#include "check/proof/replay.h"
 #include "check/proof/resting.h"
 #include "check/proof/setter.h"
 #include "check/proof/start_order.h"
@@ -116,15 +117,33 @@ class DefaultsOfTheStart {
   bool askInstance(const IndexTuple& indices) {
     StartOrder order;
     if (!findStartOrder(database_, fullName(subject_.name(), indices), order)) return false;
-    Setter setter;
-    for (const Instance& instance : order.instances) {
-      if (instance.isComplete()) reset(*instance.parm, instance.indices, setter);
-    }
+    start(order);
     const bool isLost = !isExplained(order) && tellWhereLost(indices, order);
     for (const Instance& instance : order.instances) {
       if (instance.isComplete()) Setter::unset(*instance.parm, instance.indices);
     }
     return isLost;
+  }
+
+  // Resets all: one after the other, which takes less time, or by levels, where values of one level
+  // are judged by each other.
+  void start(const StartOrder& order) {
+    if (hasRing(order)) {
+      ConfinedCommits(order.names, database_, ConfinedCommits::KEEP_VALUES).start();
+      return;
+    }
+    Setter setter;
+    for (const Instance& instance : order.instances) {
+      if (instance.isComplete()) reset(*instance.parm, instance.indices, setter);
+    }
+  }
+
+  static bool hasRing(const StartOrder& order) {
+    return std::ranges::any_of(order.instances, [](const Instance& instance) {
+      return std::ranges::any_of(instance.parm->sources, [&](const VariableSource& source) {
+        return source.parm != nullptr && source.parm->level >= instance.parm->level;
+      });
+    });
   }
 
   static void reset(ParmEntry& parm, const IndexTuple& indices, Setter& setter) {

@@ -185,8 +185,8 @@ bool Domains::mayFail(const CompiledItem& item) { return itemMayFail(item, ownVa
 
 // What a commit that sets another parameter makes of a value of `held`. Its ring partner is read as
 // it was staged, whatever that is, where it is judged later. A value stays where it fits, and where
-// a range has no values at that moment.
-Domain Domains::correctedDomain(const Subject& subject, const Domain& held,
+// a range has no values at that moment: any value, if it is set together with the other one.
+Domain Domains::correctedDomain(Staging staging, const Subject& subject, const Domain& held,
                                 const ValueOf& valueOf) const {
   const ParmEntry& own = *subject.parm;
   const ValueOf stagedValueOf = [&](const VariableSource& source) {
@@ -195,11 +195,13 @@ Domain Domains::correctedDomain(const Subject& subject, const Domain& held,
     return isStaged ? abstractOf(source, {Domain::all(), false}) : valueOf(source);
   };
   Domain domain;
-  const bool isOneRange =
-      subject.rangeValid.size() == 1 && subject.rangeValid.front().items.size() == 1;
+  const bool isOneRange = staging == STAGED_ALONE && subject.rangeValid.size() == 1 &&
+                          subject.rangeValid.front().items.size() == 1;
   for (const CompiledStatement& statement : subject.rangeValid) {
     if (isNever(statement, stagedValueOf)) continue;
     for (const CompiledItem& item : statement.items) {
+      const bool isUsable = statement.condition || !itemMayFail(item, stagedValueOf);
+      if (staging == STAGED_TOGETHER && !isUsable) domain.add(subject.definition().baseBounds());
       if (isOneRange && item.upper && !::abstractOf(held).mayBeText()) {
         addCorrected(item, ::abstractOf(held), stagedValueOf, domain);
       } else {
@@ -210,7 +212,7 @@ Domain Domains::correctedDomain(const Subject& subject, const Domain& held,
   return domain;
 }
 
-DomainsByName Domains::leastOf(const DomainsByName& start) {
+DomainsByName Domains::leastOf(const DomainsByName& start, Staging staging) {
   constexpr int MANY_ROUNDS = 30;
   const NameDomain neverSet{Domain::of(""), false};
   DomainsByName least = start;
@@ -229,7 +231,7 @@ DomainsByName Domains::leastOf(const DomainsByName& start) {
       const Subject& subject = *text_.find(name);
       const ValueOf valueOf = valueFor(*subject.parm);
       domain.values.add(parmDomain(subject, valueOf));
-      domain.values.add(correctedDomain(subject, domain.values, valueOf));
+      domain.values.add(correctedDomain(staging, subject, domain.values, valueOf));
       // What does not come to an end by itself may be anything.
       if (round > MANY_ROUNDS) domain.values.addAll();
       grows = grows || ::abstractOf(domain.values) != before;

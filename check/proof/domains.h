@@ -17,6 +17,12 @@ struct NameDomain {
 /// Domains by base name.
 using DomainsByName = std::map<std::string, NameDomain, std::less<>>;
 
+/// How values of parameters that refer to each other are changed.
+enum Staging {
+  STAGED_ALONE,     ///< by commits of one value each
+  STAGED_TOGETHER,  ///< by commits of several: each is read as it was staged until it is judged
+};
+
 /// Works each domain out once. The text has to outlive it.
 class Domains {
  public:
@@ -32,10 +38,10 @@ class Domains {
   AbstractValue abstractOf(const VariableSource& source);
   /// As the other one, where the name has a value of `domain`.
   static AbstractValue abstractOf(const VariableSource& source, const NameDomain& domain);
-  /// What parameters that refer to each other may come to hold, from the values of `start` on, by
-  /// commits of one value each: the least domains in which all lies again that these commits leave.
+  /// What parameters that refer to each other may come to hold, from the values of `start` on: the
+  /// least domains in which all lies again that commits leave.
   /// Other names may be anything of their domain. By base name, as `start` is.
-  DomainsByName leastOf(const DomainsByName& start);
+  DomainsByName leastOf(const DomainsByName& start, Staging staging);
   /// Whether the item of a range may have no value, or a span its ends the wrong way round.
   bool mayFail(const CompiledItem& item);
 
@@ -46,7 +52,7 @@ class Domains {
     return [this](const VariableSource& source) { return abstractOf(source); };
   }
   static Domain parmDomain(const Subject& subject, const ValueOf& valueOf);
-  [[nodiscard]] Domain correctedDomain(const Subject& subject, const Domain& held,
+  [[nodiscard]] Domain correctedDomain(Staging staging, const Subject& subject, const Domain& held,
                                        const ValueOf& valueOf) const;
   NameDomain indexDomain(const IndexEntry& index) const;
   void noteComparedConstants();

@@ -32,13 +32,13 @@ class Search {
   // Whether there was such an instance.
   [[nodiscard]] bool hasStrayed() const { return hasStrayed_; }
   // Whether the goal may be met where an instance is not there, whatever that holds.
-  [[nodiscard]] bool isMetByAbsent() const { return isMetByAbsent_; }
+  [[nodiscard]] bool isMetOtherwise() const { return isMetOtherwise_; }
 
  private:
   void setFrom(size_t place) {
     if (place == cone_.size()) {
       if (absent_ > 0) {
-        isMetByAbsent_ = isMetByAbsent_ || isWithinReach();
+        isMetOtherwise_ = isMetOtherwise_ || isWithinReach();
       } else if (attempt_.isMet()) {
         found_ = attempt_.situation();
       }
@@ -73,13 +73,13 @@ class Search {
 
   // Goes on without an instance that is not there. What others follow of it is not known.
   void leaveOut(size_t place) {
-    if (isMetByAbsent_ || !isWithinReach()) return;
+    if (isMetOtherwise_ || !isWithinReach()) return;
     const std::vector<ParmEntry*>& dependents = cone_[place].parm->dependents;
     const bool isFollowed = std::any_of(cone_.begin(), cone_.end(), [&](const ConeInstance& other) {
       return std::find(dependents.begin(), dependents.end(), other.parm) != dependents.end();
     });
     if (isFollowed) {
-      isMetByAbsent_ = true;
+      isMetOtherwise_ = true;
       return;
     }
     ++absent_;
@@ -114,7 +114,7 @@ class Search {
   bool goesAstray_;
   bool hasStrayed_ = false;
   bool isComplete_ = true;
-  bool isMetByAbsent_ = false;
+  bool isMetOtherwise_ = false;
   size_t absent_ = 0;  // instances that are left out
   std::optional<NamedValues> found_;
 };
@@ -141,7 +141,7 @@ class HealthyTrials {
               std::move(commits_)};
     }
     if (!isImpossible) return {VERDICT_UNDECIDED, {}, {}, isAstray_};
-    return {VERDICT_IMPOSSIBLE, {}, {}, isAstray_, isMetByAbsent_};
+    return {VERDICT_IMPOSSIBLE, {}, {}, isAstray_, isMetOtherwise_};
   }
 
  private:
@@ -154,20 +154,20 @@ class HealthyTrials {
     if (attempt.cone().hasRing()) return tryRing(attempt);
     Search search(attempt, limit_, false);
     found_ = search.run();
-    isMetByAbsent_ = isMetByAbsent_ || search.isMetByAbsent();
+    isMetOtherwise_ = isMetOtherwise_ || search.isMetOtherwise();
     if (found_) isAstray_ = false;
     if (found_ || !search.hasStrayed()) return search.isComplete();
     isAstray_ = true;
     Search further(attempt, limit_, true);
     found_ = further.run();
-    isMetByAbsent_ = isMetByAbsent_ || further.isMetByAbsent();
+    isMetOtherwise_ = isMetOtherwise_ || further.isMetOtherwise();
     return further.isComplete();
   }
 
   bool tryRing(Attempt& attempt) {
     HealthyResult result = walkFromDefaults(attempt, limit_);
     isAstray_ = result.isAstray;
-    isMetByAbsent_ = isMetByAbsent_ || result.isMetByAbsent;
+    isMetOtherwise_ = isMetOtherwise_ || result.isMetOtherwise;
     if (result.verdict == VERDICT_POSSIBLE) found_ = std::move(result.witness);
     commits_ = std::move(result.commits);
     return result.verdict == VERDICT_IMPOSSIBLE;
@@ -175,29 +175,30 @@ class HealthyTrials {
 
   // Leaves it to the solver, for each reader. What that says is possible is tried on the engine.
   bool solveForAll() {
-    isMetByAbsent_ = false;
+    isMetOtherwise_ = false;
     for (const Reader& reader : readers_.all) {
       if (limit_.isOver()) return false;
       tried_ = &reader;
       Attempt attempt(question_, reader);
       if (attempt.cone().instances().size() > MANY_INSTANCES) return false;
       const bool isRing = attempt.cone().hasRing();
-      DomainsByName least;
-      if (isRing) least = ringDomains(attempt).value_or(least);
+      const DomainsByName least = isRing ? ringDomains(attempt, STAGED_ALONE) : DomainsByName();
       const AnywhereResult result = solveCone(attempt, least);
       const bool isProposed = result.verdict == VERDICT_POSSIBLE && !isRing;
       if (isProposed) trySolution(attempt, result.assignment);
       if (result.verdict != VERDICT_IMPOSSIBLE) return false;
-      isMetByAbsent_ = isMetByAbsent_ || !isImpossibleWithAbsent(attempt, least);
+      isMetOtherwise_ = isMetOtherwise_ || mayBeMetOtherwise(attempt, isRing);
     }
     return readers_.areAll;
   }
 
-  static bool isImpossibleWithAbsent(Attempt& attempt, const DomainsByName& least) {
+  static bool mayBeMetOtherwise(Attempt& attempt, bool isRing) {
     const std::vector<ConeInstance>& cone = attempt.cone().instances();
-    const bool areAllThere = std::none_of(
+    const bool someMayBeAbsent = std::any_of(
         cone.begin(), cone.end(), [](const ConeInstance& each) { return mayBeAbsent(*each.parm); });
-    return areAllThere || solveCone(attempt, least, true).verdict == VERDICT_IMPOSSIBLE;
+    if (!isRing && !someMayBeAbsent) return false;
+    const DomainsByName least = isRing ? ringDomains(attempt, STAGED_TOGETHER) : DomainsByName();
+    return solveCone(attempt, least, someMayBeAbsent).verdict != VERDICT_IMPOSSIBLE;
   }
 
   void trySolution(Attempt& attempt, const Assignment& solution) {
@@ -215,7 +216,7 @@ class HealthyTrials {
   Readers readers_;
   TrialLimit limit_;
   const Reader* tried_ = nullptr;  // the last
-  bool isMetByAbsent_ = false;
+  bool isMetOtherwise_ = false;
   bool isAstray_ = false;  // whether some instance may go astray, and nothing else is known
   std::optional<NamedValues> found_;
   Commits commits_;  // those of `found_`, if need be

@@ -18,15 +18,17 @@ struct HealthyResult {
   /// That is told there.
   bool isAstray = false;
   /// Of VERDICT_IMPOSSIBLE: whether the goal may be met all the same where something that matters
-  /// for it is not there, and holds what it held before, or nothing. A device rests like that, too.
-  bool isMetByAbsent = false;
+  /// for it is not there, and holds what it held before, or nothing; or where parameters that refer
+  /// to each other were set together, and what each was given left the other without a range. A
+  /// device rests like that, too.
+  bool isMetOtherwise = false;
 
   /// Of VERDICT_POSSIBLE: what leads there from the defaults, where setting one value after the
   /// other need not.
   Commits commits = {};
 
   /// The verdict on a device that rests, be everything there or not.
-  [[nodiscard]] Verdict atRest() const { return isMetByAbsent ? VERDICT_POSSIBLE : verdict; }
+  [[nodiscard]] Verdict atRest() const { return isMetOtherwise ? VERDICT_POSSIBLE : verdict; }
 };
 
 /// How many values are set before a goal is left undecided.

@@ -154,11 +154,25 @@ TEST(Proofs, Decide) {
       {"name rw { }\n"
        "n rw { rangeValid (name $ \"x\") { 0..1 } rangeValid ((name $ \"x\") == 0) { 0..2 } }\n",
        {}},
-      // A total that two parameters share.
+      // A total that two parameters share: a client can set both to 20 in one commit, and neither
+      // has a range then.
       {"a rw { rangeValid { 0..(10 - b) } default { 3 } }\n"
        "b rw { rangeValid { 0..(10 - a) } default { 3 } }\n"
        "c rw { rangeValid (a + b > 10) { 0 } rangeValid (a + b <= 10) { 0..3 } }\n",
-       {"never-true"}},
+       {}},
+      // The start judges values of one level by each other.
+      {"a rw { rangeValid { 0..(b) } default { 5 } }\n"
+       "b rw { rangeValid { 0..(a) } default { 5 } }\n",
+       {}},
+      {"a rw { rangeValid { 0..(b) } default { 5 } }\n"
+       "b rw { rangeValid { 0..(a) } default { 3 } }\n",
+       {"default-outside"}},
+      // What is not there at the start is empty.
+      {"a rw { rangeValid { 2..5 } ctrlValid (b <= 1) default { 5 } }\n"
+       "b rw { rangeValid { 0..9 } default (a == 3) { 9 } default { 8 } }\n"
+       "s rw { rangeValid { 0..9 } default { 0 } ctrlRO (a == 0) }\n"
+       "t rw { rangeValid { 0..9 } default { 0 } ctrlRO (a > 1) }\n",
+       {}},
       // Mutual limits, with an index.
       {"i index { rangeValid { 1..2 } }\n"
        "lo rw { index { i } rangeValid { 0..(hi - 1) } default { 2 } }\n"

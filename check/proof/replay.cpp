@@ -36,8 +36,9 @@ bool resetTogether(std::span<const std::string> names, Database& database,
   return areDone;
 }
 
-ConfinedCommits::ConfinedCommits(const std::vector<std::string>& names, Database& database)
-    : database_(database), names_(names) {
+ConfinedCommits::ConfinedCommits(const std::vector<std::string>& names, Database& database,
+                                 Values values)
+    : database_(database), names_(names), values_(values) {
   const uint32_t walk = database.newWalk();
   for (const std::string& name : names) {
     ParmEntry* const parm = database.findNamed(name);
@@ -53,7 +54,7 @@ ConfinedCommits::ConfinedCommits(const std::vector<std::string>& names, Database
 }
 
 ConfinedCommits::~ConfinedCommits() {
-  forgetValues();
+  if (values_ == FORGET_VALUES) forgetValues();
   for (auto& [dependents, all] : confined_) dependents->swap(all);
 }
 

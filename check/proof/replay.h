@@ -23,9 +23,12 @@ bool resetTogether(std::span<const std::string> names, Database& database,
 /// left alone, as it is where nobody has given it a value.
 class ConfinedCommits {
  public:
+  /// What becomes of the values in the end.
+  enum Values { FORGET_VALUES, KEEP_VALUES };
+
   /// The parameters that `names` are of. Between them they have to have all that they depend on.
-  ConfinedCommits(const std::vector<std::string>& names, Database& database);
-  /// Takes away their values.
+  ConfinedCommits(const std::vector<std::string>& names, Database& database,
+                  Values values = FORGET_VALUES);
   ~ConfinedCommits();
   ConfinedCommits(const ConfinedCommits&) = delete;
   ConfinedCommits& operator=(const ConfinedCommits&) = delete;
@@ -46,6 +49,7 @@ class ConfinedCommits {
 
   Database& database_;
   const std::vector<std::string>& names_;
+  Values values_;
   std::vector<ParmEntry*> parms_;
   // The lists of dependents that were made shorter, and what they were.
   std::vector<std::pair<std::vector<ParmEntry*>*, std::vector<ParmEntry*>>> confined_;

@@ -19,7 +19,7 @@ class Visits {
   bool visit(const Commits& commits) {
     if (!attempt_.isMet()) return false;
     if (!attempt_.isHealthy()) {
-      isMetByAbsent_ = isMetByAbsent_ || attempt_.isAtRest();
+      isMetOtherwise_ = isMetOtherwise_ || attempt_.isAtRest();
       return false;
     }
     const bool isAstray = attempt_.isAstray();
@@ -31,13 +31,13 @@ class Visits {
   // With whether every situation was visited.
   HealthyResult result(bool areAll) && {
     if (best_.verdict == VERDICT_POSSIBLE) return std::move(best_);
-    return {areAll ? VERDICT_IMPOSSIBLE : VERDICT_UNDECIDED, {}, {}, false, isMetByAbsent_};
+    return {areAll ? VERDICT_IMPOSSIBLE : VERDICT_UNDECIDED, {}, {}, false, isMetOtherwise_};
   }
 
  private:
   Attempt& attempt_;
   HealthyResult best_;
-  bool isMetByAbsent_ = false;
+  bool isMetOtherwise_ = false;
 };
 
 // Some situations of a ring: a few changes after the defaults, one after the other.
@@ -96,16 +96,20 @@ bool mayMeetGoal(const Attempt& attempt, const DomainsByName& least) {
 
 }  // namespace
 
-std::optional<DomainsByName> ringDomains(Attempt& attempt) {
+DomainsByName ringDomains(Attempt& attempt, Staging staging) {
   const std::vector<std::string> names = attempt.cone().names();
   ConfinedCommits commits(names, attempt.question().text.database());
-  static_cast<void>(commits.moveFromDefaults({}));
   DomainsByName start;
-  for (const ConeInstance& instance : attempt.cone().instances()) {
-    if (instance.held().empty()) return std::nullopt;
-    start[instance.parm->parm.name()].values.addText(instance.held());
-  }
-  return attempt.question().domains.leastOf(start);
+  const auto addHeld = [&] {
+    for (const ConeInstance& instance : attempt.cone().instances()) {
+      start[instance.parm->parm.name()].values.addText(instance.held());
+    }
+  };
+  static_cast<void>(commits.moveFromDefaults({}));
+  addHeld();
+  commits.start();
+  addHeld();
+  return attempt.question().domains.leastOf(start, staging);
 }
 
 HealthyResult walkFromDefaults(Attempt& attempt, TrialLimit& limit) {
@@ -113,14 +117,16 @@ HealthyResult walkFromDefaults(Attempt& attempt, TrialLimit& limit) {
   Database& database = attempt.question().text.database();
   if (!restAfterStart(names, database, limit.deadline())) return {VERDICT_UNDECIDED, {}, {}, true};
   // What more is asked may hold where the goal alone does not tell.
-  if (!attempt.question().isMet) {
-    const std::optional<DomainsByName> least = ringDomains(attempt);
-    if (least && !mayMeetGoal(attempt, *least)) return {VERDICT_IMPOSSIBLE};
-  }
+  const bool isGoalAll = !attempt.question().isMet;
+  const auto isNeverMet = [&](Staging staging) {
+    return isGoalAll && !mayMeetGoal(attempt, ringDomains(attempt, staging));
+  };
+  if (isNeverMet(STAGED_TOGETHER)) return {VERDICT_IMPOSSIBLE};
   Visits ofAll(attempt);
   const WalkEnd end = walkRingStates(attempt, limit.deadline(),
                                      [&](const Commits& commits) { return ofAll.visit(commits); });
   if (end != WALK_CUT) return std::move(ofAll).result(end == WALK_COMPLETE);
+  if (isNeverMet(STAGED_ALONE)) return {VERDICT_IMPOSSIBLE, {}, {}, false, true};
   ConfinedCommits commits(names, database);
   Visits ofSome(attempt);
   RingWalk(attempt, limit, commits, ofSome).run();

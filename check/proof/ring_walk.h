@@ -4,9 +4,9 @@
 #include "check/proof/attempt.h"
 #include "check/proof/healthy.h"
 
-/// What the instances of an attempt's cone may come to hold from their defaults on, by base name;
-/// nullopt where one has no value to begin from. All values of the cone are unset afterwards.
-std::optional<DomainsByName> ringDomains(Attempt& attempt);
+/// What the instances of an attempt's cone may come to hold from their defaults on, by base name.
+/// All values of the cone are unset afterwards.
+DomainsByName ringDomains(Attempt& attempt, Staging staging);
 
 /// Values that carry each other count only where the defaults and one commit after the other lead
 /// there: visits all situations of a small ring, and some of a large one. A ring that does not rest

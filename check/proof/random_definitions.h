@@ -20,6 +20,7 @@ class RandomDefinitions {
   std::string write(TextKind kind) {
     kind_ = kind;
     std::string text;
+    isMutual_ = kind == TEXT_WITH_RING && below(3) == 0;
     hasSecondIndex_ = kind == TEXT_WITH_INDICES && below(4) == 0;
     if (kind == TEXT_WITH_INDICES) text += index("i");
     if (hasSecondIndex_) text += index("j");
@@ -109,7 +110,16 @@ class RandomDefinitions {
     return text + " }\n";
   }
 
+  // A parameter that another one limits, and that limits that one.
+  std::string mutual(unsigned number) {
+    const std::string other = name(number);
+    return "p" + std::to_string(number) + " rw { rangeValid { " +
+           oneOf({"0..(3 - ", "0..(1 + ", "0..("}) + other + ") } default { " +
+           oneOf({"0", "1", "2"}) + " } }\n";
+  }
+
   std::string definition(unsigned number) {
+    if (isMutual_ && isInRing(number)) return mutual(number);
     std::string text = "p" + std::to_string(number) + " " + oneOf({"rw", "ro", "wo", "rw"}) + " {";
     if (!own_.empty()) {
       text += " index { " + own_[0] + (own_.size() > 1 ? ", " + own_[1] : "") + " }";
@@ -131,6 +141,7 @@ class RandomDefinitions {
 
   std::mt19937 random_;
   TextKind kind_ = PLAIN_TEXT;
+  bool isMutual_ = false;  // whether two parameters limit each other
   bool hasSecondIndex_ = false;
   std::vector<std::string> own_;  // the indices of the definition that is being written
 };

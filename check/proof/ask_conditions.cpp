@@ -80,7 +80,10 @@ void askCondition(Proof& proof, const Subject& subject, const ConditionKind& kin
   if (canBeTrue == VERDICT_UNDECIDED) proof.addUndecided(never);
   const ParmEntry* const own = kind.statements == &Subject::ctrlValid ? subject.parm : nullptr;
   const bool isNever = canBeTrue == VERDICT_IMPOSSIBLE;
-  if (isNever && isSettled && proof.readsWhatIsNeverThere(condition, own)) return;
+  if (isNever && (isSettled ? proof.readsWhatIsNeverThere(condition, own)
+                            : proof.readsWhatIsLeftOut(condition))) {
+    return;
+  }
   if (isNever) found.never.push_back({&statement, never, isSettled});
 }
 

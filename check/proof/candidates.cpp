@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr size_t MANY_TEXTS = 300;
+constexpr size_t MANY_TEXTS = 2000;
 // A text that no author writes, and one like it that begins with a number.
 constexpr const char* OTHER_TEXT = "~";
 constexpr const char* OTHER_TEXT_WITH_NUMBER = "1~";

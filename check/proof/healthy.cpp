@@ -134,8 +134,9 @@ class HealthyTrials {
       isImpossible = tryFor(reader) && isImpossible;
     }
     isImpossible = isImpossible && !limit_.isReached();
-    // The solver does not know what else is asked of the situation.
-    if (!found_ && !isImpossible && !question_.isMet) isImpossible = solveForAll();
+    // The solver does not know what else is asked of the situation, nor what never settles.
+    const bool isSolvable = !question_.isMet && !isRestless_;
+    if (!found_ && !isImpossible && isSolvable) isImpossible = solveForAll();
     if (found_) {
       return {VERDICT_POSSIBLE,   *std::move(found_), tried_->indices(), isAstray_, false,
               std::move(commits_)};
@@ -167,6 +168,7 @@ class HealthyTrials {
   bool tryRing(Attempt& attempt) {
     HealthyResult result = walkFromDefaults(attempt, limit_);
     isAstray_ = result.isAstray;
+    isRestless_ = isRestless_ || (result.isAstray && result.verdict == VERDICT_UNDECIDED);
     isMetOtherwise_ = isMetOtherwise_ || result.isMetOtherwise;
     if (result.verdict == VERDICT_POSSIBLE) found_ = std::move(result.witness);
     commits_ = std::move(result.commits);
@@ -217,7 +219,8 @@ class HealthyTrials {
   TrialLimit limit_;
   const Reader* tried_ = nullptr;  // the last
   bool isMetOtherwise_ = false;
-  bool isAstray_ = false;  // whether some instance may go astray, and nothing else is known
+  bool isRestless_ = false;  // whether a ring does not rest after the start
+  bool isAstray_ = false;    // whether some instance may go astray, and nothing else is known
   std::optional<NamedValues> found_;
   Commits commits_;  // those of `found_`, if need be
 };

@@ -27,8 +27,12 @@ struct HealthyResult {
   /// other need not.
   Commits commits = {};
 
-  /// The verdict on a device that rests, be everything there or not.
-  [[nodiscard]] Verdict atRest() const { return isMetOtherwise ? VERDICT_POSSIBLE : verdict; }
+  /// The verdict on a device that rests, be everything there or not. Where values may go astray,
+  /// and nothing else is known, the goal counts as possible: that is told there.
+  [[nodiscard]] Verdict atRest() const {
+    const bool isLeftOpen = isAstray && verdict == VERDICT_UNDECIDED;
+    return isMetOtherwise || isLeftOpen ? VERDICT_POSSIBLE : verdict;
+  }
 };
 
 /// How many values are set before a goal is left undecided.

@@ -113,6 +113,16 @@ HealthyResult Proof::findHealthy(const Goal& goal,
   return result;
 }
 
+bool Proof::readsWhatIsLeftOut(const CompiledExpression& expression) const {
+  return std::ranges::any_of(expression.sources, [this](const VariableSource& source) {
+    if (source.parm == nullptr || source.parm->parm.mode() != MODE_NEVER) return false;
+    const Subject& subject = *text_.find(source.parm->parm.name());
+    return std::ranges::any_of(subject.ctrlValid, [](const CompiledStatement& control) {
+      return control.condition && control.condition->sources.empty();
+    });
+  });
+}
+
 bool Proof::isNeverThere(const Subject& subject) {
   if (subject.ctrlValid.empty()) return false;
   Goal isThere{&subject, {}, false};

@@ -66,6 +66,9 @@ class Proof {
   /// from that is told of its conditions. Where the expression decides whether `own` is there,
   /// which else is null, what refers back to that may have the same cause, and does not count.
   bool readsWhatIsNeverThere(const CompiledExpression& expression, const ParmEntry* own);
+  /// Whether some parameter that is in no variant is read by `expression`, as a ctrlValid without
+  /// any name says.
+  [[nodiscard]] bool readsWhatIsLeftOut(const CompiledExpression& expression) const;
   /// Adds `finding` with its witness where a healthy situation meets `goal`; adds it to those that
   /// are undecided where that was not found out. Returns whether it was added.
   bool addIfHealthy(const Goal& goal, Finding finding);

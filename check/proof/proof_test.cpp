@@ -205,7 +205,16 @@ TEST(Proofs, Decide) {
       // One that does not rest after the start has no other situations to tell of.
       {"a rw { rangeValid { (b + 1)..10 } default { 5 } }\n"
        "b rw { rangeValid { (a + 1)..10 } default { 5 } }\n",
-       {"unsettled"}}};
+       {"unsettled"}},
+      {"a rw { rangeValid (b == \"x\") { \"y\" } rangeValid (b != \"x\") { \"x\" } default { \"x\" "
+       "} }\n"
+       "b rw { rangeValid (a == \"x\") { \"x\" } rangeValid (a != \"x\") { \"y\" } default { \"y\" "
+       "} }\n",
+       {"unsettled"}},
+      // What is left out is told of where that is written.
+      {"m rw { rangeValid { 0..3 } ctrlValid (0) default { 1 } }\n"
+       "gain rw { rangeValid { 0..9 } ctrlRO (m == 2) default { 0 } }\n",
+       {}}};
   for (const auto& [text, codes] : cases) {
     const Proved proved(text);
     EXPECT_EQ(codesOf(proved.findings), codes) << text;

@@ -16,6 +16,7 @@ void prove(const CheckedText& checked, const ExplainedPlaces& explainedPlaces,
   askValues(proof, explained);
   askCoverage(proof, explained);
   askRefusals(proof, explained);
+  askDocumented(proof, explained);
   askDefaults(proof, explained);
   askIndices(proof, explained);
   askOverflow(proof, explained);

@@ -25,6 +25,8 @@ void askValues(Proof& proof, const Explained& explained);
 void askCoverage(Proof& proof, const Explained& explained);
 /// disjoint: values that a range with a condition and the one without move to and fro.
 void askRefusals(Proof& proof, const Explained& explained);
+/// doc-outside and translation: values that are offered or written and that no situation keeps.
+void askDocumented(Proof& proof, const Explained& explained);
 /// default-outside: defaults that no situation keeps.
 void askDefaults(Proof& proof, const Explained& explained);
 /// narrowed-away: situations in which instances are out of reach.

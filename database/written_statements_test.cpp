@@ -55,6 +55,27 @@ class WrittenStatements : public testing::Test {
   Database database_;
 };
 
+// White space between words is one blank, whatever lines it goes over.
+TEST(WrittenStatement, HasOneBlankBetweenWords) {
+  const struct {
+    std::string_view written;
+    const char* statement;
+  } cases[] = {
+      {"rangeValid { 1 ..\n\t\n   3 }", "1: rangeValid { 1 .. 3 }"},
+      {"rangeValid { 1,\n  \n   3 }", "1: rangeValid { 1, 3 }"},
+      {"rangeValid { 1,\r\n    3,\r\n\r\n 5 }", "1: rangeValid { 1, 3, 5 }"},
+      {"rangeValid\n\n \n{ 1,\n \n# 2,\n\t\n 3 }", "1: rangeValid { 1, 3 }"},
+      {"\r\n\r\nrangeValid (1\n  \n== 1)\r\n \r\n{ 1 }\r\n \r\n", "3: rangeValid (1 == 1) { 1 }"},
+      {"default {\n  \n\"a  b\"\n\t\n}", "1: default { \"a  b\" }"},
+  };
+  for (const auto& [written, statement] : cases) {
+    SCOPED_TRACE(written);
+    Database database;
+    define(database, "a rw { " + std::string(written) + " }\n");
+    EXPECT_EQ(statementsOf(database, "a"), Texts{statement});
+  }
+}
+
 TEST_F(WrittenStatements, AreAllOfADefinitionInItsOrder) {
   const struct {
     const char* name;
@@ -176,7 +197,8 @@ std::string toldBy(Database& database) {
 
 // `text`, whose quotes have no blanks, with other white space, and with comments.
 std::string spaced(const std::string& text, RandomTexts& random) {
-  const Texts blanks = {" ", " ", "  ", "\t", "\n", "\r\n", "\n# a \"comment\" {\n", "\n\n\f"};
+  const Texts blanks = {" ",      " ",       "  ",      "\t", "\n", "\r\n", "\n# a \"comment\" {\n",
+                        "\n\n\f", "\n \t\n", "\r\n\r\n"};
   std::string out;
   for (const char c : text) {
     if (c == ' ') {

@@ -30,6 +30,7 @@ bool TextCursor::skipFrom(size_t begin) {
   bool isSkipped = column_ > begin;
   while (column_ == line_.size() && pullLine()) {
     column_ = word_;
+    excerptFrom_ = column_;  // nothing of a blank line
     isSkipped = isSkipped || column_ > 0;
   }
   // Where one piece of a long line ends and the next begins there is no white space.

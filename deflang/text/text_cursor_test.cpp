@@ -49,6 +49,15 @@ TEST(TextCursor, GivesAnExcerptOfWhatIsRead) {
       {"gain\t{\r\n\n  } }", "gain { }"},
       {"gain  { }", "gain { }"},
       {"gain{\n# comment }\n}", "gain{ }"},
+      // Blank lines, and what is on them.
+      {"gain\n\n\n{}", "gain {}"},
+      {"gain {\n\t\n   }", "gain { }"},
+      {"gain {\n  \n   }", "gain { }"},
+      {"gain{\n \t \n}", "gain{ }"},
+      {"gain\r\n\r\n{\r\n\r\n\r\n }", "gain { }"},
+      {"gain {\n  \n# comment }\n\t\t\n}", "gain { }"},
+      {"gain {\r\n \r\n # comment }\r\n\f\r\n}", "gain { }"},
+      {"gain\n  \n{} \n\t\n", "gain {}"},
   };
   for (const auto& [text, excerpt] : cases) {
     SCOPED_TRACE(text);

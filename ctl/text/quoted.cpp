@@ -51,33 +51,36 @@ void appendBytes(std::string& out, std::string_view bytes) {
   }
 }
 
-std::string inQuotes(std::string_view text) {
-  std::string quoted = "\"";
-  forEachCharacter(text, [&](gunichar c, std::string_view bytes) {
-    switch (c) {
-      case '"':
-      case '\\':
-        quoted += {'\\', bytes[0]};
-        break;
-      case '\n':
-        quoted += "\\n";
-        break;
-      case '\r':
-        quoted += "\\r";
-        break;
-      case '\t':
-        quoted += "\\t";
-        break;
-      default:
-        if (isUnprintable(c)) {
-          appendBytes(quoted, bytes);
-        } else {
-          quoted += bytes;
-        }
-    }
-  });
-  return quoted + '"';
+// A character that cannot be printed.
+void appendEscape(std::string& out, gunichar c, std::string_view bytes) {
+  switch (c) {
+    case '\n':
+      out += "\\n";
+      break;
+    case '\r':
+      out += "\\r";
+      break;
+    case '\t':
+      out += "\\t";
+      break;
+    default:
+      appendBytes(out, bytes);
+  }
 }
+
+// `text` with an escape for each character that cannot be printed, and a backslash before each of
+// `signs`.
+std::string escaped(std::string_view text, std::string_view signs) {
+  std::string out;
+  forEachCharacter(text, [&](gunichar c, std::string_view bytes) {
+    if (isUnprintable(c)) return appendEscape(out, c, bytes);
+    if (signs.find(bytes) != std::string_view::npos) out += '\\';
+    out += bytes;
+  });
+  return out;
+}
+
+std::string inQuotes(std::string_view text) { return '"' + escaped(text, "\"\\") + '"'; }
 
 bool isPlainLine(std::string_view text) {
   if (text.empty()) return true;
@@ -107,6 +110,8 @@ std::string quotedAssignment(std::string_view name, std::string_view value) {
   const bool isPlain = isPlainLine(name) && signOfAssignment(name) == std::string_view::npos;
   return (isPlain ? std::string(name) : inQuotes(name)) + "=" + quotedLine(value);
 }
+
+std::string printableText(std::string_view text) { return escaped(text, {}); }
 
 std::string shellWord(const std::string& text) {
   if (!text.empty() && std::ranges::all_of(text, isShellLetter)) return text;

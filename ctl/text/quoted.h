@@ -18,5 +18,9 @@ std::string quotedWord(std::string_view text);
 /// name=value as a line. The name is quoted where its end would not be found.
 std::string quotedAssignment(std::string_view name, std::string_view value);
 
+/// `text` that has quotes of its own, as a statement has: as it is, but that what cannot be printed
+/// is written as within quotes.
+std::string printableText(std::string_view text);
+
 /// `text` as an argument of a shell's command line.
 std::string shellWord(const std::string& text);

@@ -46,6 +46,20 @@ TEST(Quoted, AssignmentsShowWhereTheNameEnds) {
   EXPECT_EQ(quotedAssignment("a=b", "5"), R"("a=b"=5)");
 }
 
+TEST(PrintableText, KeepsItsOwnQuotes) {
+  const struct {
+    std::string text;
+    std::string printable;
+  } cases[] = {
+      {"", ""},
+      {R"(rangeValid { "a\b" } )", R"(rangeValid { "a\b" } )"},
+      {"\"x\x1b[31mred\"", R"("x\x1b[31mred")"},
+      {"a\nb\tc\rd\x7f", R"(a\nb\tc\rd\x7f)"},
+      {"\xc2\x85grün", R"(\xc2\x85grün)"},
+  };
+  for (const auto& [text, printable] : cases) EXPECT_EQ(printableText(text), printable);
+}
+
 TEST(ShellWord, IsOneWord) {
   EXPECT_EQ(shellWord("mode=720p/50"), "mode=720p/50");
   EXPECT_EQ(shellWord("position[1]=5"), "'position[1]=5'");

@@ -41,7 +41,7 @@ std::vector<Reason> answersTo(const std::vector<Reason>& reasons, const std::str
 
 std::string statementText(const Reason& reason) {
   if (reason.line == 0) return {};
-  std::string text = "line " + std::to_string(reason.line) + ", " + reason.statement;
+  std::string text = "line " + std::to_string(reason.line) + ", " + printableText(reason.statement);
   const char* before = ", where ";
   for (const Assignment& used : reason.names) {
     text += before + quotedWord(used.name) + " is " + quotedWord(used.value);

@@ -39,6 +39,15 @@ TEST(Sentences, SayWhatAnInstanceIsAndWhy) {
        {R"(a is "")", "it cannot be written now: line 5, ro",
         "what it takes cannot be computed now: line 7, rangeValid { 0..(mode) }, where mode is 5",
         "it has no default"}},
+      // A statement is not to be taken for what a terminal obeys.
+      {{.name = "a", .flags = writable | STATE_LIMITED, .value = "r", .texts = {"x\x1b[31mr"}},
+       {EXISTS,
+        WRITABLE,
+        {"limits", "", 2, "rangeValid { \"x\x1b[31mr\" }", {}},
+        {"default", "\x1b", 3, "default { \"\x1b\" }", {}}},
+       {"a is r", "it can be written",
+        R"(it takes "x\x1b[31mr": line 2, rangeValid { "x\x1b[31mr" })",
+        R"(its default is "\x1b": line 3, default { "\x1b" })"}},
       // Of what does not exist there is no more to say.
       {{.name = "a", .flags = STATE_KNOWN | STATE_NO_LIMITS},
        {{"exists", "no", 3, "ctrlValid (b)", {{"b", "0"}}},

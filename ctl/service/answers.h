@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -109,8 +110,8 @@ struct Vitals {
   uint32_t watchers = 0;
   uint64_t started = 0;  ///< in microseconds since 1970
   bool isReady = true;
-  double latency = 0;   ///< of the call, in seconds
-  uint64_t memory = 0;  ///< of the process, in bytes; 0 where it cannot be told
+  double latency = 0;                   ///< of the call, in seconds
+  std::optional<uint64_t> memory = {};  ///< of the process, in bytes, where that is known
 };
 
 /// What GetDefinition says, as far as it is used.

@@ -21,13 +21,23 @@ Value propertyOf(GVariant& all, const char* name, const char* type, const Read& 
 std::string readText(GVariant* value) { return g_variant_get_string(value, nullptr); }
 bool readFlag(GVariant* value) { return g_variant_get_boolean(value) != FALSE; }
 
-// The memory that a process has now, in bytes; 0 where the system does not tell.
-uint64_t memoryOf(uint32_t process) {
-  std::ifstream file("/proc/" + std::to_string(process) + "/statm");
+// Whether the process is a daemon. The bus names the process that connected: that of a daemon that
+// has detached since is gone, and another may have its number.
+bool isDaemon(const std::string& directory) {
+  std::ifstream file(directory + "/comm");
+  std::string name;
+  return std::getline(file, name) && name == "ostrel";
+}
+
+// The memory that the daemon has now, in bytes; none where the system does not tell.
+std::optional<uint64_t> memoryOf(uint32_t process) {
+  const std::string directory = "/proc/" + std::to_string(process);
+  std::ifstream file(directory + "/statm");
   uint64_t all = 0;
   uint64_t resident = 0;
   file >> all >> resident;
-  return file ? resident * static_cast<uint64_t>(sysconf(_SC_PAGESIZE)) : 0;
+  if (!file || !isDaemon(directory)) return std::nullopt;
+  return resident * static_cast<uint64_t>(sysconf(_SC_PAGESIZE));
 }
 
 }  // namespace

@@ -12,8 +12,11 @@
 namespace {
 
 // Those of such checks, in place of the program's own.
-enum Health : int { HEALTH_OK = 0, HEALTH_WARNING = 1, HEALTH_CRITICAL = 2 };
-constexpr const char* HEALTH_NAMES[] = {"OK", "WARNING", "CRITICAL"};
+enum Health : int { HEALTH_OK = 0, HEALTH_WARNING = 1, HEALTH_CRITICAL = 2, HEALTH_UNKNOWN = 3 };
+constexpr const char* HEALTH_NAMES[] = {"OK", "WARNING", "CRITICAL", "UNKNOWN"};
+
+// What is known to be wrong counts for more than what is unknown.
+constexpr int severityOf(Health health) { return health == HEALTH_UNKNOWN ? 1 : 2 * health; }
 
 constexpr double MIB = 1024.0 * 1024.0;
 
@@ -22,6 +25,9 @@ struct Limit {
   std::optional<double> warning;
   std::optional<double> critical;
 
+  [[nodiscard]] Health judgeUnknown() const {
+    return warning || critical ? HEALTH_UNKNOWN : HEALTH_OK;
+  }
   [[nodiscard]] Health judge(double figure) const {
     if (critical && figure > *critical) return HEALTH_CRITICAL;
     return warning && figure > *warning ? HEALTH_WARNING : HEALTH_OK;
@@ -73,7 +79,7 @@ struct Judged {
 
   void add(Health each, const std::string& what) {
     if (each == HEALTH_OK) return;
-    health = std::max(health, each);
+    health = std::ranges::max(health, each, {}, severityOf);
     why += (why.empty() ? "" : ", ") + what;
   }
 };
@@ -82,22 +88,32 @@ Judged judge(const Vitals& vitals, const HealthArguments& limits) {
   Judged judged;
   judged.add(vitals.isReady ? HEALTH_OK : HEALTH_WARNING, "not ready");
   judged.add(limits.latency.judge(vitals.latency), "slow");
-  judged.add(limits.memory.judge(static_cast<double>(vitals.memory) / MIB), "large");
+  if (vitals.memory) {
+    judged.add(limits.memory.judge(static_cast<double>(*vitals.memory) / MIB), "large");
+  } else {
+    judged.add(limits.memory.judgeUnknown(), "memory unknown");
+  }
   judged.add(limits.transactions.judge(vitals.transactions), "many transactions");
   return judged;
 }
 
+// As figures for graphs write what is unknown.
+constexpr const char* UNKNOWN_FIGURE = "U";
+
 std::string lineOf(const Vitals& vitals, const Judged& judged, const std::string& lastCommit,
                    const HealthArguments& limits) {
   const std::string latency = numberText(vitals.latency, 6);
-  const std::string memory = numberText(static_cast<double>(vitals.memory) / MIB, 1);
+  const std::string memory =
+      vitals.memory ? numberText(static_cast<double>(*vitals.memory) / MIB, 1) : std::string();
   return std::string(HEALTH_NAMES[judged.health]) + ": " +
          (judged.why.empty() ? "" : judged.why + "; ") + vitals.version + ", up " +
          durationText(secondsSince(vitals.started)) + ", " + std::to_string(vitals.definitions) +
-         " definitions, " + std::to_string(vitals.transactions) + " open transactions, " + memory +
-         " MiB, " + lastCommit + ", answer in " + numberText(vitals.latency * 1000, 1) + " ms | " +
+         " definitions, " + std::to_string(vitals.transactions) + " open transactions, " +
+         (vitals.memory ? memory + " MiB" : "memory unknown") + ", " + lastCommit + ", answer in " +
+         numberText(vitals.latency * 1000, 1) + " ms | " +
          performance("latency", latency + "s", limits.latency, 3) + " " +
-         performance("memory", memory + "MB", limits.memory, 1) + " " +
+         performance("memory", vitals.memory ? memory + "MB" : UNKNOWN_FIGURE, limits.memory, 1) +
+         " " +
          performance("transactions", std::to_string(vitals.transactions), limits.transactions, 0);
 }
 
@@ -127,6 +143,7 @@ int health(Client& client, const HealthArguments& limits) {
   const Vitals& vitals = *told;
   const std::vector<PastCommit> last = client.service.history(1);
   const Judged judged = judge(vitals, limits);
+  const Json memory = vitals.memory ? Json(*vitals.memory) : Json();
   if (!client.out.isJson()) {
     client.out.line(lineOf(vitals, judged, lastCommitText(vitals, last), limits));
   } else {
@@ -138,7 +155,7 @@ int health(Client& client, const HealthArguments& limits) {
                      {"definitions", vitals.definitions},
                      {"transactions", vitals.transactions},
                      {"watchers", vitals.watchers},
-                     {"memory", vitals.memory},
+                     {"memory", memory},
                      {"commits", vitals.commits},
                      {"latency", vitals.latency}});
   }

@@ -73,12 +73,14 @@ int metrics(Client& client) {
         {"ostrel_last_commit_time_seconds", "gauge", "seconds",
          "When the last commit that announced something was made, since 1970; 0 for none.",
          timeText(last.empty() ? 0 : last.back().time)},
-        {"ostrel_resident_memory_bytes", "gauge", "bytes", "Memory of the daemon; 0 if unknown.",
-         std::to_string(vitals.memory)},
         {"ostrel_call_latency_seconds", "gauge", "seconds", "How long one answer took.",
          secondsText(vitals.latency)},
     };
     for (const Metric& metric : all) print(out, metric);
+    if (vitals.memory) {
+      print(out, {"ostrel_resident_memory_bytes", "gauge", "bytes", "Memory of the daemon.",
+                  std::to_string(*vitals.memory)});
+    }
   }
   out.line("# EOF");
   return 0;

@@ -196,6 +196,23 @@ TEST_F(CtlServiceTest, RestoresTheEmptyTextAndRefusesWhatIsOutside) {
   });
 }
 
+TEST_F(CtlServiceTest, EndsAWatchThatCannotBeWritten) {
+  serve(PICTURE);
+  expectLines({{.line = "ctl -q up"}});
+  for (const char* options : {"", "--json"}) {
+    SCOPED_TRACE(options);
+    const std::unique_ptr<Process> watch =
+        start(std::string("exec \"$0\" ") + options + " watch > /dev/full");
+    for (int i = 0; watch->running(); ++i) {
+      expectLines({{.line = "ctl -q set note=" + std::to_string(i) + "; sleep 0.05"}});
+    }
+    const Ending ending = watch->waitForEnd();
+    EXPECT_EQ(ending.err, "ostrelctl: cannot write: No space left on device\n");
+    EXPECT_EQ(ending.status, 1);
+  }
+  static_cast<void>(client().newSignals());
+}
+
 TEST_F(CtlServiceTest, WatchesLimits) {
   serve(PICTURE);
   expectLines({{.line = "ctl -q up"}});

@@ -1,5 +1,7 @@
 // watch: changes as they are committed.
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -62,8 +64,13 @@ class Watcher {
     } else {
       watcher.tellLimits(parameters);
     }
-    std::fflush(stdout);
-    if (std::ferror(stdout) != 0) std::exit(STATUS_REFUSED);  // nobody reads any more
+    flush();
+  }
+
+  // Ends the program where nobody can read any more.
+  static void flush() {
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return;
+    endWith(STATUS_REFUSED, std::string("cannot write: ") + std::strerror(errno));
   }
 
   void begin() {
@@ -81,7 +88,7 @@ class Watcher {
   void tellEvent(const char* event, const char* sentence) {
     if (client_.out.isJson()) {
       client_.out.json({{"event", event}});
-      std::fflush(stdout);
+      flush();
     } else {
       complain(sentence);
     }

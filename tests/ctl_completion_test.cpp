@@ -95,6 +95,10 @@ TEST_F(CtlCompletionTest, OffersWhatCanBeTyped) {
       {"set mode=nonsense nothing=5 'position[1]=5'", "whole\nposition[1]=5\nposition[1]=50\n"},
       {"set note=", "whole\n"},
       {"set wide_one=1", "whole\n"},
+      {"set temperature=", "whole\n"},  // only the device may set it
+      {"try temperature=", "whole\n"},
+      {"set --status temperature=", "whole\ntemperature=30\ntemperature=31\n"},
+      {"why temperature=", "whole\ntemperature=30\ntemperature=31\n"},
       {"set 'position[3]='", "whole\n"},
       {"set nothing=", "whole\n"},
       // Files, commits and transactions.

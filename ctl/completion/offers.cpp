@@ -149,11 +149,17 @@ class Offers {
     return service_.states(transaction.id(), {name}).front();
   }
 
+  [[nodiscard]] bool isWanted(const std::string& base) {
+    return isPlain(base) && !service_.names(base, wantedAccess()).empty();
+  }
+
   Candidates values(const std::string& name, const std::string& text) {
+    const std::string base(baseOf(name));
+    if (!isWanted(base)) return {};
     const InstanceState state = stateOf(name);
     if (!state.is(STATE_EXISTS) || !state.is(STATE_LIMITED)) return {};
     Words all = state.texts;
-    const auto definition = service_.definitions({std::string(baseOf(name))}).front();
+    const auto definition = service_.definitions({base}).front();
     for (const Assignment& translation : definition.translations) {
       if (isAllowed(state, translation.value)) all.push_back(translation.name);
     }

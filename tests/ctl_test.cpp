@@ -479,6 +479,42 @@ TEST_F(CtlTest, ShowsUnlocksThatWork) {
   }
 }
 
+// What could be written and what is taken is judged with the values that the commit leaves.
+TEST_F(CtlTest, TriesWhatACommitLeaves) {
+  serve(
+      "m rw { rangeValid { 0..9 } default { 2 } }\n"
+      "a rw { rangeValid { 0..(m) } default { 1 } }\n"
+      "b rw { rangeValid { 0..9 } ctrlRO (a == 5) default { 1 } }\n"
+      "d ro { rangeValid { (m) } }\n"
+      "e rw { rangeValid { 0..9 } ctrlRO (d == 2) default { 1 } }\n"
+      "f rw { rangeValid { 0..(d) } default { 1 } }\n"
+      "s rostrict { rangeValid { 0..9 } default { 1 } }\n"
+      "g rw { rangeValid { 0..9 } ctrlRO (s == 1 || m == 2) default { 1 } }\n");
+  expectLines({
+      {.line = "ctl up -q"},
+      {.line = "ctl try a=5", .out = "level 1\n  a: 1 -> 2 (in place of 5)\n"},
+      {.line = "ctl try m=5 a=5",
+       .out = "level 0\n"
+              "  m: 2 -> 5\n"
+              "level 1\n"
+              "  a: 1 -> 5\n"
+              "  d: 2 -> 5 (because of m)\n"
+              "  a would take 0..5, not 0..2 (because of m)\n"
+              "level 2\n"
+              "  b could not be written (because of a)\n"
+              "  e could be written (because of d)\n"
+              "  f would take 0..5, not 0..2 (because of d)\n"},
+      {.line = "ctl try m=1 | grep '^  [ef] '",
+       .out = "  e could be written (because of d)\n"
+              "  f would take 0..1, not 0..2 (because of d)\n"},
+      // What is never announced is stored all the same.
+      {.line = "ctl try --status m=3 s=2 | grep '^  g '",
+       .out = "  g could be written (because of m)\n"},
+      {.line = "ctl transactions"},
+      {.line = "ctl get m a d", .out = "m=2\na=1\nd=2\n"},
+  });
+}
+
 TEST_F(CtlTest, NamesWhatCannotFollow) {
   serve(
       "sel rw { rangeValid { 1..3 } default { 1 } }\n"

@@ -3,6 +3,7 @@
 #include <map>
 #include <set>
 
+#include "ctl/service/bulk.h"
 #include "ctl/text/assignment.h"
 #include "ctl/text/range_text.h"
 
@@ -58,33 +59,39 @@ void nameInstances(Client& client, const std::set<std::string>& changed,
 
 }  // namespace
 
-std::vector<LimitChange> limitChanges(Client& client, uint32_t transaction,
-                                      const std::vector<Change>& changes) {
+std::vector<LimitChange> limitChanges(Client& client, const std::vector<Change>& changes,
+                                      const std::vector<Assignment>& untold) {
   std::set<std::string> changed;
   std::set<std::string> changedBases;
+  std::vector<Assignment> left = untold;
   for (const Change& change : changes) {
     if (change.before == change.after) continue;
     changed.insert(change.name);
     changedBases.emplace(baseOf(change.name));
+    left.push_back({change.name, change.after});
   }
   const Causes users = parametersUsing(client, {changedBases.begin(), changedBases.end()});
   Names bases;
   for (const auto& [name, causes] : users) bases.push_back(name);
   if (bases.empty()) return {};
+  // What the commit leaves, as by the device itself: where it is only staged, nothing has followed
+  // yet, and what will be cut is as it was asked for.
+  const OwnTransaction after(client.service);
+  static_cast<void>(stageValues(client.service, after.id(), left, true));
   std::set<std::string> instances;
-  for (const uint32_t situation : {COMMITTED, transaction}) {
+  for (const uint32_t situation : {COMMITTED, after.id()}) {
     for (const std::string& name : client.service.instances(situation, bases)) {
       instances.insert(name);
     }
   }
   const Names names(instances.begin(), instances.end());
   const std::vector<InstanceState> before = client.service.states(COMMITTED, names);
-  const std::vector<InstanceState> after = client.service.states(transaction, names);
+  const std::vector<InstanceState> later = client.service.states(after.id(), names);
   std::vector<LimitChange> different;
   for (size_t i = 0; i < names.size(); ++i) {
-    if (isSame(before[i], after[i])) continue;
+    if (isSame(before[i], later[i])) continue;
     const std::set<std::string>& causes = users.at(std::string(baseOf(names[i])));
-    different.push_back({before[i], after[i], {causes.begin(), causes.end()}});
+    different.push_back({before[i], later[i], {causes.begin(), causes.end()}});
   }
   nameInstances(client, changed, different);
   return different;

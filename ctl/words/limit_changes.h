@@ -13,9 +13,10 @@ struct LimitChange {
   std::vector<std::string> because;
 };
 
-/// Of the instances that refer to one of the changes, those that would be different, by name.
-std::vector<LimitChange> limitChanges(Client& client, uint32_t transaction,
-                                      const std::vector<Change>& changes);
+/// Of the instances that refer to one of the changes, those that would be different once the commit
+/// is done, by name. `changes` are those of its preview; `untold` is what it stores besides.
+std::vector<LimitChange> limitChanges(Client& client, const std::vector<Change>& changes,
+                                      const std::vector<Assignment>& untold);
 
 /// What is different, in words: "takes 0..9, was 0..5", "can be written", and so on.
 std::vector<std::string> limitTexts(const LimitChange& change);

@@ -55,6 +55,21 @@ bool isAnnounced(const Levels& levels, const std::string& name) {
   return levels.has(name) && levels.access(name) != "rostrict";
 }
 
+bool isRefused(const Preview& preview, const std::string& name) {
+  return std::ranges::find(preview.refused, name, &Refusal::name) != preview.refused.end();
+}
+
+// What is stored and not announced.
+std::vector<Assignment> findUntold(const Preview& preview,
+                                   const std::vector<Assignment>& assignments,
+                                   const Levels& levels) {
+  std::vector<Assignment> untold = assignments;
+  std::erase_if(untold, [&](const Assignment& each) {
+    return isRefused(preview, each.name) || isAnnounced(levels, each.name);
+  });
+  return untold;
+}
+
 Cuts findCuts(Client& client, const Preview& preview, const std::vector<Assignment>& assignments,
               const Levels& levels) {
   const std::map<std::string, std::string> after = valuesAfter(client, preview, assignments);
@@ -62,9 +77,7 @@ Cuts findCuts(Client& client, const Preview& preview, const std::vector<Assignme
   Cuts cuts;
   for (size_t i = 0; i < assignments.size(); ++i) {
     const auto& [name, value] = assignments[i];
-    const bool isRefused =
-        std::ranges::find(preview.refused, name, &Refusal::name) != preview.refused.end();
-    if (isRefused || !isAnnounced(levels, name)) continue;
+    if (isRefused(preview, name) || !isAnnounced(levels, name)) continue;
     if (!isSameValue(translated[i], after.at(name))) cuts.push_back({name, value, after.at(name)});
   }
   return cuts;
@@ -180,7 +193,7 @@ int tryCommit(Client& client, const TryArguments& arguments) {
   const Cuts cuts = findCuts(client, preview, assignments, levels);
   TryReport report(client, levels);
   report.add(preview.changes, cuts);
-  report.add(limitChanges(client, transaction.id(), preview.changes));
+  report.add(limitChanges(client, preview.changes, findUntold(preview, assignments, levels)));
   report.print(preview);
   const int status = complainOfRefusals(client, preview.refused);
   for (const Refusal& each : preview.failing) {

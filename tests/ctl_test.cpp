@@ -438,7 +438,30 @@ TEST_F(CtlTest, UnlocksWhatItsIndexHides) {
 }
 
 // What is shown has been tried, in as many commits as are shown: none of them may fail.
-TEST_F(CtlTest, ShowsUnlocksThatWork) {
+class ShownUnlocksTest : public CtlTest {
+ protected:
+  struct ShownUnlock {
+    const char* goal;
+    std::string shown;
+    const char* value;  // after that; none where nothing is shown
+  };
+
+  void expectUnlock(const ShownUnlock& unlock) {
+    const std::string goal = unlock.goal;
+    expectLines({{.line = "for i in 1 2; do ctl reset -q --status '*'; done; ctl why " + goal +
+                          " | sed -n 's/[0-9]* trials*$/N trials/; s/ (this.*//; /^to\\|^no/p'",
+                  .out = unlock.shown + "\n"}});
+    if (unlock.value == nullptr) return;
+    std::string command = unlock.shown.substr(unlock.shown.find("ostrelctl"));
+    for (size_t at = 0; (at = command.find("ostrelctl")) != std::string::npos;) {
+      command.replace(at, 9, "ctl -q");
+    }
+    expectLines({{.line = command + " && ctl get " + goal.substr(0, goal.find('=')),
+                  .out = std::string(unlock.value) + "\n"}});
+  }
+};
+
+TEST_F(ShownUnlocksTest, Work) {
   // Nothing depends on far, so it is judged before mid has followed.
   serve(
       "sel rw { rangeValid { 1..4 } default { 1 } }\n"
@@ -452,11 +475,7 @@ TEST_F(CtlTest, ShowsUnlocksThatWork) {
       "\n");
   const std::string none =
       "no change of one or two parameters that makes it possible was found in ";
-  const struct {
-    const char* goal;
-    std::string shown;
-    const char* value;  // after that; none where nothing is shown
-  } cases[] = {
+  const ShownUnlock cases[] = {
       {"far=15", "to have it stored: ostrelctl set sel=2 && ostrelctl set far=15", "15"},
       {"far=25", none + "N trials", nullptr},  // with sel=3, bad cannot follow
       {"near=15", "to have it stored: ostrelctl set sel=2 near=15", "15"},
@@ -465,18 +484,28 @@ TEST_F(CtlTest, ShowsUnlocksThatWork) {
       // With sel=4 alone pair cannot follow.
       {"needs=38", "to have it stored: ostrelctl set sel=4 needs=38", "38"},
   };
-  for (const auto& [goal, shown, value] : cases) {
-    const std::string name = std::string(goal).substr(0, std::string(goal).find('='));
-    expectLines({{.line = "ctl reset -q '*'; ctl reset -q '*'; ctl why " + std::string(goal) +
-                          " | sed -n 's/[0-9]* trials/N trials/; s/ (this.*//; /^to\\|^no/p'",
-                  .out = shown.empty() ? "" : shown + "\n"}});
-    if (value == nullptr) continue;
-    std::string command = shown.substr(shown.find("ostrelctl"));
-    for (size_t at = 0; (at = command.find("ostrelctl")) != std::string::npos;) {
-      command.replace(at, 9, "ctl -q");
-    }
-    expectLines({{.line = command + " && ctl get " + name, .out = std::string(value) + "\n"}});
-  }
+  for (const ShownUnlock& each : cases) expectUnlock(each);
+}
+
+// The lock of the last in the chain opens where the one in between has followed.
+TEST_F(ShownUnlocksTest, WorkWhereFollowersUnlock) {
+  serve(
+      "m rw { rangeValid { \"off\", \"on\" } default { \"off\" } }\n"
+      "d ro { rangeValid (m == \"on\") { 1 } rangeValid (m == \"off\") { 0 } }\n"
+      "b rw { rangeValid { 0..9 } ctrlRO (d == 0) default { 3 } }\n"
+      "c rw { rangeValid { 0..9 } ctrlRO (d == 0) default { 3 } }\n"
+      "user ro { rangeValid { (c) } }\n"
+      "once rw { rangeValid { 0..9 } ctrlRO (m == \"off\" || d == 1) default { 3 } }\n");
+  const ShownUnlock cases[] = {
+      {"b", "to make it writable: ostrelctl set m=on", "3"},
+      {"b=4", "to have it stored: ostrelctl set m=on && ostrelctl set b=4", "4"},
+      {"c", "to make it writable: ostrelctl set m=on", "3"},
+      {"c=4", "to have it stored: ostrelctl set m=on c=4", "4"},
+      {"once", "no change of one or two parameters that makes it possible was found in N trials",
+       nullptr},
+      {"once=4", "to have it stored: ostrelctl set m=on once=4", "4"},
+  };
+  for (const ShownUnlock& each : cases) expectUnlock(each);
 }
 
 // What could be written and what is taken is judged with the values that the commit leaves.

@@ -32,19 +32,34 @@ class UnlockTrials {
     if (isExhausted() || !tried_.insert(trialOf(changes)).second) return std::nullopt;
     const OwnTransaction transaction(client_.service);
     if (!client_.service.set(transaction.id(), changes, false).empty()) return std::nullopt;
-    if (!isReached(client_.service.states(transaction.id(), {goal_.name}).front())) {
-      return std::nullopt;
-    }
+    // A value may be judged with the changes as they are, before anything has followed them.
+    const bool isReachedAtOnce = goal_.value && isReached(transaction);
     std::optional<Unlock> alone = previewed(transaction, changes, changes);
-    if (!goal_.value) return alone;
+    const bool isReachedAfter = alone && isReachedBehind(transaction, *alone);
+    if (!goal_.value) return isReachedAfter ? alone : std::nullopt;
+    if (!isReachedAtOnce && !isReachedAfter) return std::nullopt;
     std::optional<Unlock> together = tryTogether(changes);
-    if (together || !alone) return together;
-    return tryBehind(*alone);
+    if (together || !isReachedAfter) return together;
+    return tryBehind(transaction, *alone);
   }
 
  private:
-  [[nodiscard]] bool isReached(const InstanceState& state) const {
+  [[nodiscard]] bool isReached(const OwnTransaction& transaction) {
+    const InstanceState state = client_.service.states(transaction.id(), {goal_.name}).front();
     return state.is(STATE_WRITABLE) && (!goal_.value || isAllowed(state, *goal_.value));
+  }
+
+  // Whether the goal is reached once the changes, which are staged, are committed.
+  bool isReachedBehind(const OwnTransaction& transaction, const Unlock& first) {
+    return (first.effects.empty() || stageLeft(transaction, first)) && isReached(transaction);
+  }
+
+  // Stages what the commit of the changes leaves, as by the device itself, so that nothing else
+  // follows. False where it cannot be staged.
+  bool stageLeft(const OwnTransaction& transaction, const Unlock& first) {
+    std::vector<Assignment> left = first.changes;
+    for (const Change& effect : first.effects) left.push_back({effect.name, effect.after});
+    return stageValues(client_.service, transaction.id(), left, true).empty();
   }
 
   using Trial = std::map<std::string, std::string>;  // values of names
@@ -70,13 +85,9 @@ class UnlockTrials {
     return previewed(transaction, changes, all);
   }
 
-  // A commit of the value behind that of the changes: what that one leaves is staged, as by the
-  // device itself, so that nothing else follows.
-  std::optional<Unlock> tryBehind(const Unlock& first) {
-    std::vector<Assignment> left = first.changes;
-    for (const Change& effect : first.effects) left.push_back({effect.name, effect.after});
-    const OwnTransaction transaction(client_.service);
-    if (!stageValues(client_.service, transaction.id(), left, true).empty()) return std::nullopt;
+  // A commit of the value behind that of the changes.
+  std::optional<Unlock> tryBehind(const OwnTransaction& transaction, const Unlock& first) {
+    if (!stageLeft(transaction, first)) return std::nullopt;
     if (!client_.service.set(transaction.id(), {wanted()}, false).empty()) return std::nullopt;
     std::optional<Unlock> found = previewed(transaction, first.changes, withWanted(first.changes));
     if (found) found->commits = {first.changes, {wanted()}};

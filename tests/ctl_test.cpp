@@ -506,6 +506,8 @@ TEST_F(ShownUnlocksTest, WorkWhereFollowersUnlock) {
       {"once=4", "to have it stored: ostrelctl set m=on once=4", "4"},
   };
   for (const ShownUnlock& each : cases) expectUnlock(each);
+  expectLines({{.line = "ctl -q set --status m=off; ctl why once | grep -o '[0-9]* trial.*'",
+                .out = "1 trial\n"}});
 }
 
 // What could be written and what is taken is judged with the values that the commit leaves.

@@ -80,7 +80,7 @@ std::string commandsOf(const Client& client, const Unlock& unlock) {
 std::string noUnlockText(size_t tried) {
   if (tried == 0) return "no parameter that a client can set changes that";
   return "no change of one or two parameters that makes it possible was found in " +
-         std::to_string(tried) + " trials";
+         std::to_string(tried) + (tried == 1 ? " trial" : " trials");
 }
 
 void addUnlocks(Client& client, const UnlockGoal& goal, const std::vector<Reason>& reasons,

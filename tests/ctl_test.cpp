@@ -339,8 +339,8 @@ TEST_F(CtlTest, UnlocksControls) {
       {.line = "ctl why test_pattern_speed | tail -1",
        .out = "to make it writable: ostrelctl set test_pattern=zone_plate\n"},
       {.line = "ctl why wss_mode | tail -1",
-       .out = "to make it writable: ostrelctl set output_standard=625i/50 (this also changes "
-              "h_active, h_total, switch_line and 3 more)\n"},
+       .out = "to make it writable: ostrelctl set output_standard=625i/50  # this also changes "
+              "h_active, h_total, switch_line and 3 more\n"},
       // Two changes are needed: the mode, and fewer groups that share the memory.
       {.line = "ctl why 'audio_delay[1][1]=3000' | tail -1",
        .out = "to have it stored: ostrelctl set audio_delay_mode=manual embed_groups=2 "
@@ -388,7 +388,7 @@ TEST_F(CtlTest, NamesTheOtherEffectsOfAnUnlock) {
       {.line = "ctl why mask=12 | tail -1",
        .out = "to have it stored: ostrelctl set ip=0 mask=12\n"},
       {.line = "ctl why mask | tail -1",
-       .out = "to make it writable: ostrelctl set ip=0 (this also changes mask)\n"},
+       .out = "to make it writable: ostrelctl set ip=0  # this also changes mask\n"},
   });
 }
 
@@ -449,14 +449,13 @@ class ShownUnlocksTest : public CtlTest {
   void expectUnlock(const ShownUnlock& unlock) {
     const std::string goal = unlock.goal;
     expectLines({{.line = "for i in 1 2; do ctl reset -q --status '*'; done; ctl why " + goal +
-                          " | sed -n 's/[0-9]* trials*$/N trials/; s/ (this.*//; /^to\\|^no/p'",
+                          " | sed -n 's/[0-9]* trials*$/N trials/; s/  #.*//; /^to\\|^no/p'",
                   .out = unlock.shown + "\n"}});
     if (unlock.value == nullptr) return;
-    std::string command = unlock.shown.substr(unlock.shown.find("ostrelctl"));
-    for (size_t at = 0; (at = command.find("ostrelctl")) != std::string::npos;) {
-      command.replace(at, 9, "ctl -q");
-    }
-    expectLines({{.line = command + " && ctl get " + goal.substr(0, goal.find('=')),
+    // As somebody pastes it, with what is said behind it.
+    const std::string line =
+        "\"$(ctl why " + goal + " | sed -n 's/ostrelctl/ctl -q/g; s/^to [^:]*: //p')\"";
+    expectLines({{.line = "eval " + line + " && ctl get " + goal.substr(0, goal.find('=')),
                   .out = std::string(unlock.value) + "\n"}});
   }
 };

@@ -58,14 +58,15 @@ std::string setCommand(const Client& client, const std::vector<Assignment>& chan
   return command;
 }
 
-// That the parameter itself changes is what was wanted.
+// A comment for the shell, so that the line can be pasted. That the parameter itself changes is what
+// was wanted.
 std::string effectsText(const std::vector<Change>& effects, const UnlockGoal& goal) {
   Names names;
   for (const Change& effect : effects) {
     if (!goal.value || effect.name != goal.name) names.push_back(effect.name);
   }
   if (names.empty()) return {};
-  return " (this also changes " + namesText(names, MOST_SHOWN) + ")";
+  return "  # this also changes " + namesText(names, MOST_SHOWN);
 }
 
 std::string commandsOf(const Client& client, const Unlock& unlock) {

@@ -509,6 +509,26 @@ TEST_F(ShownUnlocksTest, WorkWhereFollowersUnlock) {
                 .out = "1 trial\n"}});
 }
 
+// What a parameter without limits takes need not be named anywhere.
+TEST_F(ShownUnlocksTest, WorkWhereEverythingIsTaken) {
+  serve(
+      "text rw { default { \"*\" } }\n"
+      "all rw { rangeValid { 0..9 } ctrlRO (text == \"*\") default { 3 } }\n"
+      "five rw { default { 5 } }\n"
+      "but rw { rangeValid { 0..9 } ctrlRO (five == 5) default { 3 } }\n"
+      "upto rw { rangeValid { 0..9 } ctrlRO (five >= 4) default { 3 } }\n"
+      "on rw { default { 1 } }\n"
+      "off rw { rangeValid { 0..9 } ctrlRO (on) default { 3 } }\n");
+  const ShownUnlock cases[] = {
+      {"all", "to make it writable: ostrelctl set text=x", "3"},
+      {"all=4", "to have it stored: ostrelctl set text=0 all=4", "4"},
+      {"but", "to make it writable: ostrelctl set five=6", "3"},
+      {"upto=4", "to have it stored: ostrelctl set five=3 upto=4", "4"},
+      {"off=4", "to have it stored: ostrelctl set on=0 off=4", "4"},
+  };
+  for (const ShownUnlock& each : cases) expectUnlock(each);
+}
+
 // What could be written and what is taken is judged with the values that the commit leaves.
 TEST_F(CtlTest, TriesWhatACommitLeaves) {
   serve(

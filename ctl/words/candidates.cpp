@@ -1,6 +1,7 @@
 #include "ctl/words/candidates.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cstdlib>
 #include <set>
@@ -55,6 +56,25 @@ std::vector<std::string> withNeighbours(const std::string& literal) {
   const std::optional<int32_t> number = wholeNumber(literal);
   if (literal.empty() || !number) return {literal};
   return {literal, std::to_string(int64_t{*number} + 1), std::to_string(int64_t{*number} - 1)};
+}
+
+// Where everything is taken: what the statements name, then what is beside that, then a number and
+// a text that they need not name.
+std::vector<std::string> openValues(const std::string& own,
+                                    const std::vector<std::string>& literals) {
+  std::vector<std::string> values;
+  const auto add = [&](const std::string& value) {
+    if (value != own && std::ranges::find(values, value) == values.end()) values.push_back(value);
+  };
+  for (const std::string& literal : literals) add(literal);
+  for (const std::string& literal : literals) {
+    if (values.size() >= MOST_TEXTS) break;
+    for (const std::string& value : withNeighbours(literal)) add(value);
+  }
+  const bool isNumber = !own.empty() && wholeNumber(own);
+  const auto others = isNumber ? std::array{"0", "1", "x"} : std::array{"x", "0", "1"};
+  for (const char* other : others) add(other);
+  return values;
 }
 
 // How far a walk goes.
@@ -224,11 +244,7 @@ bool mentions(const std::string& statement, std::string_view name) {
 
 std::vector<std::string> valuesToTry(const InstanceState& state,
                                      const std::vector<std::string>& literals) {
-  if (!state.is(STATE_LIMITED)) {
-    std::vector<std::string> values = literals;
-    std::erase(values, state.value);
-    return values;
-  }
+  if (!state.is(STATE_LIMITED)) return openValues(state.value, literals);
   std::set<int64_t> numbers;
   addNumbers(state, literals, numbers);
   std::vector<int64_t> nearest(numbers.begin(), numbers.end());

@@ -32,7 +32,8 @@ std::vector<std::string> literalsOf(const std::string& statement);
 bool mentions(const std::string& statement, std::string_view name);
 
 /// The values to try for an instance with this state: all that it takes where they are few, else
-/// the ends, and those of `literals` that it takes with their neighbours. Without its own.
+/// the ends, and those of `literals` that it takes with their neighbours. Where it takes
+/// everything, a number and a text besides. Without its own.
 std::vector<std::string> valuesToTry(const InstanceState& state,
                                      const std::vector<std::string>& literals);
 

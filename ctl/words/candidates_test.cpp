@@ -42,8 +42,11 @@ TEST(Candidates, TryTheNearestAndTheTelling) {
        {"500", "x", "2000"},
        {"0", "499", "500", "501", "1000"}},
       {{.flags = limited, .value = "", .spans = {{1, 2}}, .texts = {"off"}}, {}, {"1", "2", "off"}},
-      // Where everything is taken, what the statements name may tell.
-      {{.flags = STATE_KNOWN, .value = "y"}, {"x", "y", "5"}, {"x", "5"}},
+      // Where everything is taken, what the statements name may tell, or that it is another value.
+      {{.flags = STATE_KNOWN, .value = "y"}, {"x", "y", "5"}, {"x", "5", "6", "4", "0", "1"}},
+      {{.flags = STATE_KNOWN, .value = "*"}, {"*"}, {"x", "0", "1"}},
+      {{.flags = STATE_KNOWN, .value = "5"}, {"5"}, {"6", "4", "0", "1", "x"}},
+      {{.flags = STATE_KNOWN, .value = ""}, {}, {"x", "0", "1"}},
   };
   for (const auto& c : cases) EXPECT_EQ(valuesToTry(c.state, c.literals), c.values);
 }

@@ -460,8 +460,10 @@ TEST_P(EndSignalTest, TheSecondDoesNotWait) {
   std::string names;
   for (int i = 1; i <= 100000; ++i) names += "'wide[" + std::to_string(i) + "]',";
   names.pop_back();
-  for (int i = 0; i < 20; ++i) client().send("single_reset_bulk([" + names + "])");
+  pause();  // so that all is still to be done when the signals come
+  for (int i = 0; i < 10; ++i) client().send("single_reset_bulk([" + names + "])");
   g_dbus_connection_flush_sync(client().connection(), nullptr, nullptr);
+  resume();
   waitForWork(daemon().process().pid());
   while (daemon().process().running()) {
     kill(daemon().process().pid(), GetParam());

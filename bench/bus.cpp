@@ -6,6 +6,7 @@
 //   completing a word among many names / among one
 #include <benchmark/benchmark.h>
 
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <string>
@@ -26,9 +27,12 @@ class Served {
     if (!client_.waitForService(daemon_.process())) abort();
   }
 
-  // Runs the client's completion of an empty word behind "get".
+  // Runs the completion of an empty word behind "get", by the client of the daemon's build.
   void complete() {
-    Process program({.command = {OSTRELCTL, "complete", "line", "ostrelctl get ", ""},
+    const std::filesystem::path daemon =
+        std::filesystem::read_symlink("/proc/" + std::to_string(daemon_.process().pid()) + "/exe");
+    const std::string ctl = daemon.parent_path().parent_path() / "ctl/ostrelctl";
+    Process program({.command = {ctl, "complete", "line", "ostrelctl get ", ""},
                      .environment = {{"DBUS_SESSION_BUS_ADDRESS", bus_.address()}}});
     if (program.waitForEnd().out.find('\n') == std::string::npos) abort();
   }

@@ -58,8 +58,8 @@ std::string setCommand(const Client& client, const std::vector<Assignment>& chan
   return command;
 }
 
-// A comment for the shell, so that the line can be pasted. That the parameter itself changes is what
-// was wanted.
+// A comment for the shell, so that the line can be pasted. That the parameter itself changes is
+// what was wanted.
 std::string effectsText(const std::vector<Change>& effects, const UnlockGoal& goal) {
   Names names;
   for (const Change& effect : effects) {

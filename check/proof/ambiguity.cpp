@@ -71,9 +71,7 @@ class Ambiguity {
   // That the parameter is there.
   [[nodiscard]] Goal isAvailable() const {
     Goal goal{&subject_};
-    for (const CompiledStatement& control : subject_.ctrlValid) {
-      if (control.condition) goal.clauses.push_back({{&*control.condition, WANT_TRUE}});
-    }
+    requirePresence(goal);
     return goal;
   }
 

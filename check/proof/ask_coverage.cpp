@@ -10,9 +10,7 @@ namespace {
 std::optional<Goal> noneOf(const Subject& subject,
                            const std::vector<CompiledStatement>& statements) {
   Goal goal{&subject};
-  for (const CompiledStatement& control : subject.ctrlValid) {
-    if (control.condition) goal.clauses.push_back({{&*control.condition, WANT_TRUE}});
-  }
+  requirePresence(goal);
   for (const CompiledStatement& statement : statements) {
     if (!statement.condition) return std::nullopt;
     goal.clauses.push_back({{&*statement.condition, WANT_UNTRUE}});

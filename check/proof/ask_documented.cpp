@@ -52,9 +52,7 @@ class Documented {
   [[nodiscard]] Goal countsIn(const CompiledStatement* menu) const {
     Goal goal{&subject_};
     goal.dependsOnRanges = true;
-    for (const CompiledStatement& control : subject_.ctrlValid) {
-      if (control.condition) goal.clauses.push_back({{&*control.condition, WANT_TRUE}});
-    }
+    requirePresence(goal);
     if (menu != nullptr && menu->condition) {
       goal.clauses.push_back({{&*menu->condition, WANT_TRUE}});
     }

@@ -84,9 +84,7 @@ class Follower {
   // That clients may set it.
   [[nodiscard]] Goal isOpen() const {
     Goal goal{&subject_};
-    for (const CompiledStatement& control : subject_.ctrlValid) {
-      if (control.condition) goal.clauses.push_back({{&*control.condition, WANT_TRUE}});
-    }
+    requirePresence(goal);
     for (const CompiledStatement& control : subject_.ctrlRO) {
       if (control.condition) goal.clauses.push_back({{&*control.condition, WANT_UNTRUE}});
     }

@@ -14,9 +14,7 @@ namespace {
 // That the definition is there and `statement` counts.
 Goal countsIn(const Subject& subject, const CompiledStatement& statement) {
   Goal goal{&subject};
-  for (const CompiledStatement& control : subject.ctrlValid) {
-    if (control.condition) goal.clauses.push_back({{&*control.condition, WANT_TRUE}});
-  }
+  requirePresence(goal);
   if (statement.condition) goal.clauses.push_back({{&*statement.condition, WANT_TRUE}});
   return goal;
 }

@@ -151,6 +151,14 @@ void noteUses(const CompiledExpression& expression, ExpressionPurpose purpose, N
   stack.front().use->isText = true;
 }
 
+void noteUses(const CompiledStatement& statement, NameUses& uses) {
+  if (statement.condition) noteUses(*statement.condition, FOR_TRUTH, uses);
+  for (const CompiledItem& item : statement.items) {
+    forEachExpression(
+        item, [&](const CompiledExpression& expression) { noteUses(expression, FOR_VALUE, uses); });
+  }
+}
+
 Candidates candidatesFor(const NameDomain& domain, const NameUse& use, uint64_t few) {
   Work::add(WORK_PER_ITEM * (domain.values.spans().size() + domain.values.texts().size() +
                              use.numbers.size() + use.texts.size()));

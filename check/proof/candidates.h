@@ -39,6 +39,9 @@ void addUse(const NameUse& other, NameUse& use);
 /// Adds to `uses` how `expression` uses each of its names.
 void noteUses(const CompiledExpression& expression, ExpressionPurpose purpose, NameUses& uses);
 
+/// Likewise of a statement: its condition for its truth, its items for their values.
+void noteUses(const CompiledStatement& statement, NameUses& uses);
+
 /// Values of `domain` to try.
 struct Candidates {
   std::vector<std::optional<std::string>> values;  ///< nullopt: undefined

@@ -11,14 +11,7 @@ namespace {
 // How a definition uses each name, for what it takes and whether it is there.
 void noteUsesIn(const Subject& subject, NameUses& uses) {
   for (const auto* statements : {&subject.rangeValid, &subject.ctrlValid}) {
-    for (const CompiledStatement& statement : *statements) {
-      if (statement.condition) noteUses(*statement.condition, FOR_TRUTH, uses);
-      for (const CompiledItem& item : statement.items) {
-        forEachExpression(item, [&](const CompiledExpression& expression) {
-          noteUses(expression, FOR_VALUE, uses);
-        });
-      }
-    }
+    for (const CompiledStatement& statement : *statements) noteUses(statement, uses);
   }
 }
 

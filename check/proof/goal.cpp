@@ -44,3 +44,9 @@ Clause passedOverDefault(const CompiledStatement& statement) {
   }
   return clause;
 }
+
+void requirePresence(Goal& goal) {
+  for (const CompiledStatement& control : goal.subject->ctrlValid) {
+    if (control.condition) goal.clauses.push_back({{&*control.condition, WANT_TRUE}});
+  }
+}

@@ -80,6 +80,9 @@ struct Goal {
   bool dependsOnRanges = false;
 };
 
+/// Adds to a goal that its subject is there.
+void requirePresence(Goal& goal);
+
 /// Whether a wish comes true. `evaluate(expression)` gives the value of an expression in the
 /// situation.
 template <typename Evaluate>

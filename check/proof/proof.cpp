@@ -126,9 +126,7 @@ bool Proof::readsWhatIsLeftOut(const CompiledExpression& expression) const {
 bool Proof::isNeverThere(const Subject& subject) {
   if (subject.ctrlValid.empty()) return false;
   Goal isThere{&subject, {}, false};
-  for (const CompiledStatement& control : subject.ctrlValid) {
-    if (control.condition) isThere.clauses.push_back({{&*control.condition, WANT_TRUE}});
-  }
+  requirePresence(isThere);
   return isImpossible(isThere) || findHealthy(isThere).atRest() == VERDICT_IMPOSSIBLE;
 }
 

@@ -6,15 +6,8 @@
 
 #include "check/proof/start_order.h"
 #include "database/commit.h"
-#include "database/transaction.h"
 
 namespace {
-
-// What is refused is no matter of the one who commits.
-void commitAll(Transaction& transaction) {
-  std::vector<Change> changes;
-  static_cast<void>(commit(transaction, changes));
-}
 
 int resetAndCommit(std::span<const std::string> names, Database& database) {
   Transaction transaction(database);
@@ -24,6 +17,11 @@ int resetAndCommit(std::span<const std::string> names, Database& database) {
 }
 
 }  // namespace
+
+void commitAll(Transaction& transaction) {
+  std::vector<Change> changes;
+  static_cast<void>(commit(transaction, changes));
+}
 
 bool resetTogether(std::span<const std::string> names, Database& database,
                    const Deadline& deadline) {

@@ -8,10 +8,13 @@
 
 #include "check/proof/deadline.h"
 #include "check/text/finding.h"
-#include "database/database.h"
+#include "database/transaction.h"
 
 /// What is set together, in one commit after the other.
 using Commits = std::vector<NamedValues>;
+
+/// Commits what is staged. What is refused is no matter of the one who commits.
+void commitAll(Transaction& transaction);
 
 /// Resets `names` in one commit. Where one instance fails, or does not exist, a commit leaves out
 /// others of its level: then each is reset alone, up to `deadline`. Returns false where they are

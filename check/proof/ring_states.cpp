@@ -5,8 +5,6 @@
 #include <set>
 
 #include "check/proof/present_value.h"
-#include "database/commit.h"
-#include "database/transaction.h"
 #include "sw/parm/parm_name.h"
 
 namespace {
@@ -41,18 +39,6 @@ void noteOwn(const Subject& subject, NameUse& use) {
     }
   }
   for (const auto& [source, target] : subject.parm->parm.translations()) use.texts.insert(source);
-}
-
-// How the defaults of a definition use other names: they are what a reset decides by.
-void noteDefaults(const Subject& subject, NameUses& uses) {
-  for (const CompiledStatement& value : subject.defaults) {
-    if (value.condition) noteUses(*value.condition, FOR_TRUTH, uses);
-    for (const CompiledItem& item : value.items) {
-      forEachExpression(item, [&](const CompiledExpression& expression) {
-        noteUses(expression, FOR_VALUE, uses);
-      });
-    }
-  }
 }
 
 class RingStates {
@@ -115,7 +101,9 @@ class RingStates {
     }
     NameUses uses;
     for (const ConeInstance& other : cone_) {
-      noteDefaults(*text_.find(other.parm->parm.name()), uses);
+      // A reset decides by them.
+      const Subject& subject = *text_.find(other.parm->parm.name());
+      for (const CompiledStatement& value : subject.defaults) noteUses(value, uses);
     }
     NameUse use = instance.use;
     for (const auto& [name, one] : uses) {
@@ -172,11 +160,6 @@ class RingStates {
   static void stage(const Choice& choice, const std::string& name, Transaction& transaction) {
     if (choice.kind == Choice::SET) static_cast<void>(transaction.set(name, choice.value, true));
     if (choice.kind == Choice::RESET) static_cast<void>(transaction.reset(name, true));
-  }
-
-  static void commitAll(Transaction& transaction) {
-    std::vector<Change> changes;
-    static_cast<void>(commit(transaction, changes));
   }
 
   void put(const std::vector<std::string>& values) {

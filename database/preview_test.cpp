@@ -33,12 +33,25 @@ std::string shown(const Preview& found) {
   return text;
 }
 
+// What is staged, what is shown then, and what the commit would return.
+struct PreviewCase {
+  std::vector<std::pair<const char*, const char*>> staged;
+  const char* expected;
+  int result;
+};
+
+void expectPreview(Database& database, const PreviewCase& one) {
+  Transaction transaction(database);
+  for (const auto& [name, value] : one.staged) {
+    ASSERT_EQ(transaction.set(name, value, false), STAGE_DONE) << name;
+  }
+  Preview found;
+  EXPECT_EQ(preview(transaction, found), one.result) << one.expected;
+  EXPECT_EQ(shown(found), one.expected);
+}
+
 TEST(Previews, TellWhatChangesBecauseOfWhat) {
-  const struct {
-    std::vector<std::pair<const char*, const char*>> staged;
-    const char* expected;
-    int result;
-  } cases[] = {
+  const PreviewCase cases[] = {
       {{}, "", COMMIT_DONE},
       {{{"mode", "slow"}},
        "double: 100 -> 20 (rate)\nmode: fast -> slow (mode)\nrate: 50 -> 10 (mode)\n",
@@ -78,15 +91,7 @@ TEST(Previews, TellWhatChangesBecauseOfWhat) {
   ASSERT_EQ(first.set("rate", "50", false), STAGE_DONE);
   std::vector<std::string> names;
   ASSERT_EQ(commitNames(first, names), COMMIT_DONE);
-  for (const auto& [staged, expected, result] : cases) {
-    Transaction transaction(database);
-    for (const auto& [name, value] : staged) {
-      ASSERT_EQ(transaction.set(name, value, false), STAGE_DONE) << name;
-    }
-    Preview found;
-    EXPECT_EQ(preview(transaction, found), result) << expected;
-    EXPECT_EQ(shown(found), expected);
-  }
+  for (const PreviewCase& one : cases) expectPreview(database, one);
 }
 
 // Another transaction may commit what this one has staged before.
@@ -137,11 +142,7 @@ TEST(Previews, TellWhichFollowersMakeTheCommitFail) {
   }
   std::vector<std::string> names;
   ASSERT_EQ(commitNames(first, names), COMMIT_DONE);
-  const struct {
-    std::vector<std::pair<const char*, const char*>> staged;
-    const char* expected;
-    int result;
-  } cases[] = {
+  const PreviewCase cases[] = {
       {{{"mode", "2"}}, "good: 2 -> 3 (mode)\nmode:  -> 2 (mode)\n", COMMIT_DONE},
       {{{"mode", "1"}},
        "mode:  -> 1 (mode)\n"
@@ -153,15 +154,7 @@ TEST(Previews, TellWhichFollowersMakeTheCommitFail) {
        "worse: its value is refused, line 4: rangeValid (bad == 7) { 20..30 }\n",
        COMMIT_INVALID_VALUE},
   };
-  for (const auto& [staged, expected, result] : cases) {
-    Transaction transaction(database);
-    for (const auto& [name, value] : staged) {
-      ASSERT_EQ(transaction.set(name, value, false), STAGE_DONE) << name;
-    }
-    Preview found;
-    EXPECT_EQ(preview(transaction, found), result) << expected;
-    EXPECT_EQ(shown(found), expected);
-  }
+  for (const PreviewCase& one : cases) expectPreview(database, one);
 }
 
 TEST(RandomPreviews, TellWhatTheirCommitDoes) {

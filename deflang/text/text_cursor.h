@@ -143,11 +143,11 @@ class TextCursor {
   void recover() { result_ = PARSE_DONE; }
 
  private:
-  NextLine nextLine_;
-  Arena& arena_;
   bool skipFrom(size_t begin);
   void cutExcerpt(size_t end);
 
+  NextLine nextLine_;
+  Arena& arena_;
   std::string_view line_;
   Position start_;   // of line_
   size_t word_ = 0;  // the first of line_

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "check/proof/cone.h"
 #include "check/proof/present_value.h"
 #include "check/proof/questions.h"
 #include "check/proof/replay.h"
@@ -17,11 +18,8 @@ namespace {
 constexpr size_t FEW_INSTANCES = 64;
 
 // The text of a default that is the same in all situations.
-std::optional<std::string> constantText(const CompiledItem& value) {
-  if (value.text) return value.text;
-  if (value.lower->program.usesVariables()) return std::nullopt;
-  const Value constant = value.lower->program.evaluate({});
-  return constant.valid() ? std::optional(constant.asText()) : std::nullopt;
+std::optional<std::string> constantTextOf(const CompiledItem& value) {
+  return value.text ? value.text : constantText(*value.lower);
 }
 
 // What a default means: a word that is translated is kept as its translation.
@@ -29,8 +27,6 @@ std::string translated(const ParmDef& parm, std::string value) {
   parm.translateTwice(value);
   return value;
 }
-
-TextPlace placeOf(const CompiledItem& value) { return {value.at.line, value.at.column, 0}; }
 
 // That a default counts: its condition is true, and none of those before it does; without a
 // condition, none at all.
@@ -70,7 +66,7 @@ void addCause(Proof& proof, const Subject& subject, std::string_view value, Find
 // Returns whether it is told that no situation keeps the default.
 bool askDefault(Proof& proof, const Subject& subject, const CompiledStatement& statement) {
   const CompiledItem& value = statement.items.front();
-  const std::optional<std::string> text = constantText(value);
+  const std::optional<std::string> text = constantTextOf(value);
   if (!text) return false;
   const Goal counts = countsGoal(subject, statement);
   std::string instead;
@@ -140,9 +136,7 @@ class DefaultsOfTheStart {
 
   static bool hasRing(const StartOrder& order) {
     return std::ranges::any_of(order.instances, [](const Instance& instance) {
-      return std::ranges::any_of(instance.parm->sources, [&](const VariableSource& source) {
-        return source.parm != nullptr && source.parm->level >= instance.parm->level;
-      });
+      return refersBack(instance.parm->sources, *instance.parm);
     });
   }
 

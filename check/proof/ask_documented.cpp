@@ -17,8 +17,9 @@ class Documented {
   void askMenus() {
     size_t left = MANY_ITEMS;
     for (const CompiledStatement& menu : subject_.rangeDoc) {
-      const bool isTold =
-          std::ranges::any_of(menu.items, [&](const CompiledItem& item) { return isToldOf(item); });
+      const bool isTold = std::ranges::any_of(menu.items, [&](const CompiledItem& item) {
+        return proof_.found("doc-outside", placeOf(item)) != nullptr;
+      });
       if (isTold || !mayCount(menu)) continue;
       for (const CompiledItem& item : menu.items) {
         if (left-- == 0) return;
@@ -42,12 +43,6 @@ class Documented {
   }
 
  private:
-  bool isToldOf(const CompiledItem& item) {
-    return proof_.hasFound("doc-outside", [&](const Finding& finding) {
-      return finding.at.line == item.at.line && finding.at.column == item.at.column;
-    });
-  }
-
   // That the parameter is there, and a menu is told.
   [[nodiscard]] Goal countsIn(const CompiledStatement* menu) const {
     Goal goal{&subject_};
@@ -68,8 +63,7 @@ class Documented {
     const Goal counts = countsIn(&menu);
     for (const std::string& value : constantValues(item)) {
       if (!isNeverKept(counts, value)) continue;
-      Finding finding{"doc-outside",
-                      {item.at.line, item.at.column, 0},
+      Finding finding{"doc-outside", placeOf(item),
                       "the menu offers \"" + value + "\", which no situation allows" +
                           (menu.condition ? " in which it is told" : "") +
                           "; offer only what is allowed"};
@@ -84,8 +78,7 @@ class Documented {
     if (item.text) return {*item.text};
     std::vector<std::string> values;
     forEachExpression(item, [&](const CompiledExpression& end) {
-      const Value value = end.program.usesVariables() ? Value() : end.program.evaluate({});
-      if (value.valid()) values.push_back(value.asText());
+      if (const std::optional<std::string> value = constantText(end)) values.push_back(*value);
     });
     return values;
   }

@@ -4,9 +4,7 @@
 #include "check/proof/questions.h"
 #include "check/proof/replay.h"
 #include "check/proof/start_order.h"
-#include "database/commit.h"
 #include "database/gather.h"
-#include "database/transaction.h"
 #include "sw/parm/parm_name.h"
 
 namespace {
@@ -280,8 +278,7 @@ class Follower {
     for (const auto& [name, value] : values) {
       static_cast<void>(transaction.set(name, value, name != name_ || isForced()));
     }
-    std::vector<Change> changes;
-    static_cast<void>(commit(transaction, changes));
+    commitAll(transaction);
   }
 
   [[nodiscard]] Finding findingWith(const std::string& subject, const std::string& loss) const {

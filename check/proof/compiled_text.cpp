@@ -39,6 +39,12 @@ VariableSources moversOf(const Subject& subject) {
 
 }  // namespace
 
+std::optional<std::string> constantText(const CompiledExpression& expression) {
+  if (expression.program.usesVariables()) return std::nullopt;
+  const Value constant = expression.program.evaluate({});
+  return constant.valid() ? std::optional(constant.asText()) : std::nullopt;
+}
+
 CompiledText::CompiledText(const CheckedText& checked) : checked_(checked) {
   const auto layouts = layoutsOf(checked.text.layout);
   std::set<const ParameterRecord*> seen;

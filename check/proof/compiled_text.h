@@ -82,6 +82,11 @@ void forEachExpression(const Subject& subject, const Visit& visit) {
   }
 }
 
+/// What an expression without variables gives; nullopt where it has some, or gives nothing.
+std::optional<std::string> constantText(const CompiledExpression& expression);
+/// Where an item begins.
+inline TextPlace placeOf(const CompiledItem& item) { return {item.at.line, item.at.column, 0}; }
+
 /// Every definition of one variant that the engine has built. The text and its variant have to
 /// outlive it.
 class CompiledText {

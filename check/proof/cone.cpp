@@ -17,6 +17,12 @@ void noteUsesIn(const Subject& subject, NameUses& uses) {
 
 }  // namespace
 
+bool refersBack(const VariableSources& sources, const ParmEntry& own) {
+  return std::any_of(sources.begin(), sources.end(), [&](const VariableSource& source) {
+    return source.parm != nullptr && source.parm->level >= own.level;
+  });
+}
+
 std::string ConeInstance::name() const { return fullName(parm->parm.name(), indices); }
 
 Cone::Cone(const Goal& goal, const Reader& reader, const CompiledText& text) {
@@ -24,7 +30,7 @@ Cone::Cone(const Goal& goal, const Reader& reader, const CompiledText& text) {
     return text.find(parm.parm.name())->movers;
   };
   build(goal, reader, movers);
-  hasRing_ = refersBack(movers);
+  hasRing_ = hasRingIn(movers);
   if (!hasRing_) return;
   instances_.clear();
   places_.clear();
@@ -94,18 +100,13 @@ const ConeInstance* Cone::find(const VariableSource& source, const Reader& reade
   return found == places_.end() ? nullptr : &instances_[found->second];
 }
 
-bool Cone::refersBack(const Follow& followed) const {
+bool Cone::hasRingIn(const Follow& followed) const {
   return std::any_of(instances_.begin(), instances_.end(), [&](const ConeInstance& instance) {
     const ParmEntry& entry = *instance.parm;
-    const auto isBack = [&](const VariableSources& sources) {
-      return std::any_of(sources.begin(), sources.end(), [&](const VariableSource& source) {
-        return source.parm != nullptr && source.parm->level >= entry.level;
-      });
-    };
     const std::vector<IndexEntry*>& own = entry.indices->own;
-    return isBack(followed(entry)) ||
+    return refersBack(followed(entry), entry) ||
            std::any_of(own.begin(), own.end(),
-                       [&](const IndexEntry* index) { return isBack(index->sources); });
+                       [&](const IndexEntry* index) { return refersBack(index->sources, entry); });
   });
 }
 

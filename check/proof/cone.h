@@ -17,6 +17,9 @@ struct ConeInstance {
   [[nodiscard]] const std::string& held() const { return parm->parm.committedText(indices); }
 };
 
+/// Whether one of `sources`, which `own` reads, refers to it in turn, or may: it is not below it.
+bool refersBack(const VariableSources& sources, const ParmEntry& own);
+
 /// The instances that a goal depends on, directly or through others, for one reader. What only
 /// locks another one, or is read by its defaults, is left out, unless some refer to each other:
 /// these count from their defaults on.
@@ -42,7 +45,7 @@ class Cone {
   using Follow = std::function<const VariableSources&(const ParmEntry& parm)>;
 
   void build(const Goal& goal, const Reader& reader, const Follow& followed);
-  [[nodiscard]] bool refersBack(const Follow& followed) const;
+  [[nodiscard]] bool hasRingIn(const Follow& followed) const;
   void addAll(const VariableSources& sources, const Reader& reader);
   void addIndices(const Reader& reader);
   void add(const VariableSource& source, const Reader& reader);

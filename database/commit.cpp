@@ -26,37 +26,36 @@ ValueText committedValue(const StagedEntry& entry) {
 // What a commit has changed, in the order in which it was stored.
 class Report {
  public:
-  Report(std::vector<Change>& changes, ChangeRoom* room, std::vector<ParmEntry*>* unreported)
-      : changes_(changes), room_(room), unreported_(unreported) {}
-  // Makes room for an entry that is about to be stored and may not be reported.
-  void prepare(const StagedEntry& entry) {
-    if (unreported_ == nullptr || entry.parm->parm.mode() != MODE_ROSTRICT) return;
-    if (unreported_->size() == unreported_->capacity()) {
-      unreported_->reserve(2 * unreported_->size() + 8);
-    }
+  Report(std::vector<Change>& changes, ChangeRoom* room, CommitRecord* record)
+      : changes_(changes), room_(room), record_(record) {}
+  // Makes room for the record of an entry that is about to be stored and holds `before`.
+  void prepare(const StagedEntry& entry, const std::string& before) {
+    if (record_ == nullptr) return;
+    record_->makeRoom(before);
+    if (entry.parm->parm.mode() == MODE_ROSTRICT) record_->makeRoomForUnreported();
   }
-  // Adds the parameter of such an entry, which has changed.
+  // Adds the parameter of an entry that has changed and is not reported.
   void addUnreported(const StagedEntry& entry) {
-    if (unreported_ != nullptr) unreported_->push_back(entry.parm);
+    if (record_ != nullptr) record_->addUnreported(*entry.parm);
   }
   // Adds a value that was just stored; where there is no room for it, the instance takes back the
   // one `before`, which takes no memory.
   void add(const StagedEntry& entry, std::string name, ValueText before) {
     CommittedValue& held = *entry.held;
-    Change change{std::move(name), &held, {}, static_cast<uint32_t>(changes_.size()), entry.parm};
+    Change change{std::move(name), &held, entry.parm};
     if (room_ != nullptr && !room_->makeRoom(change)) {
       held.value = std::move(before);
       throw std::bad_alloc();
     }
     held.announced = true;
-    change.before = before.takeText();
+    if (record_ != nullptr) change.before = record_->add(before.text());
     changes_.push_back(std::move(change));
   }
 
  private:
   std::vector<Change>& changes_;
   ChangeRoom* room_;
-  std::vector<ParmEntry*>* unreported_;
+  CommitRecord* record_;
 };
 
 // Commits one entry. Returns 0, WALK_AGAIN, or a refusal, which is logged with the value as it was
@@ -67,7 +66,7 @@ int commitEntry(StagedEntry& entry, IndexSituations& situations, Report& report)
   std::string name = fullName(entry);
   ValueText before = committedValue(entry);
   const std::string wanted = entry.value.text();
-  report.prepare(entry);
+  report.prepare(entry, before.text());
   const SetCode code = evaluate(entry, situations, false);
   if (code == SET_STORED_UNREPORTED && entry.held->value.text() != before.text()) {
     report.addUnreported(entry);
@@ -93,7 +92,7 @@ class Ordering {
     size_t kept = 0;
     for (size_t next = 1; next < changes_.size(); ++next) {
       if (changes_[next] == changes_[kept]) {
-        takeFirst(changes_[kept], changes_[next]);
+        changes_[kept].before = std::min(changes_[kept].before, changes_[next].before);
       } else if (++kept != next) {
         changes_[kept] = std::move(changes_[next]);
       }
@@ -103,13 +102,6 @@ class Ordering {
   }
 
  private:
-  // Has `kept` tell for both, which are of one instance.
-  static void takeFirst(Change& kept, Change& other) {
-    if (other.number > kept.number) return;
-    kept.number = other.number;
-    kept.before = std::move(other.before);
-  }
-
   std::vector<Change>& changes_;
 };
 
@@ -127,8 +119,12 @@ class Emptying {
 
 }  // namespace
 
+void CommitRecord::makeRoomForUnreported() {
+  if (unreported_.size() == unreported_.capacity()) unreported_.reserve(2 * unreported_.size() + 8);
+}
+
 int commit(Transaction& transaction, std::vector<Change>& changes, ChangeRoom* room,
-           std::vector<ParmEntry*>* unreported) {
+           CommitRecord* record) {
   StagedValues& staged = transaction.staged();
   const Emptying emptying(staged);
   resolveResets(staged);
@@ -136,7 +132,7 @@ int commit(Transaction& transaction, std::vector<Change>& changes, ChangeRoom* r
   if (!plan) return COMMIT_TOO_LARGE;
   changes.reserve(changes.size() + plan->size());
   const Ordering ordering(changes);
-  Report report(changes, room, unreported);
+  Report report(changes, room, record);
   return walkCommit(*plan, staged, [&](StagedEntry& entry, IndexSituations& situations) {
     return commitEntry(entry, situations, report);
   });

@@ -179,11 +179,12 @@ TEST(RandomPreviews, TellWhatTheirCommitDoes) {
       Preview found;
       const int expected = preview(transaction, found);
       std::vector<Change> done;
-      EXPECT_EQ(commit(transaction, done), expected);
+      CommitRecord record;
+      EXPECT_EQ(commit(transaction, done, nullptr, &record), expected);
       ASSERT_EQ(found.changes.size(), done.size());
       for (size_t i = 0; i < done.size(); ++i) {
         EXPECT_EQ(found.changes[i].name, done[i].name);
-        EXPECT_EQ(found.changes[i].before, done[i].before) << done[i].name;
+        EXPECT_EQ(found.changes[i].before, record.before(done[i])) << done[i].name;
         EXPECT_EQ(found.changes[i].after, done[i].held->value.text()) << done[i].name;
       }
       changes += done.size();

@@ -149,7 +149,8 @@ class Script {
     std::vector<Change> changes;
     Preview foretold;
     const int expected = preview(transaction, foretold);
-    const int result = commit(transaction, changes);
+    CommitRecord record;
+    const int result = commit(transaction, changes, nullptr, &record);
     trace("commit -> ", std::to_string(result), "\n", isTracing() ? committedState() : "");
     demand(
         result == COMMIT_DONE || result == COMMIT_INVALID_VALUE || result == COMMIT_INVALID_INDEX,
@@ -158,18 +159,19 @@ class Script {
     watch.expectOnlyPlannedChanged(instances_);
     expectAnnounced(changes, watch);
     demand(result == expected, "the preview foretold another result");
-    expectForetold(changes, foretold);
+    expectForetold(changes, record, foretold);
     if (result != COMMIT_DONE) return;
     watch.expectSettled();
     range.expectForetold();
   }
 
-  static void expectForetold(const std::vector<Change>& changes, const Preview& foretold) {
+  static void expectForetold(const std::vector<Change>& changes, const CommitRecord& record,
+                             const Preview& foretold) {
     demand(changes.size() == foretold.changes.size(), "the preview foretold other changes");
     for (size_t i = 0; i < changes.size(); ++i) {
       const PreviewedChange& previewed = foretold.changes[i];
       const bool isSame = previewed.name == changes[i].name &&
-                          previewed.before == changes[i].before &&
+                          previewed.before == record.before(changes[i]) &&
                           previewed.after == changes[i].held->value.text();
       demand(isSame, changes[i].name, " was foretold otherwise");
     }

@@ -34,10 +34,9 @@ std::string_view orEmpty(const std::string* text) {
   return text == nullptr ? std::string_view("") : *text;
 }
 
-void announce(std::vector<Change> changes, std::vector<ParmEntry*> unreported,
-              ValueObject* object) {
+void announce(std::vector<Change> changes, CommitRecord record, ValueObject* object) {
   publish(object, changes);
-  ServiceState::current().committed(std::move(changes), std::move(unreported));
+  ServiceState::current().committed(std::move(changes), std::move(record));
 }
 
 // Adds the values of names that are looked up together, up to the first that is too much for a
@@ -161,19 +160,19 @@ int resetAll(Transaction& transaction, char** names, bool force) {
 int commitAndPublish(Transaction& transaction, ValueObject* object) {
   returnSpareMemorySoon();
   std::vector<Change> changes;
-  std::vector<ParmEntry*> unreported;
+  CommitRecord record;
   SignalRoom room;
   int result = INTERNAL_ERROR;
   try {
-    result = commit(transaction, changes, &room, &unreported);
+    result = commit(transaction, changes, &room, &record);
   } catch (...) {
     // Where memory is exhausted in between, what is stored is told all the same.
     room.giveBack();
-    announce(std::move(changes), std::move(unreported), object);
+    announce(std::move(changes), std::move(record), object);
     throw;
   }
   room.giveBack();
-  announce(std::move(changes), std::move(unreported), object);
+  announce(std::move(changes), std::move(record), object);
   return result;
 }
 

@@ -31,6 +31,7 @@ void publish(ValueObject* object, const std::vector<Change>& changes) noexcept {
   if (changes.empty()) return;
   TextList portion(DATA, changes.size());
   for (const Change& change : changes) {
+    fetchAhead(changes, change);
     NewText text{};
     retried(DATA, [&] {
       text = tryNewText({change.name, "=", change.held->value.text()});

@@ -25,11 +25,11 @@ class ServiceObserver {
   virtual ~ServiceObserver() = default;
   ServiceObserver(const ServiceObserver&) = delete;
   ServiceObserver& operator=(const ServiceObserver&) = delete;
-  /// `caller` has committed `changes`, ascending by name, and changed the parameters `unreported`
-  /// (see commit()); one of the two is not empty. The client is the empty text where it has left.
-  /// The values are stored and announced already; the call is not answered yet.
+  /// `caller` has committed `changes`, ascending by name, and what the `record` (see commit()) has
+  /// beside them; it has something, or there are changes. The client is the empty text where it has
+  /// left. The values are stored and announced already; the call is not answered yet.
   virtual void committed(std::string_view caller, std::vector<Change> changes,
-                         std::vector<ParmEntry*> unreported) noexcept = 0;
+                         CommitRecord record) noexcept = 0;
   /// A call has its answer, and the next is not served yet; the name of the `caller` that
   /// committed() was told lives until then.
   virtual void callFinished() noexcept = 0;
@@ -67,9 +67,9 @@ class ServiceState {
   /// `observer`, which outlives the state, is told from now on; null: nobody is.
   void setObserver(ServiceObserver* observer) { observer_ = observer; }
   /// To be called when `changes` of the caller's are stored and announced.
-  void committed(std::vector<Change> changes, std::vector<ParmEntry*> unreported = {}) noexcept {
-    if (observer_ == nullptr || (changes.empty() && unreported.empty())) return;
-    observer_->committed(caller_, std::move(changes), std::move(unreported));
+  void committed(std::vector<Change> changes, CommitRecord record) noexcept {
+    if (observer_ == nullptr || (changes.empty() && record.unreported().empty())) return;
+    observer_->committed(caller_, std::move(changes), std::move(record));
   }
   /// Opens a transaction of the caller's under the next free id. Returns 0, or 1 where every id is
   /// in use; `id` is then the last one that was tried. Raises std::bad_alloc where memory is

@@ -24,22 +24,26 @@ class TestParameters {
 
   TestService& service() { return service_; }
   ParametersState& state() { return state_; }
-  /// Commits values as the client `caller`, by force. The call is not finished.
+  /// Commits values as the client `caller`, by force. The call before it is finished, this one not.
   void commit(std::string_view caller,
               const std::vector<std::pair<std::string, std::string>>& values) {
+    service_.state().finishCall();
     Transaction transaction(service_.database());
     for (const auto& [name, value] : values) {
       EXPECT_EQ(transaction.set(name, value, true), STAGE_DONE) << name;
     }
     std::vector<Change> changes;
-    EXPECT_EQ(::commit(transaction, changes), COMMIT_DONE);
+    CommitRecord record;
+    EXPECT_EQ(::commit(transaction, changes, nullptr, &record), COMMIT_DONE);
     service_.state().setCaller(caller);
-    service_.state().committed(std::move(changes));
+    service_.state().committed(std::move(changes), std::move(record));
   }
 
-  /// The reply's arguments as text, or the last word of the error's name and its text.
+  /// The reply's arguments as text, or the last word of the error's name and its text. The call
+  /// before it is finished.
   template <typename... Arguments>
   std::string call(Answer answer, const Arguments&... arguments) {
+    service_.state().finishCall();
     const MessagePointer message(
         dbus_message_new_method_call("a.b", "/parameters", nullptr, "Method"));
     DBusMessageIter place;

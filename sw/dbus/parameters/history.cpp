@@ -3,21 +3,31 @@
 #include <exception>
 #include <utility>
 
+namespace {
+
+// `text` and the NUL that is behind it in memory.
+void append(std::string& texts, std::string_view text) {
+  texts.append(text.data(), text.size() + 1);
+}
+
+}  // namespace
+
 void History::add(uint32_t serial, uint64_t time, std::string_view caller,
-                  const std::vector<Change>& changes) noexcept {
-  constexpr size_t NULS = 3;
-  size_t length = 0;
+                  const std::vector<Change>& changes, const CommitRecord& record) noexcept {
+  constexpr size_t NULS = 2;
+  size_t length = record.beforeBytes();
   for (const Change& change : changes) {
-    length += change.name.size() + change.before.size() + change.held->value.text().size() + NULS;
+    fetchAhead(changes, change);
+    length += change.name.size() + change.held->value.text().size() + NULS;
     if (length > MOST_BYTES) return;
   }
   try {
     PastCommit commit{serial, time, std::string(caller), {}};
     commit.texts.reserve(length);
     for (const Change& change : changes) {
-      for (const std::string* text : {&change.name, &change.before, &change.held->value.text()}) {
-        commit.texts.append(text->c_str(), text->size() + 1);
-      }
+      append(commit.texts, change.name);
+      append(commit.texts, record.before(change));
+      append(commit.texts, change.held->value.text());
     }
     if (commit.bytes() > MOST_BYTES) return;
     const size_t bytes = commit.bytes();

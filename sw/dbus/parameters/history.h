@@ -30,7 +30,7 @@ class History {
 
   /// Adds a commit. Where there is no memory for it, it is not kept.
   void add(uint32_t serial, uint64_t time, std::string_view caller,
-           const std::vector<Change>& changes) noexcept;
+           const std::vector<Change>& changes, const CommitRecord& record) noexcept;
   /// The commits that are kept, the oldest first.
   [[nodiscard]] const std::deque<PastCommit>& commits() const { return commits_; }
   /// The memory that they take, in bytes.

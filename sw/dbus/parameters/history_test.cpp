@@ -10,7 +10,10 @@ class HistoryTest : public testing::Test {
   void add(uint32_t serial, const std::string& before, const std::string& after) {
     CommittedValue held;
     held.value.set(after);
-    history_.add(serial, serial * 10, ":1.5", {{"gain", &held, before, 0, nullptr}});
+    CommitRecord record;
+    record.makeRoom(before);
+    history_.add(serial, serial * 10, ":1.5", {{"gain", &held, nullptr, record.add(before)}},
+                 record);
   }
   std::string shown() {
     std::string text;

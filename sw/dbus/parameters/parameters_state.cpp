@@ -17,10 +17,10 @@ namespace {
 uint64_t now() { return static_cast<uint64_t>(g_get_real_time()); }
 
 // The bytes that a change takes in the signal.
-size_t bytesOf(const Change& change) {
+size_t bytesOf(const Change& change, const CommitRecord& record) {
   constexpr size_t MENDED = 3;  // a byte that is not valid becomes so many
   const size_t length =
-      change.name.size() + change.before.size() + change.held->value.text().size();
+      change.name.size() + record.before(change).size() + change.held->value.text().size();
   return MENDED * length + 32;
 }
 
@@ -81,7 +81,7 @@ class Signal {
 };
 
 void fillChanged(DBusMessage* message, uint32_t serial, std::string_view caller,
-                 std::span<const Change> changes) {
+                 std::span<const Change> changes, const CommitRecord& record) {
   MessageWriter out(message);
   out.number(serial);
   out.text(std::string(caller));
@@ -89,7 +89,7 @@ void fillChanged(DBusMessage* message, uint32_t serial, std::string_view caller,
     for (const Change& change : changes) {
       out.structure([&] {
         out.text(change.name);
-        out.text(change.before);
+        out.text(std::string(record.before(change)));
         out.text(change.held->value.text());
       });
     }
@@ -97,12 +97,12 @@ void fillChanged(DBusMessage* message, uint32_t serial, std::string_view caller,
 }
 
 // How many of `changes` fit into one message; a single one that does not is tried all the same.
-size_t countFitting(std::span<const Change> changes) {
+size_t countFitting(std::span<const Change> changes, const CommitRecord& record) {
   constexpr size_t HEADER = 1024;
   size_t bytes = HEADER;
   size_t count = 0;
-  while (count < changes.size() && bytes + bytesOf(changes[count]) <= MAX_MESSAGE_BYTES) {
-    bytes += bytesOf(changes[count++]);
+  while (count < changes.size() && bytes + bytesOf(changes[count], record) <= MAX_MESSAGE_BYTES) {
+    bytes += bytesOf(changes[count++], record);
   }
   return std::max<size_t>(count, 1);
 }
@@ -121,21 +121,23 @@ ParametersState::ParametersState(DBusConnection* connection, std::string path,
 }
 
 void ParametersState::committed(std::string_view caller, std::vector<Change> changes,
-                                std::vector<ParmEntry*> unreported) noexcept {
+                                CommitRecord record) noexcept {
   const auto serial = static_cast<uint32_t>(++commits_);
-  if (!changes.empty()) history_.add(serial, now(), caller, changes);
-  if (watchers_.all().empty()) return;
-  untold_ = {serial, caller, std::move(changes), std::move(unreported)};
+  untold_ = {serial, now(), caller, std::move(changes), std::move(record)};
 }
 
 void ParametersState::callFinished() noexcept {
   if (!untold_) return;
+  const Untold commit = *std::exchange(untold_, std::nullopt);
+  if (!commit.changes.empty()) {
+    history_.add(commit.serial, commit.time, commit.caller, commit.changes, commit.record);
+  }
+  if (watchers_.all().empty()) return;
   try {
-    tellWatchers(*untold_);
+    tellWatchers(commit);
   } catch (...) {
     // The values are stored; whoever misses the signal sees it by the next serial.
   }
-  untold_.reset();
 }
 
 void ParametersState::tellWatchers(const Untold& commit) {
@@ -145,16 +147,16 @@ void ParametersState::tellWatchers(const Untold& commit) {
   };
   if (isWanted(&Watchers::Wishes::changes)) {
     for (std::span<const Change> rest = commit.changes; !rest.empty();) {
-      const size_t count = countFitting(rest);
+      const size_t count = countFitting(rest, commit.record);
       Signal signal(connection_, path_, "Changed");
-      fillChanged(signal.message(), commit.serial, commit.caller, rest.first(count));
+      fillChanged(signal.message(), commit.serial, commit.caller, rest.first(count), commit.record);
       signal.send(watchers, &Watchers::Wishes::changes);
       rest = rest.subspan(count);
     }
   }
   if (!isWanted(&Watchers::Wishes::limits)) return;
   const std::vector<const ParmEntry*> readers =
-      readersOf(service_.database(), commit.changes, commit.unreported);
+      readersOf(service_.database(), commit.changes, commit.record.unreported());
   if (readers.empty()) return;
   Signal signal(connection_, path_, "LimitsChanged");
   MessageWriter out(signal.message());

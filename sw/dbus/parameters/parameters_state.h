@@ -18,8 +18,8 @@
 /// The interface of the object.
 constexpr const char* PARAMETERS_INTERFACE_NAME = "org.tavrel.parameters1";
 
-/// Lives as long as the service serves. A commit costs an entry of the history. Its signals are
-/// made and sent behind the answer, so that whoever commits does not wait for what others watch.
+/// Lives as long as the service serves. A commit is added to the history, and its signals are made
+/// and sent, behind the answer: so whoever commits does not wait for what others ask.
 class ParametersState final : public ServiceObserver {
  public:
   /// Signals are sent on `connection`, as of the object at `path`. `service` outlives it and tells
@@ -29,7 +29,7 @@ class ParametersState final : public ServiceObserver {
   ~ParametersState() override { service_.setObserver(nullptr); }
 
   void committed(std::string_view caller, std::vector<Change> changes,
-                 std::vector<ParmEntry*> unreported) noexcept override;
+                 CommitRecord record) noexcept override;
   void callFinished() noexcept override;
   void clientLeft(std::string_view name) noexcept override {
     watchers_.set(name, {});
@@ -47,12 +47,13 @@ class ParametersState final : public ServiceObserver {
   [[nodiscard]] uint64_t started() const { return started_; }
 
  private:
-  /// A commit that the watchers have not been told of.
+  /// A commit that is not in the history yet and that the watchers have not been told of.
   struct Untold {
     uint32_t serial;
+    uint64_t time;  // in microseconds since 1970
     std::string_view caller;
     std::vector<Change> changes;
-    std::vector<ParmEntry*> unreported;
+    CommitRecord record;
   };
   void tellWatchers(const Untold& commit);
 

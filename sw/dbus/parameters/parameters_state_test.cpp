@@ -83,9 +83,15 @@ TEST_F(ParametersStateTest, CountsAndKeepsWhatNobodyWatches) {
 // It is in no Changed and no history, but what reads it may have other limits.
 TEST_F(ParametersStateTest, TellsOfLimitsAloneWhereOnlyUnreportedValuesMove) {
   watch(":1.2", true, true);
-  state().committed(":1.1", {}, {parm("hidden")});
+  const auto commitUnreported = [&](const char* name) {
+    CommitRecord record;
+    record.makeRoomForUnreported();
+    record.addUnreported(*parm(name));
+    state().committed(":1.1", {}, std::move(record));
+  };
+  commitUnreported("hidden");
   EXPECT_EQ(sentAtTheEnd(), Signals{":1.2 /parameters LimitsChanged 1, [\"d\"]"});
-  state().committed(":1.1", {}, {parm("b")});
+  commitUnreported("b");
   EXPECT_EQ(sentAtTheEnd(), Signals{});
   EXPECT_EQ(state().history().commits().size(), 0U);
   EXPECT_EQ(state().commits(), 2U);
@@ -96,21 +102,25 @@ TEST_F(ParametersStateTest, SplitsWhatIsTooLongForOneSignal) {
   watch(":1.2", true, false);
   const std::string large(MAX_MESSAGE_BYTES / 5, 'x');
   const CommittedValue none{};
-  const auto from = [&](const char* name, const std::string& before) {
-    return Change{.name = name, .held = &none, .before = before, .parm = parm("b")};
-  };
-  const auto commit = [&](const std::vector<Change>& changes) {
-    state().committed(":1.1", changes, {});
+  using Names = std::vector<std::pair<const char*, std::string>>;
+  const auto commit = [&](const Names& changed) {
+    std::vector<Change> changes;
+    CommitRecord record;
+    for (const auto& [name, before] : changed) {
+      record.makeRoom(before);
+      changes.push_back({name, &none, parm("b"), record.add(before)});
+    }
+    state().committed(":1.1", std::move(changes), std::move(record));
     return sentAtTheEnd();
   };
   const std::string start = ":1.2 /parameters Changed 1, \":1.1\", [(\"";
-  const Signals sent = commit({from("a", "1"), from("b", large), from("c", large), from("e", "2")});
+  const Signals sent = commit({{"a", "1"}, {"b", large}, {"c", large}, {"e", "2"}});
   ASSERT_EQ(sent.size(), 2U);
   EXPECT_EQ(sent[0], start + "a\", \"1\", \"\"), (\"b\", \"" + large + "\", \"\")]");
   EXPECT_EQ(sent[1], start + "c\", \"" + large + "\", \"\"), (\"e\", \"2\", \"\")]");
   // One that fits into none is tried alone, and ends the telling.
   const std::string tooLarge(MAX_MESSAGE_BYTES, 'x');
-  EXPECT_EQ(commit({from("a", "1"), from("b", tooLarge), from("c", "2")}).size(), 1U);
+  EXPECT_EQ(commit({{"a", "1"}, {"b", tooLarge}, {"c", "2"}}).size(), 1U);
 }
 
 TEST_F(ParametersStateTest, OutlivesSignalsThatCannotBeSent) {

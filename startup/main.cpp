@@ -16,6 +16,7 @@
 #include "startup/version.h"
 #include "sw/dbus/parameters/parameters_object.h"
 #include "sw/dbus/server.h"
+#include "sw/dbus/spare_memory.h"
 #include "vid_std.h"
 
 namespace {
@@ -44,6 +45,7 @@ int start(int argc, char** argv) {
   if (result != 0) return result;
   reportLargestChange(database);
   malloc_trim(0);  // gives back the memory that reading took, which the heap would keep for ever
+  keepSpareMemory();
   return runService(database, commandLine.busSuffix, commandLine.daemonize, commandLine.pathSuffix,
                     exportParameters);
 }

@@ -5,6 +5,9 @@
 
 namespace {
 
+constexpr int LARGE_BLOCK = 4 << 20;  // bytes; larger ones are mappings of their own
+constexpr int MOST_KEPT = 16 << 20;   // bytes
+
 constexpr guint DELAY = 1;  // in seconds
 
 bool isPending = false;
@@ -21,4 +24,10 @@ void returnSpareMemorySoon() {
   if (isPending) return;
   isPending = true;
   g_timeout_add_seconds(DELAY, returnSpareMemory, nullptr);
+}
+
+// Each may be refused, and the heap is as it was.
+void keepSpareMemory() {
+  mallopt(M_MMAP_THRESHOLD, LARGE_BLOCK);
+  mallopt(M_TRIM_THRESHOLD, MOST_KEPT);
 }

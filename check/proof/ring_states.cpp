@@ -5,6 +5,7 @@
 #include <set>
 
 #include "check/proof/present_value.h"
+#include "check/proof/staged_domain.h"
 #include "sw/parm/parm_name.h"
 
 namespace {
@@ -92,13 +93,7 @@ class RingStates {
   // What can be staged, whatever the situation is.
   Candidates candidatesOf(const ConeInstance& instance) const {
     const ParmDef& parm = instance.parm->parm;
-    NameDomain domain;
-    if (parm.hasConstraints()) {
-      domain.values.addAll();
-    } else {
-      domain.values.add(parm.baseBounds());
-      for (const auto& [source, target] : parm.translations()) domain.values.addText(source);
-    }
+    const NameDomain domain{settableDomain(parm), false};
     NameUses uses;
     for (const ConeInstance& other : cone_) {
       // A reset decides by them.

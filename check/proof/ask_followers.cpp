@@ -173,7 +173,7 @@ class Follower {
   // The values of an instance to try; the empty one, which stands for the default, first.
   std::vector<std::string> valuesOf(const ConeInstance& instance) {
     const NameDomain& domain =
-        proof_.domains().of(database_.findSource(instance.parm->parm.name()));
+        proof_.domains().worthTrying(database_.findSource(instance.parm->parm.name()));
     std::vector<std::string> values;
     for (const auto& value : candidatesFor(domain, instance.use, TRIED_VALUES).values) {
       if (value && !value->empty()) values.push_back(*value);

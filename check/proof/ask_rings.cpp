@@ -99,7 +99,7 @@ class Ring {
     for (const Instance& instance : order_.instances) {
       if (!instance.isComplete()) continue;
       const std::string& base = instance.parm->parm.name();
-      const NameDomain& domain = proof_.domains().of(database_.findSource(base));
+      const NameDomain& domain = proof_.domains().worthTrying(database_.findSource(base));
       for (const std::string& value : valuesToTry(domain.values, TRIED_VALUES)) {
         if (!value.empty()) changes.emplace_back(fullName(base, instance.indices), value);
       }

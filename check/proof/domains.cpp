@@ -1,8 +1,10 @@
 #include "check/proof/domains.h"
 
 #include <algorithm>
+#include <tuple>
 
 #include "base/number.h"
+#include "check/proof/staged_domain.h"
 #include "database/gather.h"
 #include "srcs/vid_std_figures.h"
 #include "sw/parm/parm_name.h"
@@ -19,6 +21,13 @@ std::string_view baseOf(const VariableSource& source) { return baseName(source.n
 bool readsInstance(const ParmEntry& reader, const VariableSource& source) {
   const IndexTuple own(reader.parm.indices().size());
   return indicesOf(source, reader.parm, own).size() == source.parm->parm.indices().size();
+}
+
+// Whether what `source` holds may be read as it was staged when `own` is judged: in a ring, where
+// it is judged later, or is another instance of the same.
+bool isReadAsStaged(const VariableSource& source, const ParmEntry& own) {
+  return source.parm != nullptr &&
+         std::tie(source.parm->level, source.parm->rank) >= std::tie(own.level, own.rank);
 }
 
 bool isAlwaysComputed(const CompiledStatement& statement) {
@@ -78,9 +87,10 @@ void addCorrected(const CompiledItem& item, const AbstractValue& held, const aut
 
 Domains::Domains(const CompiledText& text) : text_(text) {}
 
-const NameDomain& Domains::of(const VariableSource& source) {
-  const auto known = domains_.find(baseOf(source));
-  if (known != domains_.end()) return known->second;
+const NameDomain& Domains::domainOf(const VariableSource& source, Reading reading) {
+  DomainsByName& domains = domains_[reading];
+  const auto known = domains.find(baseOf(source));
+  if (known != domains.end()) return known->second;
   const std::string name(baseOf(source));
   NameDomain domain;
   if (source.parm != nullptr) {
@@ -91,7 +101,9 @@ const NameDomain& Domains::of(const VariableSource& source) {
       static const NameDomain anything{Domain::all(), false};
       return anything;
     }
-    domain.values = parmDomain(*subject, ownValueOf());
+    domain.values = parmDomain(*subject, [&](const VariableSource& read) {
+      return readBy(*subject->parm, read, reading);
+    });
     domain.values.addText("");
     open_.erase(name);
   } else if (source.constant != nullptr) {
@@ -101,7 +113,7 @@ const NameDomain& Domains::of(const VariableSource& source) {
   } else {
     domain.mayBeUndefined = true;
   }
-  return domains_.emplace(name, std::move(domain)).first->second;
+  return domains.emplace(name, std::move(domain)).first->second;
 }
 
 const NameDomain& Domains::ofAnyVariant(const VariableSource& source) {
@@ -138,6 +150,14 @@ void Domains::noteComparedConstants() {
 
 AbstractValue Domains::abstractOf(const VariableSource& source) {
   return abstractOf(source, of(source));
+}
+
+AbstractValue Domains::readBy(const ParmEntry& own, const VariableSource& source, Reading reading) {
+  const NameDomain& held = domainOf(source, reading);
+  if (reading == READ_AS_HELD || !isReadAsStaged(source, own)) return abstractOf(source, held);
+  NameDomain staged = held;
+  staged.values.add(stagedDomain(source.parm->parm));
+  return abstractOf(source, staged);
 }
 
 AbstractValue Domains::abstractOf(const VariableSource& source, const NameDomain& domain) {
@@ -190,9 +210,8 @@ Domain Domains::correctedDomain(Staging staging, const Subject& subject, const D
                                 const ValueOf& valueOf) const {
   const ParmEntry& own = *subject.parm;
   const ValueOf stagedValueOf = [&](const VariableSource& source) {
-    const bool isStaged =
-        source.parm != nullptr && source.parm->level == own.level && source.parm->rank >= own.rank;
-    return isStaged ? abstractOf(source, {Domain::all(), false}) : valueOf(source);
+    return isReadAsStaged(source, own) ? abstractOf(source, {Domain::all(), false})
+                                       : valueOf(source);
   };
   Domain domain;
   const bool isOneRange = staging == STAGED_ALONE && subject.rangeValid.size() == 1 &&

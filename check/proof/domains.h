@@ -1,6 +1,7 @@
 // The domains of a text: what each of its names may have as a value, in any situation.
 #pragma once
 
+#include <array>
 #include <map>
 #include <set>
 
@@ -30,7 +31,12 @@ class Domains {
 
   /// The domain of the parameter, constant or index that `source` names, without its figure. The
   /// reference is valid as long as this object.
-  const NameDomain& of(const VariableSource& source);
+  const NameDomain& of(const VariableSource& source) { return domainOf(source, READ_AS_STAGED); }
+  /// Likewise what is worth trying: of parameters that refer to each other, nothing that only wrong
+  /// values leave which are set together.
+  const NameDomain& worthTrying(const VariableSource& source) {
+    return domainOf(source, READ_AS_HELD);
+  }
   /// As of(), but a command-line constant may have every value that is given for it, and every one
   /// that the text compares it with.
   const NameDomain& ofAnyVariant(const VariableSource& source);
@@ -48,9 +54,17 @@ class Domains {
  private:
   using ValueOf = std::function<AbstractValue(const VariableSource&)>;
 
+  // How a parameter reads those that are judged after it.
+  enum Reading { READ_AS_STAGED, READ_AS_HELD };
+  static constexpr size_t READINGS = 2;
+
+  const NameDomain& domainOf(const VariableSource& source, Reading reading);
+
   [[nodiscard]] ValueOf ownValueOf() {
     return [this](const VariableSource& source) { return abstractOf(source); };
   }
+  // What `own` may read of `source` while it is judged.
+  AbstractValue readBy(const ParmEntry& own, const VariableSource& source, Reading reading);
   static Domain parmDomain(const Subject& subject, const ValueOf& valueOf);
   [[nodiscard]] Domain correctedDomain(Staging staging, const Subject& subject, const Domain& held,
                                        const ValueOf& valueOf) const;
@@ -58,7 +72,7 @@ class Domains {
   void noteComparedConstants();
 
   const CompiledText& text_;
-  DomainsByName domains_;
+  std::array<DomainsByName, READINGS> domains_;
   DomainsByName variants_;
   std::set<std::string, std::less<>> open_;  // those that are being worked out
 };

@@ -88,6 +88,10 @@ constexpr size_t MANY_SITUATIONS = 20'000;
 constexpr size_t MANY_REACHED = 1'000;
 // Of so many changes, one sets two values together.
 constexpr size_t SET_TOGETHER = 2;
+// What clients stage beside the values that definitions take: it is read before it is corrected.
+const std::vector<std::string> WRONG_VALUES = {"9", "-7", "~"};
+// So many commits of several values are made of each situation of a ring.
+constexpr size_t COMMITS_OF_A_SITUATION = 8;
 
 // The situations of a text: each instance with each value.
 class Walk {
@@ -168,6 +172,20 @@ class Walk {
     return reached;
   }
 
+  // Calls `visit` after each of some commits of several values, whatever these are; what was set
+  // before is set again afterwards.
+  template <typename Visit>
+  void commitTogether(const std::vector<std::string>& values, const Visit& visit) {
+    const std::vector<std::string> before = heldBy(instances_);
+    for (size_t i = 0; i < COMMITS_OF_A_SITUATION; ++i) {
+      Transaction transaction(database_);
+      for (const WalkInstance& instance : instances_) stageAny(instance, values, transaction);
+      commitAll(transaction);
+      visit();
+      put(instances_, before);
+    }
+  }
+
   static SetCode trySetting(const WalkInstance& instance, std::string& value) {
     StagedEntry entry;
     entry.parm = instance.parm;
@@ -224,6 +242,23 @@ class Walk {
   static void commitAll(Transaction& transaction) {
     std::vector<Change> changes;
     static_cast<void>(commit(transaction, changes));
+  }
+
+  // Stages any of `values`, a wrong one, a reset or nothing, with a client's force or without.
+  void stageAny(const WalkInstance& instance, const std::vector<std::string>& values,
+                Transaction& transaction) {
+    const std::vector<std::string>& offered = random_() % 2 == 0 ? values : WRONG_VALUES;
+    const bool force = random_() % 2 == 0;
+    switch (random_() % 6) {
+      case 0:
+        return;
+      case 1:
+        static_cast<void>(transaction.reset(nameOf(instance), force));
+        return;
+      default:
+        static_cast<void>(
+            transaction.set(nameOf(instance), offered[random_() % offered.size()], force));
+    }
   }
 
   static std::vector<std::string> heldBy(const std::vector<WalkInstance>& of) {
@@ -460,6 +495,7 @@ class Comparison {
             if (const auto kept = Walk::kept(walk_.instances()[i], value)) found[i].insert(*kept);
           }
         }
+        if (kind_ == TEXT_WITH_RING) addHeldAfterCommits(found);
       });
       for (size_t i = 0; i < held_.size(); ++i) {
         found[i].insert(held_[i].begin(), held_[i].end());
@@ -481,6 +517,17 @@ class Comparison {
             << name << " holds \"" << value << "\"";
       }
     }
+  }
+
+  // Adds what commits of several values leave: in a ring, one is judged by the other as it was
+  // staged.
+  void addHeldAfterCommits(std::vector<std::set<std::string>>& found) {
+    walk_.commitTogether(values_, [&] {
+      for (size_t i = 0; i < found.size(); ++i) {
+        const auto& [parm, indices] = walk_.instances()[i];
+        found[i].insert(parm->parm.committedText(indices));
+      }
+    });
   }
 
   [[nodiscard]] std::vector<Reading> readingsOf(const Goal& goal) const {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "check/proof/cone.h"
 #include "check/static/token_place.h"
 
 namespace {
@@ -21,7 +22,11 @@ Proof::Proof(const CheckedText& checked, const ProofLimits& limits, Findings& fi
   for (const Subject& subject : text_.subjects()) {
     if (scattered(place++) % limits.parts == limits.part) addSubject(subject);
     // Of a ring the domains depend on where it is entered: always at its first name.
-    static_cast<void>(domains_.of(text_.database().findSource(subject.name())));
+    const VariableSource source = text_.database().findSource(subject.name());
+    static_cast<void>(domains_.of(source));
+    const bool isInRing =
+        subject.parm != nullptr && refersBack(subject.parm->sources, *subject.parm);
+    if (isInRing) static_cast<void>(domains_.worthTrying(source));
   }
 }
 

@@ -188,6 +188,16 @@ TEST(Proofs, Decide) {
       {"a rw { rangeValid { (b + 1) } default { 1 } }\n"
        "b rw { rangeValid { 0..(3 - a) } default { 1 } }\n",
        {"overflow"}},
+      // What is staged together with b = 9 is judged by that: a = 7 is kept.
+      {"a rw { rangeValid { 0..(b) } default { 0 } }\n"
+       "b rw { rangeValid { (a & 1) } default { 0 } }\n"
+       "q rw { rangeValid { 0..9 } default { 0 } ctrlRO (a > 5) }\n",
+       {}},
+      // Likewise by a default, which no range limits: a is 9 at the start.
+      {"a rw { rangeValid { (b + 1) } default { 1 } }\n"
+       "b rw { rangeValid { 0..1 } default (a != 2) { 8 } default { 0 } }\n"
+       "q rw { rangeValid { 0..9 } default { 0 } ctrlRO (a > 5) }\n",
+       {"unsettled"}},
       // Small rings are walked through; where both are set together, each carries the other.
       {"a rw { rangeValid (b == 0) { 0 } rangeValid (b == 1) { 1 } default { 0 } }\n"
        "b rw { rangeValid (a == 0) { 0 } rangeValid (a == 1) { 1 } default { 0 } }\n",

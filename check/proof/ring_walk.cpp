@@ -65,8 +65,8 @@ class RingWalk {
   void addMoves(const NamedValues& moves, std::vector<NamedValues>& open) {
     const HealthyQuestion& question = attempt_.question();
     for (const ConeInstance& instance : attempt_.cone().instances()) {
-      const NameDomain& domain =
-          question.domains.of(question.text.database().findSource(instance.parm->parm.name()));
+      const NameDomain& domain = question.domains.worthTrying(
+          question.text.database().findSource(instance.parm->parm.name()));
       for (const auto& value : candidatesFor(domain, instance.use, TRIED_VALUES).values) {
         if (!value || value->empty()) continue;
         open.push_back(moves);

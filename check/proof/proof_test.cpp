@@ -212,6 +212,13 @@ TEST(Proofs, Decide) {
       {"x rw { rangeValid { 0..9 } default { 0 } ctrlRO (y == 1) }\n"
        "y rw { rangeValid { 0..2 } default { 0 } ctrlValid (x == 1) ctrlValid (x == 2) }\n",
        {"never-true"}},
+      // Reset in one commit, a[1] is absent and empty, and b takes every value then.
+      {"i index { rangeValid { 1..2 } }\n"
+       "a rw { index { i } rangeValid { 2..5 } ctrlValid (b <= 0 && a[2] > 0) default { 8 } }\n"
+       "b ro { rangeValid (a[1] <= 1) { 0..(12 / a[1]) } default (a[1] == a[2]) { 8 }\n"
+       "  default { 1 } }\n"
+       "s rw { rangeValid { 0..9 } default { 0 } ctrlRO (a[1] == 0) }\n",
+       {"uncovered"}},
       // One that does not rest after the start has no other situations to tell of.
       {"a rw { rangeValid { (b + 1)..10 } default { 5 } }\n"
        "b rw { rangeValid { (a + 1)..10 } default { 5 } }\n",

@@ -99,6 +99,11 @@ void ConfinedCommits::start() {
   for (const auto& [order, names] : rounds) static_cast<void>(resetTogether(names, database_));
 }
 
+void ConfinedCommits::resetAtOnce() {
+  forgetValues();
+  static_cast<void>(resetTogether(names_, database_));
+}
+
 bool replay(const NamedValues& witness, Database& database, const Commits& commits) {
   std::vector<std::string> names;
   names.reserve(witness.size());

@@ -43,6 +43,8 @@ class ConfinedCommits {
   /// Takes away the values of the parameters, and resets `names` as a start does: those of one
   /// level together.
   void start();
+  /// Likewise all together, as a client may: of one level, names with an index among the others.
+  void resetAtOnce();
   /// As moveFromDefaults(), with what is set together.
   bool commitFromDefaults(const Commits& commits);
 

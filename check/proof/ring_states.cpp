@@ -57,6 +57,8 @@ class RingStates {
     add({});
     confined.start();
     add({});
+    confined.resetAtOnce();
+    add({});
     while (!open_.empty()) {
       const State state = std::move(open_.front());
       open_.pop_front();

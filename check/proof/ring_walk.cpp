@@ -109,6 +109,8 @@ DomainsByName ringDomains(Attempt& attempt, Staging staging) {
   addHeld();
   commits.start();
   addHeld();
+  commits.resetAtOnce();
+  addHeld();
   return attempt.question().domains.leastOf(start, staging);
 }
 

@@ -157,11 +157,12 @@ class Walk {
         for (const std::string& value : values) {
           put(of, state);
           Transaction transaction(database_);
-          static_cast<void>(transaction.set(nameOf(moved), value, true));
+          const bool force = staging == STAGED_ALONE || random_() % 2 == 0;
+          static_cast<void>(transaction.set(nameOf(moved), value, force));
           // Now and then with another one, which is read as it was set until it is judged.
           if (staging == STAGED_TOGETHER && random_() % SET_TOGETHER == 0) {
             const std::string& other = values[random_() % values.size()];
-            static_cast<void>(transaction.set(nameOf(of[random_() % of.size()]), other, true));
+            static_cast<void>(transaction.set(nameOf(of[random_() % of.size()]), other, force));
           }
           commitAll(transaction);
           open.push_back(heldBy(of));

@@ -9,7 +9,7 @@
 enum TextKind {
   PLAIN_TEXT,
   TEXT_WITH_INDICES,  ///< "i" and "j" of few values, and parameters that have them
-  TEXT_WITH_RING,     ///< the first two parameters follow each other
+  TEXT_WITH_RING,     ///< the first two parameters follow each other, or all three
 };
 
 /// Writes texts of 2 or 3 parameters "p0", "p1" and "p2", of which each refers to those before it.
@@ -25,6 +25,7 @@ class RandomDefinitions {
     if (kind == TEXT_WITH_INDICES) text += index("i");
     if (hasSecondIndex_) text += index("j");
     const unsigned count = hasSecondIndex_ ? 2 : 2 + below(2);
+    ringSize_ = kind == TEXT_WITH_RING && count == 3 && below(3) == 0 ? 3 : 2;
     for (unsigned i = 0; i < count; ++i) {
       own_.clear();
       if (kind == TEXT_WITH_INDICES && below(3) > 0) own_ = {"i"};
@@ -47,12 +48,14 @@ class RandomDefinitions {
     if (kind_ == TEXT_WITH_INDICES && (before == 0 || below(4) == 0)) {
       return hasSecondIndex_ && below(3) == 0 ? "j" : "i";
     }
-    std::string parm = "p" + std::to_string(isInRing(before) ? 1 - before : below(before));
+    const unsigned parmNumber =
+        isInRing(before) ? (before + 1 + below(ringSize_ - 1)) % ringSize_ : below(before);
+    std::string parm = "p" + std::to_string(parmNumber);
     if (kind_ == TEXT_WITH_INDICES && below(4) == 0) parm += oneOf({"[1]", "[2]", "[1]", "[3]"});
     return parm;
   }
   [[nodiscard]] bool isInRing(unsigned number) const {
-    return kind_ == TEXT_WITH_RING && number < 2;
+    return kind_ == TEXT_WITH_RING && number < ringSize_;
   }
 
   std::string operand(unsigned before) { return below(3) == 0 ? literal() : name(before); }
@@ -120,7 +123,8 @@ class RandomDefinitions {
 
   std::string definition(unsigned number) {
     if (isMutual_ && isInRing(number)) return mutual(number);
-    std::string text = "p" + std::to_string(number) + " " + oneOf({"rw", "ro", "wo", "rw"}) + " {";
+    const std::string access = oneOf({"rw", "ro", "wo", "rw"});
+    std::string text = "p" + std::to_string(number) + " " + access + " {";
     if (!own_.empty()) {
       text += " index { " + own_[0] + (own_.size() > 1 ? ", " + own_[1] : "") + " }";
     }
@@ -135,13 +139,17 @@ class RandomDefinitions {
       }
     }
     if (kind_ == TEXT_WITH_RING) text += " default { " + literal() + " }";
+    if (isInRing(number) && access == "rw" && below(4) == 0) {
+      text += " ctrlRO (" + condition(number) + ")";
+    }
     if (below(6) == 0) text += " valueChange { \"a\" -> " + oneOf({"1", "\"b\"", "2"}) + " }";
     return text + " }\n";
   }
 
   std::mt19937 random_;
   TextKind kind_ = PLAIN_TEXT;
-  bool isMutual_ = false;  // whether two parameters limit each other
+  bool isMutual_ = false;  // whether those of a ring limit each other
+  unsigned ringSize_ = 2;
   bool hasSecondIndex_ = false;
   std::vector<std::string> own_;  // the indices of the definition that is being written
 };

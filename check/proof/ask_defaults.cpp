@@ -22,7 +22,8 @@ std::optional<std::string> constantTextOf(const CompiledItem& value) {
   return value.text ? value.text : constantText(*value.lower);
 }
 
-// What a default means: a word that is translated is kept as its translation.
+// What a default means: a word that is translated is kept as its translation, unless that is
+// corrected back to the word.
 std::string translated(const ParmDef& parm, std::string value) {
   parm.translateTwice(value);
   return value;
@@ -72,9 +73,9 @@ bool askDefault(Proof& proof, const Subject& subject, const CompiledStatement& s
   std::string instead;
   const auto isKept = [&](const IndexTuple& indices) {
     const std::optional<std::string> kept = valueKept(*subject.parm, indices, *text);
-    const std::string wanted = translated(subject.parm->parm, *text);
-    if (kept && *kept != wanted) instead = *kept;
-    return kept == wanted;
+    const bool isSame = kept == *text || kept == translated(subject.parm->parm, *text);
+    if (kept && !isSame) instead = *kept;
+    return isSame;
   };
   const HealthyResult result = proof.findHealthy(counts, isKept);
   if (proof.isCutShort()) {
@@ -162,9 +163,10 @@ class DefaultsOfTheStart {
     const auto situation = gatherBound(*subject_.parm, indices, staged);
     static_cast<void>(subject_.parm->parm.defaultValue(value, situation));
     if (value.empty()) return false;
+    const std::string written = value;
     value = translated(subject_.parm->parm, value);
     const std::optional<std::string> kept = valueKept(*subject_.parm, indices, value);
-    if (!kept || *kept == value || isDerived(situation)) return false;
+    if (!kept || *kept == value || *kept == written || isDerived(situation)) return false;
     const CompiledStatement* const statement = statementThatCounts(indices);
     if (statement == nullptr) return false;
     Finding finding{"default-outside", placeOf(statement->items.front()),

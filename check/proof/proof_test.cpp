@@ -228,6 +228,8 @@ TEST(Proofs, Decide) {
        "b rw { rangeValid (a == \"x\") { \"x\" } rangeValid (a != \"x\") { \"y\" } default { \"y\" "
        "} }\n",
        {"unsettled"}},
+      // The target of "x" is corrected back to "x", which is the default.
+      {"a rw { rangeValid { \"x\", \"y\" } valueChange { \"x\" -> 1 } default { \"x\" } }\n", {}},
       // What is left out is told of where that is written.
       {"m rw { rangeValid { 0..3 } ctrlValid (0) default { 1 } }\n"
        "gain rw { rangeValid { 0..9 } ctrlRO (m == 2) default { 0 } }\n",

@@ -80,9 +80,13 @@ void IndexDef::translateTwice(std::string& value) const {
   translate(value);
 }
 
-bool correctValue(const IndexDef& definition, std::string& value, const SituationView& situation) {
+bool correctByBase(const IndexDef& definition, std::string& value) {
   definition.translateTwice(value);
-  const bool inBase = definition.baseBounds().check(value, true);
+  return definition.baseBounds().check(value, true);
+}
+
+bool correctValue(const IndexDef& definition, std::string& value, const SituationView& situation) {
+  const bool inBase = correctByBase(definition, value);
   if (definition.conditionalBounds().empty()) return inBase;
   const PresentBounds bounds(definition.conditionalBounds(), situation, UNUSABLE_ACCEPTS);
   return bounds.judge(value) && inBase;

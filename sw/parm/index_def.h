@@ -146,6 +146,10 @@ class IndexDef {
   std::string name_;      // last: ParmDef's constructor asserts that its value is beside it
 };
 
+/// The first half of correctValue(): translates `value` twice and corrects it by the base bounds.
+/// Returns whether those did not have to.
+bool correctByBase(const IndexDef& definition, std::string& value);
+
 /// The full bounds check of one definition in a situation, by the rules of an index also for a
 /// parameter: translates `value` twice, corrects it by the base bounds, then by the conditional
 /// bounds whose condition is true, as PresentBounds::judge() does. A run-time range that has no

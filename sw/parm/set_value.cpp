@@ -1,9 +1,13 @@
 #include "sw/parm/set_value.h"
 
 #include <algorithm>
+#include <set>
 #include <utility>
+#include <vector>
 
+#include "base/number.h"
 #include "base/system_log.h"
+#include "base/work.h"
 #include "sw/parm/constraints.h"
 
 namespace {
@@ -86,12 +90,16 @@ void logIndexFault(const Setting& set, const IndexFault& fault) {
   if (fault.withVariables) dumpVariables(set);
 }
 
-// Corrects a value by the bounds. Returns false, after a line in the log, where conditional bounds
-// have brought the value out of the base bounds. Without conditional bounds that cannot happen,
-// because only the base bounds correct.
+// Whether a value that all bounds have corrected still lies in the base bounds, or conditional ones
+// have brought it out of them. Without those that cannot happen: only the base bounds correct.
+bool isLeftInBase(const ParmDef& parm, const std::string& corrected) {
+  return parm.conditionalBounds().empty() || parm.checkBase(corrected);
+}
+
+// Corrects a value by the bounds. Returns false, after a line in the log, where it is refused.
 bool correctByBounds(const ParmDef& parm, std::string& value, const Situation& situation) {
   static_cast<void>(correctValue(parm, value, situation));
-  if (parm.conditionalBounds().empty() || parm.checkBase(value)) return true;
+  if (isLeftInBase(parm, value)) return true;
   logSetError(parm, "Invalid value " + quoted(value));
   return false;
 }
@@ -117,6 +125,25 @@ SetCode correct(const Setting& set, std::string& value) {
     if (constraints.apply()) return correctByConstraints(set, value, constraints);
   }
   return correctByBounds(set.parm, value, set.situation) ? SET_STORED : SET_INVALID_VALUE;
+}
+
+// The ends of the spans, and the texts: where two bounds share a value, they share one of these.
+void addEnds(const BoundsParm& bounds, std::vector<std::string>& values) {
+  for (const Span& span : bounds.integers().spans()) {
+    values.push_back(numberText(span.first));
+    values.push_back(numberText(span.second));
+  }
+  const std::set<std::string>& texts = bounds.strings().texts();
+  values.insert(values.end(), texts.begin(), texts.end());
+}
+
+// Values of which one is taken where any is: the ends of all bounds, and what is translated.
+std::vector<std::string> tellingValues(const ParmDef& parm, const PresentBounds& present) {
+  std::vector<std::string> values;
+  for (const BoundsParm* const bounds : present.applying()) addEnds(*bounds, values);
+  addEnds(parm.baseBounds(), values);
+  for (const auto& translation : parm.translations()) values.push_back(translation.first);
+  return values;
 }
 
 // Stores a corrected value, unless the instance holds that text already. `held` is where the value
@@ -148,4 +175,17 @@ SetResult setValue(ParmDef& parm, std::string value, const IndexTuple& indices, 
       options.dryRun ? nullptr : &store(parm, indices, value, options.held);
   return {parm.mode() == MODE_ROSTRICT ? SET_STORED_UNREPORTED : SET_STORED, std::move(value),
           held};
+}
+
+bool takesAnyValue(const ParmDef& parm, const Situation& situation) {
+  if (parm.hasConstraints() || parm.baseBounds().count() == 0) return true;
+  if (parm.conditionalBounds().empty()) return true;
+  const PresentBounds present(parm.conditionalBounds(), situation, UNUSABLE_ACCEPTS);
+  return std::ranges::any_of(tellingValues(parm, present), [&](std::string value) {
+    Work::add(parm.askingWork() + WORK_PER_VALUE_BYTE * value.size());
+    if (!parm.checkBase(value)) return false;
+    static_cast<void>(correctByBase(parm, value));
+    static_cast<void>(present.judge(value));
+    return isLeftInBase(parm, value);
+  });
 }

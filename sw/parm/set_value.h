@@ -63,3 +63,8 @@ struct SetResult {
 /// instance holds what it held. The caller counts ParmDef::evaluationWork() first.
 SetResult setValue(ParmDef& parm, std::string value, const IndexTuple& indices, Situation situation,
                    PresentIndices& present, SetOptions options);
+
+/// Whether there is a value that a plain set would store, in a situation with the index values of
+/// an instance bound: one that may be staged, and that setValue() accepts in step 4. There is none
+/// where the conditional bounds that apply share no value with the base bounds. Counts the work.
+bool takesAnyValue(const ParmDef& parm, const Situation& situation);

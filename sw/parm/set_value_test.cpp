@@ -412,4 +412,41 @@ TEST_F(SetValue, ChecksTheIndexValuesOfWhatLooksLikeAStoredInstance) {
               "Var list end"}});
 }
 
+TEST(TakesAnyValue, TellsWhetherTheBoundsThatApplyShareAValue) {
+  const struct {
+    std::vector<ItemText> base;
+    std::vector<RangeText> ranges;
+    std::map<std::string, std::string> translations;
+    bool isTaken;
+  } cases[] = {
+      {{"1", "2"}, {}, {}, true},
+      {{}, {{"1", {"7"}}}, {}, true},
+      {{"1", "2"}, {{"0", {"7"}}}, {}, true},
+      {{"1", "2"}, {{"1", {"7"}}}, {}, false},
+      {{"1..9"}, {{"1", {"7"}}}, {}, true},
+      {{"7"}, {{"1", {"1..9"}}}, {}, true},
+      {{"1..5"}, {{"1", {"5..9"}}}, {}, true},
+      {{"1..4"}, {{"1", {"5..9"}}}, {}, false},
+      {{"1..4"}, {{"1", {"5..9"}}, {"1", {"4"}}}, {}, true},
+      {{"1..4"}, {{"1", {"5..9"}}, {"0", {"4"}}}, {}, false},
+      {{"on", "off"}, {{"1", {"auto", "off"}}}, {}, true},
+      {{"on", "off"}, {{"1", {"auto"}}}, {}, false},
+      {{"on", "off"}, {{"1", {"0..9"}}}, {}, false},
+      {{"\"7\""}, {{"1", {"0..9"}}}, {}, true},
+      {{"1", "2"},
+       {{"1", {"7"}}},
+       {{"7", "1"}},
+       true},  // a 7 means 1, so it lies in the base bounds
+      {{"1", "2"}, {{"1", {"7"}}}, {{"1", "7"}}, false},
+      {{"1", "2"}, {{"1", {"(3 + 4)"}}}, {}, true},  // computed bounds are in the place of the base
+      {{"1", "2"}, {{"1", {"(1 / 0)"}}}, {}, true},
+  };
+  for (const auto& c : cases) {
+    const ParmDef parm =
+        makeParm({.common = {.base = c.base, .ranges = c.ranges, .translations = c.translations}});
+    const TextSituation situation(parm.variables(), {});
+    EXPECT_EQ(takesAnyValue(parm, situation), c.isTaken) << testing::PrintToString(c.base);
+  }
+}
+
 }  // namespace

@@ -54,6 +54,8 @@ class Explainer {
     const Situation situation = gatherBound(parm_, indices_, staged_);
     out.isReadOnly = parm_.parm.isReadOnly(situation);
     out.readOnly = reasons_.readOnly(situation);
+    out.takesAny = takesAnyValue(parm_.parm, situation);
+    if (!out.takesAny) out.colliding = reasons_.colliding(situation);
     out.rangeResult = parm_.parm.range(out.range, situation);
     out.limit = reasons_.range(situation);
     static_cast<void>(parm_.parm.defaultValue(out.defaultValue, situation));

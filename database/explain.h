@@ -25,6 +25,9 @@ struct Explanation {
   bool isReadOnly = false;       ///< a write that is not forced is refused
   std::vector<Reason> readOnly;  ///< the condition that is true, or all that are not
 
+  bool takesAny = true;           ///< of takesAnyValue()
+  std::vector<Reason> colliding;  ///< where it takes none: the bounds that share no value
+
   int rangeResult = 0;          ///< of ParmDef::range()
   BoundsParm range;             ///< that clients are told
   std::optional<Reason> limit;  ///< nullopt where every value is allowed

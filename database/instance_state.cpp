@@ -4,6 +4,7 @@
 #include "database/gather.h"
 #include "database/range_query.h"
 #include "sw/parm/parm_name.h"
+#include "sw/parm/set_value.h"
 
 bool existsIn(const ParmEntry& parm, const IndexTuple& indices, IndexSituations& situations) {
   if (parm.parm.mode() == MODE_NEVER || indices.size() != parm.parm.indices().size()) return false;
@@ -38,7 +39,8 @@ InstanceState InstanceStates::of(std::string_view name) {
   IndexSituations atFirst(judged);
   const bool isSettled = &judged == &outlook_.values();
   if (isSettled ? state.exists : existsIn(*parm, indices, atFirst)) {
-    state.isWritable = !parm->parm.isReadOnly(gatherBound(*parm, indices, judged));
+    const Situation situation = gatherBound(*parm, indices, judged);
+    state.isWritable = !parm->parm.isReadOnly(situation) && takesAnyValue(parm->parm, situation);
   }
   state.hasValue = !state.value->empty();
   state.rangeResult = queryRange(transaction_.database(), staged, name, state.range);

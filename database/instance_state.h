@@ -19,9 +19,9 @@ bool existsIn(const ParmEntry& parm, const IndexTuple& indices, IndexSituations&
 struct InstanceState {
   bool isKnown = false;  ///< there is such a parameter; else nothing below counts
   bool exists = false;   ///< it is there after a commit of the transaction
-  /// The commit would store a value that is set without force. Of a parameter without dependents it
-  /// is judged with the values as they are staged, see Outlook::of(): so one that the commit itself
-  /// brings about may not be writable yet.
+  /// There is a value that the commit would store where it is set without force. Of a parameter
+  /// without dependents it is judged with the values as they are staged, see Outlook::of(): so one
+  /// that the commit itself brings about may not be writable yet.
   bool isWritable = false;
   bool isStaged = false;               ///< the transaction has staged something for it
   bool hasValue = false;               ///< `value` is not empty

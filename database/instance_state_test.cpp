@@ -117,6 +117,28 @@ TEST(InstanceStates, TellWhatExistsAfterTheCommitAndWhatItStores) {
   }
 }
 
+TEST(InstanceStates, TellThatNoValueLiesInAllRanges) {
+  Database database;
+  define(database,
+         "mode rw { }\n"
+         "narrow rw { rangeValid { 1, 2 } rangeValid (mode == 1) { 7 } }\n"
+         "wide rw { rangeValid { 1, 7 } rangeValid (mode == 1) { 7 } }\n");
+  const struct {
+    const char* mode;
+    const char* narrow;
+    const char* wide;
+  } cases[] = {
+      {"1", "exists no limits", "exists writable 7..7"},
+      {"2", "exists writable 1..2", "exists writable 1..1 7..7"},
+  };
+  for (const auto& [mode, narrow, wide] : cases) {
+    Transaction transaction(database);
+    ASSERT_EQ(transaction.set("mode", mode, false), STAGE_DONE);
+    EXPECT_EQ(shown(InstanceStates(transaction).of("narrow")), narrow) << mode;
+    EXPECT_EQ(shown(InstanceStates(transaction).of("wide")), wide) << mode;
+  }
+}
+
 TEST_F(InstanceStateTest, GivesTheValueThatTheTransactionSees) {
   ASSERT_EQ(transaction_.set("rate", "60", false), STAGE_DONE);
   InstanceStates states(transaction_);

@@ -38,23 +38,33 @@ Plan planQuery(const std::vector<Instance>& instances, uint32_t startLevel, Stag
   return plan;
 }
 
+// Visits an entry in the situation in which it is judged.
+template <typename Visit>
+auto visitEntry(const StagedEntry& entry, IndexSituations& situations, const Visit& visit) {
+  return visit(*entry.parm, gatherBound(*entry.parm, entry.indices, situations.staged()));
+}
+
 // Returns RANGE_FOUND, RANGE_REFUSED or WALK_AGAIN.
-int evaluateEntry(StagedEntry& entry, IndexSituations& situations) {
-  const int result = stepResult(evaluate(entry, situations, true));
+int evaluateEntry(StagedEntry& entry, IndexSituations& situations, const SituationVisit& refused) {
+  const SetCode code = evaluate(entry, situations, true);
+  if (code == SET_INVALID_VALUE && refused) visitEntry(entry, situations, refused);
+  const int result = stepResult(code);
   return result == 0 || result == WALK_AGAIN ? result : RANGE_REFUSED;
 }
 
 // Evaluates the target itself, this time with a refusal logged, and asks it in its situation.
 template <typename Ask>
-int askTarget(StagedEntry& target, IndexSituations& situations, const Ask& ask) {
+int askTarget(StagedEntry& target, IndexSituations& situations, const Ask& ask,
+              const SituationVisit& refused) {
   target.generated = false;
-  if (evaluateEntry(target, situations) != RANGE_FOUND) return RANGE_REFUSED;
-  return ask(*target.parm, gatherBound(*target.parm, target.indices, situations.staged()));
+  if (evaluateEntry(target, situations, refused) != RANGE_FOUND) return RANGE_REFUSED;
+  return visitEntry(target, situations, ask);
 }
 
 // `ask(parm, situation)` returns 0, or why there is no answer.
 template <typename Ask>
-int query(Database& database, const StagedValues& staged, std::string_view name, const Ask& ask) {
+int query(Database& database, const StagedValues& staged, std::string_view name, const Ask& ask,
+          const SituationVisit& refused = {}) {
   std::vector<Instance> instances;
   const int found = dependencyInstances(database, name, instances);
   if (found != DEPENDENCIES_FOUND) {
@@ -65,10 +75,10 @@ int query(Database& database, const StagedValues& staged, std::string_view name,
   const Plan plan = planQuery(instances, startLevel(*target.parm, instances, staged), scratch);
   IndexSituations situations(scratch);
   const int planned = walkLevels(
-      plan, [&](StagedEntry& entry) { return evaluateEntry(entry, situations); },
+      plan, [&](StagedEntry& entry) { return evaluateEntry(entry, situations, refused); },
       [](const StagedEntry& /*behind*/) {});
   StagedEntry& entry = scratch.stage(*target.parm, target.indices, true);
-  const int result = askTarget(entry, situations, ask);
+  const int result = askTarget(entry, situations, ask, refused);
   return result != RANGE_FOUND ? result : planned;
 }
 
@@ -82,9 +92,10 @@ int queryRange(Database& database, const StagedValues& staged, std::string_view 
 }
 
 int visitQueried(Database& database, const StagedValues& staged, std::string_view name,
-                 const SituationVisit& visit) {
-  return query(database, staged, name, [&visit](const ParmEntry& parm, const Situation& situation) {
+                 const SituationVisit& visit, const SituationVisit& refused) {
+  const auto ask = [&visit](const ParmEntry& parm, const Situation& situation) {
     visit(parm, situation);
     return 0;
-  });
+  };
+  return query(database, staged, name, ask, refused);
 }

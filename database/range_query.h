@@ -27,6 +27,8 @@ int queryRange(Database& database, const StagedValues& staged, std::string_view 
 using SituationVisit = std::function<void(const ParmEntry& parm, const Situation& situation)>;
 
 /// Calls `visit` where queryRange() takes the range, with the same situation: for whoever tells
-/// why. Returns a RangeResult; `visit` is not called where the instance is refused.
+/// why. Returns a RangeResult; `visit` is not called where the instance is refused. Where a value
+/// is refused on the way, the instance's own or one that it depends on, calls `refused` for the
+/// instance whose value it is, in the situation in which it was judged.
 int visitQueried(Database& database, const StagedValues& staged, std::string_view name,
-                 const SituationVisit& visit);
+                 const SituationVisit& visit, const SituationVisit& refused = {});

@@ -21,22 +21,38 @@ std::vector<Reason> listOf(const std::optional<Reason>& reason) {
   return reason ? std::vector{*reason} : std::vector<Reason>();
 }
 
+void addOnce(const Reason& reason, std::vector<Reason>& reasons) {
+  if (std::ranges::find(reasons, reason) == reasons.end()) reasons.push_back(reason);
+}
+
+// Why a plain set would be stored, or would not.
+const std::vector<Reason>& writableReasons(const Explanation& why) {
+  if (!why.exists) return why.existence;
+  return why.isReadOnly || why.takesAny ? why.readOnly : why.colliding;
+}
+
 const char* yesOrNo(bool isTrue) { return isTrue ? "yes" : "no"; }
 
 // The range that clients are told, in the situation in which they are.
 void addLimits(Transaction& transaction, std::string_view name, Rows& rows) {
   BoundsParm range;
   int code = 0;
-  std::optional<Reason> reason;
+  std::vector<Reason> reasons;
+  std::vector<Reason> refusing;
   Database& database = transaction.database();
   const int result = visitQueried(
-      database, transaction.staged(), name, [&](const ParmEntry& parm, const Situation& situation) {
+      database, transaction.staged(), name,
+      [&](const ParmEntry& parm, const Situation& situation) {
         code = parm.parm.range(range, situation);
-        reason = ParmReasons(parm.parm, database.statementsOf(parm)).range(situation);
+        reasons = listOf(ParmReasons(parm.parm, database.statementsOf(parm)).range(situation));
+      },
+      [&](const ParmEntry& parm, const Situation& situation) {
+        const ParmReasons own(parm.parm, database.statementsOf(parm));
+        for (const Reason& reason : own.colliding(situation)) addOnce(reason, refusing);
       });
   std::string answer = "none";
   if (result == 0 && code == 0) answer = range.count() == 0 ? "any" : rangeItemsText(range);
-  add(rows, "limits", answer, listOf(reason));
+  add(rows, "limits", answer, refusing.empty() ? reasons : refusing);
 }
 
 void addValue(Transaction& transaction, const StagedValues& judged, std::string_view name,
@@ -46,11 +62,8 @@ void addValue(Transaction& transaction, const StagedValues& judged, std::string_
   ValueExplanation explained;
   static_cast<void>(explainValue(transaction.database(), judged, name, value, true, explained));
   std::vector<Reason> reasons;
-  const auto addOnce = [&](const Reason& reason) {
-    if (std::ranges::find(reasons, reason) == reasons.end()) reasons.push_back(reason);
-  };
-  for (const ValueStep& step : explained.reasons.steps) addOnce(step.reason);
-  if (explained.reasons.acceptedBy) addOnce(*explained.reasons.acceptedBy);
+  for (const ValueStep& step : explained.reasons.steps) addOnce(step.reason, reasons);
+  if (explained.reasons.acceptedBy) addOnce(*explained.reasons.acceptedBy, reasons);
   add(rows, "value", value, reasons);
 }
 
@@ -69,8 +82,8 @@ std::optional<Rows> reasonRows(Transaction& transaction, const Outlook& outlook,
   static_cast<void>(explain(database, judged, name, why));  // of the same name
   Rows rows;
   add(rows, "exists", yesOrNo(settled.exists), settled.existence);
-  add(rows, "writable", yesOrNo(why.exists && !why.isReadOnly),
-      why.exists ? why.readOnly : why.existence);
+  add(rows, "writable", yesOrNo(why.exists && !why.isReadOnly && why.takesAny),
+      writableReasons(why));
   addLimits(transaction, name, rows);
   add(rows, "default", why.defaultValue, listOf(why.defaultDecider));
   addValue(transaction, judged, name, rows);

@@ -15,9 +15,10 @@
 ///
 ///   question   answer
 ///   exists     "yes" or "no": whether the instance is there after a commit
-///   writable   "yes" or "no": whether that would store a value that is set without force
+///   writable   "yes" or "no": whether that would store any value that is set without force
 ///   limits     the range as a text, "any" where every value is allowed, "none" where it cannot be
-///              worked out
+///              worked out: the bounds that collide where they refuse the value, be it one on which
+///              the limits depend
 ///   default    the default, the empty text where there is none
 ///   value      the value that the transaction sees
 struct ReasonRow {

@@ -21,6 +21,9 @@ rate rw {
 boost rw { ctrlValid (mode == "fast") }
 lock rw { rangeValid { 0..1 } }
 broken rw { rangeValid { 0..(7 / lock) } }
+narrow rw { rangeValid { 1, 2 } rangeValid (lock == 1) { 7 } }
+open rw { rangeValid { 1, 7 } rangeValid (lock == 1) { 7 } }
+behind rw { rangeValid { 0..(narrow) } }
 )";
 
 // The rows of one question, without it.
@@ -63,6 +66,15 @@ TEST(ReasonRows, AnswerEachQuestionWithItsStatement) {
       {"boost", "limits", "any 0 "},
       {"lock", "limits", "0..1 9 rangeValid { 0..1 }"},
       {"broken", "limits", "0..7 10 rangeValid { 0..(7 / lock) } lock=1"},
+      {"narrow", "writable",
+       "no 11 rangeValid { 1, 2 }; no 11 rangeValid (lock == 1) { 7 } lock=1"},
+      {"narrow", "limits",
+       "none 11 rangeValid { 1, 2 }; none 11 rangeValid (lock == 1) { 7 } lock=1"},
+      {"open", "writable", "yes 0 "},
+      {"open", "limits", "7 12 rangeValid (lock == 1) { 7 } lock=1"},
+      // What refuses is below.
+      {"behind", "limits",
+       "none 11 rangeValid { 1, 2 }; none 11 rangeValid (lock == 1) { 7 } lock=1"},
       {"nosuch", "exists", "no instance"},
       {"rate[1]", "exists", "no instance"},
   };

@@ -144,6 +144,16 @@ std::optional<Reason> ParmReasons::range(const SituationView& situation) const {
   return baseReason();
 }
 
+std::vector<Reason> ParmReasons::colliding(const SituationView& situation) const {
+  std::vector<Reason> reasons;
+  if (statements().base.line != 0) reasons.push_back(baseReason());
+  for (const size_t place :
+       applyingPlaces(parm_.conditionalBounds(), situation, UNUSABLE_ACCEPTS)) {
+    reasons.push_back(rangeReason(place, situation));
+  }
+  return reasons;
+}
+
 ValueReasons ParmReasons::value(std::string value, const Situation& situation) const {
   ValueReasons out;
   translate(value, out);

@@ -91,6 +91,9 @@ class ParmReasons : public IndexReasons {
   [[nodiscard]] std::optional<Reason> defaultValue(const SituationView& situation) const;
   /// The statement of ParmDef::range(); nullopt where there are no bounds.
   [[nodiscard]] std::optional<Reason> range(const SituationView& situation) const;
+  /// The base bounds and the conditional ones that apply, which are in the way of each other where
+  /// setValue() refuses a value.
+  [[nodiscard]] std::vector<Reason> colliding(const SituationView& situation) const;
   /// What step 4 of setValue() does with `value`, where no constraint rule is defined.
   [[nodiscard]] ValueReasons value(std::string value, const Situation& situation) const;
 

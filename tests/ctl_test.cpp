@@ -392,6 +392,28 @@ TEST_F(CtlTest, NamesTheOtherEffectsOfAnUnlock) {
   });
 }
 
+TEST_F(CtlTest, NamesBoundsThatShareNoValue) {
+  serve("g rw { rangeValid { 0..3 } }\np rw { rangeValid { 1, 2 } rangeValid (g == 1) { 7 } }\n");
+  const std::string bounds =
+      "line 2, rangeValid { 1, 2 }\n  and line 2, rangeValid (g == 1) { 7 }, where g is 1\n";
+  const std::string state = "it cannot be written now: " + bounds +
+                            "what it takes cannot be computed now: " + bounds +
+                            "it has no default\n";
+  expectLines({
+      {.line = "ctl -q set g=1 2>/dev/null", .status = 1},
+      {.line = "ctl why p | sed '$d'", .out = "p is \"\"\n" + state},
+      {.line = "ctl why p=7", .out = "p is \"\"\n7 is refused in every situation\n" + state},
+      {.line = "ctl why p=2",
+       .out = "p is \"\"\n2 would be refused\n" + state +
+              "to have it stored: ostrelctl set g=0 p=2\n"},
+      {.line = "ctl why p | sed -n '$s/  *#.*//p'",
+       .out = "to make it writable: ostrelctl set g=0\n"},
+      {.line = "ctl ls -li p | tail -n 1",
+       .out = "rw (not now)  p     \"\"     unknown  -        2\n"},
+      {.line = "ctl set g=0 p=2", .out = "g = 0\np = 2\n"},
+  });
+}
+
 // What decides only when another lock is open, and what keeps a candidate from its value.
 TEST_F(CtlTest, UnlocksWhatIsLockedTwice) {
   serve(

@@ -99,6 +99,21 @@ TEST_F(CtlKeepTest, KeepsWhatWasSetJustBeforeItsEnd) {
   }
 }
 
+// What nobody has set, and what somebody has emptied just before the end.
+TEST_F(CtlKeepTest, KeepsTheEmptyTextWhereItCanBeSet) {
+  serve("name rw { default { \"unnamed\" } }\nnever rw { rangeValid { 1..9 } }\n");
+  EXPECT_EQ(start("ctl -q reset name")->waitForEnd().status, 0);
+  const auto keeper = start("exec \"$0\" keep --every 3600 v");
+  ASSERT_TRUE(comesToHold("name=unnamed\n"));
+  EXPECT_EQ(start("ctl -q set name=")->waitForEnd().status, 0);
+  endDaemon(SIGKILL);
+  EXPECT_TRUE(comesToHold("name=\n"));
+  const std::string wrote =
+      "ostrelctl: kept 1 value in v; never is empty, and no set makes it so\n";
+  EXPECT_EQ(end(*keeper).err, "ostrelctl: the service is there\n" + wrote + wrote +
+                                  "ostrelctl: the service has gone; waiting for it\n");
+}
+
 TEST_F(CtlKeepTest, OutlivesTheServiceAndWaitsUntilTheNextIsReady) {
   for (const int signal : {SIGTERM, SIGKILL}) {
     SCOPED_TRACE(signal);

@@ -165,15 +165,65 @@ TEST_F(CtlServiceTest, WatchesAlsoAnotherDaemon) {
 }
 
 TEST_F(CtlServiceTest, SavesWhatWasSetToTheEmptyText) {
+  constexpr const char* NOT_SAVED = "not saved: full is empty, and no set makes it so\n";
   serve(
       "name rw { default { \"unnamed\" } }\n"
       "full rw { rangeValid { 0..9 } default (name == \"x\") { 5 } }\n"
       "lamp ro { default { 1 } }\n"
       "order wo { }\n");
   expectLines({
-      {.line = "ctl save"},  // nothing has a value yet
-      {.line = "ctl -q up; ctl -q set name=; ctl save f; cat f", .out = "name=\n"},
-      {.line = "ctl save --status", .out = "lamp=1\nname=\n"},
+      {.line = "ctl save", .out = "name=\n", .err = NOT_SAVED},  // nothing has a value yet
+      {.line = "ctl -q up; ctl -q set name=; ctl save f; cat f",
+       .out = "name=\n",
+       .err = NOT_SAVED},
+      {.line = "ctl save --status", .out = "lamp=1\nname=\n", .err = NOT_SAVED},
+  });
+}
+
+// A file has what a restoration can bring about, and the rest is told.
+TEST_F(CtlServiceTest, SavesTheEmptyTextWhereItCanBeSet) {
+  const struct {
+    const char* statements;
+    bool isSaved;
+  } cases[] = {
+      {"", true},
+      {"rangeValid { 1..9 }", false},
+      {"rangeValid { 0..9 }", false},  // a set is refused at once
+      {"rangeValid { \"a\", \"b\" }", false},
+      {"rangeValid (on != 1) { 0..9 }", true},
+      {"rangeValid (on != 1) { 1..9 }", false},  // it would become 1
+      {"rangeValid (on != 1) { \"a\" }", false},
+      {"rangeValid { 0..(on + 7) }", true},
+      {"rangeValid { 1..(on + 7) }", false},
+      {"rangeValid { 1..(7 / on) }", true},  // limits that cannot be computed
+      {"rangeValid { 1, 2 } rangeValid (on != 1) { 7 }", false},
+      {"ctrlRO (on)", true},
+      {"index { i } rangeValid { 1..9 }", false},
+  };
+  std::string text = "i index { rangeValid { 1..1 } }\non ro { }\n";
+  std::string file;
+  std::string leftOut;
+  char name = 'n';
+  for (const auto& [statements, isSaved] : cases) {
+    const std::string parm = std::string("p") + name++;
+    const bool isIndexed = std::string_view(statements).starts_with("index");
+    text += parm + " rw { " + statements + " }\n";
+    if (isSaved) file += parm + "=\n";
+    if (!isSaved) leftOut += (leftOut.empty() ? "" : ", ") + parm + (isIndexed ? "[1]" : "");
+  }
+  serve(text);
+  leftOut.replace(leftOut.rfind(", "), 2, " and ");
+  leftOut = "not saved: " + leftOut + " are empty, and no set makes them so\n";
+  expectLines({
+      {.line = "ctl save f; cat f", .out = file, .err = leftOut},
+      {.line = "ctl save --json | tr -d '{}\"\\n' | tr ',' '\\n' | sed 's/:/=/'; echo",
+       .out = file,
+       .err = leftOut},
+      {.line = "ctl set -q pn=x pr=5 pu=1; ctl restore f && ctl get pn pr pu",
+       .out = "restored 5 of 5\npn=\npr=\npu=\n"},
+      {.line = "ctl set -q po=5; ctl save --status 2>&1 >f | grep -c po; grep p[oy] f",
+       .out = "0\npo=5\npy=\n"},
+      {.line = "ctl transactions"},
   });
 }
 

@@ -34,6 +34,9 @@ class KeptFile {
     if (text) text_ = *std::move(text);
   }
 
+  // What the next text that is written lacks.
+  void noteLeftOut(const Names& names) { leftOut_ = leftOutText(names); }
+
   // `commit` is the last one that the values come from, where that is known. Ends the program where
   // the file cannot be written.
   void write(const std::vector<Assignment>& values, std::optional<uint64_t> commit) {
@@ -52,7 +55,8 @@ class KeptFile {
     isThere_ = true;
     tellOperator(VALUES_KEPT,
                  std::to_string(values.size()) +
-                     (values.size() == 1 ? " value in " : " values in ") + quotedWord(path_),
+                     (values.size() == 1 ? " value in " : " values in ") + quotedWord(path_) +
+                     (leftOut_.empty() ? "" : "; " + leftOut_),
                  {.transaction = commit});
   }
 
@@ -60,6 +64,7 @@ class KeptFile {
   const std::string path_;
   bool isThere_;
   std::string text_;
+  std::string leftOut_;
 };
 
 // Follows the service through its ends and starts, until it is told to end.
@@ -168,11 +173,13 @@ class Keeper {
         levels_.emplace(*std::move(listed));
       }
     }
-    const auto values = levels_ ? storedValues(service_, *levels_, false, true) : std::nullopt;
-    if (!values) return keepLater(every_);
+    const auto stored = levels_ ? storedValues(service_, *levels_, false, true) : std::nullopt;
+    if (!stored) return keepLater(every_);
+    const std::vector<Assignment> values = valuesWorthKeeping(*stored);
     values_.emplace();
-    for (const Assignment& each : *values) (*values_)[each.name] = each.value;
-    write(*values);
+    for (const Assignment& each : values) (*values_)[each.name] = each.value;
+    file_.noteLeftOut(stored->leftOut);
+    write(values);
   }
 
   void keepLater(gint64 rest) {
@@ -191,12 +198,10 @@ class Keeper {
     if (!values_) return;  // they are still to be read
     for (const Change& change : commit.changes) {
       if (!levels_->has(change.name) || levels_->access(change.name) != "rw") continue;
-      if (change.after.empty()) {
-        values_->erase(change.name);
-      } else {
-        (*values_)[change.name] = change.after;
-      }
       isDirty_ = true;
+      // An announcement to others that changes nothing may be of a value that cannot be set.
+      if (change.before.empty() && change.after.empty()) continue;
+      (*values_)[change.name] = change.after;
     }
     if (isDirty_) keepLater(last_ + every_ - g_get_monotonic_time());
   }
@@ -241,7 +246,10 @@ class Keeper {
 int keep(Client& client, const KeepArguments& arguments) {
   if (!arguments.isOnce) return Keeper(client, arguments).run();
   const Levels levels(client.service);
-  KeptFile(arguments.file).write(storedValues(client.service, levels, false).value(), std::nullopt);
+  const StoredValues stored = storedValues(client.service, levels, false).value();
+  KeptFile file(arguments.file);
+  file.noteLeftOut(stored.leftOut);
+  file.write(valuesWorthKeeping(stored), std::nullopt);
   return STATUS_DONE;
 }
 

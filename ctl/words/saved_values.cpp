@@ -28,8 +28,10 @@ struct FileArguments {
 };
 
 int save(Client& client, const FileArguments& arguments) {
-  const std::vector<Assignment> values =
+  const StoredValues stored =
       storedValues(client.service, Levels(client.service), arguments.isStatus).value();
+  const std::vector<Assignment>& values = stored.values;
+  if (!stored.leftOut.empty()) complain("not saved: " + leftOutText(stored.leftOut));
   if (!arguments.file.empty()) {
     writeValuesFile(arguments.file, values);
     return STATUS_DONE;

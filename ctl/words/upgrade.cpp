@@ -98,7 +98,8 @@ class Upgrade {
         old_(readText(arguments.text)),
         oldPath_(arguments.text + ".old"),
         first_(client.service.bus().owner()),
-        values_(valuesText(storedValues(client.service, Levels(client.service), false).value())) {}
+        values_(valuesText(valuesWorthKeeping(
+            storedValues(client.service, Levels(client.service), false).value()))) {}
 
   int run() {
     if (new_ == old_) {
@@ -198,12 +199,12 @@ class Upgrade {
   // The values as they are now: the answer may have taken its time.
   [[nodiscard]] bool takeValues() const {
     std::optional<std::vector<ListedParameter>> listed = client_.service.tryList();
-    const auto values = listed
+    const auto stored = listed
                             ? storedValues(client_.service, Levels(*std::move(listed)), false, true)
                             : std::nullopt;
-    if (!values) {
+    if (!stored) {
       complain("the service has gone");
-    } else if (!values_.write(valuesText(*values))) {
+    } else if (!values_.write(valuesText(valuesWorthKeeping(*stored)))) {
       complain("cannot write " + values_.path() + ": " + std::strerror(errno));
     } else {
       return true;

@@ -94,7 +94,16 @@ TEST_F(CtlCompletionTest, OffersWhatCanBeTyped) {
       {"get --with mode=slim --with 'position[1]='", "whole\nposition[1]=edge\nposition[1]=5\n"},
       {"set mode=nonsense nothing=5 'position[1]=5'", "whole\nposition[1]=5\nposition[1]=50\n"},
       {"set note=", "whole\n"},
-      {"set wide_one=1", "whole\n"},
+      // Of a long range, beginnings.
+      {"set wide_one=",
+       "open\nwide_one=0\nwide_one=1\nwide_one=2\nwide_one=3\nwide_one=4\nwide_one=5\nwide_one=6\n"
+       "wide_one=7\nwide_one=8\nwide_one=9\n"},
+      {"set wide_one=2000000",
+       "open\nwide_one=2000000\nwide_one=20000000\nwide_one=20000001\nwide_one=20000002\n"
+       "wide_one=20000003\nwide_one=20000004\nwide_one=20000005\nwide_one=20000006\n"
+       "wide_one=20000007\nwide_one=20000008\nwide_one=20000009\n"},
+      {"set wide_one=2000000000", "whole\nwide_one=2000000000\n"},
+      {"set wide_one=2000000001", "whole\n"},
       {"set temperature=", "whole\n"},  // only the device may set it
       {"try temperature=", "whole\n"},
       {"set --status temperature=", "whole\ntemperature=30\ntemperature=31\n"},

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <optional>
 
+#include "ctl/completion/number_beginnings.h"
 #include "ctl/text/assignment.h"
 #include "ctl/text/range_text.h"
 #include "ctl/words/waiting_commits.h"
@@ -15,9 +16,7 @@ using Words = std::vector<std::string>;
 
 constexpr const char* OPTIONAL_VALUE = "NAME[=VALUE]";
 
-// Of longer spans, no values are offered.
-constexpr int64_t LONGEST_SPAN = 10000;
-// Nor are values where so many begin with what is typed.
+// Where more begin with what is typed, beginnings are offered.
 constexpr size_t MOST_VALUES = 100;
 // As many commits as undo is offered.
 constexpr uint32_t LAST_COMMITS = 20;
@@ -163,20 +162,19 @@ class Offers {
     for (const Assignment& translation : definition.translations) {
       if (isAllowed(state, translation.value)) all.push_back(translation.name);
     }
-    for (const Span& span : state.spans) addNumbers(span, text, all);
     std::erase_if(all, [&](const std::string& value) { return !value.starts_with(text); });
-    if (all.size() > MOST_VALUES) return {};
-    for (std::string& value : all) value.insert(0, name + "=");
-    return {.words = std::move(all)};
+    Candidates offered = withNumbers(narrowed(std::move(all)), state.spans, text);
+    for (std::string& value : offered.words) value.insert(0, name + "=");
+    return offered;
   }
 
-  static void addNumbers(const Span& span, const std::string& text, Words& all) {
-    const auto [low, high] = span;
-    if (int64_t{high} - low > LONGEST_SPAN) return;
-    for (int64_t number = low; number <= high; ++number) {
-      std::string value = std::to_string(number);
-      if (value.starts_with(text)) all.push_back(std::move(value));
-    }
+  static Candidates withNumbers(Candidates offered, const std::vector<Span>& spans,
+                                const std::string& text) {
+    const bool isLong = countNumbers(spans, text) > MOST_VALUES;
+    std::ranges::move(isLong ? numberBeginnings(spans, text) : numbersFrom(spans, text),
+                      std::back_inserter(offered.words));
+    offered.isWhole = offered.isWhole && !isLong;
+    return offered;
   }
 
   Service& service_;

@@ -338,9 +338,9 @@ TEST_F(CtlTest, UnlocksControls) {
               "rw (not now)  picture_gain[2]  1000   0..2000  1000     171\n"},
       {.line = "ctl why test_pattern_speed | tail -1",
        .out = "to make it writable: ostrelctl set test_pattern=zone_plate\n"},
-      {.line = "ctl why wss_mode | tail -1",
-       .out = "to make it writable: ostrelctl set output_standard=625i/50  # this also changes "
-              "h_active, h_total, switch_line and 3 more\n"},
+      {.line = "ctl why wss_mode | tail -2",
+       .out = "to make it writable: ostrelctl set output_standard=625i/50\n"
+              "  this also changes h_active, h_total, switch_line and 3 more\n"},
       // Two changes are needed: the mode, and fewer groups that share the memory.
       {.line = "ctl why 'audio_delay[1][1]=3000' | tail -1",
        .out = "to have it stored: ostrelctl set audio_delay_mode=manual embed_groups=2 "
@@ -387,8 +387,8 @@ TEST_F(CtlTest, NamesTheOtherEffectsOfAnUnlock) {
       {.line = "ctl up -q"},
       {.line = "ctl why mask=12 | tail -1",
        .out = "to have it stored: ostrelctl set ip=0 mask=12\n"},
-      {.line = "ctl why mask | tail -1",
-       .out = "to make it writable: ostrelctl set ip=0  # this also changes mask\n"},
+      {.line = "ctl why mask | tail -2",
+       .out = "to make it writable: ostrelctl set ip=0\n  this also changes mask\n"},
   });
 }
 
@@ -401,16 +401,30 @@ TEST_F(CtlTest, NamesBoundsThatShareNoValue) {
                             "it has no default\n";
   expectLines({
       {.line = "ctl -q set g=1 2>/dev/null", .status = 1},
-      {.line = "ctl why p | sed '$d'", .out = "p is \"\"\n" + state},
+      {.line = "ctl why p | head -n 6", .out = "p is \"\"\n" + state},
       {.line = "ctl why p=7", .out = "p is \"\"\n7 is refused in every situation\n" + state},
       {.line = "ctl why p=2",
        .out = "p is \"\"\n2 would be refused\n" + state +
               "to have it stored: ostrelctl set g=0 p=2\n"},
-      {.line = "ctl why p | sed -n '$s/  *#.*//p'",
-       .out = "to make it writable: ostrelctl set g=0\n"},
+      {.line = "ctl why p | tail -n 2",
+       .out = "to make it writable: ostrelctl set g=0\n  this also changes p\n"},
       {.line = "ctl ls -li p | tail -n 1",
        .out = "rw (not now)  p     \"\"     unknown  -        2\n"},
       {.line = "ctl set g=0 p=2", .out = "g = 0\np = 2\n"},
+  });
+}
+
+// The command is one for bash and zsh.
+TEST_F(CtlTest, ShowsCommandsWithoutUnprintableCharacters) {
+  serve(
+      "key rw { rangeValid { \"off\", \"a\tb'\x1b[31mc\" } default { \"off\" } }\n"
+      "door rw { ctrlRO (key == \"off\") rangeValid { 0..9 } }\n");
+  expectLines({
+      {.line = "ctl reset -q key; ctl why door | sed -n '$s/.*: //p'",
+       .out = "ostrelctl set $'key=a\\tb\\'\\x1b[31mc'\n"},
+      {.line = "line=$(ctl why door | sed -n '$s/.*: ostrelctl//p'); bash -c \"'$0' -q $line\"; "
+               "ctl get key -z | tr '\\0' '\\n' | sed -n l",
+       .out = "a\\tb'\\033[31mc$\n"},
   });
 }
 
@@ -471,10 +485,10 @@ class ShownUnlocksTest : public CtlTest {
   void expectUnlock(const ShownUnlock& unlock) {
     const std::string goal = unlock.goal;
     expectLines({{.line = "for i in 1 2; do ctl reset -q --status '*'; done; ctl why " + goal +
-                          " | sed -n 's/[0-9]* trials*$/N trials/; s/  #.*//; /^to\\|^no/p'",
+                          " | sed -n 's/[0-9]* trials*$/N trials/; /^to\\|^no/p'",
                   .out = unlock.shown + "\n"}});
     if (unlock.value == nullptr) return;
-    // As somebody pastes it, with what is said behind it.
+    // As somebody pastes it.
     const std::string line =
         "\"$(ctl why " + goal + " | sed -n 's/ostrelctl/ctl -q/g; s/^to [^:]*: //p')\"";
     expectLines({{.line = "eval " + line + " && ctl get " + goal.substr(0, goal.find('=')),

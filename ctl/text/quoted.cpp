@@ -114,6 +114,10 @@ std::string quotedAssignment(std::string_view name, std::string_view value) {
 std::string printableText(std::string_view text) { return escaped(text, {}); }
 
 std::string shellWord(const std::string& text) {
+  return hasUnprintable(text) ? "$'" + escaped(text, "'\\") + "'" : scriptWord(text);
+}
+
+std::string scriptWord(const std::string& text) {
   if (!text.empty() && std::ranges::all_of(text, isShellLetter)) return text;
   gchar* const quoted = g_shell_quote(text.c_str());
   std::string word = quoted;

@@ -61,10 +61,24 @@ TEST(PrintableText, KeepsItsOwnQuotes) {
 }
 
 TEST(ShellWord, IsOneWord) {
-  EXPECT_EQ(shellWord("mode=720p/50"), "mode=720p/50");
-  EXPECT_EQ(shellWord("position[1]=5"), "'position[1]=5'");
-  EXPECT_EQ(shellWord("it's"), R"('it'\''s')");
-  EXPECT_EQ(shellWord(""), "''");
+  const struct {
+    const char* text;
+    const char* shown;
+    const char* script;
+  } cases[] = {
+      {"mode=720p/50", "mode=720p/50", "mode=720p/50"},
+      {"position[1]=5", "'position[1]=5'", "'position[1]=5'"},
+      {"it's", R"('it'\''s')", R"('it'\''s')"},
+      {"", "''", "''"},
+      {"grün", "'grün'", "'grün'"},
+      {"a\nb\tc\rd", R"($'a\nb\tc\rd')", "'a\nb\tc\rd'"},
+      {"\x1b[31m'\\", R"($'\x1b[31m\'\\')", "'\x1b[31m'\\''\\'"},
+      {"\xe2\x80\xae", R"($'\xe2\x80\xae')", "'\xe2\x80\xae'"},  // turns the rest of the line
+  };
+  for (const auto& [text, shown, script] : cases) {
+    EXPECT_EQ(shellWord(text), shown);
+    EXPECT_EQ(scriptWord(text), script);
+  }
 }
 
 }  // namespace

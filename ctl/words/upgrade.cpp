@@ -282,7 +282,7 @@ int upgrade(Client& client, UpgradeArguments arguments) {
   if (arguments.text.empty()) arguments.text = start + ".ostrel";
   if (arguments.constants.empty()) arguments.constants = start + ".conf";
   if (arguments.restart.empty()) {
-    arguments.restart = "systemctl --user restart ostrel@" + shellWord(arguments.instance);
+    arguments.restart = "systemctl --user restart ostrel@" + scriptWord(arguments.instance);
   }
   return Upgrade(client, arguments).run();
 }

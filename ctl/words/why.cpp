@@ -58,15 +58,15 @@ std::string setCommand(const Client& client, const std::vector<Assignment>& chan
   return command;
 }
 
-// A comment for the shell, so that the line can be pasted. That the parameter itself changes is
-// what was wanted.
-std::string effectsText(const std::vector<Change>& effects, const UnlockGoal& goal) {
+// A line of its own, so that the one with the command can be pasted. That the parameter itself
+// changes is what was wanted.
+void addEffects(const std::vector<Change>& effects, const UnlockGoal& goal, Answer& answer) {
   Names names;
   for (const Change& effect : effects) {
     if (!goal.value || effect.name != goal.name) names.push_back(effect.name);
   }
-  if (names.empty()) return {};
-  return "  # this also changes " + namesText(names, MOST_SHOWN);
+  if (names.empty()) return;
+  answer.lines.push_back("  this also changes " + namesText(names, MOST_SHOWN));
 }
 
 std::string commandsOf(const Client& client, const Unlock& unlock) {
@@ -94,8 +94,8 @@ void addUnlocks(Client& client, const UnlockGoal& goal, const std::vector<Reason
   for (size_t i = 0; i < search.found.size(); ++i) {
     answer.json["unlocks"].push_back(jsonOf(search.found[i]));
     if (i >= MOST_SHOWN) continue;
-    answer.lines.push_back(start + commandsOf(client, search.found[i]) +
-                           effectsText(search.found[i].effects, goal));
+    answer.lines.push_back(start + commandsOf(client, search.found[i]));
+    addEffects(search.found[i].effects, goal, answer);
     start = "or: ";
   }
 }

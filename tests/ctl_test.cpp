@@ -754,6 +754,33 @@ TEST_F(CtlTest, SaysWhereThereIsNoService) {
   resume();
 }
 
+// The service passes over a bracket that is not closed, and over what is behind the last one.
+TEST_F(CtlTest, RefusesWrongBrackets) {
+  servePicture();
+  const std::string open = "a \"[\" has no \"]\"\n";
+  expectLines({
+      {.line = "ctl ls '['", .err = "The pattern \"[\" is wrong: " + open, .status = 2},
+      {.line = "ctl watch '['", .err = "watch: PATTERN: \"[\": " + open, .status = 2},
+      {.line = "ctl get 'position['", .err = "get: NAME: \"position[\": " + open, .status = 2},
+      {.line = "ctl get mode 'position[1'",
+       .err = "get: NAME: \"position[1\": " + open,
+       .status = 2},
+      {.line = "ctl get 'position[1]x'",
+       .err = "get: NAME: \"position[1]x\": there is more behind a \"]\"\n",
+       .status = 2},
+      {.line = "ctl set 'position[=5'",
+       .err = "set: NAME=VALUE: \"position[\": " + open,
+       .status = 2},
+      {.line = "ctl range --with 'position[=5' mode",
+       .err = "range: --with: \"position[\": " + open,
+       .status = 2},
+      {.line = "ctl why 'position[1'",
+       .err = "why: NAME[=VALUE]: \"position[1\": " + open,
+       .status = 2},
+      {.line = "ctl get 'position[*'", .out = "position[1]=960\nposition[2]=960\n"},
+  });
+}
+
 TEST_F(CtlTest, RefusesWrongCommandLines) {
   expectLines({
       {.line = "ctl", .err = "no word is given; ostrelctl --help lists them\n", .status = 2},

@@ -30,6 +30,16 @@ std::optional<Assignment> assignmentOf(std::string_view text) {
   return Assignment{std::string(text.substr(0, sign)), std::string(text.substr(sign + 1))};
 }
 
+std::string_view faultOfBrackets(std::string_view name) {
+  for (size_t open = name.find('['); open < name.size();) {
+    const size_t close = name.find(']', open);
+    if (close == std::string_view::npos) return "a \"[\" has no \"]\"";
+    open = close + 1;
+    if (open < name.size() && name[open] != '[') return "there is more behind a \"]\"";
+  }
+  return {};
+}
+
 std::string_view baseOf(std::string_view name) { return name.substr(0, name.find('[')); }
 
 size_t indexCountOf(std::string_view name) {

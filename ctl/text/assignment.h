@@ -14,6 +14,10 @@ size_t signOfAssignment(std::string_view text);
 /// The two parts of NAME=VALUE; nullopt where there is no "=", or no name. The value may be empty.
 std::optional<Assignment> assignmentOf(std::string_view text);
 
+/// What is wrong with the brackets of a full name, for people; empty where each "[" has its "]" and
+/// only another "[" is behind that. The service passes over the rest.
+std::string_view faultOfBrackets(std::string_view name);
+
 /// The name before the index values: "gain" of "gain[2]".
 std::string_view baseOf(std::string_view name);
 /// How many index values follow the base name.

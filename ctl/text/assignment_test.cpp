@@ -65,4 +65,29 @@ TEST(SameValue, IsTheSameTextOrNumber) {
   EXPECT_FALSE(isSameValue("a", "b"));
 }
 
+TEST(FaultOfBrackets, IsWhatTheServicePassesOver) {
+  const char* const open = "a \"[\" has no \"]\"";
+  const char* const behind = "there is more behind a \"]\"";
+  const struct {
+    const char* name;
+    const char* fault;
+  } cases[] = {
+      {"", ""},
+      {"gain", ""},
+      {"gain[2]", ""},
+      {"gain[2][left]", ""},
+      {"gain[]", ""},
+      {"gain[[1]", ""},  // the index value "[1"
+      {"gain]", ""},     // a base name
+      {"[1]", ""},
+      {"gain[", open},
+      {"gain[1", open},
+      {"gain[1][", open},
+      {"gain[1]x", behind},
+      {"gain[1]]", behind},
+      {"gain[1]x[2]", behind},
+  };
+  for (const auto& [name, fault] : cases) EXPECT_EQ(faultOfBrackets(name), fault) << name;
+}
+
 }  // namespace

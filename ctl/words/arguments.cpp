@@ -37,6 +37,7 @@ Texts markedArguments(int argc, char** argv) {
 void addTexts(CLI::App& word, const std::string& name, Texts& texts, const std::string& help,
               bool isOptional) {
   CLI::Option* const option = word.add_option(name, texts, help)->transform(unmarked);
+  option->check(correctBrackets(name.find('=') != std::string::npos));
   option->type_name("")->expected(isOptional ? 0 : 1, -1);
   if (!isOptional) option->required();
 }
@@ -49,6 +50,7 @@ CLI::Option* addText(CLI::App& word, const std::string& name, std::string& text,
 void addRepeated(CLI::App& word, const std::string& name, Texts& texts, const std::string& help) {
   word.add_option(name, texts, help)
       ->transform(unmarked)
+      ->check(correctBrackets(true))
       ->expected(1)
       ->allow_extra_args(false)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
@@ -57,6 +59,16 @@ void addRepeated(CLI::App& word, const std::string& name, Texts& texts, const st
 
 void addWith(CLI::App& word, Texts& texts) {
   addRepeated(word, "--with", texts, "As it would be after setting this; may be repeated");
+}
+
+CLI::Validator correctBrackets(bool isAssignment) {
+  const auto faultOf = [isAssignment](const std::string& text) -> std::string {
+    const size_t sign = isAssignment ? signOfAssignment(text) : std::string::npos;
+    const std::string name = text.substr(0, sign);
+    const std::string_view fault = isNamePattern(name) ? "" : faultOfBrackets(name);
+    return fault.empty() ? "" : "\"" + name + "\": " + std::string(fault);
+  };
+  return {faultOf, ""};
 }
 
 CLI::Validator wholeNumber(uint32_t least, uint32_t most) {

@@ -16,7 +16,8 @@ using Texts = std::vector<std::string>;
 /// The arguments as CLI11 may see them, the program's name left out.
 Texts markedArguments(int argc, char** argv);
 
-/// Adds the arguments of a word: one or more, or any number where they are `optional`.
+/// Adds the names that are the arguments of a word: one or more, or any number where they are
+/// `optional`. Where `name` has a "=", they are assignments. Wrong brackets are a fault of the line.
 void addTexts(CLI::App& word, const std::string& name, Texts& texts, const std::string& help,
               bool isOptional = false);
 /// Adds an argument of a word.
@@ -24,8 +25,11 @@ CLI::Option* addText(CLI::App& word, const std::string& name, std::string& text,
                      const std::string& help);
 /// Adds an option that may be given several times.
 void addRepeated(CLI::App& word, const std::string& name, Texts& texts, const std::string& help);
-/// Adds --with NAME=VALUE.
+/// Adds --with NAME=VALUE; as addTexts().
 void addWith(CLI::App& word, Texts& texts);
+
+/// Accepts names with correct brackets, and patterns of names, or assignments to them.
+CLI::Validator correctBrackets(bool isAssignment);
 
 /// Accepts the decimal numbers from `least` to `most`, and says so of others: the conversion of
 /// CLI11 takes other notations too, and names no range.

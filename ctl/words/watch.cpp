@@ -154,7 +154,8 @@ int watch(Client& client, const WatchArguments& arguments) {
 
 RunWord defineWatch(CLI::App& word) {
   const auto arguments = std::make_shared<WatchArguments>();
-  addText(word, "PATTERN", arguments->pattern, "Only names that fit it; * and ? fit several");
+  addText(word, "PATTERN", arguments->pattern, "Only names that fit it; * and ? fit several")
+      ->check(correctBrackets(false));
   word.add_flag("--limits", arguments->hasLimits, "Also whose limits may be others");
   word.add_flag("--time", arguments->hasTime, "With the time of each");
   return [arguments](Client& client) { return watch(client, *arguments); };

@@ -79,6 +79,8 @@ TEST_F(ParametersInterfaceTest, ListGivesDefinitionsByPattern) {
       {"List('b*')", "[('boost', 'rw', [], 17, 1), ('broken', 'rw', [], 23, 2)]"},
       {"ListNames('?o*', @as [])", "['boost', 'double', 'lock', 'mode']"},
       {"ListNames('', ['index', 'wo'])", "['input', 'order', 'side']"},
+      {"ListNames('', ['index', 'nonsense', ''])", "['input', 'side']"},
+      {"ListNames('', ['nonsense'])", "[]"},
       {"List('?ate')", "[('rate', 'rw', [], 5, 1)]"},
       {"List('[io]*')", "[('input', 'index', [], 19, 0), ('order', 'wo', [], 15, 0)]"},
       {"List('[!a-l]*')",

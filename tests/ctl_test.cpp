@@ -754,6 +754,29 @@ TEST_F(CtlTest, SaysWhereThereIsNoService) {
   resume();
 }
 
+// A bus may limit the calls of a client that wait for their replies, as that of the system does.
+class CtlLimitedBusTest : public CtlTest {
+ protected:
+  CtlLimitedBusTest() : CtlTest({.limits = {{"max_replies_per_connection", 110}}}) {}
+};
+
+TEST_F(CtlLimitedBusTest, MakesManyCalls) {
+  serve("i index { rangeValid { 1..500 } }\ngain rw { index { i } rangeValid { 0..9 } }\n");
+  expectLines({
+      {.line = "ctl set $(seq -f 'gain[%g]=3' 500) | tail -n 1", .out = "gain[500] = 3\n"},
+      {.line = "ctl set $(seq -f 'gain[%g]=4' 499) 'gain[500]=x'",
+       .err = "cannot set gain[500] to x: it takes 0..9\n",
+       .status = 1},
+      {.line = "ctl ls -li | grep -c 0..9", .out = "500\n"},
+      {.line = "ctl transactions"},
+  });
+  pause();
+  expectLines({{.line = "ctl --no-wait --timeout 1 deps $(seq -f 'gain[%g]' 500)",
+                .err = "no service: org.tavrel.transaction does not reply to get_deps within 1 s\n",
+                .status = 3}});
+  resume();
+}
+
 // The service passes over a bracket that is not closed, and over what is behind the last one.
 TEST_F(CtlTest, RefusesWrongBrackets) {
   servePicture();

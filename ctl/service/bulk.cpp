@@ -1,7 +1,5 @@
 #include "ctl/service/bulk.h"
 
-#include <algorithm>
-
 #include "ctl/service/calls.h"
 #include "ctl/service/exit_status.h"
 
@@ -9,9 +7,6 @@ namespace {
 
 constexpr BusMethod SET_BULK = {TRANSACTION_INTERFACE, "set_bulk", "()"};
 constexpr BusMethod SET_STATUS_BULK = {TRANSACTION_INTERFACE, "set_status_bulk", "()"};
-
-// A bus may limit the calls of a connection that wait for their replies.
-constexpr size_t MOST_CALLS = 100;
 
 BusCall valuesCall(uint32_t transaction, const std::vector<Assignment>& assignments,
                    bool isStatus) {
@@ -69,20 +64,16 @@ std::vector<Refusal> stageValues(Service& service, uint32_t transaction,
 
 std::vector<Refusal> commitDefaultsAlone(Service& service, uint32_t transaction,
                                          const Names& names) {
+  std::vector<BusCall> calls;
+  for (const std::string& name : names) {
+    calls.push_back({RESET_STATUS_BULK, withNames(transaction, {name})});
+    calls.push_back({COMMIT, g_variant_new("(u)", transaction)});
+  }
+  const auto errors = inOrder(service, calls);
   std::vector<Refusal> refused;
-  for (size_t begin = 0; begin < names.size(); begin += MOST_CALLS / 2) {
-    const size_t end = std::min(names.size(), begin + MOST_CALLS / 2);
-    std::vector<BusCall> calls;
-    for (size_t i = begin; i < end; ++i) {
-      calls.push_back({RESET_STATUS_BULK, withNames(transaction, {names[i]})});
-      calls.push_back({COMMIT, g_variant_new("(u)", transaction)});
-    }
-    const auto errors = inOrder(service, calls);
-    for (size_t i = begin; i < end; ++i) {
-      const size_t at = (i - begin) * 2;
-      const auto& error = errors[at] ? errors[at] : errors[at + 1];
-      if (error) refused.push_back({names[i], *error});
-    }
+  for (size_t i = 0; i < names.size(); ++i) {
+    const auto& error = errors[2 * i] ? errors[2 * i] : errors[2 * i + 1];
+    if (error) refused.push_back({names[i], *error});
   }
   return refused;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 
 namespace {
 
@@ -48,11 +49,23 @@ std::string errorNameOf(const GError& error) {
   return std::string(BUS_ERROR) + (isLate ? "NoReply" : isClosed ? "Disconnected" : "Failed");
 }
 
+// Whether nobody has answered, or not in time.
+bool isSilence(std::string_view errorName) {
+  if (!errorName.starts_with(BUS_ERROR)) return false;
+  const std::string_view kind = errorName.substr(BUS_ERROR.size());
+  return isAmong(kind, NO_OWNER) || isAmong(kind, NO_REPLY);
+}
+
+// More calls that wait would only be slower, and a bus may limit them.
+constexpr size_t MOST_WAITING = 100;
+
 // Calls that wait for their replies.
 struct Waiting {
-  std::vector<std::pair<GVariant*, GError*>> replies;
-  size_t missing;
-  size_t last = 0;  // the call whose reply has come last
+  std::function<BusReply(size_t number, GVariant* value, GError* error)> read;
+  std::vector<BusReply> replies;
+  size_t missing = 0;                     // replies to what has been sent
+  size_t last = 0;                        // the call whose reply has come last
+  std::optional<size_t> silentCall = {};  // one that nobody has answered
 };
 struct WaitingCall {
   Waiting* waiting;
@@ -61,10 +74,20 @@ struct WaitingCall {
 
 void takeReply(GObject* connection, GAsyncResult* result, gpointer data) {
   const auto& call = *static_cast<WaitingCall*>(data);
-  auto& [value, error] = call.waiting->replies[call.number];
-  value = g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), result, &error);
-  --call.waiting->missing;
-  call.waiting->last = call.number;
+  Waiting& waiting = *call.waiting;
+  GError* error = nullptr;
+  GVariant* const value =
+      g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), result, &error);
+  waiting.replies[call.number] = waiting.read(call.number, value, error);
+  if (isSilence(waiting.replies[call.number].errorName)) waiting.silentCall = call.number;
+  --waiting.missing;
+  waiting.last = call.number;
+}
+
+void dropArguments(const BusCall& call) {
+  if (call.arguments == nullptr) return;
+  g_variant_ref_sink(call.arguments);
+  g_variant_unref(call.arguments);
 }
 
 constexpr BusMethod WAIT_READY = {PARAMETERS_INTERFACE, "WaitReady", "()"};
@@ -158,29 +181,41 @@ std::vector<BusReply> Bus::callAll(const std::vector<BusCall>& calls) {
   return mustWait_ ? callWhenReady(calls) : callInOrder(calls);
 }
 
+// The timeout of each call begins as it is sent. Once nobody has answered one, those that have not
+// been sent end as it has.
 std::vector<BusReply> Bus::callInOrder(const std::vector<BusCall>& calls, bool* isFirstLast) {
-  Waiting waiting = {.replies = {calls.size(), {nullptr, nullptr}}, .missing = calls.size()};
-  std::vector<WaitingCall> each;
-  each.reserve(calls.size());
+  Waiting waiting = {.read = [&](size_t number, GVariant* value,
+                                 GError* error) { return replyOf(calls[number], value, error); },
+                     .replies = std::vector<BusReply>(calls.size())};
+  std::vector<WaitingCall> sent;
+  sent.reserve(calls.size());
   GMainContext* const context = g_main_context_new();
   g_main_context_push_thread_default(context);
-  for (const BusCall& call : calls) {
-    each.push_back({&waiting, each.size()});
-    const BusMethod& method = call.method;
-    g_dbus_connection_call(connection_, destination_.c_str(), path(method.interface).c_str(),
-                           interfaceName(method.interface), method.name, call.arguments,
-                           G_VARIANT_TYPE(method.replyType), flagsOf(method),
-                           options_.timeout * 1000, nullptr, takeReply, &each.back());
+  const auto isMoreToSend = [&] { return sent.size() < calls.size() && !waiting.silentCall; };
+  while (isMoreToSend() || waiting.missing > 0) {
+    while (isMoreToSend() && waiting.missing < MOST_WAITING) {
+      sent.push_back({&waiting, sent.size()});
+      ++waiting.missing;
+      sendWaiting(calls[sent.size() - 1], takeReply, &sent.back());
+    }
+    g_main_context_iteration(context, TRUE);
   }
-  while (waiting.missing > 0) g_main_context_iteration(context, TRUE);
   g_main_context_pop_thread_default(context);
   g_main_context_unref(context);
   if (isFirstLast != nullptr) *isFirstLast = waiting.last == 0;
-  std::vector<BusReply> replies;
-  for (size_t i = 0; i < calls.size(); ++i) {
-    replies.push_back(replyOf(calls[i], waiting.replies[i].first, waiting.replies[i].second));
+  for (size_t i = sent.size(); i < calls.size(); ++i) {
+    dropArguments(calls[i]);
+    waiting.replies[i] = errorOf(waiting.replies[*waiting.silentCall]);
   }
-  return replies;
+  return std::move(waiting.replies);
+}
+
+void Bus::sendWaiting(const BusCall& call, GAsyncReadyCallback taken, gpointer data) {
+  const BusMethod& method = call.method;
+  g_dbus_connection_call(connection_, destination_.c_str(), path(method.interface).c_str(),
+                         interfaceName(method.interface), method.name, call.arguments,
+                         G_VARIANT_TYPE(method.replyType), flagsOf(method), options_.timeout * 1000,
+                         nullptr, taken, data);
 }
 
 // Questions are sent right behind the call that waits, which costs no round trip: the service

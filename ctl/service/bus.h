@@ -77,7 +77,8 @@ class Bus {
   /// Calls a method and waits for its reply. The first call first waits until the device is ready,
   /// and lets the bus start the service.
   BusReply call(const BusCall& call);
-  /// Makes all calls before it waits for the first reply. The replies have the order of the calls.
+  /// Makes the calls in their order, and waits for no reply before the next call as long as few
+  /// wait. The replies have the order of the calls.
   std::vector<BusReply> callAll(const std::vector<BusCall>& calls);
   /// Calls a method that nobody waits for.
   void send(const BusCall& call);
@@ -102,6 +103,7 @@ class Bus {
  private:
   Bus(GDBusConnection* connection, const BusOptions& options);
   std::vector<BusReply> callInOrder(const std::vector<BusCall>& calls, bool* isFirstLast = nullptr);
+  void sendWaiting(const BusCall& call, GAsyncReadyCallback taken, gpointer data);
   std::vector<BusReply> callWhenReady(const std::vector<BusCall>& calls);
   VariantHolder askBus(const char* method, const char* type, const std::string& name);
   BusReply replyOf(const BusCall& call, GVariant* value, GError* error) const;

@@ -22,8 +22,8 @@ std::string quotedAssignment(std::string_view name, std::string_view value);
 /// is written as within quotes.
 std::string printableText(std::string_view text);
 
-/// `text` as an argument of a command line that is shown: what cannot be printed is in $'...', which
-/// bash and zsh read.
+/// `text` as an argument of a command line that is shown: what cannot be printed is in $'...',
+/// which bash and zsh read.
 std::string shellWord(const std::string& text);
 
 /// `text` as an argument of a command that any shell is given.

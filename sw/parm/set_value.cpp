@@ -1,9 +1,7 @@
 #include "sw/parm/set_value.h"
 
 #include <algorithm>
-#include <set>
 #include <utility>
-#include <vector>
 
 #include "base/number.h"
 #include "base/system_log.h"
@@ -127,23 +125,16 @@ SetCode correct(const Setting& set, std::string& value) {
   return correctByBounds(set.parm, value, set.situation) ? SET_STORED : SET_INVALID_VALUE;
 }
 
-// The ends of the spans, and the texts: where two bounds share a value, they share one of these.
-void addEnds(const BoundsParm& bounds, std::vector<std::string>& values) {
-  for (const Span& span : bounds.integers().spans()) {
-    values.push_back(numberText(span.first));
-    values.push_back(numberText(span.second));
-  }
-  const std::set<std::string>& texts = bounds.strings().texts();
-  values.insert(values.end(), texts.begin(), texts.end());
-}
-
-// Values of which one is taken where any is: the ends of all bounds, and what is translated.
-std::vector<std::string> tellingValues(const ParmDef& parm, const PresentBounds& present) {
-  std::vector<std::string> values;
-  for (const BoundsParm* const bounds : present.applying()) addEnds(*bounds, values);
-  addEnds(parm.baseBounds(), values);
-  for (const auto& translation : parm.translations()) values.push_back(translation.first);
-  return values;
+// Whether one of the ends of the spans or of the texts is taken. Where two bounds share a value,
+// they share one of these.
+template <typename IsTaken>
+bool isAnyEndTaken(const BoundsParm& bounds, const IsTaken& isTaken) {
+  return std::ranges::any_of(bounds.integers().spans(),
+                             [&](const Span& span) {
+                               return isTaken(numberText(span.first)) ||
+                                      isTaken(numberText(span.second));
+                             }) ||
+         std::ranges::any_of(bounds.strings().texts(), isTaken);
 }
 
 // Stores a corrected value, unless the instance holds that text already. `held` is where the value
@@ -181,11 +172,17 @@ bool takesAnyValue(const ParmDef& parm, const Situation& situation) {
   if (parm.hasConstraints() || parm.baseBounds().count() == 0) return true;
   if (parm.conditionalBounds().empty()) return true;
   const PresentBounds present(parm.conditionalBounds(), situation, UNUSABLE_ACCEPTS);
-  return std::ranges::any_of(tellingValues(parm, present), [&](std::string value) {
+  const auto isTaken = [&](std::string value) {
     Work::add(parm.askingWork() + WORK_PER_VALUE_BYTE * value.size());
     if (!parm.checkBase(value)) return false;
     static_cast<void>(correctByBase(parm, value));
     static_cast<void>(present.judge(value));
     return isLeftInBase(parm, value);
-  });
+  };
+  return std::ranges::any_of(
+             present.applying(),
+             [&](const BoundsParm* bounds) { return isAnyEndTaken(*bounds, isTaken); }) ||
+         isAnyEndTaken(parm.baseBounds(), isTaken) ||
+         std::ranges::any_of(parm.translations(),
+                             [&](const auto& translation) { return isTaken(translation.first); });
 }

@@ -136,9 +136,11 @@ class Agreement {
     Texts calls;
     for (size_t count = 1 + below(4); count > 0; --count) {
       const std::string name = quoted(oneOf(all));
-      const std::string method = oneOf({"set", "set_status", "set", "reset_status"});
-      calls.push_back(method + "(ID, " + name +
-                      (method == "reset_status" ? ")" : ", " + quoted(oneOf(values_)) + ")"));
+      std::string call = oneOf({"set", "set_status", "set", "reset_status"});
+      const bool isReset = call == "reset_status";
+      call.append("(ID, ").append(name);
+      if (!isReset) call.append(", ").append(quoted(oneOf(values_)));
+      calls.push_back(call.append(")"));
     }
     return calls;
   }

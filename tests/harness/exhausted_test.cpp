@@ -81,6 +81,8 @@ void ExhaustedTest::startDaemon() {
 
 std::string ExhaustedTest::answerAfter(long successes, long failures, const std::string& call,
                                        bool& isMet) {
+  // What the service does behind the answer to the call before is done then.
+  EXPECT_TRUE(client_.answer("single_get('seen')").starts_with('\''));
   plan_.begin(successes, failures);
   std::string answer = client_.answer(call);
   isMet = plan_.end();

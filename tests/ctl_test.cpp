@@ -174,6 +174,22 @@ TEST_F(CtlTest, KeepsTextsAsTheyAre) {
   });
 }
 
+TEST_F(CtlTest, GetsTheInstancesThatThereWouldBe) {
+  serve(
+      "inputs rw { rangeValid { 1..4 } default { 2 } }\n"
+      "input index { rangeValid { 1..4 } rangeValid (inputs > 0) { 1..(inputs) } }\n"
+      "gain rw { index { input } rangeValid { 0..9 } default { 5 } }\n");
+  expectLines({
+      {.line = "ctl -q up; ctl get gain", .out = "gain[1]=5\ngain[2]=5\n"},
+      {.line = "ctl get --with inputs=3 gain inputs",
+       .out = "gain[1]=5\ngain[2]=5\ngain[3]=\ninputs=3\n"},
+      {.line = "ctl get --with inputs=1 'gain*'", .out = "gain[1]=5\n"},
+      {.line = "ctl get --with 'gain[3]=7' --with inputs=3 gain",
+       .out = "gain[1]=5\ngain[2]=5\ngain[3]=7\n"},
+      {.line = "ctl -q set inputs=3; ctl get gain", .out = "gain[1]=5\ngain[2]=5\ngain[3]=\n"},
+  });
+}
+
 TEST_F(CtlTest, AnswersWhatIf) {
   servePicture();
   expectLines({

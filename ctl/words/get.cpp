@@ -15,16 +15,25 @@ struct GetArguments {
   Texts with;
 };
 
-// The values that a commit of `with` would leave, of those that it would change.
-std::map<std::string, std::string> changedValues(Client& client, const Texts& with) {
-  std::map<std::string, std::string> values;
-  if (with.empty()) return values;
+// The instances that a commit of `with` would leave, with their values then.
+AskedStates statesAfter(Client& client, const Names& names, const Texts& with) {
   const OwnTransaction transaction(client.service);
   stage(client, transaction.id(), assignmentsOf(with));
+  std::map<std::string, std::string> changed;
   for (const Change& change : previewAccepted(client, transaction.id()).changes) {
-    values[change.name] = change.after;
+    changed[change.name] = change.after;
   }
-  return values;
+  AskedStates asked = findStates(client, transaction.id(), names);
+  if (asked.states.empty()) return asked;
+  // A transaction sees what is staged, before it is cut.
+  Names found;
+  for (const InstanceState& state : asked.states) found.push_back(state.name);
+  const std::vector<InstanceState> now = client.service.states(COMMITTED, found);
+  for (size_t i = 0; i < now.size(); ++i) {
+    const auto change = changed.find(now[i].name);
+    asked.states[i].value = change == changed.end() ? now[i].value : change->second;
+  }
+  return asked;
 }
 
 // Takes those names out of `unknown` that are constants, and adds their values.
@@ -58,14 +67,9 @@ void print(const Output& out, const AskedStates& asked) {
 }
 
 int get(Client& client, const GetArguments& arguments) {
-  const std::map<std::string, std::string> changed = changedValues(client, arguments.with);
-  AskedStates asked = findStates(client, COMMITTED, arguments.names);
+  AskedStates asked = arguments.with.empty() ? findStates(client, COMMITTED, arguments.names)
+                                             : statesAfter(client, arguments.names, arguments.with);
   findConstants(client, asked);
-  for (InstanceState& state : asked.states) {
-    if (const auto found = changed.find(state.name); found != changed.end()) {
-      state.value = found->second;
-    }
-  }
   print(client.out, asked);
   complainOfUnknown(client, asked.unknown);
   return asked.unknown.empty() ? STATUS_DONE : STATUS_UNKNOWN;

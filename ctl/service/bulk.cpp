@@ -62,6 +62,12 @@ std::vector<Refusal> stageValues(Service& service, uint32_t transaction,
   return service.set(transaction, doubtful, isStatus);
 }
 
+void stageTaken(Service& service, uint32_t transaction, const std::vector<Assignment>& assignments,
+                bool isStatus) {
+  // The error would be of those that are refused.
+  static_cast<void>(inOrder(service, {valuesCall(transaction, assignments, isStatus)}));
+}
+
 std::vector<Refusal> commitDefaultsAlone(Service& service, uint32_t transaction,
                                          const Names& names) {
   std::vector<BusCall> calls;

@@ -26,6 +26,10 @@ BulkAnswer commitValues(Service& service, uint32_t transaction,
 std::vector<Refusal> stageValues(Service& service, uint32_t transaction,
                                  const std::vector<Assignment>& assignments, bool isStatus);
 
+/// Stages those of the values that are not refused at once.
+void stageTaken(Service& service, uint32_t transaction, const std::vector<Assignment>& assignments,
+                bool isStatus);
+
 /// Commits each of the defaults by itself, so that none keeps another from it. Returns those that
 /// are refused.
 std::vector<Refusal> commitDefaultsAlone(Service& service, uint32_t transaction,

@@ -249,6 +249,14 @@ std::vector<InstanceState> Service::states(uint32_t transaction, const Names& na
   return eachOf(*ask(GET_STATE, withNames(transaction, names)), 0, stateOf);
 }
 
+std::optional<std::vector<InstanceState>> Service::tryStates(uint32_t transaction,
+                                                             const Names& names) {
+  const BusReply reply = bus_.call({GET_STATE, withNames(transaction, names)});
+  if (reply.outcome == BUS_NO_SERVICE) giveUp(reply);
+  if (reply.outcome != BUS_ANSWERED) return std::nullopt;
+  return eachOf(*reply.value, 0, stateOf);
+}
+
 std::vector<std::vector<Reason>> Service::explain(uint32_t transaction, const Names& names) {
   const auto replies = askAll(callsFor(EXPLAIN, names, [&](const std::string& name) {
     return g_variant_new("(us)", transaction, name.c_str());

@@ -35,6 +35,9 @@ class Service {
   /// tell.
   [[nodiscard]] std::optional<std::vector<Names>> uses(const Names& names);
   [[nodiscard]] std::vector<InstanceState> states(uint32_t transaction, const Names& names);
+  /// nullopt where the service refuses, as where more follows what is staged than a commit takes.
+  [[nodiscard]] std::optional<std::vector<InstanceState>> tryStates(uint32_t transaction,
+                                                                    const Names& names);
   /// One each, in the order of the names; empty where there is no such instance.
   [[nodiscard]] std::vector<std::vector<Reason>> explain(uint32_t transaction, const Names& names);
   [[nodiscard]] std::vector<Definition> definitions(const Names& names);

@@ -246,6 +246,40 @@ TEST_F(CtlServiceTest, RestoresTheEmptyTextAndRefusesWhatIsOutside) {
   });
 }
 
+// What a value of the file locks is stored before it, in the situation that the rest leads to.
+TEST_F(CtlServiceTest, RestoresWhatTheFileLocks) {
+  serve(
+      "lock rw { rangeValid { 0..1 } default { 0 } }\n"
+      "gain rw { rangeValid { 0..(most) } ctrlRO (lock == 1) default { 5 } }\n"
+      "most rw { rangeValid { 0..99 } default { 9 } }\n"
+      "main_lock rw { rangeValid { 0..1 } default { 0 } ctrlRO (lock == 1) }\n"
+      "tint rw { rangeValid { 0..9 } ctrlRO (main_lock == 1) default { 5 } }\n"
+      "slow rw { rangeValid { 0..1 } default { 0 } }\n"
+      "rate rw { rangeValid (slow == 0) { 0..50 } rangeValid (slow == 1) { 0..10 } default { 9 }\n"
+      "  ctrlValid (slow == 0) }\n");
+  const char* const file = "printf 'gain=50\nlock=1\nmain_lock=1\nmost=60\ntint=2\n' >f; ";
+  expectLines({
+      {.line = "ctl -q up; " + std::string(file) + "ctl restore --dry-run f",
+       .out = "gain: 5 -> 50\nlock: 0 -> 1\nmain_lock: 0 -> 1\nmost: 9 -> 60\ntint: 5 -> 2\n"},
+      {.line = "ctl restore f; ctl diff f", .out = "restored 5 of 5\n"},
+      // What is locked already stays so.
+      {.line = "sed -i s/gain=50/gain=40/ f; ctl restore --dry-run f",
+       .err = "would be refused: gain: it is not writable\n",
+       .status = 1},
+      {.line = "ctl restore f",
+       .out = "restored 4 of 5\n",
+       .err = "refused: gain: it is not writable\n",
+       .status = 1},
+      {.line = "ctl -q set lock=0; ctl -q set main_lock=0; ctl restore f; ctl diff f",
+       .out = "restored 5 of 5\n"},
+      {.line = "printf 'rate=7\nslow=1\n' | ctl restore -",
+       .out = "restored 1 of 2\n",
+       .err = "absent: rate does not exist now\n",
+       .status = 1},
+      {.line = "ctl transactions"},
+  });
+}
+
 TEST_F(CtlServiceTest, EndsAWatchThatCannotBeWritten) {
   serve(PICTURE);
   expectLines({{.line = "ctl -q up"}});

@@ -14,6 +14,7 @@
 #include "ctl/text/sentences.h"
 #include "ctl/text/suggestion.h"
 #include "ctl/words/asked.h"
+#include "ctl/words/candidates.h"
 
 namespace {
 
@@ -52,6 +53,79 @@ Names valuesOf(Service& service, const std::vector<Assignment>& wanted) {
     values.push_back(std::move(state.value));
   }
   return values;
+}
+
+// Goes through the levels until that changes no more; returns what was refused in the end.
+std::vector<Refusal> restoreUntilAtRest(Service& service, const Levels& levels,
+                                        const std::vector<Assignment>& wanted, bool isStatus) {
+  const auto byLevel = levels.sorted(wanted);
+  std::vector<Refusal> refused;
+  Names before;
+  for (size_t round = 0; round < MOST_ROUNDS; ++round) {
+    const OwnTransaction transaction(service);
+    refused = restoreOnce(service, transaction.id(), byLevel, isStatus);
+    Names after = valuesOf(service, wanted);
+    if (after == before) break;
+    before = std::move(after);
+  }
+  return refused;
+}
+
+// Those of the values that can be set now, and no more once all of them are stored.
+Names lockedByOthers(Service& service, const std::vector<Assignment>& left) {
+  Names locked;
+  if (left.empty()) return locked;
+  const OwnTransaction trial(service);
+  stageTaken(service, trial.id(), left, false);
+  const std::vector<InstanceState> now = service.states(COMMITTED, namesOf(left));
+  const auto then = service.tryStates(trial.id(), namesOf(left));
+  if (!then) return locked;
+  for (size_t i = 0; i < left.size(); ++i) {
+    if (wouldBeLocked(now[i], (*then)[i])) locked.push_back(left[i].name);
+  }
+  return locked;
+}
+
+std::set<std::string> basesOf(const Names& names) {
+  std::set<std::string> bases;
+  for (const std::string& name : names) bases.emplace(baseOf(name));
+  return bases;
+}
+
+// The base names of those of the values that the locks of these instances read.
+std::set<std::string> lockingBases(Service& service, const std::vector<Assignment>& left,
+                                   const Names& locked) {
+  const std::set<std::string> bases = basesOf(locked);
+  std::set<std::string> locks;
+  for (const Definition& definition : service.definitions({bases.begin(), bases.end()})) {
+    std::ranges::copy_if(
+        definition.statements, std::inserter(locks, locks.end()),
+        [](const std::string& statement) { return statement.starts_with("ctrl"); });
+  }
+  std::set<std::string> locking = basesOf(namesOf(left));
+  std::erase_if(locking, [&](const std::string& base) {
+    return std::ranges::none_of(locks, [&](const auto& lock) { return mentions(lock, base); });
+  });
+  return locking;
+}
+
+// Stores what others of the values will lock; those others are left for later. What is locked may
+// itself lock.
+void restoreBeforeLocks(Service& service, const Levels& levels,
+                        const std::vector<Assignment>& wanted) {
+  Names before;
+  for (size_t round = 0; round < MOST_ROUNDS; ++round) {
+    const std::vector<Assignment> left = missing(service, wanted);
+    const Names locked = lockedByOthers(service, left);
+    if (locked.empty() || locked == before) return;
+    before = locked;
+    const std::set<std::string> locking = lockingBases(service, left, locked);
+    std::vector<Assignment> first = left;
+    std::erase_if(first, [&](const Assignment& each) {
+      return locking.contains(std::string(baseOf(each.name)));
+    });
+    static_cast<void>(restoreUntilAtRest(service, levels, first, false));
+  }
 }
 
 // Those that the definition has turned into what is stored are not cut.
@@ -141,16 +215,8 @@ std::vector<Refusal> commitLevel(Service& service, uint32_t transaction,
 Restored restoreByLevels(Service& service, const Levels& levels,
                          const std::vector<Assignment>& wanted, bool isStatus) {
   const std::vector<Assignment> known = levels.known(wanted);
-  const auto byLevel = levels.sorted(known);
-  std::vector<Refusal> refused;
-  Names before;
-  for (size_t round = 0; round < MOST_ROUNDS; ++round) {
-    const OwnTransaction transaction(service);
-    refused = restoreOnce(service, transaction.id(), byLevel, isStatus);
-    Names after = valuesOf(service, known);
-    if (after == before) break;
-    before = std::move(after);
-  }
+  if (!isStatus) restoreBeforeLocks(service, levels, known);
+  const std::vector<Refusal> refused = restoreUntilAtRest(service, levels, known, isStatus);
   return restoredOf(service, levels, wanted, refused, isStatus);
 }
 
@@ -206,6 +272,10 @@ int tellRestored(Client& client, const Restored& restored, const std::string& ve
   if (!told.unknown.empty()) return STATUS_UNKNOWN;
   if (!told.refused.empty() || !told.absent.empty()) return STATUS_REFUSED;
   return isStrict && !told.cut.empty() ? STATUS_CUT : STATUS_DONE;
+}
+
+bool wouldBeLocked(const InstanceState& now, const InstanceState& then) {
+  return now.is(STATE_WRITABLE) && then.is(STATE_EXISTS) && !then.is(STATE_WRITABLE);
 }
 
 std::string refusalText(const InstanceState& state, const std::string& value,

@@ -30,9 +30,14 @@ std::vector<Refusal> refusedTogether(Service& service, const std::vector<Assignm
 std::vector<Refusal> commitLevel(Service& service, uint32_t transaction,
                                  const std::vector<Assignment>& assignments, bool isStatus);
 
-/// Commits the values level by level, until that changes no more. `isStatus` as of the device.
+/// Commits the values level by level, until that changes no more. `isStatus` as of the device;
+/// otherwise what some of the values would lock is stored before those.
 Restored restoreByLevels(Service& service, const Levels& levels,
                          const std::vector<Assignment>& wanted, bool isStatus);
+
+/// Whether an instance can be set in the state `now`, and exists and cannot be set in that of
+/// `then`.
+bool wouldBeLocked(const InstanceState& now, const InstanceState& then);
 
 /// Why the value is refused for an instance in this state: by its limits, where those refuse it, or
 /// `why` in the service's words.

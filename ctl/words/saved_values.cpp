@@ -149,7 +149,8 @@ int showRestoration(Client& client, const Levels& levels, const std::vector<Assi
       ++problems.count;
     } else if (const auto why = refused.find(names[i]); why != refused.end()) {
       problems.refused.push_back({names[i], refusalText(then[i], wanted[i].value, why->second)});
-    } else if (!arguments.isStatus && !then[i].is(STATE_WRITABLE)) {
+    } else if (!arguments.isStatus && !then[i].is(STATE_WRITABLE) &&
+               !wouldBeLocked(now[i], then[i])) {
       problems.refused.push_back({names[i], "it is not writable"});
     } else {
       if (!isAllowed(then[i], values[i])) problems.cut.push_back({wanted[i], then[i]});

@@ -254,6 +254,7 @@ TEST_F(CtlServiceTest, RestoresWhatTheFileLocks) {
       "most rw { rangeValid { 0..99 } default { 9 } }\n"
       "main_lock rw { rangeValid { 0..1 } default { 0 } ctrlRO (lock == 1) }\n"
       "tint rw { rangeValid { 0..9 } ctrlRO (main_lock == 1) default { 5 } }\n"
+      "deep rw { rangeValid { 0..9 } ctrlValid (main_lock == 1) }\n"
       "slow rw { rangeValid { 0..1 } default { 0 } }\n"
       "rate rw { rangeValid (slow == 0) { 0..50 } rangeValid (slow == 1) { 0..10 } default { 9 }\n"
       "  ctrlValid (slow == 0) }\n");
@@ -272,6 +273,10 @@ TEST_F(CtlServiceTest, RestoresWhatTheFileLocks) {
        .status = 1},
       {.line = "ctl -q set lock=0; ctl -q set main_lock=0; ctl restore f; ctl diff f",
        .out = "restored 5 of 5\n"},
+      {.line = "ctl -q set lock=0; ctl -q set main_lock=0; "
+               "printf 'deep=3\nlock=1\nmain_lock=1\n' >g; ctl restore --dry-run g",
+       .out = "deep: \"\" -> 3\nlock: 0 -> 1\nmain_lock: 0 -> 1\n"},
+      {.line = "ctl restore g; ctl diff g", .out = "restored 3 of 3\n"},
       {.line = "printf 'rate=7\nslow=1\n' | ctl restore -",
        .out = "restored 1 of 2\n",
        .err = "absent: rate does not exist now\n",

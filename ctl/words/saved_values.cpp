@@ -124,6 +124,22 @@ int diff(Client& client, const FileArguments& arguments) {
   return all.empty() ? STATUS_DONE : STATUS_REFUSED;
 }
 
+// The states of the values that are staged. What others of them lock is stored before those, so it
+// is staged here as the device does it.
+std::vector<InstanceState> statesThen(Service& service, uint32_t trial,
+                                      const std::vector<Assignment>& wanted,
+                                      const std::vector<InstanceState>& now, bool isStatus) {
+  std::vector<InstanceState> then = service.states(trial, namesOf(wanted));
+  if (isStatus) return then;
+  std::vector<Assignment> locked;
+  for (size_t i = 0; i < wanted.size(); ++i) {
+    if (wouldBeLocked(now[i], then[i])) locked.push_back(wanted[i]);
+  }
+  if (locked.empty()) return then;
+  stageTaken(service, trial, locked, true);
+  return service.states(trial, namesOf(wanted));
+}
+
 // What a restoration would change, each value judged where all others have been restored. Nothing
 // is stored.
 int showRestoration(Client& client, const Levels& levels, const std::vector<Assignment>& wanted,
@@ -136,7 +152,8 @@ int showRestoration(Client& client, const Levels& levels, const std::vector<Assi
   }
   const Names names = namesOf(wanted);
   const std::vector<InstanceState> now = client.service.states(COMMITTED, names);
-  const std::vector<InstanceState> then = client.service.states(trial.id(), names);
+  const std::vector<InstanceState> then =
+      statesThen(client.service, trial.id(), wanted, now, arguments.isStatus);
   const std::vector<std::string> values = translatedValues(client, wanted);
   std::vector<Difference> changes;
   Restored problems;

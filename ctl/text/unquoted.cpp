@@ -6,6 +6,13 @@
 
 namespace {
 
+constexpr std::string_view NO_ASSIGNMENT = "this is not NAME=VALUE";
+constexpr std::string_view NO_ESCAPE =
+    R"(a "\" is followed by neither ", \, n, r, t nor x with two digits)";
+constexpr std::string_view OPEN_QUOTE = R"(the quoted text has no closing ")";
+constexpr std::string_view MORE_BEHIND = R"(there is more behind the closing ")";
+constexpr std::string_view NOT_FOR_BUS = "this is not UTF-8, or has a NUL byte";
+
 // Takes the character behind a backslash off `rest`, and adds what it stands for; false where it
 // stands for nothing.
 bool takeEscaped(std::string_view& rest, std::string& out) {
@@ -38,8 +45,8 @@ bool takeEscaped(std::string_view& rest, std::string& out) {
   return true;
 }
 
-// Takes a quoted text off `rest`; nullopt where it does not end.
-std::optional<std::string> takeQuoted(std::string_view& rest) {
+// Takes a quoted text off `rest`; nullopt where it is no such text.
+std::optional<std::string> takeQuoted(std::string_view& rest, std::string_view& fault) {
   std::string text;
   rest.remove_prefix(1);
   while (!rest.empty()) {
@@ -49,17 +56,19 @@ std::optional<std::string> takeQuoted(std::string_view& rest) {
     if (c != '\\') {
       text += c;
     } else if (!takeEscaped(rest, text)) {
+      fault = NO_ESCAPE;
       return std::nullopt;
     }
   }
+  fault = OPEN_QUOTE;
   return std::nullopt;
 }
 
 // Takes the name off `rest`, and the sign behind it.
-std::optional<std::string> takeName(std::string_view& rest) {
+std::optional<std::string> takeName(std::string_view& rest, std::string_view& fault) {
   std::optional<std::string> name;
   if (rest.starts_with('"')) {
-    name = takeQuoted(rest);
+    name = takeQuoted(rest, fault);
     if (!rest.starts_with('=')) return std::nullopt;
   } else {
     const size_t sign = signOfAssignment(rest);
@@ -71,10 +80,12 @@ std::optional<std::string> takeName(std::string_view& rest) {
   return name;
 }
 
-std::optional<std::string> valueOf(std::string_view rest) {
+std::optional<std::string> valueOf(std::string_view rest, std::string_view& fault) {
   if (!rest.starts_with('"')) return std::string(rest);
-  std::optional<std::string> value = takeQuoted(rest);
-  return rest.empty() ? value : std::nullopt;
+  std::optional<std::string> value = takeQuoted(rest, fault);
+  if (!value || rest.empty()) return value;
+  fault = MORE_BEHIND;
+  return std::nullopt;
 }
 
 bool isForBus(const std::string& text) {
@@ -83,10 +94,13 @@ bool isForBus(const std::string& text) {
 
 }  // namespace
 
-std::optional<Assignment> unquotedAssignment(std::string_view line) {
-  const std::optional<std::string> name = takeName(line);
+std::optional<Assignment> unquotedAssignment(std::string_view line, std::string_view& fault) {
+  fault = NO_ASSIGNMENT;
+  const std::optional<std::string> name = takeName(line, fault);
   if (!name || name->empty()) return std::nullopt;
-  const std::optional<std::string> value = valueOf(line);
-  if (!value || !isForBus(*name) || !isForBus(*value)) return std::nullopt;
-  return Assignment{*name, *value};
+  const std::optional<std::string> value = valueOf(line, fault);
+  if (!value) return std::nullopt;
+  if (isForBus(*name) && isForBus(*value)) return Assignment{*name, *value};
+  fault = NOT_FOR_BUS;
+  return std::nullopt;
 }

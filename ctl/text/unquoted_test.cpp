@@ -17,7 +17,8 @@ TEST(Unquoted, IsWhatWasQuoted) {
     const std::string line = quotedAssignment(each.name, each.value);
     SCOPED_TRACE(line);
     EXPECT_EQ(line.find('\n'), std::string::npos);
-    EXPECT_EQ(unquotedAssignment(line), each);
+    std::string_view fault;
+    EXPECT_EQ(unquotedAssignment(line, fault), each);
   }
 }
 
@@ -47,7 +48,8 @@ TEST(Unquoted, ReadsWhatAPersonWrites) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.line);
-    EXPECT_EQ(unquotedAssignment(c.line), c.assignment);
+    std::string_view fault;
+    EXPECT_EQ(unquotedAssignment(c.line, fault), c.assignment);
   }
 }
 

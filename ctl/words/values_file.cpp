@@ -81,6 +81,8 @@ bool replaceFile(const std::string& path, std::string_view text) {
 // In bytes. More than any device has, so that the end of a file that has none is seen.
 constexpr size_t MOST_READ = size_t{128} << 20U;
 
+constexpr std::string_view BYTE_ORDER_MARK = "\xef\xbb\xbf";
+
 // A device, a pipe or the like cannot be replaced.
 bool isSpecial(const std::string& path) {
   struct stat status = {};
@@ -121,14 +123,18 @@ std::optional<std::vector<Assignment>> tryReadValuesFile(const std::string& path
   std::vector<Assignment> assignments;
   std::set<std::string> names;
   size_t number = 0;
-  for (std::string_view rest = *text; !rest.empty();) {
+  std::string_view rest = *text;
+  // Some editors put a byte order mark before the first name.
+  if (rest.starts_with(BYTE_ORDER_MARK)) rest.remove_prefix(BYTE_ORDER_MARK.size());
+  while (!rest.empty()) {
     const std::string_view line = rest.substr(0, rest.find('\n'));
     rest.remove_prefix(std::min(rest.size(), line.size() + 1));
     ++number;
     if (line.empty()) continue;
-    std::optional<Assignment> assignment = unquotedAssignment(line);
+    std::string_view fault;
+    std::optional<Assignment> assignment = unquotedAssignment(line, fault);
     if (!assignment) {
-      error = lineError(path, number, "this is not NAME=VALUE");
+      error = lineError(path, number, std::string(fault));
       return std::nullopt;
     }
     if (!names.insert(assignment->name).second) {

@@ -55,6 +55,10 @@ TEST_F(ValuesFileTest, ReadsLinesInTheirOrder) {
   } cases[] = {
       {"empty lines", "\n\nb=2\n\na=1\n\n", {{"b", "2"}, {"a", "1"}}},
       {"no newline at the end", "a=1\nb=2", {{"a", "1"}, {"b", "2"}}},
+      {"a byte order mark",
+       "\xef\xbb\xbf"
+       "a=1\n",
+       {{"a", "1"}}},
       {"a sign in a value", "a=1=2\n", {{"a", "1=2"}}},
   };
   for (const auto& c : cases) {
@@ -73,8 +77,12 @@ TEST_F(ValuesFileDeathTest, EndsTheProgramForWhatCannotBeRead) {
   } cases[] = {
       {"a=1\nb\n", "file, line 2: this is not NAME=VALUE"},
       {"a=1\n\nb=2\na=1\n", "file, line 4: a is given two values"},
-      {"a=\"1\n", "file, line 1: this is not NAME=VALUE"},
-      {"a=\xff\n", "file, line 1: this is not NAME=VALUE"},
+      {"a=\"1\n", "file, line 1: the quoted text has no closing \""},
+      {"a=\"1\"2\n", "file, line 1: there is more behind the closing \""},
+      {"\"a\" 1\n", "file, line 1: this is not NAME=VALUE"},
+      {"a=\"\\y\"\n", "file, line 1: a \"\\\\\" is followed by neither"},
+      {"a=\xff\n", "file, line 1: this is not UTF-8, or has a NUL byte"},
+      {"a=\"\\x00\"\n", "file, line 1: this is not UTF-8, or has a NUL byte"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);

@@ -49,11 +49,13 @@ class ForeignIndexCheck {
   void check(const NamedDefinition& definition) {
     std::set<std::string_view> told;
     forEachExpression(*definition.record, [&](ExpressionUse /*use*/, const Expression& expression) {
+      std::optional<bool> isWellFormed;  // once it is asked for
       for (const Token& token : expression.tokens) {
         if (token.kind != TOKEN_VARIABLE) continue;
         const Reference reference = context_.referenceOf(token);
         if (reference.named == nullptr) continue;
-        if (!ExpressionTree::make(expression)) return;
+        if (!isWellFormed) isWellFormed = ExpressionTree::make(expression).has_value();
+        if (!*isWellFormed) return;
         std::optional<Finding> finding = definition.isIndex() ? foundInIndex(definition, reference)
                                                               : foundIn(definition, reference);
         if (!finding) continue;

@@ -60,4 +60,16 @@ TEST(Checker, EndsOnTextsOfManyInstances) {
   }
 }
 
+// A condition whose formula would be larger than what can be solved.
+TEST(Checker, EndsOnALongCondition) {
+  constexpr int TERMS = 8000;
+  std::string text = "mode rw { rangeValid { 0.." + std::to_string(TERMS) + " } default { 0 } }\n" +
+                     "gain rw { rangeValid { 0..9 } default { 0 } ctrlRO (mode == 0\n";
+  for (int i = 1; i < TERMS; ++i) text += "|| mode == " + std::to_string(i) + "\n";
+  const SourceText source("text", text + ") }\n");
+  const CheckReport report = checkText(source, {});
+  EXPECT_EQ(codesOf(report.findings), std::vector<std::string>());
+  EXPECT_EQ(codesOf(report.undecided), std::vector<std::string>({"always-true"}));
+}
+
 }  // namespace

@@ -17,6 +17,8 @@ constexpr unsigned TEXT_BITS = 12;
 constexpr size_t MANY_TEXTS = 4000;
 // How often a formula may ask for one of the texts.
 constexpr size_t MANY_TEXT_CASES = 200'000;
+// Of the expressions of a question. Formulas of some more take minutes to be freed again.
+constexpr size_t MANY_EXPRESSION_STEPS = 10'000;
 // Whether one text contains another is left open where they are more.
 constexpr size_t MANY_CONTAINED_TEXTS = 100;
 // About a tenth of a second.
@@ -217,6 +219,7 @@ class Formulas {
   SymbolicResult evaluate(const CompiledExpression& expression, const KeyOf& keyOf) {
     std::vector<Symbolic> stack;
     z3::expr fails = truth(expression.program.empty());
+    if (!takeSteps(expression.program.steps().size())) return noResult(fails);
     for (const Program::Step& step : expression.program.steps()) {
       const auto place = static_cast<size_t>(step.value);
       if (step.kind == TOKEN_NUMBER) {
@@ -234,8 +237,18 @@ class Formulas {
         stack.back() = result.value;
       }
     }
-    if (stack.empty()) return {{truth(true), truth(false), numberOf(0), textAt(0)}, fails};
+    if (stack.empty()) return noResult(fails);
     return {stack.front(), fails || stack.front().isUndefined};
+  }
+
+  SymbolicResult noResult(const z3::expr& fails) {
+    return {{truth(true), truth(false), numberOf(0), textAt(0)}, fails};
+  }
+
+  bool takeSteps(size_t count) {
+    isTooLarge_ = isTooLarge_ || count > stepsLeft_;
+    if (!isTooLarge_) stepsLeft_ -= count;
+    return !isTooLarge_;
   }
 
   // The number that an operator reads: of a text, the one at its start.
@@ -535,6 +548,7 @@ class Formulas {
   std::vector<z3::expr> kept_;  // keeps the identities that these are by
   size_t fresh_ = 0;
   size_t casesLeft_ = MANY_TEXT_CASES;
+  size_t stepsLeft_ = MANY_EXPRESSION_STEPS;
   bool isTooLarge_ = false;
 };
 

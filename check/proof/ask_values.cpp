@@ -162,7 +162,23 @@ bool canBeMissing(const CompiledExpression& expression) {
          });
 }
 
-void askItem(Proof& proof, const Goal& counts, const CompiledItem& item) {
+// One kind of range, and what comes of one that cannot be used.
+struct RangeKind {
+  std::vector<CompiledStatement> Subject::*statements;
+  const char* unusable;
+  const char* withoutItem;
+  FindingLevel levelWithoutItem;
+};
+
+constexpr RangeKind RANGE_KINDS[] = {
+    {&Subject::rangeValid, "the range then takes every value",
+     "this range has no item, and so takes every value", LEVEL_ERROR},
+    {&Subject::rangeDoc, "a query of the range then fails",
+     "this menu has no item, so a query of the range answers that there is no value",
+     LEVEL_WARNING},
+};
+
+void askItem(Proof& proof, const Goal& counts, const CompiledItem& item, const RangeKind& kind) {
   if (item.text || !proof.domains().mayFail(item)) return;
   for (const auto* end : {&item.lower, &item.upper}) {
     if (!usesVariables(*end)) continue;
@@ -172,25 +188,26 @@ void askItem(Proof& proof, const Goal& counts, const CompiledItem& item) {
     if (missing.empty()) continue;
     WrongValues(proof, counts)
         .ask(std::move(missing), **end,
-             {"no-value", "this can be without a value", ", and the range then takes every value"});
+             {"no-value", "this can be without a value", std::string(", and ") + kind.unusable});
   }
   if (!item.upper) return;
   WrongValues(proof, counts)
       .ask({{&*item.lower, WANT_ABOVE, &*item.upper}}, computedEnd(item),
            {"empty-range", "the lower end can be above the upper end",
-            "; the range then takes every value"});
+            std::string("; ") + kind.unusable});
 }
 
-void askRanges(Proof& proof, const Subject& subject, const std::vector<CompiledStatement>& ranges,
+void askRanges(Proof& proof, const Subject& subject, const RangeKind& kind,
                const Explained& explained) {
-  for (const CompiledStatement& statement : ranges) {
+  for (const CompiledStatement& statement : subject.*kind.statements) {
     if (explained.dead.contains(&statement) || explained.explains(statement)) continue;
     const Goal counts = countsIn(subject, statement);
     if (statement.items.empty()) {
-      proof.addIfHealthy(counts, {"empty-range", placeOf(*statement.layout),
-                                  "this range has no item, and so takes every value"});
+      Finding finding{"empty-range", placeOf(*statement.layout), kind.withoutItem};
+      finding.level = kind.levelWithoutItem;
+      proof.addIfHealthy(counts, std::move(finding));
     }
-    for (const CompiledItem& item : statement.items) askItem(proof, counts, item);
+    for (const CompiledItem& item : statement.items) askItem(proof, counts, item, kind);
   }
 }
 
@@ -208,8 +225,7 @@ void askDefault(Proof& proof, const Subject& subject, const CompiledStatement& s
 
 void askValues(Proof& proof, const Explained& explained) {
   proof.forEachSubject([&](const Subject& subject) {
-    askRanges(proof, subject, subject.rangeValid, explained);
-    askRanges(proof, subject, subject.rangeDoc, explained);
+    for (const RangeKind& kind : RANGE_KINDS) askRanges(proof, subject, kind, explained);
     if (subject.parm == nullptr) return;
     for (const CompiledStatement& statement : subject.defaults) {
       if (!explained.dead.contains(&statement) && !explained.explains(statement)) {

@@ -151,7 +151,8 @@ Right:
     {"empty-range", GROUP_PROVED, LEVEL_ERROR, "a range without a value in some situation",
      R"(In the situation named, the lower end of a span is above its upper end, or the
 range has no item. Such a range cannot be used: values outside are then
-accepted, and a query for the range fails.
+accepted, and a query for the range fails. Of a rangeDoc it is the query alone;
+without an item it answers that there is no value, which is a warning.
 
 Wrong:
     limit rw { rangeValid { 0..99 } default { 50 } }

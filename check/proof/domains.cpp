@@ -6,6 +6,7 @@
 #include "base/number.h"
 #include "check/proof/staged_domain.h"
 #include "database/gather.h"
+#include "deflang/expression/operators.h"
 #include "srcs/vid_std_figures.h"
 #include "sw/parm/parm_name.h"
 
@@ -83,6 +84,17 @@ void addCorrected(const CompiledItem& item, const AbstractValue& held, const aut
   }
 }
 
+// Whether a name is by itself what is true or not.
+bool standsAlone(std::span<const Token> tokens, size_t place) {
+  const auto isBorder = [&](size_t at) {
+    if (at >= tokens.size()) return true;
+    const int32_t kind = tokens[at].kind;
+    return kind == TOKEN_OPEN || kind == TOKEN_CLOSE || kind == OP_LOGICAL_AND ||
+           kind == OP_LOGICAL_OR;
+  };
+  return (place == 0 || isBorder(place - 1)) && isBorder(place + 1);
+}
+
 }  // namespace
 
 Domains::Domains(const CompiledText& text) : text_(text) {}
@@ -123,7 +135,8 @@ const NameDomain& Domains::ofAnyVariant(const VariableSource& source) {
   return found != variants_.end() ? found->second : of(source);
 }
 
-// A constant's values are those of the command line and those of the literals beside it.
+// A constant's values are those of the command line and those of the literals beside it, and 0 and
+// 1 where it is a condition by itself.
 void Domains::noteComparedConstants() {
   // A product that nobody has thought of has a value that is none of them.
   for (const auto& [name, values] : text_.checked().choices) {
@@ -132,6 +145,11 @@ void Domains::noteComparedConstants() {
   }
   const auto note = [&](const CompiledExpression& expression) {
     const auto& tokens = expression.expression.tokens;
+    for (size_t i = 0; i < tokens.size(); ++i) {
+      if (tokens[i].kind != TOKEN_VARIABLE || !standsAlone(tokens, i)) continue;
+      const auto found = variants_.find(tokens[i].text);
+      if (found != variants_.end()) found->second.values.addSpan(0, 1);
+    }
     for (size_t i = 0; i + 2 < tokens.size(); ++i) {
       for (const auto& [name, literal] : {std::pair(i, i + 2), std::pair(i + 2, i)}) {
         if (tokens[name].kind != TOKEN_VARIABLE) continue;

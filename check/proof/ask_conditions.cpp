@@ -117,7 +117,11 @@ void addExplained(Proof& proof, FoundConditions::One& found) {
     return isToldOfStandard(proof, one);
   });
   if (isTold) return;
-  if (!found.isSettled) explainValues(proof, condition, found.finding);
+  if (found.isSettled) {
+    proposeTexts(proof, condition, found.finding);
+  } else {
+    explainValues(proof, condition, found.finding);
+  }
   proof.add(std::move(found.finding));
 }
 

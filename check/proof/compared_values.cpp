@@ -55,6 +55,70 @@ bool isAnyNumber(const Domain& held) {
          std::ranges::find(held.spans(), Span(INT32_MIN, INT32_MAX)) != held.spans().end();
 }
 
+// The definition of the name that is compared, or null.
+const Subject* subjectOf(const Proof& proof, const ComparedValue& compared) {
+  return proof.text().find(baseName(compared.source.name));
+}
+
+// The texts in the ranges of a definition that have nothing else.
+std::set<std::string, std::less<>> writtenTexts(const Subject* subject) {
+  std::set<std::string, std::less<>> texts;
+  if (subject == nullptr) return texts;
+  for (const CompiledStatement& range : subject->rangeValid) {
+    for (const CompiledItem& item : range.items) {
+      if (!item.text) return {};
+      texts.insert(*item.text);
+    }
+  }
+  return texts;
+}
+
+// The value by which a definition replaces the text that is compared, and which it holds then.
+std::optional<std::string> replacedBy(Proof& proof, const ComparedValue& compared) {
+  const Subject* const subject = subjectOf(proof, compared);
+  if (subject == nullptr || compared.literal->kind != TOKEN_STRING) return std::nullopt;
+  if (!isEquality(compared.code)) return std::nullopt;
+  std::string value(compared.literal->text);
+  const Domain& held = proof.domains().ofAnyVariant(compared.source).values;
+  if (held.contains(value)) return std::nullopt;
+  subject->definition().translateTwice(value);
+  if (value == compared.literal->text || !held.contains(value)) return std::nullopt;
+  return value;
+}
+
+// The statement that replaces `source`.
+const Translation* translationOf(const Subject& subject, std::string_view source) {
+  for (const Translation& translation : subject.record->valueChange) {
+    if (translation.source == source) return &translation;
+  }
+  return nullptr;
+}
+
+// Tells what a text becomes that is compared, and proposes that.
+void explainReplaced(Proof& proof, const ComparedValue& compared, Finding& finding) {
+  const std::optional<std::string> value = replacedBy(proof, compared);
+  if (!value) return;
+  const std::string_view text = compared.literal->text;
+  const SourceText& source = proof.text().checked().source;
+  if (const Translation* const by = translationOf(*subjectOf(proof, compared), text)) {
+    finding.related.push_back(
+        {valuePlace(source, by->at), inQuotes(text) + " becomes " + inQuotes(*value) + " here"});
+  }
+  if (finding.proposal) return;
+  const bool isNumber = wholeNumber(*value).has_value();
+  finding.proposal =
+      Proposal{tokenPlace(source, *compared.literal), isNumber ? *value : inQuotes(*value)};
+}
+
+// Proposes the text nearest to the one that is compared.
+void proposeText(Proof& proof, const ComparedValue& compared, Finding& finding) {
+  if (finding.proposal) return;
+  if (const std::optional<std::string> meant = meantText(proof, compared)) {
+    const TextPlace at = tokenPlace(proof.text().checked().source, *compared.literal);
+    finding.proposal = Proposal{at, inQuotes(*meant)};
+  }
+}
+
 }  // namespace
 
 std::vector<ComparedValue> comparedValues(const Proof& proof, const Expression& expression) {
@@ -76,9 +140,13 @@ std::vector<ComparedValue> comparedValues(const Proof& proof, const Expression& 
 std::optional<std::string> meantText(Proof& proof, const ComparedValue& compared) {
   if (compared.literal->kind != TOKEN_STRING || !isEquality(compared.code)) return std::nullopt;
   const Domain& held = proof.domains().ofAnyVariant(compared.source).values;
-  if (held.isAll() || held.contains(compared.literal->text)) return std::nullopt;
-  NearestWord nearest(compared.literal->text);
-  for (const std::string& text : held.texts()) {
+  // What a situation may leave behind is not meant: then it is one of the texts that are written.
+  const std::set<std::string, std::less<>> texts =
+      held.isAll() ? writtenTexts(subjectOf(proof, compared)) : held.texts();
+  const std::string literal(compared.literal->text);
+  if (held.isAll() ? texts.contains(literal) : held.contains(literal)) return std::nullopt;
+  NearestWord nearest(literal);
+  for (const std::string& text : texts) {
     if (!text.empty()) nearest.offer(text);
   }
   return nearest.found() ? std::optional(std::string(*nearest.found())) : std::nullopt;
@@ -101,15 +169,17 @@ bool isToldOfStandard(Proof& proof, const ComparedValue& compared) {
   });
 }
 
+void proposeTexts(Proof& proof, const Expression& expression, Finding& finding) {
+  for (const ComparedValue& compared : comparedValues(proof, expression)) {
+    proposeText(proof, compared, finding);
+  }
+}
+
 void explainValues(Proof& proof, const Expression& expression, Finding& finding) {
   std::set<std::string_view> told;
   for (const ComparedValue& compared : comparedValues(proof, expression)) {
-    if (!finding.proposal) {
-      if (const std::optional<std::string> meant = meantText(proof, compared)) {
-        const TextPlace at = tokenPlace(proof.text().checked().source, *compared.literal);
-        finding.proposal = Proposal{at, inQuotes(*meant)};
-      }
-    }
+    explainReplaced(proof, compared, finding);
+    proposeText(proof, compared, finding);
     const Domain& held = proof.domains().ofAnyVariant(compared.source).values;
     const std::string_view name = baseName(compared.source.name);
     const Subject* const subject = proof.text().find(name);
@@ -134,6 +204,9 @@ MendedExpression::MendedExpression(const Proof& proof, const Expression& express
 std::vector<std::string> meantValues(Proof& proof, const ComparedValue& compared,
                                      const std::vector<ComparedValue>& others) {
   std::vector<std::string> values;
+  if (std::optional<std::string> value = replacedBy(proof, compared)) {
+    values.push_back(*std::move(value));
+  }
   if (std::optional<std::string> meant = meantText(proof, compared)) {
     values.push_back(*std::move(meant));
   }

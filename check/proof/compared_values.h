@@ -20,6 +20,9 @@ bool isToldOfStandard(Proof& proof, const ComparedValue& compared);
 /// The text nearest to a literal that its name never holds: what was probably meant.
 std::optional<std::string> meantText(Proof& proof, const ComparedValue& compared);
 
+/// Proposes in `finding`, which is about `expression`, what a literal was probably meant to be.
+void proposeTexts(Proof& proof, const Expression& expression, Finding& finding);
+
 /// Adds to `finding`, which is about `expression`, what the names are that it compares, and what a
 /// literal was probably meant to be.
 void explainValues(Proof& proof, const Expression& expression, Finding& finding);

@@ -110,10 +110,16 @@ bool isWithin(const Domain& inner, const Domain& outer) {
                      [&](const std::string& text) { return outer.texts().contains(text); });
 }
 
+// Whether `wider` counts wherever `goal` holds only because it always does, which has been told.
+bool isOnlyAlwaysTrue(Proof& proof, const Explained& explained, const Goal& goal,
+                      const CompiledStatement& wider) {
+  return explained.told.contains(&wider) && !proof.isImpossible(goal, ANY_TEXT);
+}
+
 // A range limits nothing where a later one with its values always applies as well. Returns whether
-// that is told.
-bool askLimit(Proof& proof, const Subject& subject, const CompiledStatement& statement,
-              const CompiledStatement& later) {
+// that is so.
+bool askLimit(Proof& proof, const Explained& explained, const Subject& subject,
+              const CompiledStatement& statement, const CompiledStatement& later) {
   Goal goal{&subject, {{{&*statement.condition, WANT_TRUE}}}};
   goal.clauses.push_back(passedOver(later));
   const Verdict verdict = proof.decide(goal, ANY_VARIANT);
@@ -126,7 +132,7 @@ bool askLimit(Proof& proof, const Subject& subject, const CompiledStatement& sta
     proof.addUndecided(std::move(finding));
     return false;
   }
-  proof.add(std::move(finding));
+  if (!isOnlyAlwaysTrue(proof, explained, goal, later)) proof.add(std::move(finding));
   return true;
 }
 
@@ -147,14 +153,16 @@ void askRanges(Proof& proof, const Subject& subject, Explained& explained) {
     for (const CompiledStatement* other : earlier) {
       const std::optional<Domain> others = constantValues(*other);
       const bool isWider = isWithin(*others, *values) && !isWithin(*values, *others);
-      if (isWider && askLimit(proof, subject, *other, statement)) break;
+      if (isWider && askLimit(proof, explained, subject, *other, statement)) break;
       if (!isWithin(*values, *others) || proof.isImpossible(applies, ANY_VARIANT)) continue;
       Goal goal = applies;
       goal.clauses.push_back(passedOver(*other));
       const Verdict verdict = proof.decide(goal, ANY_VARIANT);
       isUndecided = isUndecided || verdict == VERDICT_UNDECIDED;
       if (verdict != VERDICT_IMPOSSIBLE) continue;
-      addUnreachable(proof, statement, other, text);
+      if (!isOnlyAlwaysTrue(proof, explained, goal, *other)) {
+        addUnreachable(proof, statement, other, text);
+      }
       explained.dead.insert(&statement);
       break;
     }

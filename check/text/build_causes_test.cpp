@@ -46,7 +46,8 @@ TEST(BuildCauses, OfStatements) {
        {"6:17 error: there is no \"film\": a text has to be in quotes [unquoted-text]",
         "6:17 meant: \"film\""}},
       {"ctrlRO (mode == film2)",
-       {"6:17 error: there is no \"film2\" in the text, nor a constant of that name "
+       {"6:17 error: there is no \"film2\" in the text: a constant is given by -D film2=..., and a "
+        "text has to be in quotes "
         "[undefined-name]"}},
       {"ctrlRO (mode == 'film')",
        {"6:17 error: a text has to be in double quotes [unquoted-text]", "6:17 meant: \"film\""}},
@@ -78,7 +79,8 @@ TEST(BuildCauses, OfStatements) {
         "[undefined-name]",
         "6:9 meant: mode"}},
       {"ctrlRO (nothing)",
-       {"6:9 error: there is no \"nothing\" in the text, nor a constant of that name "
+       {"6:9 error: there is no \"nothing\" in the text: a constant is given by -D nothing=..., "
+        "and a text has to be in quotes "
         "[undefined-name]"}},
       {"ctrlRO (levl[1])",
        {"6:9 error: there is no \"levl\" [undefined-name]", "6:9 meant: level"}},
@@ -263,7 +265,8 @@ TEST(BuildCauses, AreToldOnceForManyPlaces) {
   std::string text;
   for (int i = 0; i < 9; ++i) text += "a" + std::to_string(i) + " rw { ctrlRO (nothing) }\n";
   const Texts expected = {
-      "1:17 error: there is no \"nothing\" in the text, nor a constant of that name "
+      "1:17 error: there is no \"nothing\" in the text: a constant is given by -D nothing=..., and "
+      "a text has to be in quotes "
       "[undefined-name]",
       "2:17 note: also used here", "3:17 note: also used here", "4:17 note: also used here",
       "5:17 note: also used here, and in 4 more places"};

@@ -264,5 +264,7 @@ Finding NameCauses::undefined(Position at, std::string_view name) {
     return {"missing-constant", place,
             missing + ": as a constant of the command line it is given by -D " + base + "=..."};
   }
-  return {"undefined-name", place, missing + " in the text, nor a constant of that name"};
+  return {"undefined-name", place,
+          missing + " in the text: a constant is given by -D " + base +
+              "=..., and a text has to be in quotes"};
 }

@@ -17,7 +17,8 @@ using Texts = std::vector<std::string>;
 Texts markedArguments(int argc, char** argv);
 
 /// Adds the names that are the arguments of a word: one or more, or any number where they are
-/// `optional`. Where `name` has a "=", they are assignments. Wrong brackets are a fault of the line.
+/// `optional`. Where `name` has a "=", they are assignments. Wrong brackets are a fault of the
+/// line.
 void addTexts(CLI::App& word, const std::string& name, Texts& texts, const std::string& help,
               bool isOptional = false);
 /// Adds an argument of a word.

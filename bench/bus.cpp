@@ -7,7 +7,6 @@
 //
 // and what a person waits for: List of a large device, `ostrelctl get` of a page, `ostrelctl up`.
 #include <benchmark/benchmark.h>
-#include <dbus/dbus.h>
 
 #include <chrono>
 #include <filesystem>
@@ -20,41 +19,11 @@
 #include "bench/device.h"
 #include "tests/harness/client.h"
 #include "tests/harness/daemon.h"
+#include "tests/harness/plain_client.h"
 #include "tests/harness/private_bus.h"
 #include "tests/harness/process.h"
 
 namespace {
-
-// A client on the bus library itself: GLib's makes an object of each value of a reply, which takes
-// twice the time of the rest for a large one.
-class PlainClient {
- public:
-  explicit PlainClient(const std::string& address)
-      : connection_(dbus_connection_open_private(address.c_str(), nullptr)) {
-    if (connection_ == nullptr || dbus_bus_register(connection_, nullptr) == 0) abort();
-  }
-  ~PlainClient() {
-    dbus_connection_close(connection_);
-    dbus_connection_unref(connection_);
-  }
-  PlainClient(const PlainClient&) = delete;
-  PlainClient& operator=(const PlainClient&) = delete;
-
-  void list() {
-    DBusMessage* const call = dbus_message_new_method_call("org.tavrel.transaction", "/parameters",
-                                                           "org.tavrel.parameters1", "List");
-    const char* const all = "";
-    dbus_message_append_args(call, DBUS_TYPE_STRING, &all, DBUS_TYPE_INVALID);
-    DBusMessage* const reply =
-        dbus_connection_send_with_reply_and_block(connection_, call, -1, nullptr);
-    if (reply == nullptr) abort();
-    dbus_message_unref(reply);
-    dbus_message_unref(call);
-  }
-
- private:
-  DBusConnection* connection_;
-};
 
 // A daemon on a bus of its own, and clients of it.
 class Served {
@@ -82,7 +51,9 @@ class Served {
     if (reply == nullptr) abort();
     g_variant_unref(reply);
   }
-  void list() { plain_.list(); }
+  void list() {
+    if (!plain_.list()) abort();
+  }
   void parameters(const char* method, GVariant* arguments) {
     call("/parameters", "org.tavrel.parameters1", method, arguments);
   }

@@ -42,8 +42,6 @@ class ValueText {
   /// The text as it was given. The reference is valid as long as the object, and shows each new
   /// value.
   [[nodiscard]] const std::string& text() const { return text_; }
-  /// Gives the text away, so that no copy is needed; the value may only be set or destroyed then.
-  [[nodiscard]] std::string takeText() { return std::move(text_); }
   /// The value as an operand; never OPERAND_INVALID. It contains a view of the text, valid until
   /// the value is set, moved or destroyed.
   [[nodiscard]] Operand operand() const { return {kind_, number_, text_}; }

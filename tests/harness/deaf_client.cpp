@@ -5,16 +5,6 @@
 #include "tests/harness/bus_methods.h"
 #include "tests/harness/parameters_client.h"
 
-DeafClient::DeafClient(const std::string& busAddress)
-    : connection_(dbus_connection_open_private(busAddress.c_str(), nullptr)) {
-  EXPECT_NE(dbus_bus_register(connection_, nullptr), 0);
-}
-
-DeafClient::~DeafClient() {
-  dbus_connection_close(connection_);
-  dbus_connection_unref(connection_);
-}
-
 void DeafClient::send(const char* method, const char* argument) {
   DBusMessage* message =
       dbus_message_new_method_call(INTERFACE_NAME, OBJECT_PATH, INTERFACE_NAME, method);
@@ -34,12 +24,12 @@ void DeafClient::watch() {
 }
 
 void DeafClient::sendMessage(DBusMessage* message) {
-  EXPECT_NE(dbus_connection_send(connection_, message, nullptr), 0);
+  EXPECT_NE(dbus_connection_send(connection_.get(), message, nullptr), 0);
   dbus_message_unref(message);
-  dbus_connection_flush(connection_);
+  dbus_connection_flush(connection_.get());
 }
 
 void DeafClient::subscribe() {
-  dbus_bus_add_match(connection_, "type='signal'", nullptr);
-  dbus_connection_flush(connection_);
+  dbus_bus_add_match(connection_.get(), "type='signal'", nullptr);
+  dbus_connection_flush(connection_.get());
 }

@@ -3,20 +3,17 @@
 
 #include <string>
 
-struct DBusConnection;
+#include "tests/harness/plain_connection.h"
 
 /// For what is timed: GLib's client makes an object of each value of a reply, which takes twice the
 /// time of the rest for a large one.
 class PlainClient {
  public:
-  explicit PlainClient(const std::string& busAddress);
-  ~PlainClient();
-  PlainClient(const PlainClient&) = delete;
-  PlainClient& operator=(const PlainClient&) = delete;
+  explicit PlainClient(const std::string& busAddress) : connection_(busAddress) {}
 
   /// Lists all parameters. Returns whether they were told.
   [[nodiscard]] bool list();
 
  private:
-  DBusConnection* connection_;
+  PlainConnection connection_;
 };
